@@ -1,0 +1,17 @@
+#pragma once
+/// The bus: address map and port map of the machine. It supplies the processor's mem_read,
+/// mem_write, z80_in and z80_out (declared in z80/z80.h) and charges one wait cycle for every
+/// access to RAM, colour RAM, character RAM, keyboard and disk controller.
+
+#include <cstdint>
+
+/// Connects the sound chip's two ports: A out to the printer, B in to the joysticks.
+void memory_init();
+/// The sound chip's port B: joysticks, or the printer's status when it is on.
+uint8_t memory_read_port_b();
+/// Not connected: FF.
+uint8_t memory_read_port_a();
+/// Drives the maskable interrupt line: nonzero asserts.
+void irq_set_io(int line, int level);
+/// As a processor OUT: the snapshot format's way to a port latch.
+void snapshot_in(uint8_t port, uint8_t value);

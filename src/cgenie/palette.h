@@ -1,0 +1,43 @@
+#pragma once
+/// Colours: sixteen colours of the composite signal as luminance and chroma phase, in the two
+/// standards the machine was sold with, and the composite filter for a television's picture.
+
+#include <cstddef>
+#include <cstdint>
+
+constexpr int PALETTE_ENTRIES = 17; ///< sixteen colours and black
+
+struct yuv_pixel {
+    uint8_t y;
+    int8_t u, v;
+    uint8_t pad;
+};
+
+/// Six fields; only the saturation (percent) enters the palette.
+struct display_parameters {
+    uint32_t saturation, brightness, gamma, contrast, interlaced_line, reserved;
+};
+
+extern uint8_t cgpalette[256][3]; ///< red, green, blue; 16 beyond the used entries
+extern yuv_pixel yuv_palette[256];
+extern uint32_t current_pal_index; ///< 0 Southern, 1 Northern
+extern display_parameters display_params;
+
+/// Rebuilds both palettes for standard 0 or 1.
+void calculate_palette(uint32_t standard);
+/// Rebuilds the palettes of the present standard, after a change of the parameters.
+void palette_update();
+void palette_set_saturation(uint32_t percent);
+uint32_t palette_get_saturation();
+uint32_t palette_get_default_saturation();
+void palette_get_default_config(display_parameters* parameters);
+/// Component 0 red, 1 green, 2 blue of an entry.
+uint8_t video_get_palette_value(int entry, int component);
+
+/// Filters `height` lines of palette indices into YUV pixels: luminance smeared to the right by
+/// 35 percent, chroma averaged over pixel pairs and the line below. The source must have one line
+/// more than `height`; `width` is even. `stride` counts destination pixels.
+void video_yuv_filter(const uint8_t* source, yuv_pixel* destination, int width, int height,
+                      int stride);
+/// Converts `count` pixels to 00RRGGBB words. Source and destination may be the same memory.
+void yuv_to_rgb(const yuv_pixel* source, uint32_t* destination, size_t count);

@@ -1,0 +1,58 @@
+#pragma once
+/// The video circuit: frame of palette indices, the port FF latch, and the full-frame renderer.
+///
+/// The picture is 384 x 288 pixels of one byte. Text cells are 8 pixels wide in one of sixteen
+/// colours on one background; graphics bytes hold four 2-bit pixels, two frame pixels wide and two
+/// lines high. The full-frame renderer draws from the state of the moment; the beam engine
+/// (video_beam.h) draws while the processor runs.
+
+#include <cstddef>
+#include <cstdint>
+
+enum : int {
+    SCREEN_WIDTH = 384,
+    SCREEN_HEIGHT = 288,
+    BLACK_INDEX = 16 ///< border, blanking, cleared areas
+};
+/// The beam may write past the last line; only the first 384 x 288 bytes are shown.
+constexpr size_t FRAME_STORAGE = 1769472;
+
+extern uint8_t frame_buffer[FRAME_STORAGE];
+/// 256 characters of 8 rows, bit 7 leftmost.
+extern uint8_t current_charset[2048];
+
+// The port FF latch as it was last written.
+extern uint8_t video_mode;             ///< nonzero = graphics
+extern uint8_t video_charset_selected; ///< 00, 08, 10 or 18
+extern uint8_t video_graphic_background_selected;
+extern uint8_t hires_palette[4]; ///< indices of the 2-bit pixels; entry 0 is the background
+
+int video_screenx();
+int video_screeny();
+/// Palette of the active configuration, then video_reset.
+void video_init(uint32_t palette);
+/// Clears the frame and the vertical centring; the latch stays.
+void video_reset();
+/// Loads character set 0, 1 or 2 of the firmware, or 3 from the file named by "CharROMPath":
+/// set 0 when the setting is empty, a blank set when the file cannot be opened.
+void video_set_charset(uint32_t index);
+void video_charset_select(uint8_t value);     ///< value AND 18
+void video_mode_select(uint8_t value);        ///< value AND 20
+void video_graphic_background(uint8_t value); ///< value AND C4
+
+/// Pattern of character `code` on line `y` of its row, from the built-in set or the character RAM
+/// as the latch selects. Lines past the end of a table read blank.
+uint8_t video_character_pattern(uint8_t code, uint32_t y);
+
+/// Draws the whole picture from the present state.
+void video_render_frame();
+void video_render_1bit(uint8_t* pixels, int cut, int page);
+void video_draw_interlaced(uint8_t* pixels, int bits);
+
+int video_get_windowx(int giant); ///< 384, or 768 when giant
+int video_get_windowy(int giant); ///< 288, or 576 when giant
+int video_get_rows();
+int video_get_columns();
+const uint8_t* video_get_screen_ram(); ///< address 4000 + (start address AND 3FFF)
+/// Presents the finished frame.
+void video_update_frame();

@@ -1,0 +1,48 @@
+#pragma once
+/// Machine configurations: three standard models and one of the user's own, in one table, and the
+/// operations on the whole machine.
+
+#include <cstdint>
+
+struct machine_configuration {
+    uint32_t basic_rom;        ///< 0 v1, 1 v2, 2 v2.0 s/n, 3 a file
+    uint32_t expansion_rom;    ///< 0 disk ROM, 1 none, 2 a file
+    uint32_t character_rom;    ///< 0 original, 1 German, 2 emulator, 3 a file
+    uint32_t ram_size;         ///< 0 = 16 KB, 1 = 32 KB; the standard models hold 2
+    uint32_t cpu_clock;        ///< Hz
+    uint32_t screen_frequency; ///< frames per second
+    uint32_t palette;          ///< bit 0: 0 Southern, 1 Northern
+    uint32_t psg_divider;      ///< sound chip clock = CPU clock / this
+    char name[32];             ///< shown in status bar part 0
+};
+
+constexpr uint32_t CUSTOM_CONFIGURATION = 4;
+constexpr uint32_t MACHINE_CONFIGURATIONS = 5; ///< slot 3 stays empty
+
+extern machine_configuration machine_cfg[MACHINE_CONFIGURATIONS];
+extern uint32_t active_machine_cfg;
+
+// The choices of the configuration dialog, in the order of their values.
+extern const char* const models[3];
+extern const char* const basic_roms[4];
+extern const char* const exp_roms[3];
+extern const char* const char_roms[4];
+extern const char* const palette_type[2];
+extern const char* const ram_size[2];
+
+/// Is `index` one of the four configurations that can be active?
+bool machine_is_valid_cfg(uint32_t index);
+
+/// Power-on of the whole machine with model 0; once, before the settings are read.
+void machine_init();
+/// Applies a configuration. With `full` 0 only the character set and the palette change; otherwise
+/// the machine restarts cold with fresh RAM. The cycle counter never goes back.
+void machine_change_cfg(const machine_configuration& configuration, int full);
+/// The reset key: an NMI. Memory and registers stay.
+void machine_reset();
+/// Sets the main clock and reclocks the sound chip. The sound core's cycles per line stay.
+void machine_set_main_clock(uint32_t hz);
+/// Shows the active configuration's name in status bar part 0.
+void machine_show_cfg();
+void machine_specific_init();
+void machine_specific_reset();

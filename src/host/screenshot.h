@@ -1,0 +1,23 @@
+#pragma once
+/// Screenshots of a canvas and dumps of the emulated screen memory.
+
+#include "host/canvas.h"
+
+#include <string>
+
+/// The first name of base0000.ext, base0001.ext, ... that cannot be opened for reading. An empty
+/// base stands for "Tarvelin".
+std::string get_next_fname(const std::string& extension, const std::string& base);
+
+/// BMP of any canvas under the given path. 1 when written; then the status bar names it.
+int dib_save_to_file(const dib& bitmap, const std::string& path);
+/// The same under the next free name after `base`.
+int dib_save(const dib& bitmap, const std::string& base);
+
+/// GIF of a canvas of 8 bits per pixel; 0 for other depths or when the file cannot be created.
+int gif_write_as(const std::string& path, const dib& bitmap);
+int gif_write(const dib& bitmap, const std::string& base);
+
+/// Writes the 1024 bytes of screen memory from the display start address to `base` with the
+/// extension ".v80", which replaces an extension of three characters. Always returns 1.
+int memory_save_video_ram(const std::string& base);

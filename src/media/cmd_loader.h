@@ -1,0 +1,11 @@
+#pragma once
+/// CMD load modules: typed blocks that place bytes at addresses and name an entry point.
+
+#include <cstdint>
+#include <cstdio>
+
+/// Reads blocks from `file` into the machine through mem_write, as the processor would write them.
+/// `entry` is 0 until an entry block is read. Returns 1 when a load was completed by an entry block
+/// or cut off inside a block, 0 at the end of the file between blocks or on a bad entry block.
+/// Prints a line for every block on the standard streams.
+int load_cmd(std::FILE* file, uint16_t* entry);

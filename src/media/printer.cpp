@@ -1,0 +1,7 @@
+#include "media/printer.h"
+
+bool printer_enabled = false;
+
+void print_byte(uint8_t /*value*/) {}
+int printer_is_ready() { return 0; }
+int printer_is_busy() { return 1; }

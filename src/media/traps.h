@@ -1,0 +1,9 @@
+#pragma once
+/// Firmware traps: the opcodes ED 00 to ED 0C, patched into the BASIC ROM, hand cassette and typing
+/// over to the emulator (trap_handle, declared in z80/z80.h). None is patched in yet, and every
+/// number is a two-byte no-operation.
+
+/// 1 while the cassette patches are in the working copy of the ROM.
+int cas_is_traps_installed();
+/// Takes the typing trap out of the keyboard routine.
+void memory_remove_bas_trap();

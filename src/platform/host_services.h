@@ -1,0 +1,20 @@
+#pragma once
+/// What the machine asks of the program around it. Implemented by the application shell.
+
+/// Shows a message in the status bar (printf rules).
+[[gnu::format(printf, 1, 2)]] void StatusBarText(const char* format, ...);
+/// Shows a text in status bar part 0 (configuration), 2 (cassette) or 3 (messages).
+[[gnu::format(printf, 2, 3)]] void StatusBarPartText(int part, const char* format, ...);
+/// Sets the window title to the product name, " - " and the text.
+[[gnu::format(printf, 1, 2)]] void ui_set_window_title(const char* format, ...);
+/// Lights the lamp of `drive` (0 to 3); any other value lights none.
+void led_update(int drive);
+/// Tells the user about something that was refused, without stopping the machine.
+[[gnu::format(printf, 1, 2)]] void host_warning(const char* format, ...);
+/// Draws one frame into the canvas and presents it; 0 does nothing.
+void update_screen(int flag);
+/// Saves the canvas under the next free name after `last_file_name`, GIF or BMP by its depth, and
+/// the video-RAM dump where that is switched on.
+void host_save_screenshot();
+/// 1 when there is a canvas to draw into.
+int host_has_canvas();

@@ -1,0 +1,25 @@
+#pragma once
+/// The host behind a thin layer: each service is an interface of its own, and the platform is the
+/// set of them. One implementation is installed at program start, before anything else runs.
+
+#include "platform/clock.h"
+#include "platform/events.h"
+#include "platform/keyboard.h"
+#include "platform/paths.h"
+#include "platform/settings.h"
+#include "platform/window.h"
+
+struct Platform {
+    virtual ~Platform() = default;
+    virtual Clock& clock() = 0;
+    virtual Events& events() = 0;
+    virtual HostKeyboard& keyboard() = 0;
+    virtual Paths& paths() = 0;
+    virtual Settings& settings() = 0;
+    virtual Window& window() = 0;
+};
+
+/// The installed platform; calling it before install_platform is a programming error.
+Platform& platform();
+/// Installs the platform. The object must outlive every use.
+void install_platform(Platform& implementation);

@@ -1,0 +1,187 @@
+#pragma once
+/// Zilog Z80, modelled instruction by instruction.
+///
+/// One processor, one global record. The run loop executes whole instructions; every instruction
+/// adds its T-states to the cycle counter, and the bus functions add the machine's wait cycles to
+/// the same counter while they run, so a device that reads `t_count` during an access sees the
+/// time of that access.
+///
+/// Modelled: all documented instructions, SLL, the halves of IX and IY, the register copies of the
+/// DDCB and FDCB groups, the mirrored ED opcodes, flag bits 5 and 3, the refresh register,
+/// interrupt modes 0 to 2, the NMI, HALT and the delay of one instruction after EI.
+/// Left out: the hidden WZ register and the Q latch behind bits 5 and 3 of BIT n,(HL), SCF and
+/// CCF; software of this machine does not look at them.
+/// Differences from the chip, kept on purpose: IN A,(n) costs 10 and IN r,(C) costs 11 T-states,
+/// undefined ED opcodes cost nothing, CPIR and CPDR search in one step, modes 0 and 1 both enter
+/// at 0038, and only the low eight address bits of a port exist.
+///
+/// All times are T-states of the machine's main clock.
+
+#include <cstdint>
+
+/// Programmer's model, interrupt lines, machine clock and breakpoint, in this order.
+/// Byte registers are the halves of the pairs: F is the low byte of `af`, A the high byte.
+struct z80_record {
+    uint16_t af, bc, de, hl;
+    uint16_t ix, iy;
+    uint16_t sp;
+    uint16_t pc;
+    uint16_t af_alt, bc_alt, de_alt, hl_alt;
+    uint8_t i;
+    uint8_t r; ///< low seven bits count fetches; bit 7 changes only through LD R,A
+    uint8_t iff1, iff2;
+    uint8_t interrupt_mode; ///< 0, 1 or 2
+    int32_t irq;            ///< level line: nonzero while a device asserts it
+    int32_t nmi;            ///< latched request; taking the NMI does not clear it
+    int32_t nmi_in_progress;
+    int64_t t_count;          ///< T-states since program start; only ever grows
+    uint64_t clock_hz;        ///< main clock in Hz
+    uint64_t cycles_per_line; ///< clock_hz / 15625 as of z80_init
+    uint16_t breakpoint;
+    int32_t breakpoint_enabled;
+    int32_t breakpoint_reached;
+};
+
+extern z80_record z80_state;
+
+/// Bits of F.
+enum : uint8_t {
+    FLAG_C = 0x01,
+    FLAG_N = 0x02,
+    FLAG_PV = 0x04,
+    FLAG_3 = 0x08,
+    FLAG_H = 0x10,
+    FLAG_5 = 0x20,
+    FLAG_Z = 0x40,
+    FLAG_S = 0x80
+};
+
+// ---- supplied by whoever links the processor ---------------------------------------------------
+
+/// Reads the byte at `address` (0 to FFFF); may add wait cycles to `z80_state.t_count`.
+uint8_t mem_read(uint32_t address);
+/// Writes `value` at `address` (0 to FFFF); may add wait cycles to `z80_state.t_count`.
+void mem_write(uint32_t address, uint8_t value);
+/// Reads port 0 to FF. The processor passes the low eight address bits only.
+uint8_t z80_in(uint32_t port);
+/// Writes port 0 to FF.
+void z80_out(uint32_t port, uint8_t value);
+/// Serves the trap opcode ED `number` (00 to 0C). `pc` is already behind it and the opcode costs
+/// nothing; the function may change any register, `pc` included.
+void trap_handle(int number);
+
+// ---- running -----------------------------------------------------------------------------------
+
+/// Once at power-on: sets the clock, disarms the breakpoint, resets the processor.
+void z80_init(uint32_t clock_hz);
+/// Power-on reset: PC, I, R, the interrupt state and lines to 0, SP and AF to FFFF. The other
+/// registers, the clock and the breakpoint keep their values.
+void z80_reset();
+/// Runs whole instructions until `budget` T-states are used, at least one. Returns what is left,
+/// 0 or negative. A budget of 0 runs exactly one instruction and returns minus its cost, the
+/// acceptance of an interrupt after it included.
+int32_t z80_run(int32_t budget);
+/// z80_run (1): one instruction, or a trap and the instruction after it.
+void cpu_run();
+uint16_t cpu_get_pc();
+
+// ---- interrupts --------------------------------------------------------------------------------
+
+void do_di();
+void do_ei();
+void do_im0();
+void do_im1();
+void do_im2();
+/// Accepts the maskable interrupt now: 13 T-states, 19 in mode 2 (vector from I:FF).
+void do_int();
+/// Accepts the NMI now: 11 T-states, PC = 0066, IFF2 kept for RETN.
+void do_nmi();
+void z80_assert_nmi();
+/// Ends the request and the service, so that the next request is taken.
+void z80_ack_nmi();
+
+// ---- breakpoint --------------------------------------------------------------------------------
+
+/// Arms the breakpoint at `address`; called again with the same address it toggles the arming.
+void z80_cpu_set_breakpoint(uint16_t address);
+/// As z80_cpu_set_breakpoint; runs nothing and returns 1.
+int cpu_run_until_breakpoint(uint16_t address);
+/// 1 when PC stands on the breakpoint, armed or not.
+int cpu_is_breakpoint_reached();
+/// 1 once when PC stands on the armed breakpoint, and latches `breakpoint_reached`.
+int cpu_check_breakpoint();
+
+// ---- word access, low byte first ---------------------------------------------------------------
+
+uint16_t mem_read_word(uint32_t address);
+void mem_write_word(uint32_t address, uint16_t value);
+
+// ---- arithmetic on z80_state -------------------------------------------------------------------
+// Operands are 0 to FF or 0 to FFFF; results are truncated to the register's width.
+
+extern const uint8_t sign_carry_overflow_table[8];
+extern const uint8_t half_carry_table[8];
+extern const uint8_t subtract_sign_carry_overflow_table[8];
+extern const uint8_t subtract_half_carry_table[8];
+extern const uint8_t parity_table[256]; ///< 1 where the number of set bits is even
+
+/// 1 when `value` (0 to FF) has an even number of set bits.
+int parity(uint8_t value);
+
+void do_add_flags(uint8_t a, uint8_t b, uint8_t result);
+void do_sub_flags(uint8_t a, uint8_t b, uint8_t result);
+void do_add_word_flags(uint16_t a, uint16_t b, uint16_t result);
+void do_adc_word_flags(uint16_t a, uint16_t b, uint16_t result);
+void do_sbc_word_flags(uint16_t a, uint16_t b, uint16_t result);
+
+void do_add_byte(uint8_t value);
+void do_adc_byte(uint8_t value);
+void do_sub_byte(uint8_t value);
+void do_sbc_byte(uint8_t value);
+void do_negate();
+/// Compare; bits 5 and 3 come from the operand.
+void do_cp(uint8_t value);
+void do_and_byte(uint8_t value);
+void do_or_byte(uint8_t value);
+void do_xor_byte(uint8_t value);
+void do_add_word(uint16_t value);
+/// `index` is the address of z80_state.ix or z80_state.iy.
+void do_add_word_index(uint16_t* index, uint16_t value);
+void do_adc_word(uint16_t value);
+void do_sbc_word(uint16_t value);
+/// Flags only, from the new value; the carry is kept.
+void do_flags_inc_byte(uint8_t value);
+void do_flags_dec_byte(uint8_t value);
+void do_daa();
+
+uint8_t rlc_byte(uint8_t value);
+uint8_t rrc_byte(uint8_t value);
+uint8_t rl_byte(uint8_t value);
+uint8_t rr_byte(uint8_t value);
+uint8_t sla_byte(uint8_t value);
+uint8_t sra_byte(uint8_t value);
+/// The undocumented shift left that sets bit 0 (CB 30 to 37).
+uint8_t slia_byte(uint8_t value);
+uint8_t srl_byte(uint8_t value);
+void do_rlca();
+void do_rrca();
+void do_rla();
+void do_rra();
+/// BIT `bit` of `value`; bits 5 and 3 are copied from the value unless `opcode` names the memory
+/// operand (low three bits 6).
+void do_test_bit(uint8_t opcode, uint8_t value, uint8_t bit);
+
+void do_rld();
+void do_rrd();
+void do_ld_a_i();
+void do_ld_a_r();
+/// Reads a port and sets S, Z and parity from the byte; C and bits 5 and 3 are kept.
+uint8_t in_with_flags(uint32_t port);
+
+// ---- prefixed groups ---------------------------------------------------------------------------
+// The prefix is consumed and counted; each executes one instruction from `pc` on z80_state.
+
+void do_CB_instruction();
+void do_ED_instruction();
+/// `index` is the address of z80_state.ix (prefix DD) or z80_state.iy (prefix FD).
+void do_indexed_instruction(uint16_t* index);
