@@ -12,28 +12,28 @@
 
 /// Derived values, recomputed when a register is written. Register numbers in comments.
 struct crtc_state {
-    uint8_t registers[16];              ///< as written; R12 masked to six bits
-    uint32_t selected;                  ///< 0-15
-    uint32_t horizontal_total;          ///< R0 + 1 character clocks
-    uint32_t horizontal_displayed;      ///< R1 characters
-    uint32_t horizontal_sync_position;  ///< R2 + 1
-    uint32_t sync_widths;               ///< R3: low nibble horizontal, high nibble vertical
-    uint32_t vertical_total;            ///< R4 AND 7F rows, minus one
-    uint32_t vertical_total_adjust;     ///< R5 AND 1F lines
-    uint32_t vertical_displayed;        ///< R6 AND 7F rows
-    uint32_t vertical_sync_position;    ///< (R7 AND 7F) + 1 rows
-    uint32_t interlace_mask;            ///< R8 bit 0 in every bit
-    uint32_t maximum_scan_line;         ///< R9 AND 1F, lines of a row minus one
-    uint32_t cursor_mode;               ///< R10 AND 60
-    uint32_t cursor_start_line;         ///< R10 AND 1F
-    uint32_t cursor_end_line;           ///< R11 AND 1F
-    uint32_t start_address;             ///< R12, R13: 14 bits
-    uint32_t cursor_address;            ///< R14, R15: 16 bits
-    uint32_t displayed_scan_lines;      ///< R6 x (R9 + 1)
-    uint32_t vertical_sync_line;        ///< (R7 + 1) x (R9 + 1)
-    uint32_t sync_line_average;         ///< follows vertical_sync_line by four fifths a frame
-    uint32_t sync_offset;               ///< sync_line_average - displayed_scan_lines, at least 0
-    uint32_t top_border;                ///< border lines above the picture, at least 0
+    uint8_t registers[16];             ///< as written; R12 masked to six bits
+    uint32_t selected;                 ///< 0-15
+    uint32_t horizontal_total;         ///< R0 + 1 character clocks
+    uint32_t horizontal_displayed;     ///< R1 characters
+    uint32_t horizontal_sync_position; ///< R2 + 1
+    uint32_t sync_widths;              ///< R3: low nibble horizontal, high nibble vertical
+    uint32_t vertical_total;           ///< R4 AND 7F rows, minus one
+    uint32_t vertical_total_adjust;    ///< R5 AND 1F lines
+    uint32_t vertical_displayed;       ///< R6 AND 7F rows
+    uint32_t vertical_sync_position;   ///< (R7 AND 7F) + 1 rows
+    uint32_t interlace_mask;           ///< R8 bit 0 in every bit
+    uint32_t maximum_scan_line;        ///< R9 AND 1F, lines of a row minus one
+    uint32_t cursor_mode;              ///< R10 AND 60
+    uint32_t cursor_start_line;        ///< R10 AND 1F
+    uint32_t cursor_end_line;          ///< R11 AND 1F
+    uint32_t start_address;            ///< R12, R13: 14 bits
+    uint32_t cursor_address;           ///< R14, R15: 16 bits
+    uint32_t displayed_scan_lines;     ///< R6 x (R9 + 1)
+    uint32_t vertical_sync_line;       ///< (R7 + 1) x (R9 + 1)
+    uint32_t sync_line_average;        ///< follows vertical_sync_line by four fifths a frame
+    uint32_t sync_offset;              ///< sync_line_average - displayed_scan_lines, at least 0
+    uint32_t top_border;               ///< border lines above the picture, at least 0
     uint32_t frame_counter;
     bool cursor_visible;
 };

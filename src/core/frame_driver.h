@@ -23,16 +23,16 @@ extern int64_t event_screenshot_timout;
 
 /// Pacing state, in counts of the host's clock.
 struct pacing_state {
-    int64_t two_seconds;     ///< the measuring period
-    int64_t frame_period;    ///< per emulated frame
-    uint32_t frame_interval; ///< per refresh of the display
+    int64_t two_seconds;      ///< the measuring period
+    int64_t frame_period;     ///< per emulated frame
+    uint32_t frame_interval;  ///< per refresh of the display
     uint32_t monitor_refresh; ///< Hz
-    int64_t elapsed_counter; ///< "now": read after each frame
-    int64_t elapsed_temp;    ///< where the emulated time stands
-    int64_t next_frame;      ///< when the next screen update is due
-    int64_t next_measure;    ///< when the next speed report is due
-    int32_t ticks;           ///< frames since the last report
-    int32_t total_frames;    ///< screen updates
+    int64_t elapsed_counter;  ///< "now": read after each frame
+    int64_t elapsed_temp;     ///< where the emulated time stands
+    int64_t next_frame;       ///< when the next screen update is due
+    int64_t next_measure;     ///< when the next speed report is due
+    int32_t ticks;            ///< frames since the last report
+    int32_t total_frames;     ///< screen updates
     int32_t last_total_frames;
 };
 extern pacing_state pacing;

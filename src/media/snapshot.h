@@ -14,3 +14,5 @@ int snapshot_save(const char* path, const uint8_t* ram);
 int snapshot_load(const char* path, uint8_t* ram);
 /// The last byte written to an output port.
 uint8_t snapshot_out(uint8_t port);
+/// Writes to an output port as a processor OUT does.
+void snapshot_in(uint8_t port, uint8_t value);

@@ -17,11 +17,12 @@
 ///
 /// All times are T-states of the machine's main clock.
 
+#include <array>
 #include <cstdint>
 
-/// Programmer's model, interrupt lines, machine clock and breakpoint, in this order.
-/// Byte registers are the halves of the pairs: F is the low byte of `af`, A the high byte.
-struct z80_record {
+/// Programmer's model. Byte registers are the halves of the pairs: F is the low byte of `af`, A the
+/// high byte.
+struct z80_registers {
     uint16_t af, bc, de, hl;
     uint16_t ix, iy;
     uint16_t sp;
@@ -31,8 +32,14 @@ struct z80_record {
     uint8_t r; ///< low seven bits count fetches; bit 7 changes only through LD R,A
     uint8_t iff1, iff2;
     uint8_t interrupt_mode; ///< 0, 1 or 2
-    int32_t irq;            ///< level line: nonzero while a device asserts it
-    int32_t nmi;            ///< latched request; taking the NMI does not clear it
+};
+
+/// The registers, the interrupt lines, the machine clock and the breakpoint. While an instruction
+/// runs, the registers may stand in the run loop's own copy; at a trap and between calls of z80_run
+/// the record is complete.
+struct z80_record : z80_registers {
+    int32_t irq; ///< level line: nonzero while a device asserts it
+    int32_t nmi; ///< latched request; taking the NMI does not clear it
     int32_t nmi_in_progress;
     int64_t t_count;          ///< T-states since program start; only ever grows
     uint64_t clock_hz;        ///< main clock in Hz
@@ -119,11 +126,16 @@ void mem_write_word(uint32_t address, uint16_t value);
 // ---- arithmetic on z80_state -------------------------------------------------------------------
 // Operands are 0 to FF or 0 to FFFF; results are truncated to the register's width.
 
-extern const uint8_t sign_carry_overflow_table[8];
-extern const uint8_t half_carry_table[8];
-extern const uint8_t subtract_sign_carry_overflow_table[8];
-extern const uint8_t subtract_half_carry_table[8];
-extern const uint8_t parity_table[256]; ///< 1 where the number of set bits is even
+/// F bits by three bits: bit 7 (carry tables) or bit 3 (half-carry tables) of the first operand,
+/// the second operand and the result, the first operand's the highest.
+inline constexpr uint8_t sign_carry_overflow_table[8] = {0x00, 0x84, 0x01, 0x80,
+                                                         0x01, 0x80, 0x05, 0x81};
+inline constexpr uint8_t half_carry_table[8] = {0x00, 0x00, 0x10, 0x00, 0x10, 0x00, 0x10, 0x10};
+inline constexpr uint8_t subtract_sign_carry_overflow_table[8] = {0x00, 0x81, 0x01, 0x85,
+                                                                  0x04, 0x80, 0x00, 0x81};
+inline constexpr uint8_t subtract_half_carry_table[8] = {0x00, 0x10, 0x10, 0x10,
+                                                         0x00, 0x00, 0x00, 0x10};
+extern const std::array<uint8_t, 256> parity_table; ///< 1 where the number of set bits is even
 
 /// 1 when `value` (0 to FF) has an even number of set bits.
 int parity(uint8_t value);

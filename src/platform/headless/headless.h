@@ -43,7 +43,11 @@ public:
     bool quit_posted() const;
     const std::string& title() const;
     const std::string& status_text(int part) const;
+    int lamp() const;
     int frames_presented() const;
+
+    /// An interrupt or termination signal ends the message loop instead of the process.
+    static void stop_on_signals();
 
 private:
     struct State;

@@ -1,0 +1,122 @@
+/// The machine: frames of both engines with and without a picture, the composite filter, the GIF
+/// writer. "emulated s/s" is emulated seconds per second of the host.
+
+#include "cgenie/memory.h"
+#include "cgenie/palette.h"
+#include "cgenie/video.h"
+#include "cgenie/video_output.h"
+#include "core/frame_driver.h"
+#include "core/machine.h"
+#include "host/canvas.h"
+#include "host/display.h"
+#include "host/gif.h"
+#include "media/cmd_loader.h"
+#include "platform/file_handle.h"
+#include "platform/headless/headless.h"
+#include "platform/host_services.h"
+#include "z80/z80.h"
+
+#include <benchmark/benchmark.h>
+
+#include <string>
+#include <vector>
+
+namespace {
+
+constexpr double CLOCK = 2216750; ///< Hz
+constexpr uint16_t WORKLOAD_ORIGIN = 0x4000;
+constexpr int WARM_UP_FRAMES = 100;
+
+void power_on() {
+    machine_init();
+    video_init(0);
+    g_bCycleBasedEngine = false;
+    g_CompositeBlur = 0;
+    recreate_bitmap(false, 8);
+}
+
+/// The processor's mixed workload, in RAM with its wait cycles.
+void start_workload() {
+    power_on();
+    const FileHandle file = open_file(WORKLOAD, "rb");
+    if (!file || std::fread(memory + WORKLOAD_ORIGIN, 1, 0x1000, file.get()) == 0) std::abort();
+    z80_state.pc = WORKLOAD_ORIGIN;
+}
+
+void start_example(const char* name) {
+    power_on();
+    const std::string path = std::string(EXAMPLES "/") + name;
+    const FileHandle file = open_file(path.c_str(), "rb");
+    if (!file || !std::freopen("/dev/null", "w", stderr)) std::abort();
+    load_cmd(file.get(), &z80_state.pc);
+    do_some_frames(WARM_UP_FRAMES);
+}
+
+void run_frames(benchmark::State& state, bool show) {
+    const int64_t start = z80_state.t_count;
+    for (auto _ : state) {
+        machine_run();
+        if (show) update_screen(1);
+    }
+    state.counters["emulated s/s"] =
+        benchmark::Counter(double(z80_state.t_count - start) / CLOCK, benchmark::Counter::kIsRate);
+}
+
+void frame_of_workload(benchmark::State& state) {
+    start_workload();
+    run_frames(state, false);
+}
+BENCHMARK(frame_of_workload)->Unit(benchmark::kMicrosecond);
+
+void frame_of_example(benchmark::State& state, const char* name) {
+    start_example(name);
+    run_frames(state, false);
+}
+BENCHMARK_CAPTURE(frame_of_example, colours, "colours.cmd")->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(frame_of_example, bounce, "bounce.cmd")->Unit(benchmark::kMicrosecond);
+
+void frame_of_example_with_picture(benchmark::State& state, const char* name) {
+    start_example(name);
+    run_frames(state, true);
+}
+BENCHMARK_CAPTURE(frame_of_example_with_picture, colours, "colours.cmd")
+    ->Unit(benchmark::kMicrosecond);
+
+void beam_frame_of_example(benchmark::State& state, const char* name) {
+    start_example(name);
+    g_bCycleBasedEngine = true;
+    run_frames(state, false);
+}
+BENCHMARK_CAPTURE(beam_frame_of_example, colours, "colours.cmd")->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(beam_frame_of_example, bounce, "bounce.cmd")->Unit(benchmark::kMicrosecond);
+
+void render_full_frame(benchmark::State& state, const char* name) {
+    start_example(name);
+    for (auto _ : state) video_render_frame();
+}
+BENCHMARK_CAPTURE(render_full_frame, text, "colours.cmd")->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(render_full_frame, graphics, "bounce.cmd")->Unit(benchmark::kMicrosecond);
+
+void composite_filter(benchmark::State& state) {
+    start_example("colours.cmd");
+    std::vector<uint8_t> pixels(size_t(SCREEN_WIDTH) * SCREEN_HEIGHT * 4);
+    for (auto _ : state) video_resize_frame(pixels.data(), 0, SCREEN_WIDTH, 66, 0);
+}
+BENCHMARK(composite_filter)->Unit(benchmark::kMicrosecond);
+
+void gif_of_example(benchmark::State& state) {
+    start_example("colours.cmd");
+    for (auto _ : state)
+        gif_save("/dev/null", canvas.width, canvas.height, canvas.pixels.data(), cgpalette[0]);
+}
+BENCHMARK(gif_of_example)->Unit(benchmark::kMicrosecond);
+
+} // namespace
+
+int main(int argc, char** argv) {
+    HeadlessPlatform host({});
+    install_platform(host);
+    benchmark::Initialize(&argc, argv);
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
+}

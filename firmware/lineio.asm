@@ -1,0 +1,113 @@
+; Lines in and text out.
+
+; 0040: Reads a line with its editing: cursor left erases a character, SHIFT and cursor left the
+; whole line, cursor right advances to the next eighth column, CLEAR clears the screen and starts
+; the line anew. A line feed ends the line as Enter does, for text that is typed from a file.
+; In:   HL buffer of B + 1 bytes, B characters at most
+; Out:  HL buffer, the line in it ended by 0D; B characters; carry if BREAK ended it
+; Uses: AF, BC, DE
+read_line:
+        PUSH HL
+_restart:
+        LD C,0
+_next:
+        CALL wait_for_key
+        CP RETURN
+        JR Z,_enter
+        CP LINE_FEED
+        JR Z,_enter
+        CP BREAK
+        JR Z,_break
+        CP BACKSPACE
+        JR Z,_backspace
+        CP ERASE_LINE
+        JR Z,_erase
+        CP CLEAR_TO_END
+        JR Z,_clear
+        CP TAB
+        JR Z,_tab
+        CP ' '
+        JR C,_next
+        CP FIRST_FKEY
+        JR NC,_function
+        CALL _store
+        JR _next
+_function:
+        CP FIRST_FKEY + 8
+        JR C,_next              ; no texts for the function keys yet
+        CALL _store
+        JR _next
+_backspace:
+        CALL _remove
+        JR _next
+_erase:
+        CALL _remove
+        JR NZ,_erase
+        JR _next
+_clear:
+        CALL clear_text_screen
+        POP HL
+        PUSH HL
+        JR _restart
+_tab:
+        LD A,' '
+        CALL _store
+        LD A,C
+        CP B
+        JR NC,_next
+        AND 7
+        JR NZ,_tab
+        JR _next
+_break:
+        SCF
+        JR _end
+_enter:
+        OR A
+_end:
+        PUSH AF
+        LD (HL),RETURN
+        LD A,RETURN
+        CALL print_entry
+        LD B,C
+        POP AF
+        POP HL
+        RET
+
+; Stores and shows a character while there is room.
+; In:   A character, HL place, B room in all, C characters so far
+_store:
+        LD D,A
+        LD A,C
+        CP B
+        RET NC
+        LD (HL),D
+        INC HL
+        INC C
+        LD A,D
+        JP print_entry
+
+; Takes the last character back.
+; Out:  Z when there is none left
+_remove:
+        LD A,C
+        OR A
+        RET Z
+        DEC HL
+        DEC C
+        LD A,BACKSPACE
+        CALL print_entry
+        LD A,C
+        OR A
+        RET
+
+; 28A7: Shows a text.
+; In:   HL text, ended by 0
+; Out:  HL behind it
+; Uses: AF, DE
+print_text:
+        LD A,(HL)
+        INC HL
+        OR A
+        RET Z
+        CALL print_entry
+        JR print_text

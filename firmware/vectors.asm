@@ -1,0 +1,153 @@
+; 0000-0280: restarts, the published entries at the bottom, what the restarts do, and the space of
+; the cassette routines.
+
+        DI                      ; 0000: power on
+        JP cold_start
+
+; The restarts go through RAM, so that programs may take them over.
+        fill_to 0008h
+        JP VECTORS              ; syntax check
+        fill_to 0010h
+        JP VECTORS + 3          ; next character
+        fill_to 0018h
+        JP VECTORS + 6          ; compare HL with DE
+        fill_to 0020h
+        JP VECTORS + 9          ; type test
+        fill_to 0028h
+        JP VECTORS + 12
+
+; Keyboard scan. These five bytes are replaced as a whole by a program that types text, so they
+; hold one jump and nothing that another routine needs.
+key_entry:
+        JP call_keyboard        ; 002B
+        NOP
+        NOP
+
+        fill_to 0030h
+        JP VECTORS + 15
+print_entry:
+        JP call_screen          ; 0033
+        fill_to 0038h
+        JP VECTORS + 18         ; interrupt in mode 1
+        JP call_printer         ; 003B
+
+        fill_to 0040h
+        JP read_line
+        fill_to 0049h
+        JP wait_for_key
+
+; 0060: Delay of 26 T states for each count; code in ROM runs without wait states.
+; In:   BC count, 0 counts as 65536
+; Uses: AF, BC
+        fill_to 0060h
+delay:
+        DEC BC
+        LD A,B
+        OR C
+        JR NZ,delay
+        RET
+
+        fill_to 0066h
+        JP reset_key            ; non-maskable interrupt
+
+; RST 08: The character at HL must be the one that follows the RST; goes on to the next one.
+; In:   HL text
+; Out:  as next_character; does not return when the character differs
+check_syntax:
+        LD A,(HL)
+        EX (SP),HL
+        CP (HL)
+        INC HL
+        EX (SP),HL
+        JP NZ,ready
+; RST 10: Next character of a program text, blanks and control codes skipped.
+; In:   HL text
+; Out:  HL at the character, A character, carry if it is a digit, Z at the end of a statement
+next_character:
+        INC HL
+        LD A,(HL)
+        CP ':'
+        RET NC
+        CP ' '
+        JR Z,next_character
+        CP LINE_FEED + 1
+        JR NC,_digit
+        CP TAB
+        JR NC,next_character
+_digit:
+        CP '0'
+        CCF
+        INC A                   ; Z for the 0 that ends a line, carry kept
+        DEC A
+        RET
+
+; RST 18: Compares HL with DE.
+; Out:  Z, carry as of HL - DE
+; Uses: AF
+compare_words:
+        LD A,H
+        SUB D
+        RET NZ
+        LD A,L
+        SUB E
+        RET
+
+; RST 20: Type of the accumulator.
+; Out:  A type - 3; integer M, string Z, single PO, double NC
+; Uses: AF
+test_type:
+        LD A,(NUMBER_TYPE)
+        CP 8
+        JR NC,_double
+        SUB 3
+        OR A
+        SCF
+        RET
+_double:
+        SUB 3
+        OR A
+        RET
+
+; RST 28 and RST 30 belong to the program that takes them.
+unused_restart:
+        RET
+
+; RST 38: An interrupt that nobody expected must not come again before its cause is served, so
+; interrupts stay off.
+unused_interrupt:
+        RET
+
+; First contents of 4000-402C: the jumps of the restarts, then the control blocks of the devices:
+; type, driver address, three bytes for the driver, two letters.
+first_vectors:
+        JP check_syntax
+        JP next_character
+        JP compare_words
+        JP test_type
+        JP unused_restart
+        JP unused_restart
+        JP unused_interrupt
+        DEFB 1
+        DEFW scan_keyboard
+        DEFB 0,0,0
+        DEFM "KI"
+        DEFB 7
+        DEFW display_character
+        DEFW TEXT_SCREEN        ; cursor
+        DEFB '_'                ; cursor shown
+        DEFM "DO"
+        DEFB 6
+        DEFW print_character
+        DEFB 67,0,0             ; lines of a page
+        DEFM "PR"
+first_vectors_end:
+
+        fill_to 01C9h
+        JP clear_text_screen
+
+; 01ED-0280: cassette. An emulator may put traps at 01EE, 01FB, 0221, 023F and 0264, so nothing
+; else may live here. Every byte returns until there are routines.
+        fill_to 01EDh
+        REPT 0281h - 01EDh
+        RET
+        ENDM

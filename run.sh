@@ -1,0 +1,20 @@
+#!/usr/bin/env bash
+# Builds the program and starts it with the arguments given, or with a demonstration.
+set -euo pipefail
+here=$(cd "$(dirname "$0")" && pwd)
+
+"$here/scripts/dependencies.sh" run
+(
+    cd "$here"
+    [[ -f build/release/build.ninja ]] || cmake --preset release -DBUILD_TESTING=OFF >/dev/null
+    cmake --build build/release --target tarvelin examples
+) >&2
+
+program=$here/build/release/src/tarvelin
+if [[ $# -gt 0 ]]; then exec "$program" --headless "$@"; fi
+
+# The demonstration: an example program for three seconds of machine time.
+work=$(mktemp -d)
+cp "$here/build/release/examples/colours.cmd" "$work/"
+"$program" --headless /w /s 2 /t 3 "$work/colours.cmd" >/dev/null 2>&1
+echo "The picture of the demonstration is in $work/colours0000.gif"

@@ -1,0 +1,25 @@
+#!/usr/bin/env bash
+# Installs what the project needs from the distribution's packages, and only what is missing.
+# usage: scripts/dependencies.sh run|test
+set -euo pipefail
+
+run_packages=(g++ cmake ninja-build pasmo)
+test_packages=(libgtest-dev libgif-dev libbenchmark-dev libz80ex-dev clang clang-format clang-tidy
+               python3)
+
+packages=("${run_packages[@]}")
+if [[ ${1:-run} == test ]]; then packages+=("${test_packages[@]}"); fi
+
+missing=()
+for package in "${packages[@]}"; do
+    dpkg-query -W -f '${Status}' "$package" 2>/dev/null | grep -q 'install ok installed' ||
+        missing+=("$package")
+done
+if [[ ${#missing[@]} -eq 0 ]]; then exit 0; fi
+
+echo "installing: ${missing[*]}"
+as_root=()
+if [[ $(id -u) -ne 0 ]]; then as_root=(sudo); fi
+export DEBIAN_FRONTEND=noninteractive
+"${as_root[@]}" apt-get update -qq
+"${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null

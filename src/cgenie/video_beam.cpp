@@ -1,0 +1,372 @@
+#include "cgenie/video_beam.h"
+
+#include "cgenie/bus.h"
+#include "cgenie/crtc.h"
+#include "cgenie/video.h"
+#include "cgenie/video_cell.h"
+#include "z80/z80.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+// Bits of the blanking and border flags.
+constexpr uint8_t VERTICAL = 1;
+constexpr uint8_t HORIZONTAL = 2;
+
+constexpr uint32_t LONGEST_LINE = 256;      ///< clocks; the column has eight bits
+constexpr uint32_t RETRACE_CLOCK = 16;      ///< of the horizontal sync counter
+constexpr uint32_t VERTICAL_SYNC_MASK = 15; ///< width 0 means 16 lines
+constexpr int SHORTEST_FRAME = 244;         ///< lines; a sync before them presents nothing
+constexpr int LAST_LINE = 379;              ///< a frame without a sync ends after it
+constexpr double CENTRING_WEIGHT = 0.2;
+constexpr uint32_t WORD_WRITTEN = 2; ///< changes on the bus by the widest store
+constexpr uint32_t NO_CURSOR = VIDEO_RAM_MASK + 1;
+
+/// The counters of the controller.
+struct beam_state {
+    uint8_t column = 0;
+    uint8_t row = 0;                      ///< 0-127
+    uint8_t scan_line = 0;                ///< within the row, 0-31
+    uint8_t adjust_counter = 0;           ///< 0-31
+    uint32_t matrix_address = 0;          ///< offset in the video RAM, 14 bits
+    uint32_t matrix_latch = 0;            ///< offset of the row's first cell
+    uint32_t horizontal_sync_counter = 0; ///< 0 while there is no sync
+    uint32_t vertical_sync_counter = 0;
+    uint8_t blanking = 0;
+    uint8_t border = VERTICAL;
+    uint32_t odd_cycle = 0; ///< processor cycle that is half a character clock
+};
+beam_state state;
+
+int video_update_line = -1; ///< line under the beam since the last frame end
+
+/// Where the next eight pixels go: always a multiple of eight pixels into the storage, which is one
+/// itself. A line starts at 379 + 144 at most: a frame misses 289 lines at most, and half of them
+/// go above the picture. From there the beam only moves on, and goes back at the end of the
+/// storage, so that it never leaves it.
+uint8_t* beam = frame_buffer;
+uint8_t* const STORAGE_END = frame_buffer + FRAME_STORAGE;
+uint8_t* const SHOWN_END = frame_buffer + SCREEN_WIDTH * SCREEN_HEIGHT;
+
+// Short frames are centred, and follow a change of the line count smoothly.
+int vert_adj_average_lines; ///< black lines above the frame
+double lp_accu;             ///< low-pass average of the missing lines
+
+void fill_lines(int first, int end) {
+    if (first >= end) return;
+    std::memset(frame_buffer + first * SCREEN_WIDTH, BLACK_INDEX,
+                size_t(end - first) * SCREEN_WIDTH);
+}
+
+void end_frame() {
+    crtc_vblank();
+    const int missing = SCREEN_HEIGHT - video_update_line;
+    vert_adj_average_lines = lp_accu > 1.0 ? int(lp_accu) / 2 : 0;
+    lp_accu += (missing - lp_accu) * CENTRING_WEIGHT;
+    if (vert_adj_average_lines > 0) {
+        fill_lines(0, vert_adj_average_lines);
+        fill_lines(video_update_line + vert_adj_average_lines, SCREEN_HEIGHT);
+    }
+    beam = frame_buffer + vert_adj_average_lines * SCREEN_WIDTH;
+    video_update_frame();
+    video_update_line = -1;
+}
+
+void start_picture() {
+    state.adjust_counter = 0;
+    state.border &= uint8_t(~VERTICAL);
+    state.matrix_latch = state.matrix_address = crtc.start_address;
+}
+
+void step_scan_line() {
+    if (state.scan_line != crtc.maximum_scan_line) {
+        state.scan_line = (state.scan_line + 1) & 0x1F;
+        return;
+    }
+    state.scan_line = 0;
+    state.row = (state.row + 1) & 0x7F;
+    if (state.row == crtc.vertical_displayed) state.border |= VERTICAL;
+    if (state.row == 0) start_picture();
+}
+
+void step_vertical_sync() {
+    if (state.row == crtc.vertical_sync_position) {
+        state.blanking |= VERTICAL;
+        if (state.vertical_sync_counter == 0) state.vertical_sync_counter = 1;
+    }
+    if (state.vertical_sync_counter == 0) return;
+    state.vertical_sync_counter = (state.vertical_sync_counter + 1) & VERTICAL_SYNC_MASK;
+    if (state.vertical_sync_counter != crtc.sync_widths >> 4) return;
+    state.blanking &= uint8_t(~VERTICAL);
+    state.vertical_sync_counter = 0;
+    if (video_update_line > SHORTEST_FRAME) end_frame();
+}
+
+void end_scan_line() {
+    step_scan_line();
+    state.column = 0;
+    state.border &= uint8_t(~HORIZONTAL);
+    if (state.row < crtc.vertical_total) {
+        state.matrix_address = state.matrix_latch;
+    } else if (state.adjust_counter == crtc.vertical_total_adjust) {
+        state.row = state.scan_line = 0;
+        start_picture();
+    } else {
+        state.adjust_counter = (state.adjust_counter + 1) & 0x1F;
+    }
+    step_vertical_sync();
+}
+
+void retrace() {
+    if (++video_update_line > LAST_LINE) return end_frame();
+    beam = frame_buffer + (video_update_line + vert_adj_average_lines) * SCREEN_WIDTH;
+}
+
+void step_horizontal_sync() {
+    if (state.column == crtc.horizontal_sync_position) {
+        state.blanking |= HORIZONTAL;
+        if (state.horizontal_sync_counter == 0) state.horizontal_sync_counter = 1;
+        return;
+    }
+    if (state.horizontal_sync_counter == 0) return;
+    ++state.horizontal_sync_counter;
+    if (state.horizontal_sync_counter == (crtc.sync_widths & 0x0F)) {
+        state.blanking &= uint8_t(~HORIZONTAL);
+    } else if (state.horizontal_sync_counter == RETRACE_CLOCK) {
+        state.horizontal_sync_counter = 0;
+        retrace();
+    }
+}
+
+/// Offset of the cell under the cursor, when it shows on this scan line.
+uint32_t cursor_offset() {
+    const bool shown = crtc.cursor_visible && state.scan_line >= crtc.cursor_start_line &&
+                       state.scan_line <= crtc.cursor_end_line;
+    return shown ? crtc.cursor_address - VIDEO_RAM_START : NO_CURSOR;
+}
+
+void draw_graphics_cells(uint32_t address, uint32_t clocks) {
+    const GraphicsColours colours = graphics_colours();
+    uint8_t* pixels = beam;
+    for (; clocks > 0; --clocks, ++address, pixels += CELL_WIDTH) {
+        draw_graphics(pixels, video_ram(address), colours);
+    }
+}
+
+void draw_text_cells(uint32_t address, uint32_t clocks) {
+    const auto& patterns = selected_patterns();
+    const uint64_t background = in_every_pixel(video_graphic_background_selected);
+    const uint32_t cursor = cursor_offset();
+    const uint32_t y = state.scan_line;
+    uint8_t* pixels = beam;
+    for (; clocks > 0; --clocks, ++address, pixels += CELL_WIDTH) {
+        const uint32_t offset = address & VIDEO_RAM_MASK;
+        const uint8_t inversion = offset == cursor ? 0xFF : 0;
+        const uint8_t pattern = pattern_line(patterns, video_ram(offset), y) ^ inversion;
+        draw_pattern(pixels, pattern, colour_ram(offset), background);
+    }
+}
+
+// A line's runs are a few cells long: words in a loop are faster there than a block fill or copy.
+
+void fill_cells(uint8_t* pixels, uint64_t word, size_t cells) {
+    for (; cells > 0; --cells, pixels += CELL_WIDTH) std::memcpy(pixels, &word, sizeof word);
+}
+
+void copy_cells(uint8_t* to, const uint8_t* from, size_t cells) {
+    for (; cells > 0; --cells, to += CELL_WIDTH, from += CELL_WIDTH) {
+        uint64_t word;
+        std::memcpy(&word, from, sizeof word);
+        std::memcpy(to, &word, sizeof word);
+    }
+}
+
+/// Puts out `clocks` cells at the beam, the first from `address`, with the flags as they are. The
+/// caller sees to it that they fit into the storage.
+inline void output(uint32_t address, uint32_t clocks, uint8_t background) {
+    if (state.blanking) {
+        // Blanked, the beam stops where the shown area ends.
+        if (beam >= SHOWN_END) return;
+        const size_t shown = std::min<size_t>(clocks, size_t(SHOWN_END - beam) / CELL_WIDTH);
+        fill_cells(beam, in_every_pixel(BLACK_INDEX), shown);
+        beam += shown * CELL_WIDTH;
+        return;
+    }
+    if (state.border) {
+        fill_cells(beam, in_every_pixel(background), clocks);
+    } else if (video_mode) {
+        draw_graphics_cells(address, clocks);
+    } else {
+        draw_text_cells(address, clocks);
+    }
+    beam += clocks * CELL_WIDTH;
+}
+
+/// Everything that a character clock does before its output.
+void step_counters() {
+    if (state.column == crtc.horizontal_total) {
+        end_scan_line();
+    } else {
+        state.matrix_address = (state.matrix_address + 1) & VIDEO_RAM_MASK;
+        ++state.column;
+    }
+    if (state.column == crtc.horizontal_displayed) {
+        // The next row starts where the last line of this one ended.
+        if (state.scan_line == crtc.maximum_scan_line) state.matrix_latch = state.matrix_address;
+        state.border |= HORIZONTAL;
+    }
+    step_horizontal_sync();
+}
+
+uint32_t clocks_to_sync_step() {
+    const uint32_t counter = state.horizontal_sync_counter;
+    if (counter == 0) return LONGEST_LINE;
+    const uint32_t width = crtc.sync_widths & 0x0F;
+    return (counter < width ? width : RETRACE_CLOCK) - counter - 1;
+}
+
+/// Clocks ahead that only count and put out a cell: the one after them may end the line, enter the
+/// border, step the sync or fill the storage. Distances are modulo 256 like the column; where a
+/// register lies beyond the column's range, the clock after them is an ordinary one.
+inline uint32_t clocks_without_event() {
+    const uint8_t to_end = uint8_t(crtc.horizontal_total - state.column);
+    const uint8_t to_border = uint8_t(crtc.horizontal_displayed - state.column - 1);
+    const uint8_t to_sync = uint8_t(crtc.horizontal_sync_position - state.column - 1);
+    const uint32_t to_storage_end = uint32_t(STORAGE_END - beam) / CELL_WIDTH - 1;
+    const uint32_t to_register = std::min<uint32_t>(std::min(to_end, to_border), to_sync);
+    return std::min(std::min(to_register, to_storage_end), clocks_to_sync_step());
+}
+
+/// Counts `clocks` without an event.
+void count(uint32_t clocks) {
+    state.matrix_address = (state.matrix_address + clocks) & VIDEO_RAM_MASK;
+    state.column = uint8_t(state.column + clocks);
+    if (state.horizontal_sync_counter != 0) state.horizontal_sync_counter += clocks;
+}
+
+void advance(uint32_t clocks, uint8_t background) {
+    output(state.matrix_address + 1, clocks, background);
+    count(clocks);
+}
+
+/// One clock with an event and the run of at most `clocks` - 1 after it, put out together. Returns
+/// the clocks used; `quiet` becomes the clocks from there to the next event.
+uint32_t run_event(uint32_t clocks, uint32_t& quiet) {
+    step_counters();
+    const uint32_t address = state.matrix_address;
+    quiet = clocks_without_event();
+    const uint32_t run = std::min(clocks - 1, quiet);
+    count(run);
+    output(address, run + 1, video_graphic_background_selected);
+    quiet -= run;
+    if (beam == STORAGE_END) {
+        end_frame();
+        quiet = clocks_without_event();
+    }
+    return run + 1;
+}
+
+/// Runs `clocks` of which the first `quiet` have no event. Returns the clocks from there to the
+/// next event.
+uint32_t run_clocks(uint32_t clocks, uint32_t quiet) {
+    while (clocks > quiet) {
+        advance(quiet, video_graphic_background_selected);
+        clocks -= quiet;
+        clocks -= run_event(clocks, quiet);
+    }
+    advance(clocks, video_graphic_background_selected);
+    return quiet - clocks;
+}
+
+/// Clocks up to the next event, which the beam does in one go while the processor runs. It may lag
+/// behind as long as the processor changes nothing that they show. Inside the picture their cells
+/// are drawn ahead; those that the beam has not reached when something changes are taken back.
+struct QuietRun {
+    uint32_t clocks = 0; ///< in all
+    uint32_t left = 0;   ///< of them, before the processor
+    bool drawn_ahead = false;
+    uint8_t background = 0; ///< as the run began
+    uint32_t seen = 0;      ///< of the bus's changes
+};
+
+/// The pixels that a run drawn ahead has overwritten.
+uint8_t overwritten[LONGEST_LINE * CELL_WIDTH];
+
+void begin_run(QuietRun& quiet, uint32_t clocks) {
+    quiet.clocks = quiet.left = clocks;
+    quiet.background = video_graphic_background_selected;
+    quiet.drawn_ahead = !(state.blanking | state.border);
+    if (!quiet.drawn_ahead) return;
+    uint8_t* const here = beam;
+    copy_cells(overwritten, here, clocks);
+    output(state.matrix_address + 1, clocks, quiet.background);
+    beam = here;
+}
+
+/// Brings the beam to where the processor is.
+void catch_up(const QuietRun& quiet) {
+    const uint32_t lag = quiet.clocks - quiet.left;
+    if (quiet.drawn_ahead) {
+        beam += lag * CELL_WIDTH;
+        copy_cells(beam, overwritten + lag * CELL_WIDTH, quiet.left);
+        count(lag);
+    } else {
+        advance(lag, quiet.background);
+    }
+}
+
+/// Does the run show the byte at `address` or one beside it, the other one of a word?
+bool shows(const QuietRun& quiet, uint32_t address) {
+    if (address >= CHARACTER_RAM_START) return true;
+    const uint32_t mask = address >= COLOUR_RAM_START ? COLOUR_RAM_MASK : VIDEO_RAM_MASK;
+    if (mask == VIDEO_RAM_MASK && address > VIDEO_RAM_START + VIDEO_RAM_MASK + 1) return false;
+    return ((address - state.matrix_address) & mask) <= quiet.clocks + 1;
+}
+
+/// Has the processor's last instruction changed what the run shows?
+bool disturbed(const QuietRun& quiet) {
+    const uint32_t changes = bus_activity.changes - quiet.seen;
+    if (changes > WORD_WRITTEN) return true; // an output, or an interrupt after the instruction
+    return changes > 0 && quiet.drawn_ahead && shows(quiet, bus_activity.last_write);
+}
+
+void follow_processor(QuietRun& quiet, uint32_t clocks) {
+    const bool as_expected = !disturbed(quiet);
+    quiet.seen = bus_activity.changes;
+    if (as_expected && clocks <= quiet.left) {
+        quiet.left -= clocks;
+        return;
+    }
+    catch_up(quiet);
+    begin_run(quiet, run_clocks(clocks, as_expected ? quiet.left : clocks_without_event()));
+}
+} // namespace
+
+void video_run_cycles(int32_t cycles) {
+    QuietRun quiet;
+    quiet.seen = bus_activity.changes;
+    do {
+        const int32_t used = -z80_run(0);
+        cycles -= used;
+        const uint32_t half_clocks = uint32_t(used) + state.odd_cycle;
+        state.odd_cycle = half_clocks % 2;
+        const uint32_t clocks = half_clocks / 2;
+        if (quiet.seen == bus_activity.changes && clocks <= quiet.left) {
+            quiet.left -= clocks;
+        } else if (crtc.horizontal_total != 0) { // programmed
+            follow_processor(quiet, clocks);
+        }
+    } while (cycles > 0);
+    catch_up(quiet);
+}
+
+void video_do_cycles(uint32_t clocks) {
+    if (crtc.horizontal_total == 0) return; // not programmed yet
+    run_clocks(clocks, clocks_without_event());
+}
+
+void video_beam_reset_centring() {
+    vert_adj_average_lines = 0;
+    lp_accu = 0;
+}

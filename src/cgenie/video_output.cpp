@@ -1,0 +1,45 @@
+#include "cgenie/video_output.h"
+
+#include "cgenie/palette.h"
+#include "cgenie/video.h"
+
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+
+namespace {
+/// Writes one line of the frame: as it is, or as two lines of double width, of which the second
+/// may be all `black`. Returns the place of the next line.
+template <typename Pixel>
+uint8_t* write_line(uint8_t* destination, const Pixel* line, bool doubled, bool black_odd_line,
+                    Pixel black) {
+    constexpr size_t LINE_BYTES = SCREEN_WIDTH * sizeof(Pixel);
+    if (!doubled) {
+        std::memcpy(destination, line, LINE_BYTES);
+        return destination + LINE_BYTES;
+    }
+    Pixel wide[2 * SCREEN_WIDTH];
+    for (int x = 0; x < SCREEN_WIDTH; ++x) wide[2 * x] = wide[2 * x + 1] = line[x];
+    std::memcpy(destination, wide, sizeof wide);
+    if (black_odd_line) std::fill(std::begin(wide), std::end(wide), black);
+    std::memcpy(destination + sizeof wide, wide, sizeof wide);
+    return destination + 2 * sizeof wide;
+}
+} // namespace
+
+void video_resize_frame(uint8_t* destination, int, int width, int blur, int black_odd_lines) {
+    const bool doubled = width == 2 * SCREEN_WIDTH;
+    const bool black_odd = black_odd_lines != 0;
+    for (int y = 0; y < SCREEN_HEIGHT; ++y) {
+        const uint8_t* line = frame_buffer + y * SCREEN_WIDTH;
+        if (!blur) {
+            destination = write_line(destination, line, doubled, black_odd, uint8_t(BLACK_INDEX));
+            continue;
+        }
+        yuv_pixel filtered[SCREEN_WIDTH];
+        uint32_t colours[SCREEN_WIDTH];
+        video_yuv_filter(line, filtered, SCREEN_WIDTH, 1, SCREEN_WIDTH);
+        yuv_to_rgb(filtered, colours, SCREEN_WIDTH);
+        destination = write_line(destination, colours, doubled, black_odd, uint32_t(0));
+    }
+}

@@ -1,0 +1,105 @@
+#include "core/machine.h"
+
+#include "cgenie/bus.h"
+#include "cgenie/crtc.h"
+#include "cgenie/keyboard.h"
+#include "cgenie/memory.h"
+#include "cgenie/palette.h"
+#include "cgenie/video.h"
+#include "core/frame_driver.h"
+#include "media/traps.h"
+#include "media/wd1771.h"
+#include "platform/host_services.h"
+#include "sound/beeper.h"
+#include "sound/sound_core.h"
+#include "sound/ym2149.h"
+#include "z80/z80.h"
+
+#include <cstring>
+
+namespace {
+
+constexpr uint32_t STANDARD_CLOCK = 2216750; ///< Hz
+constexpr uint32_t STANDARD_FRAMES = 50;     ///< per second
+
+constexpr machine_configuration standard_models[3] = {
+    {0, 1, 0, 2, STANDARD_CLOCK, STANDARD_FRAMES, 0, 1, "CG NZ1"},
+    {2, 1, 0, 2, STANDARD_CLOCK, STANDARD_FRAMES, 0, 1, "CG NZ2"},
+    {1, 1, 0, 2, STANDARD_CLOCK, STANDARD_FRAMES, 1, 1, "CG EUR"},
+};
+constexpr uint32_t CUSTOM_TEMPLATE = 1;
+
+} // namespace
+
+machine_configuration machine_cfg[MACHINE_CONFIGURATIONS];
+uint32_t active_machine_cfg = 0;
+
+const char* const models[3] = {"Colour Genie EG2000 South (24 rows)",
+                               "Colour Genie EG2000 South (25 rows)",
+                               "Colour Genie EG2000 North (25 rows)"};
+const char* const basic_roms[4] = {"EACA CG MS BASIC v1", "EACA CG MS BASIC v2",
+                                   "EACA CG MS BASIC v2.0 s/n", "<...Use custom BASIC ROM...>"};
+const char* const exp_roms[3] = {"Colour Genie DOS", "No ROM expansion",
+                                 "<...Use custom expansion ROM...>"};
+const char* const char_roms[4] = {"Original Colour Genie charset", "German Colour Genie charset",
+                                  "Colour Genie emulator charset", "<...Use custom charset...>"};
+const char* const palette_type[2] = {"Southern", "Northern"};
+const char* const ram_size[2] = {"16 kbyte", "32 kbyte"};
+
+bool machine_is_valid_cfg(uint32_t index) { return index < 3 || index == CUSTOM_CONFIGURATION; }
+
+void machine_init() {
+    machine_configuration& custom = machine_cfg[CUSTOM_CONFIGURATION];
+    for (uint32_t model = 0; model < 3; ++model) machine_cfg[model] = standard_models[model];
+    custom = standard_models[CUSTOM_TEMPLATE];
+    memory_set_ram_size_source(&custom.ram_size);
+    machine_specific_init();
+    active_machine_cfg = 0;
+    machine_set_main_clock(machine_cfg[0].cpu_clock);
+    machine_change_cfg(machine_cfg[0], 1);
+    std::strcpy(custom.name, "Custom");
+    memory_init();
+    z80_init(machine_cfg[0].cpu_clock);
+    beeper_init();
+    wd1771_init();
+    keyboard_init();
+    sound_init();
+}
+
+void machine_change_cfg(const machine_configuration& configuration, int full) {
+    video_set_charset(configuration.character_rom);
+    calculate_palette(configuration.palette & 1);
+    if (full) {
+        machine_set_main_clock(configuration.cpu_clock);
+        memory_set_active_setup(configuration.ram_size);
+        memory_set_basic_rom(configuration.basic_rom);
+        memory_set_eprom(configuration.expansion_rom);
+        memory_reset();
+        memory_init();
+        z80_reset();
+    }
+    machine_show_cfg();
+}
+
+void machine_reset() {
+    wd1771_reset_all();
+    z80_state.irq = 0;
+    z80_state.nmi = 1;
+    z80_state.nmi_in_progress = 0;
+    memory_remove_bas_trap();
+    keyboard_type_reset();
+    ym2149_reset();
+    sound_reset();
+    video_reset();
+    last_file_name.clear();
+}
+
+void machine_set_main_clock(uint32_t hz) {
+    z80_state.clock_hz = hz;
+    ym2149_init(hz / machine_cfg[active_machine_cfg].psg_divider);
+}
+
+void machine_show_cfg() { StatusBarPartText(0, "%s", machine_cfg[active_machine_cfg].name); }
+
+void machine_specific_init() { crtc_reset(); }
+void machine_specific_reset() { crtc_reset(); }

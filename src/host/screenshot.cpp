@@ -1,0 +1,89 @@
+#include "host/screenshot.h"
+
+#include "cgenie/crtc.h"
+#include "cgenie/memory.h"
+#include "core/frame_driver.h"
+#include "host/gif.h"
+#include "platform/file_handle.h"
+#include "platform/host_services.h"
+
+#include <array>
+#include <cerrno>
+#include <cstring>
+
+bool save_video_ram_w_screenshot = false;
+bool screenshot_failed = false;
+
+namespace {
+constexpr size_t GIF_COLOURS = 256;
+constexpr size_t DUMP_SIZE = 1024;
+constexpr uint32_t VIDEO_ADDRESS_MASK = 0x3FFF; ///< the video circuit reaches 4000-7FFF
+constexpr const char* DUMP_EXTENSION = ".v80";
+constexpr size_t DUMP_EXTENSION_LENGTH = 4;
+
+std::string numbered_name(const std::string& base, int number, const std::string& extension) {
+    std::string digits = std::to_string(number);
+    if (digits.size() < 4) {
+        digits.insert(0, 4 - digits.size(), '0');
+    }
+    return base + digits + "." + extension;
+}
+
+std::string dump_name(const std::string& base) {
+    const size_t length = base.size();
+    const bool has_extension =
+        length >= DUMP_EXTENSION_LENGTH && base[length - DUMP_EXTENSION_LENGTH] == '.';
+    return base.substr(0, has_extension ? length - DUMP_EXTENSION_LENGTH : length) + DUMP_EXTENSION;
+}
+} // namespace
+
+std::string get_next_fname(const std::string& extension, const std::string& base) {
+    const std::string stem = base.empty() ? "Tarvelin" : base;
+    for (int number = 0;; ++number) {
+        std::string name = numbered_name(stem, number, extension);
+        if (!open_file(name, "rb")) {
+            return name;
+        }
+    }
+}
+
+int gif_write_as(const std::string& path, const dib& bitmap) {
+    if (bitmap.header.bits != 8) {
+        return 0;
+    }
+    std::array<uint8_t, GIF_COLOURS * 3> colours;
+    for (size_t i = 0; i < GIF_COLOURS; ++i) {
+        const uint8_t* entry = &bitmap.palette[i * 4]; // blue, green, red, 0
+        colours[i * 3] = entry[2];
+        colours[i * 3 + 1] = entry[1];
+        colours[i * 3 + 2] = entry[0];
+    }
+    StatusBarText("Screenshot saved: %s", path.c_str());
+    return gif_save(path.c_str(), bitmap.width, bitmap.height, bitmap.pixels.data(),
+                    colours.data());
+}
+
+int gif_write(const dib& bitmap, const std::string& base) {
+    return gif_write_as(get_next_fname("gif", base), bitmap);
+}
+
+int memory_save_video_ram(const std::string& base) {
+    std::array<uint8_t, DUMP_SIZE> dump;
+    for (size_t i = 0; i < DUMP_SIZE; ++i) {
+        dump[i] = memory[RAM_START + ((crtc.start_address + i) & VIDEO_ADDRESS_MASK)];
+    }
+    save_binary(dump_name(base).c_str(), dump.data(), dump.size());
+    return 1;
+}
+
+void host_save_screenshot() {
+    const int written = canvas.header.bits == 8 ? gif_write(canvas, last_file_name)
+                                                : dib_save(canvas, last_file_name);
+    if (!written) {
+        screenshot_failed = true;
+        host_warning("the screenshot cannot be written: %s", std::strerror(errno));
+    }
+    if (save_video_ram_w_screenshot) {
+        memory_save_video_ram(last_file_name);
+    }
+}

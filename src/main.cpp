@@ -1,0 +1,140 @@
+/// Picks the platform and starts the shell.
+
+#include "host/screenshot.h"
+#include "host/shell.h"
+#include "platform/headless/headless.h"
+
+#include <charconv>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <string_view>
+
+namespace {
+
+constexpr const char* USAGE =
+    "Tarvelin - EACA EG2000 Colour Genie emulator\n"
+    "\n"
+    "usage: tarvelin --headless [options] [switches] [FILE]\n"
+    "\n"
+    "FILE is started by its type: a CMD load module (.cmd) or a snapshot (.jzs).\n"
+    "\n"
+    "options:\n"
+    "  --headless            run without a display\n"
+    "  --real-time           headless: keep to real time instead of virtual time\n"
+    "  --setting NAME=VALUE  headless: a setting for this run, a number or a text\n"
+    "  --help                print this text\n"
+    "  --version             print the version\n"
+    "\n"
+    "switches:\n"
+    "  /b FILE   start FILE at once\n"
+    "  /d        giant picture: leave every second line black\n"
+    "  /mN       standard model N, 1 to 3\n"
+    "  /s N      take a screenshot after N seconds of machine time\n"
+    "  /t N      quit after N seconds of machine time\n"
+    "  /w        do not wait for real time\n"
+    "\n"
+    "An argument that names an existing file is a file, whatever it begins with.\n"
+    "A screenshot is written beside FILE, as FILE0000.gif and so on.\n";
+
+std::string user_directory(const char* variable, const char* below_home) {
+    if (const char* given = std::getenv(variable); given && *given) {
+        return std::string(given) + "/tarvelin";
+    }
+    const char* home = std::getenv("HOME");
+    return std::string(home ? home : ".") + below_home + "/tarvelin";
+}
+
+HeadlessOptions headless_options() {
+    HeadlessOptions options;
+    options.data_directory = user_directory("XDG_DATA_HOME", "/.local/share");
+    options.config_directory = user_directory("XDG_CONFIG_HOME", "/.config");
+    std::error_code error;
+    options.program_directory =
+        std::filesystem::read_symlink("/proc/self/exe", error).parent_path().string();
+    return options;
+}
+
+struct Options {
+    bool headless = false;
+    bool real_time = false;
+    std::vector<std::pair<std::string, std::string>> settings;
+    Arguments arguments; ///< the rest
+};
+
+int fail(const std::string& problem) {
+    std::fprintf(stderr, "tarvelin: %s\n", problem.c_str());
+    return 1;
+}
+
+/// A setting is a number where its text is one in full.
+void apply_setting(Settings& settings, const std::string& name, const std::string& value) {
+    uint32_t number = 0;
+    const char* end = value.data() + value.size();
+    const auto [stop, error] = std::from_chars(value.data(), end, number);
+    if (error == std::errc() && stop == end) {
+        settings.set_number(name, number);
+    } else {
+        settings.set_text(name, value);
+    }
+}
+
+/// Sorts out the double-dash options. Returns a problem, or nothing.
+std::string parse(int count, char** words, Options& options) {
+    for (int n = 1; n < count; ++n) {
+        const std::string word = words[n];
+        if (!word.starts_with("--")) {
+            options.arguments.push_back(word);
+        } else if (word == "--headless") {
+            options.headless = true;
+        } else if (word == "--real-time") {
+            options.real_time = true;
+        } else if (word == "--setting") {
+            const std::string text = n + 1 < count ? words[++n] : "";
+            const size_t equals = text.find('=');
+            if (equals == std::string::npos || equals == 0) return word + ": NAME=VALUE is missing";
+            options.settings.emplace_back(text.substr(0, equals), text.substr(equals + 1));
+        } else {
+            return word + ": unknown option; --help lists them";
+        }
+    }
+    return {};
+}
+
+bool asks_for(int count, char** words, std::string_view option) {
+    for (int n = 1; n < count; ++n) {
+        if (words[n] == option) return true;
+    }
+    return false;
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (asks_for(argc, argv, "--help")) {
+        std::fputs(USAGE, stdout);
+        return 0;
+    }
+    if (asks_for(argc, argv, "--version")) {
+        std::puts("Tarvelin " TARVELIN_VERSION);
+        return 0;
+    }
+    Options options;
+    std::string problem = parse(argc, argv, options);
+    if (problem.empty()) problem = command_line_problem(options.arguments);
+    if (!problem.empty()) return fail(problem);
+    if (!options.headless) return fail("this build has no window yet; start it with --headless");
+
+    HeadlessOptions headless = headless_options();
+    headless.real_time = options.real_time;
+    HeadlessPlatform host(headless);
+    HeadlessPlatform::stop_on_signals();
+    install_platform(host);
+    for (const auto& [name, value] : options.settings) {
+        apply_setting(host.settings(), name, value);
+    }
+    emu_init(options.arguments);
+    const int exit_code = run_message_loop();
+    emu_close();
+    return exit_code == 0 && screenshot_failed ? 1 : exit_code;
+}

@@ -1,0 +1,20 @@
+#pragma once
+/// A file of the standard library that closes itself.
+
+#include <cstdio>
+#include <memory>
+#include <string>
+
+struct FileCloser {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+using FileHandle = std::unique_ptr<std::FILE, FileCloser>;
+
+/// Opens `path` with a mode of fopen; empty when that fails. To learn whether buffered data
+/// reached the file, call fflush before the handle goes.
+inline FileHandle open_file(const char* path, const char* mode) {
+    return FileHandle(std::fopen(path, mode));
+}
+inline FileHandle open_file(const std::string& path, const char* mode) {
+    return open_file(path.c_str(), mode);
+}

@@ -1,0 +1,123 @@
+#include "z80/z80.h"
+
+#include "z80/z80_operations.h"
+#include "z80/z80_prefixed.h"
+#include "z80/z80_unprefixed.h"
+
+z80_record z80_state;
+
+namespace {
+
+namespace op = z80_operations;
+
+constexpr uint8_t OPCODE_HALT = 0x76;
+constexpr uint8_t OPCODE_EI = 0xFB;
+constexpr uint64_t SCAN_LINES_PER_SECOND = 15625;
+
+/// After an instruction that began with `opcode`: the NMI goes before the maskable interrupt, which
+/// is not accepted directly behind EI. The address pushed for a HALT is the one behind it.
+void offer_interrupts(z80_registers& s, uint8_t opcode) {
+    const bool take_nmi = z80_state.nmi && !z80_state.nmi_in_progress;
+    const bool take_irq = z80_state.irq && s.iff1 && opcode != OPCODE_EI;
+    if (!take_nmi && !take_irq) return;
+    if (opcode == OPCODE_HALT) ++s.pc;
+    if (take_nmi) {
+        op::accept_nmi(s);
+    } else {
+        op::accept_irq(s);
+    }
+}
+
+} // namespace
+
+namespace {
+
+/// One instruction on `s`, and the interrupt after it.
+inline void step(z80_registers& s) {
+    const uint8_t opcode = op::fetch(s);
+    op::count_refresh(s);
+    z80_state.t_count += op::execute(s, opcode);
+    if (z80_state.irq | z80_state.nmi) offer_interrupts(s, opcode);
+}
+
+/// A single instruction is done on the record itself: copying it would take longer. Flattened, as
+/// the run loop is: with every operation inside, the host keeps the registers in its own.
+[[gnu::noinline, gnu::flatten]] int32_t run_one() {
+    const int64_t start = z80_state.t_count;
+    step(z80_state);
+    return int32_t(start - z80_state.t_count);
+}
+
+} // namespace
+
+[[gnu::flatten]] int32_t z80_run(int32_t budget) {
+    if (budget == 0) return run_one();
+    const int64_t end = z80_state.t_count + budget;
+    z80_registers s = z80_state;
+    do {
+        step(s);
+    } while (z80_state.t_count < end);
+    static_cast<z80_registers&>(z80_state) = s;
+    return int32_t(end - z80_state.t_count);
+}
+
+void cpu_run() { z80_run(1); }
+
+uint16_t cpu_get_pc() { return z80_state.pc; }
+
+void z80_init(uint32_t clock_hz) {
+    z80_state.breakpoint = 0xFFFF;
+    z80_state.breakpoint_enabled = 0;
+    z80_state.clock_hz = clock_hz;
+    z80_state.cycles_per_line = clock_hz / SCAN_LINES_PER_SECOND;
+    z80_reset();
+}
+
+void z80_reset() {
+    z80_state.pc = 0;
+    z80_state.i = z80_state.r = 0;
+    z80_state.iff1 = z80_state.iff2 = 0;
+    z80_state.interrupt_mode = 0;
+    z80_state.irq = z80_state.nmi = z80_state.nmi_in_progress = 0;
+    z80_state.sp = 0xFFFF;
+    z80_state.af = 0xFFFF;
+}
+
+void do_di() { z80_state.iff1 = z80_state.iff2 = 0; }
+void do_ei() { z80_state.iff1 = z80_state.iff2 = 1; }
+void do_im0() { z80_state.interrupt_mode = 0; }
+void do_im1() { z80_state.interrupt_mode = 1; }
+void do_im2() { z80_state.interrupt_mode = 2; }
+void do_int() { op::accept_irq(z80_state); }
+void do_nmi() { op::accept_nmi(z80_state); }
+void z80_assert_nmi() { z80_state.nmi = 1; }
+void z80_ack_nmi() { z80_state.nmi = z80_state.nmi_in_progress = 0; }
+
+void z80_cpu_set_breakpoint(uint16_t address) {
+    if (address == z80_state.breakpoint) {
+        z80_state.breakpoint_enabled = z80_state.breakpoint_enabled == 0 ? 1 : 0;
+        return;
+    }
+    z80_state.breakpoint = address;
+    z80_state.breakpoint_enabled = 1;
+}
+
+int cpu_run_until_breakpoint(uint16_t address) {
+    z80_cpu_set_breakpoint(address);
+    return 1;
+}
+
+int cpu_is_breakpoint_reached() { return z80_state.pc == z80_state.breakpoint ? 1 : 0; }
+
+int cpu_check_breakpoint() {
+    if (!z80_state.breakpoint_enabled || z80_state.breakpoint_reached) return 0;
+    if (z80_state.pc != z80_state.breakpoint) return 0;
+    z80_state.breakpoint_reached = 1;
+    return 1;
+}
+
+void do_CB_instruction() { z80_state.t_count += op::cb_instruction(z80_state); }
+void do_ED_instruction() { z80_state.t_count += op::ed_instruction(z80_state); }
+void do_indexed_instruction(uint16_t* index) {
+    z80_state.t_count += op::indexed_instruction(z80_state, *index);
+}

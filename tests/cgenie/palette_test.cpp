@@ -1,0 +1,142 @@
+#include "cgenie/palette.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <random>
+#include <vector>
+
+namespace {
+// Hue in degrees and luminance level of every colour, Southern and Northern.
+const long double HUES[2][16] = {
+    {0, 275, 32.5, 335, 152.5, 215, 120, 0, 0, 275, 32.5, 335, 152.5, 215, 120, 0},
+    {0, 270, 90, 0, 152.5, 215, 120, 180, 335, 335, 32.5, 359, 0, 270, 32.5, 0}};
+const long double LEVELS[2][16] = {
+    {4.5, 4.5, 4.5, 3.5, 4, 4.5, 3.5, 3, 4.5, 4, 3, 3, 4.5, 3, 3, 2.4L},
+    {3, 4.5, 3, 4.5, 4.5, 4.5, 3.5, 4.5, 3, 4.5, 3.5, 3.5, 3.5, 3.5, 3, 5}};
+
+int rounded(long double value, int low, int high) {
+    return int(std::clamp<long double>(value + 0.5L, low, high));
+}
+int clamped(double value) { return int(std::clamp(std::floor(value), 0.0, 255.0)); }
+
+TEST(Palette, SaturationIsUnsetUntilFirstUse) {
+    display_params.saturation = 0xFFFFFFFF;
+    calculate_palette(1);
+    EXPECT_EQ(palette_get_saturation(), 75u);
+    EXPECT_EQ(yuv_palette[2].u, 0) << "amplitude 96 along the V axis";
+    EXPECT_EQ(yuv_palette[2].v, 96);
+    display_parameters defaults = {};
+    palette_get_default_config(&defaults);
+    const uint32_t expected[6] = {75, 50, 50, 50, 80, 0xFFFFFFFF};
+    EXPECT_EQ(std::memcmp(&defaults, expected, sizeof expected), 0);
+}
+
+TEST(Palette, EntriesFollowFromPhaseAndLevel) {
+    for (const uint32_t standard : {0u, 1u}) {
+        for (const uint32_t saturation : {0u, 51u, 75u, 100u, 127u, 200u, 1000u}) {
+            calculate_palette(standard);
+            palette_set_saturation(saturation);
+            for (int i = 0; i < PALETTE_ENTRIES; ++i) {
+                SCOPED_TRACE(testing::Message() << standard << "/" << saturation << "% " << i);
+                const long double hue = i < 16 ? HUES[standard][i] : 0;
+                const long double y = i < 16 ? (LEVELS[standard][i] - 2) * 85 * 11 / 10 : 5;
+                const long double amplitude = hue == 0 ? 0 : saturation * 128 / 100;
+                const long double u = amplitude * std::cos(hue * 3.14159265L / 180);
+                const long double v = amplitude * std::sin(hue * 3.14159265L / 180);
+                EXPECT_EQ(yuv_palette[i].y, rounded(y, 0, 255));
+                EXPECT_EQ(yuv_palette[i].u, rounded(u, -128, 127));
+                EXPECT_EQ(yuv_palette[i].v, rounded(v, -128, 127));
+                const long double components[3] = {
+                    y + v / 0.877283L, y - 0.39465L * u - 0.5806L * v, y + u / 0.492111L};
+                for (int c : {0, 1, 2}) {
+                    EXPECT_EQ(video_get_palette_value(i, c), rounded(components[c], 0, 255)) << c;
+                    EXPECT_EQ(video_get_palette_value(17 + i, c), 16) << "beyond the entries";
+                }
+            }
+        }
+    }
+}
+
+TEST(CompositeFilter, SmearsEdges) {
+    palette_set_saturation(75);
+    calculate_palette(1); // 1: V = -95, 2: V = 96, both U = 0; 15: Y = 255; 16: Y = 5
+    struct {
+        uint8_t two_lines[2][6];
+        int y[6], v[6];
+    } const cases[] = {
+        {{{16, 15, 15, 15, 15, 15}, {16}}, {5, 168, 225, 245, 252, 254}, {}},
+        {{{15, 16, 16, 16, 16, 16}, {16}}, {255, 92, 35, 15, 8, 6}, {}},
+        {{{16, 16, 16, 16, 16, 16}, {2, 2, 2, 2, 2, 2}},
+         {5, 5, 5, 5, 5, 5},
+         {48, 48, 48, 48, 48, 48}},
+        {{{16, 16, 16, 16, 16, 16}, {16, 16, 1, 16, 16, 1}},
+         {5, 5, 5, 5, 5, 5},
+         {0, 0, -12, -12, -36, -36}},
+    };
+    for (const auto& c : cases) {
+        yuv_pixel result[6];
+        video_yuv_filter(c.two_lines[0], result, 6, 1, 6);
+        for (int x = 0; x < 6; ++x) {
+            EXPECT_EQ(result[x].y, c.y[x]) << &c - cases << ": " << x;
+            EXPECT_EQ(result[x].v, c.v[x]) << &c - cases << ": " << x;
+        }
+    }
+}
+
+TEST(CompositeFilter, WholePictureFollowsTheFormula) {
+    constexpr int WIDTH = 32, HEIGHT = 40, STRIDE = 35;
+    calculate_palette(0);
+    palette_set_saturation(120);
+    std::mt19937 random(1);
+    std::vector<uint8_t> source(WIDTH * (HEIGHT + 1));
+    for (auto& index : source) index = uint8_t(random() % PALETTE_ENTRIES);
+    std::vector<yuv_pixel> result(STRIDE * HEIGHT, yuv_pixel{1, 2, 3, 4});
+    video_yuv_filter(source.data(), result.data(), WIDTH, HEIGHT, STRIDE);
+    const auto pixel = [&](int x, int y) {
+        return yuv_palette[source[y * WIDTH + std::max(x, 0)]];
+    };
+    double luminance = 0;
+    for (int y = 0; y < HEIGHT; ++y) {
+        for (int x = 0; x < STRIDE; ++x) {
+            const yuv_pixel found = result[y * STRIDE + x];
+            ASSERT_EQ(found.pad, x < WIDTH ? 0 : 4) << "beyond the line nothing is written";
+            if (x >= WIDTH) continue;
+            const double level = pixel(x, y).y;
+            luminance = x == 0 ? level : level - std::trunc((level - luminance) * 35 / 100);
+            double u = 0, v = 0;
+            for (const int row : {y, y + 1}) {
+                for (const int column : {(x & ~1) - 2, x & ~1, x | 1, x | 1}) {
+                    u += pixel(column, row).u;
+                    v += pixel(column, row).v;
+                }
+            }
+            ASSERT_EQ(found.y, luminance) << x << "," << y;
+            ASSERT_EQ(found.u, std::floor(u / 8)) << x << "," << y;
+            ASSERT_EQ(found.v, std::floor(v / 8)) << x << "," << y;
+        }
+    }
+}
+
+TEST(CompositeFilter, ConvertsEveryChromaInPlace) {
+    constexpr size_t COUNT = 65536, KEPT = 37; // the count is no multiple of anything
+    for (const int y : {0, 1, 100, 127, 128, 254, 255}) {
+        std::vector<uint32_t> words(COUNT);
+        auto* pixels = reinterpret_cast<yuv_pixel*>(words.data());
+        for (size_t i = 0; i < COUNT; ++i) {
+            pixels[i] = {uint8_t(y), int8_t(i & 255), int8_t(i >> 8), 0x55};
+        }
+        yuv_to_rgb(pixels, words.data(), COUNT - KEPT);
+        for (size_t i = 0; i < COUNT - KEPT; ++i) {
+            const double u = int8_t(i & 255), v = int8_t(i >> 8);
+            const int red = clamped(y + (v * 74711 + 32768) / 65536);
+            const int green = clamped(y + (u * -25863 + v * -38049 + 65536) / 65536);
+            const int blue = clamped(y + (u * 132973 + 32768) / 65536);
+            ASSERT_EQ(words[i], uint32_t(red << 16 | green << 8 | blue)) << y << " " << i;
+        }
+        for (size_t i = COUNT - KEPT; i < COUNT; ++i) ASSERT_EQ(pixels[i].pad, 0x55);
+    }
+}
+} // namespace

@@ -1,0 +1,63 @@
+#include "cgenie/video_output.h"
+
+#include "cgenie/palette.h"
+#include "cgenie/video.h"
+
+#include <cstring>
+#include <random>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+namespace {
+void draw_noise() {
+    std::mt19937 noise(2);
+    for (int i = 0; i < SCREEN_WIDTH * (SCREEN_HEIGHT + 1); ++i) {
+        frame_buffer[i] = uint8_t(noise() % PALETTE_ENTRIES);
+    }
+}
+
+/// The filtered frame, all lines at once.
+std::vector<uint32_t> composite_picture() {
+    constexpr size_t count = size_t(SCREEN_WIDTH) * SCREEN_HEIGHT;
+    std::vector<yuv_pixel> filtered(count);
+    std::vector<uint32_t> colours(count);
+    video_yuv_filter(frame_buffer, filtered.data(), SCREEN_WIDTH, SCREEN_HEIGHT, SCREEN_WIDTH);
+    yuv_to_rgb(filtered.data(), colours.data(), count);
+    return colours;
+}
+
+/// Checks one form of the output against the pixel of the frame that each of its pixels shows.
+template <typename Pixel>
+void expect_scaled(const std::vector<Pixel>& source, int width, bool black_odd, Pixel black) {
+    const int scale = width / SCREEN_WIDTH;
+    const size_t count = size_t(width) * SCREEN_HEIGHT * scale;
+    std::vector<uint8_t> canvas(count * sizeof(Pixel) + 16, 0xEE);
+    video_resize_frame(canvas.data(), 1, width, sizeof(Pixel) == 4 ? 66 : 0, black_odd);
+    size_t wrong = 0;
+    for (size_t i = 0; i < count; ++i) {
+        const size_t x = i % size_t(width), y = i / size_t(width);
+        Pixel expected = source[y / scale * SCREEN_WIDTH + x / scale];
+        if (scale == 2 && black_odd && y % 2 == 1) expected = black;
+        Pixel pixel;
+        std::memcpy(&pixel, &canvas[i * sizeof pixel], sizeof pixel);
+        wrong += pixel != expected;
+    }
+    const char* form = sizeof(Pixel) == 4 ? " blurred" : " plain";
+    EXPECT_EQ(wrong, 0u) << width << form << (black_odd ? " with black lines" : "");
+    EXPECT_EQ(canvas[count * sizeof(Pixel)], 0xEE) << "wrote past the canvas, " << width << form;
+}
+} // namespace
+
+TEST(VideoOutput, ScalesTheFrame) {
+    calculate_palette(0);
+    draw_noise();
+    const std::vector<uint8_t> plain(frame_buffer, frame_buffer + SCREEN_WIDTH * SCREEN_HEIGHT);
+    const std::vector<uint32_t> blurred = composite_picture();
+    for (const bool black_odd : {false, true}) {
+        for (const int width : {384, 768}) {
+            expect_scaled<uint8_t>(plain, width, black_odd, 16);
+            expect_scaled<uint32_t>(blurred, width, black_odd, 0);
+        }
+    }
+}

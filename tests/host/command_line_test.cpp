@@ -1,0 +1,202 @@
+#include "host/command_line.h"
+
+#include "cgenie/memory.h"
+#include "core/frame_driver.h"
+#include "core/machine.h"
+#include "host/autostart.h"
+#include "host/display.h"
+#include "host_files.h"
+#include "z80/z80.h"
+
+#include <unistd.h>
+
+namespace {
+using Bytes = std::vector<uint8_t>;
+
+constexpr uint16_t NOT_STARTED = 0x1234;
+
+void write_file(const std::string& path, const Bytes& bytes) {
+    std::ofstream(path, std::ios::binary)
+        .write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
+}
+
+/// A module that puts `mark` at 9000 and starts at 9100 + mark.
+void write_module(const std::string& path, uint8_t mark) {
+    write_file(path, {1, 3, 0x00, 0x90, mark, 2, 2, mark, 0x91});
+}
+
+class CommandLineTest : public HostFilesTest {
+protected:
+    void SetUp() override {
+        HostFilesTest::SetUp();
+        here_ = std::filesystem::current_path().string() + "/";
+        machine_init();
+        std::filesystem::create_directories("v1.0/folder.cmd");
+        write_module("one.cmd", 1);
+        write_module("two.cmd", 2);
+        write_module("LOUD.CMD", 3);
+        write_module("v1.0/three.x.Cmd", 4);
+        write_file("v1.0/plain", {1});
+        write_file("text.doc", {1});
+    }
+    void TearDown() override {
+        event_screenshot_timout = event_shutdown_timout = EVENT_DISARMED;
+        HostFilesTest::TearDown();
+    }
+
+    void run(const Arguments& arguments) {
+        SCOPED_TRACE(testing::PrintToString(arguments));
+        z80_state.pc = NOT_STARTED;
+        memory[0x9000] = 0;
+        last_file_name = "before";
+        host->window().set_status_text(3, "");
+        event_screenshot_timout = event_shutdown_timout = EVENT_DISARMED;
+        g_Timer = g_bDblScan = true;
+        get_command_line(arguments);
+        EXPECT_TRUE(g_bAutoStart) << "off for one evaluation only";
+    }
+
+    std::string here_; ///< begins with "/" like a switch
+};
+
+TEST_F(CommandLineTest, FilesAreLoadedNamedAndStarted) {
+    const struct {
+        Arguments arguments;
+        int mark; ///< of the module that was loaded last
+        std::string path, base;
+    } cases[] = {
+        {{"one.cmd"}, 1, "one.cmd", "one"},
+        {{"LOUD.CMD"}, 3, "LOUD.CMD", "LOUD"},
+        {{"v1.0/three.x.Cmd"}, 4, "v1.0/three.x.Cmd", "v1.0/three.x"},
+        {{here_ + "one.cmd"}, 1, here_ + "one.cmd", here_ + "one"},
+        {{"/b", here_ + "two.cmd"}, 2, here_ + "two.cmd", here_ + "two"},
+        // Only the last argument of the line counts, and a switch's value is no argument.
+        {{"one.cmd", "two.cmd"}, 2, "two.cmd", "two"},
+        {{"/w", "one.cmd"}, 1, "one.cmd", "one"},
+        {{"one.cmd", "/w"}, 0, "", "before"},
+        {{"/r", "one.cmd"}, 0, "", "before"},
+        {{"/b", "two.cmd", "/w"}, 2, "two.cmd", "two"},
+        {{"/b", "one.cmd", "two.cmd"}, 2, "two.cmd", "two"},
+        {{"/m2", "/b", "one.cmd"}, 1, "one.cmd", "one"},
+        // Nothing to load, but a name.
+        {{"v1.0/plain"}, 0, "v1.0/plain", ""},
+        {{"v1.0/"}, 0, "v1.0/", ""},
+        {{"text.doc"}, 0, "text.doc", "text"},
+        {{"v1.0/gone.cmd"}, 0, "v1.0/gone.cmd", "v1.0/gone"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::PrintToString(c.arguments));
+        run(c.arguments);
+        EXPECT_EQ(memory[0x9000], c.mark);
+        EXPECT_EQ(z80_state.pc, c.mark ? 0x9100 + c.mark : NOT_STARTED);
+        EXPECT_EQ(host->status_text(3), c.path.empty() ? "" : "Autoloaded: " + c.path);
+        EXPECT_EQ(last_file_name, c.base);
+    }
+    run({"/b", "one.cmd", "/m1"});
+    EXPECT_EQ(memory[0x9000], 0) << "loaded at once, and lost with the restart of the machine";
+    EXPECT_EQ(z80_state.pc, 0);
+}
+
+TEST_F(CommandLineTest, ProgramsAreOnlyLoadedBehindTheSwitchForThat) {
+    for (const Arguments& arguments : {Arguments{"/a", "one.cmd"}, {"/a", "/b", "one.cmd"}}) {
+        run(arguments);
+        EXPECT_EQ(memory[0x9000], 1);
+        EXPECT_EQ(z80_state.pc, NOT_STARTED);
+        EXPECT_EQ(host->status_text(3), "Autoloaded: one.cmd");
+    }
+    run({"/b", "one.cmd", "/a"});
+    EXPECT_EQ(z80_state.pc, 0x9101) << "too late";
+}
+
+TEST_F(CommandLineTest, SnapshotsSetMemoryAndRegisters) {
+    Bytes snapshot(49702);
+    snapshot[4 + 2 * 8] = 0x21; // program counter, the ninth register word
+    snapshot[4 + 2 * 8 + 1] = 0x43;
+    snapshot[38 + 0x5000] = 0x99; // RAM from 4000
+    write_file("state.JZS", snapshot);
+    for (const Arguments& arguments : {Arguments{"state.JZS"}, {"/a", "state.JZS"}}) {
+        run(arguments);
+        EXPECT_EQ(memory[0x9000], 0x99);
+        EXPECT_EQ(z80_state.pc, 0x4321);
+        EXPECT_EQ(last_file_name, "state");
+    }
+}
+
+TEST_F(CommandLineTest, ModelsAreAppliedAndNotMadeActive) {
+    active_machine_cfg = 1;
+    for (uint32_t model = 0; model < 3; ++model) machine_cfg[model].cpu_clock = 1'000'001 + model;
+    const struct {
+        const char* argument;
+        uint32_t model;
+    } cases[] = {{"/m1", 0}, {"/m2", 1}, {"/m3", 2},  {"/m0", 0}, {"/m4", 0},
+                 {"/m9", 0}, {"/m", 0},  {"/m22", 0}, {"/m02", 1}};
+    for (const auto& c : cases) {
+        machine_change_cfg(machine_cfg[c.model == 2 ? 1 : 2], 1);
+        run({c.argument});
+        EXPECT_EQ(z80_state.clock_hz, 1'000'001 + c.model) << c.argument;
+        EXPECT_EQ(active_machine_cfg, 1U);
+    }
+}
+
+TEST_F(CommandLineTest, TimedEventsAreArmedInCyclesOf32Bits) {
+    const struct {
+        Arguments arguments;
+        int64_t screenshot, shutdown;
+    } cases[] = {
+        {{"/s", "2", "/t", "3"}, 4'433'500, 6'650'250},
+        {{"/t", "0"}, EVENT_DISARMED, 0},
+        {{"/s", "12x"}, 26'601'000, EVENT_DISARMED},
+        {{"/s", "x"}, 0, EVENT_DISARMED},
+        {{"/t", "1937"}, EVENT_DISARMED, 4'293'844'750},
+        {{"/t", "1938"}, EVENT_DISARMED, 4'296'061'500 - 4'294'967'296},
+        {{"/s", "1", "/m3", "/t", "1"}, 2'216'750, 1'000'000}, // each by the clock of its moment
+        {{"/w", "/d"}, EVENT_DISARMED, EVENT_DISARMED},
+        {{"/S", "1"}, EVENT_DISARMED, EVENT_DISARMED}, // capitals mean nothing
+    };
+    machine_cfg[2].cpu_clock = 1'000'000;
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::PrintToString(c.arguments));
+        machine_change_cfg(machine_cfg[0], 1);
+        run(c.arguments);
+        EXPECT_EQ(event_screenshot_timout, c.screenshot);
+        EXPECT_EQ(event_shutdown_timout, c.shutdown);
+        EXPECT_EQ(g_Timer, c.arguments[0] != "/w");
+        EXPECT_EQ(g_bDblScan, c.arguments[0] != "/w");
+    }
+}
+
+TEST_F(CommandLineTest, ProblemsAreNamedInOneLine) {
+    write_module("secret.cmd", 5);
+    std::filesystem::permissions("secret.cmd", std::filesystem::perms::none);
+    const bool reads_all = access("secret.cmd", R_OK) == 0; // the superuser
+    const struct {
+        Arguments arguments;
+        std::string problem;
+    } cases[] = {
+        {{}, ""},
+        {{"/w", "/m2", "/a", "/s", "1", "/t", "2", here_ + "LOUD.CMD"}, ""},
+        {{"/b", "v1.0/three.x.Cmd"}, ""},
+        {{"/r", "anything"}, ""},
+        {{"/x"}, ""},
+        {{"/t"}, "/t: the value is missing"},
+        {{"one.cmd", "/b"}, "/b: the value is missing"},
+        {{"gone.cmd"}, "gone.cmd: no such file"},
+        {{"gone.cmd", "one.cmd"}, "gone.cmd: no such file"},
+        {{"/b", "gone.cmd"}, "gone.cmd: no such file"},
+        {{here_ + "gone"}, here_ + "gone: no such file"},
+        {{"/gone.cmd"}, "/gone.cmd: no such file"},
+        {{""}, ": no such file"},
+        {{"v1.0/folder.cmd"}, "v1.0/folder.cmd: is a folder"},
+        {{"text.doc"}, "text.doc: files of this type cannot be started"},
+        {{"v1.0/plain"}, "v1.0/plain: files of this type cannot be started"},
+        {{"secret.cmd"}, reads_all ? "" : "secret.cmd: cannot be read"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(command_line_problem(c.arguments), c.problem)
+            << testing::PrintToString(c.arguments);
+    }
+    EXPECT_EQ(memory[0x9000], 0) << "nothing is loaded";
+    EXPECT_EQ(event_shutdown_timout, EVENT_DISARMED);
+}
+
+} // namespace

@@ -1,0 +1,97 @@
+#include "program_run.h"
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <fcntl.h>
+#include <fstream>
+#include <iterator>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr unsigned LONGEST_RUN = 60; ///< seconds; an alarm survives exec and ends the program
+constexpr int NOT_STARTED = 127;
+
+void become(std::vector<char*> words, const Folder& streams,
+            const std::filesystem::path& directory) {
+    const auto redirect = [&](const char* name, int stream) {
+        const int file = open((streams / name).c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600);
+        if (file < 0 || dup2(file, stream) < 0) _exit(NOT_STARTED);
+        close(file);
+    };
+    redirect("output", STDOUT_FILENO);
+    redirect("errors", STDERR_FILENO);
+    if (chdir(directory.c_str()) != 0) _exit(NOT_STARTED);
+    setenv("HOME", directory.c_str(), 1);
+    setenv("XDG_DATA_HOME", (directory / "data").c_str(), 1);
+    setenv("XDG_CONFIG_HOME", (directory / "config").c_str(), 1);
+    alarm(LONGEST_RUN);
+    execv(words[0], words.data());
+    _exit(NOT_STARTED);
+}
+
+} // namespace
+
+Folder::Folder() {
+    std::string name = testing::TempDir() + "/tarvelin-XXXXXX";
+    if (mkdtemp(name.data())) path_ = name;
+}
+
+Folder::~Folder() {
+    std::error_code error;
+    if (!path_.empty()) std::filesystem::remove_all(path_, error);
+}
+
+std::string read_text(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+void write_text(const std::filesystem::path& path, const std::string& text) {
+    std::filesystem::create_directories(path.parent_path());
+    std::ofstream(path, std::ios::binary) << text;
+}
+
+Program::Program(const std::vector<std::string>& words, const std::filesystem::path& directory) {
+    std::vector<std::string> own = words;
+    std::vector<char*> pointers;
+    pointers.reserve(own.size() + 1);
+    for (std::string& word : own) pointers.push_back(word.data());
+    pointers.push_back(nullptr);
+    process_ = fork();
+    if (process_ == 0) become(pointers, streams_, directory);
+}
+
+Program::~Program() {
+    if (process_ <= 0) return;
+    kill(process_, SIGKILL);
+    waitpid(process_, nullptr, 0);
+}
+
+void Program::send(int signal) const {
+    if (process_ > 0) kill(process_, signal);
+}
+
+ProgramResult Program::wait() {
+    int status = 0;
+    const bool ended = process_ > 0 && waitpid(process_, &status, 0) == process_;
+    process_ = -1;
+    const bool exited = ended && WIFEXITED(status);
+    return {exited ? WEXITSTATUS(status) : -1, read_text(streams_ / "output"),
+            read_text(streams_ / "errors")};
+}
+
+ProgramResult run_program(const std::vector<std::string>& words,
+                          const std::filesystem::path& directory) {
+    return Program(words, directory).wait();
+}
+
+ProgramResult run_tarvelin(const std::vector<std::string>& arguments,
+                           const std::filesystem::path& directory) {
+    std::vector<std::string> words = {TARVELIN_PROGRAM, "--headless"};
+    words.insert(words.end(), arguments.begin(), arguments.end());
+    return run_program(words, directory);
+}

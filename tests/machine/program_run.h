@@ -1,0 +1,56 @@
+#pragma once
+/// Runs programs of the project as a user does, and looks at what they print and write.
+
+#include <filesystem>
+#include <map>
+#include <string>
+#include <vector>
+
+#include <sys/types.h>
+
+/// A folder of its own that goes with the object.
+class Folder {
+public:
+    Folder();
+    ~Folder();
+    Folder(const Folder&) = delete;
+    Folder& operator=(const Folder&) = delete;
+
+    std::filesystem::path operator/(const std::string& name) const { return path_ / name; }
+    const std::filesystem::path& path() const { return path_; }
+
+private:
+    std::filesystem::path path_;
+};
+
+std::string read_text(const std::filesystem::path& path);
+void write_text(const std::filesystem::path& path, const std::string& text);
+
+struct ProgramResult {
+    int exit_code; ///< -1 when a signal ended the program
+    std::string output, errors;
+};
+
+/// A program in a process of its own. Its home is its current directory, so that nothing of the
+/// user's gets in.
+class Program {
+public:
+    Program(const std::vector<std::string>& words, const std::filesystem::path& directory);
+    ~Program();
+    Program(const Program&) = delete;
+    Program& operator=(const Program&) = delete;
+
+    void send(int signal) const;
+    ProgramResult wait();
+
+private:
+    Folder streams_;
+    pid_t process_ = -1;
+};
+
+/// Runs to the end. The first word is the program's path.
+ProgramResult run_program(const std::vector<std::string>& words,
+                          const std::filesystem::path& directory);
+/// The emulator without a display.
+ProgramResult run_tarvelin(const std::vector<std::string>& arguments,
+                           const std::filesystem::path& directory);

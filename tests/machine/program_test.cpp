@@ -1,0 +1,146 @@
+#include "picture.h"
+#include "program_run.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <thread>
+
+namespace {
+
+using Words = std::vector<std::string>;
+const std::string COLOURS = EXAMPLES_DIR "/colours.cmd";
+
+class ProgramTest : public testing::Test {
+protected:
+    ProgramResult run(const Words& arguments) const {
+        return run_tarvelin(arguments, folder_.path());
+    }
+    Picture picture(const std::string& name) const { return read_gif(folder_ / name); }
+
+    Folder folder_;
+};
+
+TEST_F(ProgramTest, TellsHowItIsUsed) {
+    for (const Words& options : {Words{"--help"}, {"--no-such-option", "--help"}}) {
+        const ProgramResult help = run(options);
+        EXPECT_EQ(help.exit_code, 0);
+        EXPECT_EQ(help.errors, "");
+        for (const char* word : {"usage: tarvelin", "--headless", "--setting", "/s N", "FILE"}) {
+            EXPECT_NE(help.output.find(word), std::string::npos) << word;
+        }
+    }
+    const ProgramResult version = run({"--version"});
+    EXPECT_EQ(version.exit_code, 0);
+    EXPECT_EQ(version.output, "Tarvelin " TARVELIN_VERSION "\n");
+}
+
+TEST_F(ProgramTest, RefusesWhatItDoesNotUnderstandInOneLine) {
+    write_text(folder_ / "text.doc", "x");
+    const struct {
+        Words arguments;
+        std::string named; ///< in the message
+    } cases[] = {
+        {{"--no-such-option"}, "--no-such-option"},
+        {{"/w", "gone.cmd"}, "gone.cmd"},
+        {{folder_ / "gone.cmd"}, folder_ / "gone.cmd"},
+        {{"text.doc"}, "text.doc"},
+        {{folder_.path()}, folder_.path()},
+        {{COLOURS, "/t"}, "/t"},
+        {{"/w", "--setting"}, "--setting"},
+        {{"--setting", "GiantScreen"}, "--setting"},
+        {{"--setting", "=1"}, "--setting"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::PrintToString(c.arguments));
+        const ProgramResult result = run(c.arguments);
+        EXPECT_EQ(result.exit_code, 1);
+        EXPECT_EQ(result.output, "");
+        EXPECT_EQ(std::ranges::count(result.errors, '\n'), 1) << result.errors;
+        EXPECT_TRUE(result.errors.starts_with("tarvelin: ")) << result.errors;
+        EXPECT_NE(result.errors.find(c.named), std::string::npos) << result.errors;
+    }
+}
+
+TEST_F(ProgramTest, WritesTheSamePictureInEveryRun) {
+    std::filesystem::copy_file(COLOURS, folder_ / "colours.cmd");
+    const Words runs[] = {{"/w", "/s", "1", "/t", "2", "colours.cmd"},
+                          {"/w", "/s", "1", "/t", "2", "colours.cmd"},
+                          {"/s", "1", "/t", "2", "colours.cmd"}}; // paced by virtual time
+    for (int n = 0; n < 3; ++n) {
+        ASSERT_EQ(run(runs[n]).exit_code, 0);
+        const std::string file = "colours000" + std::to_string(n) + ".gif";
+        EXPECT_EQ(picture(file).pixels.size(), 384U * 288U) << file;
+        EXPECT_EQ(read_text(folder_ / file), read_text(folder_ / "colours0000.gif")) << file;
+    }
+    ASSERT_EQ(run({"/s", "1", "/t", "1", "colours.cmd"}).exit_code, 0);
+    EXPECT_FALSE(std::filesystem::exists(folder_ / "colours0003.gif")) << "the end comes first";
+}
+
+TEST_F(ProgramTest, SettingsChooseTheCanvas) {
+    struct {
+        const char* setting;
+        const char* file;
+        size_t size; ///< in pixels, or of the file
+    } const cases[] = {{"GiantScreen=1", "Tarvelin0000.gif", 768U * 576U},
+                       {"CompositeBlur=50", "Tarvelin0000.bmp", 442422}};
+    for (const auto& c : cases) {
+        ASSERT_EQ(run({"--setting", c.setting, "/w", "/s", "1", "/t", "2"}).exit_code, 0);
+        const bool gif = std::string(c.file).ends_with("gif");
+        EXPECT_EQ(gif ? picture(c.file).pixels.size() : read_text(folder_ / c.file).size(), c.size);
+    }
+}
+
+TEST_F(ProgramTest, AScreenshotThatCannotBeWrittenIsAnError) {
+    // Nobody, not even the superuser, can make files there.
+    const ProgramResult result = run_tarvelin({"/w", "/s", "1", "/t", "2"}, "/proc");
+    EXPECT_EQ(result.exit_code, 1);
+    EXPECT_EQ(std::ranges::count(result.errors, '\n'), 1) << result.errors;
+    EXPECT_NE(result.errors.find("screenshot cannot be written"), std::string::npos)
+        << result.errors;
+}
+
+TEST_F(ProgramTest, TheUsersFirmwareReplacesTheBuiltInOneOfTheSameSize) {
+    const auto charset = folder_ / "data/tarvelin/firmware/charset-original.rom";
+    for (const size_t size : {0, 2047, 2048, 2049}) {
+        SCOPED_TRACE(size);
+        write_text(charset, std::string(size, '\xFF'));
+        const ProgramResult result = run({"/w", "/s", "1", "/t", "2"});
+        EXPECT_EQ(result.exit_code, 0);
+        const Picture shot = picture("Tarvelin0000.gif");
+        std::filesystem::remove(folder_ / "Tarvelin0000.gif");
+        // All 40 x 24 cells full, but for the cursor's.
+        const auto black = size_t(std::ranges::count(shot.pixels, 16));
+        const bool full = black <= 384 * 288 - 320 * 192 + 64;
+        EXPECT_EQ(full, size == 2048);
+        if (size == 2048) {
+            EXPECT_EQ(result.errors, "");
+            continue;
+        }
+        EXPECT_EQ(std::ranges::count(result.errors, '\n'), 1) << result.errors;
+        const std::string sizes = std::to_string(size) + " bytes found, 2048 bytes needed";
+        EXPECT_NE(result.errors.find(charset.string() + ": " + sizes), std::string::npos)
+            << result.errors;
+    }
+}
+
+TEST_F(ProgramTest, ATerminationSignalEndsTheRunInGoodOrder) {
+    using namespace std::chrono_literals;
+    for (const int signal : {SIGTERM, SIGINT}) {
+        Program program({TARVELIN_PROGRAM, "--headless", "/w", "/s", "0"}, folder_.path());
+        for (int n = 0; n < 1000 && !std::filesystem::exists(folder_ / "Tarvelin0000.gif"); ++n) {
+            std::this_thread::sleep_for(10ms);
+        }
+        program.send(signal);
+        const ProgramResult result = program.wait();
+        EXPECT_NE(result.exit_code, -1) << "by its own will";
+        EXPECT_NE(result.exit_code, 0) << "but not as planned";
+        EXPECT_EQ(result.errors, "");
+        EXPECT_EQ(picture("Tarvelin0000.gif").pixels.size(), 384U * 288U);
+        std::filesystem::remove(folder_ / "Tarvelin0000.gif");
+    }
+}
+
+} // namespace

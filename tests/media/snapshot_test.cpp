@@ -1,0 +1,168 @@
+#include "media/snapshot.h"
+
+#include "cgenie/memory.h"
+#include "z80/z80.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstring>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+
+const std::string PATH = std::string(TEST_BINARY_DIR) + "/machine.jzs";
+
+Bytes read_file(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    return Bytes(std::istreambuf_iterator<char>(in), {});
+}
+
+void write_file(const std::string& path, const Bytes& bytes) {
+    std::ofstream out(path, std::ios::binary);
+    out.write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
+}
+
+/// Everything that a snapshot may or may not touch.
+struct Machine {
+    z80_record cpu = z80_state;
+    Bytes memory_bytes{memory, memory + MEMORY_SIZE};
+    Bytes port_bytes{ports, ports + 256};
+};
+
+void expect_same(const Machine& want, const std::string& name) {
+    EXPECT_EQ(std::memcmp(&z80_state, &want.cpu, sizeof z80_state), 0) << name << ": processor";
+    EXPECT_EQ(std::memcmp(memory, want.memory_bytes.data(), MEMORY_SIZE), 0) << name << ": memory";
+    EXPECT_EQ(std::memcmp(ports, want.port_bytes.data(), 256), 0) << name << ": ports";
+}
+
+struct Snapshot : testing::Test {
+    /// A machine in which no two neighbours are equal.
+    void SetUp() override {
+        std::memset(&z80_state, 0, sizeof z80_state);
+        z80_state.bc = 0x0102;
+        z80_state.de = 0x0304;
+        z80_state.hl = 0x0506;
+        z80_state.af = 0x0708;
+        z80_state.bc_alt = 0x1112;
+        z80_state.de_alt = 0x1314;
+        z80_state.hl_alt = 0x1516;
+        z80_state.af_alt = 0x1718;
+        z80_state.pc = 0x2122;
+        z80_state.sp = 0x2324;
+        z80_state.ix = 0x2526;
+        z80_state.iy = 0x2728;
+        z80_state.i = 0x77;
+        z80_state.r = 0x88;
+        z80_state.iff1 = 1;
+        z80_state.interrupt_mode = 2;
+        z80_state.t_count = 123456789;
+        for (size_t i = 0; i < MEMORY_SIZE; ++i) memory[i] = uint8_t(i * 5 + (i >> 8));
+        for (size_t i = 0; i < 256; ++i) ports[i] = uint8_t(i + 1);
+    }
+    void TearDown() override { std::remove(PATH.c_str()); }
+};
+
+TEST_F(Snapshot, FileHoldsTheMachineByteForByte) {
+    ASSERT_EQ(snapshot_save(PATH.c_str(), memory_get_ram()), 1);
+    const Bytes file = read_file(PATH);
+    ASSERT_EQ(file.size(), 49702u);
+    const Bytes head = {
+        'J',  'Z',  '0',  '1',                          // magic
+        0x02, 0x01, 0x04, 0x03, 0x06, 0x05, 0x08, 0x07, // BC DE HL AF
+        0x12, 0x11, 0x14, 0x13, 0x16, 0x15, 0x18, 0x17, // the same of the other bank
+        0x22, 0x21, 0x24, 0x23, 0x00, 0x00,             // PC SP reserved
+        0x26, 0x25, 0x28, 0x27,                         // IX IY
+        0x01, 0x41, 0x81, 0xC1,                         // out of ports 00 40 80 C0
+        0xFF, 0xFF, 0xFF, 0xFF,                         // in of the same: nothing answers
+    };
+    EXPECT_EQ(Bytes(file.begin(), file.begin() + 38), head);
+    EXPECT_EQ(std::memcmp(file.data() + 38, memory + 0x4000, 49152), 0);
+    EXPECT_EQ(Bytes(file.end() - 512, file.end()), Bytes(512, 0));
+}
+
+TEST_F(Snapshot, LoadRestoresRegistersRamAndPortZeroOnly) {
+    for (const size_t extra : {0, 1000}) {
+        SetUp();
+        Machine want;
+        want.cpu.bc = 0x8081;
+        want.cpu.de = 0x8283;
+        want.cpu.hl = 0x8485;
+        want.cpu.af = 0x8687;
+        want.cpu.bc_alt = 0x8889;
+        want.cpu.de_alt = 0x8A8B;
+        want.cpu.hl_alt = 0x8C8D;
+        want.cpu.af_alt = 0x8E8F;
+        want.cpu.pc = 0x9091;
+        want.cpu.sp = 0x9293;
+        want.cpu.ix = 0x9697;
+        want.cpu.iy = 0x9899;
+        want.port_bytes[0x00] = 0xB0;
+        Bytes file = {'?', 0, 0xFF, 'x'}; // the magic does not count
+        for (int value = 0x80; value <= 0x99; value += 2) {
+            file.push_back(uint8_t(value + 1));
+            file.push_back(uint8_t(value));
+        }
+        file.insert(file.end(), {0xA0, 0xA1, 0xA2, 0xA3, 0xB0, 0xB1, 0xB2, 0xB3});
+        for (size_t i = 0; i < 49152; ++i) {
+            want.memory_bytes[0x4000 + i] = uint8_t(i * 11 + (i >> 7));
+            file.push_back(want.memory_bytes[0x4000 + i]);
+        }
+        file.resize(49702 + extra, 0x3C);
+        write_file(PATH, file);
+        EXPECT_EQ(snapshot_load(PATH.c_str(), memory_get_ram()), 1);
+        expect_same(want, "extra " + std::to_string(extra));
+    }
+}
+
+TEST_F(Snapshot, RoundTripKeepsTheInterruptStateOfTheRunningMachine) {
+    Machine want;
+    ASSERT_EQ(snapshot_save(PATH.c_str(), memory_get_ram()), 1);
+    expect_same(want, "saving");
+    for (auto member :
+         {&z80_record::bc, &z80_record::de, &z80_record::hl, &z80_record::af, &z80_record::bc_alt,
+          &z80_record::de_alt, &z80_record::hl_alt, &z80_record::af_alt, &z80_record::pc,
+          &z80_record::sp, &z80_record::ix, &z80_record::iy}) {
+        z80_state.*member = 0xEEEE;
+    }
+    want.cpu.i = z80_state.i = 0x12;
+    want.cpu.r = z80_state.r = 0x34;
+    want.cpu.iff1 = z80_state.iff1 = 0;
+    want.cpu.interrupt_mode = z80_state.interrupt_mode = 1;
+    std::memset(memory + 0x4000, 0, 49152);
+    want.port_bytes[0] = 0xFF; // the input byte, written last
+    ASSERT_EQ(snapshot_load(PATH.c_str(), memory_get_ram()), 1);
+    expect_same(want, "round trip");
+}
+
+TEST_F(Snapshot, RefusedFilesChangeNothing) {
+    Bytes file(49701, 0x55);
+    std::memcpy(file.data(), "JZ01", 4);
+    for (const size_t size : {49701, 49190, 38, 4, 0}) {
+        file.resize(size);
+        write_file(PATH, file);
+        const Machine before;
+        EXPECT_EQ(snapshot_load(PATH.c_str(), memory_get_ram()), 0) << size;
+        expect_same(before, "size " + std::to_string(size));
+    }
+    const Machine before;
+    EXPECT_EQ(snapshot_load((PATH + ".missing").c_str(), memory_get_ram()), 0);
+    EXPECT_EQ(snapshot_load(TEST_BINARY_DIR, memory_get_ram()), 0) << "a directory";
+    expect_same(before, "no file");
+}
+
+TEST_F(Snapshot, SavingReportsWhatCannotBeWritten) {
+    const std::string missing = std::string(TEST_BINARY_DIR) + "/no/such/folder.jzs";
+    EXPECT_EQ(snapshot_save(missing.c_str(), memory_get_ram()), 0);
+    std::FILE* full = std::fopen("/dev/full", "wb");
+    if (!full) GTEST_SKIP() << "no device that is always full";
+    std::fclose(full);
+    EXPECT_EQ(snapshot_save("/dev/full", memory_get_ram()), 0);
+}
+
+} // namespace

@@ -1,0 +1,121 @@
+/// mkcmd: packs memory images into a CMD load module.
+///
+///   mkcmd OUT.cmd ENTRY-HEX LOAD-HEX FILE.bin [LOAD-HEX FILE.bin ...]
+///
+/// The module is a name block (type 5), load blocks of at most 256 bytes (type 1: address, data)
+/// and the entry block (type 2).
+
+#include <algorithm>
+#include <cctype>
+#include <cstdint>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+
+enum : uint8_t { LOAD_BLOCK = 1, ENTRY_BLOCK = 2, NAME_BLOCK = 5 };
+constexpr size_t ADDRESS_SPACE = 0x10000;
+constexpr size_t BLOCK_DATA = 256;
+constexpr size_t NAME_LENGTH = 6;
+
+struct Part {
+    uint16_t address;
+    Bytes data;
+};
+
+int fail(const std::string& message) {
+    std::fprintf(stderr, "mkcmd: %s\n", message.c_str());
+    return 1;
+}
+
+std::optional<uint16_t> parse_address(const std::string& text) {
+    if (text.empty() || text.size() > 4) return {};
+    unsigned value = 0;
+    for (const char c : text) {
+        if (!std::isxdigit(static_cast<unsigned char>(c))) return {};
+        value = value * 16 + unsigned(std::stoi(std::string(1, c), nullptr, 16));
+    }
+    return uint16_t(value);
+}
+
+std::optional<Bytes> read_file(const char* path) {
+    std::error_code error;
+    if (std::filesystem::is_directory(path, error)) return {};
+    std::ifstream in(path, std::ios::binary);
+    if (!in) return {};
+    return Bytes(std::istreambuf_iterator<char>(in), {});
+}
+
+void add_word(Bytes& out, size_t value) {
+    out.push_back(uint8_t(value));
+    out.push_back(uint8_t(value >> 8));
+}
+
+void add_name(Bytes& out, const std::string& path) {
+    std::string name = std::filesystem::path(path).stem().string().substr(0, NAME_LENGTH);
+    for (char& c : name) c = char(std::toupper(static_cast<unsigned char>(c)));
+    name.resize(NAME_LENGTH, ' ');
+    out.push_back(NAME_BLOCK);
+    out.push_back(uint8_t(NAME_LENGTH));
+    out.insert(out.end(), name.begin(), name.end());
+}
+
+/// The length byte counts the address as well, modulo 256, so that 256 bytes make it 2.
+void add_load_blocks(Bytes& out, const Part& part) {
+    for (size_t at = 0; at < part.data.size(); at += BLOCK_DATA) {
+        const size_t count = std::min(BLOCK_DATA, part.data.size() - at);
+        out.push_back(LOAD_BLOCK);
+        out.push_back(uint8_t(count + 2));
+        add_word(out, part.address + at);
+        const auto first = part.data.begin() + long(at);
+        out.insert(out.end(), first, first + long(count));
+    }
+}
+
+void add_entry(Bytes& out, uint16_t entry) {
+    out.push_back(ENTRY_BLOCK);
+    out.push_back(2);
+    add_word(out, entry);
+}
+
+bool write_file(const char* path, const Bytes& bytes) {
+    std::ofstream out(path, std::ios::binary | std::ios::trunc);
+    out.write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
+    out.close();
+    return out.good();
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc < 5 || argc % 2 == 0) {
+        return fail("usage: mkcmd OUT.cmd ENTRY-HEX LOAD-HEX FILE.bin [LOAD-HEX FILE.bin ...]");
+    }
+    const auto entry = parse_address(argv[2]);
+    if (!entry) return fail(std::string("entry address \"") + argv[2] + "\" is not 0 to FFFF");
+
+    Bytes module;
+    add_name(module, argv[1]);
+    for (int i = 3; i < argc; i += 2) {
+        const std::string file = argv[i + 1];
+        const auto address = parse_address(argv[i]);
+        if (!address) return fail(std::string("load address \"") + argv[i] + "\" is not 0 to FFFF");
+        const auto data = read_file(argv[i + 1]);
+        if (!data) return fail("cannot read " + file);
+        if (data->empty()) return fail(file + " is empty");
+        if (*address + data->size() > ADDRESS_SPACE) {
+            return fail(file + " does not fit below the end of memory from " + argv[i]);
+        }
+        add_load_blocks(module, {*address, *data});
+    }
+    add_entry(module, *entry);
+    if (!write_file(argv[1], module)) return fail(std::string("cannot write ") + argv[1]);
+    return 0;
+}
