@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
-# Builds the program and starts it with the arguments given, or with a demonstration.
+# Builds the program and starts it with the arguments given, or with a demonstration. Without a
+# display it runs the same headless and says where it wrote the picture.
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 
@@ -11,10 +12,14 @@ here=$(cd "$(dirname "$0")" && pwd)
 ) >&2
 
 program=$here/build/release/src/tarvelin
+if [[ -n ${DISPLAY:-}${WAYLAND_DISPLAY:-} ]]; then
+    if [[ $# -gt 0 ]]; then exec "$program" "$@"; fi
+    exec "$program" "$here/build/release/examples/colours.cmd"
+fi
 if [[ $# -gt 0 ]]; then exec "$program" --headless "$@"; fi
 
 # The demonstration: an example program for three seconds of machine time.
 work=$(mktemp -d)
 cp "$here/build/release/examples/colours.cmd" "$work/"
 "$program" --headless /w /s 2 /t 3 "$work/colours.cmd" >/dev/null 2>&1
-echo "The picture of the demonstration is in $work/colours0000.gif"
+echo "There is no display. The picture of the demonstration is in $work/colours0000.gif"

@@ -17,11 +17,11 @@
         JP VECTORS + 12
 
 ; Keyboard scan. These five bytes are replaced as a whole by a program that types text, so they
-; hold one jump and nothing that another routine needs.
+; hold nothing that another routine needs. The last call through the replacement finds these bytes
+; back behind its own first two, so the third one returns.
 key_entry:
-        JP call_keyboard        ; 002B
-        NOP
-        NOP
+        JR key_jump             ; 002B
+        RET
 
         fill_to 0030h
         JP VECTORS + 15
@@ -33,6 +33,8 @@ print_entry:
 
         fill_to 0040h
         JP read_line
+key_jump:
+        JP call_keyboard
         fill_to 0049h
         JP wait_for_key
 

@@ -3,6 +3,7 @@
 #include "host/screenshot.h"
 #include "host/shell.h"
 #include "platform/headless/headless.h"
+#include "platform/qt/qt_platform.h"
 
 #include <charconv>
 #include <cstdio>
@@ -15,9 +16,10 @@ namespace {
 constexpr const char* USAGE =
     "Tarvelin - EACA EG2000 Colour Genie emulator\n"
     "\n"
-    "usage: tarvelin --headless [options] [switches] [FILE]\n"
+    "usage: tarvelin [options] [switches] [FILE]\n"
     "\n"
-    "FILE is started by its type: a CMD load module (.cmd) or a snapshot (.jzs).\n"
+    "FILE is started by its type: a load module (.cmd), a cassette (.cas, .cgt), a disk (.dsk,\n"
+    ".cgd), a snapshot (.jzs) or BASIC, tokenized or as text (.bas, .txt).\n"
     "\n"
     "options:\n"
     "  --headless            run without a display\n"
@@ -27,11 +29,16 @@ constexpr const char* USAGE =
     "  --version             print the version\n"
     "\n"
     "switches:\n"
+    "  /a        load FILE, but do not start it\n"
     "  /b FILE   start FILE at once\n"
     "  /d        giant picture: leave every second line black\n"
+    "  /g        with the high-resolution graphics board\n"
+    "  /h        without sound\n"
+    "  /i FILE   put a disk image into drive 0\n"
     "  /mN       standard model N, 1 to 3\n"
     "  /s N      take a screenshot after N seconds of machine time\n"
     "  /t N      quit after N seconds of machine time\n"
+    "  /v FILE   record a video\n"
     "  /w        do not wait for real time\n"
     "\n"
     "An argument that names an existing file is a file, whatever it begins with.\n"
@@ -101,6 +108,25 @@ std::string parse(int count, char** words, Options& options) {
     return {};
 }
 
+int run_headless(const Options& options) {
+    HeadlessOptions headless = headless_options();
+    headless.real_time = options.real_time;
+    HeadlessPlatform host(headless);
+    HeadlessPlatform::stop_on_signals();
+    install_platform(host);
+    for (const auto& [name, value] : options.settings) {
+        apply_setting(host.settings(), name, value);
+    }
+    const int exit_code = run_shell(options.arguments);
+    return exit_code == 0 && screenshot_failed ? 1 : exit_code;
+}
+
+int run_desktop(const Options& options, int& argc, char** argv) {
+    QtPlatform host(argc, argv);
+    install_platform(host);
+    return run_shell(options.arguments);
+}
+
 bool asks_for(int count, char** words, std::string_view option) {
     for (int n = 1; n < count; ++n) {
         if (words[n] == option) return true;
@@ -121,20 +147,10 @@ int main(int argc, char** argv) {
     }
     Options options;
     std::string problem = parse(argc, argv, options);
-    if (problem.empty()) problem = command_line_problem(options.arguments);
-    if (!problem.empty()) return fail(problem);
-    if (!options.headless) return fail("this build has no window yet; start it with --headless");
-
-    HeadlessOptions headless = headless_options();
-    headless.real_time = options.real_time;
-    HeadlessPlatform host(headless);
-    HeadlessPlatform::stop_on_signals();
-    install_platform(host);
-    for (const auto& [name, value] : options.settings) {
-        apply_setting(host.settings(), name, value);
+    if (problem.empty() && options.headless) problem = command_line_problem(options.arguments);
+    if (problem.empty() && !options.headless && !QtPlatform::has_display()) {
+        problem = "there is no display; --headless runs without one";
     }
-    emu_init(options.arguments);
-    const int exit_code = run_message_loop();
-    emu_close();
-    return exit_code == 0 && screenshot_failed ? 1 : exit_code;
+    if (!problem.empty()) return fail(problem);
+    return options.headless ? run_headless(options) : run_desktop(options, argc, argv);
 }

@@ -4,5 +4,8 @@
 
 #include <cstdint>
 
+void joystick_init();
+/// Looks for the host's joysticks.
+void initJoyInput();
 /// Port B, active low: bits 7-4 are 0 where the level in register 14 reaches the axis.
 uint8_t joystick_get_state();

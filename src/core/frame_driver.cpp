@@ -63,6 +63,7 @@ void update_screen_when_due() {
     if (!g_bCycleBasedEngine) update_screen(1);
     ++pacing.total_frames;
     pacing.next_frame += pacing.frame_interval;
+    if (g_bRecordingVideo) host_capture_frame();
 }
 
 } // namespace
@@ -134,4 +135,7 @@ void show_frame_rate() {
     const int shown = (pacing.total_frames - pacing.last_total_frames) >> 1;
     ui_set_window_title("%1.3f Mhz CPU at %d%% (%d Hz video)", double(z80_state.clock_hz) / 1e6,
                         speed, shown);
+    if (const int64_t recorded = sound_is_saving()) {
+        StatusBarText("Saving to WAV: %6.1f kbyte so far...", double(recorded) / 1024.0);
+    }
 }

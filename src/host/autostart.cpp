@@ -1,21 +1,36 @@
 #include "host/autostart.h"
 
+#include "cgenie/keyboard.h"
 #include "cgenie/memory.h"
 #include "core/frame_driver.h"
+#include "core/machine.h"
+#include "host/commands.h"
 #include "media/cmd_loader.h"
 #include "media/snapshot.h"
+#include "media/tape.h"
+#include "media/traps.h"
 #include "platform/file_handle.h"
 #include "platform/host_services.h"
+#include "platform/platform.h"
 #include "z80/z80.h"
 
 #include <algorithm>
 #include <array>
 #include <cctype>
+#include <filesystem>
 #include <string_view>
+#include <unistd.h>
 
 bool g_bAutoStart = true;
 
 namespace {
+
+namespace fs = std::filesystem;
+
+/// No file of this machine comes near it: a tape of an hour has less than a megabyte.
+constexpr uintmax_t LARGEST_FILE = 16 * 1024 * 1024;
+/// Until the firmware has started and waits for input.
+constexpr int BOOT_FRAMES = 100;
 
 /// Where the extension's point stands, or npos; a point in a folder's name does not count.
 size_t extension_point(const std::string& path) {
@@ -34,21 +49,75 @@ std::string lower_case_extension(const std::string& path) {
     return extension;
 }
 
-void start_cmd(const std::string& path) {
-    const FileHandle file = open_file(path.c_str(), "rb");
-    if (!file) return;
+// The loaders return false when nothing is to be reported.
+
+bool start_cmd(const std::string& path) {
+    const FileHandle file = open_file(path, "rb");
+    if (!file) return true;
     uint16_t entry = 0;
     load_cmd(file.get(), &entry);
     if (g_bAutoStart) z80_state.pc = entry;
+    return true;
 }
 
-void start_snapshot(const std::string& path) { snapshot_load(path.c_str(), memory_get_ram()); }
+/// Enter answers the question of a machine that has just been switched on; the reset key then
+/// brings any program back to BASIC.
+void boot_to_basic() {
+    memory_place_bas_trap();
+    keyboard_open_from_buffer("\r");
+    do_some_frames(BOOT_FRAMES);
+    machine_reset();
+}
+
+bool start_cassette(const std::string& path) {
+    tape_attach_cas(path);
+    char name = 0;
+    const int kind = tape_cas_type(&name);
+    if (!g_bAutoStart) return false;
+    boot_to_basic();
+    memory_place_bas_trap();
+    if (kind == TAPE_BASIC) keyboard_open_from_buffer("\r\rCLOAD\r\rRUN\r");
+    if (kind == TAPE_MACHINE_CODE) {
+        keyboard_open_from_buffer(std::string("\r\r\r\rSYSTEM\r\r") + name + "\r\r/\r");
+    }
+    return true;
+}
+
+bool start_disk(const std::string& path) {
+    main_disk_image_attach(0, path);
+    if (platform().keyboard().is_down(KEY_CONTROL)) z80_state.pc = 0;
+    return true;
+}
+
+bool start_snapshot(const std::string& path) {
+    snapshot_load(path.c_str(), memory_get_ram());
+    return true;
+}
+
+bool start_basic(const std::string& path) {
+    if (!is_tokenized_bas(path)) {
+        if (keyboard_open_bas_file(path)) memory_place_bas_trap();
+        return true;
+    }
+    // Without the cassette, CLOAD would wait for ever.
+    if (!bas_to_cas_open(path)) return true;
+    memory_place_bas_trap();
+    keyboard_open_from_buffer("\r\r\r\rCLOAD\r\rRUN\r");
+    return true;
+}
 
 struct Loader {
     std::string_view extension;
-    void (*start)(const std::string& path);
+    bool (*start)(const std::string& path);
 };
-constexpr std::array<Loader, 2> loaders = {{{"cmd", start_cmd}, {"jzs", start_snapshot}}};
+constexpr std::array<Loader, 8> loaders = {{{"cmd", start_cmd},
+                                            {"cas", start_cassette},
+                                            {"cgt", start_cassette},
+                                            {"dsk", start_disk},
+                                            {"cgd", start_disk},
+                                            {"jzs", start_snapshot},
+                                            {"bas", start_basic},
+                                            {"txt", start_basic}}};
 
 const Loader* loader_of(const std::string& path) {
     const std::string extension = lower_case_extension(path);
@@ -60,9 +129,29 @@ const Loader* loader_of(const std::string& path) {
 
 bool autostart_knows(const std::string& path) { return loader_of(path) != nullptr; }
 
+std::string file_problem(const std::string& path) {
+    std::error_code error;
+    const fs::file_status status = fs::status(path, error);
+    if (!fs::exists(status)) return path + ": no such file";
+    if (fs::is_directory(status)) return path + ": is a folder";
+    // A pipe or a device may never come to an end.
+    if (!fs::is_regular_file(status)) return path + ": is not a file";
+    if (access(path.c_str(), R_OK) != 0) return path + ": cannot be read";
+    if (fs::file_size(path, error) > LARGEST_FILE) return path + ": is too large";
+    return {};
+}
+
 void autostart_file(const std::string& path) {
     const size_t point = extension_point(path);
-    last_file_name = point == std::string::npos ? std::string() : path.substr(0, point);
-    if (const Loader* loader = loader_of(path)) loader->start(path);
+    const bool has_extension = point != std::string::npos;
+    last_file_name = has_extension ? path.substr(0, point) : std::string();
+
+    const Loader* loader = loader_of(path);
+    std::string problem = file_problem(path);
+    if (problem.empty() && has_extension && !loader) {
+        problem = path + ": files of this type cannot be started";
+    }
+    if (!problem.empty()) return StatusBarText("%s", problem.c_str());
+    if (loader && !loader->start(path)) return;
     StatusBarText("Autoloaded: %s", path.c_str());
 }

@@ -1,15 +1,17 @@
 #include "host/command_line.h"
 
+#include "cgenie/hires_lowe.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"
 #include "host/autostart.h"
+#include "host/commands.h"
 #include "host/display.h"
+#include "host/shell.h"
 #include "z80/z80.h"
 
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
-#include <unistd.h>
 
 namespace {
 
@@ -53,20 +55,32 @@ void apply_switch(char letter, const std::string& argument, const std::string& v
     case 'a': g_bAutoStart = false; break;
     case 'b': autostart_file(value); break;
     case 'd': g_bDblScan = false; break;
+    case 'g': hires_lowe_init(); break;
+    case 'h': g_bSound = false; break;
+    case 'i': main_disk_image_attach(0, value); break;
     case 'm': apply_model(argument.substr(2)); break;
     case 's': event_screenshot_timout = seconds_to_cycles(value); break;
     case 't': event_shutdown_timout = seconds_to_cycles(value); break;
+    case 'v': avi_name = value; break;
     case 'w': g_Timer = false; break;
-    default: break;
+    default: break; // and 'r', whose value selects nothing
     }
 }
 
-std::string file_problem(const std::string& path) {
-    if (!exists(path)) return path + ": no such file";
-    if (fs::is_directory(path)) return path + ": is a folder";
-    if (access(path.c_str(), R_OK) != 0) return path + ": cannot be read";
-    if (!autostart_knows(path)) return path + ": files of this type cannot be started";
-    return {};
+std::string start_problem(const std::string& path) {
+    std::string problem = file_problem(path);
+    if (problem.empty() && !autostart_knows(path)) {
+        problem = path + ": files of this type cannot be started";
+    }
+    return problem;
+}
+
+std::string value_problem(char letter, const std::string& value) {
+    switch (letter) {
+    case 'b': return start_problem(value);
+    case 'i': return file_problem(value);
+    default: return {};
+    }
 }
 
 } // namespace
@@ -94,11 +108,10 @@ std::string command_line_problem(const Arguments& arguments) {
         const char letter = switch_letter(argument);
         std::string problem;
         if (!letter || looks_like_path(argument)) {
-            problem = file_problem(argument);
+            problem = start_problem(argument);
         } else if (takes_value(letter)) {
             if (n + 1 == arguments.size()) return argument + ": the value is missing";
-            ++n;
-            if (letter == 'b') problem = file_problem(arguments[n]);
+            problem = value_problem(letter, arguments[++n]);
         }
         if (!problem.empty()) return problem;
     }

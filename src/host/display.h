@@ -1,13 +1,39 @@
 #pragma once
-/// Display output: the canvas follows the display options, and one frame at a time is drawn into it
-/// and presented.
+/// Display output: the canvas follows the display options; one frame at a time is drawn into it and
+/// presented, 1:1 in the window or stretched over the whole screen with its 4:3 aspect kept.
+
+#include "platform/geometry.h"
 
 #include <cstdint>
 
 extern bool g_GiantScreen;       ///< canvas of 768 x 576 instead of 384 x 288
 extern bool g_bDblScan;          ///< repeat every line of the giant canvas; off leaves gaps
+extern bool g_1bitDisplay;       ///< monochrome canvas, only without giant screen
 extern uint32_t g_CompositeBlur; ///< nonzero: composite filter, canvas of 32 bits per pixel
+extern bool video_cut, video_page;
+
+extern int g_iScreenX, g_iScreenY; ///< canvas size, for the copy into the window
+extern int cx, cy;                 ///< outer size of the window that fits the canvas
+extern bool g_bUseGDI;             ///< the window presents; off while the whole screen does
+extern int g_bFullScreen;          ///< 0 windowed, else 1 + g_bUseGDI as it was
+extern Rectangle g_rcScreen;       ///< target of the stretch, in screen coordinates
+extern Rectangle g_rcViewport;     ///< its source: the canvas
 
 /// Replaces the canvas by one of the size for `giant`: 32 bits per pixel while the blur is on, else
 /// `bits`. Returns 1, or 0 when there is no memory.
 int recreate_bitmap(bool giant, int bits);
+/// Bits per pixel of the canvas that the options ask for, before the blur.
+int canvas_bits();
+void calc_cxcy(int width, int height);
+/// Canvas of the size for `giant`, and the window with it.
+void set_screen_params(bool giant, int bits);
+/// Switches between window (1) and whole screen (0) as the way to present.
+void change_video_mode(bool use_gdi, bool resize);
+/// Toggles the window between its normal and its full-screen shape.
+void ChangeCoopLevel();
+/// Where the picture goes in the window's client area, fitted to 4:3 when asked.
+void ResizeWindow(int width, int height, bool keep_aspect);
+/// The full-screen command, both ways.
+void toggle_full_screen();
+/// Fits `area` to 4:3; a new left or top counts from 0.
+Rectangle screen_rect_recalc(const Rectangle& area);

@@ -1,85 +1,327 @@
 #include "host/shell.h"
 
 #include "cgenie/firmware_images.h"
+#include "cgenie/hires_lowe.h"
+#include "cgenie/joystick.h"
+#include "cgenie/keyboard.h"
 #include "cgenie/memory.h"
 #include "cgenie/video.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"
 #include "host/autostart.h"
+#include "host/avi.h"
 #include "host/canvas.h"
+#include "host/commands.h"
 #include "host/display.h"
+#include "host/menu.h"
+#include "host/prefs.h"
 #include "host/screenshot.h"
+#include "host/status.h"
+#include "media/disk_image.h"
+#include "media/printer.h"
+#include "media/tape.h"
+#include "media/traps.h"
+#include "monitor/monitor.h"
 #include "platform/host_services.h"
 #include "platform/platform.h"
+#include "sound/sound_core.h"
+#include "sound/sound_output.h"
+#include "sound/ym2149.h"
+#include "z80/z80.h"
+
+#include <array>
+#include <cstdlib>
+#include <string>
 
 bool g_bActive = true;
+bool g_bPaused = false;
+bool g_bDebug = false;
+bool g_bRunInBackground = false;
+bool g_bSound = true;
+bool g_KeyMapping = false;
+std::string emu_path;
+std::string avi_name;
 
 namespace {
 
+constexpr const char* WINDOW_TITLE = "Tarvelin - EACA EG2000 Colour Genie emulator";
+constexpr int SAMPLE_RATE = 48000;
+constexpr uint32_t MONOCHROME = 1; ///< "BitDepth" of the 1-bit canvas
+constexpr uint32_t COLOUR_DEPTH = 8;
 constexpr uint32_t LOWEST_SCREEN_FREQUENCY = 5; ///< Hz
 constexpr uint32_t HIGHEST_SCREEN_FREQUENCY = 150;
+constexpr uint32_t DEFAULT_SCREEN_FREQUENCY = 50;
 constexpr uint32_t STRONGEST_BLUR = 99;
+constexpr int WHEEL_NOTCH = 120;
+constexpr int WHEEL_SCALE = 256;
+constexpr unsigned DRIVES = 4;
 
-uint32_t number_setting(const char* name, uint32_t value_if_missing) {
-    return platform().settings().number(name).value_or(value_if_missing);
+/// A flag as the store keeps it.
+struct FlagSetting {
+    const char* name;
+    bool* flag;
+};
+/// A number as the store keeps it.
+struct NumberSetting {
+    const char* name;
+    uint32_t* number;
+};
+
+machine_configuration& custom() { return machine_cfg[CUSTOM_CONFIGURATION]; }
+
+void read_flag(const char* name, bool& flag) {
+    uint32_t value = flag ? 1 : 0;
+    GetValueDword(name, &value);
+    flag = value != 0;
+}
+void write_flag(const char* name, bool flag) {
+    const uint32_t value = flag ? 1 : 0;
+    SetValueDword(name, &value);
 }
 
-void read_custom_configuration() {
-    machine_configuration& custom = machine_cfg[CUSTOM_CONFIGURATION];
-    custom.basic_rom = number_setting("CustomRomBASIC", custom.basic_rom);
-    custom.character_rom = number_setting("CustomRomChar", custom.character_rom);
-    custom.expansion_rom = number_setting("CustomRomExpansion", custom.expansion_rom);
-    custom.ram_size = number_setting("CustomRamSize", custom.ram_size);
-    custom.cpu_clock = number_setting("CustomCpuClockFreq", custom.cpu_clock);
-    custom.screen_frequency = number_setting("CustomScreenFreq", custom.screen_frequency);
-    if (custom.screen_frequency < LOWEST_SCREEN_FREQUENCY ||
-        custom.screen_frequency > HIGHEST_SCREEN_FREQUENCY) {
-        custom.screen_frequency = 50;
+const std::array<NumberSetting, 8> configuration_settings = {{
+    {"ActiveConfig", &active_machine_cfg},
+    {"CustomRomBASIC", &machine_cfg[CUSTOM_CONFIGURATION].basic_rom},
+    {"CustomRomChar", &machine_cfg[CUSTOM_CONFIGURATION].character_rom},
+    {"CustomRomExpansion", &machine_cfg[CUSTOM_CONFIGURATION].expansion_rom},
+    {"CustomRamSize", &machine_cfg[CUSTOM_CONFIGURATION].ram_size},
+    {"CustomCpuClockFreq", &machine_cfg[CUSTOM_CONFIGURATION].cpu_clock},
+    {"CustomScreenFreq", &machine_cfg[CUSTOM_CONFIGURATION].screen_frequency},
+    {"CustomPalette", &machine_cfg[CUSTOM_CONFIGURATION].palette},
+}};
+constexpr size_t PALETTE_SETTING = 7; ///< read later than the others
+
+/// The options read before the disks, and written together at the end.
+const std::array<FlagSetting, 4> input_and_view_settings = {{
+    {"VideoCut", &video_cut},
+    {"VideoPage", &video_page},
+    {"KeyMapping", &g_KeyMapping},
+    {"GiantScreen", &g_GiantScreen},
+}};
+
+std::string disk_setting(unsigned drive) { return "Disk" + std::to_string(drive); }
+
+void read_options(uint32_t& bit_depth) {
+    read_flag("DoubleScan", g_bDblScan);
+    GetValueDword("HiResLowe", &lowe.enabled);
+    GetValueDword("BitDepth", &bit_depth);
+    read_flag("SyncSpeed", g_Timer);
+    read_flag("RunInBackground", g_bRunInBackground);
+    GetValueDword("CompositeBlur", &g_CompositeBlur);
+    for (size_t n = 0; n < PALETTE_SETTING; ++n) {
+        GetValueDword(configuration_settings[n].name, configuration_settings[n].number);
     }
-    custom.palette = number_setting("CustomPalette", custom.palette) & 1;
+    uint32_t& frequency = custom().screen_frequency;
+    if (frequency > HIGHEST_SCREEN_FREQUENCY || frequency < LOWEST_SCREEN_FREQUENCY) {
+        frequency = DEFAULT_SCREEN_FREQUENCY;
+    }
+    uint32_t pattern = 0;
+    GetValueDword("CustomRamStartupPattern", &pattern);
+    memory_set_startup_pattern(pattern);
+    for (const auto& [name, flag] : input_and_view_settings) read_flag(name, *flag);
+    read_flag("EnablePrinter", printer_enabled);
 }
 
-void read_display_settings() {
-    g_bDblScan = number_setting("DoubleScan", 1) != 0;
-    g_GiantScreen = number_setting("GiantScreen", 0) != 0;
-    g_CompositeBlur = number_setting("CompositeBlur", 0);
-    if (g_CompositeBlur > STRONGEST_BLUR) g_CompositeBlur = 0;
-    save_video_ram_w_screenshot = number_setting("SaveVideoRamWithScreenShots", 0) != 0;
+void attach_remembered_disks() {
+    for (unsigned drive = 0; drive < DRIVES; ++drive) {
+        std::string path;
+        GetValueStr(disk_setting(drive).c_str(), &path);
+        main_disk_image_attach(drive, path);
+    }
+}
+
+void correct_options(uint32_t bit_depth) {
+    if (g_CompositeBlur > STRONGEST_BLUR) {
+        g_CompositeBlur = 0;
+        SetValueDword("CompositeBlur", &g_CompositeBlur);
+    }
+    read_flag("SaveVideoRamWithScreenShots", save_video_ram_w_screenshot);
+    g_1bitDisplay = bit_depth == MONOCHROME;
+    GetValueDword("CustomPalette", &custom().palette);
+    custom().palette &= 1;
+    if (!machine_is_valid_cfg(active_machine_cfg)) active_machine_cfg = 0;
+}
+
+void set_check_marks() {
+    check_menu_item(COMMAND_SOUND, g_bSound);
+    check_menu_item(COMMAND_DOUBLE_SCAN, g_bDblScan);
+    check_menu_item(COMMAND_1BIT_DISPLAY, g_1bitDisplay);
+    check_menu_item(COMMAND_TV_BLUR, g_CompositeBlur != 0);
+    check_menu_item(COMMAND_LOWE_OFF, lowe.enabled == 0);
+    check_menu_item(COMMAND_LOWE_ON, lowe.enabled != 0);
+    check_menu_item(COMMAND_50HZ_TIMER, g_Timer);
+    check_menu_item(COMMAND_VIDEO_CUT, video_cut);
+    check_menu_item(COMMAND_VIDEO_PAGE, video_page);
+    check_menu_item(COMMAND_SYMBOLIC_KEYS, g_KeyMapping);
+    check_menu_item(COMMAND_GIANT_SCREEN, g_GiantScreen);
+    check_menu_item(COMMAND_PRINTER, printer_enabled);
+    check_menu_item(COMMAND_BACKGROUND, g_bRunInBackground);
+    check_menu_item(COMMAND_SAVE_VIDEO_RAM, save_video_ram_w_screenshot);
+}
+
+void write_settings() {
+    write_flag("Sound", g_bSound);
+    write_flag("DoubleScan", g_bDblScan);
+    SetValueDword("HiResLowe", &lowe.enabled);
+    const uint32_t bit_depth = g_1bitDisplay ? MONOCHROME : COLOUR_DEPTH;
+    SetValueDword("BitDepth", &bit_depth);
+    write_flag("SyncSpeed", g_Timer);
+    write_flag("RunInBackground", g_bRunInBackground);
+    SetValueDword("CompositeBlur", &g_CompositeBlur);
+    for (const auto& [name, number] : configuration_settings) SetValueDword(name, number);
+    for (const auto& [name, flag] : input_and_view_settings) write_flag(name, *flag);
+    write_flag("EnablePrinter", printer_enabled);
+    write_flag("SaveVideoRamWithScreenShots", save_video_ram_w_screenshot);
+    const uint32_t pattern = memory_get_startup_pattern();
+    SetValueDword("CustomRamStartupPattern", &pattern);
+    write_flag("CycleBasedEmulation", g_bCycleBasedEngine);
+    for (unsigned drive = 0; drive < DRIVES; ++drive) {
+        SetValueStr(disk_setting(drive).c_str(), diskimg_file_name(drive).c_str());
+    }
+}
+
+/// Run-in-background keeps the machine going while another program is active.
+void application_activated(bool active) {
+    g_bActive = !g_bPaused && !g_bDebug && (g_bRunInBackground || active);
+    reset_timer();
+}
+
+void paint() {
+    if (g_bDebug) return monitor_update();
+    update_screen(1);
+    reset_timer();
+}
+
+void wheel_turned(int delta) {
+    if (!g_bDebug) return;
+    const int notches = delta / WHEEL_NOTCH;
+    step_dir_rows(notches < 0 ? 1 : -1, std::abs(notches * WHEEL_SCALE / WHEEL_NOTCH));
+}
+
+void key_pressed(const Event& event) {
+    const int command = accelerator_command(event.value, event.modifiers);
+    if (command) return handle_command(command);
+    handle_key(event);
+}
+
+void leave_menu() {
+    reset_timer();
+    sound_resume();
+    keyboard_reset();
 }
 
 } // namespace
 
+void activate_after_toggle() { g_bActive = !g_bActive && !g_bDebug && !g_bPaused; }
+
+void activate_unless_held() { g_bActive = !g_bPaused && !g_bDebug; }
+
 void emu_init(const Arguments& arguments) {
-    firmware_load_user_images(platform().paths().data_directory() + "/firmware");
+    uint32_t bit_depth = COLOUR_DEPTH;
+    const std::string data_directory = platform().paths().data_directory();
+    CreateStatusBar();
+    emu_path = platform().paths().program_directory() + "/";
+    prefs_init();
+    read_flag("Sound", g_bSound);
+    if (g_bSound) {
+        dsound_init(SAMPLE_RATE);
+        ym2149_reset();
+    }
+    firmware_load_user_images(data_directory + "/firmware");
     machine_init();
     video_init(machine_cfg[active_machine_cfg].palette & 1);
-    read_display_settings();
-    g_Timer = number_setting("SyncSpeed", 1) != 0;
-    active_machine_cfg = number_setting("ActiveConfig", 0);
-    if (!machine_is_valid_cfg(active_machine_cfg)) active_machine_cfg = 0;
-    read_custom_configuration();
-    memory_set_startup_pattern(number_setting("CustomRamStartupPattern", 0));
+    joystick_init();
+    printer_set_filename(data_directory + "/");
+    read_options(bit_depth);
+    attach_remembered_disks();
+    correct_options(bit_depth);
     machine_change_cfg(machine_cfg[active_machine_cfg], 1);
     init_timers();
-    g_bCycleBasedEngine = number_setting("CycleBasedEmulation", 0) != 0;
+    tape_init();
+    if (printer_enabled) printer_init();
+    GetValueStr("Tape", &tape_get_cas_name());
+    read_flag("CycleBasedEmulation", g_bCycleBasedEngine);
+    keyboard_change_mapping(g_KeyMapping);
     get_command_line(arguments);
-    recreate_bitmap(g_GiantScreen, 8);
+    set_check_marks();
+    set_screen_params(g_GiantScreen, canvas_bits());
+    if (!avi_name.empty()) video_save_to_avi(false, &avi_name);
+    StatusBarText("%s", "");
+    if (g_bSound && g_Timer) sound_init();
+    initJoyInput();
 }
 
-int run_message_loop() {
-    for (;;) {
-        const Event event = g_bActive ? platform().events().poll() : platform().events().wait();
-        if (event.kind == Event::Kind::quit) return event.value;
-        if (event.kind == Event::Kind::none) {
-            paced_frame_step();
-            continue;
-        }
-        if (event.kind == Event::Kind::drop) {
-            autostart_file(event.text);
-            reset_timer();
-        }
-        if (!g_bActive) reset_timer();
+void emu_close() {
+    printer_close();
+    if (g_bRecordingVideo) Video_CloseOutput();
+    write_settings();
+    sound_close();
+    main_disk_image_detach_all();
+    tape_detach_cas();
+    SetValueStr("Tape", tape_get_cas_name().c_str());
+    keyboard_type_reset();
+    dib_destroy(canvas);
+    prefs_done();
+}
+
+void WindowProcedure(const Event& event) {
+    switch (event.kind) {
+    case Event::Kind::close:
+        platform().window().destroy();
+        platform().events().post_quit(0);
+        break;
+    case Event::Kind::moved: reset_timer(); break;
+    case Event::Kind::resized:
+        StatusBarRedraw();
+        reset_timer();
+        break;
+    case Event::Kind::focus: update_screen(1); break;
+    case Event::Kind::paint: paint(); break;
+    case Event::Kind::activate: application_activated(event.value != 0); break;
+    case Event::Kind::layout_changed: keyboard_init(); break;
+    case Event::Kind::key_down: key_pressed(event); break;
+    case Event::Kind::command: handle_command(event.value); break;
+    case Event::Kind::double_click: handle_command(COMMAND_GIANT_SCREEN); break;
+    case Event::Kind::wheel: wheel_turned(event.value); break;
+    case Event::Kind::menu_loop_enter: sound_pause(); break;
+    case Event::Kind::menu_loop_exit: leave_menu(); break;
+    case Event::Kind::drop:
+        autostart_file(event.text);
+        reset_timer();
+        break;
+    case Event::Kind::draw_status: led_redraw(1); break;
+    case Event::Kind::none:
+    case Event::Kind::quit: break;
     }
 }
 
-void emu_close() { dib_destroy(canvas); }
+int run_message_loop() {
+    Events& events = platform().events();
+    for (;;) {
+        const bool halted = !g_bActive;
+        const Event event = halted ? events.wait() : events.poll();
+        if (event.kind == Event::Kind::quit) return event.value;
+        if (event.kind == Event::Kind::none) {
+            if (!halted) paced_frame_step();
+            continue;
+        }
+        WindowProcedure(event);
+        if (halted) reset_timer();
+    }
+}
+
+int run_shell(const Arguments& arguments) {
+    Window& window = platform().window();
+    if (!window.create(WINDOW_TITLE)) return 0;
+    create_menu();
+    emu_init(arguments);
+    window.show();
+    const std::string complaint = platform().settings().complaint();
+    if (!complaint.empty()) host_warning("%s", complaint.c_str());
+    const std::string problem = command_line_problem(arguments);
+    if (!problem.empty()) host_warning("%s", problem.c_str());
+    reset_timer(); // the start is no time to catch up
+    const int exit_code = run_message_loop();
+    emu_close();
+    return exit_code;
+}

@@ -1,12 +1,31 @@
 #pragma once
-/// The application shell: start-up in a fixed order, the message loop, shutdown.
+/// The application shell: start-up in a fixed order, the message loop, the window procedure,
+/// shutdown.
 
 #include "host/command_line.h"
+#include "platform/events.h"
 
-extern bool g_bActive; ///< frames are run in idle time
+extern bool g_bActive;          ///< frames are run in idle time
+extern bool g_bPaused;          ///< by the user
+extern bool g_bDebug;           ///< the monitor owns the window
+extern bool g_bRunInBackground; ///< run while another program is active
+extern bool g_bSound;           ///< sound output wanted
+extern bool g_KeyMapping;       ///< symbolic
+extern std::string emu_path;    ///< the program's directory, with a trailing separator
+extern std::string avi_name;    ///< capture to start with
 
-/// Starts everything; the platform is installed before.
+/// Start-up, message loop, shutdown. Returns the exit code.
+int run_shell(const Arguments& arguments);
+
 void emu_init(const Arguments& arguments);
 /// Messages first, a paced frame in every idle moment. Returns the exit code.
 int run_message_loop();
 void emu_close();
+/// Handles one message. The quit message is the loop's.
+void WindowProcedure(const Event& event);
+
+/// Pause and monitor have toggled their flag: run when the machine stood still before and neither
+/// holds it now.
+void activate_after_toggle();
+/// Run when neither pause nor monitor holds the machine.
+void activate_unless_held();

@@ -1,6 +1,9 @@
+#include "host/status.h"
+
 #include "platform/host_services.h"
 #include "platform/platform.h"
 
+#include <array>
 #include <cstdarg>
 #include <cstdio>
 #include <string>
@@ -8,8 +11,22 @@
 namespace {
 
 constexpr const char* PRODUCT_NAME = "Tarvelin";
-constexpr int PART_LAMPS = 1;
-constexpr int PART_MESSAGES = 3;
+
+enum StatusPart { PART_CONFIGURATION, PART_LAMPS, PART_CASSETTE, PART_MESSAGES };
+constexpr std::array RIGHT_EDGES = {80, 176, 224, -1};
+
+constexpr int LAMPS = 4;
+constexpr int LAMP_LEFT = 90; ///< of drive 0
+constexpr int LAMP_PITCH = 20;
+constexpr int LAMP_WIDTH = 13;
+constexpr int LAMP_HEIGHT = 8;
+constexpr int LAMP_TOP = 10; ///< in the lowest led_rows lines of the bar
+constexpr int led_rows = 24;
+constexpr Colour LAMP_OFF = 0x000000;
+constexpr Colour LAMP_ON = 0xFF0000;
+constexpr int NO_DRIVE = -1;
+
+int led_state = NO_DRIVE; ///< the lit drive
 
 std::string format_text(const char* format, va_list arguments) {
     va_list again;
@@ -21,20 +38,72 @@ std::string format_text(const char* format, va_list arguments) {
     return text;
 }
 
+void show_text(int part, const std::string& text) {
+    StatusBar& bar = platform().status_bar();
+    if (part == PART_LAMPS || !bar.exists()) return;
+    bar.set_text(part, text);
+    bar.set_tip(part, text);
+}
+
+Rectangle lamp_rectangle(int lamp) {
+    const int left = LAMP_LEFT + lamp * LAMP_PITCH;
+    const int top = platform().status_bar().height() - led_rows + LAMP_TOP;
+    return {left, top, left + LAMP_WIDTH, top + LAMP_HEIGHT};
+}
+
+/// One pixel around the lamp, which looks sunk into the bar.
+void draw_bevel(const Rectangle& lamp) {
+    StatusBar& bar = platform().status_bar();
+    const Rectangle edge = {lamp.left - 1, lamp.top - 1, lamp.right + 1, lamp.bottom + 1};
+    const Colour shadow = bar.shadow_colour();
+    const Colour highlight = bar.highlight_colour();
+    bar.fill_rectangle({edge.left, edge.top, lamp.left, edge.bottom}, shadow);
+    bar.fill_rectangle({edge.left, edge.top, edge.right, lamp.top}, shadow);
+    bar.fill_rectangle({lamp.right, lamp.top, edge.right, edge.bottom}, highlight);
+    bar.fill_rectangle({lamp.left, lamp.bottom, edge.right, edge.bottom}, highlight);
+}
+
+void draw_lamps() {
+    StatusBar& bar = platform().status_bar();
+    if (!bar.exists()) return;
+    for (int lamp = 0; lamp < LAMPS; ++lamp) {
+        bar.fill_rectangle(lamp_rectangle(lamp), lamp == led_state ? LAMP_ON : LAMP_OFF);
+    }
+}
+
 } // namespace
+
+void CreateStatusBar() {
+    StatusBar& bar = platform().status_bar();
+    if (bar.exists()) return;
+    if (!bar.create(RIGHT_EDGES, PART_LAMPS)) {
+        std::fputs("Failed to create status bar.\n", stderr);
+        return;
+    }
+    led_state = NO_DRIVE;
+    led_redraw(1);
+}
+
+void DestroyStatusBar() { platform().status_bar().destroy(); }
+
+int StatusBarHeight() { return platform().status_bar().height(); }
+
+void StatusBarRedraw() {
+    led_redraw(1);
+    if (platform().status_bar().exists()) platform().status_bar().redraw();
+}
 
 void StatusBarText(const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    platform().window().set_status_text(PART_MESSAGES, format_text(format, arguments));
+    show_text(PART_MESSAGES, format_text(format, arguments));
     va_end(arguments);
 }
 
 void StatusBarPartText(int part, const char* format, ...) {
-    if (part == PART_LAMPS) return;
     va_list arguments;
     va_start(arguments, format);
-    platform().window().set_status_text(part, format_text(format, arguments));
+    show_text(part, format_text(format, arguments));
     va_end(arguments);
 }
 
@@ -53,6 +122,18 @@ void host_warning(const char* format, ...) {
     va_end(arguments);
     std::fprintf(stderr, "tarvelin: %s\n", text.c_str());
     StatusBarText("%s", text.c_str());
+    platform().dialogs().message(PRODUCT_NAME, text, MessageIcon::warning);
 }
 
-void led_update(int drive) { platform().window().set_lamp(drive); }
+void led_update(int drive) {
+    // Called for every frame: there is something to draw only when another lamp is to be lit.
+    if (drive == led_state) return;
+    led_state = drive;
+    draw_lamps();
+}
+
+void led_redraw(int lamps) {
+    if (!platform().status_bar().exists()) return;
+    for (int lamp = 0; lamp < LAMPS; ++lamp) draw_bevel(lamp_rectangle(lamp));
+    if (lamps) draw_lamps();
+}

@@ -7,6 +7,7 @@ enum : uint8_t { STATUS_NOT_READY = 0x80, OPEN_BUS = 0xFF };
 }
 
 void wd1771_init() { wd1771_reset_all(); }
+void wd1771_reset() { wd1771_set_irq(0); }
 void wd1771_reset_all() { wd1771_set_irq(0); }
 uint8_t wd1771_read_irq(int /*line*/) { return 0; }
 void wd1771_write_param_reg(uint8_t /*value*/) {}

@@ -7,6 +7,8 @@
 void wd1771_init();
 /// The reset line: releases the interrupt request.
 void wd1771_reset_all();
+/// The controller's reset after a change of disk.
+void wd1771_reset();
 /// Interrupt status at FFE0.
 uint8_t wd1771_read_irq(int line);
 /// The drive select latch at FFE0-FFE3.

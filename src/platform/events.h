@@ -2,12 +2,34 @@
 #include <cstdint>
 #include <string>
 
+/// Modifier keys of a key-down, and those that a character needs (see HostKeyboard::key_for).
+enum Modifier : uint8_t { MODIFIER_SHIFT = 1, MODIFIER_CONTROL = 2, MODIFIER_ALT = 4 };
+
 /// A message for the main loop.
 struct Event {
-    enum class Kind : uint8_t { none, quit, command, key_down, drop };
+    enum class Kind : uint8_t {
+        none,            ///< there was no message
+        quit,            ///< value: exit code
+        close,           ///< the user wants to close the window
+        moved,           ///< the window was moved
+        resized,         ///< the window's size changed
+        focus,           ///< the window got the keyboard
+        paint,           ///< the client area has to be drawn again
+        activate,        ///< value: 1 the program became the active one, 0 another did
+        layout_changed,  ///< the host's keyboard layout is another one now
+        key_down,        ///< value: HostKey; accelerators are not taken out yet
+        command,         ///< value: id of the menu item chosen
+        double_click,    ///< left button, in the client area
+        wheel,           ///< value: 120 per notch, positive away from the user
+        menu_loop_enter, ///< a menu was opened: the program stands still meanwhile
+        menu_loop_exit,
+        drop,       ///< text: path of the first file dropped
+        draw_status ///< the owner-drawn part of the status bar has to be drawn again
+    };
     Kind kind = Kind::none;
-    int value = 0;    ///< exit code, command id or key
-    std::string text; ///< path of a dropped file
+    int value = 0;
+    uint8_t modifiers = 0; ///< of a key_down
+    std::string text;
 };
 
 /// The message queue of the program's one thread.
@@ -15,7 +37,10 @@ struct Events {
     virtual ~Events() = default;
     /// Takes a waiting message; kind none when there is none.
     virtual Event poll() = 0;
-    /// Blocks until a message comes.
+    /// Blocks, without using processor time, until a message comes.
     virtual Event wait() = 0;
+    /// A quit message behind all that wait.
     virtual void post_quit(int exit_code) = 0;
+    /// Any other message behind all that wait.
+    virtual void post(const Event& event) = 0;
 };

@@ -16,5 +16,7 @@ void update_screen(int flag);
 /// Saves the canvas under the next free name after `last_file_name`, GIF or BMP by its depth, and
 /// the video-RAM dump where that is switched on.
 void host_save_screenshot();
+/// Hands the canvas to the running video capture.
+void host_capture_frame();
 /// 1 when there is a canvas to draw into.
 int host_has_canvas();

@@ -1,11 +1,25 @@
 #pragma once
 #include <cstdint>
+#include <optional>
 
-/// State of the host keyboard, by virtual-key code (the values of `HostKey`).
+/// A key and the modifiers that it needs (Modifier bits).
+struct KeyForCharacter {
+    uint8_t key = 0;
+    uint8_t modifiers = 0;
+    bool operator==(const KeyForCharacter&) const = default;
+};
+
+/// State of the host keyboard, by virtual-key code (the values of `HostKey`). Letters are where the
+/// active layout has them; all other keys stand where a US keyboard has them.
 struct HostKeyboard {
     virtual ~HostKeyboard() = default;
-    /// Is the key down at this moment?
+    /// Is the key down at this moment? While AltGr is down, Control and Alt both are.
     virtual bool is_down(uint8_t key) = 0;
+    /// The key that gives `character` (20 to 7E) in the active layout; nothing where it has none.
+    /// The characters of AltGr need Control and Alt; a dead key counts for its own character.
+    virtual std::optional<KeyForCharacter> key_for(char character) = 0;
+    /// Takes every key for released.
+    virtual void release_all() = 0;
 };
 
 /// Virtual-key codes. Letters and digits are their ASCII codes.
@@ -29,16 +43,30 @@ enum HostKey : uint8_t {
     KEY_RIGHT = 0x27,
     KEY_DOWN = 0x28,
     KEY_INSERT = 0x2D,
-    KEY_NUMPAD0 = 0x60,
+    KEY_DELETE = 0x2E,
+    KEY_NUMPAD0 = 0x60, ///< to 69
     KEY_F1 = 0x70,
-    KEY_F2 = 0x71,
-    KEY_F3 = 0x72,
-    KEY_F4 = 0x73,
+    KEY_F2,
+    KEY_F3,
+    KEY_F4,
+    KEY_F5,
+    KEY_F6,
+    KEY_F7,
+    KEY_F8,
+    KEY_F9,
+    KEY_F10,
+    KEY_F11,
+    KEY_F12,
     KEY_OEM_1 = 0xBA,
+    KEY_OEM_PLUS = 0xBB, ///< right of minus
     KEY_OEM_COMMA = 0xBC,
     KEY_OEM_MINUS = 0xBD,
     KEY_OEM_PERIOD = 0xBE,
     KEY_OEM_2 = 0xBF,
+    KEY_OEM_3 = 0xC0, ///< left of 1
     KEY_OEM_4 = 0xDB,
-    KEY_OEM_7 = 0xDE
+    KEY_OEM_5 = 0xDC,
+    KEY_OEM_6 = 0xDD,
+    KEY_OEM_7 = 0xDE,
+    KEY_OEM_102 = 0xE2 ///< left of Z on keyboards that have it
 };

@@ -2,20 +2,30 @@
 /// The host behind a thin layer: each service is an interface of its own, and the platform is the
 /// set of them. One implementation is installed at program start, before anything else runs.
 
+#include "platform/clipboard.h"
 #include "platform/clock.h"
+#include "platform/dialogs.h"
+#include "platform/drawing.h"
 #include "platform/events.h"
 #include "platform/keyboard.h"
 #include "platform/paths.h"
 #include "platform/settings.h"
+#include "platform/status_bar.h"
+#include "platform/surface.h"
 #include "platform/window.h"
 
 struct Platform {
     virtual ~Platform() = default;
+    virtual Clipboard& clipboard() = 0;
     virtual Clock& clock() = 0;
+    virtual Dialogs& dialogs() = 0;
+    virtual Drawing& drawing() = 0;
     virtual Events& events() = 0;
     virtual HostKeyboard& keyboard() = 0;
     virtual Paths& paths() = 0;
     virtual Settings& settings() = 0;
+    virtual StatusBar& status_bar() = 0;
+    virtual Surface& surface() = 0;
     virtual Window& window() = 0;
 };
 

@@ -6,10 +6,16 @@
 /// Typed named values in one store per user.
 struct Settings {
     virtual ~Settings() = default;
+    /// Opens or creates the store. False when that fails; then nothing is found and nothing is
+    /// kept.
+    virtual bool open() = 0;
+    virtual void close() = 0;
+    /// Why the store that was there could not be used and was put aside; empty when all is well.
+    virtual std::string complaint() = 0;
     /// Nothing when the value is missing or has another type.
     virtual std::optional<uint32_t> number(const std::string& name) = 0;
     virtual std::optional<std::string> text(const std::string& name) = 0;
-    /// Each returns false when the store cannot be written.
+    /// Each is on disk when it returns; false when it cannot be kept.
     virtual bool set_number(const std::string& name, uint32_t value) = 0;
     virtual bool set_text(const std::string& name, const std::string& value) = 0;
 };

@@ -1,24 +1,57 @@
 #pragma once
-#include <cstdint>
-#include <string>
+#include "platform/geometry.h"
 
-/// A picture as the canvas holds it: rows top-down without padding.
-struct BitmapView {
-    int width = 0;
-    int height = 0;
-    int bits = 0; ///< 1, 8 or 32 per pixel
-    const uint8_t* pixels = nullptr;
-    const uint8_t* palette = nullptr; ///< blue, green, red, 0 per entry; none at 32 bits
+#include <span>
+#include <string>
+#include <vector>
+
+/// An item of the menu. The text has "&" before its access key and a tab before the key hint.
+struct MenuEntry {
+    int id = 0;                      ///< 0 for a separator (no text) and for a submenu
+    std::string text;                ///< empty: a separator
+    std::vector<MenuEntry> children; ///< not empty: a submenu
+    bool checked = false;
 };
 
-/// The main window.
+/// A key that the program takes before menus and controls see it.
+struct KeyChord {
+    uint8_t key = 0;
+    uint8_t modifiers = 0;
+};
+
+/// The main window. Coordinates of the client area count from its top left corner, the status bar
+/// belongs to the client area, the menu bar does not.
 struct Window {
     virtual ~Window() = default;
+    /// Creates the window, not shown yet, and accepts dropped files. False when that fails.
+    virtual bool create(const std::string& title) = 0;
+    virtual void show() = 0;
+    /// Removes the window for good.
+    virtual void destroy() = 0;
+
     virtual void set_title(const std::string& title) = 0;
-    /// Copies the picture 1:1 into the client area.
-    virtual void present(const BitmapView& picture) = 0;
-    /// Shows a text in a part of the status bar.
-    virtual void set_status_text(int part, const std::string& text) = 0;
-    /// Lights the lamp of one drive, 0 to 3; any other value lights none.
-    virtual void set_lamp(int drive) = 0;
+    virtual std::string title() = 0;
+
+    /// Outer size of a window of the present style, with a menu, for a client area.
+    virtual Size outer_size(Size client) = 0;
+    virtual Rectangle outer_rectangle() = 0; ///< on the screen
+    virtual Size client_size() = 0;
+    virtual Rectangle client_on_screen() = 0; ///< the client area in screen coordinates
+    virtual Size screen_size() = 0;           ///< of the screen that shows the window
+    virtual void move(const Rectangle& outer) = 0;
+    /// Fixed: both limits of the outer size. A zero size gives the window a sizing frame and a
+    /// maximize box.
+    virtual void set_fixed_size(Size outer) = 0;
+    /// Asks for a paint message of the whole client area.
+    virtual void invalidate() = 0;
+    /// Full-screen shape: no frame and no menu, the whole screen. Back: as before, rectangle
+    /// included.
+    virtual void set_full_screen(bool on) = 0;
+    virtual void show_cursor(bool on) = 0;
+
+    virtual void set_menu(const std::vector<MenuEntry>& menus) = 0;
+    virtual void check_item(int id, bool checked) = 0; ///< unknown ids are ignored
+    virtual void set_item_text(int id, const std::string& text) = 0;
+    /// Keys that reach the program as key_down even where a menu or a control would take them.
+    virtual void claim_keys(std::span<const KeyChord> chords) = 0;
 };

@@ -33,6 +33,7 @@ protected:
         for (uint32_t i = 0; i < 0x10000; ++i) memory[i] = mark(i, 0);
         for (uint32_t i = 0; i < EXPANSION_SIZE; ++i) current_eprom[i] = mark(i, 0x80);
         std::memset(ports, 0, sizeof ports);
+        keyboard_change_mapping(0); // positional
         memory_set_ram_size_source(&ram_size);
         ram_size = 1;
         printer_enabled = false;

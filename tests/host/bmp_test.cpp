@@ -1,6 +1,7 @@
 #include "host/screenshot.h"
 
 #include "cgenie/palette.h"
+#include "host/status.h"
 #include "host_files.h"
 
 #include <climits>
@@ -12,7 +13,13 @@ uint32_t number_at(const Bytes& file, size_t at) {
     return file[at] | file[at + 1] << 8 | file[at + 2] << 16 | uint32_t(file[at + 3]) << 24;
 }
 
-class BmpTest : public HostFilesTest {};
+class BmpTest : public HostFilesTest {
+protected:
+    void SetUp() override {
+        HostFilesTest::SetUp();
+        CreateStatusBar();
+    }
+};
 } // namespace
 
 TEST_F(BmpTest, FilesOfEveryDepthHoldHeaderPaletteAndRowsFromTheBottom) {

@@ -1,11 +1,15 @@
 #include "host/command_line.h"
 
+#include "cgenie/hires_lowe.h"
 #include "cgenie/memory.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"
 #include "host/autostart.h"
 #include "host/display.h"
+#include "host/shell.h"
+#include "host/status.h"
 #include "host_files.h"
+#include "platform/host_services.h"
 #include "z80/z80.h"
 
 #include <unistd.h>
@@ -31,6 +35,7 @@ protected:
         HostFilesTest::SetUp();
         here_ = std::filesystem::current_path().string() + "/";
         machine_init();
+        CreateStatusBar();
         std::filesystem::create_directories("v1.0/folder.cmd");
         write_module("one.cmd", 1);
         write_module("two.cmd", 2);
@@ -49,7 +54,7 @@ protected:
         z80_state.pc = NOT_STARTED;
         memory[0x9000] = 0;
         last_file_name = "before";
-        host->window().set_status_text(3, "");
+        StatusBarText("%s", "");
         event_screenshot_timout = event_shutdown_timout = EVENT_DISARMED;
         g_Timer = g_bDblScan = true;
         get_command_line(arguments);
@@ -62,8 +67,9 @@ protected:
 TEST_F(CommandLineTest, FilesAreLoadedNamedAndStarted) {
     const struct {
         Arguments arguments;
-        int mark; ///< of the module that was loaded last
-        std::string path, base;
+        int mark;           ///< of the module that was loaded last
+        std::string status; ///< a path: it was loaded
+        std::string base;
     } cases[] = {
         {{"one.cmd"}, 1, "one.cmd", "one"},
         {{"LOUD.CMD"}, 3, "LOUD.CMD", "LOUD"},
@@ -80,16 +86,17 @@ TEST_F(CommandLineTest, FilesAreLoadedNamedAndStarted) {
         {{"/m2", "/b", "one.cmd"}, 1, "one.cmd", "one"},
         // Nothing to load, but a name.
         {{"v1.0/plain"}, 0, "v1.0/plain", ""},
-        {{"v1.0/"}, 0, "v1.0/", ""},
-        {{"text.doc"}, 0, "text.doc", "text"},
-        {{"v1.0/gone.cmd"}, 0, "v1.0/gone.cmd", "v1.0/gone"},
+        {{"v1.0/"}, 0, "v1.0/: is a folder", ""},
+        {{"text.doc"}, 0, "text.doc: files of this type cannot be started", "text"},
+        {{"v1.0/gone.cmd"}, 0, "v1.0/gone.cmd: no such file", "v1.0/gone"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::PrintToString(c.arguments));
         run(c.arguments);
         EXPECT_EQ(memory[0x9000], c.mark);
         EXPECT_EQ(z80_state.pc, c.mark ? 0x9100 + c.mark : NOT_STARTED);
-        EXPECT_EQ(host->status_text(3), c.path.empty() ? "" : "Autoloaded: " + c.path);
+        const bool loaded = !c.status.empty() && c.status.find(": ") == std::string::npos;
+        EXPECT_EQ(host->status_text(3), (loaded ? "Autoloaded: " : "") + c.status);
         EXPECT_EQ(last_file_name, c.base);
     }
     run({"/b", "one.cmd", "/m1"});
@@ -165,6 +172,37 @@ TEST_F(CommandLineTest, TimedEventsAreArmedInCyclesOf32Bits) {
     }
 }
 
+TEST_F(CommandLineTest, OptionsAreSetWithOneSwitchEach) {
+    const struct {
+        Arguments arguments;
+        bool sound, double_scan, board;
+        std::string video, status;
+    } cases[] = {
+        {{"/h"}, false, true, false, "", ""},
+        {{"/d"}, true, false, false, "", ""},
+        {{"/g"}, true, true, true, "", ""},
+        {{"/v", "film one.avi"}, true, true, false, "film one.avi", ""},
+        {{"/i", "text.doc"}, true, true, false, "", "Unsupported disk image.\n"},
+        {{"/r", "/h"}, true, true, false, "", ""},
+        {{"/H", "/G", "/x", "/"}, true, true, false, "", "/: is a folder"},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::PrintToString(c.arguments));
+        g_bSound = true;
+        lowe.enabled = 0;
+        avi_name.clear();
+        run(c.arguments);
+        EXPECT_EQ(g_bSound, c.sound);
+        EXPECT_EQ(g_bDblScan, c.double_scan);
+        EXPECT_EQ(lowe.enabled != 0, c.board);
+        EXPECT_EQ(avi_name, c.video);
+        EXPECT_EQ(host->status_text(3), c.status);
+    }
+    g_bSound = true;
+    lowe.enabled = 0;
+    avi_name.clear();
+}
+
 TEST_F(CommandLineTest, ProblemsAreNamedInOneLine) {
     write_module("secret.cmd", 5);
     std::filesystem::permissions("secret.cmd", std::filesystem::perms::none);
@@ -183,6 +221,8 @@ TEST_F(CommandLineTest, ProblemsAreNamedInOneLine) {
         {{"gone.cmd"}, "gone.cmd: no such file"},
         {{"gone.cmd", "one.cmd"}, "gone.cmd: no such file"},
         {{"/b", "gone.cmd"}, "gone.cmd: no such file"},
+        {{"/i", "gone.dsk"}, "gone.dsk: no such file"},
+        {{"/i", "text.doc"}, ""},
         {{here_ + "gone"}, here_ + "gone: no such file"},
         {{"/gone.cmd"}, "/gone.cmd: no such file"},
         {{""}, ": no such file"},

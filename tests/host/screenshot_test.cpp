@@ -3,6 +3,7 @@
 #include "cgenie/crtc.h"
 #include "cgenie/memory.h"
 #include "cgenie/video.h"
+#include "host/status.h"
 #include "host_files.h"
 
 namespace {
@@ -15,7 +16,13 @@ uint8_t memory_pattern(uint32_t address) {
     return uint8_t(address * 7 + address / 256 * 13 + address / 0x4000 * 101);
 }
 
-class ScreenshotTest : public HostFilesTest {};
+class ScreenshotTest : public HostFilesTest {
+protected:
+    void SetUp() override {
+        HostFilesTest::SetUp();
+        CreateStatusBar();
+    }
+};
 } // namespace
 
 TEST_F(ScreenshotTest, NamesTakeTheFirstFreeNumber) {

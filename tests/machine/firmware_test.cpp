@@ -1,4 +1,5 @@
 #include "cgenie/crtc.h"
+#include "cgenie/keyboard.h"
 #include "cgenie/memory.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"
@@ -32,6 +33,7 @@ protected:
     Firmware() : platform_(HeadlessOptions{}) {
         install_platform(platform_);
         machine_init();
+        keyboard_change_mapping(0);
     }
     ~Firmware() override { machine_cfg[CUSTOM_CONFIGURATION].ram_size = 2; }
 

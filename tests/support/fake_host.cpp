@@ -49,4 +49,6 @@ void update_screen(int flag) { fake_host.screen_updates += flag != 0; }
 
 void host_save_screenshot() { ++fake_host.screenshots; }
 
+void host_capture_frame() { ++fake_host.captured_frames; }
+
 int host_has_canvas() { return fake_host.canvas ? 1 : 0; }

@@ -11,6 +11,7 @@ struct FakeHost {
     int lamp = -1;
     int screen_updates = 0;
     int screenshots = 0;
+    int captured_frames = 0;
     bool canvas = true;
 };
 extern FakeHost fake_host;

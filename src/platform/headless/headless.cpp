@@ -1,14 +1,17 @@
 #include "platform/headless/headless.h"
 
+#include "platform/settings_file.h"
+
 #include <chrono>
 #include <csignal>
+#include <deque>
 #include <thread>
+#include <utility>
 
 namespace {
 
 constexpr int64_t NS_PER_SECOND = 1'000'000'000;
 constexpr int64_t NS_PER_MS = 1'000'000;
-constexpr int STATUS_PARTS = 4;
 constexpr int SIGNAL_STATUS = 128; ///< plus the signal: exit status of a program it has ended
 
 volatile std::sig_atomic_t stop_signal = 0;
@@ -47,10 +50,17 @@ private:
     int64_t now_ = 0;
 };
 
+Event quit_event(int exit_code) {
+    Event event;
+    event.kind = Event::Kind::quit;
+    event.value = exit_code;
+    return event;
+}
+
 class HeadlessEvents final : public Events {
 public:
     Event poll() override {
-        if (stop_signal) return {Event::Kind::quit, SIGNAL_STATUS + stop_signal, {}};
+        if (stop_signal) return quit_event(SIGNAL_STATUS + stop_signal);
         if (waiting.empty()) return {};
         Event event = std::move(waiting.front());
         waiting.pop_front();
@@ -59,21 +69,16 @@ public:
     /// Nothing ever comes from outside: an empty queue that is waited for is the end of the run.
     Event wait() override {
         Event event = poll();
-        return event.kind == Event::Kind::none ? Event{Event::Kind::quit, 0, {}} : event;
+        return event.kind == Event::Kind::none ? quit_event(0) : event;
     }
     void post_quit(int exit_code) override {
         quit_posted = true;
-        waiting.push_back({Event::Kind::quit, exit_code, {}});
+        waiting.push_back(quit_event(exit_code));
     }
+    void post(const Event& event) override { waiting.push_back(event); }
 
     std::deque<Event> waiting;
     bool quit_posted = false;
-};
-
-class HeadlessKeyboard final : public HostKeyboard {
-public:
-    bool is_down(uint8_t key) override { return down.contains(key); }
-    std::set<uint8_t> down;
 };
 
 class HeadlessPaths final : public Paths {
@@ -87,97 +92,66 @@ private:
     const HeadlessOptions& options_;
 };
 
-class HeadlessSettings final : public Settings {
-public:
-    std::optional<uint32_t> number(const std::string& name) override {
-        return value_of<uint32_t>(name);
-    }
-    std::optional<std::string> text(const std::string& name) override {
-        return value_of<std::string>(name);
-    }
-    bool set_number(const std::string& name, uint32_t value) override {
-        values_[name] = value;
-        return true;
-    }
-    bool set_text(const std::string& name, const std::string& value) override {
-        values_[name] = value;
-        return true;
-    }
-
-private:
-    template <typename Type>
-    std::optional<Type> value_of(const std::string& name) const {
-        const auto found = values_.find(name);
-        if (found == values_.end()) return {};
-        const Type* value = std::get_if<Type>(&found->second);
-        return value ? std::optional<Type>(*value) : std::nullopt;
-    }
-
-    std::map<std::string, std::variant<uint32_t, std::string>> values_;
-};
-
-class HeadlessWindow final : public Window {
-public:
-    void set_title(const std::string& text) override { title = text; }
-    void present(const BitmapView& /*picture*/) override { ++frames; }
-    void set_status_text(int part, const std::string& text) override {
-        if (part >= 0 && part < STATUS_PARTS) status[part] = text;
-    }
-    void set_lamp(int drive) override { lamp = drive; }
-
-    std::string title;
-    std::string status[STATUS_PARTS];
-    int lamp = -1;
-    int frames = 0;
-};
-
 } // namespace
 
 struct HeadlessPlatform::State {
     explicit State(HeadlessOptions given)
         : options(std::move(given)),
-          clock(options.real_time, options.look_ns, options.refresh_rate), paths(options) {}
+          clock(options.real_time, options.look_ns, options.refresh_rate),
+          dialogs(options.print_messages), paths(options), window(options.screen),
+          drawing(window, options.keep_pictures), settings_file(options.settings_path) {}
 
     HeadlessOptions options;
+    HeadlessClipboard clipboard;
     HeadlessClock clock;
+    HeadlessDialogs dialogs;
     HeadlessEvents events;
     HeadlessKeyboard keyboard;
     HeadlessPaths paths;
-    HeadlessSettings settings;
     HeadlessWindow window;
+    HeadlessDrawing drawing;
+    HeadlessStatusBar status_bar;
+    HeadlessSurface surface;
+    HeadlessSettings settings;
+    SettingsFile settings_file;
 };
 
 HeadlessPlatform::HeadlessPlatform(HeadlessOptions options)
     : state_(std::make_unique<State>(std::move(options))) {}
 HeadlessPlatform::~HeadlessPlatform() = default;
 
+HeadlessClipboard& HeadlessPlatform::clipboard() { return state_->clipboard; }
 Clock& HeadlessPlatform::clock() { return state_->clock; }
+HeadlessDialogs& HeadlessPlatform::dialogs() { return state_->dialogs; }
+HeadlessDrawing& HeadlessPlatform::drawing() { return state_->drawing; }
 Events& HeadlessPlatform::events() { return state_->events; }
-HostKeyboard& HeadlessPlatform::keyboard() { return state_->keyboard; }
+HeadlessKeyboard& HeadlessPlatform::keyboard() { return state_->keyboard; }
 Paths& HeadlessPlatform::paths() { return state_->paths; }
-Settings& HeadlessPlatform::settings() { return state_->settings; }
-Window& HeadlessPlatform::window() { return state_->window; }
+HeadlessStatusBar& HeadlessPlatform::status_bar() { return state_->status_bar; }
+HeadlessSurface& HeadlessPlatform::surface() { return state_->surface; }
+HeadlessWindow& HeadlessPlatform::window() { return state_->window; }
+Settings& HeadlessPlatform::settings() {
+    if (state_->options.settings_path.empty()) return state_->settings;
+    return state_->settings_file;
+}
 
 void HeadlessPlatform::advance_ns(int64_t nanoseconds) { state_->clock.advance(nanoseconds); }
 int64_t HeadlessPlatform::slept_ms() const { return state_->clock.slept_ms; }
-void HeadlessPlatform::set_key(uint8_t key, bool down) {
-    if (down) {
-        state_->keyboard.down.insert(key);
-    } else {
-        state_->keyboard.down.erase(key);
-    }
-}
-void HeadlessPlatform::release_all_keys() { state_->keyboard.down.clear(); }
+void HeadlessPlatform::set_key(uint8_t key, bool down) { state_->keyboard.down[key] = down; }
+void HeadlessPlatform::release_all_keys() { state_->keyboard.release_all(); }
 void HeadlessPlatform::push_event(Event event) {
     state_->events.waiting.push_back(std::move(event));
 }
 bool HeadlessPlatform::quit_posted() const { return state_->events.quit_posted; }
-const std::string& HeadlessPlatform::title() const { return state_->window.title; }
-const std::string& HeadlessPlatform::status_text(int part) const {
-    return state_->window.status[part];
+HeadlessSettings& HeadlessPlatform::settings_in_memory() { return state_->settings; }
+const std::string& HeadlessPlatform::title() const { return state_->window.caption; }
+std::string HeadlessPlatform::status_text(int part) const {
+    const std::vector<std::string>& texts = state_->status_bar.texts;
+    return part >= 0 && size_t(part) < texts.size() ? texts[part] : std::string();
 }
-int HeadlessPlatform::lamp() const { return state_->window.lamp; }
-int HeadlessPlatform::frames_presented() const { return state_->window.frames; }
+int HeadlessPlatform::frames_presented() const {
+    return state_->drawing.copies + state_->surface.presents;
+}
 
 void HeadlessPlatform::stop_on_signals() {
     const auto stop = [](int signal) { stop_signal = signal; };

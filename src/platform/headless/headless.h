@@ -1,15 +1,17 @@
 #pragma once
 /// A host without a display: no window, the same shell. Time is virtual unless real pacing is asked
 /// for: it passes only when the program sleeps or looks at the clock, so that a run is exactly
-/// repeatable. Keys and settings are what its driver sets.
+/// repeatable. Keys, answers to dialogs and messages are what its driver sets; each service is a
+/// record that the driver may look into.
 
+#include "platform/headless/headless_dialogs.h"
+#include "platform/headless/headless_keyboard.h"
+#include "platform/headless/headless_settings.h"
+#include "platform/headless/headless_window.h"
 #include "platform/platform.h"
 
-#include <deque>
-#include <map>
 #include <memory>
-#include <set>
-#include <variant>
+#include <string>
 
 struct HeadlessOptions {
     bool real_time = false; ///< pace against the real clock
@@ -20,6 +22,10 @@ struct HeadlessOptions {
     std::string data_directory;
     std::string config_directory;
     std::string program_directory;
+    Size screen{1280, 1024};
+    std::string settings_path;   ///< empty: settings are kept in memory only
+    bool keep_pictures = false;  ///< what is drawn into the client area can be read back
+    bool print_messages = false; ///< message boxes go to the standard error stream, too
 };
 
 class HeadlessPlatform final : public Platform {
@@ -27,12 +33,17 @@ public:
     explicit HeadlessPlatform(HeadlessOptions options);
     ~HeadlessPlatform() override;
 
+    HeadlessClipboard& clipboard() override;
     Clock& clock() override;
+    HeadlessDialogs& dialogs() override;
+    HeadlessDrawing& drawing() override;
     Events& events() override;
-    HostKeyboard& keyboard() override;
+    HeadlessKeyboard& keyboard() override;
     Paths& paths() override;
     Settings& settings() override;
-    Window& window() override;
+    HeadlessStatusBar& status_bar() override;
+    HeadlessSurface& surface() override;
+    HeadlessWindow& window() override;
 
     // For whoever drives the run.
     void advance_ns(int64_t nanoseconds); ///< of virtual time
@@ -41,10 +52,11 @@ public:
     void release_all_keys();
     void push_event(Event event);
     bool quit_posted() const;
+    HeadlessSettings& settings_in_memory(); ///< unused while there is a settings file
     const std::string& title() const;
-    const std::string& status_text(int part) const;
-    int lamp() const;
-    int frames_presented() const;
+    /// Empty where the part does not exist.
+    std::string status_text(int part) const;
+    int frames_presented() const; ///< in the window and on the whole screen
 
     /// An interrupt or termination signal ends the message loop instead of the process.
     static void stop_on_signals();

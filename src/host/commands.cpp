@@ -1,0 +1,458 @@
+#include "host/commands.h"
+
+#include "cgenie/hires_lowe.h"
+#include "cgenie/keyboard.h"
+#include "cgenie/memory.h"
+#include "core/frame_driver.h"
+#include "core/machine.h"
+#include "host/autostart.h"
+#include "host/avi.h"
+#include "host/canvas.h"
+#include "host/dialogs.h"
+#include "host/display.h"
+#include "host/menu.h"
+#include "host/screenshot.h"
+#include "host/shell.h"
+#include "media/disk_image.h"
+#include "media/printer.h"
+#include "media/snapshot.h"
+#include "media/tape.h"
+#include "media/tape_audio.h"
+#include "media/traps.h"
+#include "media/wd1771.h"
+#include "monitor/monitor.h"
+#include "platform/host_services.h"
+#include "platform/platform.h"
+#include "sound/sound_core.h"
+#include "sound/sound_output.h"
+#include "sound/ym2149.h"
+#include "z80/z80.h"
+
+#include <algorithm>
+#include <array>
+#include <cctype>
+
+namespace {
+
+constexpr int SAMPLE_RATE = 48000;      ///< Hz, of the sound output
+constexpr int TAPE_SAMPLE_RATE = 44100; ///< Hz, of a new tape recording
+constexpr uint32_t RESTART_WAIT = 500;  ///< ms
+constexpr uint32_t BLUR_LEVEL = 66;
+constexpr unsigned DRIVES = 4;
+constexpr int PART_CASSETTE = 2;
+constexpr int CAPTURE_RUNS = 2; ///< value of g_bRecordingVideo
+
+void toggle(bool& flag, int id) {
+    flag = !flag;
+    check_menu_item(id, flag);
+}
+
+void not_available(const char* what) { StatusBarText("%s: not available yet.", what); }
+
+/// Asks for a file and hands it over; nothing happens when the user cancels.
+void with_file(int dialog, void (*act)(const std::string& path)) {
+    std::string path;
+    if (ui_select_file(dialog, &path)) act(path);
+}
+
+// ---- the machine -------------------------------------------------------------------------------
+
+void pause_machine() {
+    g_bPaused = !g_bPaused;
+    activate_after_toggle();
+    if (g_bActive) {
+        ui_set_window_title("(Restarting)");
+        check_menu_item(COMMAND_PAUSE, false);
+    } else if (!g_bDebug) {
+        ui_set_window_title("(Suspended)");
+        check_menu_item(COMMAND_PAUSE, true);
+    }
+}
+
+void restart_machine() {
+    platform().clock().sleep_ms(RESTART_WAIT);
+    memory_reset();
+    memory_remove_bas_trap();
+    keyboard_type_reset();
+    z80_reset();
+    wd1771_reset_all();
+    ym2149_reset();
+}
+
+void enter_monitor() {
+    ui_set_window_title("(Monitor)");
+    monitor_update();
+}
+
+void leave_monitor() {
+    const Size client = platform().window().client_size();
+    platform().drawing().fill_rectangle({0, 0, client.width, client.height}, 0);
+    ui_set_window_title("%s", g_bActive ? "(Restarting)" : "(Suspended)");
+    // No frame of a halted machine comes to cover the black.
+    if (!g_bActive) platform().window().invalidate();
+}
+
+void toggle_monitor() {
+    g_bDebug = !g_bDebug;
+    activate_after_toggle();
+    if (g_bDebug) {
+        enter_monitor();
+    } else {
+        leave_monitor();
+    }
+    check_menu_item(COMMAND_MONITOR, g_bDebug);
+}
+
+void configure_machine() {
+    ui_machine_config();
+    timer_recalibrate_fps(machine_cfg[active_machine_cfg].screen_frequency);
+    recreate_bitmap(g_GiantScreen, 8);
+}
+
+void toggle_50hz_timer() {
+    toggle(g_Timer, COMMAND_50HZ_TIMER);
+    if (!g_Timer) return sound_pause();
+    if (!g_bSound) return;
+    sound_resume();
+    sound_reset();
+}
+
+void toggle_background() {
+    g_bRunInBackground = !g_bRunInBackground;
+    activate_unless_held();
+    check_menu_item(COMMAND_BACKGROUND, g_bRunInBackground);
+}
+
+void toggle_key_mapping() {
+    toggle(g_KeyMapping, COMMAND_SYMBOLIC_KEYS);
+    keyboard_change_mapping(g_KeyMapping);
+}
+
+void paste_from_clipboard() {
+    memory_place_bas_trap();
+    gui_paste_from_clipboard();
+}
+
+void toggle_printer() {
+    toggle(printer_enabled, COMMAND_PRINTER);
+    if (!printer_enabled) return printer_close();
+    printer_init();
+    not_available("Printer");
+}
+
+void choose_lowe_board(bool on) {
+    if (on) {
+        hires_lowe_init();
+    } else {
+        hires_lowe_destroy();
+    }
+    check_menu_item(COMMAND_LOWE_OFF, !on);
+    check_menu_item(COMMAND_LOWE_ON, on);
+}
+
+// ---- sound -------------------------------------------------------------------------------------
+
+void toggle_sound() {
+    toggle(g_bSound, COMMAND_SOUND);
+    if (!g_bSound || !g_Timer) {
+        sound_null_driver_init();
+        return sound_close();
+    }
+    if (!dsound_init(SAMPLE_RATE)) not_available("Sound");
+    sound_init();
+}
+
+void start_sound_recording(const std::string& path) {
+    if (!sound_create_wav(path)) return not_available("Save to WAV");
+    check_menu_item(COMMAND_SAVE_WAV, true);
+}
+
+void save_to_wav() {
+    if (!is_menu_item_checked(COMMAND_SAVE_WAV)) {
+        return with_file(DIALOG_SAVE_WAV, start_sound_recording);
+    }
+    sound_close_wav();
+    check_menu_item(COMMAND_SAVE_WAV, false);
+}
+
+// ---- the picture -------------------------------------------------------------------------------
+
+void save_video_ram_when_wanted() {
+    if (save_video_ram_w_screenshot) memory_save_video_ram(last_file_name);
+}
+
+bool is_gif_name(const std::string& path) {
+    std::string extension = path.substr(path.rfind('.') + 1);
+    std::ranges::transform(extension, extension.begin(),
+                           [](unsigned char c) { return char(std::tolower(c)); });
+    return extension == "gif" && extension.size() < path.size();
+}
+
+void save_gif(const std::string& path) {
+    if (gif_write_as(path, canvas)) return;
+    std::string text = "Error saving in GIF format.";
+    if (canvas.header.bits != 8) text += "\rNon 8-bit display can not be saved as GIF.";
+    platform().dialogs().message("Error!", text, MessageIcon::error);
+}
+
+void save_screenshot_as(const std::string& path) {
+    if (is_gif_name(path)) {
+        save_gif(path);
+    } else if (!dib_save_to_file(canvas, path)) {
+        StatusBarText("%s: cannot be written", path.c_str());
+    }
+    save_video_ram_when_wanted();
+}
+
+void toggle_double_scan() {
+    toggle(g_bDblScan, COMMAND_DOUBLE_SCAN);
+    if (!g_bDblScan) dib_clear_buffer(canvas);
+}
+
+void toggle_1bit_display() {
+    toggle(g_1bitDisplay, COMMAND_1BIT_DISPLAY);
+    recreate_bitmap(g_GiantScreen, canvas_bits());
+}
+
+void toggle_tv_blur() {
+    g_CompositeBlur = g_CompositeBlur ? 0 : BLUR_LEVEL;
+    recreate_bitmap(g_GiantScreen, 8);
+    check_menu_item(COMMAND_TV_BLUR, g_CompositeBlur != 0);
+}
+
+void toggle_giant_screen() {
+    toggle(g_GiantScreen, COMMAND_GIANT_SCREEN);
+    set_screen_params(g_GiantScreen, canvas_bits());
+    if (g_bDebug) return monitor_update();
+    platform().window().invalidate();
+}
+
+void save_to_video() {
+    std::string name;
+    video_save_to_avi(true, &name);
+}
+
+// ---- tapes, snapshots, programs ----------------------------------------------------------------
+
+void attach_cas(const std::string& path) {
+    StatusBarText(tape_attach_cas(path) ? "CAS image attached: %s" : "Error opening image: %s",
+                  path.c_str());
+}
+
+void tell_tape_is_out() {
+    StatusBarText("Tape image detached.");
+    StatusBarPartText(PART_CASSETTE, "%s", "");
+}
+
+void detach_cas() {
+    tape_detach_cas();
+    tell_tape_is_out();
+}
+
+void close_wav() {
+    tape_close_wav();
+    tell_tape_is_out();
+}
+
+void attach_wav(const std::string& path) {
+    if (!tape_open_wav(path)) not_available("Attach WAV");
+}
+
+void create_wav(const std::string& path) {
+    if (!tape_create_wav(path, TAPE_SAMPLE_RATE)) not_available("Create WAV");
+}
+
+void play_or_record() {
+    const bool run = !is_menu_item_checked(COMMAND_PLAY_RECORD);
+    tape_set_motor(run, z80_state.t_count);
+    check_menu_item(COMMAND_PLAY_RECORD, run);
+}
+
+void rewind_tape() {
+    tape_rewind();
+    check_menu_item(COMMAND_PLAY_RECORD, false);
+}
+
+void adjust_head() {
+    int level = tape_get_compare_level();
+    ui_tape_adjust_head(&level);
+    tape_set_compare_level(level);
+}
+
+void save_memory_as_cas(const std::string& path) {
+    std::array<std::string, 3> addresses;
+    ui_get_casdata(&addresses);
+    if (!tape_dump_cas(path, addresses[0], addresses[1], addresses[2])) {
+        not_available("Save memory as CAS");
+    }
+}
+
+void load_snapshot(const std::string& path) {
+    const std::string problem = file_problem(path);
+    if (!problem.empty()) return StatusBarText("%s", problem.c_str());
+    if (!snapshot_load(path.c_str(), memory_get_ram())) {
+        StatusBarText("%s: is not a snapshot", path.c_str());
+    }
+}
+
+void save_snapshot(const std::string& path) {
+    if (!snapshot_save(path.c_str(), memory_get_ram())) {
+        StatusBarText("%s: cannot be written", path.c_str());
+    }
+}
+
+// ---- disks -------------------------------------------------------------------------------------
+
+void select_disk(unsigned drive) {
+    std::string path;
+    if (ui_select_file(DIALOG_ATTACH_DISK, &path)) main_disk_image_attach(drive, path);
+}
+
+std::string drive_text(unsigned drive, const std::string& content) {
+    return "Drive :&" + std::to_string(drive) + " - " + content;
+}
+
+// ---- the table ---------------------------------------------------------------------------------
+
+struct CommandEntry {
+    int id;
+    void (*run)();
+};
+
+constexpr auto commands = std::to_array<CommandEntry>({
+    {COMMAND_ABOUT, ui_about_dialog},
+    {COMMAND_PAUSE, pause_machine},
+    {COMMAND_RESET, machine_reset},
+    {COMMAND_50HZ_TIMER, toggle_50hz_timer},
+    {COMMAND_MONITOR, toggle_monitor},
+    {COMMAND_RESTART, restart_machine},
+    {COMMAND_LOAD_CMD, [] { with_file(DIALOG_LOAD_CMD, autostart_file); }},
+    {COMMAND_LOAD_BAS, [] { with_file(DIALOG_LOAD_BAS, main_load_bas_file); }},
+    {COMMAND_SCREENSHOT, host_save_screenshot},
+    {COMMAND_SOUND, toggle_sound},
+    {COMMAND_CREATE_WAV, [] { with_file(DIALOG_CREATE_WAV, create_wav); }},
+    {COMMAND_CLOSE_WAV, close_wav},
+    {COMMAND_PLAY_RECORD, play_or_record},
+    {COMMAND_ATTACH_CAS, [] { with_file(DIALOG_ATTACH_CAS, attach_cas); }},
+    {COMMAND_DETACH_CAS, detach_cas},
+    {COMMAND_REWIND, rewind_tape},
+    {COMMAND_SCREENSHOT_AS, [] { with_file(DIALOG_SCREENSHOT_AS, save_screenshot_as); }},
+    {COMMAND_MEMORY_AS_CAS, [] { with_file(DIALOG_MEMORY_AS_CAS, save_memory_as_cas); }},
+    {COMMAND_VIDEO_CUT, [] { toggle(video_cut, COMMAND_VIDEO_CUT); }},
+    {COMMAND_VIDEO_PAGE, [] { toggle(video_page, COMMAND_VIDEO_PAGE); }},
+    {COMMAND_LOAD_SNAPSHOT, [] { with_file(DIALOG_LOAD_SNAPSHOT, load_snapshot); }},
+    {COMMAND_SAVE_SNAPSHOT, [] { with_file(DIALOG_SAVE_SNAPSHOT, save_snapshot); }},
+    {COMMAND_DOUBLE_SCAN, toggle_double_scan},
+    {COMMAND_AUTOSTART, [] { with_file(DIALOG_AUTOSTART, autostart_file); }},
+    {COMMAND_CONFIGURATION, configure_machine},
+    {COMMAND_COPY, ui_copy_to_clipboard},
+    {COMMAND_PLACE_TRAPS, [] { tape_place_traps(rom_pointer()); }},
+    {COMMAND_FULL_SCREEN, toggle_full_screen},
+    {COMMAND_ATTACH_DISK, [] { select_disk(0); }},
+    {COMMAND_ATTACH_DISK + 1, [] { select_disk(1); }},
+    {COMMAND_ATTACH_DISK + 2, [] { select_disk(2); }},
+    {COMMAND_ATTACH_DISK + 3, [] { select_disk(3); }},
+    {COMMAND_DETACH_DISK, [] { main_disk_image_detach(0); }},
+    {COMMAND_DETACH_DISK + 1, [] { main_disk_image_detach(1); }},
+    {COMMAND_DETACH_DISK + 2, [] { main_disk_image_detach(2); }},
+    {COMMAND_DETACH_DISK + 3, [] { main_disk_image_detach(3); }},
+    {COMMAND_DETACH_ALL, main_disk_image_detach_all},
+    {COMMAND_ATTACH_WAV, [] { with_file(DIALOG_ATTACH_WAV, attach_wav); }},
+    {COMMAND_PASTE, paste_from_clipboard},
+    {COMMAND_LOWE_OFF, [] { choose_lowe_board(false); }},
+    {COMMAND_LOWE_ON, [] { choose_lowe_board(true); }},
+    {COMMAND_1BIT_DISPLAY, toggle_1bit_display},
+    {COMMAND_TV_BLUR, toggle_tv_blur},
+    {COMMAND_SAVE_VIDEO, save_to_video},
+    {COMMAND_SYMBOLIC_KEYS, toggle_key_mapping},
+    {COMMAND_GIANT_SCREEN, toggle_giant_screen},
+    {COMMAND_DISPLAY_SETTINGS, ui_display_setup},
+    {COMMAND_PRINTER, toggle_printer},
+    {COMMAND_SAVE_WAV, save_to_wav},
+    {COMMAND_ADJUST_HEAD, adjust_head},
+    {COMMAND_BACKGROUND, toggle_background},
+    {COMMAND_SAVE_VIDEO_RAM, [] { toggle(save_video_ram_w_screenshot, COMMAND_SAVE_VIDEO_RAM); }},
+});
+
+} // namespace
+
+void handle_command(int id) {
+    if (id == COMMAND_EXIT) {
+        sound_pause();
+        Event close;
+        close.kind = Event::Kind::close;
+        return platform().events().post(close);
+    }
+    const auto* command = std::ranges::find(commands, id, &CommandEntry::id);
+    if (command == commands.end()) return;
+    sound_pause();
+    command->run();
+    if (g_bActive) sound_resume();
+    reset_timer();
+}
+
+void main_disk_image_attach(unsigned drive, const std::string& path) {
+    if (path.empty() || drive >= DRIVES) return;
+    if (diskimg_is_attached(drive)) main_disk_image_detach(drive);
+    disk_geometry geometry;
+    if (!diskimg_attach(drive, path, &geometry)) {
+        return StatusBarText("Unsupported disk image.\n");
+    }
+    wd1771_reset();
+    StatusBarText("Disk: %u side(s), %u tracks, %u sectors, %u kb.", geometry.sides,
+                  geometry.tracks, geometry.sectors, geometry.size_kb);
+    modify_menu_text(COMMAND_ATTACH_DISK + int(drive), drive_text(drive, path));
+}
+
+void main_disk_image_detach(unsigned drive) {
+    if (drive >= DRIVES) return;
+    const bool save =
+        diskimg_is_changed(drive) &&
+        platform().dialogs().question("Warning", "Disk content in drive :" + std::to_string(drive) +
+                                                     " has changed. Do you want to save your "
+                                                     "changes?");
+    diskimg_detach(drive, save);
+    modify_menu_text(COMMAND_ATTACH_DISK + int(drive), drive_text(drive, "<no disk>"));
+    StatusBarText("Disk detached from drive #%u", drive);
+}
+
+void main_disk_image_detach_all() {
+    for (unsigned drive = 0; drive < DRIVES; ++drive) main_disk_image_detach(drive);
+    StatusBarText("All disks detached.");
+}
+
+void main_load_bas_file(const std::string& path) {
+    const std::string problem = file_problem(path);
+    if (!problem.empty()) return StatusBarText("%s", problem.c_str());
+    if (!is_tokenized_bas(path)) {
+        if (keyboard_open_bas_file(path)) memory_place_bas_trap();
+        return;
+    }
+    if (!bas_to_cas_open(path)) return not_available("Tokenized BASIC");
+    memory_place_bas_trap();
+    keyboard_open_from_buffer("\r\r\r\rCLOAD\r\r");
+}
+
+int video_save_to_avi(bool ask, std::string* name) {
+    if (g_bRecordingVideo) {
+        Video_CloseOutput();
+        g_bRecordingVideo = 0;
+        check_menu_item(COMMAND_SAVE_VIDEO, false);
+        return 1;
+    }
+    if (ask && !ui_select_file(DIALOG_SAVE_VIDEO, name)) return 0;
+    if (!Video_CreateBitmap()) {
+        StatusBarText("AVI: an error occured.");
+        check_menu_item(COMMAND_SAVE_VIDEO, false);
+        return 0;
+    }
+    if (Video_OpenOutput(*name)) g_bRecordingVideo = CAPTURE_RUNS;
+    check_menu_item(COMMAND_SAVE_VIDEO, g_bRecordingVideo != 0);
+    return 1;
+}
+
+int get_ui_save_tape_filename(std::string* name) {
+    const int chosen = ui_select_file(DIALOG_SAVE_CAS, name);
+    reset_timer();
+    return chosen;
+}

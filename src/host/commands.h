@@ -1,0 +1,20 @@
+#pragma once
+/// The command layer: what menu commands, accelerators and keys do.
+
+#include "platform/events.h"
+
+/// Runs the command; the sound pauses meanwhile, and pacing starts afresh after it.
+void handle_command(int id);
+/// A key-down that no accelerator took.
+void handle_key(const Event& event);
+
+// Disk images of the drives 0 to 3, with the menu's texts and the question whether to save.
+void main_disk_image_attach(unsigned drive, const std::string& path);
+void main_disk_image_detach(unsigned drive);
+void main_disk_image_detach_all();
+/// Tokenized BASIC becomes a cassette that CLOAD is typed for; text is typed in.
+void main_load_bas_file(const std::string& path);
+/// Starts or stops the AVI capture. 0 when the file dialog was cancelled or no picture can be made.
+int video_save_to_avi(bool ask, std::string* name);
+/// Asks for the name of a cassette image to save to; 1 when there is one.
+int get_ui_save_tape_filename(std::string* name);

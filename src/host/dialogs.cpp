@@ -1,0 +1,176 @@
+#include "host/dialogs.h"
+
+#include "cgenie/keyboard.h"
+#include "cgenie/video.h"
+#include "platform/host_services.h"
+#include "platform/platform.h"
+#include "z80/z80.h"
+
+#include <cstdio>
+#include <filesystem>
+#include <map>
+#include <system_error>
+
+namespace {
+
+constexpr int DIALOG_TYPES = DIALOG_SAVE_WAV + 1;
+
+const FileFilter ALL = {"All (*.*)", "*.*"};
+const FileFilter ALL_FILES = {"All Files (*.*)", "*.*"};
+
+struct FileDialogText {
+    const char* title;
+    std::vector<FileFilter> filters;
+    const char* extension = nullptr; ///< of a file to save, under the filters without their own
+    bool overwrite_prompt = false;
+};
+
+const std::map<int, FileDialogText>& dialog_types() {
+    static const std::map<int, FileDialogText> types = {
+        {DIALOG_LOAD_CMD, {"Load CMD image", {{"CMD files (*.cmd)", "*.cmd"}, ALL}}},
+        {DIALOG_LOAD_BAS, {"Load BAS file", {{"BAS files (*.bas;*.txt)", "*.bas;*.txt"}, ALL}}},
+        {DIALOG_ATTACH_WAV,
+         {"Attach tape sample file", {{"44.1 kHz, 8 bit mono WAV (*.wav)", "*.wav"}, ALL}}},
+        {DIALOG_ATTACH_CAS,
+         {"Attach CAS file", {{"CAS files (*.cas; *.cgt)", "*.cas;*.cgt"}, ALL}}},
+        {DIALOG_AUTOSTART,
+         {"Autostart emulator image...",
+          {{"EACA Genie files (*.bas,*.cas,*.cmd,*.dsk,*.jzs,*.txt)",
+            "*.bas;*.cas;*.cmd;*.dsk;*.jzs;*.txt"},
+           ALL}}},
+        {DIALOG_ATTACH_DISK,
+         {"Attach disk image...", {{"Disk images (*.cgd,*.dsk;*.img)", "*.cgd;*.dsk;*.img"}, ALL}}},
+        {DIALOG_SELECT_ROM, {"Select ROM image", {{"ROM images (*.rom)", "*.rom"}, ALL}}},
+        {DIALOG_LOAD_SNAPSHOT,
+         {"Load emulator snaphsot file", {{"JZS files (*.jzs)", "*.jzs"}, ALL}}},
+        {DIALOG_CREATE_WAV, {"Save WAV file", {{"WAV files (*.wav)", "*.wav"}, ALL}, "wav"}},
+        {DIALOG_MEMORY_AS_CAS,
+         {"Save memory as CAS file", {{"CAS files (*.cas)", "*.cas"}, ALL_FILES}, "cas", true}},
+        {DIALOG_SCREENSHOT_AS,
+         {"Save screen as...",
+          {{"GIF files (*.gif)", "*.gif"}, {"BMP files (*.bmp)", "*.bmp"}, ALL},
+          "bmp"}},
+        {DIALOG_SAVE_CAS,
+         {"Save CAS tape file under name...",
+          {{"CAS files (*.cas)", "*.cas"}, ALL_FILES},
+          "cas",
+          true}},
+        {DIALOG_SAVE_SNAPSHOT,
+         {"Save emulator snapshot as...",
+          {{"JZS files (*.jzs)", "*.jzs"}, ALL_FILES},
+          "jzs",
+          true}},
+        {DIALOG_SAVE_VIDEO,
+         {"Save video...", {{"AVI files (*.avi)", "*.avi"}, ALL_FILES}, "avi", true}},
+        {DIALOG_SAVE_WAV,
+         {"Save to WAV...", {{"16 bit; mono; 44,100 kHz PCM (*.wav)", "*.wav"}}, "wav", true}},
+    };
+    return types;
+}
+
+std::array<int, DIALOG_TYPES> filter_index = {};
+
+/// What the address panel offers: the BASIC program, and the address of the NMI, which the reset
+/// key raises, to start at.
+constexpr uint32_t BASIC_START_POINTER = 0x40A4;
+constexpr uint32_t BASIC_END_POINTER = 0x40F9;
+constexpr uint16_t START_ADDRESS = 0x0066;
+std::array<std::string, 3> sMyData;
+
+std::string four_digits(uint16_t value) {
+    char text[8];
+    std::snprintf(text, sizeof text, "%04X", unsigned(value));
+    return text;
+}
+
+void fill_address_panel() {
+    sMyData = {four_digits(mem_read_word(BASIC_START_POINTER)),
+               four_digits(mem_read_word(BASIC_END_POINTER)), four_digits(START_ADDRESS)};
+}
+
+std::string default_extension(int type, int filter) {
+    if (type == DIALOG_SCREENSHOT_AS && filter == 0) return "gif";
+    return dialog_types().at(type).extension;
+}
+
+/// A code of the screen as a character: the control codes show what stands 64 codes higher, the
+/// graphics what the host's character set has 32 codes lower.
+uint8_t screen_character(uint8_t code) {
+    constexpr uint8_t LAST_CONTROL_CODE = 31;
+    constexpr uint8_t FIRST_GRAPHICS_CODE = 128;
+    if (code <= LAST_CONTROL_CODE) return uint8_t(code + 64);
+    if (code >= FIRST_GRAPHICS_CODE) return uint8_t(code - 32);
+    return code;
+}
+
+std::string file_url(const std::string& path) {
+    std::string url = "file://";
+    for (const char c : path) {
+        switch (c) { // what would end or change the path
+        case '%': url += "%25"; break;
+        case '#': url += "%23"; break;
+        case '?': url += "%3F"; break;
+        default: url += c;
+        }
+    }
+    return url;
+}
+
+/// The installed manual, or the program's folder when there is none.
+std::string manual_url() {
+    std::error_code error;
+    const std::string program = platform().paths().program_directory();
+    const std::string manual = program + "/" TARVELIN_MANUAL;
+    return file_url(std::filesystem::exists(manual, error) ? manual : program);
+}
+
+} // namespace
+
+int ui_select_file(int type, std::string* path) {
+    const auto found = dialog_types().find(type);
+    if (found == dialog_types().end()) return 0;
+    const FileDialogText& described = found->second;
+    const bool save = described.extension != nullptr;
+    if (type == DIALOG_MEMORY_AS_CAS) fill_address_panel();
+
+    int& filter = filter_index[size_t(type)];
+    const auto choice = platform().dialogs().choose_file(
+        {described.title, described.filters, filter, save, described.overwrite_prompt});
+    if (!choice) return 0;
+    filter = choice->filter_index;
+    *path = choice->path;
+    if (save && path->find('.') == std::string::npos)
+        *path += "." + default_extension(type, filter);
+    StatusBarText("Image attached: %s.", path->c_str());
+    return 1;
+}
+
+void ui_get_casdata(std::array<std::string, 3>* addresses) { *addresses = sMyData; }
+
+void ui_about_dialog() {
+    platform().dialogs().about("About Tarvelin",
+                               {"Tarvelin", "EACA EG2000 Colour Genie emulator",
+                                std::string("Version ") + TARVELIN_VERSION},
+                               "User manual", manual_url());
+}
+
+void ui_copy_to_clipboard() {
+    const uint8_t* code = video_get_screen_ram();
+    std::string text;
+    for (int row = 0; row < video_get_rows(); ++row) {
+        for (int column = 0; column < video_get_columns(); ++column) {
+            text += char(convert_typed_character(screen_character(*code++)));
+        }
+        text += "\r\n";
+    }
+    platform().clipboard().set_text(text);
+}
+
+void ui_machine_config() { StatusBarText("Configuration: not available yet."); }
+
+void ui_display_setup() { StatusBarText("Display settings: not available yet."); }
+
+int ui_tape_adjust_head(int* /*level*/) {
+    StatusBarText("Tape head: not available yet.");
+    return 0;
+}

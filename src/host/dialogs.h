@@ -1,0 +1,37 @@
+#pragma once
+/// Dialogs' logic, the clipboard copy and the drive lamps.
+
+#include <array>
+#include <string>
+
+/// Numbers of the file dialogs. 0 to 7 open a file, 9 to 15 save one.
+enum FileDialogType : int {
+    DIALOG_LOAD_CMD = 0,
+    DIALOG_LOAD_BAS = 1,
+    DIALOG_ATTACH_WAV = 2,
+    DIALOG_ATTACH_CAS = 3,
+    DIALOG_AUTOSTART = 4,
+    DIALOG_ATTACH_DISK = 5,
+    DIALOG_SELECT_ROM = 6,
+    DIALOG_LOAD_SNAPSHOT = 7,
+    DIALOG_CREATE_WAV = 9,
+    DIALOG_MEMORY_AS_CAS = 10,
+    DIALOG_SCREENSHOT_AS = 11,
+    DIALOG_SAVE_CAS = 12,
+    DIALOG_SAVE_SNAPSHOT = 13,
+    DIALOG_SAVE_VIDEO = 14,
+    DIALOG_SAVE_WAV = 15
+};
+
+/// Shows the file dialog of the type. 1 with the chosen path, 0 when cancelled. A path to save to
+/// without a point gets the type's extension.
+int ui_select_file(int type, std::string* path);
+/// From, end and start address of the address panel, as typed.
+void ui_get_casdata(std::array<std::string, 3>* addresses);
+void ui_about_dialog();
+/// The text screen to the host's clipboard, rows ended by CR LF.
+void ui_copy_to_clipboard();
+void ui_machine_config();
+void ui_display_setup();
+/// 1 on OK, with the level.
+int ui_tape_adjust_head(int* level);

@@ -1,0 +1,99 @@
+#include "cgenie/memory.h"
+#include "core/frame_driver.h"
+#include "host/commands.h"
+#include "host/menu.h"
+#include "host/shell.h"
+#include "monitor/monitor.h"
+#include "platform/host_services.h"
+#include "platform/keyboard.h"
+#include "z80/z80.h"
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int LONGEST_RUN = 10001; ///< instructions of one F7
+constexpr const char* DISASSEMBLY = "eaca_disass.txt";
+
+/// The breakpoint must not catch the instruction that stands on it.
+void single_step() {
+    const int32_t armed = z80_state.breakpoint_enabled;
+    z80_state.breakpoint_enabled = 0;
+    z80_run(0);
+    z80_state.breakpoint_enabled = armed;
+    monitor_select_page(0);
+    debug();
+}
+
+void run_until_back() {
+    const uint16_t start = z80_state.pc;
+    for (int count = 0; count < LONGEST_RUN; ++count) {
+        z80_run(0);
+        step_dir(1);
+        if (z80_state.pc == start) return;
+    }
+}
+
+void toggle_breakpoint() {
+    z80_cpu_set_breakpoint(monitor_get_current_pc());
+    monitor_update();
+}
+
+void dump_disassembly() {
+    std::error_code error;
+    fulldisasm(DISASSEMBLY);
+    if (!fs::exists(DISASSEMBLY, error)) {
+        return StatusBarText("%s: cannot be written", DISASSEMBLY);
+    }
+    StatusBarText("Disassembly dump to: %s", fs::current_path(error).c_str());
+}
+
+void pause_or_next_frame() {
+    if (g_bPaused) return do_some_frames(1);
+    handle_command(COMMAND_PAUSE);
+}
+
+void toggle_monitor() { handle_command(COMMAND_MONITOR); }
+void save_screenshot() { handle_command(COMMAND_SCREENSHOT); }
+
+struct KeyEntry {
+    uint8_t key;
+    void (*in_monitor)();
+    void (*elsewhere)(); ///< null: the key is the machine's
+};
+
+constexpr auto keys = std::to_array<KeyEntry>({
+    {KEY_RETURN, single_step, nullptr},
+    {KEY_ESCAPE, toggle_monitor, toggle_monitor},
+    {KEY_PAGE_UP, [] { step_dir_page(-1); }, nullptr},
+    {KEY_PAGE_DOWN, [] { step_dir_page(1); }, pause_or_next_frame},
+    {KEY_UP, [] { step_dir(-1); }, nullptr},
+    {KEY_DOWN, [] { step_dir(1); }, nullptr},
+    {KEY_F1, [] { monitor_select_page(0); }, nullptr},
+    {KEY_F2, [] { monitor_select_page(1); }, nullptr},
+    {KEY_F4, toggle_breakpoint, [] { handle_command(COMMAND_VIDEO_PAGE); }},
+    {KEY_F6, save_screenshot, save_screenshot},
+    {KEY_F7, run_until_back, nullptr},
+    {KEY_F8, mem_dump, nullptr},
+    {KEY_F9, dump_disassembly, dump_disassembly},
+});
+
+/// Alt with a key is the window system's and the menu's; with Control it is AltGr.
+bool belongs_to_menus(uint8_t modifiers) {
+    return (modifiers & MODIFIER_ALT) && !(modifiers & MODIFIER_CONTROL);
+}
+
+} // namespace
+
+void handle_key(const Event& event) {
+    if (belongs_to_menus(event.modifiers)) return;
+    const auto* entry =
+        std::ranges::find_if(keys, [&](const KeyEntry& row) { return row.key == event.value; });
+    if (entry == keys.end()) return;
+    const auto act = g_bDebug ? entry->in_monitor : entry->elsewhere;
+    if (act) act();
+}

@@ -1,0 +1,76 @@
+#pragma once
+/// The menu and the accelerators of the main window: labels, command ids, check marks, key hints.
+
+#include "platform/events.h"
+#include "platform/window.h"
+
+#include <span>
+#include <string>
+#include <vector>
+
+/// Command ids, as menu, accelerators and handler share them.
+enum Command : int {
+    COMMAND_EXIT = 102,
+    COMMAND_ABOUT = 103,
+    COMMAND_PAUSE = 104,
+    COMMAND_RESET = 105,
+    COMMAND_50HZ_TIMER = 106,
+    COMMAND_MONITOR = 108,
+    COMMAND_RESTART = 109,
+    COMMAND_LOAD_CMD = 110,
+    COMMAND_LOAD_BAS = 111,
+    COMMAND_SCREENSHOT = 112,
+    COMMAND_SOUND = 118,
+    COMMAND_CREATE_WAV = 120,
+    COMMAND_CLOSE_WAV = 121,
+    COMMAND_PLAY_RECORD = 122,
+    COMMAND_ATTACH_CAS = 123,
+    COMMAND_DETACH_CAS = 124,
+    COMMAND_REWIND = 125,
+    COMMAND_SCREENSHOT_AS = 126,
+    COMMAND_MEMORY_AS_CAS = 127,
+    COMMAND_VIDEO_CUT = 128,
+    COMMAND_VIDEO_PAGE = 129,
+    COMMAND_LOAD_SNAPSHOT = 131,
+    COMMAND_SAVE_SNAPSHOT = 132,
+    COMMAND_DOUBLE_SCAN = 134,
+    COMMAND_AUTOSTART = 135,
+    COMMAND_CONFIGURATION = 141,
+    COMMAND_COPY = 145,
+    COMMAND_PLACE_TRAPS = 146,
+    COMMAND_FULL_SCREEN = 40007,
+    COMMAND_ATTACH_DISK = 40018, ///< + drive 0 to 3
+    COMMAND_DETACH_DISK = 40022, ///< + drive 0 to 3
+    COMMAND_DETACH_ALL = 40033,
+    COMMAND_ATTACH_WAV = 40034,
+    COMMAND_PASTE = 40040,
+    COMMAND_LOWE_OFF = 40045,
+    COMMAND_LOWE_ON = 40046,
+    COMMAND_1BIT_DISPLAY = 40050,
+    COMMAND_TV_BLUR = 40052,
+    COMMAND_SAVE_VIDEO = 40054,
+    COMMAND_SYMBOLIC_KEYS = 40057,
+    COMMAND_GIANT_SCREEN = 40058,
+    COMMAND_DISPLAY_SETTINGS = 40059,
+    COMMAND_PRINTER = 40060,
+    COMMAND_SAVE_WAV = 40120,
+    COMMAND_ADJUST_HEAD = 40121,
+    COMMAND_BACKGROUND = 40122,
+    COMMAND_SAVE_VIDEO_RAM = 40123
+};
+
+/// The menu as the program starts with it.
+std::vector<MenuEntry> main_menu();
+/// Gives the window its menu and claims the accelerators' keys.
+void create_menu();
+
+/// Check marks are kept here; ids that the menu does not hold keep one all the same.
+void check_menu_item(int id, bool checked);
+bool is_menu_item_checked(int id);
+void modify_menu_text(int id, const std::string& text);
+/// The item's present text; empty for an id that the menu does not hold.
+std::string menu_item_text(int id);
+
+/// The command of an accelerator, or 0.
+int accelerator_command(int key, uint8_t modifiers);
+std::span<const KeyChord> accelerator_keys();

@@ -1,0 +1,18 @@
+#pragma once
+/// The settings store, as the program uses it. A number that is missing when it is read is created
+/// with the caller's value, so that the store fills itself with the defaults on the first run.
+
+#include <cstdint>
+#include <string>
+
+/// Opens the store; 0 when it cannot be had, and the defaults stay in place.
+int prefs_init();
+void prefs_done();
+/// 1 when the value existed; else `value` stays and is stored as the default.
+int GetValueDword(const char* name, uint32_t* value);
+int SetValueDword(const char* name, const uint32_t* value);
+/// 1 when the value was read; a missing one changes nothing and creates nothing. Texts of more
+/// than 276 bytes are not read. Works while the store is closed, too.
+int GetValueStr(const char* name, std::string* value);
+/// No text at all (null) stores a text of one zero byte and returns 0.
+int SetValueStr(const char* name, const char* text);

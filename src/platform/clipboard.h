@@ -1,0 +1,12 @@
+#pragma once
+#include <optional>
+#include <string>
+
+/// The host's clipboard, as text in the machine's bytes.
+struct Clipboard {
+    virtual ~Clipboard() = default;
+    /// Nothing when it holds no text.
+    virtual std::optional<std::string> text() = 0;
+    /// False when the clipboard cannot be had.
+    virtual bool set_text(const std::string& text) = 0;
+};

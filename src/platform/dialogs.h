@@ -1,0 +1,37 @@
+#pragma once
+#include <optional>
+#include <string>
+#include <vector>
+
+struct FileFilter {
+    std::string text;    ///< shown
+    std::string pattern; ///< "*.a;*.b"
+};
+
+struct FileDialog {
+    std::string title;
+    std::vector<FileFilter> filters;
+    int filter_index = 0; ///< chosen when the dialog opens
+    bool save = false;
+    bool overwrite_prompt = false; ///< of a save dialog
+};
+
+struct FileChoice {
+    std::string path;
+    int filter_index = 0;
+};
+
+enum class MessageIcon : unsigned char { none, information, warning, error };
+
+/// Modal dialogs of the main window.
+struct Dialogs {
+    virtual ~Dialogs() = default;
+    virtual void message(const std::string& title, const std::string& text, MessageIcon icon) = 0;
+    /// A Yes/No question; true is Yes.
+    virtual bool question(const std::string& title, const std::string& text) = 0;
+    /// Nothing when cancelled.
+    virtual std::optional<FileChoice> choose_file(const FileDialog& dialog) = 0;
+    /// The program's own box: its picture, lines of text, a link line that opens `target`, OK.
+    virtual void about(const std::string& title, const std::vector<std::string>& lines,
+                       const std::string& link, const std::string& target) = 0;
+};

@@ -1,0 +1,42 @@
+#include "platform/headless/headless_dialogs.h"
+
+#include <cstdio>
+#include <utility>
+
+namespace {
+
+/// Takes the next answer, or gives `otherwise` when none is left.
+template <typename Answer>
+Answer next_answer(std::deque<Answer>& answers, Answer otherwise) {
+    if (answers.empty()) return otherwise;
+    Answer answer = std::move(answers.front());
+    answers.pop_front();
+    return answer;
+}
+
+} // namespace
+
+void HeadlessDialogs::message(const std::string& title, const std::string& text, MessageIcon icon) {
+    messages.push_back({title, text, icon});
+    if (print_messages_) std::fprintf(stderr, "tarvelin: %s: %s\n", title.c_str(), text.c_str());
+}
+
+bool HeadlessDialogs::question(const std::string& title, const std::string& text) {
+    questions.push_back({title, text, MessageIcon::none});
+    return next_answer(answers, false);
+}
+
+std::optional<FileChoice> HeadlessDialogs::choose_file(const FileDialog& dialog) {
+    file_dialogs.push_back(dialog);
+    return next_answer<std::optional<FileChoice>>(choices, {});
+}
+
+void HeadlessDialogs::about(const std::string& title, const std::vector<std::string>& lines,
+                            const std::string& link, const std::string& target) {
+    abouts.push_back({title, lines, link, target});
+}
+
+bool HeadlessClipboard::set_text(const std::string& text) {
+    if (available) content = text;
+    return available;
+}

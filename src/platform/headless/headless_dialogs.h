@@ -1,0 +1,54 @@
+#pragma once
+/// Dialogs and clipboard without a screen: what was asked is recorded, what is answered is set by
+/// the driver.
+
+#include "platform/clipboard.h"
+#include "platform/dialogs.h"
+
+#include <deque>
+#include <optional>
+#include <string>
+#include <vector>
+
+struct HeadlessMessage {
+    std::string title;
+    std::string text;
+    MessageIcon icon = MessageIcon::none; ///< of a message
+};
+
+struct HeadlessAbout {
+    std::string title;
+    std::vector<std::string> lines;
+    std::string link;
+    std::string target;
+};
+
+struct HeadlessDialogs final : public Dialogs {
+    explicit HeadlessDialogs(bool print_messages) : print_messages_(print_messages) {}
+
+    void message(const std::string& title, const std::string& text, MessageIcon icon) override;
+    bool question(const std::string& title, const std::string& text) override;
+    std::optional<FileChoice> choose_file(const FileDialog& dialog) override;
+    void about(const std::string& title, const std::vector<std::string>& lines,
+               const std::string& link, const std::string& target) override;
+
+    /// Answers, the next one in front. Without one a question is answered No and a file dialog is
+    /// cancelled.
+    std::deque<bool> answers;
+    std::deque<std::optional<FileChoice>> choices;
+
+    std::vector<HeadlessMessage> messages, questions;
+    std::vector<FileDialog> file_dialogs;
+    std::vector<HeadlessAbout> abouts;
+
+private:
+    bool print_messages_;
+};
+
+struct HeadlessClipboard final : public Clipboard {
+    std::optional<std::string> text() override { return available ? content : std::nullopt; }
+    bool set_text(const std::string& text) override;
+
+    std::optional<std::string> content;
+    bool available = true; ///< off: it cannot be had
+};

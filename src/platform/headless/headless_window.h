@@ -1,0 +1,134 @@
+#pragma once
+/// What would be seen: the main window, what is drawn into it, its status bar, and the whole
+/// screen. Nothing here sends messages of its own; its driver does.
+
+#include "platform/drawing.h"
+#include "platform/status_bar.h"
+#include "platform/surface.h"
+#include "platform/window.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+/// Pixels that the frame adds around the client area.
+constexpr int HEADLESS_FRAME = 4;
+constexpr int HEADLESS_CAPTION = 20;
+constexpr int HEADLESS_MENU = 20;
+constexpr int HEADLESS_STATUS_BAR = 23;
+constexpr Colour HEADLESS_SHADOW = 0x808080;
+constexpr Colour HEADLESS_HIGHLIGHT = 0xFFFFFF;
+
+struct HeadlessWindow final : public Window {
+    explicit HeadlessWindow(Size screen_pixels) : screen(screen_pixels) {}
+
+    bool create(const std::string& title) override;
+    void show() override { shown = exists; }
+    void destroy() override;
+    void set_title(const std::string& title) override { caption = title; }
+    std::string title() override { return caption; }
+    Size outer_size(Size client) override;
+    Rectangle outer_rectangle() override { return outer; }
+    Size client_size() override;
+    Rectangle client_on_screen() override;
+    Size screen_size() override { return screen; }
+    void move(const Rectangle& rectangle) override;
+    void set_fixed_size(Size size) override;
+    void invalidate() override { ++invalidations; }
+    void set_full_screen(bool on) override;
+    void show_cursor(bool on) override { cursor_shown = on; }
+    void set_menu(const std::vector<MenuEntry>& menus) override { menu = menus; }
+    void check_item(int id, bool checked) override;
+    void set_item_text(int id, const std::string& text) override;
+    void claim_keys(std::span<const KeyChord> chords) override {
+        claimed.assign(chords.begin(), chords.end());
+    }
+
+    /// The menu's own state; false and empty for an id that it does not hold.
+    bool checked(int id) const;
+    std::string item_text(int id) const;
+
+    bool creation_fails = false; ///< set by the driver
+    bool exists = false, shown = false, destroyed = false;
+    std::string caption;
+    Size screen;
+    Rectangle outer{100, 100, 748, 644};
+    Rectangle windowed; ///< outer, while full screen
+    Size fixed;         ///< zero: sizable
+    bool full_screen = false, cursor_shown = true;
+    int invalidations = 0;
+    std::vector<MenuEntry> menu;
+    std::vector<KeyChord> claimed;
+};
+
+/// A picture that was presented, without its pixels.
+struct HeadlessCopy {
+    Size size;
+    int bits = 0;
+    int x = 0, y = 0;
+};
+
+struct HeadlessFill {
+    Rectangle area;
+    Colour colour = 0;
+    bool operator==(const HeadlessFill&) const = default;
+};
+
+struct HeadlessDrawing final : public Drawing {
+    HeadlessDrawing(HeadlessWindow& window, bool keep_pictures)
+        : window_(window), keep_pictures_(keep_pictures) {}
+
+    void copy_bitmap(const BitmapView& picture, int x, int y) override;
+    void fill_rectangle(const Rectangle& area, Colour colour) override;
+
+    /// What the client area shows, where pictures are kept; black where nothing was drawn.
+    Colour pixel(int x, int y) const;
+
+    int copies = 0, fills = 0;
+    HeadlessCopy last_copy;
+    HeadlessFill last_fill;
+
+private:
+    void set_pixel(int x, int y, Colour colour);
+    void fit_to_window();
+
+    HeadlessWindow& window_;
+    bool keep_pictures_;
+    Size size_;
+    std::vector<Colour> pixels_;
+};
+
+struct HeadlessStatusBar final : public StatusBar {
+    bool create(std::span<const int> right_edges, int drawn_part) override;
+    void destroy() override { present = false; }
+    bool exists() override { return present; }
+    int height() override { return present ? HEADLESS_STATUS_BAR : 0; }
+    void set_text(int part, const std::string& text) override;
+    void set_tip(int part, const std::string& text) override;
+    void fill_rectangle(const Rectangle& area, Colour colour) override;
+    Colour shadow_colour() override { return HEADLESS_SHADOW; }
+    Colour highlight_colour() override { return HEADLESS_HIGHLIGHT; }
+    void redraw() override { ++redraws; }
+
+    bool creation_fails = false; ///< set by the driver
+    bool present = false;
+    int drawn = -1;
+    int redraws = 0;
+    std::vector<int> edges;
+    std::vector<std::string> texts, tips; ///< by part; those of the last bar stay readable
+    std::vector<HeadlessFill> fills;      ///< until cleared, the first thousand
+};
+
+struct HeadlessSurface final : public Surface {
+    std::string create(Size size) override;
+    bool exists() override { return present_now; }
+    void release() override { present_now = false; }
+    void present(const BitmapView& picture, const Rectangle& target, bool clear) override;
+
+    std::string failure; ///< set by the driver: what creation answers
+    bool present_now = false;
+    Size size;
+    int presents = 0, clears = 0;
+    HeadlessCopy last_picture;
+    Rectangle last_target;
+};

@@ -1,0 +1,82 @@
+#include "platform/qt/qt_canvas.h"
+
+#include "platform/qt/qt_pixels.h"
+
+#include <QPaintEvent>
+#include <QPainter>
+
+#include <cmath>
+#include <utility>
+
+namespace {
+
+bool is_whole(double factor) { return std::abs(factor - std::round(factor)) < 1e-6; }
+
+/// Pixels that become equal blocks of device pixels stay sharp; all others are interpolated.
+bool keeps_pixels_equal(QSize picture, QSize target, double device_pixels) {
+    return is_whole(target.width() * device_pixels / picture.width()) &&
+           is_whole(target.height() * device_pixels / picture.height());
+}
+
+} // namespace
+
+QtCanvas::QtCanvas(QtEvents& events) : events_(events) {
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setFocusPolicy(Qt::StrongFocus);
+}
+
+void QtCanvas::copy_bitmap(const BitmapView& picture, int x, int y) {
+    copy_bitmap_to(drawing_, picture, x, y);
+    drawn({x, y, picture.width, picture.height});
+}
+
+void QtCanvas::fill(const Rectangle& area, Colour colour) {
+    fill_area(drawing_, area, colour);
+    drawn({area.left, area.top, area.width(), area.height()});
+}
+
+void QtCanvas::drawn(const QRect& area) {
+    // One step of interpolation reaches into the neighbouring pixels.
+    if (std::exchange(stretched_, nullptr)) {
+        update();
+    } else {
+        update(area.adjusted(-1, -1, 1, 1));
+    }
+}
+
+void QtCanvas::stretch(const QImage& picture, const QRect& target) {
+    const bool same_place = stretched_ && target_ == target;
+    stretched_ = &picture;
+    target_ = target;
+    update(same_place ? target : rect());
+}
+
+void QtCanvas::end_stretch() {
+    if (std::exchange(stretched_, nullptr)) update();
+}
+
+void QtCanvas::paintEvent(QPaintEvent* event) {
+    if (stretched_) {
+        paint_stretched(event->rect());
+        return;
+    }
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, !is_whole(devicePixelRatioF()));
+    painter.drawImage(0, 0, drawing_);
+}
+
+void QtCanvas::paint_stretched(const QRect& dirty) {
+    QPainter painter(this);
+    for (const QRect& border : QRegion(dirty).subtracted(target_)) {
+        painter.fillRect(border, Qt::black);
+    }
+    painter.setRenderHint(
+        QPainter::SmoothPixmapTransform,
+        !keeps_pixels_equal(stretched_->size(), target_.size(), devicePixelRatioF()));
+    painter.drawImage(target_, *stretched_);
+}
+
+void QtCanvas::resizeEvent(QResizeEvent*) {
+    drawing_ = plain_picture(size(), Qt::black);
+    events_.post_once(Event::Kind::paint);
+}

@@ -1,0 +1,32 @@
+#pragma once
+#include "platform/geometry.h"
+#include "platform/qt/qt_events.h"
+
+#include <QImage>
+#include <QWidget>
+
+/// The client area. Shows either what was drawn into it, kept in a picture of one pixel per logical
+/// pixel, or another picture stretched over it: whatever was asked for last.
+class QtCanvas final : public QWidget {
+public:
+    explicit QtCanvas(QtEvents& events);
+
+    void copy_bitmap(const BitmapView& picture, int x, int y);
+    void fill(const Rectangle& area, Colour colour);
+    /// Shows `picture` in `target`, black around it. It must stay until the next drawing.
+    void stretch(const QImage& picture, const QRect& target);
+    void end_stretch();
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void drawn(const QRect& area);
+    void paint_stretched(const QRect& dirty);
+
+    QtEvents& events_;
+    QImage drawing_;
+    const QImage* stretched_ = nullptr;
+    QRect target_;
+};

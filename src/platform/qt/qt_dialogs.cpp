@@ -1,0 +1,111 @@
+#include "platform/qt/qt_dialogs.h"
+
+#include "platform/qt/qt_text.h"
+
+#include <QDesktopServices>
+#include <QDialogButtonBox>
+#include <QFileDialog>
+#include <QLabel>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QUrl>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int PICTURE_SIZE = 96; ///< of the box about the program
+
+QMessageBox::Icon icon_of(MessageIcon icon) {
+    switch (icon) {
+    case MessageIcon::none: return QMessageBox::NoIcon;
+    case MessageIcon::information: return QMessageBox::Information;
+    case MessageIcon::warning: return QMessageBox::Warning;
+    case MessageIcon::error: return QMessageBox::Critical;
+    }
+    return QMessageBox::NoIcon;
+}
+
+/// Lines may end with CR.
+QString message_text(const std::string& text) {
+    return to_qt(text).replace("\r\n", "\n").replace('\r', '\n');
+}
+
+/// "Name (*.a *.b)". Here every name matches "*", with a point in it or not.
+QString name_filter(const FileFilter& filter) {
+    QString pattern = to_qt(filter.pattern).replace(';', ' ');
+    if (pattern == "*.*") pattern = "*";
+    const QString text = to_qt(filter.text);
+    return text.left(text.lastIndexOf('(')).trimmed() + " (" + pattern + ")";
+}
+
+QStringList name_filters(const FileDialog& dialog) {
+    QStringList filters;
+    for (const FileFilter& filter : dialog.filters) filters += name_filter(filter);
+    return filters;
+}
+
+} // namespace
+
+void QtDialogs::message(const std::string& title, const std::string& text, MessageIcon icon) {
+    QMessageBox box(icon_of(icon), to_qt(title), message_text(text), QMessageBox::Ok,
+                    window_.owner());
+    box.setTextFormat(Qt::PlainText);
+    box.exec();
+}
+
+bool QtDialogs::question(const std::string& title, const std::string& text) {
+    QMessageBox box(QMessageBox::Question, to_qt(title), message_text(text),
+                    QMessageBox::Yes | QMessageBox::No, window_.owner());
+    box.setTextFormat(Qt::PlainText);
+    box.setDefaultButton(QMessageBox::Yes);
+    box.setEscapeButton(QMessageBox::No);
+    return box.exec() == QMessageBox::Yes;
+}
+
+std::optional<FileChoice> QtDialogs::choose_file(const FileDialog& dialog) {
+    QFileDialog box(window_.owner(), to_qt(dialog.title));
+    box.setAcceptMode(dialog.save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+    box.setFileMode(dialog.save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
+    box.setOption(QFileDialog::DontConfirmOverwrite, !dialog.overwrite_prompt);
+    const QStringList filters = name_filters(dialog);
+    box.setNameFilters(filters);
+    if (dialog.filter_index >= 0 && dialog.filter_index < filters.size()) {
+        box.selectNameFilter(filters[dialog.filter_index]);
+    }
+    if (box.exec() != QDialog::Accepted || box.selectedFiles().isEmpty()) return std::nullopt;
+    return FileChoice{path_from_qt(box.selectedFiles().first()),
+                      std::max(0, int(filters.indexOf(box.selectedNameFilter())))};
+}
+
+void QtDialogs::about(const std::string& title, const std::vector<std::string>& lines,
+                      const std::string& link, const std::string& target) {
+    QDialog box(window_.owner());
+    box.setWindowTitle(to_qt(title));
+    QLabel picture;
+    picture.setPixmap(box.windowIcon().pixmap(PICTURE_SIZE));
+    picture.setAlignment(Qt::AlignCenter);
+    QStringList text;
+    for (const std::string& line : lines) text += to_qt(line);
+    QLabel words(text.join('\n'));
+    words.setTextFormat(Qt::PlainText);
+    words.setAlignment(Qt::AlignCenter);
+    QLabel page("<a href=\"" + to_qt(target).toHtmlEscaped() + "\">" + to_qt(link).toHtmlEscaped() +
+                "</a>");
+    page.setAlignment(Qt::AlignCenter);
+    page.setTextInteractionFlags(Qt::TextBrowserInteraction);
+    QObject::connect(&page, &QLabel::linkActivated,
+                     [](const QString& url) { QDesktopServices::openUrl(QUrl(url)); });
+    QDialogButtonBox buttons(QDialogButtonBox::Ok);
+    QObject::connect(&buttons, &QDialogButtonBox::accepted, &box, &QDialog::accept);
+
+    QVBoxLayout layout;
+    for (QWidget* row : std::initializer_list<QWidget*>{&picture, &words, &page, &buttons}) {
+        layout.addWidget(row);
+    }
+    layout.setSizeConstraint(QLayout::SetFixedSize);
+    box.setLayout(&layout);
+    buttons.button(QDialogButtonBox::Ok)->setFocus();
+    box.exec();
+}

@@ -1,0 +1,16 @@
+#pragma once
+#include "platform/dialogs.h"
+#include "platform/qt/qt_window.h"
+
+class QtDialogs final : public Dialogs {
+public:
+    explicit QtDialogs(QtWindow& window) : window_(window) {}
+    void message(const std::string& title, const std::string& text, MessageIcon icon) override;
+    bool question(const std::string& title, const std::string& text) override;
+    std::optional<FileChoice> choose_file(const FileDialog& dialog) override;
+    void about(const std::string& title, const std::vector<std::string>& lines,
+               const std::string& link, const std::string& target) override;
+
+private:
+    QtWindow& window_;
+};

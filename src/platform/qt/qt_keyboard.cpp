@@ -1,0 +1,184 @@
+#include "platform/qt/qt_keyboard.h"
+
+#include "platform/events.h"
+
+#include <QGuiApplication>
+#include <QKeyEvent>
+
+#include <algorithm>
+#include <utility>
+
+namespace {
+
+struct NamedKey {
+    int qt_key;
+    uint8_t key;
+};
+
+constexpr NamedKey NAMED_KEYS[] = {
+    {Qt::Key_Backspace, KEY_BACKSPACE}, {Qt::Key_Tab, KEY_TAB},       {Qt::Key_Backtab, KEY_TAB},
+    {Qt::Key_Return, KEY_RETURN},       {Qt::Key_Enter, KEY_RETURN},  {Qt::Key_Shift, KEY_SHIFT},
+    {Qt::Key_Control, KEY_CONTROL},     {Qt::Key_Alt, KEY_ALT},       {Qt::Key_AltGr, KEY_ALT_GR},
+    {Qt::Key_Pause, KEY_PAUSE},         {Qt::Key_Escape, KEY_ESCAPE}, {Qt::Key_PageUp, KEY_PAGE_UP},
+    {Qt::Key_PageDown, KEY_PAGE_DOWN},  {Qt::Key_End, KEY_END},       {Qt::Key_Home, KEY_HOME},
+    {Qt::Key_Left, KEY_LEFT},           {Qt::Key_Up, KEY_UP},         {Qt::Key_Right, KEY_RIGHT},
+    {Qt::Key_Down, KEY_DOWN},           {Qt::Key_Insert, KEY_INSERT}, {Qt::Key_Delete, KEY_DELETE}};
+
+constexpr bool is_printable(int code) { return code >= 0x20 && code <= 0x7E; }
+constexpr bool is_capital(int code) { return code >= 'A' && code <= 'Z'; }
+constexpr bool is_small(int code) { return code >= 'a' && code <= 'z'; }
+
+/// For the platforms that deliver no scan codes.
+uint8_t key_by_meaning(const QKeyEvent& event, const XkbLayout& layout) {
+    const int code = event.key();
+    if (event.modifiers().testFlag(Qt::KeypadModifier) && code >= Qt::Key_0 && code <= Qt::Key_9)
+        return uint8_t(KEY_NUMPAD0 + (code - Qt::Key_0));
+    if (is_capital(code)) return uint8_t(code);
+    if (is_printable(code)) {
+        const auto key = layout.key_for(char(code));
+        return key ? key->key : uint8_t(KEY_NONE);
+    }
+    if (code >= Qt::Key_F1 && code <= Qt::Key_F12) return uint8_t(KEY_F1 + (code - Qt::Key_F1));
+    for (const NamedKey& named : NAMED_KEYS)
+        if (named.qt_key == code) return named.key;
+    return KEY_NONE;
+}
+
+/// Which physical key it is, or the best guess at it.
+uint64_t source_of(const QKeyEvent& event) {
+    constexpr uint64_t BY_MEANING = uint64_t(1) << 32;
+    const uint32_t scan = event.nativeScanCode();
+    return scan != 0 ? scan : BY_MEANING | uint32_t(event.key());
+}
+
+} // namespace
+
+QtKeyboard::QtKeyboard() {
+    if (QGuiApplication::platformName() == "xcb") {
+        server_ = XkbServer::connect();
+        if (const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>())
+            XkbServer::repeat_presses_only(x11->connection());
+    }
+    layout_ = server_ ? server_->layout() : XkbLayout::from_names(nullptr, nullptr);
+}
+
+bool QtKeyboard::is_down(uint8_t key) {
+    const bool alt_gr_too = key == KEY_CONTROL || key == KEY_ALT;
+    return std::any_of(pressed_.begin(), pressed_.end(), [=](const Pressed& pressed) {
+        return pressed.key == key || (alt_gr_too && pressed.key == KEY_ALT_GR);
+    });
+}
+
+std::optional<KeyForCharacter> QtKeyboard::key_for(char character) {
+    return layout_.key_for(character);
+}
+
+void QtKeyboard::release_all() { pressed_.clear(); }
+
+bool QtKeyboard::refresh() {
+    update_layout();
+    return std::exchange(changed_, false);
+}
+
+void QtKeyboard::update_layout() {
+    if (!server_ || !server_->poll()) return;
+    const XkbLayout layout = server_->layout();
+    // Another keyboard of the same layout gives notice too.
+    if (layout == layout_) return;
+    layout_ = layout;
+    changed_ = true;
+}
+
+uint8_t QtKeyboard::virtual_key(const QKeyEvent& event) const {
+    const uint8_t key = key_of(event);
+    return key == KEY_ALT_GR ? uint8_t(KEY_ALT) : key;
+}
+
+uint8_t QtKeyboard::key_of(const QKeyEvent& event) const {
+    const uint32_t scan = event.nativeScanCode();
+    return scan != 0 ? layout_.virtual_key(scan) : key_by_meaning(event, layout_);
+}
+
+bool QtKeyboard::is_repeat(const QKeyEvent& event) const {
+    const uint64_t source = source_of(event);
+    return event.isAutoRepeat() ||
+           std::any_of(pressed_.begin(), pressed_.end(),
+                       [=](const Pressed& pressed) { return pressed.source == source; });
+}
+
+void QtKeyboard::key_event(const QKeyEvent& event, bool down) {
+    if (down ? is_repeat(event) : event.isAutoRepeat()) return;
+    if (down)
+        press(event);
+    else
+        release(event);
+}
+
+void QtKeyboard::press(const QKeyEvent& event) {
+    update_layout();
+    if (!server_ && event.nativeScanCode() != 0) learn(event);
+    const uint8_t key = key_of(event);
+    if (key == KEY_NONE) return;
+    pressed_.push_back({source_of(event), key});
+}
+
+/// A key goes up as what it went down as, even if the layout has changed since.
+void QtKeyboard::release(const QKeyEvent& event) {
+    const uint64_t source = source_of(event);
+    auto found = std::find_if(pressed_.begin(), pressed_.end(),
+                              [=](const Pressed& pressed) { return pressed.source == source; });
+    if (found == pressed_.end() && event.nativeScanCode() == 0) {
+        // Without scan codes, "!" goes up as "1" when Shift went up before it.
+        const uint8_t key = key_of(event);
+        found = std::find_if(pressed_.begin(), pressed_.end(),
+                             [=](const Pressed& pressed) { return pressed.key == key; });
+    }
+    if (found != pressed_.end()) pressed_.erase(found);
+}
+
+uint8_t QtKeyboard::modifiers() const {
+    uint8_t bits = 0;
+    for (const Pressed& pressed : pressed_) {
+        if (pressed.key == KEY_SHIFT) bits |= MODIFIER_SHIFT;
+        if (pressed.key == KEY_CONTROL) bits |= MODIFIER_CONTROL;
+        if (pressed.key == KEY_ALT) bits |= MODIFIER_ALT;
+        if (pressed.key == KEY_ALT_GR) bits |= MODIFIER_CONTROL | MODIFIER_ALT;
+    }
+    return bits;
+}
+
+void QtKeyboard::learn(const QKeyEvent& event) {
+    const uint32_t scan = event.nativeScanCode();
+    const int code = event.key();
+    if (code == Qt::Key_AltGr) learn_key(scan, KEY_ALT_GR);
+    const uint8_t held = modifiers();
+    if ((held & (MODIFIER_CONTROL | MODIFIER_ALT)) == 0 && is_capital(code))
+        learn_key(scan, uint8_t(code));
+    const QString text = event.text();
+    if (text.size() != 1 || event.modifiers().testFlag(Qt::KeypadModifier)) return;
+    const int character = text.front().unicode();
+    if (is_printable(character)) learn_character(char(character), layout_.virtual_key(scan));
+}
+
+/// The key that had the letter before gets what this one had.
+void QtKeyboard::learn_key(uint32_t keycode, uint8_t key) {
+    if (keycode >= layout_.keys.size() || layout_.keys[keycode] == key) return;
+    const auto before = std::find(layout_.keys.begin(), layout_.keys.end(), key);
+    if (before != layout_.keys.end()) *before = layout_.keys[keycode];
+    layout_.keys[keycode] = key;
+    changed_ = true;
+}
+
+void QtKeyboard::learn_character(char character, uint8_t key) {
+    const uint8_t held = modifiers();
+    const uint8_t chord = held & (MODIFIER_CONTROL | MODIFIER_ALT);
+    if (key == KEY_NONE || chord == MODIFIER_CONTROL || chord == MODIFIER_ALT) return;
+    KeyForCharacter found{key, held};
+    // Caps Lock may have made the letter what it is.
+    if (is_capital(character)) found.modifiers = MODIFIER_SHIFT;
+    if (is_small(character)) found.modifiers = 0;
+    auto& known = layout_.characters[size_t(character - 0x20)];
+    if (known == found) return;
+    known = found;
+    changed_ = true;
+}

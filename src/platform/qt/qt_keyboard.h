@@ -1,0 +1,52 @@
+#pragma once
+/// The keyboard of a Qt program. Keys are told apart by scan code, which xcb and wayland deliver as
+/// an X keycode. On X the layout is the server's. Elsewhere nobody tells it: there it starts with
+/// the one that the environment names, and is corrected by what the keys are seen to type.
+
+#include "platform/qt/xkb_layout.h"
+#include "platform/qt/xkb_server.h"
+
+#include <vector>
+
+class QKeyEvent;
+
+class QtKeyboard final : public HostKeyboard {
+public:
+    /// The program's QGuiApplication must exist.
+    QtKeyboard();
+
+    bool is_down(uint8_t key) override;
+    std::optional<KeyForCharacter> key_for(char character) override;
+    void release_all() override;
+
+    /// Is the press one of a key that is held already? To be asked before key_event. On X, Qt's
+    /// own mark is missing on most repeats.
+    bool is_repeat(const QKeyEvent& event) const;
+    /// Takes a press or a release of any window of the program; repeats are ignored.
+    void key_event(const QKeyEvent& event, bool down);
+    /// HostKey of the event's key, KEY_NONE for one that has none. AltGr is KEY_ALT.
+    uint8_t virtual_key(const QKeyEvent& event) const;
+    /// True when the layout has become another one since the last call. Costs next to nothing
+    /// while the keyboard map stands still.
+    bool refresh();
+
+private:
+    struct Pressed {
+        uint64_t source; ///< which physical key
+        uint8_t key;     ///< what it was when it went down
+    };
+
+    uint8_t key_of(const QKeyEvent& event) const;
+    uint8_t modifiers() const;
+    void update_layout();
+    void press(const QKeyEvent& event);
+    void release(const QKeyEvent& event);
+    void learn(const QKeyEvent& event);
+    void learn_key(uint32_t keycode, uint8_t key);
+    void learn_character(char character, uint8_t key);
+
+    std::unique_ptr<XkbServer> server_;
+    XkbLayout layout_;
+    bool changed_ = false;
+    std::vector<Pressed> pressed_;
+};

@@ -1,0 +1,54 @@
+#include "platform/qt/qt_menu.h"
+
+#include "platform/qt/qt_text.h"
+
+#include <QMenu>
+
+QtMenu::QtMenu(QMenuBar& bar, QtEvents& events) : bar_(bar), events_(events) {
+    bar_.setNativeMenuBar(false);
+}
+
+void QtMenu::set(const std::vector<MenuEntry>& menus) {
+    items_.clear();
+    bar_.clear();
+    for (const MenuEntry& menu : menus) {
+        QMenu& pulldown = *bar_.addMenu(to_qt(menu.text));
+        for (const MenuEntry& entry : menu.children) add(pulldown, entry);
+    }
+}
+
+void QtMenu::add(QMenu& menu, const MenuEntry& entry) {
+    if (entry.text.empty()) {
+        menu.addSeparator();
+        return;
+    }
+    if (!entry.children.empty()) {
+        QMenu& submenu = *menu.addMenu(to_qt(entry.text));
+        for (const MenuEntry& child : entry.children) add(submenu, child);
+        return;
+    }
+    QAction* action = menu.addAction(to_qt(entry.text));
+    items_[entry.id] = action;
+    if (entry.checked) check(entry.id, true);
+    QObject::connect(action, &QAction::triggered,
+                     [this, id = entry.id, action] { choose(id, *action); });
+}
+
+void QtMenu::choose(int id, QAction& action) {
+    // The program decides whether the mark changes.
+    if (action.isCheckable()) action.setChecked(!action.isChecked());
+    events_.set_menu_open(false);
+    events_.post(Event::Kind::command, id);
+}
+
+void QtMenu::check(int id, bool checked) {
+    const auto item = items_.find(id);
+    if (item == items_.end()) return;
+    item->second->setCheckable(true);
+    item->second->setChecked(checked);
+}
+
+void QtMenu::set_text(int id, const std::string& text) {
+    const auto item = items_.find(id);
+    if (item != items_.end()) item->second->setText(to_qt(text));
+}

@@ -1,0 +1,27 @@
+#pragma once
+#include "platform/qt/qt_events.h"
+#include "platform/window.h"
+
+#include <QAction>
+#include <QMenuBar>
+
+#include <map>
+
+/// The menu bar. Key hints are part of the texts: the keys themselves are the program's.
+class QtMenu {
+public:
+    QtMenu(QMenuBar& bar, QtEvents& events);
+
+    void set(const std::vector<MenuEntry>& menus);
+    /// From the first call on, the item shows whether it is checked.
+    void check(int id, bool checked);
+    void set_text(int id, const std::string& text);
+
+private:
+    void add(QMenu& menu, const MenuEntry& entry);
+    void choose(int id, QAction& action);
+
+    QMenuBar& bar_;
+    QtEvents& events_;
+    std::map<int, QAction*> items_;
+};

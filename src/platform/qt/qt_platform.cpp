@@ -1,0 +1,94 @@
+#include "platform/qt/qt_platform.h"
+
+#include "platform/qt/qt_clipboard.h"
+#include "platform/qt/qt_clock.h"
+#include "platform/qt/qt_dialogs.h"
+#include "platform/qt/qt_drawing.h"
+#include "platform/qt/qt_paths.h"
+#include "platform/qt/qt_signals.h"
+#include "platform/qt/qt_status_bar.h"
+#include "platform/qt/qt_surface.h"
+#include "platform/settings_file.h"
+
+#include <QApplication>
+#include <QIcon>
+
+#include <cstdlib>
+
+namespace {
+
+/// Qt's set-up that has to precede the application object.
+int& prepare_qt(int& argc) {
+    // An X server tells its keymap, in a Wayland session too; a Wayland client would have to guess.
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "xcb;wayland");
+    QCoreApplication::setAttribute(Qt::AA_DontUseNativeMenuBar);
+    QGuiApplication::setDesktopFileName("tarvelin");
+    return argc;
+}
+
+QIcon program_icon() {
+    QIcon icon;
+    for (const int size : {48, 64, 128, 256}) {
+        icon.addFile(QStringLiteral(":/tarvelin-%1.png").arg(size), {size, size});
+    }
+    return icon;
+}
+
+} // namespace
+
+struct QtPlatform::Services {
+    Services(int& argc, char** argv) : application(prepare_qt(argc), argv) {
+        QApplication::setApplicationName("tarvelin");
+        QApplication::setWindowIcon(program_icon());
+        // Questions come after the window has gone.
+        QApplication::setQuitOnLastWindowClosed(false);
+        QCoreApplication::setQuitLockEnabled(false);
+        QObject::connect(&application, &QGuiApplication::applicationStateChanged,
+                         [this](Qt::ApplicationState state) {
+                             events.post(Event::Kind::activate, state == Qt::ApplicationActive);
+                         });
+        events.set_idle_hook([this] {
+            input.release_tapped();
+            if (keyboard.refresh()) events.post(Event::Kind::layout_changed);
+        });
+    }
+
+    QApplication application;
+    QtEvents events;
+    QtSignals signals_{events};
+    QtKeyboard keyboard;
+    QtInput input{events, keyboard};
+    QtWindow window{events, input};
+    QtDrawing drawing{window.canvas()};
+    QtSurface surface{window};
+    QtStatusBar status_bar{window.canvas(), events};
+    QtDialogs dialogs{window};
+    QtClipboard clipboard;
+    QtClock clock{window};
+    QtPaths paths;
+    SettingsFile settings{paths.config_directory() + "/settings.toml"};
+};
+
+QtPlatform::QtPlatform(int& argc, char** argv)
+    : services_(std::make_unique<Services>(argc, argv)) {}
+
+QtPlatform::~QtPlatform() = default;
+
+bool QtPlatform::has_display() {
+    for (const char* name : {"QT_QPA_PLATFORM", "WAYLAND_DISPLAY", "DISPLAY"}) {
+        if (const char* value = std::getenv(name); value && *value) return true;
+    }
+    return false;
+}
+
+Clipboard& QtPlatform::clipboard() { return services_->clipboard; }
+Clock& QtPlatform::clock() { return services_->clock; }
+Dialogs& QtPlatform::dialogs() { return services_->dialogs; }
+Drawing& QtPlatform::drawing() { return services_->drawing; }
+Events& QtPlatform::events() { return services_->events; }
+HostKeyboard& QtPlatform::keyboard() { return services_->keyboard; }
+Paths& QtPlatform::paths() { return services_->paths; }
+Settings& QtPlatform::settings() { return services_->settings; }
+StatusBar& QtPlatform::status_bar() { return services_->status_bar; }
+Surface& QtPlatform::surface() { return services_->surface; }
+Window& QtPlatform::window() { return services_->window; }

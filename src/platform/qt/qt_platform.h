@@ -1,0 +1,33 @@
+#pragma once
+/// The desktop: a window with menu and status bar, dialogs and keyboard, by Qt Widgets.
+
+#include "platform/platform.h"
+
+#include <memory>
+
+class QtPlatform final : public Platform {
+public:
+    /// Both must outlive the platform; Qt takes its own options out of them. Without a display the
+    /// program ends here with a message: ask has_display first.
+    QtPlatform(int& argc, char** argv);
+    ~QtPlatform() override;
+
+    /// Does the environment name a display?
+    static bool has_display();
+
+    Clipboard& clipboard() override;
+    Clock& clock() override;
+    Dialogs& dialogs() override;
+    Drawing& drawing() override;
+    Events& events() override;
+    HostKeyboard& keyboard() override;
+    Paths& paths() override;
+    Settings& settings() override;
+    StatusBar& status_bar() override;
+    Surface& surface() override;
+    Window& window() override;
+
+private:
+    struct Services;
+    std::unique_ptr<Services> services_;
+};

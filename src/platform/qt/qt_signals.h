@@ -1,0 +1,19 @@
+#pragma once
+#include "platform/qt/qt_events.h"
+
+#include <QSocketNotifier>
+
+#include <memory>
+
+/// An interrupt, termination or hang-up signal closes the window as its user would, so that
+/// settings and disks are kept.
+class QtSignals {
+public:
+    explicit QtSignals(QtEvents& events);
+    ~QtSignals();
+    QtSignals(const QtSignals&) = delete;
+    QtSignals& operator=(const QtSignals&) = delete;
+
+private:
+    std::unique_ptr<QSocketNotifier> notifier_;
+};

@@ -1,0 +1,132 @@
+#include "platform/qt/qt_status_bar.h"
+
+#include "platform/qt/qt_pixels.h"
+#include "platform/qt/qt_text.h"
+
+#include <QEvent>
+#include <QHelpEvent>
+#include <QPainter>
+#include <QToolTip>
+
+#include <algorithm>
+
+namespace {
+
+constexpr int LEAST_HEIGHT = 24;
+constexpr int TEXT_MARGIN = 4;
+
+Colour colour_of(const QColor& colour) { return colour.rgb() & 0xFFFFFF; }
+
+} // namespace
+
+QtStatusBarWidget::QtStatusBarWidget(QtCanvas& canvas, QtEvents& events,
+                                     std::span<const int> right_edges, int drawn_part)
+    : QWidget(&canvas), events_(events), drawn_part_(drawn_part) {
+    for (const int edge : right_edges) parts_.push_back({edge, {}, {}});
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    setAttribute(Qt::WA_NoMousePropagation);
+    canvas.installEventFilter(this);
+    lay_out();
+    show();
+}
+
+void QtStatusBarWidget::lay_out() {
+    const int height = std::max(LEAST_HEIGHT, fontMetrics().height() + 2 * TEXT_MARGIN);
+    const QSize client = parentWidget()->size();
+    setGeometry(0, client.height() - height, client.width(), height);
+    update();
+    events_.post_once(Event::Kind::draw_status);
+}
+
+QRect QtStatusBarWidget::area_of(int part) const {
+    const int left = part == 0 ? 0 : parts_[size_t(part) - 1].right_edge;
+    const int edge = parts_[size_t(part)].right_edge;
+    return {left, 0, (edge < 0 ? width() : edge) - left, height()};
+}
+
+void QtStatusBarWidget::set_text(int part, const QString& text) {
+    if (!has(part) || parts_[size_t(part)].text == text) return;
+    parts_[size_t(part)].text = text;
+    update(area_of(part));
+}
+
+void QtStatusBarWidget::set_tip(int part, const QString& text) {
+    if (has(part)) parts_[size_t(part)].tip = text;
+}
+
+void QtStatusBarWidget::fill(const Rectangle& area, Colour colour) {
+    if (area_has_colour(drawing_, area, colour)) return;
+    fill_area(drawing_, area, colour);
+    update(area.left, area.top, area.width(), area.height());
+}
+
+bool QtStatusBarWidget::eventFilter(QObject*, QEvent* event) {
+    if (event->type() == QEvent::Resize) lay_out();
+    return false;
+}
+
+bool QtStatusBarWidget::event(QEvent* event) {
+    if (event->type() != QEvent::ToolTip) return QWidget::event(event);
+    const auto* help = static_cast<QHelpEvent*>(event);
+    for (int part = 0; has(part); ++part) {
+        if (!area_of(part).contains(help->pos())) continue;
+        QToolTip::showText(help->globalPos(), parts_[size_t(part)].tip, this);
+    }
+    return true;
+}
+
+void QtStatusBarWidget::resizeEvent(QResizeEvent*) {
+    drawing_ = plain_picture(size(), palette().color(QPalette::Window));
+}
+
+void QtStatusBarWidget::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    painter.fillRect(rect(), palette().window());
+    for (int part = 0; has(part); ++part) {
+        const QRect area = area_of(part);
+        if (part == drawn_part_) painter.drawImage(area, drawing_, area);
+        const QString text =
+            fontMetrics().elidedText(parts_[size_t(part)].text, Qt::ElideRight,
+                                     area.width() - 2 * TEXT_MARGIN, Qt::TextSingleLine);
+        painter.setPen(palette().color(QPalette::WindowText));
+        painter.drawText(area.adjusted(TEXT_MARGIN, 0, -TEXT_MARGIN, 0),
+                         Qt::AlignVCenter | Qt::TextSingleLine, text);
+        painter.setPen(palette().color(QPalette::Mid));
+        if (part > 0) painter.drawLine(area.left(), 4, area.left(), height() - 5);
+    }
+    painter.setPen(palette().color(QPalette::Mid));
+    painter.drawLine(0, 0, width() - 1, 0);
+}
+
+bool QtStatusBar::create(std::span<const int> right_edges, int drawn_part) {
+    bar_ = std::make_unique<QtStatusBarWidget>(canvas_, events_, right_edges, drawn_part);
+    return true;
+}
+
+void QtStatusBar::destroy() { bar_.reset(); }
+
+bool QtStatusBar::exists() { return bar_ != nullptr; }
+
+int QtStatusBar::height() { return bar_ ? bar_->height() : 0; }
+
+void QtStatusBar::set_text(int part, const std::string& text) {
+    if (bar_) bar_->set_text(part, to_qt(text));
+}
+
+void QtStatusBar::set_tip(int part, const std::string& text) {
+    if (bar_) bar_->set_tip(part, to_qt(text));
+}
+
+void QtStatusBar::fill_rectangle(const Rectangle& area, Colour colour) {
+    if (bar_) bar_->fill(area, colour);
+}
+
+Colour QtStatusBar::shadow_colour() { return colour_of(canvas_.palette().color(QPalette::Dark)); }
+
+Colour QtStatusBar::highlight_colour() {
+    return colour_of(canvas_.palette().color(QPalette::Light));
+}
+
+void QtStatusBar::redraw() {
+    if (bar_) bar_->lay_out();
+}

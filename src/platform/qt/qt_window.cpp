@@ -1,0 +1,171 @@
+#include "platform/qt/qt_window.h"
+
+#include "platform/qt/qt_text.h"
+
+#include <QCloseEvent>
+#include <QDropEvent>
+#include <QMimeData>
+#include <QScreen>
+
+namespace {
+
+/// Path of the first local file of a list of URLs, in the bytes that the file system has; empty
+/// without one.
+std::string first_file(const QMimeData& data) {
+    for (const QByteArray& line : data.data("text/uri-list").split('\n')) {
+        const QByteArray url = line.trimmed();
+        if (!url.startsWith("file:")) continue;
+        const qsizetype path = url.startsWith("file://") ? url.indexOf('/', 7) : 5;
+        if (path > 0) return QByteArray::fromPercentEncoding(url.mid(path)).toStdString();
+    }
+    return {};
+}
+
+} // namespace
+
+void QtWindow::Frame::closeEvent(QCloseEvent* event) {
+    event->ignore();
+    events_.post_once(Event::Kind::close);
+}
+
+void QtWindow::Frame::moveEvent(QMoveEvent*) { events_.post_once(Event::Kind::moved); }
+
+void QtWindow::Frame::resizeEvent(QResizeEvent*) { events_.post_once(Event::Kind::resized); }
+
+void QtWindow::Frame::dragEnterEvent(QDragEnterEvent* event) {
+    if (!first_file(*event->mimeData()).empty()) event->acceptProposedAction();
+}
+
+void QtWindow::Frame::dropEvent(QDropEvent* event) {
+    Event drop;
+    drop.kind = Event::Kind::drop;
+    drop.text = first_file(*event->mimeData());
+    if (drop.text.empty()) return;
+    event->acceptProposedAction();
+    events_.post(drop);
+}
+
+QtWindow::QtWindow(QtEvents& events, QtInput& input)
+    : events_(events), input_(input), frame_(events), canvas_(events),
+      menu_(*frame_.menuBar(), events) {
+    frame_.setCentralWidget(&canvas_);
+    canvas_.installEventFilter(&input_);
+}
+
+bool QtWindow::create(const std::string& title) {
+    set_title(title);
+    frame_.setAcceptDrops(true);
+    return true;
+}
+
+void QtWindow::show() {
+    frame_.show();
+    canvas_.setFocus();
+}
+
+void QtWindow::destroy() { frame_.hide(); }
+
+QWidget* QtWindow::owner() { return frame_.isVisible() ? &frame_ : nullptr; }
+
+void QtWindow::set_title(const std::string& title) {
+    title_ = title;
+    frame_.setWindowTitle(to_qt(title));
+}
+
+std::string QtWindow::title() { return title_; }
+
+int QtWindow::menu_height(int width) const { return frame_.menuBar()->heightForWidth(width); }
+
+QPoint QtWindow::screen_origin() const { return frame_.screen()->geometry().topLeft(); }
+
+Size QtWindow::outer_size(Size client) {
+    return {client.width, client.height + menu_height(client.width)};
+}
+
+Rectangle QtWindow::outer_rectangle() {
+    const QRect outer = frame_.geometry().translated(-screen_origin());
+    return {outer.left(), outer.top(), outer.left() + outer.width(), outer.top() + outer.height()};
+}
+
+Size QtWindow::client_size() {
+    const int menu = frame_.menuBar()->isHidden() ? 0 : menu_height(frame_.width());
+    return {frame_.width(), frame_.height() - menu};
+}
+
+Rectangle QtWindow::client_on_screen() {
+    const Rectangle outer = outer_rectangle();
+    const Size client = client_size();
+    return {outer.left, outer.bottom - client.height, outer.right, outer.bottom};
+}
+
+Size QtWindow::screen_size() {
+    const QSize size = frame_.screen()->size();
+    return {size.width(), size.height()};
+}
+
+void QtWindow::move(const Rectangle& outer) {
+    QRect geometry(outer.left, outer.top, outer.width(), outer.height());
+    geometry.translate(screen_origin());
+    if (full_screen_) {
+        windowed_ = geometry;
+    } else {
+        place(geometry);
+    }
+}
+
+void QtWindow::place(const QRect& geometry) {
+    const QSize size = fixed_size_.isValid() ? fixed_size_ : geometry.size();
+    // A window that stays where it is must not ask for that place: before it is shown, the window
+    // manager would take it for the user's wish.
+    if (geometry.topLeft() == frame_.geometry().topLeft()) {
+        frame_.resize(size);
+    } else {
+        frame_.setGeometry({geometry.topLeft(), size});
+    }
+}
+
+void QtWindow::set_fixed_size(Size outer) {
+    fixed_size_ = outer == Size() ? QSize() : QSize(outer.width, outer.height);
+    if (!full_screen_) apply_limits();
+}
+
+void QtWindow::apply_limits() {
+    if (fixed_size_.isValid()) {
+        frame_.setFixedSize(fixed_size_);
+    } else {
+        frame_.setMinimumSize(0, 0);
+        frame_.setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
+    }
+}
+
+void QtWindow::invalidate() {
+    canvas_.update();
+    events_.post_once(Event::Kind::paint);
+}
+
+void QtWindow::set_full_screen(bool on) {
+    if (full_screen_ == on) return;
+    full_screen_ = on;
+    frame_.menuBar()->setVisible(!on);
+    if (on) {
+        windowed_ = frame_.geometry();
+        frame_.setMinimumSize(0, 0);
+        frame_.setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
+        frame_.setWindowState(frame_.windowState() | Qt::WindowFullScreen);
+    } else {
+        apply_limits();
+        frame_.setWindowState(frame_.windowState() & ~Qt::WindowFullScreen);
+        place(windowed_);
+    }
+    canvas_.setFocus();
+}
+
+void QtWindow::show_cursor(bool on) { frame_.setCursor(on ? Qt::ArrowCursor : Qt::BlankCursor); }
+
+void QtWindow::set_menu(const std::vector<MenuEntry>& menus) { menu_.set(menus); }
+
+void QtWindow::check_item(int id, bool checked) { menu_.check(id, checked); }
+
+void QtWindow::set_item_text(int id, const std::string& text) { menu_.set_text(id, text); }
+
+void QtWindow::claim_keys(std::span<const KeyChord> chords) { input_.claim(chords); }

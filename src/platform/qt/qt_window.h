@@ -1,0 +1,72 @@
+#pragma once
+#include "platform/qt/qt_canvas.h"
+#include "platform/qt/qt_input.h"
+#include "platform/qt/qt_menu.h"
+#include "platform/window.h"
+
+#include <QMainWindow>
+
+/// The main window. Screen coordinates count from the top left corner of the screen that shows it.
+/// The outer size is that of menu bar and client area: the frame around them belongs to the window
+/// manager, which may put one on, change it or leave it out at any time.
+class QtWindow final : public Window {
+public:
+    QtWindow(QtEvents& events, QtInput& input);
+
+    bool create(const std::string& title) override;
+    void show() override;
+    void destroy() override;
+    void set_title(const std::string& title) override;
+    std::string title() override;
+    Size outer_size(Size client) override;
+    Rectangle outer_rectangle() override;
+    Size client_size() override;
+    Rectangle client_on_screen() override;
+    Size screen_size() override;
+    void move(const Rectangle& outer) override;
+    void set_fixed_size(Size outer) override;
+    void invalidate() override;
+    void set_full_screen(bool on) override;
+    void show_cursor(bool on) override;
+    void set_menu(const std::vector<MenuEntry>& menus) override;
+    void check_item(int id, bool checked) override;
+    void set_item_text(int id, const std::string& text) override;
+    void claim_keys(std::span<const KeyChord> chords) override;
+
+    QtCanvas& canvas() { return canvas_; }
+    QScreen* screen() const { return frame_.screen(); }
+    /// The parent of dialogs: the window while there is one to see.
+    QWidget* owner();
+
+private:
+    /// Reports what happens to the top-level window.
+    class Frame final : public QMainWindow {
+    public:
+        explicit Frame(QtEvents& events) : events_(events) {}
+
+    protected:
+        void closeEvent(QCloseEvent* event) override;
+        void moveEvent(QMoveEvent* event) override;
+        void resizeEvent(QResizeEvent* event) override;
+        void dragEnterEvent(QDragEnterEvent* event) override;
+        void dropEvent(QDropEvent* event) override;
+
+    private:
+        QtEvents& events_;
+    };
+
+    int menu_height(int width) const;
+    QPoint screen_origin() const;
+    void place(const QRect& geometry);
+    void apply_limits();
+
+    QtEvents& events_;
+    QtInput& input_;
+    Frame frame_;
+    QtCanvas canvas_;
+    QtMenu menu_;
+    std::string title_;
+    QSize fixed_size_; ///< invalid: the user may size the window
+    QRect windowed_;   ///< where the window stood before it became full screen
+    bool full_screen_ = false;
+};

@@ -1,0 +1,257 @@
+#include "platform/qt/xkb_layout.h"
+
+#include "platform/events.h"
+
+#include <algorithm>
+#include <string_view>
+
+namespace {
+
+constexpr uint32_t SCAN_OFFSET = 8; // X keycode of scan code 0
+constexpr char FIRST_CHARACTER = 0x20;
+
+struct Run {
+    uint8_t first; // scan code
+    std::string_view keys;
+};
+
+// Rows of the US keyboard whose keys have consecutive scan codes and character codes of their own.
+constexpr Run CHARACTER_RUNS[] = {
+    {2, "1234567890"}, {16, "QWERTYUIOP"}, {30, "ASDFGHJKL"}, {44, "ZXCVBNM"}, {57, " "}};
+
+struct Place {
+    uint8_t scan;
+    uint8_t key;
+};
+
+// Extra keys of Japanese and Brazilian keyboards.
+constexpr uint8_t RIGHT_OF_SLASH = 0xC1;
+constexpr uint8_t RIGHT_OF_PLUS = 0xC2;
+
+constexpr Place PLACES[] = {
+    {1, KEY_ESCAPE},       {12, KEY_OEM_MINUS},   {13, KEY_OEM_PLUS},    {14, KEY_BACKSPACE},
+    {15, KEY_TAB},         {26, KEY_OEM_4},       {27, KEY_OEM_6},       {28, KEY_RETURN},
+    {29, KEY_CONTROL},     {39, KEY_OEM_1},       {40, KEY_OEM_7},       {41, KEY_OEM_3},
+    {42, KEY_SHIFT},       {43, KEY_OEM_5},       {51, KEY_OEM_COMMA},   {52, KEY_OEM_PERIOD},
+    {53, KEY_OEM_2},       {54, KEY_SHIFT},       {56, KEY_ALT},         {71, KEY_NUMPAD0 + 7},
+    {72, KEY_NUMPAD0 + 8}, {73, KEY_NUMPAD0 + 9}, {75, KEY_NUMPAD0 + 4}, {76, KEY_NUMPAD0 + 5},
+    {77, KEY_NUMPAD0 + 6}, {79, KEY_NUMPAD0 + 1}, {80, KEY_NUMPAD0 + 2}, {81, KEY_NUMPAD0 + 3},
+    {82, KEY_NUMPAD0},     {86, KEY_OEM_102},     {87, KEY_F11},         {88, KEY_F12},
+    {96, KEY_RETURN},      {97, KEY_CONTROL},     {100, KEY_ALT},        {102, KEY_HOME},
+    {103, KEY_UP},         {104, KEY_PAGE_UP},    {105, KEY_LEFT},       {106, KEY_RIGHT},
+    {107, KEY_END},        {108, KEY_DOWN},       {109, KEY_PAGE_DOWN},  {110, KEY_INSERT},
+    {111, KEY_DELETE},     {119, KEY_PAUSE},      {89, RIGHT_OF_SLASH},  {124, RIGHT_OF_PLUS},
+};
+
+constexpr std::array<uint8_t, 256> us_places() {
+    std::array<uint8_t, 256> keys{};
+    for (const Run& run : CHARACTER_RUNS)
+        for (size_t i = 0; i < run.keys.size(); ++i)
+            keys[SCAN_OFFSET + run.first + i] = uint8_t(run.keys[i]);
+    for (const Place& place : PLACES) keys[SCAN_OFFSET + place.scan] = place.key;
+    for (uint8_t i = 0; i < 10; ++i) keys[SCAN_OFFSET + 59 + i] = uint8_t(KEY_F1 + i);
+    return keys;
+}
+
+/// The US keyboard, by X keycode.
+constexpr std::array<uint8_t, 256> US_PLACES = us_places();
+
+/// Keys that layouts fill on all keyboards, though only some have them.
+constexpr bool is_on_some_keyboards(uint8_t key) {
+    return key == KEY_OEM_102 || key == RIGHT_OF_SLASH || key == RIGHT_OF_PLUS;
+}
+
+constexpr bool is_letter(uint32_t key) { return key >= 'A' && key <= 'Z'; }
+
+constexpr bool types_a_character(uint8_t key) {
+    return key == KEY_SPACE || (key >= '0' && key <= '9') || is_letter(key) ||
+           (key >= KEY_OEM_1 && key <= KEY_OEM_102);
+}
+
+struct Modification {
+    xkb_keysym_t symbol;
+    uint8_t key;
+};
+
+constexpr Modification MODIFIER_SYMBOLS[] = {
+    {XKB_KEY_Shift_L, KEY_SHIFT},
+    {XKB_KEY_Shift_R, KEY_SHIFT},
+    {XKB_KEY_Control_L, KEY_CONTROL},
+    {XKB_KEY_Control_R, KEY_CONTROL},
+    {XKB_KEY_Alt_L, KEY_ALT},
+    {XKB_KEY_Alt_R, KEY_ALT},
+    {XKB_KEY_Meta_L, KEY_ALT},
+    {XKB_KEY_Meta_R, KEY_ALT},
+    {XKB_KEY_ISO_Level3_Shift, KEY_ALT_GR},
+};
+
+struct DeadKey {
+    xkb_keysym_t symbol;
+    char character;
+};
+
+constexpr DeadKey DEAD_KEYS[] = {{XKB_KEY_dead_grave, '`'},
+                                 {XKB_KEY_dead_acute, '\''},
+                                 {XKB_KEY_dead_circumflex, '^'},
+                                 {XKB_KEY_dead_tilde, '~'},
+                                 {XKB_KEY_dead_diaeresis, '"'}};
+
+/// A map and the layout of it that is looked at.
+struct Source {
+    xkb_keymap* keymap;
+    xkb_layout_index_t group;
+
+    xkb_keysym_t symbol(xkb_keycode_t keycode, xkb_level_index_t level) const {
+        const xkb_keysym_t* symbols = nullptr;
+        const int count = xkb_keymap_key_get_syms_by_level(keymap, keycode, group, level, &symbols);
+        return count == 1 ? symbols[0] : xkb_keysym_t(XKB_KEY_NoSymbol);
+    }
+};
+
+/// The letter of a key as a capital; 0 when it has none.
+uint8_t letter_of(const Source& source, xkb_keycode_t keycode) {
+    uint32_t code = xkb_keysym_to_utf32(source.symbol(keycode, 0));
+    if (code >= 'a' && code <= 'z') code -= 'a' - 'A';
+    return is_letter(code) ? uint8_t(code) : 0;
+}
+
+/// Keycode of each letter that the layout has.
+std::array<uint8_t, 26> find_letters(const Source& source) {
+    std::array<uint8_t, 26> keycodes{};
+    for (size_t keycode = 0; keycode < US_PLACES.size(); ++keycode) {
+        if (!types_a_character(US_PLACES[keycode])) continue;
+        const uint8_t letter = letter_of(source, xkb_keycode_t(keycode));
+        if (letter != 0 && keycodes[letter - 'A'] == 0) keycodes[letter - 'A'] = uint8_t(keycode);
+    }
+    return keycodes;
+}
+
+uint8_t character_key(const Source& source, const std::array<uint8_t, 26>& letters,
+                      uint8_t keycode) {
+    if (const uint8_t letter = letter_of(source, keycode)) return letter;
+    uint8_t place = US_PLACES[keycode];
+    // Every letter leads to another key, so the way ends at the latest after all of them.
+    while (is_letter(place) && letters[place - 'A'] != 0) place = US_PLACES[letters[place - 'A']];
+    return place;
+}
+
+/// Modifiers are what the layout makes them: AltGr may be anywhere, and keys may be exchanged.
+uint8_t other_key(const Source& source, uint8_t keycode) {
+    const xkb_keysym_t symbol = source.symbol(keycode, 0);
+    for (const Modification& modifier : MODIFIER_SYMBOLS)
+        if (modifier.symbol == symbol) return modifier.key;
+    const uint8_t place = US_PLACES[keycode];
+    const bool modifies = place == KEY_SHIFT || place == KEY_CONTROL || place == KEY_ALT;
+    return modifies && symbol != XKB_KEY_NoSymbol ? uint8_t(KEY_NONE) : place;
+}
+
+xkb_mod_mask_t shift_mask(xkb_keymap* keymap) {
+    const xkb_mod_index_t index = xkb_keymap_mod_get_index(keymap, XKB_MOD_NAME_SHIFT);
+    return index == XKB_MOD_INVALID ? 0 : xkb_mod_mask_t(1) << index;
+}
+
+/// What the AltGr key sets; 0 in a layout without one.
+xkb_mod_mask_t alt_gr_mask(const Source& source, const std::array<uint8_t, 256>& keys) {
+    const auto found = std::find(keys.begin(), keys.end(), KEY_ALT_GR);
+    if (found == keys.end()) return 0;
+    const XkbStatePointer state(xkb_state_new(source.keymap));
+    xkb_state_update_mask(state.get(), 0, 0, 0, 0, 0, source.group);
+    xkb_state_update_key(state.get(), xkb_keycode_t(found - keys.begin()), XKB_KEY_DOWN);
+    return xkb_state_serialize_mods(state.get(), XKB_STATE_MODS_DEPRESSED);
+}
+
+/// Finds the best key of every character.
+class CharacterSearch {
+public:
+    CharacterSearch(const Source& source, XkbLayout& layout)
+        : source_(source), layout_(layout), shift_(shift_mask(source.keymap)),
+          alt_gr_(alt_gr_mask(source, layout.keys)) {
+        ranks_.fill(UINT8_MAX);
+    }
+
+    void look_at(xkb_keycode_t keycode) {
+        const auto levels = xkb_keymap_num_levels_for_key(source_.keymap, keycode, source_.group);
+        for (xkb_level_index_t level = 0; level < levels; ++level) look_at(keycode, level);
+    }
+
+private:
+    void look_at(xkb_keycode_t keycode, xkb_level_index_t level) {
+        const xkb_keysym_t symbol = source_.symbol(keycode, level);
+        const auto* dead = std::find_if(std::begin(DEAD_KEYS), std::end(DEAD_KEYS),
+                                        [=](const DeadKey& key) { return key.symbol == symbol; });
+        const bool is_dead = dead != std::end(DEAD_KEYS);
+        const uint32_t code = is_dead ? uint32_t(dead->character) : xkb_keysym_to_utf32(symbol);
+        const uint32_t index = code - uint32_t(FIRST_CHARACTER);
+        if (index >= ranks_.size()) return;
+
+        std::array<xkb_mod_mask_t, 16> masks{};
+        const size_t count = xkb_keymap_key_get_mods_for_level(
+            source_.keymap, keycode, source_.group, level, masks.data(), masks.size());
+        for (size_t i = 0; i < count; ++i) offer(index, keycode, masks[i], is_dead);
+    }
+
+    void offer(uint32_t index, xkb_keycode_t keycode, xkb_mod_mask_t mask, bool is_dead) {
+        if ((mask & ~(shift_ | alt_gr_)) != 0) return;
+        const bool shift = (mask & shift_) != 0;
+        const bool alt_gr = (mask & alt_gr_) != 0;
+        const uint8_t rank =
+            rank_of(is_on_some_keyboards(US_PLACES[keycode]), is_dead, shift, alt_gr);
+        if (rank >= ranks_[index]) return;
+        ranks_[index] = rank;
+        const int modifiers =
+            (shift ? MODIFIER_SHIFT : 0) | (alt_gr ? MODIFIER_CONTROL | MODIFIER_ALT : 0);
+        layout_.characters[index] = KeyForCharacter{layout_.keys[keycode], uint8_t(modifiers)};
+    }
+
+    /// The lowest is the best. AltGr is the last choice. Without it, a key that this keyboard may
+    /// lack comes after all others, and a dead key after a live one: an acute accent is an
+    /// apostrophe only where there is no other. With AltGr the fewest keys count most.
+    static uint8_t rank_of(bool may_lack, bool is_dead, bool shift, bool alt_gr) {
+        if (alt_gr) return uint8_t(8 | shift << 2 | may_lack << 1 | int(is_dead));
+        return uint8_t(may_lack << 2 | is_dead << 1 | int(shift));
+    }
+
+    const Source& source_;
+    XkbLayout& layout_;
+    xkb_mod_mask_t shift_;
+    xkb_mod_mask_t alt_gr_;
+    std::array<uint8_t, 95> ranks_{};
+};
+
+} // namespace
+
+XkbLayout XkbLayout::from_keymap(xkb_keymap* keymap, xkb_layout_index_t group) {
+    XkbLayout layout;
+    layout.keys = US_PLACES;
+    if (keymap == nullptr) return layout;
+
+    const Source source{keymap, group};
+    const auto letters = find_letters(source);
+    for (size_t i = 0; i < layout.keys.size(); ++i) {
+        const auto keycode = uint8_t(i);
+        layout.keys[i] = types_a_character(US_PLACES[i]) ? character_key(source, letters, keycode)
+                                                         : other_key(source, keycode);
+    }
+    CharacterSearch search(source, layout);
+    for (size_t i = 0; i < layout.keys.size(); ++i)
+        if (types_a_character(US_PLACES[i])) search.look_at(xkb_keycode_t(i));
+    return layout;
+}
+
+XkbLayout XkbLayout::from_names(const char* layout, const char* variant) {
+    const XkbContextPointer context(xkb_context_new(XKB_CONTEXT_NO_FLAGS));
+    if (!context) return from_keymap(nullptr, 0);
+    const xkb_rule_names names{nullptr, nullptr, layout, variant, nullptr};
+    const XkbKeymapPointer keymap(
+        xkb_keymap_new_from_names(context.get(), &names, XKB_KEYMAP_COMPILE_NO_FLAGS));
+    return from_keymap(keymap.get(), 0);
+}
+
+uint8_t XkbLayout::virtual_key(uint32_t keycode) const {
+    return keycode < keys.size() ? keys[keycode] : uint8_t(KEY_NONE);
+}
+
+std::optional<KeyForCharacter> XkbLayout::key_for(char character) const {
+    const uint32_t index = uint32_t(uint8_t(character)) - uint32_t(FIRST_CHARACTER);
+    return index < characters.size() ? characters[index] : std::nullopt;
+}

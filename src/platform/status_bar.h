@@ -1,0 +1,23 @@
+#pragma once
+#include "platform/geometry.h"
+
+#include <span>
+#include <string>
+
+/// The bar at the bottom of the client area. One part is drawn by the program, on request of a
+/// draw_status message; coordinates count from the bar's top left corner.
+struct StatusBar {
+    virtual ~StatusBar() = default;
+    /// Creates the bar with parts that end at `right_edges`; -1 reaches to the window's edge.
+    virtual bool create(std::span<const int> right_edges, int drawn_part) = 0;
+    virtual void destroy() = 0;
+    virtual bool exists() = 0;
+    virtual int height() = 0; ///< 0 without a bar
+    virtual void set_text(int part, const std::string& text) = 0;
+    virtual void set_tip(int part, const std::string& text) = 0;
+    virtual void fill_rectangle(const Rectangle& area, Colour colour) = 0;
+    virtual Colour shadow_colour() = 0;    ///< of raised edges
+    virtual Colour highlight_colour() = 0; ///< of raised edges
+    /// Lays the bar out at the bottom of the window again and asks for its drawing.
+    virtual void redraw() = 0;
+};

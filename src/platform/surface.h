@@ -1,0 +1,16 @@
+#pragma once
+#include "platform/geometry.h"
+
+#include <string>
+
+/// An off-screen picture that is stretched into a rectangle of the screen, black around it.
+struct Surface {
+    virtual ~Surface() = default;
+    /// Gets ready for pictures of this size. Returns an empty text, or what failed.
+    virtual std::string create(Size size) = 0;
+    virtual bool exists() = 0;
+    virtual void release() = 0;
+    /// Stretches the picture into `target`, in screen coordinates. `clear` first blackens the
+    /// whole screen.
+    virtual void present(const BitmapView& picture, const Rectangle& target, bool clear) = 0;
+};

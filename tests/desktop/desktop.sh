@@ -1,0 +1,59 @@
+# Sourced by the tests: a virtual X server, a home of the test's own, and the program's window.
+
+set -euo pipefail
+
+fail() {
+    echo "FAILED: $*" >&2
+    exit 1
+}
+
+program=$(realpath "$program")
+work=$(mktemp -d)
+export XDG_CONFIG_HOME=$work/config XDG_DATA_HOME=$work/data QT_QPA_PLATFORM=xcb
+unset WAYLAND_DISPLAY
+mkdir -p "$work/config/tarvelin"
+cd "$work"
+# What the host's libraries keep until the program's end is not this program's leak.
+printf 'leak:libdbus-1\nleak:libfontconfig\n' >lsan.supp
+export LSAN_OPTIONS=suppressions=$work/lsan.supp:print_suppressions=0
+
+clean_up() {
+    kill "${program_pid:-0}" "${server_pid:-0}" 2>/dev/null || true
+    wait 2>/dev/null || true
+    rm -rf "$work"
+}
+trap clean_up EXIT
+
+# start_server [GEOMETRY]: it must outlive its first client, which may only set the layout
+start_server() {
+    mkfifo display
+    Xvfb -displayfd 3 -screen 0 "${1:-1280x1024x24}" -nolisten tcp -noreset 3>display 2>/dev/null &
+    server_pid=$!
+    DISPLAY=:$(head -n 1 display)
+    export DISPLAY
+}
+
+# start_program ARGUMENTS...: sets program_pid and window.
+start_program() {
+    "$program" "$@" >program.log 2>&1 &
+    program_pid=$!
+    for _ in $(seq 100); do
+        window=$(xdotool search --onlyvisible --pid "$program_pid" 2>/dev/null | head -n 1 || true)
+        if [[ -n $window ]]; then
+            xdotool windowfocus --sync "$window"
+            return
+        fi
+        kill -0 "$program_pid" 2>/dev/null || fail "the program ended: $(cat program.log)"
+        sleep 0.1
+    done
+    fail "no window came"
+}
+
+# wait_for FILE
+wait_for() {
+    for _ in $(seq 100); do
+        if [[ -s $1 ]]; then return; fi
+        sleep 0.1
+    done
+    fail "$1 was not written"
+}

@@ -1,0 +1,53 @@
+#!/usr/bin/env bash
+# Types on the X keyboard and reads the text back from the machine's screen memory.
+# usage: typing_test.sh PROGRAM LAYOUT-MAPPING
+program=$1
+layout=${2%-*}
+mapping=${2#*-}
+source "$(dirname "$0")/desktop.sh"
+
+# The positional mapping knows places: the shifted digits are the machine's own there.
+case $2 in
+us-positional) typed='hello z1*2(' expected='HELLO Z1(2)' ;; # SHIFT 8 and SHIFT 9
+us-symbolic) typed="hello z1 (2)*3=+:;!\"#%" expected="HELLO Z1 (2)*3=+:;!\"#%" ;;
+gb-symbolic) typed="hello \"2#'1:;+*=?" expected="HELLO \"2#'1:;+*=?" ;;
+fr-positional) typed='hello zaqwm' expected='HELLO ZAQWM' ;;
+fr-symbolic) typed="hello zaqwm 12!(3)*/:;?#@" expected="HELLO ZAQWM 12!(3)*/:;?#@" ;;
+de-positional) typed='hello zy1' expected='HELLO ZY1' ;;
+de-symbolic) typed="hello zy (2)/3=+:;!\"#%@" expected="HELLO ZY (2)/3=+:;!\"#%@" ;;
+esac
+cat >config/tarvelin/settings.toml <<SETTINGS
+KeyMapping = $([[ $mapping == symbolic ]] && echo 1 || echo 0)
+SaveVideoRamWithScreenShots = 1
+Sound = 0
+SETTINGS
+
+screen() {
+    rm -f Tarvelin.v80
+    xdotool key F6
+    wait_for Tarvelin.v80
+    tr '\0' ' ' <Tarvelin.v80 | fold -w 40
+}
+
+# shows TEXT: on the screen within a few seconds?
+shows() {
+    for _ in $(seq 20); do
+        if screen | grep -qF "$1"; then return; fi
+        sleep 0.2
+    done
+    return 1
+}
+
+start_server
+setxkbmap "$layout"
+start_program
+shows READY || fail "the firmware did not start"
+# A busy host may miss a key that is down for a moment: another line is another try.
+for _ in 1 2 3; do
+    xdotool type --delay 120 "$typed"
+    if shows ">$expected"; then exit 0; fi
+    xdotool key Return
+    sleep 0.5
+done
+fail "expected >$expected on
+$(screen)"

@@ -1,0 +1,54 @@
+#!/usr/bin/env bash
+# The window under a window manager: sizes, full screen and back, a menu, the close button.
+program=$1
+source "$(dirname "$0")/desktop.sh"
+
+geometry() { xdotool getwindowgeometry "$window" | tr -s ' \n' ' ' | cut -d' ' -f4-; }
+size() { geometry | sed 's/.*Geometry: \([0-9x]*\).*/\1/'; }
+ticks() { awk '{print $14 + $15}' "/proc/$program_pid/stat"; } # of 10 ms
+
+# becomes WHAT EXPECTED COMMAND...: the command's output within a few seconds
+becomes() {
+    local what=$1 expected=$2
+    shift 2
+    for _ in $(seq 40); do
+        if [[ $("$@") == "$expected" ]]; then return; fi
+        sleep 0.1
+    done
+    fail "$what: $("$@"), not $expected"
+}
+
+start_server
+openbox >openbox.log 2>&1 &
+for _ in $(seq 50); do
+    if xdotool get_desktop >/dev/null 2>&1; then break; fi # the window manager is there
+    sleep 0.1
+done
+start_program
+sleep 0.5
+first=$(geometry)
+normal=$(size)
+[[ $normal == 392x* ]] || fail "the window is $normal"
+
+xdotool key alt+Return
+becomes "full screen" 1280x1024 size
+xdotool key alt+Return
+becomes "back from full screen" "$first" geometry
+
+xdotool key alt+F2
+becomes "giant screen" 776x$((${normal#*x} + 288)) size
+xdotool key alt+F2
+becomes "normal screen" "$normal" size
+
+xdotool key alt+o # opens the menu, where the program stands still
+sleep 0.5
+before=$(ticks)
+sleep 1
+used=$(($(ticks) - before))
+((used <= 1)) || fail "with a menu open, the program used $used of 100 ticks"
+xdotool key g # Giant screen
+becomes "giant screen by menu" 776x$((${normal#*x} + 288)) size
+
+xdotool key alt+F4 # the window manager's close
+wait "$program_pid" || fail "the exit code is $?"
+grep -q 'GiantScreen = 1' config/tarvelin/settings.toml || fail "the settings were not kept"

@@ -1,0 +1,411 @@
+#include "host/commands.h"
+
+#include "cgenie/hires_lowe.h"
+#include "cgenie/keyboard.h"
+#include "cgenie/memory.h"
+#include "core/frame_driver.h"
+#include "core/machine.h"
+#include "host/canvas.h"
+#include "host/display.h"
+#include "host/menu.h"
+#include "host/screenshot.h"
+#include "host/shell.h"
+#include "host/status.h"
+#include "host_files.h"
+#include "media/printer.h"
+#include "media/traps.h"
+#include "platform/host_services.h"
+#include "z80/z80.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr uint16_t KEYBOARD_ROUTINE = 0x002B;
+constexpr uint8_t TRAP = 0xED;
+
+class CommandsTest : public HostFilesTest {
+protected:
+    void SetUp() override {
+        HostFilesTest::SetUp();
+        host->dialogs() = HeadlessDialogs(false);
+        host->status_bar().destroy();
+        CreateStatusBar();
+        create_menu();
+        machine_init();
+        init_timers();
+        set_screen_params(false, 8);
+        last_file_name = "base";
+    }
+    void TearDown() override {
+        g_bActive = g_Timer = g_bSound = g_bDblScan = true;
+        g_bPaused = g_bDebug = g_bRunInBackground = g_KeyMapping = g_GiantScreen = false;
+        g_1bitDisplay = video_cut = video_page = printer_enabled = false;
+        save_video_ram_w_screenshot = false;
+        g_CompositeBlur = 0;
+        HostFilesTest::TearDown();
+    }
+
+    void choose(const std::string& path) { host->dialogs().choices.push_back({{path, 0}}); }
+    void command_with_file(int id, const std::string& path) {
+        choose(path);
+        handle_command(id);
+    }
+    static void press(int key, uint8_t modifiers = 0) {
+        Event event;
+        event.kind = Event::Kind::key_down;
+        event.value = key;
+        event.modifiers = modifiers;
+        handle_key(event);
+    }
+};
+
+TEST_F(CommandsTest, OptionsAreToggledWithTheirMark) {
+    const struct {
+        int id;
+        bool* flag;
+    } cases[] = {
+        {106, &g_Timer},
+        {118, &g_bSound},
+        {128, &video_cut},
+        {129, &video_page},
+        {134, &g_bDblScan},
+        {40050, &g_1bitDisplay},
+        {40057, &g_KeyMapping},
+        {40058, &g_GiantScreen},
+        {40060, &printer_enabled},
+        {40122, &g_bRunInBackground},
+        {40123, &save_video_ram_w_screenshot},
+    };
+    for (const auto& c : cases) {
+        const bool before = *c.flag;
+        for (const bool wanted : {!before, before}) {
+            pacing.ticks = 7;
+            handle_command(c.id);
+            EXPECT_EQ(pacing.ticks, 0) << c.id << " restarts the pacing";
+            EXPECT_EQ(*c.flag, wanted) << c.id;
+            EXPECT_EQ(is_menu_item_checked(c.id), wanted) << c.id;
+            EXPECT_TRUE(g_bActive) << c.id;
+        }
+    }
+    host->set_key(KEY_SHIFT, true); // which the symbolic mapping does not pass on
+    for (const int row_7 : {0, 1}) {
+        handle_command(40057);
+        EXPECT_EQ(keyboard_read(0x80), row_7);
+    }
+    host->release_all_keys();
+    for (const int chosen : {40046, 40045, 40045}) {
+        handle_command(chosen);
+        EXPECT_EQ(lowe.enabled, chosen == 40046 ? 1U : 0U);
+        EXPECT_EQ(is_menu_item_checked(40046), chosen == 40046);
+        EXPECT_EQ(is_menu_item_checked(40045), chosen == 40045);
+    }
+    handle_command(122);
+    EXPECT_TRUE(is_menu_item_checked(122));
+    handle_command(122);
+    EXPECT_FALSE(is_menu_item_checked(122));
+    handle_command(122);
+    handle_command(125);
+    EXPECT_FALSE(is_menu_item_checked(122)) << "rewinding stops the tape";
+}
+
+TEST_F(CommandsTest, PauseAndMonitorHoldTheMachine) {
+    const struct {
+        int id;
+        bool active;
+        const char* title;
+        bool pause_mark, monitor_mark;
+    } steps[] = {
+        {104, false, "(Suspended)", true, false},  {104, true, "(Restarting)", false, false},
+        {108, false, "(Monitor)", false, true},    {108, true, "(Restarting)", false, false},
+        {108, false, "(Monitor)", false, true},    {104, false, "(Monitor)", false, true},
+        {108, false, "(Suspended)", false, false}, {40122, false, "(Suspended)", false, false},
+        {104, true, "(Restarting)", false, false}, {104, false, "(Suspended)", true, false},
+        {108, false, "(Monitor)", true, true},     {40122, false, "(Monitor)", true, true},
+        {108, false, "(Suspended)", true, false},  {104, true, "(Restarting)", false, false},
+    };
+    int number = 0;
+    for (const auto& step : steps) {
+        SCOPED_TRACE(++number);
+        host->drawing().last_fill = {};
+        const int invalidations = host->window().invalidations;
+        handle_command(step.id);
+        EXPECT_EQ(g_bActive, step.active);
+        EXPECT_EQ(host->title(), std::string("Tarvelin - ") + step.title);
+        EXPECT_EQ(is_menu_item_checked(104), step.pause_mark);
+        EXPECT_EQ(is_menu_item_checked(108), step.monitor_mark);
+        if (step.id != 108) continue;
+        const Size client = host->window().client_size();
+        EXPECT_EQ(host->drawing().last_fill.area, (Rectangle{0, 0, client.width, client.height}));
+        const bool left_halted = !step.monitor_mark && !step.active;
+        EXPECT_EQ(host->window().invalidations - invalidations, left_halted ? 1 : 0);
+    }
+    g_bActive = false; // another program is the active one
+    handle_command(40122);
+    EXPECT_TRUE(g_bActive);
+    handle_command(999);
+    EXPECT_EQ(host->title(), "Tarvelin - (Restarting)");
+}
+
+TEST_F(CommandsTest, PictureCommandsReplaceTheCanvas) {
+    const struct {
+        int id;
+        int width, bits;
+    } steps[] = {
+        {40050, 384, 1},  {40058, 768, 8}, {40058, 384, 1}, {40052, 384, 32},
+        {40058, 768, 32}, {40052, 768, 8}, {40058, 384, 1}, {40050, 384, 8},
+    };
+    int number = 0;
+    for (const auto& step : steps) {
+        SCOPED_TRACE(++number);
+        const int invalidations = host->window().invalidations;
+        handle_command(step.id);
+        EXPECT_EQ(canvas.width, step.width);
+        EXPECT_EQ(canvas.header.bits, step.bits);
+        EXPECT_EQ(is_menu_item_checked(40052), step.bits == 32);
+        if (step.id == 40058) {
+            EXPECT_GT(host->window().invalidations, invalidations);
+        }
+    }
+    g_CompositeBlur = 5;
+    handle_command(40052);
+    EXPECT_EQ(g_CompositeBlur, 0U);
+    handle_command(40052);
+    EXPECT_EQ(g_CompositeBlur, 66U);
+    handle_command(40052);
+
+    handle_command(134);
+    EXPECT_TRUE(std::ranges::all_of(canvas.pixels, [](uint8_t pixel) { return pixel == 0; }));
+    canvas.pixels[0] = 7;
+    handle_command(134);
+    EXPECT_EQ(canvas.pixels[0], 7) << "only switching off clears";
+
+    handle_command(40007);
+    EXPECT_TRUE(host->window().full_screen);
+    handle_command(40007);
+    EXPECT_FALSE(host->window().full_screen);
+
+    handle_command(40050);
+    machine_cfg[active_machine_cfg].screen_frequency = 100;
+    handle_command(141);
+    EXPECT_EQ(canvas.header.bits, 8);
+    EXPECT_EQ(pacing.frame_period, 10'000'000) << "of a clock of nanoseconds";
+}
+
+TEST_F(CommandsTest, ResetRestartPasteAndExit) {
+    host->clipboard().content = "RUN";
+    handle_command(40040);
+    int done = 0;
+    EXPECT_EQ(memory[KEYBOARD_ROUTINE], TRAP);
+    EXPECT_EQ(keyboard_type_bas_file(&done), 'R');
+
+    memory[0x9000] = 0x55;
+    z80_state.pc = 0x9000;
+    const int64_t slept = host->slept_ms();
+    handle_command(109);
+    EXPECT_EQ(host->slept_ms() - slept, 500);
+    EXPECT_EQ(memory[0x9000], 0);
+    EXPECT_EQ(z80_state.pc, 0);
+    EXPECT_EQ(z80_state.nmi, 0);
+    EXPECT_NE(memory[KEYBOARD_ROUTINE], TRAP);
+    EXPECT_EQ(keyboard_type_bas_file(&done), 0);
+    EXPECT_EQ(done, 1) << "nothing more to type";
+
+    handle_command(105);
+    EXPECT_EQ(z80_state.nmi, 1);
+    host->clipboard().content.reset();
+    handle_command(145);
+    EXPECT_TRUE(host->clipboard().content.has_value());
+    handle_command(103);
+    EXPECT_EQ(host->dialogs().abouts.size(), 1U);
+    handle_command(102);
+    Event event;
+    while (event.kind == Event::Kind::none) event = host->events().wait();
+    EXPECT_EQ(event.kind, Event::Kind::close);
+}
+
+TEST_F(CommandsTest, CommandsThatAskForAFile) {
+    const struct {
+        int id;
+        const char* title;
+        const char* path;
+        const char* status;
+    } cases[] = {
+        {110, "Load CMD image", "gone.cmd", "gone.cmd: no such file"},
+        {111, "Load BAS file", "gone.bas", "gone.bas: no such file"},
+        {135, "Autostart emulator image...", "gone.jzs", "gone.jzs: no such file"},
+        {131, "Load emulator snaphsot file", "gone.jzs", "gone.jzs: no such file"},
+        {131, "Load emulator snaphsot file", "short", "short: is not a snapshot"},
+        {123, "Attach CAS file", "gone.cas", "Error opening image: gone.cas"},
+        {40018, "Attach disk image...", "short", "Unsupported disk image.\n"},
+        {40019, "Attach disk image...", "gone.dsk", "Unsupported disk image.\n"},
+        {40020, "Attach disk image...", "gone.dsk", "Unsupported disk image.\n"},
+        {40021, "Attach disk image...", "gone.dsk", "Unsupported disk image.\n"},
+        {132, "Save emulator snapshot as...", "no/way", "no/way.jzs: cannot be written"},
+        {132, "Save emulator snapshot as...", "state", "Image attached: state.jzs."},
+        {126, "Save screen as...", "no/way.bmp", "no/way.bmp: cannot be written"},
+        {126, "Save screen as...", "shot.bmp", "Screenshot saved: shot.bmp"},
+        {126, "Save screen as...", "shot.GIF", "Screenshot saved: shot.GIF"},
+        {40054, "Save video...", "film", "AVI: an error occured."},
+        // Their devices are not there yet.
+        {40034, "Attach tape sample file", "short", "Attach WAV: not available yet."},
+        {120, "Save WAV file", "tape", "Create WAV: not available yet."},
+        {127, "Save memory as CAS file", "tape", "Save memory as CAS: not available yet."},
+        {40120, "Save to WAV...", "sound", "Save to WAV: not available yet."},
+    };
+    std::ofstream("short") << "short";
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.id << " " << c.path);
+        StatusBarText("before");
+        handle_command(c.id); // cancelled
+        EXPECT_EQ(host->status_text(3), "before");
+        command_with_file(c.id, c.path);
+        EXPECT_EQ(host->status_text(3), c.status);
+        ASSERT_EQ(host->dialogs().file_dialogs.size(), 2U);
+        EXPECT_EQ(host->dialogs().file_dialogs.back().title, c.title);
+        host->dialogs().file_dialogs.clear();
+        EXPECT_FALSE(is_menu_item_checked(c.id));
+    }
+    EXPECT_EQ(menu_item_text(40018), "Drive :&0 - <no disk>");
+    EXPECT_EQ(read_file("state.jzs").size(), 49702U);
+    EXPECT_EQ(read_file("shot.GIF")[0], 'G');
+    EXPECT_EQ(read_file("shot.bmp")[0], 'B');
+    EXPECT_EQ(g_bRecordingVideo, 0);
+}
+
+TEST_F(CommandsTest, SnapshotsAndScreenshots) {
+    memory[0x9000] = 0x55;
+    z80_state.pc = 0x9123;
+    command_with_file(132, "state.jzs");
+    memory[0x9000] = 0;
+    z80_state.pc = 0;
+    command_with_file(131, "state.jzs");
+    EXPECT_EQ(memory[0x9000], 0x55);
+    EXPECT_EQ(z80_state.pc, 0x9123);
+
+    handle_command(112);
+    EXPECT_TRUE(std::filesystem::exists("base0000.gif"));
+    EXPECT_FALSE(std::filesystem::exists("base.v80"));
+    handle_command(40123);
+    handle_command(40050);
+    handle_command(112);
+    EXPECT_TRUE(std::filesystem::exists("base0000.bmp"));
+    EXPECT_EQ(read_file("base.v80").size(), 1024U);
+    std::filesystem::remove("base.v80");
+
+    command_with_file(126, "shot.gif");
+    EXPECT_TRUE(std::filesystem::exists("base.v80"));
+    handle_command(40050);
+    command_with_file(126, "no/way.gif");
+    const auto& messages = host->dialogs().messages;
+    ASSERT_EQ(messages.size(), 2U);
+    EXPECT_EQ(messages[0].title, "Error!");
+    EXPECT_EQ(messages[0].icon, MessageIcon::error);
+    EXPECT_EQ(messages[0].text,
+              "Error saving in GIF format.\rNon 8-bit display can not be saved as GIF.");
+    EXPECT_EQ(messages[1].text, "Error saving in GIF format.");
+}
+
+TEST_F(CommandsTest, MediaAreTakenOut) {
+    const struct {
+        int id;
+        const char* status;
+        bool empties_cassette_part;
+    } cases[] = {
+        {121, "Tape image detached.", true},
+        {124, "Tape image detached.", true},
+        {40022, "Disk detached from drive #0", false},
+        {40023, "Disk detached from drive #1", false},
+        {40024, "Disk detached from drive #2", false},
+        {40025, "Disk detached from drive #3", false},
+        {40033, "All disks detached.", false},
+    };
+    for (const auto& c : cases) {
+        StatusBarPartText(2, "0042");
+        handle_command(c.id);
+        EXPECT_EQ(host->status_text(3), c.status) << c.id;
+        EXPECT_EQ(host->status_text(2), c.empties_cassette_part ? "" : "0042") << c.id;
+    }
+    StatusBarText("before");
+    main_disk_image_attach(0, "");
+    EXPECT_EQ(host->status_text(3), "before");
+    EXPECT_TRUE(host->dialogs().questions.empty());
+
+    std::string name;
+    EXPECT_EQ(get_ui_save_tape_filename(&name), 0);
+    choose("tape");
+    EXPECT_EQ(get_ui_save_tape_filename(&name), 1);
+    EXPECT_EQ(name, "tape.cas");
+    EXPECT_EQ(host->dialogs().file_dialogs.back().title, "Save CAS tape file under name...");
+}
+
+TEST_F(CommandsTest, KeysOutsideTheMonitor) {
+    z80_state.pc = 0x9000;
+    for (const int key : {int(KEY_RETURN), int(KEY_PAGE_UP), int(KEY_UP), int(KEY_DOWN),
+                          int(KEY_F1), int(KEY_F2), int(KEY_F7), int(KEY_F8), int('A')}) {
+        press(key);
+        EXPECT_EQ(z80_state.pc, 0x9000) << key;
+        EXPECT_FALSE(std::filesystem::exists("memdump.bin")) << key;
+    }
+    press(KEY_F4);
+    EXPECT_TRUE(video_page);
+    press(KEY_F4, MODIFIER_ALT);
+    EXPECT_TRUE(video_page) << "the window's own key";
+    press(KEY_F4, MODIFIER_ALT | MODIFIER_CONTROL);
+    EXPECT_FALSE(video_page);
+    press(KEY_F6);
+    EXPECT_TRUE(std::filesystem::exists("base0000.gif"));
+    std::ofstream("eaca_disass.txt") << "listing";
+    press(KEY_F9);
+    EXPECT_EQ(host->status_text(3),
+              "Disassembly dump to: " + std::filesystem::current_path().string());
+
+    press(KEY_PAGE_DOWN);
+    EXPECT_TRUE(g_bPaused);
+    const int64_t cycles = z80_state.t_count;
+    const int presented = host->frames_presented();
+    press(KEY_PAGE_DOWN);
+    EXPECT_NEAR(double(z80_state.t_count - cycles), 44335, 40) << "one frame";
+    EXPECT_EQ(host->frames_presented() - presented, 1);
+    EXPECT_TRUE(g_bPaused);
+    press(KEY_ESCAPE);
+    EXPECT_TRUE(g_bDebug);
+}
+
+TEST_F(CommandsTest, KeysInTheMonitor) {
+    press(KEY_ESCAPE);
+    ASSERT_TRUE(g_bDebug);
+    z80_state.pc = 0x9000; // no-operations
+    z80_state.breakpoint = 0x9000;
+    z80_state.breakpoint_enabled = 7;
+    press(KEY_RETURN);
+    EXPECT_EQ(z80_state.pc, 0x9001);
+    EXPECT_EQ(z80_state.breakpoint_enabled, 7);
+
+    z80_state.pc = 0x5000;
+    press(KEY_F7);
+    EXPECT_EQ(z80_state.pc, 0x5000 + 10001);
+    memory[0xA000] = 0x18; // JR A000
+    memory[0xA001] = 0xFE;
+    z80_state.pc = 0xA000;
+    z80_state.r = 0;
+    press(KEY_F7);
+    EXPECT_EQ(z80_state.pc, 0xA000);
+    EXPECT_EQ(z80_state.r, 1) << "instructions run until it came back";
+
+    press(KEY_F4);
+    press(KEY_F4);
+    EXPECT_EQ(z80_state.breakpoint_enabled, 0);
+    EXPECT_FALSE(video_page);
+    press(KEY_F8);
+    EXPECT_EQ(read_file("memdump.bin").size(), 65536U);
+    press(KEY_F6);
+    EXPECT_TRUE(std::filesystem::exists("base0000.gif"));
+    press(KEY_PAGE_DOWN);
+    EXPECT_FALSE(g_bPaused);
+    press(KEY_ESCAPE);
+    EXPECT_FALSE(g_bDebug);
+    EXPECT_TRUE(g_bActive);
+}
+
+} // namespace

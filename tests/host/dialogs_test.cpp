@@ -1,0 +1,118 @@
+#include "host/dialogs.h"
+
+#include "cgenie/crtc.h"
+#include "cgenie/memory.h"
+#include "host/status.h"
+#include "platform/headless/headless.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace {
+
+class DialogsTest : public testing::Test {
+protected:
+    DialogsTest() {
+        install_platform(host);
+        CreateStatusBar();
+    }
+
+    /// The path that comes back when the user chooses this one.
+    std::string choose(int type, const std::string& path, int filter = 0) {
+        dialogs.choices.emplace_back(FileChoice{path, filter});
+        std::string result;
+        EXPECT_EQ(ui_select_file(type, &result), 1) << "type " << type;
+        EXPECT_EQ(host.status_text(3), "Image attached: " + result + ".");
+        return result;
+    }
+
+    HeadlessPlatform host{HeadlessOptions{}};
+    HeadlessDialogs& dialogs = host.dialogs();
+};
+
+TEST_F(DialogsTest, EveryFileDialog) {
+    // By type: open or save (w: asks before overwriting), title, filters, result for "game".
+    const char* const cases[] = {
+        "r|Load CMD image|CMD files (*.cmd)|*.cmd|All (*.*)|*.*|game",
+        "r|Load BAS file|BAS files (*.bas;*.txt)|*.bas;*.txt|All (*.*)|*.*|game",
+        "r|Attach tape sample file|44.1 kHz, 8 bit mono WAV (*.wav)|*.wav|All (*.*)|*.*|game",
+        "r|Attach CAS file|CAS files (*.cas; *.cgt)|*.cas;*.cgt|All (*.*)|*.*|game",
+        "r|Autostart emulator image...|EACA Genie files (*.bas,*.cas,*.cmd,*.dsk,*.jzs,*.txt)|"
+        "*.bas;*.cas;*.cmd;*.dsk;*.jzs;*.txt|All (*.*)|*.*|game",
+        "r|Attach disk image...|Disk images (*.cgd,*.dsk;*.img)|*.cgd;*.dsk;*.img|All (*.*)|*.*|"
+        "game",
+        "r|Select ROM image|ROM images (*.rom)|*.rom|All (*.*)|*.*|game",
+        "r|Load emulator snaphsot file|JZS files (*.jzs)|*.jzs|All (*.*)|*.*|game",
+        nullptr,
+        "s|Save WAV file|WAV files (*.wav)|*.wav|All (*.*)|*.*|game.wav",
+        "w|Save memory as CAS file|CAS files (*.cas)|*.cas|All Files (*.*)|*.*|game.cas",
+        "s|Save screen as...|GIF files (*.gif)|*.gif|BMP files (*.bmp)|*.bmp|All (*.*)|*.*|"
+        "game.gif",
+        "w|Save CAS tape file under name...|CAS files (*.cas)|*.cas|All Files (*.*)|*.*|game.cas",
+        "w|Save emulator snapshot as...|JZS files (*.jzs)|*.jzs|All Files (*.*)|*.*|game.jzs",
+        "w|Save video...|AVI files (*.avi)|*.avi|All Files (*.*)|*.*|game.avi",
+        "w|Save to WAV...|16 bit; mono; 44,100 kHz PCM (*.wav)|*.wav|game.wav",
+    };
+    for (int type = 0; type < int(std::size(cases)); ++type) {
+        if (!cases[type]) continue;
+        const std::string stored = choose(type, "game");
+        const FileDialog& dialog = dialogs.file_dialogs.back();
+        std::string shown = !dialog.save ? "r|" : dialog.overwrite_prompt ? "w|" : "s|";
+        shown += dialog.title + "|";
+        for (const auto& [text, pattern] : dialog.filters) shown += text + "|" + pattern + "|";
+        EXPECT_EQ(shown + stored, cases[type]);
+    }
+}
+
+TEST_F(DialogsTest, NamesAndFilters) {
+    EXPECT_EQ(choose(DIALOG_SCREENSHOT_AS, "shot", 1), "shot.bmp");
+    EXPECT_EQ(choose(DIALOG_SCREENSHOT_AS, "shot", 2), "shot.bmp");
+    EXPECT_EQ(dialogs.file_dialogs.back().filter_index, 1);
+    EXPECT_EQ(choose(DIALOG_SAVE_VIDEO, "film.mpg"), "film.mpg");
+    EXPECT_EQ(dialogs.file_dialogs.back().filter_index, 0); // each type has its own
+    EXPECT_EQ(choose(DIALOG_SAVE_VIDEO, "my.films/film"), "my.films/film");
+
+    std::string path = "kept";
+    EXPECT_EQ(ui_select_file(DIALOG_SCREENSHOT_AS, &path), 0);
+    EXPECT_EQ(path, "kept");
+    EXPECT_EQ(host.status_text(3), "Image attached: my.films/film.");
+    EXPECT_EQ(choose(DIALOG_SCREENSHOT_AS, "shot"), "shot.gif");
+    EXPECT_EQ(dialogs.file_dialogs.back().filter_index, 2);
+}
+
+TEST_F(DialogsTest, AddressesOfTheProgram) {
+    memory[0x40A4] = 0x01;
+    memory[0x40A5] = 0x58;
+    memory[0x40F9] = 0xAB;
+    memory[0x40FA] = 0xC9;
+    choose(DIALOG_MEMORY_AS_CAS, "game");
+    std::array<std::string, 3> addresses;
+    ui_get_casdata(&addresses);
+    EXPECT_EQ(addresses, (std::array<std::string, 3>{"5801", "C9AB", "0066"}));
+}
+
+TEST_F(DialogsTest, ScreenToClipboard) {
+    const crtc_state before = crtc;
+    crtc.vertical_displayed = 3;
+    crtc.horizontal_displayed = 5;
+    crtc.start_address = 0x4123; // only its low 14 bits count
+    const uint8_t codes[] = {0, 1, 26, 30, 31, 32, 'A', 'z', '^', '`', 127, 128, 129, 160, 255};
+    std::copy(std::begin(codes), std::end(codes), memory + 0x4123);
+    ui_copy_to_clipboard();
+    // The machine has a bracket where the host has "^", and an apostrophe for "`".
+    const std::string text = "@AZ[_\r\n Az['\r\n\x7F'a\x80\xDF\r\n";
+    EXPECT_EQ(host.clipboard().content, text);
+
+    crtc.vertical_displayed = 25;
+    crtc.horizontal_displayed = 40;
+    host.clipboard().available = false;
+    ui_copy_to_clipboard();
+    EXPECT_EQ(host.clipboard().content, text);
+    host.clipboard().available = true;
+    ui_copy_to_clipboard();
+    EXPECT_EQ(host.clipboard().content->size(), 1050U);
+    crtc = before;
+}
+
+} // namespace

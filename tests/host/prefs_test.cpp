@@ -1,0 +1,75 @@
+#include "host/prefs.h"
+
+#include "platform/headless/headless.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+class PrefsTest : public testing::Test {
+protected:
+    PrefsTest() { install_platform(host); }
+    ~PrefsTest() override { prefs_done(); }
+
+    HeadlessPlatform host{HeadlessOptions{}};
+    HeadlessSettings& store = host.settings_in_memory();
+};
+
+TEST_F(PrefsTest, AMissingNumberIsCreatedWithTheCallersValue) {
+    store.set_text("Sound", "not a number");
+    store.set_number("BitDepth", 1);
+    ASSERT_EQ(prefs_init(), 1);
+    uint32_t sound = 0xFFFFFFFF, depth = 8;
+    EXPECT_EQ(GetValueDword("Sound", &sound), 0);
+    EXPECT_EQ(GetValueDword("BitDepth", &depth), 1);
+    EXPECT_EQ(depth, 1U);
+    EXPECT_EQ(sound, 0xFFFFFFFF);
+    EXPECT_EQ(store.number("Sound"), 0xFFFFFFFF);
+
+    const uint32_t zero = 0;
+    EXPECT_EQ(SetValueDword("Sound", &zero), 1);
+    EXPECT_EQ(GetValueDword("Sound", &sound), 1);
+    EXPECT_EQ(sound, 0U);
+}
+
+TEST_F(PrefsTest, Texts) {
+    ASSERT_EQ(prefs_init(), 1);
+    std::string text = "before";
+    EXPECT_EQ(GetValueStr("Tape", &text), 0);
+    EXPECT_TRUE(store.values.empty()) << "reading creates nothing";
+    const struct {
+        std::string stored, read;
+        int result;
+    } cases[] = {{"", "", 1},
+                 {"/a b.cas", "/a b.cas", 1},
+                 {std::string(276, 'x'), std::string(276, 'x'), 1},
+                 {std::string(277, 'x'), "before", 0}};
+    for (const auto& c : cases) {
+        text = "before";
+        EXPECT_EQ(SetValueStr("Tape", c.stored.c_str()), 1);
+        prefs_done();
+        EXPECT_EQ(GetValueStr("Tape", &text), c.result) << "closed, " << c.stored;
+        EXPECT_EQ(text, c.read);
+        ASSERT_EQ(prefs_init(), 1);
+    }
+    EXPECT_EQ(SetValueStr("Tape", nullptr), 0);
+    EXPECT_EQ(store.text("Tape"), std::string(1, '\0'));
+    EXPECT_EQ(GetValueStr("Tape", &text), 1);
+    EXPECT_EQ(text, "");
+}
+
+TEST_F(PrefsTest, WithoutAStoreTheDefaultsStayAndNothingIsKept) {
+    uint32_t value = 5;
+    for (const bool refused : {true, false}) {
+        store.available = !refused;
+        EXPECT_TRUE(!refused || prefs_init() == 0);
+        EXPECT_EQ(GetValueDword("Sound", &value), 0);
+        EXPECT_EQ(SetValueDword("Sound", &value), 0);
+        EXPECT_EQ(SetValueStr("Tape", "x"), 0);
+        EXPECT_EQ(SetValueStr("Tape", nullptr), 0);
+    }
+    EXPECT_EQ(value, 5U);
+    EXPECT_TRUE(store.values.empty());
+}
+
+} // namespace

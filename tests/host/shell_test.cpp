@@ -1,0 +1,235 @@
+#include "host/shell.h"
+
+#include "cgenie/keyboard.h"
+#include "core/frame_driver.h"
+#include "core/machine.h"
+#include "host/canvas.h"
+#include "host/display.h"
+#include "host/host_files.h"
+#include "host/menu.h"
+#include "host/prefs.h"
+#include "media/printer.h"
+#include "platform/host_services.h"
+#include "platform/platform.h"
+#include "platform/settings_file.h"
+#include "z80/z80.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+/// Each test starts the program anew, in a folder of its own, with a settings file in it.
+class ShellTest : public HostFilesTest {
+protected:
+    void SetUp() override {
+        HostFilesTest::SetUp();
+        HeadlessOptions options;
+        options.look_ns = 0;
+        options.refresh_rate = 60;
+        options.settings_path = "settings.toml";
+        options.data_directory = "data";
+        own_host = std::make_unique<HeadlessPlatform>(options);
+        host = own_host.get();
+        install_platform(*host);
+        g_bActive = true;
+        g_bPaused = g_bDebug = g_bRunInBackground = g_GiantScreen = g_KeyMapping = false;
+        g_bDblScan = g_Timer = g_bSound = true;
+        g_CompositeBlur = 0;
+        g_1bitDisplay = printer_enabled = g_bCycleBasedEngine = false;
+        event_screenshot_timout = event_shutdown_timout = EVENT_DISARMED;
+    }
+
+    void start() {
+        ASSERT_TRUE(host->window().create("start"));
+        create_menu();
+        emu_init({});
+    }
+    void send(Event::Kind kind, int value = 0) { WindowProcedure({kind, value, 0, {}}); }
+
+    /// What the file holds, read by a store of its own.
+    std::optional<uint32_t> stored(const char* name) {
+        SettingsFile store("settings.toml");
+        store.open();
+        return store.number(name);
+    }
+    void store_number(const char* name, uint32_t value) {
+        SettingsFile store("settings.toml");
+        store.open();
+        store.set_number(name, value);
+    }
+    std::optional<std::string> stored_text(const char* name) {
+        SettingsFile store("settings.toml");
+        store.open();
+        return store.text(name);
+    }
+
+    std::unique_ptr<HeadlessPlatform> own_host;
+};
+
+constexpr struct {
+    const char* name;
+    uint32_t value;
+} DEFAULTS[] = {{"Sound", 1},
+                {"DoubleScan", 1},
+                {"HiResLowe", 0},
+                {"BitDepth", 8},
+                {"SyncSpeed", 1},
+                {"RunInBackground", 0},
+                {"CompositeBlur", 0},
+                {"ActiveConfig", 0},
+                {"CustomRomBASIC", 2},
+                {"CustomRomChar", 0},
+                {"CustomRomExpansion", 1},
+                {"CustomRamSize", 2},
+                {"CustomCpuClockFreq", 2216750},
+                {"CustomScreenFreq", 50},
+                {"CustomPalette", 0},
+                {"CustomRamStartupPattern", 0},
+                {"VideoCut", 0},
+                {"VideoPage", 0},
+                {"KeyMapping", 0},
+                {"GiantScreen", 0},
+                {"EnablePrinter", 0},
+                {"SaveVideoRamWithScreenShots", 0},
+                {"CycleBasedEmulation", 0}};
+
+TEST_F(ShellTest, FirstStartStoresTheDefaultsAndTheExitTheDisks) {
+    start();
+    for (const auto& [name, value] : DEFAULTS) EXPECT_EQ(stored(name), value) << name;
+    EXPECT_EQ(stored_text("Disk0"), std::nullopt);
+    EXPECT_EQ(stored_text("Tape"), std::nullopt);
+    EXPECT_EQ(host->status_text(0), "CG NZ1");
+    EXPECT_EQ(host->status_text(3), "");
+    g_GiantScreen = true;
+    g_1bitDisplay = true;
+    emu_close();
+    EXPECT_EQ(stored("GiantScreen"), 1U);
+    EXPECT_EQ(stored("BitDepth"), 1U);
+    for (const char* disk : {"Disk0", "Disk3", "Tape"}) EXPECT_EQ(stored_text(disk), "") << disk;
+    EXPECT_FALSE(host_has_canvas());
+}
+
+TEST_F(ShellTest, BadValuesAreCorrected) {
+    store_number("CompositeBlur", 150);
+    store_number("ActiveConfig", 3);
+    store_number("CustomScreenFreq", 151);
+    store_number("CustomPalette", 7);
+    start();
+    EXPECT_EQ(stored("CompositeBlur"), 0U) << "at once";
+    EXPECT_EQ(active_machine_cfg, 0U);
+    EXPECT_EQ(canvas.header.bits, 8);
+    emu_close();
+    EXPECT_EQ(stored("ActiveConfig"), 0U);
+    EXPECT_EQ(stored("CustomScreenFreq"), 50U);
+    EXPECT_EQ(stored("CustomPalette"), 1U);
+}
+
+TEST_F(ShellTest, StoredOptionsReachTheProgram) {
+    for (const char* name : {"GiantScreen", "KeyMapping", "EnablePrinter", "RunInBackground",
+                             "SaveVideoRamWithScreenShots", "VideoPage"}) {
+        store_number(name, 1);
+    }
+    store_number("DoubleScan", 0);
+    store_number("ActiveConfig", 2);
+    store_number("CompositeBlur", 66);
+    start();
+    const struct {
+        int item;
+        bool checked;
+    } marks[] = {
+        {COMMAND_SOUND, true},      {COMMAND_DOUBLE_SCAN, false},  {COMMAND_TV_BLUR, true},
+        {COMMAND_LOWE_OFF, true},   {COMMAND_LOWE_ON, false},      {COMMAND_50HZ_TIMER, true},
+        {COMMAND_VIDEO_PAGE, true}, {COMMAND_SYMBOLIC_KEYS, true}, {COMMAND_GIANT_SCREEN, true},
+        {COMMAND_PRINTER, true},    {COMMAND_BACKGROUND, true},    {COMMAND_SAVE_VIDEO_RAM, true}};
+    for (const auto& [item, checked] : marks) {
+        EXPECT_EQ(is_menu_item_checked(item), checked) << item;
+    }
+    EXPECT_EQ(host->status_text(0), "CG EUR");
+    EXPECT_EQ(canvas.width, 768);
+    EXPECT_EQ(canvas.header.bits, 32);
+    EXPECT_EQ(host->window().client_size(), (Size{776, 584 + HEADLESS_STATUS_BAR}));
+    emu_close();
+}
+
+TEST_F(ShellTest, ActivationRule) {
+    start();
+    for (int n = 0; n < 16; ++n) {
+        g_bPaused = n & 1;
+        g_bDebug = n & 2;
+        g_bRunInBackground = n & 4;
+        send(Event::Kind::activate, n & 8 ? 1 : 0);
+        EXPECT_EQ(g_bActive, !(n & 3) && (n & 12)) << n;
+    }
+    g_bPaused = g_bDebug = g_bRunInBackground = false;
+    send(Event::Kind::activate, 1);
+    emu_close();
+}
+
+TEST_F(ShellTest, HaltedTimeIsNotCaughtUp) {
+    start();
+    const int64_t frame = frame_budget();
+    for (int n = 0; n < 10; ++n) paced_frame_step();
+    const int64_t cycles = z80_state.t_count;
+    const int64_t slept = host->slept_ms();
+    EXPECT_EQ(slept, 161) << "the tenth frame began at 180 ms less one frame's lead";
+    send(Event::Kind::activate, 0);
+    // The loop takes the message, halts, and finds nothing more to wait for.
+    host->advance_ns(60'000'000'000);
+    EXPECT_EQ(run_message_loop(), 0);
+    EXPECT_EQ(z80_state.t_count, cycles);
+    send(Event::Kind::activate, 1);
+    for (int n = 0; n < 10; ++n) paced_frame_step();
+    EXPECT_NEAR(double(z80_state.t_count - cycles), double(10 * frame), 40);
+    EXPECT_EQ(host->slept_ms() - slept, 161) << "no burst after a minute";
+    emu_close();
+}
+
+TEST_F(ShellTest, MessagesReachTheirHandlers) {
+    start();
+    host->window().invalidations = 0;
+    const int shown = host->frames_presented();
+    send(Event::Kind::paint);
+    send(Event::Kind::focus);
+    EXPECT_EQ(host->frames_presented(), shown + 2);
+    WindowProcedure({Event::Kind::key_down, KEY_PAUSE, 0, {}});
+    EXPECT_TRUE(g_bPaused) << "an accelerator, not a key";
+    EXPECT_EQ(host->title(), "Tarvelin - (Suspended)");
+    send(Event::Kind::command, COMMAND_PAUSE);
+    EXPECT_TRUE(g_bActive);
+    send(Event::Kind::double_click);
+    EXPECT_TRUE(g_GiantScreen);
+    send(Event::Kind::double_click);
+    host->set_key('A', true);
+    send(Event::Kind::menu_loop_enter);
+    send(Event::Kind::menu_loop_exit);
+    EXPECT_EQ(keyboard_read(1), 0) << "no key is stuck after a menu";
+    keyboard_change_mapping(0);
+    send(Event::Kind::layout_changed);
+    host->set_key(KEY_ALT, true);
+    host->set_key('A', true);
+    EXPECT_EQ(keyboard_read(1), 0);
+    host->release_all_keys();
+    send(Event::Kind::close);
+    EXPECT_TRUE(host->window().destroyed);
+    EXPECT_TRUE(host->quit_posted());
+    EXPECT_EQ(run_message_loop(), 0);
+    emu_close();
+}
+
+TEST_F(ShellTest, RunsFromStartToExitAndSaysWhenItsSettingsWereDamaged) {
+    std::ofstream("settings.toml") << "Sound = = 1";
+    host->push_event({Event::Kind::close, 0, 0, {}});
+    EXPECT_EQ(run_shell({}), 0);
+    EXPECT_TRUE(host->window().destroyed);
+    EXPECT_EQ(stored("Sound"), 1U);
+    EXPECT_TRUE(std::filesystem::exists("settings.toml.damaged"));
+    EXPECT_NE(host->status_text(3), "");
+}
+
+TEST_F(ShellTest, NoWindowNoProgram) {
+    host->window().creation_fails = true;
+    EXPECT_EQ(run_shell({}), 0);
+    EXPECT_FALSE(std::filesystem::exists("settings.toml"));
+}
+
+} // namespace

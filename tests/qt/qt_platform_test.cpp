@@ -1,0 +1,237 @@
+// The window without a screen: Qt's offscreen platform, driven by Qt events.
+
+#include "platform/qt/qt_platform.h"
+
+#include <gtest/gtest.h>
+
+#include <QAction>
+#include <QApplication>
+#include <QDropEvent>
+#include <QKeyEvent>
+#include <QMainWindow>
+#include <QMenuBar>
+#include <QMimeData>
+#include <QWheelEvent>
+
+#include <map>
+
+namespace {
+
+constexpr Qt::KeyboardModifiers NO_MODIFIERS;
+
+class QtPlatformTest : public testing::Test {
+protected:
+    static void SetUpTestSuite() {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        static int argc = 1;
+        static char name[] = "test";
+        static char* argv[] = {name, nullptr};
+        host = std::make_unique<QtPlatform>(argc, argv);
+        host->window().create("Title");
+        host->window().set_menu(
+            {{0, "&Menu", {{7, "&Item\tAlt+T", {}, true}, {8, "Other", {}, false}}, false}});
+        host->window().show();
+        for (QWidget* widget : QApplication::topLevelWidgets()) {
+            if (auto* window = qobject_cast<QMainWindow*>(widget)) frame = window;
+        }
+    }
+    static void TearDownTestSuite() { host.reset(); }
+
+    void SetUp() override {
+        fit({40, 30});
+        drain();
+    }
+
+    static void fit(Size client) {
+        host->window().set_fixed_size(host->window().outer_size(client));
+    }
+    static std::vector<Event> drain() {
+        std::vector<Event> events;
+        for (Event event = host->events().poll(); event.kind != Event::Kind::none;
+             event = host->events().poll()) {
+            events.push_back(event);
+        }
+        return events;
+    }
+    /// What came of one kind since the last look.
+    static std::vector<Event> drain(Event::Kind kind) {
+        std::vector<Event> events = drain();
+        std::erase_if(events, [kind](const Event& event) { return event.kind != kind; });
+        return events;
+    }
+    static QWidget& client() { return *frame->centralWidget(); }
+    static unsigned pixel(int x, int y) { return client().grab().toImage().pixel(x, y) & 0xFFFFFF; }
+    static bool send_key(QEvent::Type type, int key,
+                         Qt::KeyboardModifiers modifiers = NO_MODIFIERS) {
+        QKeyEvent event(type, key, modifiers);
+        event.ignore();
+        QApplication::sendEvent(&client(), &event);
+        return event.isAccepted();
+    }
+
+    static inline std::unique_ptr<QtPlatform> host;
+    static inline QMainWindow* frame = nullptr;
+};
+
+TEST_F(QtPlatformTest, WindowHasTheSizeForItsClientArea) {
+    Window& window = host->window();
+    EXPECT_EQ(window.client_size(), (Size{40, 30}));
+    EXPECT_EQ(client().size(), QSize(40, 30));
+    const Rectangle place = window.outer_rectangle();
+    EXPECT_EQ(place.height(), 30 + frame->menuBar()->height());
+
+    window.move({place.left + 9, place.top + 5, place.right + 100, place.bottom + 100});
+    EXPECT_EQ(window.outer_rectangle().left, place.left + 9);
+    EXPECT_EQ(window.client_size(), (Size{40, 30})) << "a fixed size does not give way";
+
+    window.set_full_screen(true);
+    drain();
+    EXPECT_EQ(window.client_size(), window.screen_size());
+    fit({50, 60});
+    window.set_full_screen(false);
+    EXPECT_EQ(window.client_size(), (Size{50, 60}));
+    EXPECT_EQ(window.outer_rectangle().left, place.left + 9);
+}
+
+TEST_F(QtPlatformTest, DrawsEveryDepthCutOffAtTheEdges) {
+    const uint8_t palette[1024] = {1, 2, 3, 0, 0x10, 0x20, 0x30, 0};
+    const uint8_t eight[] = {0, 1, 1, 0, 0, 0, 0, 1};
+    const uint8_t one[] = {0x40, 0x81}; // two rows of eight
+    const uint8_t true_colour[] = {0x33, 0x22, 0x11, 0, 0x66, 0x55, 0x44, 0};
+    Drawing& drawing = host->drawing();
+    drawing.fill_rectangle({-5, -5, 100, 100}, 0xABCDEF);
+    drawing.copy_bitmap({4, 2, 8, eight, palette}, -1, 0);
+    drawing.copy_bitmap({8, 2, 1, one, palette}, 10, 20);
+    drawing.copy_bitmap({2, 1, 32, true_colour, nullptr}, 39, 29);
+    const std::map<std::pair<int, int>, unsigned> expected = {
+        {{0, 0}, 0x302010},   {{1, 0}, 0x302010},   {{2, 0}, 0x030201},   {{2, 1}, 0x302010},
+        {{3, 0}, 0xABCDEF},   {{10, 20}, 0x030201}, {{11, 20}, 0x302010}, {{10, 21}, 0x302010},
+        {{17, 21}, 0x302010}, {{18, 21}, 0xABCDEF}, {{39, 29}, 0x112233}, {{38, 29}, 0xABCDEF}};
+    for (const auto& [place, colour] : expected) {
+        EXPECT_EQ(pixel(place.first, place.second), colour) << place.first << "," << place.second;
+    }
+}
+
+TEST_F(QtPlatformTest, StretchesOverTheScreenWithBlackAround) {
+    const uint8_t pixels[] = {0, 0, 0xFF, 0, 0, 0xFF, 0, 0}; // red, green
+    host->drawing().fill_rectangle({0, 0, 40, 30}, 0xFFFFFF);
+    ASSERT_EQ(host->surface().create({2, 1}), "");
+    const Rectangle origin = host->window().client_on_screen();
+    const Rectangle target = {origin.left + 10, origin.top + 5, origin.left + 30, origin.top + 25};
+    host->surface().present({2, 1, 32, pixels, nullptr}, target, true);
+    EXPECT_EQ(pixel(9, 10), 0u);
+    EXPECT_EQ(pixel(10, 5), 0xFF0000u);
+    EXPECT_EQ(pixel(19, 24), 0xFF0000u);
+    EXPECT_EQ(pixel(20, 24), 0x00FF00u);
+    EXPECT_EQ(pixel(20, 25), 0u);
+    host->surface().release();
+    EXPECT_EQ(pixel(9, 10), 0xFFFFFFu);
+}
+
+TEST_F(QtPlatformTest, MenuReportsChoicesAndLeavesTheMarkToTheProgram) {
+    QAction& item = *frame->menuBar()->actions()[0]->menu()->actions()[0];
+    item.trigger();
+    const std::vector<Event> events = drain(Event::Kind::command);
+    ASSERT_EQ(events.size(), 1u);
+    EXPECT_EQ(events[0].value, 7);
+    EXPECT_TRUE(item.isChecked());
+    host->window().check_item(7, false);
+    host->window().set_item_text(7, "&New\tF1");
+    host->window().check_item(99, true);
+    EXPECT_FALSE(item.isChecked());
+    EXPECT_EQ(item.text(), "&New\tF1");
+}
+
+TEST_F(QtPlatformTest, ClaimedKeysComeBeforeTheMenuAndAreNotTheMachines) {
+    const KeyChord chords[] = {{'T', MODIFIER_ALT}};
+    host->window().claim_keys(chords);
+    EXPECT_TRUE(send_key(QEvent::ShortcutOverride, Qt::Key_T, Qt::AltModifier));
+    EXPECT_FALSE(send_key(QEvent::ShortcutOverride, Qt::Key_M, Qt::AltModifier));
+    EXPECT_FALSE(
+        send_key(QEvent::ShortcutOverride, Qt::Key_T, Qt::AltModifier | Qt::ShiftModifier));
+    send_key(QEvent::KeyPress, Qt::Key_T, Qt::AltModifier);
+    EXPECT_FALSE(host->keyboard().is_down('T'));
+    const std::vector<Event> events = drain(Event::Kind::key_down);
+    ASSERT_EQ(events.size(), 1u);
+    EXPECT_EQ(events[0].value, 'T');
+    EXPECT_EQ(events[0].modifiers, MODIFIER_ALT);
+}
+
+TEST_F(QtPlatformTest, TapIsDownUntilTheProgramHasRun) {
+    for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+        QApplication::postEvent(&client(), new QKeyEvent(type, Qt::Key_A, NO_MODIFIERS));
+    }
+    EXPECT_EQ(host->events().poll().kind, Event::Kind::key_down);
+    EXPECT_EQ(host->events().poll().kind, Event::Kind::none);
+    EXPECT_TRUE(host->keyboard().is_down('A')); // the machine runs now
+    host->events().poll();
+    EXPECT_FALSE(host->keyboard().is_down('A'));
+
+    send_key(QEvent::KeyPress, Qt::Key_B);
+    QFocusEvent focus(QEvent::FocusOut);
+    QApplication::sendEvent(&client(), &focus);
+    EXPECT_FALSE(host->keyboard().is_down('B'));
+}
+
+TEST_F(QtPlatformTest, RepeatsOnlyStepping) {
+    for (const auto& [key, count] : std::map<int, size_t>{{Qt::Key_F5, 0}, {Qt::Key_PageDown, 1}}) {
+        QKeyEvent event(QEvent::KeyPress, key, NO_MODIFIERS, {}, true);
+        QApplication::sendEvent(&client(), &event);
+        EXPECT_EQ(drain(Event::Kind::key_down).size(), count) << key;
+    }
+}
+
+TEST_F(QtPlatformTest, TakesTheFirstFileDroppedByteForByte) {
+    QMimeData data;
+    data.setData("text/uri-list", "http://host/x\r\nfile:///a%20b/%E4.cas\r\nfile:///c\r\n");
+    QDragEnterEvent enter({1, 1}, Qt::CopyAction, &data, Qt::LeftButton, NO_MODIFIERS);
+    QApplication::sendEvent(frame, &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent drop({1, 1}, Qt::CopyAction, &data, Qt::LeftButton, NO_MODIFIERS);
+    QApplication::sendEvent(frame, &drop);
+    const std::vector<Event> events = drain(Event::Kind::drop);
+    ASSERT_EQ(events.size(), 1u);
+    EXPECT_EQ(events[0].text, "/a b/\xE4.cas");
+}
+
+TEST_F(QtPlatformTest, CollectsWheelStepsToNotches) {
+    std::vector<int> turned;
+    for (const int angle : {-60, -30, -60, 150}) {
+        QWheelEvent event({1, 1}, {1, 1}, {}, {0, angle}, Qt::NoButton, NO_MODIFIERS,
+                          Qt::NoScrollPhase, false);
+        QApplication::sendEvent(&client(), &event);
+        for (const Event& message : drain(Event::Kind::wheel)) turned.push_back(message.value);
+    }
+    EXPECT_EQ(turned, (std::vector<int>{-120, 120}));
+}
+
+TEST_F(QtPlatformTest, ClosingIsTheProgramsDecision) {
+    frame->close();
+    EXPECT_TRUE(frame->isVisible());
+    host->events().post_quit(3);
+    EXPECT_EQ(host->events().wait().kind, Event::Kind::close);
+    const Event quit = host->events().wait();
+    EXPECT_EQ(quit.kind, Event::Kind::quit);
+    EXPECT_EQ(quit.value, 3);
+}
+
+TEST_F(QtPlatformTest, ClipboardTextIsInTheMachinesBytes) {
+    EXPECT_TRUE(host->clipboard().set_text("A\xE4\r\nB\r\n"));
+    EXPECT_EQ(host->clipboard().text(), "A\xE4\r\nB\r\n");
+}
+
+TEST_F(QtPlatformTest, StatusBarIsTheBottomOfTheClientArea) {
+    const int edges[] = {10, 20, -1};
+    StatusBar& bar = host->status_bar();
+    bar.create(edges, 1);
+    const int height = bar.height();
+    fit({40, 60});
+    EXPECT_FALSE(drain(Event::Kind::draw_status).empty());
+    bar.fill_rectangle({5, 6, 15, 8}, 0xFF0000);
+    EXPECT_EQ(pixel(12, 60 - height + 7), 0xFF0000u);
+    EXPECT_NE(pixel(7, 60 - height + 7), 0xFF0000u) << "another part";
+    bar.destroy();
+    EXPECT_EQ(bar.height(), 0);
+}
+
+} // namespace
