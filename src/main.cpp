@@ -4,11 +4,10 @@
 #include "host/shell.h"
 #include "platform/headless/headless.h"
 #include "platform/qt/qt_platform.h"
+#include "platform/user_paths.h"
 
 #include <charconv>
 #include <cstdio>
-#include <cstdlib>
-#include <filesystem>
 #include <string_view>
 
 namespace {
@@ -44,21 +43,11 @@ constexpr const char* USAGE =
     "An argument that names an existing file is a file, whatever it begins with.\n"
     "A screenshot is written beside FILE, as FILE0000.gif and so on.\n";
 
-std::string user_directory(const char* variable, const char* below_home) {
-    if (const char* given = std::getenv(variable); given && *given) {
-        return std::string(given) + "/tarvelin";
-    }
-    const char* home = std::getenv("HOME");
-    return std::string(home ? home : ".") + below_home + "/tarvelin";
-}
-
 HeadlessOptions headless_options() {
     HeadlessOptions options;
-    options.data_directory = user_directory("XDG_DATA_HOME", "/.local/share");
-    options.config_directory = user_directory("XDG_CONFIG_HOME", "/.config");
-    std::error_code error;
-    options.program_directory =
-        std::filesystem::read_symlink("/proc/self/exe", error).parent_path().string();
+    options.data_directory = user_data_directory();
+    options.config_directory = user_config_directory();
+    options.program_directory = executable_directory();
     return options;
 }
 

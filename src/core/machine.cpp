@@ -22,7 +22,7 @@ namespace {
 constexpr uint32_t STANDARD_CLOCK = 2216750; ///< Hz
 constexpr uint32_t STANDARD_FRAMES = 50;     ///< per second
 
-constexpr machine_configuration standard_models[3] = {
+constexpr machine_configuration standard_models[STANDARD_MODELS] = {
     {0, 1, 0, 2, STANDARD_CLOCK, STANDARD_FRAMES, 0, 1, "CG NZ1"},
     {2, 1, 0, 2, STANDARD_CLOCK, STANDARD_FRAMES, 0, 1, "CG NZ2"},
     {1, 1, 0, 2, STANDARD_CLOCK, STANDARD_FRAMES, 1, 1, "CG EUR"},
@@ -34,9 +34,9 @@ constexpr uint32_t CUSTOM_TEMPLATE = 1;
 machine_configuration machine_cfg[MACHINE_CONFIGURATIONS];
 uint32_t active_machine_cfg = 0;
 
-const char* const models[3] = {"Colour Genie EG2000 South (24 rows)",
-                               "Colour Genie EG2000 South (25 rows)",
-                               "Colour Genie EG2000 North (25 rows)"};
+const char* const models[STANDARD_MODELS] = {"Colour Genie EG2000 South (24 rows)",
+                                             "Colour Genie EG2000 South (25 rows)",
+                                             "Colour Genie EG2000 North (25 rows)"};
 const char* const basic_roms[4] = {"EACA CG MS BASIC v1", "EACA CG MS BASIC v2",
                                    "EACA CG MS BASIC v2.0 s/n", "<...Use custom BASIC ROM...>"};
 const char* const exp_roms[3] = {"Colour Genie DOS", "No ROM expansion",
@@ -46,11 +46,15 @@ const char* const char_roms[4] = {"Original Colour Genie charset", "German Colou
 const char* const palette_type[2] = {"Southern", "Northern"};
 const char* const ram_size[2] = {"16 kbyte", "32 kbyte"};
 
-bool machine_is_valid_cfg(uint32_t index) { return index < 3 || index == CUSTOM_CONFIGURATION; }
+bool machine_is_valid_cfg(uint32_t index) {
+    return index < STANDARD_MODELS || index == CUSTOM_CONFIGURATION;
+}
 
 void machine_init() {
     machine_configuration& custom = machine_cfg[CUSTOM_CONFIGURATION];
-    for (uint32_t model = 0; model < 3; ++model) machine_cfg[model] = standard_models[model];
+    for (uint32_t model = 0; model < STANDARD_MODELS; ++model) {
+        machine_cfg[model] = standard_models[model];
+    }
     custom = standard_models[CUSTOM_TEMPLATE];
     memory_set_ram_size_source(&custom.ram_size);
     machine_specific_init();

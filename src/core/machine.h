@@ -16,6 +16,7 @@ struct machine_configuration {
     char name[32];             ///< shown in status bar part 0
 };
 
+constexpr uint32_t STANDARD_MODELS = 3; ///< the slots before the empty one
 constexpr uint32_t CUSTOM_CONFIGURATION = 4;
 constexpr uint32_t MACHINE_CONFIGURATIONS = 5; ///< slot 3 stays empty
 
@@ -23,7 +24,7 @@ extern machine_configuration machine_cfg[MACHINE_CONFIGURATIONS];
 extern uint32_t active_machine_cfg;
 
 // The choices of the configuration dialog, in the order of their values.
-extern const char* const models[3];
+extern const char* const models[STANDARD_MODELS];
 extern const char* const basic_roms[4];
 extern const char* const exp_roms[3];
 extern const char* const char_roms[4];

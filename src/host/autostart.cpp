@@ -127,8 +127,6 @@ const Loader* loader_of(const std::string& path) {
 
 } // namespace
 
-bool autostart_knows(const std::string& path) { return loader_of(path) != nullptr; }
-
 std::string file_problem(const std::string& path) {
     std::error_code error;
     const fs::file_status status = fs::status(path, error);
@@ -141,17 +139,22 @@ std::string file_problem(const std::string& path) {
     return {};
 }
 
+std::string start_problem(const std::string& path) {
+    std::string problem = file_problem(path);
+    if (problem.empty() && !loader_of(path)) {
+        problem = path + ": files of this type cannot be started";
+    }
+    return problem;
+}
+
 void autostart_file(const std::string& path) {
     const size_t point = extension_point(path);
     const bool has_extension = point != std::string::npos;
     last_file_name = has_extension ? path.substr(0, point) : std::string();
 
-    const Loader* loader = loader_of(path);
-    std::string problem = file_problem(path);
-    if (problem.empty() && has_extension && !loader) {
-        problem = path + ": files of this type cannot be started";
-    }
+    const std::string problem = has_extension ? start_problem(path) : file_problem(path);
     if (!problem.empty()) return StatusBarText("%s", problem.c_str());
+    const Loader* loader = loader_of(path);
     if (loader && !loader->start(path)) return;
     StatusBarText("Autoloaded: %s", path.c_str());
 }

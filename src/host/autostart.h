@@ -10,9 +10,8 @@ extern bool g_bAutoStart;
 /// the base name of screenshots. A file that is missing, cannot be read or is of no known type
 /// leaves the machine as it is, and the status bar tells why.
 void autostart_file(const std::string& path);
-/// Is there a loader for files with this name?
-bool autostart_knows(const std::string& path);
-
 /// Why the file cannot be read as a program or an image, in one line; empty when nothing is in the
 /// way.
 std::string file_problem(const std::string& path);
+/// The same, and that files of its type cannot be started.
+std::string start_problem(const std::string& path);

@@ -19,7 +19,6 @@ namespace fs = std::filesystem;
 
 /// Switches that take the next argument as their value.
 constexpr const char* SWITCHES_WITH_VALUE = "birstv";
-constexpr uint32_t STANDARD_MODELS = 3;
 
 bool exists(const std::string& path) {
     std::error_code error;
@@ -65,14 +64,6 @@ void apply_switch(char letter, const std::string& argument, const std::string& v
     case 'w': g_Timer = false; break;
     default: break; // and 'r', whose value selects nothing
     }
-}
-
-std::string start_problem(const std::string& path) {
-    std::string problem = file_problem(path);
-    if (problem.empty() && !autostart_knows(path)) {
-        problem = path + ": files of this type cannot be started";
-    }
-    return problem;
 }
 
 std::string value_problem(char letter, const std::string& value) {

@@ -13,6 +13,7 @@
 #include "host/menu.h"
 #include "host/screenshot.h"
 #include "host/shell.h"
+#include "host/status.h"
 #include "media/disk_image.h"
 #include "media/printer.h"
 #include "media/snapshot.h"
@@ -34,12 +35,9 @@
 
 namespace {
 
-constexpr int SAMPLE_RATE = 48000;      ///< Hz, of the sound output
 constexpr int TAPE_SAMPLE_RATE = 44100; ///< Hz, of a new tape recording
 constexpr uint32_t RESTART_WAIT = 500;  ///< ms
 constexpr uint32_t BLUR_LEVEL = 66;
-constexpr unsigned DRIVES = 4;
-constexpr int PART_CASSETTE = 2;
 constexpr int CAPTURE_RUNS = 2; ///< value of g_bRecordingVideo
 
 void toggle(bool& flag, int id) {
@@ -158,7 +156,7 @@ void toggle_sound() {
         sound_null_driver_init();
         return sound_close();
     }
-    if (!dsound_init(SAMPLE_RATE)) not_available("Sound");
+    if (!dsound_init(SOUND_RATE)) not_available("Sound");
     sound_init();
 }
 
@@ -176,10 +174,6 @@ void save_to_wav() {
 }
 
 // ---- the picture -------------------------------------------------------------------------------
-
-void save_video_ram_when_wanted() {
-    if (save_video_ram_w_screenshot) memory_save_video_ram(last_file_name);
-}
 
 bool is_gif_name(const std::string& path) {
     std::string extension = path.substr(path.rfind('.') + 1);
@@ -392,7 +386,7 @@ void handle_command(int id) {
 }
 
 void main_disk_image_attach(unsigned drive, const std::string& path) {
-    if (path.empty() || drive >= DRIVES) return;
+    if (path.empty() || drive >= DISK_DRIVES) return;
     if (diskimg_is_attached(drive)) main_disk_image_detach(drive);
     disk_geometry geometry;
     if (!diskimg_attach(drive, path, &geometry)) {
@@ -405,7 +399,7 @@ void main_disk_image_attach(unsigned drive, const std::string& path) {
 }
 
 void main_disk_image_detach(unsigned drive) {
-    if (drive >= DRIVES) return;
+    if (drive >= DISK_DRIVES) return;
     const bool save =
         diskimg_is_changed(drive) &&
         platform().dialogs().question("Warning", "Disk content in drive :" + std::to_string(drive) +
@@ -417,7 +411,7 @@ void main_disk_image_detach(unsigned drive) {
 }
 
 void main_disk_image_detach_all() {
-    for (unsigned drive = 0; drive < DRIVES; ++drive) main_disk_image_detach(drive);
+    for (unsigned drive = 0; drive < DISK_DRIVES; ++drive) main_disk_image_detach(drive);
     StatusBarText("All disks detached.");
 }
 

@@ -37,7 +37,7 @@ constexpr int PALETTE = 8;
 constexpr int TRUE_COLOUR = 32;
 constexpr int MARGIN = 4; ///< of the client area around the canvas
 
-bool g_bKeepAspectRatio = true;
+constexpr bool g_bKeepAspectRatio = true; ///< nothing changes it
 bool fullscreen_mode = false;
 bool triggerClearBuffer = false; ///< the next stretched frame blackens the screen first
 Rectangle g_BackupRect;          ///< the window while the whole screen is used

@@ -156,7 +156,7 @@ std::vector<MenuEntry> main_menu() {
 void create_menu() {
     menu_state() = initial_state();
     platform().window().set_menu(main_menu());
-    platform().window().claim_keys(accelerator_chords);
+    platform().window().claim_keys(accelerator_keys());
 }
 
 void check_menu_item(int id, bool checked) {

@@ -2,6 +2,7 @@
 
 #include "cgenie/crtc.h"
 #include "cgenie/memory.h"
+#include "cgenie/video_cell.h"
 #include "core/frame_driver.h"
 #include "host/gif.h"
 #include "platform/file_handle.h"
@@ -17,7 +18,6 @@ bool screenshot_failed = false;
 namespace {
 constexpr size_t GIF_COLOURS = 256;
 constexpr size_t DUMP_SIZE = 1024;
-constexpr uint32_t VIDEO_ADDRESS_MASK = 0x3FFF; ///< the video circuit reaches 4000-7FFF
 constexpr const char* DUMP_EXTENSION = ".v80";
 constexpr size_t DUMP_EXTENSION_LENGTH = 4;
 
@@ -70,10 +70,16 @@ int gif_write(const dib& bitmap, const std::string& base) {
 int memory_save_video_ram(const std::string& base) {
     std::array<uint8_t, DUMP_SIZE> dump;
     for (size_t i = 0; i < DUMP_SIZE; ++i) {
-        dump[i] = memory[RAM_START + ((crtc.start_address + i) & VIDEO_ADDRESS_MASK)];
+        dump[i] = video_ram(crtc.start_address + uint32_t(i));
     }
     save_binary(dump_name(base).c_str(), dump.data(), dump.size());
     return 1;
+}
+
+void save_video_ram_when_wanted() {
+    if (save_video_ram_w_screenshot) {
+        memory_save_video_ram(last_file_name);
+    }
 }
 
 void host_save_screenshot() {
@@ -83,7 +89,5 @@ void host_save_screenshot() {
         screenshot_failed = true;
         host_warning("the screenshot cannot be written: %s", std::strerror(errno));
     }
-    if (save_video_ram_w_screenshot) {
-        memory_save_video_ram(last_file_name);
-    }
+    save_video_ram_when_wanted();
 }

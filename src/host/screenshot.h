@@ -26,3 +26,5 @@ int gif_write(const dib& bitmap, const std::string& base);
 /// Writes the 1024 bytes of screen memory from the display start address to `base` with the
 /// extension ".v80", which replaces an extension of three characters. Always returns 1.
 int memory_save_video_ram(const std::string& base);
+/// The dump that follows a screenshot, under the program's base name, where it is switched on.
+void save_video_ram_when_wanted();

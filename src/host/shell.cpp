@@ -45,7 +45,6 @@ std::string avi_name;
 namespace {
 
 constexpr const char* WINDOW_TITLE = "Tarvelin - EACA EG2000 Colour Genie emulator";
-constexpr int SAMPLE_RATE = 48000;
 constexpr uint32_t MONOCHROME = 1; ///< "BitDepth" of the 1-bit canvas
 constexpr uint32_t COLOUR_DEPTH = 8;
 constexpr uint32_t LOWEST_SCREEN_FREQUENCY = 5; ///< Hz
@@ -54,7 +53,6 @@ constexpr uint32_t DEFAULT_SCREEN_FREQUENCY = 50;
 constexpr uint32_t STRONGEST_BLUR = 99;
 constexpr int WHEEL_NOTCH = 120;
 constexpr int WHEEL_SCALE = 256;
-constexpr unsigned DRIVES = 4;
 
 /// A flag as the store keeps it.
 struct FlagSetting {
@@ -123,7 +121,7 @@ void read_options(uint32_t& bit_depth) {
 }
 
 void attach_remembered_disks() {
-    for (unsigned drive = 0; drive < DRIVES; ++drive) {
+    for (unsigned drive = 0; drive < DISK_DRIVES; ++drive) {
         std::string path;
         GetValueStr(disk_setting(drive).c_str(), &path);
         main_disk_image_attach(drive, path);
@@ -175,7 +173,7 @@ void write_settings() {
     const uint32_t pattern = memory_get_startup_pattern();
     SetValueDword("CustomRamStartupPattern", &pattern);
     write_flag("CycleBasedEmulation", g_bCycleBasedEngine);
-    for (unsigned drive = 0; drive < DRIVES; ++drive) {
+    for (unsigned drive = 0; drive < DISK_DRIVES; ++drive) {
         SetValueStr(disk_setting(drive).c_str(), diskimg_file_name(drive).c_str());
     }
 }
@@ -224,7 +222,7 @@ void emu_init(const Arguments& arguments) {
     prefs_init();
     read_flag("Sound", g_bSound);
     if (g_bSound) {
-        dsound_init(SAMPLE_RATE);
+        dsound_init(SOUND_RATE);
         ym2149_reset();
     }
     firmware_load_user_images(data_directory + "/firmware");

@@ -12,7 +12,6 @@ namespace {
 
 constexpr const char* PRODUCT_NAME = "Tarvelin";
 
-enum StatusPart { PART_CONFIGURATION, PART_LAMPS, PART_CASSETTE, PART_MESSAGES };
 constexpr std::array RIGHT_EDGES = {80, 176, 224, -1};
 
 constexpr int LAMPS = 4;

@@ -3,6 +3,8 @@
 
 #include <string>
 
+constexpr unsigned DISK_DRIVES = 4;
+
 struct disk_geometry {
     unsigned sides = 0;
     unsigned tracks = 0;

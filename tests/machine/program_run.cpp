@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
@@ -94,4 +95,11 @@ ProgramResult run_tarvelin(const std::vector<std::string>& arguments,
     std::vector<std::string> words = {TARVELIN_PROGRAM, "--headless"};
     words.insert(words.end(), arguments.begin(), arguments.end());
     return run_program(words, directory);
+}
+
+void expect_refusal(const ProgramResult& result, const std::string& named) {
+    EXPECT_EQ(result.exit_code, 1);
+    EXPECT_EQ(result.output, "");
+    EXPECT_EQ(std::ranges::count(result.errors, '\n'), 1) << result.errors;
+    EXPECT_NE(result.errors.find(named), std::string::npos) << result.errors;
 }

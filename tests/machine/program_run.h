@@ -51,6 +51,8 @@ private:
 /// Runs to the end. The first word is the program's path.
 ProgramResult run_program(const std::vector<std::string>& words,
                           const std::filesystem::path& directory);
+/// Expects a refusal: exit code 1, nothing printed but one line of errors with `named` in it.
+void expect_refusal(const ProgramResult& result, const std::string& named);
 /// The emulator without a display.
 ProgramResult run_tarvelin(const std::vector<std::string>& arguments,
                            const std::filesystem::path& directory);

@@ -1,26 +1,7 @@
 #include "platform/qt/qt_paths.h"
 
-#include <cstdlib>
-#include <filesystem>
+#include "platform/user_paths.h"
 
-namespace {
-
-/// The directory that the variable names, if it is an absolute path, else the one below home.
-std::string user_directory(const char* variable, const char* below_home) {
-    if (const char* given = std::getenv(variable); given && *given == '/') {
-        return std::string(given) + "/tarvelin";
-    }
-    const char* home = std::getenv("HOME");
-    return std::string(home ? home : ".") + below_home + "/tarvelin";
-}
-
-} // namespace
-
-std::string QtPaths::program_directory() {
-    std::error_code error;
-    return std::filesystem::read_symlink("/proc/self/exe", error).parent_path().string();
-}
-
-std::string QtPaths::data_directory() { return user_directory("XDG_DATA_HOME", "/.local/share"); }
-
-std::string QtPaths::config_directory() { return user_directory("XDG_CONFIG_HOME", "/.config"); }
+std::string QtPaths::program_directory() { return executable_directory(); }
+std::string QtPaths::data_directory() { return user_data_directory(); }
+std::string QtPaths::config_directory() { return user_config_directory(); }

@@ -133,9 +133,13 @@ void QtWindow::apply_limits() {
     if (fixed_size_.isValid()) {
         frame_.setFixedSize(fixed_size_);
     } else {
-        frame_.setMinimumSize(0, 0);
-        frame_.setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
+        lift_limits();
     }
+}
+
+void QtWindow::lift_limits() {
+    frame_.setMinimumSize(0, 0);
+    frame_.setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
 }
 
 void QtWindow::invalidate() {
@@ -149,8 +153,7 @@ void QtWindow::set_full_screen(bool on) {
     frame_.menuBar()->setVisible(!on);
     if (on) {
         windowed_ = frame_.geometry();
-        frame_.setMinimumSize(0, 0);
-        frame_.setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
+        lift_limits();
         frame_.setWindowState(frame_.windowState() | Qt::WindowFullScreen);
     } else {
         apply_limits();

@@ -59,6 +59,7 @@ private:
     QPoint screen_origin() const;
     void place(const QRect& geometry);
     void apply_limits();
+    void lift_limits();
 
     QtEvents& events_;
     QtInput& input_;
