@@ -24,6 +24,7 @@ constexpr const char* USAGE =
     "  --headless            run without a display\n"
     "  --real-time           headless: keep to real time instead of virtual time\n"
     "  --setting NAME=VALUE  headless: a setting for this run, a number or a text\n"
+    "  --wav FILE            record the sound from the start\n"
     "  --help                print this text\n"
     "  --version             print the version\n"
     "\n"
@@ -90,6 +91,9 @@ std::string parse(int count, char** words, Options& options) {
             const size_t equals = text.find('=');
             if (equals == std::string::npos || equals == 0) return word + ": NAME=VALUE is missing";
             options.settings.emplace_back(text.substr(0, equals), text.substr(equals + 1));
+        } else if (word == "--wav") {
+            if (n + 1 == count) return word + ": FILE is missing";
+            wav_name = words[++n];
         } else {
             return word + ": unknown option; --help lists them";
         }

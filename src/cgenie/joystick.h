@@ -1,11 +1,31 @@
 #pragma once
-/// Two analogue joysticks with keypads, read as comparator bits on the sound chip's port B. None is
-/// plugged in yet: both sticks stand in the middle and no key is down.
+/// Two analogue joysticks with twelve-key keypads, on the sound chip's I/O ports.
+///
+/// Register 14 (port A) drives a 6-bit converter; four comparators on port B tell whether its level
+/// reaches the position of each axis, so software finds a position by trying levels. Bits 0-2 of
+/// the same byte, when low, select the keypad columns, whose rows are read in port B bits 0-3.
+/// Every bit is active low. The sticks are the host's first two, read afresh each time, so they may
+/// come and go; both keypads are the host's numeric keypad. The fire buttons of the second stick
+/// are not connected.
 
 #include <cstdint>
 
+/// What input_getJoyCords can be asked for.
+enum JoystickQuery : int {
+    JOYSTICK_X,            ///< 0 left to 65535 right
+    JOYSTICK_Y,            ///< 0 down to 65535 up
+    JOYSTICK_FIRST_BUTTON, ///< 1 when down
+    JOYSTICK_SECOND_BUTTON
+};
+
 void joystick_init();
-/// Looks for the host's joysticks.
+void joystick_reset();
+/// Looks for the host's joysticks, says on the standard error stream what it found, and asks for
+/// the delivery of their positions.
 void initJoyInput();
-/// Port B, active low: bits 7-4 are 0 where the level in register 14 reaches the axis.
+/// One value of host joystick 0 or 1. A joystick that cannot be read stands in the middle, 32767 on
+/// both axes, with no button down. Any other query gives 0.
+uint32_t input_getJoyCords(int joystick, int query);
+/// Port B. Bits 7-4 (X and Y of joystick 0, X and Y of joystick 1) are 0 where the level in
+/// register 14 reaches the axis, bits 3-0 where a key of a selected keypad column is down.
 uint8_t joystick_get_state();

@@ -8,6 +8,7 @@
 #include "platform/host_services.h"
 #include "platform/platform.h"
 #include "sound/sound_core.h"
+#include "sound/wav_capture.h"
 #include "z80/z80.h"
 
 int32_t leftover = 0;
@@ -135,7 +136,7 @@ void show_frame_rate() {
     const int shown = (pacing.total_frames - pacing.last_total_frames) >> 1;
     ui_set_window_title("%1.3f Mhz CPU at %d%% (%d Hz video)", double(z80_state.clock_hz) / 1e6,
                         speed, shown);
-    if (const int64_t recorded = sound_is_saving()) {
+    if (int64_t recorded = 0; sound_is_saving(&recorded)) {
         StatusBarText("Saving to WAV: %6.1f kbyte so far...", double(recorded) / 1024.0);
     }
 }

@@ -26,6 +26,7 @@
 #include "platform/platform.h"
 #include "sound/sound_core.h"
 #include "sound/sound_output.h"
+#include "sound/wav_capture.h"
 #include "sound/ym2149.h"
 #include "z80/z80.h"
 
@@ -133,9 +134,11 @@ void paste_from_clipboard() {
 
 void toggle_printer() {
     toggle(printer_enabled, COMMAND_PRINTER);
-    if (!printer_enabled) return printer_close();
-    printer_init();
-    not_available("Printer");
+    if (printer_enabled) {
+        printer_init();
+    } else {
+        printer_close();
+    }
 }
 
 void choose_lowe_board(bool on) {
@@ -156,13 +159,8 @@ void toggle_sound() {
         sound_null_driver_init();
         return sound_close();
     }
-    if (!dsound_init(SOUND_RATE)) not_available("Sound");
+    dsound_init(SOUND_RATE);
     sound_init();
-}
-
-void start_sound_recording(const std::string& path) {
-    if (!sound_create_wav(path)) return not_available("Save to WAV");
-    check_menu_item(COMMAND_SAVE_WAV, true);
 }
 
 void save_to_wav() {
@@ -425,6 +423,11 @@ void main_load_bas_file(const std::string& path) {
     if (!bas_to_cas_open(path)) return not_available("Tokenized BASIC");
     memory_place_bas_trap();
     keyboard_open_from_buffer("\r\r\r\rCLOAD\r\r");
+}
+
+void start_sound_recording(const std::string& path) {
+    if (!sound_create_wav(path)) return StatusBarText("%s: cannot be written", path.c_str());
+    check_menu_item(COMMAND_SAVE_WAV, true);
 }
 
 int video_save_to_avi(bool ask, std::string* name) {

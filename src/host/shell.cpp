@@ -41,6 +41,7 @@ bool g_bSound = true;
 bool g_KeyMapping = false;
 std::string emu_path;
 std::string avi_name;
+std::string wav_name;
 
 namespace {
 
@@ -240,7 +241,9 @@ void emu_init(const Arguments& arguments) {
     GetValueStr("Tape", &tape_get_cas_name());
     read_flag("CycleBasedEmulation", g_bCycleBasedEngine);
     keyboard_change_mapping(g_KeyMapping);
+    if (!wav_name.empty()) start_sound_recording(wav_name); // from the first frame on
     get_command_line(arguments);
+    if (!g_bSound) sound_null_driver_init(); // the command line may have switched it off
     set_check_marks();
     set_screen_params(g_GiantScreen, canvas_bits());
     if (!avi_name.empty()) video_save_to_avi(false, &avi_name);

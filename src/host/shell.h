@@ -13,6 +13,7 @@ extern bool g_bSound;           ///< sound output wanted
 extern bool g_KeyMapping;       ///< symbolic
 extern std::string emu_path;    ///< the program's directory, with a trailing separator
 extern std::string avi_name;    ///< capture to start with
+extern std::string wav_name;    ///< sound recording to start with
 
 /// Start-up, message loop, shutdown. Returns the exit code.
 int run_shell(const Arguments& arguments);

@@ -2,11 +2,13 @@
 /// The host behind a thin layer: each service is an interface of its own, and the platform is the
 /// set of them. One implementation is installed at program start, before anything else runs.
 
+#include "platform/audio.h"
 #include "platform/clipboard.h"
 #include "platform/clock.h"
 #include "platform/dialogs.h"
 #include "platform/drawing.h"
 #include "platform/events.h"
+#include "platform/joystick.h"
 #include "platform/keyboard.h"
 #include "platform/paths.h"
 #include "platform/settings.h"
@@ -16,11 +18,13 @@
 
 struct Platform {
     virtual ~Platform() = default;
+    virtual Audio& audio() = 0;
     virtual Clipboard& clipboard() = 0;
     virtual Clock& clock() = 0;
     virtual Dialogs& dialogs() = 0;
     virtual Drawing& drawing() = 0;
     virtual Events& events() = 0;
+    virtual Joysticks& joysticks() = 0;
     virtual HostKeyboard& keyboard() = 0;
     virtual Paths& paths() = 0;
     virtual Settings& settings() = 0;

@@ -1,23 +1,58 @@
 #pragma once
-/// Sound core: brings the sound sources up to date. No source is fitted yet, so there is nothing
-/// to render; the calls stand where the machine has to make them.
+/// Sound core: turns the machine's sound sources into 16-bit mono samples at 48000 Hz and hands
+/// them to the output driver in fragments of 960, a few fragments ahead of what is being heard.
+///
+/// The sound clock is cycles per scan line x 15625 Hz; an update renders everything up to a given
+/// processor cycle, so a source must be brought up to date before its state changes. A 50 Hz
+/// high-pass removes the offset of the unsigned mix. Nothing is allocated on the sample path.
 
 #include <cstdint>
-#include <string>
 
-/// Renders the sound up to the given processor cycle. Call it before a source changes its state.
-void sound_update(int64_t cycles);
-/// The same, at the end of a frame.
-void sound_flush(int64_t cycles);
+/// One source; allocated by its owner, linked by the core.
+struct sound_source {
+    const char* name;
+    sound_source* next;
+    /// Writes `count` samples.
+    void (*render)(uint16_t* buffer, uint32_t count);
+    void (*reset)();
+};
+
+/// What an output driver offers. Its ring holds 96000 bytes, one second.
+struct sound_driver_table {
+    const char* name;
+    int (*init)();
+    void (*close)();
+    /// Puts `bytes` bytes of samples at byte `offset` of the ring, which wraps. 0 on success.
+    int (*write)(const uint16_t* samples, uint32_t offset, uint32_t bytes);
+    void (*reset)();
+    void (*pause)();
+    void (*resume)();
+    /// Byte offset up to which the device has taken data, or -1 when unknown.
+    int32_t (*get_current_position)();
+};
+
+constexpr int SOUND_RATE = 48000; ///< samples per second
+constexpr uint32_t FRAGMENT_SAMPLES = 960;
+constexpr uint32_t FRAGMENT_BYTES = FRAGMENT_SAMPLES * 2;
+constexpr uint32_t RING_BYTES = 96000;
+
+/// Appends a source; the list keeps its order.
+void sound_add_source(sound_source* source);
+/// Closes the active driver and makes `driver` the active one.
+void sound_register_driver(const sound_driver_table* driver);
+/// The driver that plays nothing, "No sound".
+void sound_null_driver_init();
 void sound_init();
+/// The driver's reset, then every source's.
+void sound_reset();
+/// Ends WAV capture, closes the driver, frees the filters.
 void sound_close();
 /// Silence while the program stands still.
 void sound_pause();
 void sound_resume();
-/// Starts recording to a WAV file; 1 on success.
-int sound_create_wav(const std::string& path);
-void sound_close_wav();
-/// Bytes recorded so far; 0 while nothing is.
-int64_t sound_is_saving();
-/// Every source back to its power-on state.
-void sound_reset();
+/// Renders up to the given processor cycle.
+void sound_update(int64_t cycles);
+/// The same, at the end of a frame.
+void sound_flush(int64_t cycles);
+/// The fragment buffer, for video capture.
+uint16_t* sound_get_buffer_ptr();

@@ -1,9 +1,25 @@
 #pragma once
-/// Drivers that play the sound. There is none but silence yet.
+/// Sound output through the host's looping ring of one second. The driver's name is "DirectSound"
+/// to the core, and its messages keep that name.
+///
+/// A fragment is copied into the ring where the core says; the device reads on by itself. A ring
+/// that could not be made, or whose device is lost, takes nothing, and the machine goes on
+/// silently.
 
-constexpr int SOUND_RATE = 48000; ///< samples per second
+#include <cstdint>
 
-/// The driver that plays through the host's audio, at `rate` samples per second; 1 on success.
+/// Builds the output at `rate` samples per second and registers the driver; 1 on success. A step
+/// that fails shows its message, and the null driver stays.
 int dsound_init(int rate);
-/// The driver that plays nothing.
-void sound_null_driver_init();
+/// Makes the ring in place of any before and starts it; without one a message is shown. 1 on
+/// success.
+int dsound_create_secondary_buffer(int rate);
+/// 0 when written, and without a ring; else what failed.
+int dsound_write(const uint16_t* samples, uint32_t offset, uint32_t bytes);
+/// Byte offset up to which the device has taken data, or -1 when unknown.
+int32_t dsound_get_current_position();
+void dsound_pause();
+void dsound_resume();
+/// Gets a lost device back.
+void dsound_reset();
+void dsound_close();

@@ -1,16 +1,69 @@
 #include "sound/ym2149.h"
 
+#include "sound/sound_core.h"
+#include "z80/z80.h"
+
+#include <algorithm>
 #include <array>
 
 namespace {
 
-enum : uint32_t { REG_MIXER = 7, REG_PORT_A = 14, REG_PORT_B = 15 };
+enum : uint32_t {
+    REG_NOISE = 6,
+    REG_MIXER = 7,
+    REG_VOLUME_A = 8,
+    REG_ENVELOPE_FINE = 11,
+    REG_ENVELOPE_COARSE = 12,
+    REG_SHAPE = 13,
+    REG_PORT_A = 14,
+    REG_PORT_B = 15
+};
+
+constexpr uint32_t CHANNELS = 3;
+constexpr uint32_t ALL_OFF = 0x3F; ///< mixer
+constexpr uint8_t USE_ENVELOPE = 0x10;
+constexpr uint8_t SHAPE_ATTACK = 0x04;
+constexpr uint8_t KEEP_SHAPE = 0xFF;
+constexpr int32_t TOP_LEVEL = 31;
+
+/// Periods and counters have eight fraction bits.
+constexpr uint32_t ONE = 0x100;
+/// What a period of 0 counts as: a tone period as 1, the others as a half.
+constexpr uint32_t SHORTEST_TONE = ONE;
+constexpr uint32_t SHORTEST_NOISE = ONE / 2;
+constexpr uint32_t SHORTEST_ENVELOPE = ONE / 2;
 
 /// Bits that a read of each register returns.
 constexpr std::array<uint8_t, 16> read_mask = {0xFF, 0x0F, 0xFF, 0x0F, 0xFF, 0x0F, 0x1F, 0xFF,
                                                0x1F, 0x1F, 0x1F, 0xFF, 0xFF, 0x0F, 0xFF, 0xFF};
 
+/// Output of the converter as measured on the chip, about 1.5 dB a step. A fixed volume takes every
+/// second entry, the envelope all of them.
+constexpr std::array<uint32_t, 32> amplitude = {
+    0,     0,     190,   286,   375,   470,   560,   664,   866,   1130,  1515,
+    1803,  2253,  2848,  3351,  3862,  4844,  6058,  7290,  8559,  10474, 12878,
+    15297, 17787, 21500, 26172, 30866, 35676, 42664, 50986, 58842, 65535};
+constexpr uint32_t MIX_SHIFT = 3; ///< keeps the sum of three channels positive as a signed sample
+
+struct tone_channel {
+    uint32_t period = 0;
+    uint8_t volume = 0;
+    uint8_t envelope_mode = 0;
+    uint32_t counter = 0;
+    uint32_t output = 0; ///< the flip-flop
+};
+
 struct {
+    std::array<tone_channel, CHANNELS> channel;
+    uint32_t noise_period = ONE;
+    uint32_t noise_counter = ONE;
+    uint32_t noise_output = 0;
+    uint32_t mixer = ALL_OFF; ///< bit n: no tone on channel n, bit n + 3: no noise
+    uint32_t envelope_period = ONE;
+    uint8_t shape = 0;
+    uint32_t envelope_counter = 0;
+    int32_t direction = 1;
+    int32_t base = 0;
     uint8_t selected = 0;
     std::array<uint8_t, 16> registers = {};
     std::array<uint8_t, 2> input_latch = {};
@@ -18,16 +71,256 @@ struct {
     std::array<void (*)(uint8_t), 2> write_callback = {};
 } ay;
 
+uint32_t cycles_per_sample = 0;         ///< tone and noise, in 1/32 chip clock
+uint32_t envelopecycles_per_sample = 0; ///< in chip clocks
+bool ym_onetime_init_done = false;
+uint32_t shift_reg = 0xFFFF; ///< noise; only bits 13, 15 and 16 matter
+
+sound_source ym2149 = {"YM2149", nullptr, ym2149_calc_output, ym2149_reset};
+
+// ---- generators --------------------------------------------------------------------------------
+// Each renders a block, or, where nobody hears it, only moves on by that many samples.
+
+constexpr uint32_t BLOCK = FRAGMENT_SAMPLES;
+using Block = std::array<uint32_t, BLOCK>;
+Block envelope_level; ///< amplitude of each sample
+Block noise;          ///< 0 or all ones
+
+void ym2149_select_envelope_shape() {
+    switch (ay.shape) {
+    case 8: // falling saw
+        ay.direction = -1;
+        ay.base = TOP_LEVEL;
+        break;
+    case 10:
+    case 14: // triangles
+        ay.direction = -ay.direction;
+        ay.base = TOP_LEVEL - ay.base;
+        break;
+    case 11:
+    case 13: // hold at maximum
+        ay.direction = 0;
+        ay.base = TOP_LEVEL;
+        break;
+    case 12: // rising saw
+        ay.direction = 1;
+        break;
+    default: // hold silent
+        ay.direction = 0;
+        ay.base = 0;
+        break;
+    }
+}
+
+/// A counter below its period, at most one pass a sample: many samples are then one division.
+bool is_settled(uint32_t counter, uint32_t period, uint32_t per_sample) {
+    return counter < period && per_sample <= period;
+}
+
+void count_envelope() {
+    ay.envelope_counter += envelopecycles_per_sample;
+    if (int32_t(ay.envelope_counter) < int32_t(ay.envelope_period)) return;
+    ay.envelope_counter -= ay.envelope_period;
+    ym2149_select_envelope_shape();
+}
+
+void render_envelope(uint32_t count) {
+    for (uint32_t i = 0; i < count; ++i) {
+        count_envelope();
+        const auto slope = uint32_t(ay.direction * TOP_LEVEL);
+        const int32_t level =
+            int32_t(ay.envelope_counter * slope) / int32_t(ay.envelope_period) + ay.base;
+        envelope_level[i] = amplitude[level & TOP_LEVEL];
+    }
+}
+
+void skip_envelope(uint32_t count) {
+    const uint32_t end = ay.envelope_counter + count * envelopecycles_per_sample;
+    if (is_settled(ay.envelope_counter, ay.envelope_period, envelopecycles_per_sample)) {
+        ay.envelope_counter = end % ay.envelope_period;
+        for (uint32_t pass = end / ay.envelope_period; pass; --pass) ym2149_select_envelope_shape();
+        return;
+    }
+    for (uint32_t i = 0; i < count; ++i) count_envelope();
+}
+
+/// The noise register taps bits 16 and 13, so up to 14 steps depend on old bits alone and are one
+/// operation.
+constexpr uint32_t STEPS_AT_ONCE = 14;
+
+void shift_noise(uint32_t steps) {
+    while (steps) {
+        const uint32_t part = std::min(steps, STEPS_AT_ONCE);
+        const uint32_t fed = ~((shift_reg >> (17 - part)) ^ (shift_reg >> (14 - part)));
+        ay.noise_output = shift_reg >> (16 - part) & 1;
+        shift_reg = shift_reg << part | (fed & ((1U << part) - 1));
+        steps -= part;
+    }
+}
+
+void render_noise(uint32_t count) {
+    for (uint32_t i = 0; i < count; ++i) {
+        ay.noise_counter += cycles_per_sample;
+        shift_noise(ay.noise_counter / ay.noise_period);
+        ay.noise_counter %= ay.noise_period;
+        noise[i] = 0 - ay.noise_output;
+    }
+}
+
+void skip_noise(uint32_t count) {
+    ay.noise_counter += count * cycles_per_sample;
+    shift_noise(ay.noise_counter / ay.noise_period);
+    ay.noise_counter %= ay.noise_period;
+}
+
+void count_tone(tone_channel& channel) {
+    channel.counter += cycles_per_sample;
+    if (channel.counter < channel.period) return;
+    channel.counter -= channel.period;
+    channel.output ^= 1;
+}
+
+template <class Level>
+void add_tone(tone_channel& shared, uint32_t number, uint16_t* buffer, uint32_t count,
+              Level level_at) {
+    const uint32_t tone_off = ay.mixer >> number & 1;
+    const uint32_t noise_off = 0 - (ay.mixer >> (number + CHANNELS) & 1);
+    tone_channel channel = shared; // in registers
+    for (uint32_t i = 0; i < count; ++i) {
+        count_tone(channel);
+        const uint32_t gate = (0 - (channel.output | tone_off)) & (noise[i] | noise_off);
+        buffer[i] = uint16_t(buffer[i] + ((level_at(i) & gate) >> MIX_SHIFT));
+    }
+    shared = channel;
+}
+
+void skip_tone(tone_channel& channel, uint32_t count) {
+    const uint32_t advance = count * cycles_per_sample;
+    if (is_settled(channel.counter, channel.period, cycles_per_sample)) {
+        const uint32_t end = channel.counter + advance;
+        channel.counter = end % channel.period;
+        channel.output ^= end / channel.period & 1;
+    } else if (channel.period <= cycles_per_sample && channel.counter <= UINT32_MAX - advance) {
+        channel.counter += advance - count * channel.period; // toggles on every sample
+        channel.output ^= count & 1;
+    } else {
+        for (uint32_t i = 0; i < count; ++i) count_tone(channel);
+    }
+}
+
+bool is_heard(const tone_channel& channel) { return channel.volume || channel.envelope_mode; }
+
+bool hears_noise(uint32_t number) {
+    return is_heard(ay.channel[number]) && !(ay.mixer >> (number + CHANNELS) & 1);
+}
+
+void render_block(uint16_t* buffer, uint32_t count) {
+    const bool envelope_heard = std::ranges::any_of(
+        ay.channel, [](const tone_channel& channel) { return channel.envelope_mode != 0; });
+    envelope_heard ? render_envelope(count) : skip_envelope(count);
+    hears_noise(0) || hears_noise(1) || hears_noise(2) ? render_noise(count) : skip_noise(count);
+    std::fill_n(buffer, count, uint16_t(0));
+    for (uint32_t number = 0; number < CHANNELS; ++number) {
+        tone_channel& channel = ay.channel[number];
+        if (!is_heard(channel)) {
+            skip_tone(channel, count);
+        } else if (channel.envelope_mode) {
+            add_tone(channel, number, buffer, count, [](uint32_t i) { return envelope_level[i]; });
+        } else {
+            const uint32_t level = amplitude[2 * channel.volume];
+            add_tone(channel, number, buffer, count, [level](uint32_t) { return level; });
+        }
+    }
+}
+
+// ---- registers ---------------------------------------------------------------------------------
+
+uint32_t or_shortest(uint32_t period, uint32_t shortest) { return period ? period : shortest; }
+
+// A period of 0 is stored as 1, and that 1 stays when the other half is written: a program that
+// writes a fine 0 first, then the coarse byte, plays one period more.
+void set_tone_fine(tone_channel& channel, uint32_t value) {
+    channel.period = or_shortest((channel.period & 0xF0000) | value << 8, SHORTEST_TONE);
+}
+
+void set_tone_coarse(tone_channel& channel, uint32_t value) {
+    channel.period = or_shortest((channel.period & 0xFF00) | (value & 0x0F) << 16, SHORTEST_TONE);
+}
+
+void set_envelope_period(uint32_t period) {
+    ay.envelope_period = or_shortest(period << 8, SHORTEST_ENVELOPE);
+}
+
+void set_shape(uint8_t value) {
+    if (value == KEEP_SHAPE) return;
+    ay.shape = value & 0x0F;
+    const bool attack = (value & SHAPE_ATTACK) != 0;
+    ay.base = attack ? 0 : TOP_LEVEL;
+    ay.direction = attack ? 1 : -1;
+    ay.envelope_counter &= ONE - 1;
+}
+
+void apply(uint32_t reg, uint8_t value) {
+    const uint32_t envelope = ay.envelope_period >> 8;
+    switch (reg) {
+    case 0:
+    case 2:
+    case 4: set_tone_fine(ay.channel[reg / 2], value); break;
+    case 1:
+    case 3:
+    case 5: set_tone_coarse(ay.channel[reg / 2], value); break;
+    case REG_NOISE:
+        ay.noise_period = or_shortest(uint32_t(value) << 8 & 0x1F00, SHORTEST_NOISE);
+        break;
+    case REG_MIXER: ay.mixer = value & ALL_OFF; break;
+    case REG_VOLUME_A:
+    case REG_VOLUME_A + 1:
+    case REG_VOLUME_A + 2:
+        ay.channel[reg - REG_VOLUME_A].volume = value & 0x0F;
+        ay.channel[reg - REG_VOLUME_A].envelope_mode = value & USE_ENVELOPE;
+        break;
+    case REG_ENVELOPE_FINE: set_envelope_period((envelope & 0xFF00) | value); break;
+    case REG_ENVELOPE_COARSE: set_envelope_period((envelope & 0x00FF) | value << 8); break;
+    case REG_SHAPE: set_shape(value); break;
+    case REG_PORT_A:
+    case REG_PORT_B:
+        if (const auto callback = ay.write_callback[reg - REG_PORT_A]) callback(value);
+        break;
+    default: break;
+    }
+}
+
 bool is_output(uint32_t port) { return (ay.registers[REG_MIXER] >> (6 + port) & 1) != 0; }
 
 } // namespace
 
-void ym2149_init(uint32_t /*clock_hz*/) {
+void ym2149_init(uint32_t clock_hz) {
+    ym2149_set_clock(clock_hz, SOUND_RATE);
+    ym2149_onetime_init();
     ym2149_reset();
     ym2149_set_port_read_callback(0, nullptr);
 }
 
+void ym2149_onetime_init() {
+    if (!ym_onetime_init_done) sound_add_source(&ym2149);
+    ym_onetime_init_done = true;
+}
+
+void ym2149_set_clock(uint32_t clock_hz, uint32_t rate) {
+    cycles_per_sample = (clock_hz * 32 + rate / 2) / rate;
+    envelopecycles_per_sample = (clock_hz + rate / 2) / rate;
+}
+
 void ym2149_reset() {
+    ay.channel = {};
+    ay.noise_period = ay.noise_counter = ONE;
+    ay.noise_output = 0;
+    ay.mixer = ALL_OFF;
+    ay.envelope_period = ONE;
+    ay.shape = 0;
+    ay.envelope_counter = 0;
+    ay.direction = 1;
+    ay.base = 0;
     ay.selected = 0;
     ay.input_latch = {};
 }
@@ -37,9 +330,8 @@ void ym2149_register_select(uint8_t value) { ay.selected = value; }
 void ym2149_write(uint8_t value) { ym2149_write_register(ay.selected, value); }
 
 void ym2149_write_register(uint32_t reg, uint8_t value) {
-    if ((reg == REG_PORT_A || reg == REG_PORT_B) && ay.write_callback[reg - REG_PORT_A]) {
-        ay.write_callback[reg - REG_PORT_A](value);
-    }
+    sound_update(z80_state.t_count);
+    apply(reg, value);
     ay.registers[reg % 16] = value;
 }
 
@@ -61,4 +353,13 @@ void ym2149_set_port_write_callback(uint32_t port, void (*callback)(uint8_t valu
 
 void ym2149_set_port_read_callback(uint32_t port, uint8_t (*callback)()) {
     ay.read_callback[port % 2] = callback;
+}
+
+void ym2149_calc_output(uint16_t* buffer, uint32_t count) {
+    while (count) {
+        const uint32_t part = std::min(count, BLOCK);
+        render_block(buffer, part);
+        buffer += part;
+        count -= part;
+    }
 }

@@ -1,19 +1,33 @@
 #pragma once
-/// AY-3-8910 / YM2149 sound generator, the half that the bus sees: register file and I/O ports.
+/// AY-3-8910 / YM2149 sound generator, with the 32 envelope steps of the YM2149.
+///
+/// Three tone generators, one noise generator, one envelope, a mixer, and two 8-bit ports. In chip
+/// clocks: a tone output toggles every 8 x period, so the pitch is clock / (16 x period); the noise
+/// register shifts every 8 x period; one envelope ramp of 31 steps lasts 256 x period.
+///
+/// The chip is rendered at 48000 samples a second without filtering: a tone toggles at most once a
+/// sample, a generator is heard in the state it has at the sample. Both are inaudible at the
+/// pitches that music uses. Levels are unsigned; the sound core removes the offset.
 ///
 /// Registers keep what was written; a read masks the bits that the chip does not have. Registers
-/// 14 and 15 are the two 8-bit ports; bits 6 and 7 of register 7 make them outputs. The tone, noise
-/// and envelope generators are not part of this module yet: the machine is silent.
+/// 14 and 15 are the two ports; bits 6 and 7 of register 7 make them outputs.
 
 #include <cstdint>
 
-/// Sets the chip's clock in Hz and resets it; disconnects the port A input.
+/// Sets the chip's clock in Hz and resets it; disconnects the port A input. From the first call on
+/// the chip is one of the sound core's sources.
 void ym2149_init(uint32_t clock_hz);
-/// Selects register 0 and clears the port latches. The register file and the callbacks stay.
+/// Adds the chip to the sound core, once.
+void ym2149_onetime_init();
+/// Clock in Hz, up to 8388607, and samples per second.
+void ym2149_set_clock(uint32_t clock_hz, uint32_t rate);
+/// Silences the generators, selects register 0 and clears the port latches. The register file, the
+/// noise register and the callbacks stay.
 void ym2149_reset();
 void ym2149_register_select(uint8_t value);
 void ym2149_write(uint8_t value);
-/// `reg` above 15 changes only the register file, at `reg` modulo 16.
+/// Takes effect at the processor's present cycle. `reg` above 15 changes only the register file, at
+/// `reg` modulo 16.
 void ym2149_write_register(uint32_t reg, uint8_t value);
 /// The selected register; a port in input mode without a callback reads FF.
 uint8_t ym2149_read();
@@ -23,3 +37,6 @@ uint8_t ym2149_peek_reg(uint32_t reg);
 /// Port 0 is A, 1 is B; none disconnects.
 void ym2149_set_port_write_callback(uint32_t port, void (*callback)(uint8_t value));
 void ym2149_set_port_read_callback(uint32_t port, uint8_t (*callback)());
+
+/// Renders the next `count` samples, 0 to 24573.
+void ym2149_calc_output(uint16_t* buffer, uint32_t count);

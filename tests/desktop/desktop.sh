@@ -10,6 +10,7 @@ fail() {
 program=$(realpath "$program")
 work=$(mktemp -d)
 export XDG_CONFIG_HOME=$work/config XDG_DATA_HOME=$work/data QT_QPA_PLATFORM=xcb
+export SDL_AUDIODRIVER=dummy
 unset WAYLAND_DISPLAY
 mkdir -p "$work/config/tarvelin"
 cd "$work"
@@ -18,7 +19,7 @@ printf 'leak:libdbus-1\nleak:libfontconfig\n' >lsan.supp
 export LSAN_OPTIONS=suppressions=$work/lsan.supp:print_suppressions=0
 
 clean_up() {
-    kill "${program_pid:-0}" "${server_pid:-0}" 2>/dev/null || true
+    kill ${program_pid:-} ${server_pid:-} 2>/dev/null || true
     wait 2>/dev/null || true
     rm -rf "$work"
 }

@@ -100,6 +100,12 @@ TEST_F(CommandsTest, OptionsAreToggledWithTheirMark) {
         EXPECT_EQ(is_menu_item_checked(40046), chosen == 40046);
         EXPECT_EQ(is_menu_item_checked(40045), chosen == 40045);
     }
+    printer_set_filename(".");
+    for (const int ready : {1, 0}) {
+        handle_command(40060);
+        EXPECT_EQ(printer_is_ready(), ready);
+        EXPECT_EQ(host->status_text(3), "");
+    }
     handle_command(122);
     EXPECT_TRUE(is_menu_item_checked(122));
     handle_command(122);
@@ -247,11 +253,11 @@ TEST_F(CommandsTest, CommandsThatAskForAFile) {
         {126, "Save screen as...", "shot.bmp", "Screenshot saved: shot.bmp"},
         {126, "Save screen as...", "shot.GIF", "Screenshot saved: shot.GIF"},
         {40054, "Save video...", "film", "AVI: an error occured."},
+        {40120, "Save to WAV...", "no/way", "no/way.wav: cannot be written"},
         // Their devices are not there yet.
         {40034, "Attach tape sample file", "short", "Attach WAV: not available yet."},
         {120, "Save WAV file", "tape", "Create WAV: not available yet."},
         {127, "Save memory as CAS file", "tape", "Save memory as CAS: not available yet."},
-        {40120, "Save to WAV...", "sound", "Save to WAV: not available yet."},
     };
     std::ofstream("short") << "short";
     for (const auto& c : cases) {
@@ -271,6 +277,26 @@ TEST_F(CommandsTest, CommandsThatAskForAFile) {
     EXPECT_EQ(read_file("shot.GIF")[0], 'G');
     EXPECT_EQ(read_file("shot.bmp")[0], 'B');
     EXPECT_EQ(g_bRecordingVideo, 0);
+}
+
+TEST_F(CommandsTest, SoundOutputAndItsRecording) {
+    handle_command(118); // off
+    handle_command(118);
+    EXPECT_TRUE(host->audio().device);
+    EXPECT_TRUE(host->audio().playing);
+    command_with_file(40120, "sound");
+    EXPECT_TRUE(is_menu_item_checked(40120));
+    EXPECT_EQ(read_file("sound.wav").size(), 44U);
+    handle_command(40120);
+    EXPECT_FALSE(is_menu_item_checked(40120));
+    EXPECT_EQ(read_file("sound.wav")[4], 36) << "closed";
+
+    handle_command(118);
+    EXPECT_FALSE(host->audio().device);
+    g_Timer = false;
+    handle_command(118);
+    EXPECT_FALSE(host->audio().device) << "an unpaced machine is silent";
+    EXPECT_TRUE(host->dialogs().messages.empty());
 }
 
 TEST_F(CommandsTest, SnapshotsAndScreenshots) {

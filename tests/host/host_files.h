@@ -6,6 +6,8 @@
 
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
 #include <cstdint>
 #include <filesystem>
 #include <fstream>
@@ -22,7 +24,8 @@ protected:
         before_ = std::filesystem::current_path();
         const auto* test = testing::UnitTest::GetInstance()->current_test_info();
         folder_ = std::filesystem::path(testing::TempDir()) /
-                  (std::string("tarvelin-") + test->test_suite_name() + "-" + test->name());
+                  ("tarvelin-" + std::to_string(getpid()) + "-" + test->test_suite_name() + "-" +
+                   test->name());
         std::filesystem::remove_all(folder_);
         std::filesystem::create_directories(folder_);
         std::filesystem::current_path(folder_);

@@ -13,6 +13,17 @@ namespace {
 using Words = std::vector<std::string>;
 const std::string COLOURS = EXAMPLES_DIR "/colours.cmd";
 
+const std::string NO_JOYSTICKS =
+    "No joystick driver found.\nNumber of joysticks found: 0\nNo joysticks are plugged.\n";
+
+/// The errors of a run that was started, without what each start says about the joysticks.
+std::string complaints(const ProgramResult& result) {
+    std::string text = result.errors;
+    const size_t report = text.find(NO_JOYSTICKS);
+    EXPECT_NE(report, std::string::npos) << text;
+    return report == std::string::npos ? text : text.erase(report, NO_JOYSTICKS.size());
+}
+
 class ProgramTest : public testing::Test {
 protected:
     ProgramResult run(const Words& arguments) const {
@@ -94,9 +105,9 @@ TEST_F(ProgramTest, AScreenshotThatCannotBeWrittenIsAnError) {
     // Nobody, not even the superuser, can make files there.
     const ProgramResult result = run_tarvelin({"/w", "/s", "1", "/t", "2"}, "/proc");
     EXPECT_EQ(result.exit_code, 1);
-    EXPECT_EQ(std::ranges::count(result.errors, '\n'), 1) << result.errors;
-    EXPECT_NE(result.errors.find("screenshot cannot be written"), std::string::npos)
-        << result.errors;
+    EXPECT_EQ(std::ranges::count(complaints(result), '\n'), 1) << complaints(result);
+    EXPECT_NE(complaints(result).find("screenshot cannot be written"), std::string::npos)
+        << complaints(result);
 }
 
 TEST_F(ProgramTest, TheUsersFirmwareReplacesTheBuiltInOneOfTheSameSize) {
@@ -113,13 +124,13 @@ TEST_F(ProgramTest, TheUsersFirmwareReplacesTheBuiltInOneOfTheSameSize) {
         const bool full = black <= 384 * 288 - 320 * 192 + 64;
         EXPECT_EQ(full, size == 2048);
         if (size == 2048) {
-            EXPECT_EQ(result.errors, "");
+            EXPECT_EQ(complaints(result), "");
             continue;
         }
-        EXPECT_EQ(std::ranges::count(result.errors, '\n'), 1) << result.errors;
+        EXPECT_EQ(std::ranges::count(complaints(result), '\n'), 1) << complaints(result);
         const std::string sizes = std::to_string(size) + " bytes found, 2048 bytes needed";
-        EXPECT_NE(result.errors.find(charset.string() + ": " + sizes), std::string::npos)
-            << result.errors;
+        EXPECT_NE(complaints(result).find(charset.string() + ": " + sizes), std::string::npos)
+            << complaints(result);
     }
 }
 
@@ -134,7 +145,7 @@ TEST_F(ProgramTest, ATerminationSignalEndsTheRunInGoodOrder) {
         const ProgramResult result = program.wait();
         EXPECT_NE(result.exit_code, -1) << "by its own will";
         EXPECT_NE(result.exit_code, 0) << "but not as planned";
-        EXPECT_EQ(result.errors, "");
+        EXPECT_EQ(complaints(result), "");
         EXPECT_EQ(picture("Tarvelin0000.gif").pixels.size(), 384U * 288U);
         std::filesystem::remove(folder_ / "Tarvelin0000.gif");
     }

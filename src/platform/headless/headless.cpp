@@ -22,12 +22,15 @@ public:
         : real_time_(real_time), look_ns_(look_ns), refresh_(refresh) {}
 
     int64_t counter() override {
-        if (real_time_) {
-            return std::chrono::duration_cast<std::chrono::nanoseconds>(
-                       std::chrono::steady_clock::now().time_since_epoch())
-                .count();
-        }
-        return now_ += look_ns_;
+        now_ += look_ns_;
+        return now();
+    }
+    /// Without making time pass.
+    int64_t now() const {
+        if (!real_time_) return now_;
+        return std::chrono::duration_cast<std::chrono::nanoseconds>(
+                   std::chrono::steady_clock::now().time_since_epoch())
+            .count();
     }
     int64_t frequency() override { return NS_PER_SECOND; }
     void sleep_ms(uint32_t milliseconds) override {
@@ -104,8 +107,10 @@ struct HeadlessPlatform::State {
     HeadlessOptions options;
     HeadlessClipboard clipboard;
     HeadlessClock clock;
+    HeadlessAudio audio{[this] { return clock.now(); }};
     HeadlessDialogs dialogs;
     HeadlessEvents events;
+    HeadlessJoysticks joysticks;
     HeadlessKeyboard keyboard;
     HeadlessPaths paths;
     HeadlessWindow window;
@@ -120,11 +125,13 @@ HeadlessPlatform::HeadlessPlatform(HeadlessOptions options)
     : state_(std::make_unique<State>(std::move(options))) {}
 HeadlessPlatform::~HeadlessPlatform() = default;
 
+HeadlessAudio& HeadlessPlatform::audio() { return state_->audio; }
 HeadlessClipboard& HeadlessPlatform::clipboard() { return state_->clipboard; }
 Clock& HeadlessPlatform::clock() { return state_->clock; }
 HeadlessDialogs& HeadlessPlatform::dialogs() { return state_->dialogs; }
 HeadlessDrawing& HeadlessPlatform::drawing() { return state_->drawing; }
 Events& HeadlessPlatform::events() { return state_->events; }
+HeadlessJoysticks& HeadlessPlatform::joysticks() { return state_->joysticks; }
 HeadlessKeyboard& HeadlessPlatform::keyboard() { return state_->keyboard; }
 Paths& HeadlessPlatform::paths() { return state_->paths; }
 HeadlessStatusBar& HeadlessPlatform::status_bar() { return state_->status_bar; }

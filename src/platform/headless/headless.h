@@ -1,10 +1,12 @@
 #pragma once
 /// A host without a display: no window, the same shell. Time is virtual unless real pacing is asked
 /// for: it passes only when the program sleeps or looks at the clock, so that a run is exactly
-/// repeatable. Keys, answers to dialogs and messages are what its driver sets; each service is a
-/// record that the driver may look into.
+/// repeatable. Keys, joysticks, answers to dialogs and messages are what its driver sets; each
+/// service is a record that the driver may look into.
 
+#include "platform/headless/headless_audio.h"
 #include "platform/headless/headless_dialogs.h"
+#include "platform/headless/headless_joystick.h"
 #include "platform/headless/headless_keyboard.h"
 #include "platform/headless/headless_settings.h"
 #include "platform/headless/headless_window.h"
@@ -33,11 +35,13 @@ public:
     explicit HeadlessPlatform(HeadlessOptions options);
     ~HeadlessPlatform() override;
 
+    HeadlessAudio& audio() override;
     HeadlessClipboard& clipboard() override;
     Clock& clock() override;
     HeadlessDialogs& dialogs() override;
     HeadlessDrawing& drawing() override;
     Events& events() override;
+    HeadlessJoysticks& joysticks() override;
     HeadlessKeyboard& keyboard() override;
     Paths& paths() override;
     Settings& settings() override;

@@ -8,6 +8,8 @@
 #include "platform/qt/qt_signals.h"
 #include "platform/qt/qt_status_bar.h"
 #include "platform/qt/qt_surface.h"
+#include "platform/sdl/sdl_audio.h"
+#include "platform/sdl/sdl_joystick.h"
 #include "platform/settings_file.h"
 
 #include <QApplication>
@@ -63,8 +65,10 @@ struct QtPlatform::Services {
     QtSurface surface{window};
     QtStatusBar status_bar{window.canvas(), events};
     QtDialogs dialogs{window};
+    SdlAudio audio;
     QtClipboard clipboard;
     QtClock clock{window};
+    SdlJoysticks joysticks;
     QtPaths paths;
     SettingsFile settings{paths.config_directory() + "/settings.toml"};
 };
@@ -81,11 +85,13 @@ bool QtPlatform::has_display() {
     return false;
 }
 
+Audio& QtPlatform::audio() { return services_->audio; }
 Clipboard& QtPlatform::clipboard() { return services_->clipboard; }
 Clock& QtPlatform::clock() { return services_->clock; }
 Dialogs& QtPlatform::dialogs() { return services_->dialogs; }
 Drawing& QtPlatform::drawing() { return services_->drawing; }
 Events& QtPlatform::events() { return services_->events; }
+Joysticks& QtPlatform::joysticks() { return services_->joysticks; }
 HostKeyboard& QtPlatform::keyboard() { return services_->keyboard; }
 Paths& QtPlatform::paths() { return services_->paths; }
 Settings& QtPlatform::settings() { return services_->settings; }

@@ -15,11 +15,13 @@ public:
     /// Does the environment name a display?
     static bool has_display();
 
+    Audio& audio() override;
     Clipboard& clipboard() override;
     Clock& clock() override;
     Dialogs& dialogs() override;
     Drawing& drawing() override;
     Events& events() override;
+    Joysticks& joysticks() override;
     HostKeyboard& keyboard() override;
     Paths& paths() override;
     Settings& settings() override;

@@ -1,0 +1,28 @@
+#pragma once
+#include <cstddef>
+#include <cstdint>
+#include <span>
+
+/// The host's audio as a looping ring of bytes, 16-bit mono. It comes up in steps, each of which
+/// can fail on its own.
+struct Audio {
+    virtual ~Audio() = default;
+    virtual bool library_available() = 0;  ///< is there an audio system at all?
+    virtual bool create_device() = 0;      ///< open the default device
+    virtual bool set_cooperative() = 0;    ///< exclusive use for the main window
+    virtual bool create_primary() = 0;     ///< the device's own buffer
+    virtual bool set_format(int rate) = 0; ///< 16-bit mono
+    virtual bool create_ring(uint32_t bytes, int rate) = 0;
+    virtual bool has_ring() = 0;
+    /// The byte range as one or two regions, the second one where the range wraps. False on loss.
+    virtual bool lock(uint32_t offset, uint32_t bytes, std::span<uint8_t>& first,
+                      std::span<uint8_t>& second) = 0;
+    virtual bool unlock() = 0;
+    virtual bool play() = 0; ///< looping; nothing happens while it plays
+    virtual void stop() = 0;
+    /// Up to where the device has taken data, or -1.
+    virtual int32_t position() = 0;
+    virtual void restore() = 0; ///< after a loss
+    virtual void release_ring() = 0;
+    virtual void release_device() = 0;
+};

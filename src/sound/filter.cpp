@@ -1,0 +1,65 @@
+#include "sound/filter.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace {
+
+constexpr double TWO_PI = 6.283185307179586;
+/// Below this a decaying output no longer reaches any sample. It becomes 0, before it turns into
+/// a subnormal number, which costs the host a hundred times as much.
+constexpr double INAUDIBLE = 1e-30;
+
+void use_rate(iir_filter& filter, uint32_t rate) {
+    if (filter.rate == rate) return;
+    filter.rate = rate;
+    filter_calc_coeff(&filter);
+}
+
+void cut_tail(iir_filter& filter) {
+    if (std::abs(filter.y) < INAUDIBLE) filter.y = 0;
+}
+
+int32_t step(iir_filter& filter, int32_t sample) {
+    filter.y = filter.y * filter.a + sample * filter.b;
+    const double lifted = filter.y + 0.5; // rounds to nearest above 0, toward 0 below
+    const auto low = int32_t(lifted);
+    return filter.type == FILTER_LOW_PASS ? low : int32_t(uint32_t(sample) - uint32_t(low));
+}
+
+} // namespace
+
+std::unique_ptr<iir_filter> filter_iir_create(uint32_t type, uint32_t cutoff) {
+    auto filter = std::make_unique<iir_filter>();
+    filter->type = type;
+    filter->cutoff = cutoff;
+    return filter;
+}
+
+void filter_destroy(std::unique_ptr<iir_filter>* filter) {
+    if (filter) filter->reset();
+}
+
+void filter_calc_coeff(iir_filter* filter) {
+    filter->a = std::exp(-TWO_PI * double(filter->cutoff) / double(filter->rate));
+    filter->b = 1.0 - filter->a;
+}
+
+int32_t filter_output(iir_filter* filter, int32_t sample, uint32_t rate) {
+    if (!filter) return sample;
+    use_rate(*filter, rate);
+    const int32_t result = step(*filter, sample);
+    cut_tail(*filter);
+    return result;
+}
+
+void filter_buffer_output(iir_filter* filter, size_t count, int16_t* samples, uint32_t rate) {
+    if (!filter) return;
+    use_rate(*filter, rate);
+    const bool silent = std::all_of(samples, samples + count, [](int16_t x) { return x == 0; });
+    if (silent && filter->y == 0) return; // and stays so
+    iir_filter local = *filter;           // in registers
+    for (size_t i = 0; i < count; ++i) samples[i] = int16_t(step(local, samples[i]));
+    cut_tail(local);
+    *filter = local;
+}

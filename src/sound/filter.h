@@ -1,0 +1,26 @@
+#pragma once
+/// One-pole IIR filter on integer samples, one at a time: low-pass, or high-pass as what the
+/// low-pass leaves.
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+enum : uint32_t { FILTER_HIGH_PASS = 0, FILTER_LOW_PASS = 1 };
+
+struct iir_filter {
+    uint32_t rate = 0;   ///< the coefficients' sample rate; 0 until the first sample
+    double b = 0;        ///< 1 - a
+    double a = 0;        ///< feedback
+    uint32_t cutoff = 0; ///< Hz
+    double y = 0;        ///< low-pass output
+    uint32_t type = FILTER_HIGH_PASS;
+};
+
+std::unique_ptr<iir_filter> filter_iir_create(uint32_t type, uint32_t cutoff);
+void filter_destroy(std::unique_ptr<iir_filter>* filter);
+void filter_calc_coeff(iir_filter* filter);
+/// One sample; without a filter the sample itself.
+int32_t filter_output(iir_filter* filter, int32_t sample, uint32_t rate);
+/// `count` signed 16-bit samples in place.
+void filter_buffer_output(iir_filter* filter, size_t count, int16_t* samples, uint32_t rate);

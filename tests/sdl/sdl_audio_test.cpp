@@ -1,0 +1,145 @@
+// Playback through SDL's own threads and a device that is a file.
+
+#include "platform/sdl/sdl_audio.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <thread>
+#include <vector>
+
+namespace {
+
+constexpr int RATE = 48000;
+constexpr uint32_t RING = 96000;
+constexpr uint32_t FRAGMENT = 1920;
+
+bool start(SdlAudio& audio) {
+    return audio.library_available() && audio.create_device() && audio.set_cooperative() &&
+           audio.create_primary() && audio.set_format(RATE) && audio.create_ring(RING, RATE);
+}
+
+/// Something that keeps every core busy.
+class Load {
+public:
+    Load() {
+        for (unsigned n = 0; n < 2 * std::thread::hardware_concurrency(); ++n) {
+            threads_.emplace_back([this] {
+                while (!end_) ++work_;
+            });
+        }
+    }
+    ~Load() {
+        end_ = true;
+        for (std::thread& thread : threads_) thread.join();
+    }
+
+private:
+    std::atomic<bool> end_ = false;
+    std::atomic<unsigned> work_ = 0;
+    std::vector<std::thread> threads_;
+};
+
+TEST(SdlAudioTest, PlaybackUnderLoadHasNoGap) {
+    const std::string path = testing::TempDir() + "playback.raw";
+    setenv("SDL_AUDIODRIVER", "disk", 1);
+    setenv("SDL_DISKAUDIOFILE", path.c_str(), 1);
+    constexpr uint32_t FRAGMENTS = 150; // three seconds: three times round the ring
+    // Longer than any machine under load lets a thread wait: what is tried is the ring.
+    constexpr uint32_t LEAD = 20;
+    {
+        const Load load;
+        SdlAudio audio;
+        ASSERT_TRUE(start(audio));
+        uint16_t value = 0;
+        uint32_t offset = 0;
+        const auto write = [&] {
+            std::vector<uint16_t> samples(FRAGMENT / 2);
+            std::ranges::generate(samples, [&] { return ++value; });
+            std::span<uint8_t> first, second;
+            ASSERT_TRUE(audio.lock(offset, FRAGMENT, first, second));
+            ASSERT_TRUE(second.empty());
+            std::memcpy(first.data(), samples.data(), FRAGMENT);
+            ASSERT_TRUE(audio.unlock());
+            offset = (offset + FRAGMENT) % RING;
+        };
+        for (uint32_t n = 0; n < LEAD; ++n) write();
+        EXPECT_EQ(audio.position(), 0);
+        ASSERT_TRUE(audio.play());
+        const auto lead = [&] {
+            const auto distance = int32_t((offset + RING - uint32_t(audio.position())) % RING);
+            return distance > int32_t(RING / 2) ? distance - int32_t(RING) : distance;
+        };
+        for (uint32_t n = LEAD; n < FRAGMENTS; ++n) {
+            while (lead() > int32_t((LEAD - 1) * FRAGMENT)) {
+                std::this_thread::sleep_for(std::chrono::milliseconds(2));
+            }
+            write();
+        }
+        while (lead() > 0) std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        audio.stop();
+    }
+    std::ifstream file(path, std::ios::binary);
+    const std::vector<char> bytes{std::istreambuf_iterator<char>(file), {}};
+    std::vector<uint16_t> heard(bytes.size() / 2);
+    std::memcpy(heard.data(), bytes.data(), heard.size() * 2);
+    auto at = std::ranges::find(heard, 1);
+    for (uint32_t n = 1; n <= FRAGMENTS * FRAGMENT / 2; ++n, ++at) {
+        ASSERT_NE(at, heard.end()) << n;
+        ASSERT_EQ(*at, uint16_t(n)) << n;
+    }
+    EXPECT_EQ(std::find_if(at, heard.end(), [](uint16_t sample) { return sample != 0; }),
+              heard.end())
+        << "silence after the last fragment";
+    std::filesystem::remove(path);
+}
+
+TEST(SdlAudioTest, StandsStillWhenStoppedAndComesUpAgain) {
+    setenv("SDL_AUDIODRIVER", "dummy", 1);
+    SdlAudio audio;
+    EXPECT_EQ(audio.position(), -1);
+    for (int round = 0; round < 2; ++round) {
+        ASSERT_TRUE(start(audio));
+        ASSERT_TRUE(audio.play());
+        for (int n = 0; n < 500 && audio.position() == 0; ++n) {
+            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        }
+        audio.stop();
+        const int32_t stopped = audio.position();
+        EXPECT_GT(stopped, 0);
+        std::this_thread::sleep_for(std::chrono::milliseconds(50));
+        EXPECT_EQ(audio.position(), stopped);
+        audio.restore();
+        EXPECT_EQ(audio.position(), stopped) << "nothing was lost";
+
+        std::span<uint8_t> first, second;
+        ASSERT_TRUE(audio.lock(95040, FRAGMENT, first, second));
+        EXPECT_EQ(first.size(), 960U);
+        EXPECT_EQ(second.size(), 960U);
+        EXPECT_EQ(second.data() + 95040, first.data());
+        EXPECT_TRUE(audio.unlock());
+        audio.release_ring();
+        EXPECT_FALSE(audio.has_ring());
+        audio.release_device();
+        EXPECT_FALSE(audio.play());
+    }
+}
+
+TEST(SdlAudioTest, WithoutADeviceTheStepFails) {
+    setenv("SDL_AUDIODRIVER", "no such driver", 1);
+    SdlAudio audio;
+    EXPECT_TRUE(audio.library_available());
+    EXPECT_FALSE(audio.create_device());
+    EXPECT_FALSE(audio.set_format(RATE));
+    EXPECT_FALSE(audio.create_ring(RING, RATE));
+    EXPECT_EQ(audio.position(), -1);
+}
+
+} // namespace

@@ -1,0 +1,271 @@
+#include "sound/sound_core.h"
+
+#include "sound/beeper.h"
+#include "sound/wav_capture.h"
+
+#include <gtest/gtest.h>
+
+#include "sound/scripted_driver.h"
+
+#include <cmath>
+#include <numeric>
+#include <random>
+
+namespace {
+using Fragment = std::array<int16_t, FRAGMENT_SAMPLES>;
+
+/// A source that counts its own samples.
+uint16_t sample_count = 0;
+bool counting = false;
+uint32_t largest_block = 0;
+std::string reset_order;
+sound_source counter = {"counter", nullptr,
+                        [](uint16_t* buffer, uint32_t count) {
+                            largest_block = std::max(largest_block, count);
+                            for (uint32_t i = 0; i < count; ++i) {
+                                buffer[i] = counting ? sample_count++ : uint16_t(0);
+                            }
+                        },
+                        [] { reset_order += "counter "; }};
+
+class SoundCore : public testing::Test {
+protected:
+    void SetUp() override {
+        sound_add_source(&counter);
+        beeper_init();
+        start_scripted_core();
+        sample_count = 0;
+        counting = true;
+        largest_block = 0;
+    }
+    void TearDown() override {
+        counting = false;
+        sound_resume();
+        sound_close_wav();
+        beeper_reset();
+        sound_null_driver_init();
+    }
+    /// The core raw, to look at what the sources gave.
+    static void remove_filter() { sound_close(); }
+    static void hold_lead(int32_t bytes) {
+        scripted.position = [=] {
+            return int32_t((int32_t(scripted.next_offset) - bytes + 192000) % 96000);
+        };
+    }
+    /// Fragments written by each of a number of steps of one fragment's time.
+    static std::vector<size_t> written_by_steps(size_t steps) {
+        std::vector<size_t> written;
+        for (size_t step = 0; step < steps; ++step) {
+            const size_t before = scripted.fragments.size();
+            advance(FRAGMENT_SAMPLES);
+            written.push_back(scripted.fragments.size() - before);
+        }
+        return written;
+    }
+};
+
+TEST_F(SoundCore, FragmentsAreGapFreeWhateverTheUpdates) {
+    remove_filter();
+    const int64_t steps[] = {1, 0, 958, 1, 959, 2, 959, 33, 400, 527, 700};
+    for (const int64_t step : steps) advance(step);
+    ASSERT_EQ(scripted.fragments.size(), 4U); // 4540 samples
+    for (size_t i = 0; i < 3840; ++i) ASSERT_EQ(scripted.fragments[i / 960][i % 960], int16_t(i));
+    EXPECT_EQ(sample_count, 4540);
+    advance(0);
+    sound_update(cycle_of_sample(sample_at(z80_state.t_count) + 1) - 1);
+    EXPECT_EQ(sample_count, 4540) << "the cycle before the next sample";
+}
+
+TEST_F(SoundCore, LongUpdateLosesWholeFragments) {
+    remove_filter();
+    scripted.position = [] { return -1; };
+    advance(100);
+    advance(2500);
+    ASSERT_EQ(scripted.fragments.size(), 1U);
+    EXPECT_EQ(sample_count, 960 + 680);
+    advance(279);
+    EXPECT_EQ(scripted.fragments.size(), 1U);
+    advance(1);
+    ASSERT_EQ(scripted.fragments.size(), 2U);
+    EXPECT_EQ(scripted.fragments[1][679], 960 + 679);
+    // An exact multiple leaves an empty fragment; a day's worth is one fragment as well.
+    advance(2880);
+    EXPECT_EQ(sample_count, 3 * 960);
+    advance(48000LL * 86400 + 5);
+    EXPECT_EQ(sample_count, 4 * 960 + 5);
+    EXPECT_LE(largest_block, 960U);
+}
+
+TEST_F(SoundCore, WriteOffsetGoesRoundTheRing) {
+    for (int fragment = 0; fragment < 101; ++fragment) advance(FRAGMENT_SAMPLES);
+    EXPECT_EQ(scripted.offsets[1], 1920U);
+    EXPECT_EQ(scripted.offsets[49], 94080U);
+    EXPECT_EQ(scripted.offsets[50], 0U);
+    EXPECT_EQ(scripted.offsets[100], 0U);
+    sound_init();
+    scripted.next_offset = 0;
+    advance(FRAGMENT_SAMPLES);
+    EXPECT_EQ(scripted.offsets.back(), 0U);
+}
+
+// The history holds 14 times 5 before. A poll's answer 0 takes effect on the update after it.
+TEST_F(SoundCore, LeadIsHeldBetweenFourAndSixFragments) {
+    struct {
+        const char* name;
+        int32_t lead; ///< bytes
+        std::vector<size_t> written;
+    } const cases[] = {
+        {"on time", 5 * 1920, std::vector<size_t>(20, 1)},
+        {"6.9 counts as 6", 6 * 1920 + 1918, std::vector<size_t>(20, 1)},
+        {"4", 4 * 1920, std::vector<size_t>(20, 1)},
+        // The sum of 14 reaches 98 with the 14th; then 7 + 13 x 6.
+        {"7", 7 * 1920, {1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 0, 1, 1}},
+        // 85 / 14 = 6, 100 / 14 = 7; every poll after it adds more than 14.
+        {"20", 20 * 1920, {1, 1, 0, 0, 0, 0, 0}},
+        // 54 / 14 = 3 with the 8th, then 68 - 5 x 3 = 53.
+        {"3", 3 * 1920, {1, 1, 1, 1, 1, 1, 1, 2, 1, 1, 1, 1, 2}},
+        {"0", 0, {1, 1, 2, 1, 1, 2}}, // 65, 60, 55; 69 - 6 - 6 - 6
+        {"-0.99 counts as 0", -1918, {1, 1, 2, 1, 1, 2}},
+        {"-1", -1920, {1, 1, 2, 1, 2}},                       // 64, 58, 52; 66 - 7 = 59, 52
+        {"half the ring less a sample", 47998, {1, 1, 0, 0}}, // 24: 89 / 14 = 6, 108 / 14 = 7
+        {"half the ring", 48000, {2, 2}},                     // -25: 40 / 14
+    };
+    for (const auto& c : cases) {
+        start_scripted_core();
+        hold_lead(c.lead);
+        EXPECT_EQ(written_by_steps(c.written.size()), c.written) << c.name;
+    }
+}
+
+TEST_F(SoundCore, SecondFragmentFollowsTheFirstAndEndsTheUpdate) {
+    remove_filter();
+    hold_lead(48000);
+    advance(1000);
+    ASSERT_EQ(scripted.fragments.size(), 2U);
+    EXPECT_EQ(scripted.fragments[1][959], 1919);
+    EXPECT_EQ(sample_count, 1920) << "the other 40 are lost";
+}
+
+TEST_F(SoundCore, DiscardedTimeIsNotRendered) {
+    remove_filter();
+    hold_lead(20 * 1920);
+    advance(960);
+    advance(970); // answers 0; the remainder is rendered still
+    EXPECT_EQ(sample_count, 1930);
+    advance(500);
+    EXPECT_EQ(sample_count, 1930);
+    scripted.position = [] { return -1; };
+    advance(500); // the poll that ends it
+    EXPECT_EQ(sample_count, 1930);
+    advance(950);
+    ASSERT_EQ(scripted.fragments.size(), 3U);
+    for (size_t i = 0; i < 960; ++i) ASSERT_EQ(scripted.fragments[2][i], int16_t(1920 + i));
+}
+
+TEST_F(SoundCore, UnknownPositionIsOneForOne) {
+    scripted.position = [] { return -1; };
+    EXPECT_EQ(written_by_steps(30), std::vector<size_t>(30, 1));
+}
+
+TEST_F(SoundCore, RecordingIsContinuous) {
+    ASSERT_EQ(sound_create_wav(TEST_BINARY_DIR "/continuous.wav"), 1);
+    int64_t before = 0;
+    int64_t after = 0;
+    sound_is_saving(&before);
+    for (const int32_t lead : {20 * 1920, 0, 48000}) {
+        hold_lead(lead);
+        EXPECT_EQ(written_by_steps(30), std::vector<size_t>(30, 1)) << lead;
+    }
+    sound_is_saving(&after);
+    EXPECT_EQ(after - before, 90 * 1920);
+}
+
+TEST_F(SoundCore, PauseEndsAfterTheFragmentInProgress) {
+    advance(100);
+    sound_pause();
+    advance(500);
+    EXPECT_EQ(written_by_steps(5), (std::vector<size_t>{1, 0, 0, 0, 0}));
+    sound_resume();
+    advance(10); // the poll that ends it
+    EXPECT_EQ(written_by_steps(3), (std::vector<size_t>{1, 1, 1}));
+    EXPECT_EQ(scripted.calls, "pause resume ");
+}
+
+TEST_F(SoundCore, SourcesAreMixedModulo65536AndTheOffsetIsRemoved) {
+    counting = false;
+    beeper_set_level(1);
+    EXPECT_EQ(beeper_level(), 4096);
+    advance(960);
+    advance(960);
+    for (int n = 1; n <= 1920; ++n) {
+        const double rest = 4096 * std::exp(-6.283185307179586 * 50 * n / 48000);
+        ASSERT_NEAR(scripted.fragments[(n - 1) / 960][(n - 1) % 960], rest, 0.51) << n;
+    }
+    remove_filter();
+    counting = true;
+    sample_count = 65000;
+    advance(960);
+    EXPECT_EQ(scripted.fragments[2][0], int16_t(65000 + 4096));
+    EXPECT_EQ(scripted.fragments[2][959], int16_t(65959 + 4096));
+    EXPECT_EQ(uint16_t(sound_get_buffer_ptr()[959]), uint16_t(65959 + 4096));
+}
+
+TEST_F(SoundCore, DriversAndResets) {
+    reset_order.clear();
+    beeper_set_level(1);
+    sound_reset();
+    EXPECT_EQ(scripted.calls, "reset ");
+    EXPECT_EQ(reset_order, "counter ");
+    EXPECT_EQ(beeper_level(), 0);
+    sound_add_source(&counter); // again: still once in the list
+    sound_reset();
+    EXPECT_EQ(reset_order, "counter counter ");
+    sound_null_driver_init();
+    EXPECT_EQ(scripted.calls, "reset reset close ");
+    sound_init();
+    advance(5000);
+    EXPECT_TRUE(scripted.fragments.empty());
+    EXPECT_GT(sample_count, 0) << "the null driver lets the sources run";
+}
+
+/// Ten minutes of frames against a device whose clock is off: the lead stays where nothing is
+/// heard of it.
+TEST_F(SoundCore, DeviceClockOffByHalfAPercentNeitherStarvesNorOverruns) {
+    struct {
+        const char* name;
+        double device_rate;
+        uint32_t block; ///< samples the device takes at a time
+        int frames;
+    } const cases[] = {{"slow", 48000 * 0.995, 1, 30000},
+                       {"fast", 48000 * 1.005, 1, 30000},
+                       {"slow, in blocks", 48000 * 0.995, 1024, 3000},
+                       {"fast, in blocks", 48000 * 1.005, 1024, 3000}};
+    for (const auto& c : cases) {
+        start_scripted_core();
+        counting = false;
+        const int64_t start = z80_state.t_count;
+        const auto position = [&] {
+            const double seconds = double(z80_state.t_count - start) / 2216750;
+            const auto taken = int64_t(seconds * c.device_rate) / c.block * c.block;
+            return int32_t(taken * 2 % 96000);
+        };
+        scripted.position = position;
+        for (int frame = 1; frame <= c.frames; ++frame) {
+            sound_flush(z80_state.t_count += 44335);
+            if (frame < 50) continue;
+            const int32_t ahead = (int32_t(scripted.next_offset) - position() + 96000) % 96000;
+            ASSERT_GE(ahead, 1 * 1920) << c.name << ", frame " << frame;
+            ASSERT_LE(ahead, 12 * 1920) << c.name << ", frame " << frame;
+        }
+        scripted.fragments.clear();
+    }
+}
+
+TEST_F(SoundCore, StoppedDeviceIsNotOverwritten) {
+    scripted.position = [] { return 0; };
+    const auto written = written_by_steps(200);
+    // In the first half turn the lead is measured as such, and the average stops it there.
+    EXPECT_LE(std::accumulate(written.begin(), written.end(), size_t(0)), 24U);
+    EXPECT_EQ(written.back(), 0U);
+}
+} // namespace

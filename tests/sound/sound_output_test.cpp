@@ -1,0 +1,152 @@
+// The ring and the steps that make it, on an audio device whose every step can fail.
+
+#include "platform/headless/headless.h"
+#include "sound/sound_core.h"
+#include "sound/sound_output.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+
+namespace {
+
+class SoundOutputTest : public testing::Test {
+protected:
+    void SetUp() override { install_platform(host); }
+    void TearDown() override { sound_null_driver_init(); }
+
+    HeadlessAudio& audio() { return host.audio(); }
+    bool driver_is_ours() {
+        sound_resume(); // through the active driver
+        const int before = audio().stops;
+        sound_pause();
+        sound_resume();
+        return audio().stops != before;
+    }
+    /// The ring's byte, as it counts up through the samples of write_ramp.
+    uint8_t at(size_t offset) { return audio().ring[offset]; }
+
+    HeadlessPlatform host{{}};
+};
+
+/// Samples whose bytes are 1, 2, 3...
+std::array<uint16_t, FRAGMENT_SAMPLES> ramp() {
+    std::array<uint16_t, FRAGMENT_SAMPLES> samples{};
+    for (uint32_t n = 0; n < FRAGMENT_SAMPLES; ++n) {
+        samples[n] = uint16_t(uint8_t(2 * n + 1) | uint8_t(2 * n + 2) << 8);
+    }
+    return samples;
+}
+
+TEST_F(SoundOutputTest, FirstStepThatFailsTellsAndKeepsTheNullDriver) {
+    const struct {
+        AudioStep step;
+        const char* title;
+        const char* text;
+        MessageIcon icon;
+    } cases[] = {
+        {AudioStep::library, "Fatal error!", "Missing DSOUND.DLL", MessageIcon::none},
+        {AudioStep::device, "Error", "DirectSoundCreate failed", MessageIcon::error},
+        {AudioStep::cooperative, "Error", "SetCooperativeLevel failed", MessageIcon::error},
+        {AudioStep::primary, "Error", "CreateSoundBuffer for primary buffer failed",
+         MessageIcon::error},
+        {AudioStep::format, "Error", "SetFormat on primary bufer failed", MessageIcon::error},
+    };
+    for (auto step : {AudioStep::ring, AudioStep::play}) audio().fail(step);
+    // Each case lets all later steps fail, too: the order shows.
+    for (size_t first = std::size(cases); first-- > 0;) {
+        const auto& c = cases[first];
+        SCOPED_TRACE(c.text);
+        audio().fail(c.step);
+        host.dialogs() = HeadlessDialogs(false);
+        EXPECT_EQ(dsound_init(SOUND_RATE), 0);
+        ASSERT_EQ(host.dialogs().messages.size(), 1U);
+        EXPECT_EQ(host.dialogs().messages[0].title, c.title);
+        EXPECT_EQ(host.dialogs().messages[0].text, c.text);
+        EXPECT_EQ(host.dialogs().messages[0].icon, c.icon);
+        EXPECT_FALSE(driver_is_ours());
+        EXPECT_EQ(audio().device, c.step > AudioStep::device) << "what was made stays";
+    }
+}
+
+TEST_F(SoundOutputTest, WithoutARingTheDriverTakesNothing) {
+    audio().fail(AudioStep::ring);
+    EXPECT_EQ(dsound_init(SOUND_RATE), 1);
+    ASSERT_EQ(host.dialogs().messages.size(), 1U);
+    EXPECT_EQ(host.dialogs().messages[0].text, "CreateSoundBuffer failed");
+    EXPECT_TRUE(driver_is_ours());
+    EXPECT_EQ(dsound_write(ramp().data(), 0, FRAGMENT_BYTES), 0);
+    testing::internal::CaptureStderr();
+    EXPECT_EQ(dsound_get_current_position(), -1);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(),
+              "Warning: DSound secondary buffer is null.\n");
+    dsound_reset();
+    EXPECT_EQ(audio().restores, 0);
+
+    audio().fail(AudioStep::ring, false);
+    audio().fail(AudioStep::play);
+    host.dialogs() = HeadlessDialogs(false);
+    EXPECT_EQ(dsound_init(SOUND_RATE), 0);
+    ASSERT_EQ(host.dialogs().messages.size(), 1U);
+    EXPECT_EQ(host.dialogs().messages[0].text, "Play primary buffer failed");
+}
+
+TEST_F(SoundOutputTest, FragmentsGoRoundTheRing) {
+    ASSERT_EQ(dsound_init(SOUND_RATE), 1);
+    ASSERT_EQ(audio().ring.size(), 96000U);
+    EXPECT_EQ(dsound_write(ramp().data(), 95040, FRAGMENT_BYTES), 0);
+    EXPECT_EQ(at(95039), 0);
+    EXPECT_EQ(at(95040), 1);
+    EXPECT_EQ(at(95999), 960 % 256);
+    EXPECT_EQ(at(0), 961 % 256);
+    EXPECT_EQ(at(959), 1920 % 256);
+    EXPECT_EQ(at(960), 0);
+
+    EXPECT_EQ(dsound_write(ramp().data(), 94080, FRAGMENT_BYTES), 0) << "up to the very end";
+    EXPECT_EQ(at(94080), 1);
+    EXPECT_EQ(at(95999), 1920 % 256);
+    EXPECT_EQ(at(0), 961 % 256) << "and not beyond";
+}
+
+TEST_F(SoundOutputTest, PositionFollowsTheClockWhileItPlays) {
+    ASSERT_EQ(dsound_init(SOUND_RATE), 1);
+    EXPECT_EQ(dsound_get_current_position(), 0);
+    host.advance_ns(20'000'000);
+    EXPECT_EQ(dsound_get_current_position(), 1920);
+    sound_pause();
+    host.advance_ns(500'000'000);
+    EXPECT_EQ(dsound_get_current_position(), 1920) << "stands still while paused";
+    sound_resume();
+    host.advance_ns(36'000'000'000'000 + 990'000'000); // ten hours
+    EXPECT_EQ(dsound_get_current_position(), (1920 + 95040) % 96000);
+    EXPECT_EQ(audio().plays, 2);
+    EXPECT_EQ(audio().stops, 1);
+}
+
+TEST_F(SoundOutputTest, LostDeviceComesBackWithAReset) {
+    ASSERT_EQ(dsound_init(SOUND_RATE), 1);
+    audio().lost = true;
+    EXPECT_NE(dsound_write(ramp().data(), 0, FRAGMENT_BYTES), 0);
+    EXPECT_EQ(dsound_get_current_position(), -1);
+    EXPECT_EQ(at(0), 0);
+    sound_reset();
+    EXPECT_EQ(dsound_write(ramp().data(), 0, FRAGMENT_BYTES), 0);
+    EXPECT_EQ(at(0), 1);
+
+    audio().fail(AudioStep::unlock);
+    EXPECT_NE(dsound_write(ramp().data(), 0, FRAGMENT_BYTES), 0);
+}
+
+TEST_F(SoundOutputTest, ReplacedAndClosedDriversLeaveNothingBehind) {
+    ASSERT_EQ(dsound_init(SOUND_RATE), 1);
+    EXPECT_EQ(dsound_init(SOUND_RATE), 1) << "again, while it is the active one";
+    EXPECT_TRUE(audio().device);
+    EXPECT_EQ(audio().ring.size(), 96000U);
+    EXPECT_TRUE(driver_is_ours());
+    sound_null_driver_init();
+    EXPECT_FALSE(audio().device);
+    EXPECT_TRUE(audio().ring.empty());
+    EXPECT_FALSE(driver_is_ours());
+}
+
+} // namespace

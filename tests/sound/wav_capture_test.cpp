@@ -1,0 +1,124 @@
+// Recorded files, read back by a reader of RIFF that knows nothing of the writer.
+
+#include "sound/wav_capture.h"
+
+#include <gtest/gtest.h>
+
+#include <sys/resource.h>
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <vector>
+
+namespace {
+
+constexpr uint32_t FRAGMENT = 1920;
+
+/// Empty where the file is no 16-bit mono recording at 48000 Hz, or its lengths do not fit it.
+std::vector<uint8_t> samples_of(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    const std::vector<uint8_t> all{std::istreambuf_iterator<char>(file), {}};
+    const auto number = [&](size_t at, int bytes) {
+        uint32_t value = 0;
+        for (int n = bytes; n-- > 0;) value = value << 8 | all.at(at + size_t(n));
+        return value;
+    };
+    const auto tag = [&](size_t at) { return std::string(&all.at(at), &all.at(at) + 4); };
+    if (all.size() < 12 || tag(0) != "RIFF" || tag(8) != "WAVE") return {};
+    if (number(4, 4) != all.size() - 8) return {};
+    bool format_known = false;
+    for (size_t at = 12; at + 8 <= all.size(); at += 8 + number(at + 4, 4)) {
+        if (tag(at) == "fmt ") {
+            format_known = number(at + 8, 2) == 1 && number(at + 10, 2) == 1 &&
+                           number(at + 12, 4) == 48000 && number(at + 16, 4) == 96000 &&
+                           number(at + 20, 2) == 2 && number(at + 22, 2) == 16;
+        }
+        if (tag(at) != "data" || !format_known) continue;
+        if (at + 8 + number(at + 4, 4) != all.size()) return {};
+        return {all.begin() + long(at) + 8, all.end()};
+    }
+    return {};
+}
+
+class WavCaptureTest : public testing::Test {
+protected:
+    void TearDown() override {
+        sound_close_wav();
+        std::filesystem::remove(path);
+    }
+    static int dump(uint8_t value) {
+        return sound_dump_wav_data(std::vector<uint8_t>(FRAGMENT, value).data(), FRAGMENT);
+    }
+    uint32_t number_at(long offset) const {
+        uint8_t bytes[4] = {};
+        std::ifstream file(path, std::ios::binary);
+        file.seekg(offset).read(reinterpret_cast<char*>(bytes), 4);
+        return bytes[0] | bytes[1] << 8 | bytes[2] << 16 | uint32_t(bytes[3]) << 24;
+    }
+
+    const std::string path =
+        testing::TempDir() + testing::UnitTest::GetInstance()->current_test_info()->name() + ".wav";
+};
+
+TEST_F(WavCaptureTest, LengthsOfShortFiles) {
+    for (const uint32_t fragments : {0U, 1U}) {
+        EXPECT_EQ(dump(0), 0) << "no file";
+        ASSERT_EQ(sound_create_wav(path), 1);
+        EXPECT_EQ(number_at(4), 0U);
+        for (uint32_t n = 0; n < fragments; ++n) EXPECT_EQ(dump(7), 1);
+        sound_close_wav();
+        EXPECT_EQ(std::filesystem::file_size(path), fragments ? 1964U : 44U);
+        EXPECT_EQ(number_at(4), fragments ? 1956U : 36U);
+        EXPECT_EQ(number_at(40), fragments ? 1920U : 0U);
+        EXPECT_EQ(samples_of(path), std::vector<uint8_t>(fragments * FRAGMENT, 7));
+    }
+}
+
+TEST_F(WavCaptureTest, CountGoesOnFromFileToFile) {
+    int64_t before = -1;
+    EXPECT_EQ(sound_is_saving(&before), 0);
+    EXPECT_EQ(before, -1);
+    ASSERT_EQ(sound_create_wav(path), 1);
+    EXPECT_EQ(sound_is_saving(&before), 1);
+    for (int file = 0; file < 2; ++file, sound_create_wav(path)) dump(1);
+    int64_t after = 0;
+    EXPECT_EQ(sound_is_saving(&after), 1);
+    EXPECT_EQ(after - before, 2 * 1920);
+}
+
+TEST_F(WavCaptureTest, AFileThatWasNeverClosedCanBePlayed) {
+    ASSERT_EQ(sound_create_wav(path), 1);
+    for (int n = 0; n < 100; ++n) dump(3);
+    EXPECT_EQ(samples_of(path), std::vector<uint8_t>(100 * FRAGMENT, 3));
+}
+
+TEST_F(WavCaptureTest, FullDiskDropsWholeFragments) {
+    EXPECT_EQ(sound_create_wav("/dev/full"), 0);
+    EXPECT_EQ(sound_create_wav("no/such/folder.wav"), 0);
+    EXPECT_EQ(sound_is_saving(nullptr), 0);
+
+    std::signal(SIGXFSZ, SIG_IGN);
+    rlimit limit{};
+    getrlimit(RLIMIT_FSIZE, &limit);
+    const rlimit before = limit;
+    ASSERT_EQ(sound_create_wav(path), 1);
+    const auto allow = [&](rlim_t bytes) {
+        limit.rlim_cur = bytes;
+        setrlimit(RLIMIT_FSIZE, &limit);
+    };
+    allow(44 + FRAGMENT + 777);
+    EXPECT_EQ(dump(1), 1);
+    for (int n = 0; n < 60; ++n) EXPECT_EQ(dump(2), 0);
+    EXPECT_EQ(samples_of(path), std::vector<uint8_t>(FRAGMENT, 1)) << "while it is open";
+    allow(before.rlim_cur);
+    EXPECT_EQ(dump(3), 1) << "there is room again";
+    sound_close_wav();
+
+    std::vector<uint8_t> expected(FRAGMENT, 1);
+    expected.resize(2 * FRAGMENT, 3);
+    EXPECT_EQ(samples_of(path), expected);
+}
+
+} // namespace
