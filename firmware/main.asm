@@ -6,9 +6,10 @@
 ;   3  25 rows, for those of the south
 ;
 ; Where things stand is fixed by what published programs call. The vectors and the entries at the
-; bottom, 0A7F, 0A9A, 1A19, 28A7, 3852 and 38A9 keep their addresses; the code behind them lives
-; above the graphics entries, so that 0281 to 3851 stays in few and large pieces. Unused bytes
-; are FF, which an erased EPROM holds and which runs as RST 38, a harmless one.
+; bottom, 0A7F, 0A9A, 1A19, 28A7, 3852 and 38A9 keep their addresses. The cassette follows the entries
+; at the bottom; the code behind the others lives above the graphics entries, so that the space up to
+; 3851 stays in few and large pieces. Unused bytes are FF, which an erased EPROM holds and which runs
+; as RST 38, a harmless one.
 
         IF VERSION = 1
 ROWS            EQU 24
@@ -36,6 +37,8 @@ fill_to MACRO address
 
         ORG 0000h
         INCLUDE vectors.asm
+        INCLUDE cassette.asm
+        INCLUDE tape_commands.asm
         INCLUDE entries.asm
         INCLUDE graphics.asm
         INCLUDE screen.asm

@@ -69,6 +69,8 @@ start_devices:
         CALL fill_memory
         XOR A
         LD (LATCH_COPY),A       ; character RAM for 80-FF, black background
+        LD A,FIRST_SPEED        ; for programs that read bits without a search
+        LD (TAPE_SPEED),A
         LD A,ROWS
         LD (ROW_COUNT),A
         CALL show_text
@@ -190,19 +192,28 @@ ready:
         CALL NZ,print_entry
         LD HL,ready_text
         CALL print_text
-; Takes lines into the line buffer, ended by 0.
 prompt:
         LD A,'>'
         CALL print_entry
+        CALL take_line
+        CALL obey_line
+        JR prompt
+
+; Takes a line into the line buffer. BREAK leads to the prompt.
+; Out:  HL line, ended by 0
+; Uses: AF, BC, DE
+take_line:
         LD HL,LINE_BUFFER
         LD B,LINE_LENGTH
         CALL read_line
         JR C,ready
+        PUSH HL
         LD E,B
         LD D,0
         ADD HL,DE
         LD (HL),D
-        JR prompt
+        POP HL
+        RET
 
 sign_on:
         IF VERSION = 1

@@ -16,6 +16,7 @@ RANDOM_SEED     EQU 40AAh
 NUMBER_TYPE     EQU 40AFh       ; type of the accumulator: 2, 3, 4 or 8
 MEMORY_TOP      EQU 40B1h
 STRING_POINTER  EQU 40D6h
+TAPE_ENTRY      EQU 40DFh       ; where the machine-code tape last loaded starts, 0 = none
 SAVED_STACK     EQU 40E8h
 PROGRAM_END     EQU 40F9h       ; also start of the simple variables
 ARRAYS          EQU 40FBh
@@ -32,6 +33,8 @@ KEY_HELD_BIT    EQU 4302h
 KEY_HELD_CODE   EQU 4303h
 KEY_REPEAT      EQU 4304h       ; scans until the key repeats
 WARM_MARK       EQU 4306h       ; two bytes that a cold start writes last
+TAPE_LEVEL      EQU 4308h       ; level of the cassette input when last looked at, in bit 0
+TAPE_SPEED      EQU 4309h
 LATCH_COPY      EQU 431Ch       ; last byte written to port FF
 START_STACK     EQU 4400h       ; until the size of the memory is known
 TEXT_SCREEN     EQU 4400h
@@ -55,6 +58,7 @@ SOUND_DATA      EQU 0F9h
 CRTC_REGISTER   EQU 0FAh
 CRTC_DATA       EQU 0FBh
 LATCH           EQU 0FFh
+LATCH_CASSETTE  EQU 01h
 LATCH_GRAPHICS  EQU 20h         ; graphics mode; the other bits: cassette, character set, background
 LATCH_GRAPHICS_BIT EQU 5
 

@@ -1,5 +1,4 @@
-; 0000-0280: restarts, the published entries at the bottom, what the restarts do, and the space of
-; the cassette routines.
+; 0000-01CB: restarts, the published entries at the bottom, and what the restarts do.
 
         DI                      ; 0000: power on
         JP cold_start
@@ -146,10 +145,3 @@ first_vectors_end:
 
         fill_to 01C9h
         JP clear_text_screen
-
-; 01ED-0280: cassette. An emulator may put traps at 01EE, 01FB, 0221, 023F and 0264, so nothing
-; else may live here. Every byte returns until there are routines.
-        fill_to 01EDh
-        REPT 0281h - 01EDh
-        RET
-        ENDM

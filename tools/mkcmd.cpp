@@ -1,9 +1,10 @@
-/// mkcmd: packs memory images into a CMD load module.
+/// mkcmd: packs memory images into a CMD load module or, by the extension, a cassette image.
 ///
-///   mkcmd OUT.cmd ENTRY-HEX LOAD-HEX FILE.bin [LOAD-HEX FILE.bin ...]
+///   mkcmd OUT.cmd|OUT.cas ENTRY-HEX LOAD-HEX FILE.bin [LOAD-HEX FILE.bin ...]
 ///
 /// The module is a name block (type 5), load blocks of at most 256 bytes (type 1: address, data)
-/// and the entry block (type 2).
+/// and the entry block (type 2). The cassette has a leader, the mark of machine code and the name,
+/// blocks of at most 256 bytes with a checksum, and the entry block.
 
 #include <algorithm>
 #include <cctype>
@@ -12,6 +13,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <numeric>
 #include <optional>
 #include <string>
 #include <vector>
@@ -20,7 +22,10 @@ namespace {
 
 using Bytes = std::vector<uint8_t>;
 
-enum : uint8_t { LOAD_BLOCK = 1, ENTRY_BLOCK = 2, NAME_BLOCK = 5 };
+constexpr uint8_t LOAD_BLOCK = 1, ENTRY_BLOCK = 2, NAME_BLOCK = 5;
+constexpr uint8_t TAPE_LEADER = 0xAA, TAPE_SYNC = 0x66, TAPE_CODE = 0x55;
+constexpr uint8_t TAPE_BLOCK = 0x3C, TAPE_ENTRY = 0x78;
+constexpr size_t LEADER_LENGTH = 256;
 constexpr size_t ADDRESS_SPACE = 0x10000;
 constexpr size_t BLOCK_DATA = 256;
 constexpr size_t NAME_LENGTH = 6;
@@ -58,30 +63,36 @@ void add_word(Bytes& out, size_t value) {
     out.push_back(uint8_t(value >> 8));
 }
 
-void add_name(Bytes& out, const std::string& path) {
+/// Leader or block head, and the name.
+void add_head(Bytes& out, const std::string& path, bool cassette) {
     std::string name = std::filesystem::path(path).stem().string().substr(0, NAME_LENGTH);
     for (char& c : name) c = char(std::toupper(static_cast<unsigned char>(c)));
     name.resize(NAME_LENGTH, ' ');
-    out.push_back(NAME_BLOCK);
-    out.push_back(uint8_t(NAME_LENGTH));
+    if (cassette) out.assign(LEADER_LENGTH, TAPE_LEADER);
+    out.push_back(cassette ? TAPE_SYNC : NAME_BLOCK);
+    out.push_back(cassette ? TAPE_CODE : uint8_t(NAME_LENGTH));
     out.insert(out.end(), name.begin(), name.end());
 }
 
-/// The length byte counts the address as well, modulo 256, so that 256 bytes make it 2.
-void add_load_blocks(Bytes& out, const Part& part) {
+/// The length byte of a module counts the address as well, modulo 256, so that 256 bytes make it 2.
+/// A cassette's checksum is that of address and data.
+void add_load_blocks(Bytes& out, const Part& part, bool cassette) {
     for (size_t at = 0; at < part.data.size(); at += BLOCK_DATA) {
         const size_t count = std::min(BLOCK_DATA, part.data.size() - at);
-        out.push_back(LOAD_BLOCK);
-        out.push_back(uint8_t(count + 2));
+        out.push_back(cassette ? TAPE_BLOCK : LOAD_BLOCK);
+        out.push_back(uint8_t(cassette ? count : count + 2));
+        const auto summed = out.size();
         add_word(out, part.address + at);
         const auto first = part.data.begin() + long(at);
         out.insert(out.end(), first, first + long(count));
+        const int sum = std::accumulate(out.begin() + long(summed), out.end(), 0);
+        if (cassette) out.push_back(uint8_t(sum));
     }
 }
 
-void add_entry(Bytes& out, uint16_t entry) {
-    out.push_back(ENTRY_BLOCK);
-    out.push_back(2);
+void add_entry(Bytes& out, uint16_t entry, bool cassette) {
+    out.push_back(cassette ? TAPE_ENTRY : ENTRY_BLOCK);
+    if (!cassette) out.push_back(2);
     add_word(out, entry);
 }
 
@@ -96,13 +107,14 @@ bool write_file(const char* path, const Bytes& bytes) {
 
 int main(int argc, char** argv) {
     if (argc < 5 || argc % 2 == 0) {
-        return fail("usage: mkcmd OUT.cmd ENTRY-HEX LOAD-HEX FILE.bin [LOAD-HEX FILE.bin ...]");
+        return fail("usage: mkcmd OUT.cmd|OUT.cas ENTRY-HEX LOAD-HEX FILE.bin ...");
     }
     const auto entry = parse_address(argv[2]);
     if (!entry) return fail(std::string("entry address \"") + argv[2] + "\" is not 0 to FFFF");
 
+    const bool cassette = std::filesystem::path(argv[1]).extension() == ".cas";
     Bytes module;
-    add_name(module, argv[1]);
+    add_head(module, argv[1], cassette);
     for (int i = 3; i < argc; i += 2) {
         const std::string file = argv[i + 1];
         const auto address = parse_address(argv[i]);
@@ -113,9 +125,9 @@ int main(int argc, char** argv) {
         if (*address + data->size() > ADDRESS_SPACE) {
             return fail(file + " does not fit below the end of memory from " + argv[i]);
         }
-        add_load_blocks(module, {*address, *data});
+        add_load_blocks(module, {*address, *data}, cassette);
     }
-    add_entry(module, *entry);
+    add_entry(module, *entry, cassette);
     if (!write_file(argv[1], module)) return fail(std::string("cannot write ") + argv[1]);
     return 0;
 }

@@ -92,6 +92,7 @@ void machine_reset() {
     z80_state.nmi_in_progress = 0;
     memory_remove_bas_trap();
     keyboard_type_reset();
+    tape_reset();
     ym2149_reset();
     sound_reset();
     video_reset();

@@ -70,7 +70,10 @@ void boot_to_basic() {
 }
 
 bool start_cassette(const std::string& path) {
-    tape_attach_cas(path);
+    if (!tape_attach_cas(path)) {
+        tell_bad_image(path);
+        return false;
+    }
     char name = 0;
     const int kind = tape_cas_type(&name);
     if (!g_bAutoStart) return false;
@@ -100,7 +103,10 @@ bool start_basic(const std::string& path) {
         return true;
     }
     // Without the cassette, CLOAD would wait for ever.
-    if (!bas_to_cas_open(path)) return true;
+    if (!bas_to_cas_open(path)) {
+        tell_bad_image(path);
+        return false;
+    }
     memory_place_bas_trap();
     keyboard_open_from_buffer("\r\r\r\rCLOAD\r\rRUN\r");
     return true;

@@ -46,8 +46,6 @@ void toggle(bool& flag, int id) {
     check_menu_item(id, flag);
 }
 
-void not_available(const char* what) { StatusBarText("%s: not available yet.", what); }
-
 /// Asks for a file and hands it over; nothing happens when the user cancels.
 void with_file(int dialog, void (*act)(const std::string& path)) {
     std::string path;
@@ -227,8 +225,8 @@ void save_to_video() {
 // ---- tapes, snapshots, programs ----------------------------------------------------------------
 
 void attach_cas(const std::string& path) {
-    StatusBarText(tape_attach_cas(path) ? "CAS image attached: %s" : "Error opening image: %s",
-                  path.c_str());
+    if (!tape_attach_cas(path)) return tell_bad_image(path);
+    StatusBarText("CAS image attached: %s", path.c_str());
 }
 
 void tell_tape_is_out() {
@@ -244,14 +242,17 @@ void detach_cas() {
 void close_wav() {
     tape_close_wav();
     tell_tape_is_out();
+    if (!tape_is_rolling()) check_menu_item(COMMAND_PLAY_RECORD, false); // a recording has ended
 }
 
+/// The box that tells the reason has come by then.
 void attach_wav(const std::string& path) {
-    if (!tape_open_wav(path)) not_available("Attach WAV");
+    if (!tape_open_wav(path)) tell_bad_image(path);
 }
 
 void create_wav(const std::string& path) {
-    if (!tape_create_wav(path, TAPE_SAMPLE_RATE)) not_available("Create WAV");
+    if (tape_create_wav(path, TAPE_SAMPLE_RATE)) return;
+    StatusBarText("%s: cannot be written", path.c_str());
 }
 
 void play_or_record() {
@@ -274,9 +275,7 @@ void adjust_head() {
 void save_memory_as_cas(const std::string& path) {
     std::array<std::string, 3> addresses;
     ui_get_casdata(&addresses);
-    if (!tape_dump_cas(path, addresses[0], addresses[1], addresses[2])) {
-        not_available("Save memory as CAS");
-    }
+    tape_dump_cas(path, addresses[0], addresses[1], addresses[2]);
 }
 
 void load_snapshot(const std::string& path) {
@@ -383,6 +382,10 @@ void handle_command(int id) {
     reset_timer();
 }
 
+void tell_bad_image(const std::string& path) {
+    StatusBarText("Error opening image: %s", path.c_str());
+}
+
 void main_disk_image_attach(unsigned drive, const std::string& path) {
     if (path.empty() || drive >= DISK_DRIVES) return;
     if (diskimg_is_attached(drive)) main_disk_image_detach(drive);
@@ -420,7 +423,7 @@ void main_load_bas_file(const std::string& path) {
         if (keyboard_open_bas_file(path)) memory_place_bas_trap();
         return;
     }
-    if (!bas_to_cas_open(path)) return not_available("Tokenized BASIC");
+    if (!bas_to_cas_open(path)) return tell_bad_image(path);
     memory_place_bas_trap();
     keyboard_open_from_buffer("\r\r\r\rCLOAD\r\r");
 }
@@ -448,8 +451,8 @@ int video_save_to_avi(bool ask, std::string* name) {
     return 1;
 }
 
-int get_ui_save_tape_filename(std::string* name) {
-    const int chosen = ui_select_file(DIALOG_SAVE_CAS, name);
+int get_ui_save_tape_filename(std::string* path) {
+    const int chosen = ui_select_file(DIALOG_SAVE_CAS, path);
     reset_timer();
     return chosen;
 }

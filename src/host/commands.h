@@ -14,9 +14,9 @@ void main_disk_image_detach(unsigned drive);
 void main_disk_image_detach_all();
 /// Tokenized BASIC becomes a cassette that CLOAD is typed for; text is typed in.
 void main_load_bas_file(const std::string& path);
+/// Says in the status bar that a tape could not be put in.
+void tell_bad_image(const std::string& path);
 /// Starts or stops the AVI capture. 0 when the file dialog was cancelled or no picture can be made.
 int video_save_to_avi(bool ask, std::string* name);
 /// Records the sound from now on; a status text tells when the file cannot be written.
 void start_sound_recording(const std::string& path);
-/// Asks for the name of a cassette image to save to; 1 when there is one.
-int get_ui_save_tape_filename(std::string* name);

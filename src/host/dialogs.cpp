@@ -6,6 +6,7 @@
 #include "platform/platform.h"
 #include "z80/z80.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <map>
@@ -75,6 +76,7 @@ std::array<int, DIALOG_TYPES> filter_index = {};
 constexpr uint32_t BASIC_START_POINTER = 0x40A4;
 constexpr uint32_t BASIC_END_POINTER = 0x40F9;
 constexpr uint16_t START_ADDRESS = 0x0066;
+constexpr int ADDRESS_LENGTH = 5;
 std::array<std::string, 3> sMyData;
 
 std::string four_digits(uint16_t value) {
@@ -83,9 +85,12 @@ std::string four_digits(uint16_t value) {
     return text;
 }
 
-void fill_address_panel() {
-    sMyData = {four_digits(mem_read_word(BASIC_START_POINTER)),
-               four_digits(mem_read_word(BASIC_END_POINTER)), four_digits(START_ADDRESS)};
+std::vector<FileDialogField> address_panel() {
+    return {
+        {"From address:", ADDRESS_LENGTH, four_digits(mem_read_word(BASIC_START_POINTER))},
+        {"End address:", ADDRESS_LENGTH, four_digits(mem_read_word(BASIC_END_POINTER))},
+        {"Start address:", ADDRESS_LENGTH, four_digits(START_ADDRESS)},
+    };
 }
 
 std::string default_extension(int type, int filter) {
@@ -131,12 +136,13 @@ int ui_select_file(int type, std::string* path) {
     if (found == dialog_types().end()) return 0;
     const FileDialogText& described = found->second;
     const bool save = described.extension != nullptr;
-    if (type == DIALOG_MEMORY_AS_CAS) fill_address_panel();
-
+    const bool with_panel = type == DIALOG_MEMORY_AS_CAS;
     int& filter = filter_index[size_t(type)];
     const auto choice = platform().dialogs().choose_file(
-        {described.title, described.filters, filter, save, described.overwrite_prompt});
+        {described.title, described.filters, filter, save, described.overwrite_prompt,
+         with_panel ? address_panel() : std::vector<FileDialogField>()});
     if (!choice) return 0;
+    if (with_panel) std::copy_n(choice->field_texts.begin(), sMyData.size(), sMyData.begin());
     filter = choice->filter_index;
     *path = choice->path;
     if (save && path->find('.') == std::string::npos)
@@ -169,8 +175,3 @@ void ui_copy_to_clipboard() {
 void ui_machine_config() { StatusBarText("Configuration: not available yet."); }
 
 void ui_display_setup() { StatusBarText("Display settings: not available yet."); }
-
-int ui_tape_adjust_head(int* /*level*/) {
-    StatusBarText("Tape head: not available yet.");
-    return 0;
-}

@@ -2,6 +2,8 @@
 
 #include "cgenie/keyboard.h"
 #include "cgenie/memory.h"
+#include "media/tape.h"
+#include "media/tape_audio.h"
 #include "z80/z80.h"
 
 #include <algorithm>
@@ -9,35 +11,129 @@
 
 namespace {
 
+constexpr uint8_t TRAP_PREFIX = 0xED;
+
+enum : uint8_t {
+    TRAP_READ_BIT = 0,
+    TRAP_FIND_LEADER = 1,
+    TRAP_READ_BYTE = 2,
+    TRAP_WRITE_LEADER = 3,
+    TRAP_WRITE_BYTE = 4,
+    TRAP_TYPING = 6
+};
+
+/// The prefix, the number, and zeros (NOP) up to `size`.
+struct Patch {
+    uint16_t address;
+    uint8_t trap;
+    uint8_t size;
+};
+constexpr std::array<Patch, 5> cassette_patches = {{
+    {0x01FB, TRAP_READ_BIT, 2},      // the first look at the port
+    {0x0264, TRAP_FIND_LEADER, 2},   // the loop that checks the leader
+    {0x01EE, TRAP_READ_BYTE, 2},     // right behind the entry
+    {0x023F, TRAP_WRITE_LEADER, 2},  // the entry
+    {0x0221, TRAP_WRITE_BYTE, 0x1B}, // the whole body
+}};
+
+// Where the firmware goes on.
+enum : uint16_t {
+    READ_BIT_EXIT = 0x0219, ///< A to D, BC back
+    FIND_SYNC = 0x0270,
+    READ_BYTE_EXIT = 0x01F8,
+    WRITE_LEADER_LOOP = 0x0241, ///< B leader bytes, then the sync byte
+    WRITE_BYTE_EXIT = 0x0223
+};
+constexpr uint8_t LEADER_BYTES = 255;
+
 constexpr size_t KEYBOARD_ROUTINE = 0x002B;
 /// The typing trap, two NOPs and a return.
-constexpr std::array<uint8_t, 5> TYPING_PATCH = {0xED, 0x06, 0x00, 0x00, 0xC9};
-constexpr int TRAP_TYPING = 6;
+constexpr std::array<uint8_t, 5> TYPING_PATCH = {TRAP_PREFIX, TRAP_TYPING, 0x00, 0x00, 0xC9};
+
+bool cas_traps_installed = false;
+
+void set_a(uint8_t value) { z80_state.af = uint16_t(value << 8 | (z80_state.af & 0xFF)); }
+void set_b(uint8_t value) { z80_state.bc = uint16_t(value << 8 | (z80_state.bc & 0xFF)); }
+
+/// The search for the sync byte reads through the bit routine: from the first byte on, it is past
+/// the text of an image.
+void read_bit() {
+    set_a(tape_read_one_byte());
+    tape_cas_skip_header();
+    z80_state.pc = READ_BIT_EXIT;
+}
+
+void read_byte() {
+    set_a(tape_read_one_byte());
+    z80_state.pc = READ_BYTE_EXIT;
+}
+
+void write_leader() {
+    tape_write_case_header();
+    set_b(LEADER_BYTES);
+    z80_state.pc = WRITE_LEADER_LOOP;
+}
+
+void write_byte() {
+    tape_write_one_byte(uint8_t(z80_state.af >> 8));
+    z80_state.pc = WRITE_BYTE_EXIT;
+}
 
 /// The keyboard routine's result is a character of the typing buffer; the last call takes the trap
 /// out again.
 void type_character() {
     int done = 0;
-    const uint8_t character = keyboard_type_bas_file(&done);
-    z80_state.af = uint16_t(character << 8 | (z80_state.af & 0xFF));
+    set_a(keyboard_type_bas_file(&done));
     if (!done) return;
     memory_remove_bas_trap();
     keyboard_type_reset();
 }
 
+void restore(size_t address, size_t size) {
+    std::copy_n(source_rom_pointer() + address, size, rom_pointer() + address);
+}
+
 } // namespace
 
-int cas_is_traps_installed() { return 0; }
-void tape_init() {}
-void tape_place_traps(uint8_t* /*rom*/) {}
+int cas_is_traps_installed() { return cas_traps_installed ? 1 : 0; }
+
+void tape_init() {
+    tape_ready = true;
+    tape_place_traps(rom_pointer());
+}
+
+void tape_reset() {
+    if (tape_ready) tape_read_in = 0;
+}
+
+void tape_place_traps(uint8_t* rom) {
+    for (const Patch& patch : cassette_patches) {
+        uint8_t* const bytes = rom + patch.address;
+        std::fill_n(bytes, patch.size, uint8_t(0));
+        bytes[0] = TRAP_PREFIX;
+        bytes[1] = patch.trap;
+    }
+    cas_traps_installed = true;
+}
+
+void tape_remove_traps() {
+    if (!cas_traps_installed) return;
+    for (const Patch& patch : cassette_patches) restore(patch.address, patch.size);
+    cas_traps_installed = false;
+}
 
 void memory_place_bas_trap() { std::ranges::copy(TYPING_PATCH, rom_pointer() + KEYBOARD_ROUTINE); }
 
-void memory_remove_bas_trap() {
-    std::copy_n(source_rom_pointer() + KEYBOARD_ROUTINE, TYPING_PATCH.size(),
-                rom_pointer() + KEYBOARD_ROUTINE);
-}
+void memory_remove_bas_trap() { restore(KEYBOARD_ROUTINE, TYPING_PATCH.size()); }
 
 void trap_handle(int number) {
-    if (number == TRAP_TYPING) type_character();
+    switch (number) {
+    case TRAP_READ_BIT: return read_bit();
+    case TRAP_FIND_LEADER: z80_state.pc = FIND_SYNC; break;
+    case TRAP_READ_BYTE: return read_byte();
+    case TRAP_WRITE_LEADER: return write_leader();
+    case TRAP_WRITE_BYTE: return write_byte();
+    case TRAP_TYPING: return type_character();
+    default: break;
+    }
 }

@@ -1,7 +1,8 @@
 #pragma once
-/// Firmware traps: the opcodes ED 00 to ED 0C, patched into the BASIC ROM, hand cassette and typing
-/// over to the emulator (trap_handle, declared in z80/z80.h). Only the typing trap is there yet;
-/// the cassette's numbers are two-byte no-operations.
+/// Firmware traps: the opcodes ED 00 to ED 0C, patched into the working copy of the BASIC ROM, hand
+/// cassette and typing over to the emulator (trap_handle, declared in z80/z80.h). The cassette
+/// traps cut the firmware's bit loops short and move whole bytes of the attached image; while the
+/// sound of a tape is used instead, they are out and the firmware times the bits itself.
 
 #include <cstdint>
 
@@ -9,8 +10,12 @@
 int cas_is_traps_installed();
 /// Places the cassette patches at the program's start.
 void tape_init();
-/// Patches the cassette traps into a ROM image.
+/// Clears the cassette input bit, once the cassette system is ready.
+void tape_reset();
+/// Patches the cassette traps into a ROM image, the working copy.
 void tape_place_traps(uint8_t* rom);
+/// Takes the cassette patches out of the working copy; nothing when they are not in it.
+void tape_remove_traps();
 /// Puts the typing trap into the keyboard routine at 002B.
 void memory_place_bas_trap();
 /// Takes the typing trap out of the keyboard routine.

@@ -8,17 +8,26 @@ struct FileFilter {
     std::string pattern; ///< "*.a;*.b"
 };
 
+/// A text field that a file dialog shows below its own.
+struct FileDialogField {
+    std::string label; ///< with "&" before the access key
+    int limit = 0;     ///< characters
+    std::string text;
+};
+
 struct FileDialog {
     std::string title;
     std::vector<FileFilter> filters;
     int filter_index = 0; ///< chosen when the dialog opens
     bool save = false;
     bool overwrite_prompt = false; ///< of a save dialog
+    std::vector<FileDialogField> fields = {};
 };
 
 struct FileChoice {
     std::string path;
     int filter_index = 0;
+    std::vector<std::string> field_texts = {}; ///< in the order of the dialog's fields
 };
 
 enum class MessageIcon : unsigned char { none, information, warning, error };

@@ -1,6 +1,8 @@
 #pragma once
 /// What the machine asks of the program around it. Implemented by the application shell.
 
+#include <string>
+
 /// Shows a message in the status bar (printf rules).
 [[gnu::format(printf, 1, 2)]] void StatusBarText(const char* format, ...);
 /// Shows a text in status bar part 0 (configuration), 2 (cassette) or 3 (messages).
@@ -20,3 +22,5 @@ void host_save_screenshot();
 void host_capture_frame();
 /// 1 when there is a canvas to draw into.
 int host_has_canvas();
+/// Asks for the name of a cassette image to save to; 1 when there is one.
+int get_ui_save_tape_filename(std::string* path);

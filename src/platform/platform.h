@@ -8,6 +8,7 @@
 #include "platform/dialogs.h"
 #include "platform/drawing.h"
 #include "platform/events.h"
+#include "platform/forms.h"
 #include "platform/joystick.h"
 #include "platform/keyboard.h"
 #include "platform/paths.h"
@@ -24,6 +25,7 @@ struct Platform {
     virtual Dialogs& dialogs() = 0;
     virtual Drawing& drawing() = 0;
     virtual Events& events() = 0;
+    virtual Forms& forms() = 0;
     virtual Joysticks& joysticks() = 0;
     virtual HostKeyboard& keyboard() = 0;
     virtual Paths& paths() = 0;

@@ -8,9 +8,12 @@
 #include "host/menu.h"
 #include "host/status.h"
 #include "host_files.h"
+#include "media/tape.h"
 #include "media/traps.h"
 #include "platform/host_services.h"
 #include "z80/z80.h"
+
+#include <cstdlib>
 
 #include <sys/stat.h>
 
@@ -42,12 +45,14 @@ protected:
         g_bAutoStart = true;
         host->release_all_keys();
         keyboard_type_reset();
+        tape_detach_cas();
         last_file_name = "Tarvelin";
         HostFilesTest::TearDown();
     }
     void run(const std::string& path) {
         memory_remove_bas_trap();
         keyboard_type_reset();
+        tape_detach_cas();
         StatusBarText("before");
         last_file_name = "base";
         z80_state.pc = 0x1234;
@@ -127,25 +132,63 @@ TEST_F(AutostartTest, FilesThatAreThereAreReportedEvenWhenTheyHoldNothing) {
 }
 
 TEST_F(AutostartTest, CassettesBootTheMachineFirst) {
-    write("blank.cas", std::string(4, '\0'));
-    write("blank.cgt", std::string(4, '\0'));
-    for (const std::string path : {"blank.cas", "blank.cgt"}) {
+    const struct {
+        std::string path, bytes, typed;
+    } cases[] = {
+        {"blank.cas", std::string(4, '\0'), ""},
+        {"blank.cgt", std::string(4, '\0'), ""},
+        {"basic.cas", "\xAA\xAA\x66Q", "\rCLOAD\rRUN\r"},
+        {"code.CGT", "\xAA\x66\x55QUEST ", "\r\rSYSTEM\rQ\r/\r"},
+    };
+    for (const auto& [path, bytes, typed] : cases) {
+        write(path, bytes);
         const int64_t cycles = z80_state.t_count;
         run(path);
         EXPECT_NEAR(double(z80_state.t_count - cycles), 4'433'500, 40) << "a hundred frames";
         EXPECT_EQ(z80_state.nmi, 1) << "the reset key";
         EXPECT_EQ(last_file_name, "") << "the reset key empties it";
         EXPECT_TRUE(is_typing());
-        EXPECT_EQ(typed_text(), "") << "nothing is known to be on the tape";
+        EXPECT_EQ(typed_text(), typed) << path;
+        EXPECT_EQ(tape_read_one_byte(), uint8_t(bytes[0])) << "the tape is in, at its start";
         EXPECT_EQ(host->status_text(3), "Autoloaded: " + path);
 
         g_bAutoStart = false;
         run(path);
         EXPECT_EQ(host->status_text(3), "before");
         EXPECT_FALSE(is_typing());
+        EXPECT_EQ(tape_get_cas_name(), path);
         EXPECT_EQ(z80_state.pc, 0x1234);
         g_bAutoStart = true;
     }
+}
+
+TEST_F(AutostartTest, TokenizedBasicComesFromATape) {
+    for (const std::string path : {"tokens.bas", "tokens.TXT"}) {
+        write(path, "\xFF\x0A");
+        run(path);
+        EXPECT_EQ(host->status_text(3), "Autoloaded: " + path);
+        EXPECT_TRUE(is_typing());
+        EXPECT_EQ(typed_text(), "\r\rCLOAD\rRUN\r");
+        EXPECT_EQ(tape_cas_is_attached(), 1);
+
+        memory_remove_bas_trap();
+        tape_detach_cas();
+        main_load_bas_file(path);
+        EXPECT_TRUE(is_typing());
+        EXPECT_EQ(typed_text(), "\r\rCLOAD\r");
+        EXPECT_EQ(tape_cas_is_attached(), 1);
+    }
+    const char* const before = getenv("TMPDIR");
+    const std::string temporary = before ? before : "/tmp";
+    setenv("TMPDIR", "no/folder", 1);
+    for (void (*load)(const std::string&) : {autostart_file, main_load_bas_file}) {
+        memory_remove_bas_trap();
+        load("tokens.bas");
+        EXPECT_EQ(host->status_text(3), "Error opening image: tokens.bas");
+        EXPECT_FALSE(is_typing()) << "CLOAD would wait for ever";
+        EXPECT_EQ(tape_cas_is_attached(), 0);
+    }
+    setenv("TMPDIR", temporary.c_str(), 1);
 }
 
 } // namespace

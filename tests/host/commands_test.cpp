@@ -13,6 +13,7 @@
 #include "host/status.h"
 #include "host_files.h"
 #include "media/printer.h"
+#include "media/tape.h"
 #include "media/traps.h"
 #include "platform/host_services.h"
 #include "z80/z80.h"
@@ -254,10 +255,11 @@ TEST_F(CommandsTest, CommandsThatAskForAFile) {
         {126, "Save screen as...", "shot.GIF", "Screenshot saved: shot.GIF"},
         {40054, "Save video...", "film", "AVI: an error occured."},
         {40120, "Save to WAV...", "no/way", "no/way.wav: cannot be written"},
-        // Their devices are not there yet.
-        {40034, "Attach tape sample file", "short", "Attach WAV: not available yet."},
-        {120, "Save WAV file", "tape", "Create WAV: not available yet."},
-        {127, "Save memory as CAS file", "tape", "Save memory as CAS: not available yet."},
+        {123, "Attach CAS file", ".", "Error opening image: ."},
+        {123, "Attach CAS file", "short", "CAS image attached: short"},
+        {40034, "Attach tape sample file", "gone.wav", "Error opening image: gone.wav"},
+        {120, "Save WAV file", "no/way", "no/way.wav: cannot be written"},
+        {127, "Save memory as CAS file", "no/way", "no/way.cas: cannot be written"},
     };
     std::ofstream("short") << "short";
     for (const auto& c : cases) {
@@ -363,6 +365,44 @@ TEST_F(CommandsTest, MediaAreTakenOut) {
     EXPECT_EQ(get_ui_save_tape_filename(&name), 1);
     EXPECT_EQ(name, "tape.cas");
     EXPECT_EQ(host->dialogs().file_dialogs.back().title, "Save CAS tape file under name...");
+}
+
+TEST_F(CommandsTest, CassetteImages) {
+    std::ofstream("game.cas") << "\x66Game";
+    command_with_file(123, "game.cas");
+    EXPECT_EQ(tape_read_one_byte(), 0x66);
+    command_with_file(123, "gone.cas");
+    EXPECT_EQ(tape_cas_is_attached(), 0) << "the one before is out as well";
+    command_with_file(123, "game.cas");
+    handle_command(124);
+    EXPECT_EQ(tape_cas_is_attached(), 0);
+
+    memory[0x01FB] = 0;
+    handle_command(146);
+    EXPECT_EQ(memory[0x01FB], TRAP);
+    memory[0x01FB] = 0;
+
+    choose("saved");
+    pacing.ticks = 7;
+    tape_create_cas();
+    tape_write_one_byte(0xAA);
+    EXPECT_EQ(read_file("saved.cas"), std::vector<uint8_t>{0xAA});
+    EXPECT_EQ(pacing.ticks, 0) << "the dialog took its time";
+    tape_create_cas(); // cancelled
+    EXPECT_EQ(tape_get_cas_name(), "saved.cas");
+    tape_detach_cas();
+
+    mem_write_word(0x40A4, 0x5000); // the BASIC program
+    mem_write_word(0x40F9, 0x5002);
+    memory[0x5000] = 0x0A;
+    memory[0x5002] = 0xB0;
+    command_with_file(127, "./basic.cas");
+    std::vector<uint8_t> tape(256, 0xAA);
+    for (const int byte : {0x66, 0x55, 'B' + 0, 'A' + 0, 'S' + 0, 'I' + 0, 'C' + 0, ' ' + 0, 0x3C,
+                           3, 0x00, 0x50, 0x0A, 0x00, 0xB0, 0x0A, 0x78, 0x66, 0x00}) {
+        tape.push_back(uint8_t(byte));
+    }
+    EXPECT_EQ(read_file("basic.cas"), tape);
 }
 
 TEST_F(CommandsTest, KeysOutsideTheMonitor) {

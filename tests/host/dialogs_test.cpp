@@ -90,6 +90,17 @@ TEST_F(DialogsTest, AddressesOfTheProgram) {
     std::array<std::string, 3> addresses;
     ui_get_casdata(&addresses);
     EXPECT_EQ(addresses, (std::array<std::string, 3>{"5801", "C9AB", "0066"}));
+    std::string labels;
+    for (const FileDialogField& field : dialogs.file_dialogs.back().fields) labels += field.label;
+    EXPECT_EQ(labels, "From address:End address:Start address:");
+
+    dialogs.choices.emplace_back(FileChoice{"game", 0, {"6000", "61000000"}});
+    std::string path;
+    ui_select_file(DIALOG_MEMORY_AS_CAS, &path);
+    ui_get_casdata(&addresses);
+    EXPECT_EQ(addresses, (std::array<std::string, 3>{"6000", "61000", "0066"}));
+    choose(DIALOG_CREATE_WAV, "game");
+    EXPECT_TRUE(dialogs.file_dialogs.back().fields.empty());
 }
 
 TEST_F(DialogsTest, ScreenToClipboard) {

@@ -9,6 +9,8 @@
 #include "host/menu.h"
 #include "host/prefs.h"
 #include "media/printer.h"
+#include "media/tape.h"
+#include "media/traps.h"
 #include "platform/host_services.h"
 #include "platform/platform.h"
 #include "platform/settings_file.h"
@@ -107,6 +109,25 @@ TEST_F(ShellTest, FirstStartStoresTheDefaultsAndTheExitTheDisks) {
     EXPECT_EQ(stored("BitDepth"), 1U);
     for (const char* disk : {"Disk0", "Disk3", "Tape"}) EXPECT_EQ(stored_text(disk), "") << disk;
     EXPECT_FALSE(host_has_canvas());
+}
+
+TEST_F(ShellTest, TheTapeOfTheLastRunIsOnlyAName) {
+    {
+        SettingsFile store("settings.toml");
+        store.open();
+        store.set_text("Tape", "game.cas");
+    }
+    std::ofstream("game.cas") << "x";
+    for (const char* kept : {"game.cas", ""}) {
+        start();
+        EXPECT_EQ(tape_get_cas_name(), "game.cas");
+        EXPECT_EQ(tape_cas_is_attached(), 0);
+        EXPECT_EQ(cas_is_traps_installed(), 1);
+        EXPECT_EQ(*kept || tape_attach_cas("game.cas"), true);
+        emu_close();
+        EXPECT_EQ(stored_text("Tape"), kept) << "a tape that was taken out is forgotten";
+        EXPECT_EQ(tape_cas_is_attached(), 0);
+    }
 }
 
 TEST_F(ShellTest, BadValuesAreCorrected) {

@@ -127,7 +127,8 @@ TEST_F(Firmware, EchoesAndStoresWhatIsTyped) {
     shift(false);
     press({KEY_SPACE, 'X', KEY_BACKSPACE, 'Y', KEY_RETURN});
     EXPECT_EQ(row(5), ">ABc!? Y");
-    EXPECT_EQ(row(6), ">");
+    EXPECT_EQ(row(6), "?SN ERROR");
+    EXPECT_EQ(row(8), ">");
     EXPECT_EQ(line(), "ABc!? Y");
 
     type("Q");
@@ -137,7 +138,7 @@ TEST_F(Firmware, EchoesAndStoresWhatIsTyped) {
     press({KEY_BACKSPACE, 'Z', KEY_RIGHT, '9', KEY_RETURN});
     EXPECT_EQ(line(), "Z       9");
     press({'X', KEY_END});
-    EXPECT_EQ(row(8), "READY") << "BREAK";
+    EXPECT_EQ(row(12), "READY") << "BREAK";
     press({'X', KEY_HOME, 'N'});
     EXPECT_EQ(row(0), "N") << "CLEAR";
 }
@@ -168,10 +169,10 @@ TEST_F(Firmware, ScrollsTextAndColoursTogether) {
         type("MARK");
         memory[TEXT_COLOUR] = 9;
         press({KEY_RETURN, 'B'});
-        EXPECT_EQ(row(0), "FOR THE COLOUR GENIE");
-        EXPECT_EQ(row(rows_ - 2), ">MARK");
+        EXPECT_EQ(row(1), "READY"); // three rows up, two of them for the answer
+        EXPECT_EQ(row(rows_ - 4), ">MARK");
         EXPECT_EQ(row(rows_ - 1), ">B");
-        const uint8_t* colours = memory + COLOURS + (rows_ - 2) * COLUMNS;
+        const uint8_t* colours = memory + COLOURS + (rows_ - 4) * COLUMNS;
         const uint8_t expected[] = {model.colour, 6, 6, 6, 6, model.colour};
         for (unsigned i = 0; i < 6; ++i) EXPECT_EQ(colours[i] & 0x0F, expected[i]) << i;
         EXPECT_EQ(colours[COLUMNS] & 0x0F, 9) << "a new row takes the text colour";

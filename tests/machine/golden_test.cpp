@@ -23,13 +23,13 @@ namespace {
 
 // ---- pictures of whole runs --------------------------------------------------------------------
 
-/// Runs the program for three seconds of machine time and returns its screenshot after two, which
-/// is its only one.
-fs::path take_picture(const std::vector<std::string>& arguments, const Folder& folder) {
-    for (const char* example : {"colours.cmd", "bounce.cmd"}) {
+/// Runs the program and returns its only screenshot, that after `second` seconds of machine time.
+fs::path take_picture(const std::vector<std::string>& arguments, int second, const Folder& folder) {
+    for (const char* example : {"colours.cmd", "colours.cas", "bounce.cmd"}) {
         fs::copy_file(fs::path(EXAMPLES_DIR) / example, folder / example);
     }
-    std::vector<std::string> words = {"/w", "/s", "2", "/t", "3"};
+    std::vector<std::string> words = {"/w", "/s", std::to_string(second), "/t",
+                                      std::to_string(second + 1)};
     words.insert(words.end(), arguments.begin(), arguments.end());
     const ProgramResult result = run_tarvelin(words, folder.path());
     EXPECT_EQ(result.exit_code, 0) << result.errors;
@@ -65,16 +65,22 @@ TEST(GoldenPictures, AreReachedPixelByPixel) {
     const struct {
         const char* name;
         std::vector<std::string> arguments;
+        int second = 2;
     } runs[] = {
-        {"colours", {"colours.cmd"}}, {"colours-beam", {beam[0], beam[1], "colours.cmd"}},
-        {"bounce", {"bounce.cmd"}},   {"bounce-beam", {beam[0], beam[1], "bounce.cmd"}},
-        {"sign-on-1", {"/m1"}},       {"sign-on-2sn", {"/m2"}},
+        // By way of the typed commands and the firmware's cassette routines.
+        {"colours-cassette", {"colours.cas"}, 6},
+        {"colours", {"colours.cmd"}},
+        {"colours-beam", {beam[0], beam[1], "colours.cmd"}},
+        {"bounce", {"bounce.cmd"}},
+        {"bounce-beam", {beam[0], beam[1], "bounce.cmd"}},
+        {"sign-on-1", {"/m1"}},
+        {"sign-on-2sn", {"/m2"}},
         {"sign-on-2", {"/m3"}},
     };
     for (const auto& run : runs) {
         SCOPED_TRACE(run.name);
         const Folder folder;
-        const fs::path taken = take_picture(run.arguments, folder);
+        const fs::path taken = take_picture(run.arguments, run.second, folder);
         ASSERT_FALSE(taken.empty());
         compare(run.name, taken);
     }

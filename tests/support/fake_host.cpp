@@ -52,3 +52,9 @@ void host_save_screenshot() { ++fake_host.screenshots; }
 void host_capture_frame() { ++fake_host.captured_frames; }
 
 int host_has_canvas() { return fake_host.canvas ? 1 : 0; }
+
+int get_ui_save_tape_filename(std::string* path) {
+    ++fake_host.save_questions;
+    *path = fake_host.save_path;
+    return path->empty() ? 0 : 1;
+}

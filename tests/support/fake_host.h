@@ -13,5 +13,7 @@ struct FakeHost {
     int screenshots = 0;
     int captured_frames = 0;
     bool canvas = true;
+    std::string save_path; ///< the answer when a save is to be named; empty cancels
+    int save_questions = 0;
 };
 extern FakeHost fake_host;

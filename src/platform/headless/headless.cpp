@@ -110,6 +110,7 @@ struct HeadlessPlatform::State {
     HeadlessAudio audio{[this] { return clock.now(); }};
     HeadlessDialogs dialogs;
     HeadlessEvents events;
+    HeadlessForms forms;
     HeadlessJoysticks joysticks;
     HeadlessKeyboard keyboard;
     HeadlessPaths paths;
@@ -131,6 +132,7 @@ Clock& HeadlessPlatform::clock() { return state_->clock; }
 HeadlessDialogs& HeadlessPlatform::dialogs() { return state_->dialogs; }
 HeadlessDrawing& HeadlessPlatform::drawing() { return state_->drawing; }
 Events& HeadlessPlatform::events() { return state_->events; }
+HeadlessForms& HeadlessPlatform::forms() { return state_->forms; }
 HeadlessJoysticks& HeadlessPlatform::joysticks() { return state_->joysticks; }
 HeadlessKeyboard& HeadlessPlatform::keyboard() { return state_->keyboard; }
 Paths& HeadlessPlatform::paths() { return state_->paths; }

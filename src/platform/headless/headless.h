@@ -6,6 +6,7 @@
 
 #include "platform/headless/headless_audio.h"
 #include "platform/headless/headless_dialogs.h"
+#include "platform/headless/headless_forms.h"
 #include "platform/headless/headless_joystick.h"
 #include "platform/headless/headless_keyboard.h"
 #include "platform/headless/headless_settings.h"
@@ -41,6 +42,7 @@ public:
     HeadlessDialogs& dialogs() override;
     HeadlessDrawing& drawing() override;
     Events& events() override;
+    HeadlessForms& forms() override;
     HeadlessJoysticks& joysticks() override;
     HeadlessKeyboard& keyboard() override;
     Paths& paths() override;

@@ -1,5 +1,6 @@
 #include "platform/headless/headless_dialogs.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <utility>
 
@@ -12,6 +13,14 @@ Answer next_answer(std::deque<Answer>& answers, Answer otherwise) {
     Answer answer = std::move(answers.front());
     answers.pop_front();
     return answer;
+}
+
+/// The fields that the user has left alone, and those as long as they can be.
+void fill_fields(const std::vector<FileDialogField>& fields, std::vector<std::string>& texts) {
+    for (size_t n = 0; n < fields.size(); ++n) {
+        if (n == texts.size()) texts.push_back(fields[n].text);
+        texts[n].resize(std::min(texts[n].size(), size_t(fields[n].limit)));
+    }
 }
 
 } // namespace
@@ -28,7 +37,9 @@ bool HeadlessDialogs::question(const std::string& title, const std::string& text
 
 std::optional<FileChoice> HeadlessDialogs::choose_file(const FileDialog& dialog) {
     file_dialogs.push_back(dialog);
-    return next_answer<std::optional<FileChoice>>(choices, {});
+    auto choice = next_answer<std::optional<FileChoice>>(choices, {});
+    if (choice) fill_fields(dialog.fields, choice->field_texts);
+    return choice;
 }
 
 void HeadlessDialogs::about(const std::string& title, const std::vector<std::string>& lines,

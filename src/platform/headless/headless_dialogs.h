@@ -33,7 +33,7 @@ struct HeadlessDialogs final : public Dialogs {
                const std::string& link, const std::string& target) override;
 
     /// Answers, the next one in front. Without one a question is answered No and a file dialog is
-    /// cancelled.
+    /// cancelled. Fields that a choice has no text for keep theirs.
     std::deque<bool> answers;
     std::deque<std::optional<FileChoice>> choices;
 

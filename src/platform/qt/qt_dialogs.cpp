@@ -2,20 +2,25 @@
 
 #include "platform/qt/qt_text.h"
 
+#include <QApplication>
 #include <QDesktopServices>
 #include <QDialogButtonBox>
 #include <QFileDialog>
+#include <QGridLayout>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QUrl>
 #include <QVBoxLayout>
 
 #include <algorithm>
+#include <memory>
 
 namespace {
 
-constexpr int PICTURE_SIZE = 96; ///< of the box about the program
+constexpr int PICTURE_SIZE = 96;  ///< of the box about the program
+constexpr int FIELD_SPACING = 12; ///< after a field of a file dialog
 
 QMessageBox::Icon icon_of(MessageIcon icon) {
     switch (icon) {
@@ -46,6 +51,29 @@ QStringList name_filters(const FileDialog& dialog) {
     return filters;
 }
 
+/// Adds the fields below those of Qt's own file dialog.
+std::vector<QLineEdit*> add_fields(QFileDialog& box, const std::vector<FileDialogField>& fields) {
+    std::vector<QLineEdit*> edits;
+    if (fields.empty()) return edits;
+    auto* row = std::make_unique<QHBoxLayout>().release();
+    for (const FileDialogField& field : fields) {
+        auto* label = std::make_unique<QLabel>(to_qt(field.label)).release();
+        auto* edit = std::make_unique<QLineEdit>(to_qt(field.text)).release();
+        edit->setMaxLength(field.limit);
+        edit->setMaximumWidth(edit->fontMetrics().horizontalAdvance('0') * (field.limit + 3));
+        edit->setAccessibleName(label->text().remove('&'));
+        label->setBuddy(edit);
+        row->addWidget(label);
+        row->addWidget(edit);
+        row->addSpacing(FIELD_SPACING);
+        edits.push_back(edit);
+    }
+    row->addStretch();
+    auto* grid = qobject_cast<QGridLayout*>(box.layout());
+    grid->addLayout(row, grid->rowCount(), 0, 1, grid->columnCount()); // owns the row now
+    return edits;
+}
+
 } // namespace
 
 void QtDialogs::message(const std::string& title, const std::string& text, MessageIcon icon) {
@@ -65,7 +93,10 @@ bool QtDialogs::question(const std::string& title, const std::string& text) {
 }
 
 std::optional<FileChoice> QtDialogs::choose_file(const FileDialog& dialog) {
-    QFileDialog box(window_.owner(), to_qt(dialog.title));
+    QWidget* form = QApplication::activeModalWidget(); // a form's button may have asked for it
+    QFileDialog box(form ? form : window_.owner(), to_qt(dialog.title));
+    // The desktop's own dialog has no place for fields; this comes before all other settings.
+    box.setOption(QFileDialog::DontUseNativeDialog, !dialog.fields.empty());
     box.setAcceptMode(dialog.save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     box.setFileMode(dialog.save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
     box.setOption(QFileDialog::DontConfirmOverwrite, !dialog.overwrite_prompt);
@@ -74,9 +105,12 @@ std::optional<FileChoice> QtDialogs::choose_file(const FileDialog& dialog) {
     if (dialog.filter_index >= 0 && dialog.filter_index < filters.size()) {
         box.selectNameFilter(filters[dialog.filter_index]);
     }
+    const std::vector<QLineEdit*> edits = add_fields(box, dialog.fields);
     if (box.exec() != QDialog::Accepted || box.selectedFiles().isEmpty()) return std::nullopt;
-    return FileChoice{path_from_qt(box.selectedFiles().first()),
+    FileChoice choice{path_from_qt(box.selectedFiles().first()),
                       std::max(0, int(filters.indexOf(box.selectedNameFilter())))};
+    for (const QLineEdit* edit : edits) choice.field_texts.push_back(edit->text().toStdString());
+    return choice;
 }
 
 void QtDialogs::about(const std::string& title, const std::vector<std::string>& lines,

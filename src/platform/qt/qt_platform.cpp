@@ -4,6 +4,7 @@
 #include "platform/qt/qt_clock.h"
 #include "platform/qt/qt_dialogs.h"
 #include "platform/qt/qt_drawing.h"
+#include "platform/qt/qt_forms.h"
 #include "platform/qt/qt_paths.h"
 #include "platform/qt/qt_signals.h"
 #include "platform/qt/qt_status_bar.h"
@@ -65,6 +66,7 @@ struct QtPlatform::Services {
     QtSurface surface{window};
     QtStatusBar status_bar{window.canvas(), events};
     QtDialogs dialogs{window};
+    QtForms forms{window};
     SdlAudio audio;
     QtClipboard clipboard;
     QtClock clock{window};
@@ -91,6 +93,7 @@ Clock& QtPlatform::clock() { return services_->clock; }
 Dialogs& QtPlatform::dialogs() { return services_->dialogs; }
 Drawing& QtPlatform::drawing() { return services_->drawing; }
 Events& QtPlatform::events() { return services_->events; }
+Forms& QtPlatform::forms() { return services_->forms; }
 Joysticks& QtPlatform::joysticks() { return services_->joysticks; }
 HostKeyboard& QtPlatform::keyboard() { return services_->keyboard; }
 Paths& QtPlatform::paths() { return services_->paths; }

@@ -21,6 +21,7 @@ public:
     Dialogs& dialogs() override;
     Drawing& drawing() override;
     Events& events() override;
+    Forms& forms() override;
     Joysticks& joysticks() override;
     HostKeyboard& keyboard() override;
     Paths& paths() override;

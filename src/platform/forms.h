@@ -1,0 +1,109 @@
+#pragma once
+/// Forms: dialogs of the program's own. The caller describes the controls and their arrangement,
+/// hears what the user does to them, and reads and sets them; the platform shows them and decides
+/// nothing, except that a default or cancel button closes its form.
+
+#include "platform/geometry.h"
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+enum class ControlKind : uint8_t {
+    // Arrangements of their children.
+    column,
+    row,
+    buttons, ///< a row at the place where the desktop has its buttons
+    grid,    ///< the children are rows of controls, which stand below each other in columns
+    group,   ///< a column in a frame with `text` on it
+    // Controls.
+    label, ///< names the controls after it in its arrangement; its access key leads to the next
+    note,  ///< words that explain something, in as many lines as they need
+    radio, ///< all the radio buttons of a form exclude each other
+    check,
+    list,  ///< one of `items`
+    combo, ///< a text field that offers `items`
+    edit,  ///< a text field
+    slider,
+    button,
+    default_button, ///< Enter presses it; it closes the form
+    cancel_button   ///< Escape presses it; it closes the form
+};
+
+struct FormControl {
+    ControlKind kind = ControlKind::column;
+    int id = 0;            ///< of a control to read, set or hear of; above 0
+    std::string text = {}; ///< with "&" before the access key; of a text field, its first content
+    /// What a screen reader calls a control that has no text: without it, the label before it or
+    /// the title of its group.
+    std::string name = {};
+    int limit = 0; ///< characters of a text field; 0 = no limit
+    int lowest = 0;
+    int highest = 0; ///< of a slider, which can stand there
+    int page = 1;    ///< of a slider: the step of Page Up, Page Down and a click beside the knob
+    std::vector<std::string> items = {};
+    std::vector<FormControl> children = {};
+};
+
+/// The controls from top to bottom. Tab follows the order of description.
+struct FormDescription {
+    std::string title;
+    std::vector<FormControl> controls;
+};
+
+/// What the user did. What the program sets raises no event.
+struct FormEvent {
+    enum class Kind : uint8_t {
+        changed, ///< value or text of the control; of radio buttons, that of the one chosen
+        pressed, ///< a button
+        closed   ///< the window's close button; no control
+    };
+    Kind kind = Kind::changed;
+    int control = 0;
+};
+
+constexpr int FORM_CLOSED = 0; ///< in place of a button: the window's close button
+
+/// A form that has been made, open or not; its controls keep their state while it is closed.
+/// Controls that the form lacks are skipped, and read as 0 and empty.
+struct Form {
+    virtual ~Form() = default;
+
+    /// Radio button and check box: 0 or 1. List: the number of the item, -1 without one. Combo: of
+    /// the item with the field's text. Slider: the position, kept within its range.
+    virtual int value(int id) = 0;
+    virtual void set_value(int id, int value) = 0;
+    /// Of a text field, what stands in it, cut at its limit; of a list, the item's; else as
+    /// described. The text of a list cannot be set.
+    virtual std::string text(int id) = 0;
+    virtual void set_text(int id, const std::string& text) = 0;
+    /// Of a list or combo. The first item of a list is chosen, the text of a combo stays.
+    virtual void set_items(int id, const std::vector<std::string>& items) = 0;
+    virtual bool is_enabled(int id) = 0;
+    virtual void set_enabled(int id, bool enabled) = 0;
+
+    /// Modal: returns the id of the button that closed it, or FORM_CLOSED.
+    virtual int run() = 0;
+    /// Beside the main window, which goes on. In front when it is open already.
+    virtual void show() = 0;
+    virtual void close() = 0; ///< without an event
+    virtual bool is_open() = 0;
+    virtual Size size() = 0;
+    /// The top left corner, in coordinates of the screen that shows the main window.
+    virtual void move(int left, int top) = 0;
+
+    /// The decimal number that the text begins with, after spaces; 0 without one, or above 32 bits.
+    uint32_t number(int id);
+    void set_number(int id, uint32_t number);
+};
+
+using FormHandler = std::function<void(Form& form, const FormEvent& event)>;
+
+struct Forms {
+    virtual ~Forms() = default;
+    /// A form, not open yet. It must not outlive the platform, nor be removed by its handler.
+    virtual std::unique_ptr<Form> create(const FormDescription& description,
+                                         FormHandler handler) = 0;
+};

@@ -1,0 +1,74 @@
+#pragma once
+/// Forms without a screen. The driver plays the user: it queues what the user does to modal forms
+/// that are still to come, and acts at once on forms that are open.
+
+#include "platform/forms.h"
+
+#include <deque>
+#include <map>
+#include <string>
+#include <vector>
+
+struct HeadlessForms;
+
+class HeadlessForm final : public Form {
+public:
+    HeadlessForm(const FormDescription& description, FormHandler handler, HeadlessForms& forms);
+    ~HeadlessForm() override;
+    HeadlessForm(const HeadlessForm&) = delete;
+    HeadlessForm& operator=(const HeadlessForm&) = delete;
+
+    int value(int id) override;
+    void set_value(int id, int value) override;
+    std::string text(int id) override;
+    void set_text(int id, const std::string& text) override;
+    void set_items(int id, const std::vector<std::string>& items) override;
+    bool is_enabled(int id) override;
+    void set_enabled(int id, bool enabled) override;
+    int run() override;
+    void show() override { open_ = true; }
+    void close() override { open_ = false; }
+    bool is_open() override { return open_; }
+    Size size() override { return {300, 200}; }
+    void move(int left, int top) override { place = {left, top, left + 300, top + 200}; }
+
+    // The user, who cannot do anything to a disabled control or a closed form.
+    void choose(int id, int value);             ///< radio button, check box, item, slider position
+    void type(int id, const std::string& text); ///< in place of what the field holds
+    void press(int id);
+    void press_enter() { press(button_of(ControlKind::default_button)); }
+    void press_escape();
+    void press_close_button();
+
+    const FormDescription description;
+    Rectangle place;
+
+private:
+    struct Control {
+        FormControl described;
+        int value = 0;
+        bool enabled = true;
+    };
+    void add(const std::vector<FormControl>& controls);
+    Control* find(int id);
+    bool user_reaches(int id);
+    int button_of(ControlKind kind);
+    void finish(int closing_id);
+
+    FormHandler handler_;
+    HeadlessForms& forms_;
+    std::map<int, Control> controls_;
+    bool open_ = false;
+    int closing_id_ = FORM_CLOSED;
+};
+
+struct HeadlessForms final : public Forms {
+    std::unique_ptr<Form> create(const FormDescription& description, FormHandler handler) override;
+    /// The form with the title that was made last; nullptr without one.
+    HeadlessForm* find(const std::string& title);
+
+    /// What the user does to modal forms, the next act in front. A form that no act is left for is
+    /// cancelled.
+    std::deque<std::function<void(HeadlessForm& form)>> acts;
+    std::vector<HeadlessForm*> forms;
+};

@@ -1,0 +1,402 @@
+#include "platform/qt/qt_forms.h"
+
+#include "platform/qt/qt_text.h"
+
+#include <QButtonGroup>
+#include <QCheckBox>
+#include <QCloseEvent>
+#include <QComboBox>
+#include <QDialog>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QScreen>
+#include <QSignalBlocker>
+#include <QSlider>
+
+#include <algorithm>
+#include <map>
+#include <utility>
+
+namespace {
+
+constexpr int SLIDER_LENGTH = 220;   ///< pixels, at least
+constexpr int NOTE_WIDTH = 40;       ///< characters in a line
+constexpr int WIDEST_FIELD = 40;     ///< characters; fields of longer texts scroll
+constexpr int UNLIMITED_FIELD = 6;   ///< characters
+constexpr int SMALL_BUTTON_TEXT = 3; ///< such a button stands at the field it belongs to
+
+/// A text without the mark of its access key.
+QString plain(const QString& text) {
+    QString result;
+    for (qsizetype n = 0; n < text.size(); ++n) {
+        if (text[n] == '&' && ++n == text.size()) break;
+        result += text[n];
+    }
+    return result;
+}
+
+int characters_wide(const QWidget& widget, int characters) {
+    return widget.fontMetrics().horizontalAdvance('0') * characters;
+}
+
+/// The window of a form: it leaves to the form what closes it.
+class FormWindow final : public QDialog {
+public:
+    using QDialog::QDialog;
+    std::function<void()> on_escape, on_close_button;
+
+    void reject() override { on_escape(); }
+
+protected:
+    void closeEvent(QCloseEvent* event) override {
+        event->ignore();
+        on_close_button();
+    }
+};
+
+class QtForm final : public Form {
+public:
+    QtForm(const FormDescription& description, FormHandler handler, QtWindow& owner);
+
+    int value(int id) override;
+    void set_value(int id, int value) override;
+    std::string text(int id) override;
+    void set_text(int id, const std::string& text) override;
+    void set_items(int id, const std::vector<std::string>& items) override;
+    bool is_enabled(int id) override;
+    void set_enabled(int id, bool enabled) override;
+    int run() override;
+    void show() override;
+    void close() override { dialog_.hide(); }
+    bool is_open() override { return dialog_.isVisible(); }
+    Size size() override;
+    void move(int left, int top) override;
+
+private:
+    /// What has been said before a control, and may name it.
+    struct Naming {
+        QLabel* label = nullptr; ///< waits for its control
+        QString name;
+    };
+
+    template <typename Widget>
+    Widget* control(int id) const {
+        const auto found = controls_.find(id);
+        return found == controls_.end() ? nullptr : qobject_cast<Widget*>(found->second);
+    }
+
+    void add_all(const std::vector<FormControl>& controls, QBoxLayout& box, QWidget& parent,
+                 Naming& naming);
+    void add(const FormControl& described, QBoxLayout& box, QWidget& parent, Naming& naming);
+    void add_grid(const FormControl& described, QBoxLayout& box, QWidget& parent,
+                  const Naming& naming);
+    QLayout* arrangement(const FormControl& described, QWidget& parent, const Naming& naming);
+    QWidget* make(const FormControl& described, QWidget& parent, Naming& naming);
+    QWidget* make_button(const FormControl& described, QWidget& parent);
+    QWidget* make_group(const FormControl& described, QWidget& parent);
+    QWidget* make_label(const FormControl& described, QWidget& parent, Naming& naming);
+    QWidget* make_list(const FormControl& described, QWidget& parent);
+    QWidget* make_edit(const FormControl& described, QWidget& parent);
+    QWidget* make_slider(const FormControl& described, QWidget& parent);
+    void enter_tab_order(QWidget& widget);
+    void focus_first();
+
+    void raise(FormEvent::Kind kind, int id) { handler_(*this, {kind, id}); }
+    std::function<void()> raiser(int id) {
+        return [this, id] { raise(FormEvent::Kind::changed, id); };
+    }
+    void finish(int closing_id);
+
+    QtWindow& owner_;
+    FormHandler handler_;
+    FormWindow dialog_;
+    QButtonGroup radios_;
+    std::map<int, QWidget*> controls_;
+    QWidget* first_in_tab_order_ = nullptr;
+    QWidget* last_in_tab_order_ = nullptr;
+    QPushButton* cancel_ = nullptr;
+    int closing_id_ = FORM_CLOSED;
+};
+
+/// Parents own their children.
+template <typename Widget>
+Widget* child_of(QWidget& parent) {
+    return std::make_unique<Widget>(&parent).release();
+}
+
+QtForm::QtForm(const FormDescription& description, FormHandler handler, QtWindow& owner)
+    : owner_(owner), handler_(std::move(handler)), dialog_(owner.owner()) {
+    dialog_.setWindowTitle(to_qt(description.title));
+    dialog_.on_escape = [this] { cancel_ ? cancel_->click() : dialog_.on_close_button(); };
+    dialog_.on_close_button = [this] {
+        raise(FormEvent::Kind::closed, FORM_CLOSED);
+        finish(FORM_CLOSED);
+    };
+    auto layout = std::make_unique<QVBoxLayout>(&dialog_).release();
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+    Naming naming;
+    add_all(description.controls, *layout, dialog_, naming);
+}
+
+void QtForm::add_all(const std::vector<FormControl>& controls, QBoxLayout& box, QWidget& parent,
+                     Naming& naming) {
+    for (const FormControl& control : controls) add(control, box, parent, naming);
+}
+
+void QtForm::add(const FormControl& described, QBoxLayout& box, QWidget& parent, Naming& naming) {
+    switch (described.kind) {
+    case ControlKind::grid: return add_grid(described, box, parent, naming);
+    case ControlKind::column:
+    case ControlKind::row:
+    case ControlKind::buttons: return box.addLayout(arrangement(described, parent, naming));
+    default: return box.addWidget(make(described, parent, naming));
+    }
+}
+
+QLayout* QtForm::arrangement(const FormControl& described, QWidget& parent, const Naming& naming) {
+    const bool column = described.kind == ControlKind::column;
+    auto box =
+        std::make_unique<QBoxLayout>(column ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
+    if (described.kind == ControlKind::buttons) box->addStretch();
+    Naming inner = naming;
+    add_all(described.children, *box, parent, inner);
+    return box.release();
+}
+
+void QtForm::add_grid(const FormControl& described, QBoxLayout& box, QWidget& parent,
+                      const Naming& naming) {
+    auto grid = std::make_unique<QGridLayout>();
+    int row = 0;
+    for (const FormControl& cells : described.children) {
+        Naming row_naming{nullptr, naming.name};
+        int column = 0;
+        for (const FormControl& cell : cells.children) {
+            grid->addWidget(make(cell, parent, row_naming), row, column++);
+        }
+        ++row;
+    }
+    box.addLayout(grid.release());
+}
+
+QWidget* QtForm::make(const FormControl& described, QWidget& parent, Naming& naming) {
+    QWidget* widget = nullptr;
+    switch (described.kind) {
+    case ControlKind::group: widget = make_group(described, parent); break;
+    case ControlKind::label:
+    case ControlKind::note: widget = make_label(described, parent, naming); break;
+    case ControlKind::list:
+    case ControlKind::combo: widget = make_list(described, parent); break;
+    case ControlKind::edit: widget = make_edit(described, parent); break;
+    case ControlKind::slider: widget = make_slider(described, parent); break;
+    default: widget = make_button(described, parent);
+    }
+    if (described.id) controls_[described.id] = widget;
+    if (qobject_cast<QLabel*>(widget) || qobject_cast<QGroupBox*>(widget)) return widget;
+
+    enter_tab_order(*widget);
+    // Of a combo box, what a screen reader says comes from the label alone.
+    if (naming.label) std::exchange(naming.label, nullptr)->setBuddy(widget);
+    if (!described.name.empty()) {
+        widget->setAccessibleName(to_qt(described.name));
+    } else if (!qobject_cast<QAbstractButton*>(widget)) {
+        widget->setAccessibleName(naming.name);
+    }
+    return widget;
+}
+
+QWidget* QtForm::make_group(const FormControl& described, QWidget& parent) {
+    auto* group = child_of<QGroupBox>(parent);
+    group->setTitle(to_qt(described.text));
+    auto* box = std::make_unique<QVBoxLayout>(group).release();
+    Naming naming{nullptr, plain(group->title())};
+    add_all(described.children, *box, *group, naming);
+    return group;
+}
+
+QWidget* QtForm::make_label(const FormControl& described, QWidget& parent, Naming& naming) {
+    auto* label = child_of<QLabel>(parent);
+    label->setTextFormat(Qt::PlainText);
+    label->setText(to_qt(described.text));
+    if (described.kind == ControlKind::note) {
+        label->setWordWrap(true);
+        label->setMinimumWidth(characters_wide(*label, NOTE_WIDTH));
+    } else {
+        label->setSizePolicy(QSizePolicy::Maximum, QSizePolicy::Preferred);
+        naming = {label, plain(label->text())};
+    }
+    return label;
+}
+
+QWidget* QtForm::make_button(const FormControl& described, QWidget& parent) {
+    QAbstractButton* button = nullptr;
+    FormEvent::Kind kind = FormEvent::Kind::changed;
+    if (described.kind == ControlKind::radio) {
+        button = child_of<QRadioButton>(parent);
+        radios_.addButton(button);
+    } else if (described.kind == ControlKind::check) {
+        button = child_of<QCheckBox>(parent);
+    } else {
+        auto* push = child_of<QPushButton>(parent);
+        if (described.kind == ControlKind::default_button) push->setDefault(true);
+        if (described.kind == ControlKind::cancel_button) cancel_ = push;
+        button = push;
+        kind = FormEvent::Kind::pressed;
+    }
+    button->setText(to_qt(described.text));
+    if (described.kind == ControlKind::button && described.text.size() <= SMALL_BUTTON_TEXT) {
+        button->setFixedWidth(button->sizeHint().height() * 3 / 2);
+    }
+    const int closing = described.kind > ControlKind::button ? described.id : FORM_CLOSED;
+    QObject::connect(button, &QAbstractButton::clicked, &dialog_,
+                     [this, kind, closing, id = described.id] {
+                         raise(kind, id);
+                         if (closing) finish(closing);
+                     });
+    return button;
+}
+
+QWidget* QtForm::make_list(const FormControl& described, QWidget& parent) {
+    auto* box = child_of<QComboBox>(parent);
+    for (const std::string& item : described.items) box->addItem(to_qt(item));
+    const auto changed = raiser(described.id);
+    QObject::connect(box, &QComboBox::activated, &dialog_, [changed](int) { changed(); });
+    if (described.kind == ControlKind::list) return box;
+
+    box->setEditable(true);
+    box->setInsertPolicy(QComboBox::NoInsert);
+    box->setCompleter(nullptr); // it would add to what is typed
+    if (described.limit) box->lineEdit()->setMaxLength(described.limit);
+    box->setEditText(to_qt(described.text));
+    QObject::connect(box->lineEdit(), &QLineEdit::textEdited, &dialog_, changed);
+    return box;
+}
+
+QWidget* QtForm::make_edit(const FormControl& described, QWidget& parent) {
+    auto* edit = child_of<QLineEdit>(parent);
+    if (described.limit) edit->setMaxLength(described.limit);
+    const int characters = described.limit ? described.limit : UNLIMITED_FIELD;
+    // Two more for the frame, the cursor and letters that are wider than a digit.
+    edit->setMinimumWidth(characters_wide(*edit, std::min(characters, WIDEST_FIELD) + 2));
+    if (characters < WIDEST_FIELD) edit->setMaximumWidth(edit->minimumWidth());
+    edit->setText(to_qt(described.text));
+    QObject::connect(edit, &QLineEdit::textEdited, &dialog_, raiser(described.id));
+    return edit;
+}
+
+QWidget* QtForm::make_slider(const FormControl& described, QWidget& parent) {
+    auto* slider = child_of<QSlider>(parent);
+    slider->setOrientation(Qt::Horizontal);
+    slider->setRange(described.lowest, described.highest);
+    slider->setPageStep(described.page);
+    slider->setMinimumWidth(SLIDER_LENGTH);
+    QObject::connect(slider, &QSlider::valueChanged, &dialog_, raiser(described.id));
+    return slider;
+}
+
+void QtForm::enter_tab_order(QWidget& widget) {
+    if (last_in_tab_order_) QWidget::setTabOrder(last_in_tab_order_, &widget);
+    if (!first_in_tab_order_) first_in_tab_order_ = &widget;
+    last_in_tab_order_ = &widget;
+}
+
+/// Of radio buttons the chosen one is first, or the arrow keys would start beside it.
+void QtForm::focus_first() {
+    QWidget* first = first_in_tab_order_;
+    if (qobject_cast<QRadioButton*>(first) && radios_.checkedButton()) {
+        first = radios_.checkedButton();
+    }
+    if (first) first->setFocus();
+}
+
+int QtForm::value(int id) {
+    if (const auto* button = control<QAbstractButton>(id)) return button->isChecked();
+    if (const auto* slider = control<QSlider>(id)) return slider->value();
+    const auto* list = control<QComboBox>(id);
+    if (!list) return 0;
+    return list->isEditable() ? list->findText(list->currentText()) : list->currentIndex();
+}
+
+void QtForm::set_value(int id, int value) {
+    if (auto* button = control<QAbstractButton>(id)) button->setChecked(value != 0);
+    if (auto* list = control<QComboBox>(id)) list->setCurrentIndex(value);
+    if (auto* slider = control<QSlider>(id)) {
+        const QSignalBlocker silent(slider);
+        slider->setValue(value);
+    }
+}
+
+std::string QtForm::text(int id) {
+    QString text;
+    if (const auto* edit = control<QLineEdit>(id)) text = edit->text();
+    if (const auto* list = control<QComboBox>(id)) text = list->currentText();
+    if (const auto* label = control<QLabel>(id)) text = label->text();
+    if (const auto* button = control<QAbstractButton>(id)) text = button->text();
+    if (const auto* group = control<QGroupBox>(id)) text = group->title();
+    return text.toStdString();
+}
+
+void QtForm::set_text(int id, const std::string& text) {
+    const QString shown = to_qt(text);
+    if (auto* edit = control<QLineEdit>(id)) edit->setText(shown);
+    if (auto* list = control<QComboBox>(id); list && list->isEditable()) list->setEditText(shown);
+    if (auto* label = control<QLabel>(id)) label->setText(shown);
+    if (auto* button = control<QAbstractButton>(id)) button->setText(shown);
+    if (auto* group = control<QGroupBox>(id)) group->setTitle(shown);
+}
+
+void QtForm::set_items(int id, const std::vector<std::string>& items) {
+    auto* list = control<QComboBox>(id);
+    if (!list) return;
+    const QString before = list->currentText();
+    list->clear();
+    for (const std::string& item : items) list->addItem(to_qt(item));
+    if (list->isEditable()) list->setEditText(before);
+}
+
+bool QtForm::is_enabled(int id) {
+    const auto* widget = control<QWidget>(id);
+    return widget && widget->isEnabled();
+}
+
+void QtForm::set_enabled(int id, bool enabled) {
+    if (auto* widget = control<QWidget>(id)) widget->setEnabled(enabled);
+}
+
+int QtForm::run() {
+    closing_id_ = FORM_CLOSED;
+    focus_first();
+    dialog_.exec();
+    return closing_id_;
+}
+
+void QtForm::show() {
+    if (!is_open()) focus_first();
+    dialog_.show();
+    dialog_.raise();
+    dialog_.activateWindow();
+}
+
+void QtForm::finish(int closing_id) {
+    closing_id_ = closing_id;
+    dialog_.done(closing_id);
+}
+
+Size QtForm::size() {
+    dialog_.ensurePolished();
+    const QSize size = dialog_.isVisible() ? dialog_.frameSize() : dialog_.sizeHint();
+    return {size.width(), size.height()};
+}
+
+void QtForm::move(int left, int top) {
+    dialog_.move(owner_.screen()->geometry().topLeft() + QPoint(left, top));
+}
+
+} // namespace
+
+std::unique_ptr<Form> QtForms::create(const FormDescription& description, FormHandler handler) {
+    return std::make_unique<QtForm>(description, std::move(handler), window_);
+}

@@ -1,0 +1,228 @@
+// Forms and the fields of file dialogs on Qt's offscreen platform, used by key and mouse events.
+
+#include "platform/qt/qt_platform.h"
+
+#include <gtest/gtest.h>
+
+#include <QAccessible>
+#include <QApplication>
+#include <QDialog>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QTimer>
+
+#include <map>
+
+namespace {
+
+enum : int { PLAIN = 1, OWN, MODEL, CLOCK, PATH, BROWSE, LEVEL, NUMBER, BEAM, OK, CANCEL, LABEL };
+
+FormDescription everything() {
+    using enum ControlKind;
+    return {"Everything",
+            {{.kind = radio, .id = PLAIN, .text = "&Standard"},
+             {.kind = radio, .id = OWN, .text = "&Custom"},
+             {.kind = grid,
+              .children = {{.kind = row,
+                            .children = {{.kind = label, .text = "&Model:"},
+                                         {.kind = list, .id = MODEL, .items = {"A", "B", "C"}}}},
+                           {.kind = row,
+                            .children = {{.kind = label, .id = LABEL, .text = "Clock:"},
+                                         {.kind = combo,
+                                          .id = CLOCK,
+                                          .text = "7",
+                                          .limit = 4,
+                                          .items = {"2215", "2216"}}}}}},
+             {.kind = row,
+              .children = {{.kind = label, .text = "Pa&th:"},
+                           {.kind = edit, .id = PATH, .limit = 3},
+                           {.kind = button, .id = BROWSE, .text = "...", .name = "Browse"}}},
+             {.kind = group,
+              .text = "&Level",
+              .children = {{.kind = slider, .id = LEVEL, .highest = 100, .page = 7},
+                           {.kind = edit, .id = NUMBER}}},
+             {.kind = check, .id = BEAM, .text = "&Beam"},
+             {.kind = buttons,
+              .children = {{.kind = default_button, .id = OK, .text = "&OK"},
+                           {.kind = cancel_button, .id = CANCEL, .text = "Cancel"}}}}};
+}
+
+class QtFormsTest : public testing::Test {
+protected:
+    static void SetUpTestSuite() {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        static int argc = 1;
+        static char name[] = "test";
+        static char* argv[] = {name, nullptr};
+        host = std::make_unique<QtPlatform>(argc, argv);
+        host->window().create("Title");
+        host->window().show();
+    }
+    static void TearDownTestSuite() { host.reset(); }
+
+    std::unique_ptr<Form> make() {
+        return host->forms().create(everything(), [this](Form&, const FormEvent& event) {
+            heard += "cpx"[int(event.kind)] + std::to_string(event.control) + " ";
+        });
+    }
+    static QDialog* shown() {
+        for (QWidget* widget : QApplication::topLevelWidgets()) {
+            auto* dialog = qobject_cast<QDialog*>(widget);
+            if (dialog && dialog->isVisible()) return dialog;
+        }
+        return nullptr;
+    }
+    static void key(QWidget* widget, int code, const QString& text = {}) {
+        for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+            QKeyEvent event(type, code, Qt::NoModifier, text);
+            QApplication::sendEvent(widget, &event);
+        }
+    }
+    /// Moves with Tab, as often as it takes, to the control with the name.
+    static QWidget* reach(const QString& name) {
+        for (int n = 0; n < 20; ++n) {
+            QApplication::processEvents();
+            QWidget* focus = shown()->focusWidget();
+            if (!focus) continue;
+            if (spoken(*focus) == name) return focus;
+            key(focus, Qt::Key_Tab);
+        }
+        ADD_FAILURE() << "not reached: " << name.toStdString();
+        return shown();
+    }
+    /// What a screen reader calls it: by its label, else its name.
+    static QString spoken(QWidget& widget) {
+        QAccessibleInterface* reader = QAccessible::queryAccessibleInterface(&widget);
+        const auto labels = reader->relations(QAccessible::Label);
+        if (!labels.empty()) reader = labels[0].first;
+        return reader->text(QAccessible::Name);
+    }
+    std::string take_heard() { return std::exchange(heard, {}); }
+
+    std::string heard;
+    static inline std::unique_ptr<QtPlatform> host;
+};
+
+TEST_F(QtFormsTest, UserActsAreHeardAndRead) {
+    const auto form = make();
+    form->show();
+    ASSERT_TRUE(form->is_open());
+    key(reach("Level"), Qt::Key_PageUp);
+    EXPECT_EQ(take_heard() + std::to_string(form->value(LEVEL)), "c7 7");
+    key(reach("Model:"), Qt::Key_Down);
+    EXPECT_EQ(take_heard() + form->text(MODEL), "c3 B");
+    key(reach("Path:"), Qt::Key_X, "x");
+    EXPECT_EQ(take_heard() + form->text(PATH), "c5 x");
+    key(reach("Beam"), Qt::Key_Space);
+    EXPECT_EQ(take_heard() + std::to_string(form->value(BEAM)), "c9 1");
+    key(reach("Browse"), Qt::Key_Space);
+    EXPECT_EQ(take_heard(), "p6 ");
+    EXPECT_TRUE(form->is_open());
+    QWidget* clock = reach("Clock:");
+    key(clock, Qt::Key_End);
+    key(clock, Qt::Key_2, "2"); // nothing is added to what is typed
+    EXPECT_EQ(take_heard() + form->text(CLOCK), "c4 72");
+    EXPECT_EQ(form->value(CLOCK), -1);
+    form->set_value(PLAIN, 1);
+    key(reach("Standard"), Qt::Key_Down);
+    EXPECT_EQ(take_heard(), "c2 ");
+    EXPECT_EQ(form->value(PLAIN) * 2 + form->value(OWN), 1);
+    form->close();
+    EXPECT_FALSE(form->is_open());
+    EXPECT_EQ(form->text(PATH), "x");
+    EXPECT_EQ(take_heard(), "");
+}
+
+TEST_F(QtFormsTest, ProgramSetsInSilence) {
+    const auto form = make();
+    EXPECT_EQ(form->text(CLOCK), "7");
+    form->set_value(LEVEL, 150);
+    EXPECT_EQ(form->value(LEVEL), 100);
+    form->set_text(PATH, "12345");
+    EXPECT_EQ(form->text(PATH), "123");
+    form->set_value(MODEL, 2);
+    EXPECT_EQ(form->text(MODEL), "C");
+    form->set_items(MODEL, {"D"});
+    EXPECT_EQ(form->text(MODEL), "D");
+    form->set_items(CLOCK, {"5", "7"});
+    EXPECT_EQ(form->value(CLOCK), 1);
+    form->set_value(BEAM, 1);
+    form->set_enabled(LABEL, false);
+    EXPECT_FALSE(form->is_enabled(LABEL));
+    EXPECT_TRUE(form->is_enabled(CLOCK));
+    form->set_value(99, 1);
+    EXPECT_EQ(form->text(99) + std::to_string(form->value(99)), "0");
+    EXPECT_EQ(heard, "");
+    for (const auto& [text, number] : std::map<std::string, uint32_t>{
+             {"  42x", 42}, {"", 0}, {"-5", 0}, {"4294967296", 0}, {"4294967295", 4294967295}}) {
+        form->set_text(NUMBER, text);
+        EXPECT_EQ(form->number(NUMBER), number) << text;
+    }
+}
+
+TEST_F(QtFormsTest, KeysAndButtonsEndTheForm) {
+    const struct {
+        const char* focus;
+        int key; ///< 0: the window's close button
+        int result;
+        const char* heard;
+    } cases[] = {
+        {"Path:", Qt::Key_Return, OK, "p10 "},      {"Clock:", Qt::Key_Enter, OK, "p10 "},
+        {"Level", Qt::Key_Return, OK, "p10 "},      {"Path:", Qt::Key_Escape, CANCEL, "p11 "},
+        {"Cancel", Qt::Key_Return, CANCEL, "p11 "}, {"Path:", 0, FORM_CLOSED, "x0 "}};
+    const auto form = make();
+    for (const auto& c : cases) {
+        QTimer::singleShot(0, [&c] {
+            QWidget* focus = reach(c.focus);
+            if (c.key) {
+                key(focus, c.key);
+            } else {
+                shown()->close();
+            }
+        });
+        EXPECT_EQ(form->run(), c.result) << c.focus << " " << c.key;
+        EXPECT_EQ(take_heard(), c.heard) << c.focus << " " << c.key;
+    }
+}
+
+TEST_F(QtFormsTest, TabFollowsTheDescriptionAndEveryControlHasAName) {
+    const auto form = make();
+    form->set_value(OWN, 1); // of radio buttons, Tab reaches the chosen one
+    form->show();
+    reach("Custom");
+    QStringList order;
+    for (int n = 0; n < 10; ++n) {
+        order += spoken(*shown()->focusWidget());
+        key(shown()->focusWidget(), Qt::Key_Tab);
+    }
+    EXPECT_EQ(order.join("|").toStdString(),
+              "Custom|Model:|Clock:|Path:|Browse|Level|Level|Beam|OK|Cancel");
+    std::map<QString, QString> buddies;
+    for (const QLabel* label : shown()->findChildren<QLabel*>()) {
+        if (label->buddy()) buddies[label->text()] = spoken(*label->buddy());
+    }
+    EXPECT_EQ(buddies, (std::map<QString, QString>{
+                           {"&Model:", "Model:"}, {"Clock:", "Clock:"}, {"Pa&th:", "Path:"}}));
+}
+
+TEST_F(QtFormsTest, FileDialogHasFields) {
+    FileDialog dialog{"Save", {{"All (*.*)", "*.*"}}, 0, true, false, {}};
+    dialog.fields = {{"&From:", 5, "5801"}, {"End:", 5, "C9AB"}};
+    QTimer::singleShot(0, [] {
+        for (QLineEdit* edit : shown()->findChildren<QLineEdit*>()) {
+            if (spoken(*edit) == "From:") {
+                edit->selectAll();
+                for (const char c : {'1', '2', '3', '4', '5', '6'}) key(edit, 0, QChar(c));
+            } else if (spoken(*edit) != "End:") {
+                edit->setText("/nowhere/x.cas");
+            }
+        }
+        static_cast<QDialog*>(shown())->QDialog::done(QDialog::Accepted);
+    });
+    const auto choice = host->dialogs().choose_file(dialog);
+    ASSERT_TRUE(choice);
+    EXPECT_EQ(choice->field_texts, (std::vector<std::string>{"12345", "C9AB"}));
+}
+
+} // namespace
