@@ -5,9 +5,11 @@
 #include "platform/headless/headless.h"
 #include "platform/qt/qt_platform.h"
 #include "platform/user_paths.h"
+#include "z80/disassembler.h"
 
 #include <charconv>
 #include <cstdio>
+#include <optional>
 #include <string_view>
 
 namespace {
@@ -25,6 +27,9 @@ constexpr const char* USAGE =
     "  --real-time           headless: keep to real time instead of virtual time\n"
     "  --setting NAME=VALUE  headless: a setting for this run, a number or a text\n"
     "  --wav FILE            record the sound from the start\n"
+    "  --regs                print the processor's registers after the run\n"
+    "  --disassemble FIRST-LAST\n"
+    "                        print the disassembly of these hexadecimal addresses after the run\n"
     "  --help                print this text\n"
     "  --version             print the version\n"
     "\n"
@@ -52,8 +57,15 @@ HeadlessOptions headless_options() {
     return options;
 }
 
+struct AddressRange {
+    uint16_t first = 0;
+    uint16_t last = 0;
+};
+
 struct Options {
     bool headless = false;
+    bool print_registers = false;
+    std::optional<AddressRange> disassemble;
     bool real_time = false;
     std::vector<std::pair<std::string, std::string>> settings;
     Arguments arguments; ///< the rest
@@ -76,6 +88,24 @@ void apply_setting(Settings& settings, const std::string& name, const std::strin
     }
 }
 
+std::optional<uint16_t> hexadecimal(std::string_view text) {
+    constexpr int BASE = 16;
+    uint16_t number = 0;
+    const char* end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number, BASE);
+    return error == std::errc() && stop == end ? std::optional(number) : std::nullopt;
+}
+
+/// FIRST-LAST.
+std::optional<AddressRange> address_range(std::string_view text) {
+    const size_t dash = text.find('-');
+    if (dash == std::string_view::npos) return std::nullopt;
+    const auto first = hexadecimal(text.substr(0, dash));
+    const auto last = hexadecimal(text.substr(dash + 1));
+    if (!first || !last || *first > *last) return std::nullopt;
+    return AddressRange{*first, *last};
+}
+
 /// Sorts out the double-dash options. Returns a problem, or nothing.
 std::string parse(int count, char** words, Options& options) {
     for (int n = 1; n < count; ++n) {
@@ -94,6 +124,11 @@ std::string parse(int count, char** words, Options& options) {
         } else if (word == "--wav") {
             if (n + 1 == count) return word + ": FILE is missing";
             wav_name = words[++n];
+        } else if (word == "--regs") {
+            options.print_registers = true;
+        } else if (word == "--disassemble") {
+            options.disassemble = address_range(n + 1 < count ? words[++n] : "");
+            if (!options.disassemble) return word + ": hexadecimal FIRST-LAST is missing";
         } else {
             return word + ": unknown option; --help lists them";
         }
@@ -110,6 +145,7 @@ int run_headless(const Options& options) {
     for (const auto& [name, value] : options.settings) {
         apply_setting(host.settings(), name, value);
     }
+    breakpoint_opens_monitor = false;
     const int exit_code = run_shell(options.arguments);
     return exit_code == 0 && screenshot_failed ? 1 : exit_code;
 }
@@ -118,6 +154,26 @@ int run_desktop(const Options& options, int& argc, char** argv) {
     QtPlatform host(argc, argv);
     install_platform(host);
     return run_shell(options.arguments);
+}
+
+void print_registers() {
+    char line[DISASSEMBLY_LINE];
+    for (int kind = 0; kind < 3; ++kind) {
+        regdump(line, kind);
+        std::puts(line);
+    }
+}
+
+/// The last instruction is the one that reaches the last address or the end of the memory.
+void print_disassembly(const AddressRange& range) {
+    char line[DISASSEMBLY_LINE];
+    uint16_t address = 0;
+    uint16_t next = range.first;
+    do {
+        address = next;
+        next = disassemble(address, line);
+        std::puts(line);
+    } while (next > address && next <= range.last);
 }
 
 bool asks_for(int count, char** words, std::string_view option) {
@@ -145,5 +201,9 @@ int main(int argc, char** argv) {
         problem = "there is no display; --headless runs without one";
     }
     if (!problem.empty()) return fail(problem);
-    return options.headless ? run_headless(options) : run_desktop(options, argc, argv);
+    const int exit_code =
+        options.headless ? run_headless(options) : run_desktop(options, argc, argv);
+    if (options.print_registers) print_registers();
+    if (options.disassemble) print_disassembly(*options.disassemble);
+    return exit_code;
 }

@@ -341,9 +341,10 @@ void follow_processor(QuietRun& quiet, uint32_t clocks) {
     catch_up(quiet);
     begin_run(quiet, run_clocks(clocks, as_expected ? quiet.left : clocks_without_event()));
 }
-} // namespace
 
-void video_run_cycles(int32_t cycles) {
+/// Processor and beam until the cycles are used or `stop` answers true after an instruction.
+template <typename Stop>
+inline int32_t run_until(int32_t cycles, Stop stop) {
     QuietRun quiet;
     quiet.seen = bus_activity.changes;
     do {
@@ -357,8 +358,19 @@ void video_run_cycles(int32_t cycles) {
         } else if (crtc.horizontal_total != 0) { // programmed
             follow_processor(quiet, clocks);
         }
-    } while (cycles > 0);
+    } while (cycles > 0 && !stop());
     catch_up(quiet);
+    return cycles;
+}
+} // namespace
+
+int32_t video_run_cycles(int32_t cycles) {
+    if (z80_state.breakpoint_enabled) return run_until(cycles, cpu_breakpoint_arrives);
+    return run_until(cycles, [] { return false; });
+}
+
+int32_t video_step(int32_t cycles) {
+    return run_until(cycles, [] { return true; });
 }
 
 void video_do_cycles(uint32_t clocks) {

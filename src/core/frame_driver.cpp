@@ -67,18 +67,20 @@ void update_screen_when_due() {
     if (g_bRecordingVideo) host_capture_frame();
 }
 
-} // namespace
+/// The frame that stands at the breakpoint or between single steps.
+bool frame_begun = false;
+int32_t frame_left = 0; ///< cycles
 
-int32_t frame_budget() {
-    return int32_t(z80_state.clock_hz) / int32_t(screen_frequency_of_active());
+void begin_frame() {
+    if (frame_begun) return;
+    frame_begun = true;
+    frame_left = frame_budget() + (g_bCycleBasedEngine ? 0 : leftover);
 }
 
-void machine_run() {
-    const int32_t budget = frame_budget();
-    if (g_bCycleBasedEngine) {
-        video_run_cycles(budget);
-    } else {
-        leftover = z80_run(budget + leftover);
+void end_frame() {
+    frame_begun = false;
+    if (!g_bCycleBasedEngine) {
+        leftover = frame_left;
         crtc_vblank();
     }
     run_timed_events();
@@ -86,15 +88,51 @@ void machine_run() {
     sound_flush(z80_state.t_count);
 }
 
+/// Runs what is left of the frame, or up to the armed breakpoint; looking for it takes a step per
+/// instruction.
+int32_t run_cycles(int32_t cycles) {
+    if (g_bCycleBasedEngine) return video_run_cycles(cycles);
+    if (!z80_state.breakpoint_enabled) return z80_run(cycles);
+    do {
+        cycles += z80_run(0);
+    } while (cycles > 0 && !cpu_breakpoint_arrives());
+    return cycles;
+}
+
+} // namespace
+
+int32_t frame_budget() {
+    return int32_t(z80_state.clock_hz) / int32_t(screen_frequency_of_active());
+}
+
+int machine_run() {
+    begin_frame();
+    // Something else than an instruction may have moved the program counter here.
+    bool reached = z80_state.breakpoint_enabled && cpu_breakpoint_arrives();
+    do {
+        if (reached && host_breakpoint_reached()) return 0;
+        frame_left = run_cycles(frame_left);
+        reached = frame_left > 0;
+    } while (reached);
+    end_frame();
+    return 1;
+}
+
+void machine_step() {
+    begin_frame();
+    frame_left = g_bCycleBasedEngine ? video_step(frame_left) : frame_left + z80_run(0);
+    if (frame_left <= 0) end_frame();
+}
+
 void do_some_frames(int count) {
     for (int frame = 0; frame < count; ++frame) {
-        machine_run();
+        if (!machine_run()) return;
         if (host_has_canvas()) update_screen(1);
     }
 }
 
 void paced_frame_step() {
-    machine_run();
+    if (!machine_run()) return;
     look_at_clock();
     if (g_Timer) wait_for_real_time();
     ++pacing.ticks;

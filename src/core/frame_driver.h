@@ -39,9 +39,12 @@ extern pacing_state pacing;
 
 /// Cycles of one frame of the active configuration.
 int32_t frame_budget();
-/// Runs one emulated frame.
-void machine_run();
-/// Runs frames and shows each, without pacing.
+/// Runs one emulated frame, or completes the one that has been left in the middle. 0 when it is
+/// left at the breakpoint now, and the host wants the machine to stand there.
+int machine_run();
+/// Runs one instruction as part of a frame, whatever stands at it.
+void machine_step();
+/// Runs frames and shows each, without pacing. Ends early at the breakpoint.
 void do_some_frames(int count);
 /// One frame, waiting and screen update included: the body of the idle loop.
 void paced_frame_step();

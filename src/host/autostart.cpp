@@ -20,6 +20,7 @@
 #include <filesystem>
 #include <string_view>
 #include <unistd.h>
+#include <utility>
 
 bool g_bAutoStart = true;
 
@@ -65,7 +66,10 @@ bool start_cmd(const std::string& path) {
 void boot_to_basic() {
     memory_place_bas_trap();
     keyboard_open_from_buffer("\r");
+    // A breakpoint is for the program that comes: the start has to be complete.
+    const int32_t armed = std::exchange(z80_state.breakpoint_enabled, 0);
     do_some_frames(BOOT_FRAMES);
+    z80_state.breakpoint_enabled = armed;
     machine_reset();
 }
 

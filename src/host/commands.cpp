@@ -82,6 +82,7 @@ void enter_monitor() {
 }
 
 void leave_monitor() {
+    cpu_breakpoint_arrives(); // where the processor stands has been seen
     const Size client = platform().window().client_size();
     platform().drawing().fill_rectangle({0, 0, client.width, client.height}, 0);
     ui_set_window_title("%s", g_bActive ? "(Restarting)" : "(Suspended)");
@@ -448,6 +449,14 @@ int video_save_to_avi(bool ask, std::string* name) {
     }
     if (Video_OpenOutput(*name)) g_bRecordingVideo = CAPTURE_RUNS;
     check_menu_item(COMMAND_SAVE_VIDEO, g_bRecordingVideo != 0);
+    return 1;
+}
+
+int host_breakpoint_reached() {
+    if (!breakpoint_opens_monitor) return 0;
+    if (!g_bDebug) handle_command(COMMAND_MONITOR);
+    monitor_select_page(MONITOR_DISASSEMBLY);
+    debug();
     return 1;
 }
 

@@ -33,5 +33,7 @@ void ui_about_dialog();
 void ui_copy_to_clipboard();
 void ui_machine_config();
 void ui_display_setup();
+/// Asks for an address and arms the breakpoint there. 0 when cancelled.
+int ui_machine_set_breakpoint();
 /// 1 on OK, with the level.
 int ui_tape_adjust_head(int* level);

@@ -1,11 +1,13 @@
 #include "cgenie/memory.h"
 #include "core/frame_driver.h"
 #include "host/commands.h"
+#include "host/dialogs.h"
 #include "host/menu.h"
 #include "host/shell.h"
 #include "monitor/monitor.h"
 #include "platform/host_services.h"
 #include "platform/keyboard.h"
+#include "z80/disassembler.h"
 #include "z80/z80.h"
 
 #include <algorithm>
@@ -19,20 +21,16 @@ namespace fs = std::filesystem;
 constexpr int LONGEST_RUN = 10001; ///< instructions of one F7
 constexpr const char* DISASSEMBLY = "eaca_disass.txt";
 
-/// The breakpoint must not catch the instruction that stands on it.
 void single_step() {
-    const int32_t armed = z80_state.breakpoint_enabled;
-    z80_state.breakpoint_enabled = 0;
-    z80_run(0);
-    z80_state.breakpoint_enabled = armed;
-    monitor_select_page(0);
+    machine_step();
+    monitor_select_page(MONITOR_DISASSEMBLY);
     debug();
 }
 
 void run_until_back() {
     const uint16_t start = z80_state.pc;
     for (int count = 0; count < LONGEST_RUN; ++count) {
-        z80_run(0);
+        machine_step();
         step_dir(1);
         if (z80_state.pc == start) return;
     }
@@ -43,12 +41,13 @@ void toggle_breakpoint() {
     monitor_update();
 }
 
+void ask_for_breakpoint() {
+    if (ui_machine_set_breakpoint()) monitor_update();
+}
+
 void dump_disassembly() {
     std::error_code error;
-    fulldisasm(DISASSEMBLY);
-    if (!fs::exists(DISASSEMBLY, error)) {
-        return StatusBarText("%s: cannot be written", DISASSEMBLY);
-    }
+    if (!fulldisasm(DISASSEMBLY)) return StatusBarText("%s: cannot be written", DISASSEMBLY);
     StatusBarText("Disassembly dump to: %s", fs::current_path(error).c_str());
 }
 
@@ -73,8 +72,9 @@ constexpr auto keys = std::to_array<KeyEntry>({
     {KEY_PAGE_DOWN, [] { step_dir_page(1); }, pause_or_next_frame},
     {KEY_UP, [] { step_dir(-1); }, nullptr},
     {KEY_DOWN, [] { step_dir(1); }, nullptr},
-    {KEY_F1, [] { monitor_select_page(0); }, nullptr},
-    {KEY_F2, [] { monitor_select_page(1); }, nullptr},
+    {KEY_F1, [] { monitor_select_page(MONITOR_DISASSEMBLY); }, nullptr},
+    {KEY_F2, [] { monitor_select_page(MONITOR_MEMORY); }, nullptr},
+    {KEY_F3, ask_for_breakpoint, nullptr},
     {KEY_F4, toggle_breakpoint, [] { handle_command(COMMAND_VIDEO_PAGE); }},
     {KEY_F6, save_screenshot, save_screenshot},
     {KEY_F7, run_until_back, nullptr},

@@ -36,6 +36,7 @@
 bool g_bActive = true;
 bool g_bPaused = false;
 bool g_bDebug = false;
+bool breakpoint_opens_monitor = true;
 bool g_bRunInBackground = false;
 bool g_bSound = true;
 bool g_KeyMapping = false;

@@ -5,15 +5,16 @@
 #include "host/command_line.h"
 #include "platform/events.h"
 
-extern bool g_bActive;          ///< frames are run in idle time
-extern bool g_bPaused;          ///< by the user
-extern bool g_bDebug;           ///< the monitor owns the window
-extern bool g_bRunInBackground; ///< run while another program is active
-extern bool g_bSound;           ///< sound output wanted
-extern bool g_KeyMapping;       ///< symbolic
-extern std::string emu_path;    ///< the program's directory, with a trailing separator
-extern std::string avi_name;    ///< capture to start with
-extern std::string wav_name;    ///< sound recording to start with
+extern bool g_bActive;                ///< frames are run in idle time
+extern bool g_bPaused;                ///< by the user
+extern bool g_bDebug;                 ///< the monitor owns the window
+extern bool breakpoint_opens_monitor; ///< off where nobody could close it again
+extern bool g_bRunInBackground;       ///< run while another program is active
+extern bool g_bSound;                 ///< sound output wanted
+extern bool g_KeyMapping;             ///< symbolic
+extern std::string emu_path;          ///< the program's directory, with a trailing separator
+extern std::string avi_name;          ///< capture to start with
+extern std::string wav_name;          ///< sound recording to start with
 
 /// Start-up, message loop, shutdown. Returns the exit code.
 int run_shell(const Arguments& arguments);

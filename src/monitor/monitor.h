@@ -1,20 +1,50 @@
 #pragma once
-/// The monitor: registers, disassembly and memory in the window. It has no pages yet: it shows a
-/// black window while it is open.
+/// The monitor: the machine's registers above a listing of instructions, or its memory as numbers
+/// and characters, in place of the picture.
+///
+/// Nothing runs while it is shown. It has no picture of its own: every change, and every paint of
+/// the window, measures the window's client area above the status bar and draws the page anew.
+/// Addresses wrap around at both ends of the memory.
 
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <vector>
 
-/// Draws the monitor into the window.
+enum MonitorPage : int { MONITOR_DISASSEMBLY = 0, MONITOR_MEMORY = 1 };
+
+extern std::optional<uint16_t> local_pc; ///< first instruction of the listing; unset: at PC
+extern int monitor_page;
+extern uint16_t memdump_pc; ///< first byte of the memory page
+
+// ---- text --------------------------------------------------------------------------------------
+
+/// The rows of the present page for an area of so many character cells. Rows may be longer than
+/// the area is wide.
+std::vector<std::string> monitor_page_rows(int rows, int cols);
+/// Twice the bytes that a row of the memory page shows.
+int monitor_get_memdump_width(int cols);
+
+// ---- in the window -----------------------------------------------------------------------------
+
+int monitor_get_rows();
+int monitor_get_cols();
+/// Draws the present page.
 void monitor_update();
-/// Page 0 or 1.
 void monitor_select_page(int page);
-/// Shows where the processor stands.
+/// Draws the registers and the listing from where the processor stands.
 void debug();
+/// Draws the registers and the listing; where that has not begun yet, from `pc`.
+void step(uint16_t pc);
+void monitor_memdump();
+
+/// Address of the first instruction in the listing.
 uint16_t monitor_get_current_pc();
-/// Moves through the page: `direction` 1 down, -1 up.
+/// One step through the present page without drawing it: an instruction, or a row of bytes.
+/// `direction` is 1 down, -1 up; up stops at the nearest of a few addresses whose instruction ends
+/// where the listing begins.
+void getpc_dir(int direction);
 void step_dir(int direction);
+/// As many steps as there are rows.
 void step_dir_page(int direction);
-void step_dir_rows(int direction, int rows);
-/// Writes the disassembly of the whole memory to a file in the current directory.
-void fulldisasm(const std::string& name);
+void step_dir_rows(int direction, int count);

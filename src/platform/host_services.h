@@ -24,3 +24,6 @@ void host_capture_frame();
 int host_has_canvas();
 /// Asks for the name of a cassette image to save to; 1 when there is one.
 int get_ui_save_tape_filename(std::string* path);
+/// The program counter has reached the armed breakpoint. 1 when the machine is to stand there, 0
+/// when it is to go on.
+int host_breakpoint_reached();

@@ -14,6 +14,8 @@ constexpr uint8_t OPCODE_HALT = 0x76;
 constexpr uint8_t OPCODE_EI = 0xFB;
 constexpr uint64_t SCAN_LINES_PER_SECOND = 15625;
 
+bool stood_on_breakpoint = false; ///< at the last look
+
 /// After an instruction that began with `opcode`: the NMI goes before the maskable interrupt, which
 /// is not accepted directly behind EI. The address pushed for a HALT is the one behind it.
 void offer_interrupts(z80_registers& s, uint8_t opcode) {
@@ -114,6 +116,12 @@ int cpu_check_breakpoint() {
     if (z80_state.pc != z80_state.breakpoint) return 0;
     z80_state.breakpoint_reached = 1;
     return 1;
+}
+
+int cpu_breakpoint_arrives() {
+    const bool was_there = stood_on_breakpoint;
+    stood_on_breakpoint = z80_state.pc == z80_state.breakpoint;
+    return z80_state.breakpoint_enabled && stood_on_breakpoint && !was_there ? 1 : 0;
 }
 
 void do_CB_instruction() { z80_state.t_count += op::cb_instruction(z80_state); }

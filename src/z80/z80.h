@@ -117,6 +117,10 @@ int cpu_run_until_breakpoint(uint16_t address);
 int cpu_is_breakpoint_reached();
 /// 1 once when PC stands on the armed breakpoint, and latches `breakpoint_reached`.
 int cpu_check_breakpoint();
+/// For a caller that steps and looks after every instruction: 1 when PC has come to the armed
+/// breakpoint since the last look. An instruction that stays where it is, such as HALT or a
+/// repeating block instruction, is reached once.
+int cpu_breakpoint_arrives();
 
 // ---- word access, low byte first ---------------------------------------------------------------
 

@@ -143,7 +143,8 @@ TEST_F(CommandsTest, PauseAndMonitorHoldTheMachine) {
         EXPECT_EQ(is_menu_item_checked(108), step.monitor_mark);
         if (step.id != 108) continue;
         const Size client = host->window().client_size();
-        EXPECT_EQ(host->drawing().last_fill.area, (Rectangle{0, 0, client.width, client.height}));
+        const int shown = client.height - (step.monitor_mark ? StatusBarHeight() : 0);
+        EXPECT_EQ(host->drawing().last_fill.area, (Rectangle{0, 0, client.width, shown}));
         const bool left_halted = !step.monitor_mark && !step.active;
         EXPECT_EQ(host->window().invalidations - invalidations, left_halted ? 1 : 0);
     }

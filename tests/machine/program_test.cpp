@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <chrono>
 #include <csignal>
+#include <fstream>
 #include <thread>
 
 namespace {
@@ -63,6 +64,10 @@ TEST_F(ProgramTest, RefusesWhatItDoesNotUnderstandInOneLine) {
         {{"/w", "--setting"}, "--setting"},
         {{"--setting", "GiantScreen"}, "--setting"},
         {{"--setting", "=1"}, "--setting"},
+        {{"/w", "--disassemble"}, "--disassemble"},
+        {{"--disassemble", "0-10000"}, "--disassemble"},
+        {{"--disassemble", "2-1"}, "--disassemble"},
+        {{"--disassemble", "0-0x1"}, "--disassemble"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::PrintToString(c.arguments));
@@ -70,6 +75,17 @@ TEST_F(ProgramTest, RefusesWhatItDoesNotUnderstandInOneLine) {
         expect_refusal(result, c.named);
         EXPECT_TRUE(result.errors.starts_with("tarvelin: ")) << result.errors;
     }
+}
+
+TEST_F(ProgramTest, PrintsRegistersAndDisassemblyAfterTheRun) {
+    std::ofstream(folder_ / "halt.cmd", std::ios::binary)
+        << std::string("\x01\x05\x00\x50\xF3\x76\x00", 7) + std::string("\x02\x02\x00\x50", 4);
+    const ProgramResult result =
+        run({"/w", "/t", "1", "--regs", "--disassemble", "FFFe-ffff", "halt.cmd"});
+    EXPECT_EQ(result.exit_code, 0);
+    EXPECT_NE(result.output.find(",IP:5001,R:"), std::string::npos) << result.output;
+    EXPECT_TRUE(result.output.ends_with(" FFFE FF          rst 38h\n FFFF FF          rst 38h\n"));
+    EXPECT_NE(result.output.find("\nTCOUNT:00000000000000000"), std::string::npos);
 }
 
 TEST_F(ProgramTest, WritesTheSamePictureInEveryRun) {

@@ -112,6 +112,35 @@ TEST_F(QtPlatformTest, DrawsEveryDepthCutOffAtTheEdges) {
     }
 }
 
+TEST_F(QtPlatformTest, WritesTextIntoCells) {
+    fit({200, 60});
+    drain();
+    Drawing& drawing = host->drawing();
+    const Size cell = drawing.cell_size();
+    const auto lit = [&](int column, Colour colour) { // pixels of the cell at (3, 5)
+        int count = 0;
+        for (int y = 5; y < 5 + cell.height; ++y) {
+            for (int x = 0; x < cell.width; ++x) {
+                count += pixel(3 + column * cell.width + x, y) == colour;
+            }
+        }
+        return count;
+    };
+    drawing.fill_rectangle({0, 0, 200, 60}, 0x0000FF);
+    drawing.text(3, 5, "M M\tM", 0xFFFFFF, 0);
+    const int all = cell.width * cell.height;
+    for (const int column : {0, 2, 8}) {
+        EXPECT_GT(lit(column, 0), all / 4) << column;
+        EXPECT_LT(lit(column, 0), all - 5) << column;
+        EXPECT_EQ(lit(column, 0x0000FF), 0) << column;
+    }
+    for (const int column : {1, 3, 7}) EXPECT_EQ(lit(column, 0), all) << column;
+    EXPECT_EQ(lit(9, 0x0000FF), all) << "behind the text";
+    drawing.line(4, 50, 3, 0xFFFFFF);
+    const Colour row[] = {0x0000FF, 0xFFFFFF, 0xFFFFFF, 0xFFFFFF, 0x0000FF};
+    for (int x = 0; x < 5; ++x) EXPECT_EQ(pixel(3 + x, 50), row[x]) << x;
+}
+
 TEST_F(QtPlatformTest, StretchesOverTheScreenWithBlackAround) {
     const uint8_t pixels[] = {0, 0, 0xFF, 0, 0, 0xFF, 0, 0}; // red, green
     host->drawing().fill_rectangle({0, 0, 40, 30}, 0xFFFFFF);

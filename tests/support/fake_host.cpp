@@ -58,3 +58,8 @@ int get_ui_save_tape_filename(std::string* path) {
     *path = fake_host.save_path;
     return path->empty() ? 0 : 1;
 }
+
+int host_breakpoint_reached() {
+    ++fake_host.breakpoints;
+    return fake_host.stands_still ? 1 : 0;
+}

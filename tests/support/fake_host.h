@@ -15,5 +15,7 @@ struct FakeHost {
     bool canvas = true;
     std::string save_path; ///< the answer when a save is to be named; empty cancels
     int save_questions = 0;
+    int breakpoints = 0;      ///< reached
+    bool stands_still = true; ///< there
 };
 extern FakeHost fake_host;

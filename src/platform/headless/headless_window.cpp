@@ -114,6 +114,7 @@ std::string HeadlessWindow::item_text(int id) const {
 void HeadlessDrawing::copy_bitmap(const BitmapView& picture, int x, int y) {
     ++copies;
     last_copy = {{picture.width, picture.height}, picture.bits, x, y};
+    forget({x, y, x + picture.width, y + picture.height});
     if (!keep_pictures_) return;
     fit_to_window();
     for (int row = 0; row < picture.height; ++row) {
@@ -126,11 +127,22 @@ void HeadlessDrawing::copy_bitmap(const BitmapView& picture, int x, int y) {
 void HeadlessDrawing::fill_rectangle(const Rectangle& area, Colour colour) {
     ++fills;
     last_fill = {area, colour};
+    forget(area);
     if (!keep_pictures_) return;
     fit_to_window();
     for (int y = area.top; y < area.bottom; ++y) {
         for (int x = area.left; x < area.right; ++x) set_pixel(x, y, colour);
     }
+}
+
+/// What was written there is gone.
+void HeadlessDrawing::forget(const Rectangle& area) {
+    const auto inside = [&area](int x, int y) {
+        return x >= area.left && x < area.right && y >= area.top && y < area.bottom;
+    };
+    std::erase_if(texts, [&](const HeadlessText& row) { return inside(row.x, row.y); });
+    std::erase_if(lines,
+                  [&](const HeadlessFill& line) { return inside(line.area.left, line.area.top); });
 }
 
 Colour HeadlessDrawing::pixel(int x, int y) const {

@@ -16,6 +16,7 @@ constexpr int HEADLESS_FRAME = 4;
 constexpr int HEADLESS_CAPTION = 20;
 constexpr int HEADLESS_MENU = 20;
 constexpr int HEADLESS_STATUS_BAR = 23;
+constexpr Size HEADLESS_CELL{8, 12};
 constexpr Colour HEADLESS_SHADOW = 0x808080;
 constexpr Colour HEADLESS_HIGHLIGHT = 0xFFFFFF;
 
@@ -74,12 +75,25 @@ struct HeadlessFill {
     bool operator==(const HeadlessFill&) const = default;
 };
 
+struct HeadlessText {
+    int x = 0, y = 0;
+    std::string text;
+    Colour colour = 0, background = 0;
+};
+
 struct HeadlessDrawing final : public Drawing {
     HeadlessDrawing(HeadlessWindow& window, bool keep_pictures)
         : window_(window), keep_pictures_(keep_pictures) {}
 
     void copy_bitmap(const BitmapView& picture, int x, int y) override;
     void fill_rectangle(const Rectangle& area, Colour colour) override;
+    Size cell_size() override { return HEADLESS_CELL; }
+    void text(int x, int y, const std::string& text, Colour colour, Colour background) override {
+        texts.push_back({x, y, text, colour, background});
+    }
+    void line(int x, int y, int length, Colour colour) override {
+        lines.push_back({{x, y, x + length, y + 1}, colour});
+    }
 
     /// What the client area shows, where pictures are kept; black where nothing was drawn.
     Colour pixel(int x, int y) const;
@@ -87,8 +101,11 @@ struct HeadlessDrawing final : public Drawing {
     int copies = 0, fills = 0;
     HeadlessCopy last_copy;
     HeadlessFill last_fill;
+    std::vector<HeadlessText> texts; ///< that begin where no fill or picture came later
+    std::vector<HeadlessFill> lines; ///< likewise
 
 private:
+    void forget(const Rectangle& area);
     void set_pixel(int x, int y, Colour colour);
     void fit_to_window();
 

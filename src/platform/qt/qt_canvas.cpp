@@ -2,9 +2,13 @@
 
 #include "platform/qt/qt_pixels.h"
 
+#include <QFontDatabase>
+#include <QFontMetrics>
+#include <QGlyphRun>
 #include <QPaintEvent>
 #include <QPainter>
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -18,9 +22,26 @@ bool keeps_pixels_equal(QSize picture, QSize target, double device_pixels) {
            is_whole(target.height() * device_pixels / picture.height());
 }
 
+constexpr int TAB_COLUMNS = 8;
+constexpr int FIRST_PRINTABLE = ' ';
+constexpr int LAST_PRINTABLE = '~';
+
+/// The widest of the characters that are written; the font's own maximum may be that of a rare one.
+int widest_character(const QFontMetrics& metrics) {
+    int widest = 1;
+    for (int c = FIRST_PRINTABLE; c <= LAST_PRINTABLE; ++c) {
+        widest = std::max(widest, metrics.horizontalAdvance(QChar(c)));
+    }
+    return widest;
+}
+
 } // namespace
 
 QtCanvas::QtCanvas(QtEvents& events) : events_(events) {
+    const QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    const QFontMetrics metrics(fixed);
+    font_ = QRawFont::fromFont(fixed);
+    cell_ = {widest_character(metrics), std::max(metrics.height(), 1)};
     setAttribute(Qt::WA_OpaquePaintEvent);
     setFocusPolicy(Qt::StrongFocus);
 }
@@ -33,6 +54,32 @@ void QtCanvas::copy_bitmap(const BitmapView& picture, int x, int y) {
 void QtCanvas::fill(const Rectangle& area, Colour colour) {
     fill_area(drawing_, area, colour);
     drawn({area.left, area.top, area.width(), area.height()});
+}
+
+void QtCanvas::write(int x, int y, const std::string& text, Colour colour, Colour background) {
+    const double baseline = std::round(y + font_.ascent());
+    QString characters;
+    QList<QPointF> places;
+    int column = 0;
+    for (const char c : text) {
+        if (c == '\t') {
+            column += TAB_COLUMNS - column % TAB_COLUMNS;
+            continue;
+        }
+        characters += QLatin1Char(c);
+        places += QPointF(x + column++ * cell_.width, baseline);
+    }
+    const Rectangle area{x, y, x + column * cell_.width, y + cell_.height};
+    fill_area(drawing_, area, background);
+    QGlyphRun run;
+    run.setRawFont(font_);
+    run.setGlyphIndexes(font_.glyphIndexesForString(characters));
+    run.setPositions(places);
+    QPainter painter(&drawing_);
+    painter.setPen(QColor::fromRgb(colour));
+    painter.drawGlyphRun(QPointF(), run);
+    painter.end();
+    drawn({x, y, area.width(), area.height()});
 }
 
 void QtCanvas::drawn(const QRect& area) {

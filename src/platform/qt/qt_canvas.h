@@ -3,7 +3,10 @@
 #include "platform/qt/qt_events.h"
 
 #include <QImage>
+#include <QRawFont>
 #include <QWidget>
+
+#include <string>
 
 /// The client area. Shows either what was drawn into it, kept in a picture of one pixel per logical
 /// pixel, or another picture stretched over it: whatever was asked for last.
@@ -13,6 +16,9 @@ public:
 
     void copy_bitmap(const BitmapView& picture, int x, int y);
     void fill(const Rectangle& area, Colour colour);
+    Size cell_size() const { return cell_; }
+    /// ASCII text on the grid of cells that begins at (x, y).
+    void write(int x, int y, const std::string& text, Colour colour, Colour background);
     /// Shows `picture` in `target`, black around it. It must stay until the next drawing.
     void stretch(const QImage& picture, const QRect& target);
     void end_stretch();
@@ -27,6 +33,8 @@ private:
 
     QtEvents& events_;
     QImage drawing_;
+    QRawFont font_; ///< of fixed pitch
+    Size cell_;
     const QImage* stretched_ = nullptr;
     QRect target_;
 };
