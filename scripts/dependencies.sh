@@ -7,7 +7,7 @@ run_packages=(g++ cmake ninja-build pasmo pkg-config libtomlplusplus-dev qt6-bas
               libxkbcommon-dev libxkbcommon-x11-dev libxcb1-dev libxcb-xkb-dev libsdl2-dev)
 test_packages=(libgtest-dev libgif-dev libbenchmark-dev libz80ex-dev clang clang-format clang-tidy
                python3 xvfb xdotool x11-xkb-utils x11-utils appstream desktop-file-utils groff-base
-               libxml2-utils shared-mime-info openbox ffmpeg)
+               libxml2-utils shared-mime-info openbox ffmpeg libavcodec-dev libswscale-dev)
 
 packages=("${run_packages[@]}")
 if [[ ${1:-run} == test ]]; then packages+=("${test_packages[@]}"); fi

@@ -2,6 +2,7 @@
 
 #include "host/screenshot.h"
 #include "host/shell.h"
+#include "host/video_codec.h"
 #include "platform/headless/headless.h"
 #include "platform/qt/qt_platform.h"
 #include "platform/user_paths.h"
@@ -145,6 +146,8 @@ int run_headless(const Options& options) {
     for (const auto& [name, value] : options.settings) {
         apply_setting(host.settings(), name, value);
     }
+    // There is nobody to choose.
+    answer_video_compression(host.settings().text("VideoCodec").value_or("uncompressed"));
     breakpoint_opens_monitor = false;
     const int exit_code = run_shell(options.arguments);
     return exit_code == 0 && screenshot_failed ? 1 : exit_code;

@@ -1,10 +1,168 @@
 #include "host/avi.h"
 
+#include "core/frame_driver.h"
+#include "host/menu.h"
+#include "host/shell.h"
+#include "host/video_codec.h"
 #include "platform/host_services.h"
+#include "platform/platform.h"
+#include "sound/sound_core.h"
 
-int Video_CreateBitmap() { return 0; }
-int Video_OpenOutput(const std::string& /*path*/) { return 0; }
-void Video_CloseOutput() {}
-void Video_ConvertBitmap() {}
+#include <algorithm>
+#include <exception>
+#include <filesystem>
+
+uint32_t s_dwVideoFrame = 0;
+uint32_t s_dwSoundFrame = 0;
+
+namespace {
+
+constexpr uint32_t MESSAGE_INTERVAL = 100; ///< frames
+constexpr size_t PALETTE_ENTRY_BYTES = 4;
+constexpr const char* SUBJECT = "Vesk's emulators";
+
+AviWriter pfOutput;
+std::string avi_path; ///< of the open file
+std::unique_ptr<VideoCodec> s_psCodec;
+const uint16_t* AVISoundBuffer = nullptr; ///< none when no sound is recorded
+
+bitmap_header AVIBitmapHeader;
+std::vector<uint8_t> AVIPalette;
+std::vector<uint8_t> AVIFrameBuffer; ///< bottom row first
+
+void tell(const char* text, const std::string& title = "Error") {
+    platform().dialogs().message(title, text, MessageIcon::warning);
+}
+
+/// Opens a file for writing without touching what is in it: the user may still cancel. Nothing for
+/// what cannot be written anywhere but at its end.
+FileHandle open_for_rewriting(const std::string& path) {
+    FileHandle file = open_file(path, "r+b");
+    if (!file) file = open_file(path, "wb");
+    if (file && std::fseek(file.get(), 0, SEEK_END) != 0) file.reset();
+    return file;
+}
+
+/// A capture that came to nothing leaves no empty file.
+void remove_when_empty(const std::string& path) {
+    std::error_code error;
+    if (std::filesystem::is_regular_file(path, error) &&
+        std::filesystem::file_size(path, error) == 0) {
+        std::filesystem::remove(path, error);
+    }
+}
+
+/// The stream's format has the sign that says bottom-up, and room for all colours in use.
+avi_video_format raw_format() {
+    avi_video_format format{0, AVIBitmapHeader, AVIPalette};
+    format.header.height = -format.header.height;
+    format.extra.resize(format.header.colours_used * PALETTE_ENTRY_BYTES);
+    return format;
+}
+
+bool create_streams(FileHandle file, bool with_sound) {
+    const auto kind = ui_choose_video_compression(AVIBitmapHeader);
+    if (!kind) return false;
+    s_psCodec = kind->start(raw_format());
+    return s_psCodec && pfOutput.open(std::move(file), s_psCodec->format, with_sound);
+}
+
+/// Shows the message with the sound stopped, as long as it takes.
+void end_capture(const char* reason) {
+    const std::string text = avi_path + ": " + reason + "; the video ends after " +
+                             std::to_string(s_dwVideoFrame) + " frames.";
+    Video_CloseOutput();
+    g_bRecordingVideo = 0;
+    check_menu_item(COMMAND_SAVE_VIDEO, false);
+    StatusBarText("%s", text.c_str());
+    sound_pause();
+    tell(text.c_str());
+    if (g_bActive) sound_resume();
+    reset_timer();
+}
+
+} // namespace
+
+int Video_CreateBitmap() {
+    if (!host_has_canvas()) return 0;
+    AVIBitmapHeader = bitmap_header();
+    AVIBitmapHeader.width = canvas.header.width;
+    AVIBitmapHeader.height = canvas.header.height;
+    AVIBitmapHeader.planes = canvas.header.planes;
+    AVIBitmapHeader.bits = canvas.header.bits;
+    AVIBitmapHeader.colours_used = canvas.header.bits <= 8 ? 1U << canvas.header.bits : 1;
+    try {
+        AVIPalette = canvas.palette;
+        AVIFrameBuffer.assign(canvas.pixels.size(), 0);
+    } catch (const std::exception&) {
+        Video_DestroyBitmap();
+        return 0;
+    }
+    return 1;
+}
+
+void Video_DestroyBitmap() {
+    AVIPalette = {};
+    AVIFrameBuffer = {};
+}
+
+int Video_OpenOutput(const std::string& path, const uint16_t* sound_buffer) {
+    if (pfOutput.is_open()) Video_CloseOutput();
+    FileHandle file = open_for_rewriting(path);
+    if (!file) {
+        tell("Could not open file stream!", path);
+        return 0;
+    }
+    if (!create_streams(std::move(file), sound_buffer != nullptr)) {
+        s_psCodec.reset();
+        remove_when_empty(path);
+        tell("Could not create video stream!");
+        return 0;
+    }
+    AVISoundBuffer = sound_buffer;
+    avi_path = path;
+    s_dwVideoFrame = s_dwSoundFrame = 0;
+    StatusBarText("Streaming video to file: %s...", path.c_str());
+    return 1;
+}
+
+void Video_CloseOutput() {
+    pfOutput.close(SUBJECT);
+    s_psCodec.reset();
+    Video_DestroyBitmap();
+    AVISoundBuffer = nullptr;
+    StatusBarText("Video stream closed. %u frames written.", s_dwVideoFrame);
+}
+
+void Video_SaveFrame(const uint8_t* frame, uint32_t frame_bytes, const uint8_t* sound,
+                     uint32_t sound_bytes) {
+    if (!pfOutput.is_open()) return;
+    const auto encoded = s_psCodec->encode({frame, frame_bytes});
+    if (!encoded) return end_capture("the picture cannot be compressed");
+    if (!pfOutput.write(encoded->data, encoded->key_frame, {sound, sound_bytes})) {
+        return end_capture("cannot be written");
+    }
+    ++s_dwVideoFrame;
+    if (AVISoundBuffer) ++s_dwSoundFrame;
+    if (s_dwVideoFrame % MESSAGE_INTERVAL != 0) return;
+    StatusBarText("Streaming video... %u frames written so far. Alt+I to stop.", s_dwVideoFrame);
+}
+
+void Video_ConvertBitmap() {
+    if (!pfOutput.is_open()) return;
+    if (canvas.header.width == AVIBitmapHeader.width &&
+        canvas.header.height == AVIBitmapHeader.height &&
+        canvas.header.bits == AVIBitmapHeader.bits &&
+        canvas.pixels.size() == AVIFrameBuffer.size()) {
+        const auto rows = std::ptrdiff_t(canvas.height);
+        const auto row_bytes = std::ptrdiff_t(AVIFrameBuffer.size()) / rows;
+        for (std::ptrdiff_t row = 0; row < rows; ++row) {
+            std::copy_n(canvas.pixels.end() - (row + 1) * row_bytes, row_bytes,
+                        AVIFrameBuffer.begin() + row * row_bytes);
+        }
+    }
+    Video_SaveFrame(AVIFrameBuffer.data(), uint32_t(AVIFrameBuffer.size()),
+                    reinterpret_cast<const uint8_t*>(sound_get_buffer_ptr()), FRAGMENT_BYTES);
+}
 
 void host_capture_frame() { Video_ConvertBitmap(); }

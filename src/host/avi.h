@@ -1,12 +1,26 @@
 #pragma once
-/// AVI capture of picture and sound. It cannot be started yet: every attempt fails.
+/// AVI capture: every emulated frame's picture, and the fragment of sound that belongs to it, go
+/// into a file. The shape of the picture is that of the canvas when the capture was prepared.
+
+#include "host/canvas.h"
 
 #include <string>
 
-/// Prepares the capture picture from the canvas; 0 when that fails.
+extern uint32_t s_dwVideoFrame; ///< frames written
+extern uint32_t s_dwSoundFrame; ///< fragments of sound written
+
+/// Prepares the capture picture from the canvas; 0 without one or without memory.
 int Video_CreateBitmap();
-/// Opens the file; 1 on success.
-int Video_OpenOutput(const std::string& path);
+void Video_DestroyBitmap();
+/// Creates the file and asks for the compression; a capture already open is closed first. Without
+/// a sound buffer the file has no sound. 1 when the capture runs; else the user has been told why.
+int Video_OpenOutput(const std::string& path, const uint16_t* sound_buffer);
+/// Completes the file, frees the capture picture, and says how many frames were written.
 void Video_CloseOutput();
-/// Hands the canvas to the capture.
+/// Hands the canvas to the capture. A canvas of another shape than the capture's repeats the
+/// picture before.
 void Video_ConvertBitmap();
+/// Writes one frame, bottom row first, with its sound. When that fails, as on a full disk, the
+/// capture ends and the user is told.
+void Video_SaveFrame(const uint8_t* frame, uint32_t frame_bytes, const uint8_t* sound,
+                     uint32_t sound_bytes);

@@ -447,7 +447,8 @@ int video_save_to_avi(bool ask, std::string* name) {
         check_menu_item(COMMAND_SAVE_VIDEO, false);
         return 0;
     }
-    if (Video_OpenOutput(*name)) g_bRecordingVideo = CAPTURE_RUNS;
+    const uint16_t* sound = g_bSound ? sound_get_buffer_ptr() : nullptr;
+    if (Video_OpenOutput(*name, sound)) g_bRecordingVideo = CAPTURE_RUNS;
     check_menu_item(COMMAND_SAVE_VIDEO, g_bRecordingVideo != 0);
     return 1;
 }

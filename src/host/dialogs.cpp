@@ -171,7 +171,3 @@ void ui_copy_to_clipboard() {
     }
     platform().clipboard().set_text(text);
 }
-
-void ui_machine_config() { StatusBarText("Configuration: not available yet."); }
-
-void ui_display_setup() { StatusBarText("Display settings: not available yet."); }

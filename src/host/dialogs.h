@@ -31,8 +31,13 @@ void ui_get_casdata(std::array<std::string, 3>* addresses);
 void ui_about_dialog();
 /// The text screen to the host's clipboard, rows ended by CR LF.
 void ui_copy_to_clipboard();
+/// Chooses the model or sets up the user's own configuration, and applies it on OK.
 void ui_machine_config();
+/// Opens the video setup beside the main window, or brings it to the front. The picture follows it
+/// at once.
 void ui_display_setup();
+/// Frees the forms that stay between two showings; before the platform ends.
+void ui_free_forms();
 /// Asks for an address and arms the breakpoint there. 0 when cancelled.
 int ui_machine_set_breakpoint();
 /// 1 on OK, with the level.

@@ -12,6 +12,7 @@
 #include "host/avi.h"
 #include "host/canvas.h"
 #include "host/commands.h"
+#include "host/dialogs.h"
 #include "host/display.h"
 #include "host/menu.h"
 #include "host/prefs.h"
@@ -254,6 +255,7 @@ void emu_init(const Arguments& arguments) {
 }
 
 void emu_close() {
+    ui_free_forms();
     printer_close();
     if (g_bRecordingVideo) Video_CloseOutput();
     write_settings();

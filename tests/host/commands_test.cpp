@@ -254,7 +254,6 @@ TEST_F(CommandsTest, CommandsThatAskForAFile) {
         {126, "Save screen as...", "no/way.bmp", "no/way.bmp: cannot be written"},
         {126, "Save screen as...", "shot.bmp", "Screenshot saved: shot.bmp"},
         {126, "Save screen as...", "shot.GIF", "Screenshot saved: shot.GIF"},
-        {40054, "Save video...", "film", "AVI: an error occured."},
         {40120, "Save to WAV...", "no/way", "no/way.wav: cannot be written"},
         {123, "Attach CAS file", ".", "Error opening image: ."},
         {123, "Attach CAS file", "short", "CAS image attached: short"},

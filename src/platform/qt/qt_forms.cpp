@@ -392,7 +392,10 @@ Size QtForm::size() {
 }
 
 void QtForm::move(int left, int top) {
-    dialog_.move(owner_.screen()->geometry().topLeft() + QPoint(left, top));
+    // As the main window's place: of what is inside the frame. A form that has not been shown yet
+    // has no frame.
+    const QPoint frame = dialog_.geometry().topLeft() - dialog_.pos();
+    dialog_.move(owner_.screen()->geometry().topLeft() + QPoint(left, top) - frame);
 }
 
 } // namespace

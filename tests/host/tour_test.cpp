@@ -1,0 +1,399 @@
+// A tour of the program: every item of the menu, every accelerator and every command without either
+// is given once to a running machine, and its effect is looked for.
+
+#include "cgenie/hires_lowe.h"
+#include "cgenie/keyboard.h"
+#include "cgenie/memory.h"
+#include "cgenie/video.h"
+#include "core/frame_driver.h"
+#include "core/machine.h"
+#include "host/canvas.h"
+#include "host/display.h"
+#include "host/menu.h"
+#include "host/screenshot.h"
+#include "host/shell.h"
+#include "host_files.h"
+#include "media/printer.h"
+#include "media/snapshot.h"
+#include "media/tape.h"
+#include "media/tape_audio.h"
+#include "z80/z80.h"
+
+#include <algorithm>
+#include <functional>
+#include <set>
+
+namespace {
+
+namespace fs = std::filesystem;
+
+struct Stop {
+    int id;
+    std::function<void()> prepare; ///< what the user has at hand, and will answer
+    std::function<void()> check;
+    bool halts = false; ///< the machine stands still afterwards
+};
+
+class TourTest : public HostFilesTest {
+protected:
+    void start(const Arguments& arguments = {}) {
+        HeadlessOptions options;
+        options.look_ns = 0;
+        options.refresh_rate = 60;
+        options.settings_path = "settings.toml";
+        options.data_directory = "data";
+        own_host = std::make_unique<HeadlessPlatform>(options);
+        host = own_host.get();
+        install_platform(*host);
+        reset_options();
+        ASSERT_TRUE(host->window().create("start"));
+        create_menu();
+        emu_init(arguments);
+        run_frames(3);
+    }
+    static void run_frames(int count) {
+        for (int n = 0; n < count; ++n) paced_frame_step();
+    }
+    void TearDown() override {
+        reset_options();
+        HostFilesTest::TearDown();
+    }
+    static void reset_options() {
+        g_bActive = g_Timer = g_bSound = g_bDblScan = true;
+        g_bPaused = g_bDebug = g_bRunInBackground = g_KeyMapping = g_GiantScreen = false;
+        g_1bitDisplay = video_cut = video_page = printer_enabled = false;
+        save_video_ram_w_screenshot = g_bCycleBasedEngine = false;
+        g_CompositeBlur = 0;
+        g_bRecordingVideo = 0;
+        lowe = {};
+        keyboard_type_reset();
+    }
+
+    void choose(const std::string& path) { host->dialogs().choices.push_back({{path, 0}}); }
+    std::function<void()> chosen(const std::string& path) {
+        return [this, path] { choose(path); };
+    }
+    void in_next_form(std::function<void(HeadlessForm&)> act) {
+        host->forms().acts.push_back(std::move(act));
+    }
+    std::function<void()> status(const std::string& text) {
+        return [this, text] { EXPECT_EQ(host->status_text(3), text); };
+    }
+    static char next_typed() {
+        int done = 0;
+        return char(keyboard_type_bas_file(&done));
+    }
+    /// An option, its mark, and its mark in the menu where it has an item.
+    std::function<void()> option(const bool& flag, int id, bool value) {
+        return [this, &flag, id, value] {
+            EXPECT_EQ(flag, value);
+            expect_mark(id, value);
+        };
+    }
+    void expect_mark(int id, bool value) {
+        EXPECT_EQ(is_menu_item_checked(id), value);
+        if (!menu_item_text(id).empty()) {
+            EXPECT_EQ(host->window().checked(id), value);
+        }
+    }
+
+    std::vector<Stop> stops();
+    void visit(const Stop& stop, const Event& event);
+
+    std::unique_ptr<HeadlessPlatform> own_host;
+};
+
+std::vector<Stop> TourTest::stops() {
+    const auto nothing = [] {};
+    const auto with_cmd = [this] {
+        std::ofstream("game.cmd") << std::string("\x01\x03\x00\x60\xAA\x02\x02\x00\x60", 9);
+        choose("game.cmd");
+    };
+    const auto cmd_runs = [this] {
+        EXPECT_EQ(memory[0x6000], 0xAA);
+        EXPECT_EQ(z80_state.pc, 0x6000);
+        EXPECT_EQ(host->status_text(3), "Autoloaded: game.cmd");
+    };
+    const auto with_listing = [this] {
+        std::ofstream("list.bas") << "10 PRINT";
+        choose("list.bas");
+    };
+    const auto with_cassette = [] { std::ofstream("game.cas") << "\x66Game"; };
+    const auto with_recording = [] {
+        tape_create_wav("tape.wav", 44100);
+        for (int n = 0; n < 100; ++n) tape_set_motor(n % 2 == 0, z80_state.t_count + n * 1000);
+    };
+    std::vector<Stop> list = {
+        {102, nothing, [this] { EXPECT_EQ(host->events().wait().kind, Event::Kind::close); }},
+        {103, nothing, [this] { EXPECT_EQ(host->dialogs().abouts.size(), 1U); }},
+        {104, nothing,
+         [this] {
+             EXPECT_EQ(host->title(), "Tarvelin - (Suspended)");
+             expect_mark(104, true);
+         },
+         true},
+        {105, [] { z80_state.nmi = 0; }, [] { EXPECT_EQ(z80_state.nmi, 1); }},
+        {106, nothing, option(g_Timer, 106, false)},
+        {108, nothing,
+         [this] {
+             EXPECT_EQ(host->title(), "Tarvelin - (Monitor)");
+             expect_mark(108, true);
+         },
+         true},
+        {109, [] { memory[0x9000] = 0x55; }, [] { EXPECT_EQ(memory[0x9000] + z80_state.pc, 0); }},
+        {110, with_cmd, cmd_runs},
+        {111, with_listing, [] { EXPECT_EQ(next_typed(), '1'); }},
+        {112, [] { last_file_name = "tour"; }, [] { EXPECT_TRUE(fs::exists("tour0000.gif")); }},
+        {118, nothing,
+         [this] {
+             option(g_bSound, 118, false)();
+             EXPECT_FALSE(host->audio().device);
+         }},
+        {120, chosen("new"), [] { EXPECT_EQ(tape_wav_is_open() && fs::exists("new.wav"), true); }},
+        {121, with_recording,
+         [this] {
+             EXPECT_EQ(tape_wav_is_open(), 0);
+             status("Tape image detached.")();
+         }},
+        {122, nothing, [this] { expect_mark(122, true); }},
+        {123,
+         [this, with_cassette] {
+             with_cassette();
+             choose("game.cas");
+         },
+         status("CAS image attached: game.cas")},
+        {124,
+         [with_cassette] {
+             with_cassette();
+             tape_attach_cas("game.cas");
+         },
+         [this] {
+             EXPECT_EQ(tape_cas_is_attached(), 0);
+             status("Tape image detached.")();
+         }},
+        {125,
+         [with_cassette] {
+             with_cassette();
+             tape_attach_cas("game.cas");
+             tape_read_one_byte();
+             check_menu_item(122, true);
+         },
+         [this] {
+             EXPECT_EQ(tape_read_one_byte(), 0x66);
+             expect_mark(122, false);
+         }},
+        {126, chosen("shot.bmp"), [] { EXPECT_EQ(read_file("shot.bmp")[0], 'B'); }},
+        {127,
+         [this] {
+             host->dialogs().choices.push_back({{"./part.cas", 0, {"5000", "5001", "5000"}}});
+         },
+         [] { EXPECT_EQ(read_file("part.cas").size(), 256U + 8 + 6 + 1 + 3); }},
+        {128, nothing, option(video_cut, 128, true)},
+        {129, nothing, option(video_page, 129, true)},
+        {131,
+         [this] {
+             memory[0x9000] = 0x55;
+             snapshot_save("state.jzs", memory_get_ram());
+             memory[0x9000] = 0;
+             choose("state.jzs");
+         },
+         [] { EXPECT_EQ(memory[0x9000], 0x55); }},
+        {132, chosen("state"), [] { EXPECT_EQ(read_file("state.jzs").size(), 49702U); }},
+        {134, nothing, option(g_bDblScan, 134, false)},
+        {135, with_cmd, cmd_runs},
+        {141,
+         [this] {
+             in_next_form([](HeadlessForm& form) {
+                 form.choose(1008, 2);
+                 form.press_enter();
+             });
+         },
+         [this] { EXPECT_EQ(host->status_text(0), "CG EUR"); }},
+        {145, [] { run_frames(40); },
+         [this] {
+             // 24 rows, of 40 characters and the line's end.
+             EXPECT_EQ(host->clipboard().content.value_or("").size(), 24U * 42);
+         }},
+        {146, [] { memory[0x01FB] = 0; }, [] { EXPECT_EQ(memory[0x01FB], 0xED); }},
+        {40007, nothing, [this] { EXPECT_TRUE(host->window().full_screen); }},
+        {40033, nothing, status("All disks detached.")},
+        {40034,
+         [this, with_recording] {
+             with_recording();
+             tape_close_wav();
+             choose("tape.wav");
+         },
+         [] { EXPECT_EQ(tape_wav_is_open(), 1); }},
+        {40040, [this] { host->clipboard().content = "RUN"; },
+         [] { EXPECT_EQ(next_typed(), 'R'); }},
+        {40045, hires_lowe_init,
+         [this] {
+             EXPECT_EQ(lowe.enabled, 0U);
+             expect_mark(40045, true);
+             expect_mark(40046, false);
+         }},
+        {40046, nothing,
+         [this] {
+             EXPECT_EQ(lowe.enabled, 1U);
+             expect_mark(40045, false);
+             expect_mark(40046, true);
+         }},
+        {40050, nothing,
+         [this] {
+             option(g_1bitDisplay, 40050, true)();
+             EXPECT_EQ(canvas.header.bits, 1);
+         }},
+        {40052, nothing,
+         [this] {
+             EXPECT_EQ(canvas.header.bits, 32);
+             expect_mark(40052, true);
+         }},
+        {40054,
+         [this] {
+             choose("film");
+             in_next_form([](HeadlessForm& form) { form.press_enter(); }); // the compression
+         },
+         [this] {
+             expect_mark(40054, true);
+             EXPECT_TRUE(fs::exists("film.avi"));
+         }},
+        {40057, nothing, option(g_KeyMapping, 40057, true)},
+        {40058, nothing,
+         [this] {
+             option(g_GiantScreen, 40058, true)();
+             EXPECT_EQ(canvas.width, 768);
+         }},
+        {40059, nothing,
+         [this] {
+             HeadlessForm* form = host->forms().find("Video setup");
+             EXPECT_TRUE(form && form->is_open());
+         }},
+        {40060, nothing,
+         [this] {
+             option(printer_enabled, 40060, true)();
+             EXPECT_TRUE(fs::exists("data/printer.txt"));
+         }},
+        {40120, chosen("sound"),
+         [this] {
+             expect_mark(40120, true);
+             EXPECT_TRUE(fs::exists("sound.wav"));
+         }},
+        {40121,
+         [this] {
+             in_next_form([](HeadlessForm& form) {
+                 form.choose(1036, 17);
+                 form.press_enter();
+             });
+         },
+         [] {
+             EXPECT_EQ(tape_get_compare_level(), 17);
+             tape_set_compare_level(0);
+         }},
+        {40122, nothing, option(g_bRunInBackground, 40122, true)},
+        {40123, nothing, option(save_video_ram_w_screenshot, 40123, true)},
+    };
+    for (const unsigned drive : {0, 1, 2, 3}) {
+        list.push_back({40018 + int(drive),
+                        [this] {
+                            std::ofstream("none.dsk") << "no disk";
+                            choose("none.dsk");
+                        },
+                        [this] {
+                            EXPECT_EQ(host->dialogs().file_dialogs.back().title,
+                                      "Attach disk image...");
+                            status("Unsupported disk image.\n")();
+                        }});
+        list.push_back({40022 + int(drive), nothing,
+                        status("Disk detached from drive #" + std::to_string(drive))});
+    }
+    return list;
+}
+
+void TourTest::visit(const Stop& stop, const Event& event) {
+    SCOPED_TRACE(testing::Message() << stop.id << (event.value == stop.id ? " menu" : " key"));
+    start();
+    stop.prepare();
+    WindowProcedure(event);
+    stop.check();
+    EXPECT_EQ(host->status_text(3).find("not available"), std::string::npos);
+    EXPECT_TRUE(host->dialogs().choices.empty() && host->forms().acts.empty()) << "nobody asked";
+    EXPECT_TRUE(host->dialogs().messages.empty());
+    EXPECT_EQ(g_bActive, !stop.halts);
+    const int64_t cycles = z80_state.t_count;
+    paced_frame_step();
+    EXPECT_GT(z80_state.t_count, cycles) << "it runs on";
+    if (g_bFullScreen) toggle_full_screen();
+    tape_close_wav();
+    emu_close();
+    EXPECT_TRUE(host->forms().forms.empty()) << "a form is left";
+    fs::remove("settings.toml");
+}
+
+void collect(const std::vector<MenuEntry>& entries, std::set<int>& ids) {
+    for (const MenuEntry& entry : entries) {
+        if (entry.id) ids.insert(entry.id);
+        collect(entry.children, ids);
+    }
+}
+
+TEST_F(TourTest, EveryCommandByItsNumber) {
+    std::set<int> in_menu, visited;
+    collect(main_menu(), in_menu);
+    for (const Stop& stop : stops()) {
+        EXPECT_TRUE(visited.insert(stop.id).second) << stop.id << " twice";
+        visit(stop, {Event::Kind::command, stop.id, 0, {}});
+    }
+    EXPECT_EQ(in_menu.size(), 45U);
+    for (const int without_item : {110, 128, 129, 146, 40045, 40046, 40050, 40122}) {
+        EXPECT_TRUE(in_menu.insert(without_item).second) << without_item;
+    }
+    EXPECT_EQ(visited, in_menu);
+}
+
+TEST_F(TourTest, EveryAccelerator) {
+    constexpr uint8_t ALT = MODIFIER_ALT;
+    const struct {
+        KeyChord chord;
+        int id;
+    } keys[] = {
+        {{'0', ALT}, 40018},        {{'1', ALT}, 40019},
+        {{'2', ALT}, 40020},        {{'3', ALT}, 40021},
+        {{'C', ALT}, 145},          {{'I', ALT}, 40054},
+        {{'Q', ALT}, 141},          {{'T', ALT}, 123},
+        {{'U', ALT}, 40120},        {{'V', ALT}, 40040},
+        {{'W', ALT}, 40034},        {{KEY_F2, ALT}, 40058},
+        {{KEY_RETURN, ALT}, 40007}, {{KEY_PAUSE, 0}, 104},
+        {{KEY_F11, 0}, 105},        {{KEY_F11, MODIFIER_SHIFT}, 109},
+        {{KEY_F1, ALT}, 109},       {{KEY_F3, ALT}, 106},
+        {{KEY_F5, 0}, 122},
+    };
+    EXPECT_EQ(accelerator_keys().size(), std::size(keys));
+    const std::vector<Stop> all = stops();
+    for (const auto& [chord, id] : keys) {
+        const auto stop = std::ranges::find(all, id, &Stop::id);
+        ASSERT_NE(stop, all.end()) << id;
+        visit(*stop, {Event::Kind::key_down, chord.key, chord.modifiers, {}});
+    }
+}
+
+TEST_F(TourTest, TheGraphicsBoardIsRememberedAndChangesNothing) {
+    std::vector<uint8_t> pictures[2], memories[2];
+    for (const size_t board : {0, 1}) {
+        start(board ? Arguments{"/g"} : Arguments{});
+        run_frames(60);
+        EXPECT_EQ(lowe.enabled, board);
+        pictures[board].assign(frame_buffer, frame_buffer + SCREEN_WIDTH * SCREEN_HEIGHT);
+        memories[board].assign(memory, memory + MEMORY_SIZE);
+        WindowProcedure({Event::Kind::command, COMMAND_RESET, 0, {}});
+        EXPECT_EQ(lowe.enabled, board) << "no reset touches it";
+        emu_close();
+    }
+    EXPECT_EQ(pictures[0], pictures[1]);
+    EXPECT_EQ(memories[0], memories[1]);
+    start();
+    EXPECT_EQ(lowe.enabled, 1U) << "from the settings";
+    expect_mark(40046, true);
+    emu_close();
+}
+
+} // namespace
