@@ -1,3 +1,38 @@
-; The socket of the disk ROM, empty: 8 KB at C000 that read as FF.
+; The disk ROM: 8 KB at C000, for four drives behind a WD1771.
+;
+; BASIC finds "DR" at C000 when the machine is switched on and calls C002. Direct words that are no
+; words of BASIC come by way of hook_line, the others by the disk vectors and the other hooks.
+;
+; A disk has T tracks (35, 40 or 80) of S sectors (10 or 18) of 256 bytes, counted from 0. Half a
+; track is a block. Track 0 sector 0 is the boot sector, track D = T / 2 the directory: sector 0 of
+; it is the map of the blocks, the others hold entries of 16 bytes.
+;
+; disk_basic.asm, made by the build, has the addresses of what BASIC provides.
+
+ROWS            EQU 25          ; unused here, the same code serves 24
+        INCLUDE system.asm
+        INCLUDE token_codes.asm
+        INCLUDE control_cells.asm
+        INCLUDE expr_cells.asm
+        INCLUDE disk_basic.asm
+        INCLUDE disk_cells.asm
+
+fill_to MACRO address
+        IF $ > address
+        .ERROR code runs over the end of the ROM
+        ENDIF
+        DEFS address - $, 0FFh
+        ENDM
+
         ORG 0C000h
-        DEFS 2000h, 0FFh
+        DEFM "DR"
+        JP disk_start
+        INCLUDE disk_start.asm
+        INCLUDE disk_drive.asm
+        INCLUDE disk_directory.asm
+        INCLUDE disk_files.asm
+        INCLUDE disk_programs.asm
+        INCLUDE disk_data.asm
+        INCLUDE disk_format.asm
+disk_end:
+        fill_to 0E000h

@@ -1,4 +1,4 @@
-; Published entries between the bottom and the graphics.
+; 0A7F: the entries of USR routines.
 
 ; Argument of USR.
 ; Out:  HL
@@ -14,9 +14,3 @@
         LD A,2                  ; integer
         LD (NUMBER_TYPE),A
         RET
-
-        fill_to 1A19h
-        JP ready
-
-        fill_to 28A7h
-        JP print_text

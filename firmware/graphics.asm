@@ -5,7 +5,7 @@
 ; of characters two lines high.
 
         fill_to 3852h
-        JP fill_graphics
+        JR fill_graphics
 
 ; Controller registers R0 to R13 of both screens: the same scan line of 64 us, 40 columns, and the
 ; vertical sync on the same line (240), which gives both pictures the same upper border.
@@ -32,6 +32,18 @@ GRAPHICS_ROWS   EQU ROWS * 4 + (ROWS - 24) * 2  ; 96 or 102
 ; In:   A colour 0-3, the value of a pixel
 ; Uses: AF, BC, DE, HL
 fill_graphics:
+        CALL colour_pattern
+; The same with a pattern of four pixels.
+fill_pattern:
+        LD HL,GRAPHICS_SCREEN
+        LD BC,COLUMNS * GRAPHICS_ROWS
+        JP fill_memory
+
+; Four pixels of one colour.
+; In:   A colour, the value of a pixel; bits 7-2 do not matter
+; Out:  A pattern
+; Uses: F, B
+colour_pattern:
         AND 3
         LD B,A
         ADD A,A
@@ -42,19 +54,17 @@ fill_graphics:
         ADD A,A
         ADD A,A
         ADD A,A
-        OR B                    ; the pixel four times
-        LD HL,GRAPHICS_SCREEN
-        LD BC,COLUMNS * GRAPHICS_ROWS
-        JP fill_memory
+        OR B
+        RET
 
         fill_to 38A9h
-        JP show_graphics
-        JP show_text            ; 38AC
+        JR show_graphics
+        JR show_text            ; 38AC
 
 ; Shows the graphics screen.
-; Uses: AF, C, HL
+; Uses: AF, C, DE
 show_graphics:
-        LD HL,graphics_registers
+        LD DE,graphics_registers
         CALL write_registers
         LD A,(LATCH_COPY)
         OR LATCH_GRAPHICS
@@ -66,9 +76,9 @@ write_latch:
         RET
 
 ; Shows the text screen.
-; Uses: AF, C, HL
+; Uses: AF, C, DE
 show_text:
-        LD HL,text_registers
+        LD DE,text_registers
         CALL write_registers
         LD A,(CURSOR_SHAPE)
         OR A
@@ -78,16 +88,16 @@ show_text:
         JR write_latch
 
 ; Programs R0 to R13 of the CRT controller.
-; In:   HL fourteen values
-; Uses: AF, C, HL
+; In:   DE fourteen values
+; Uses: AF, C, DE
 write_registers:
-        LD C,0
+        XOR A
+        LD C,A
 _register:
-        LD A,C
         OUT (CRTC_REGISTER),A
-        LD A,(HL)
+        LD A,(DE)
         OUT (CRTC_DATA),A
-        INC HL
+        INC DE
         INC C
         LD A,C
         CP CRTC_CURSOR_HIGH

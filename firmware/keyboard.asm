@@ -19,14 +19,8 @@ DEBOUNCE        EQU 420         ; 5 ms: contacts are quiet by then
 ; Uses: AF, DE
 call_keyboard:
         PUSH HL
-        PUSH BC
-        CALL _driver
-        POP BC
-        POP HL
-        RET
-_driver:
         LD HL,(KEYBOARD_DRIVER)
-        JP (HL)
+        JP call_driver
 
 ; The driver of the keyboard. One new key is reported at each call, the others of the same moment
 ; at the next ones. A key held down repeats.
@@ -92,10 +86,8 @@ key_pressed:
         AND E
         OR D
         LD (HL),A
-        LD A,C
-        LD (KEY_HELD_ROW),A
-        LD A,D
-        LD (KEY_HELD_BIT),A
+        LD E,C
+        LD (KEY_HELD_ROW),DE    ; and KEY_HELD_BIT
 ; The shift keys are read right behind the key's own row: a host that supplies SHIFT for a
 ; character does so after that row was read.
         LD A,(SHIFT_KEYS)
@@ -105,25 +97,17 @@ key_pressed:
         ADD A,A
         ADD A,A
         ADD A,A
-        LD E,A                  ; row * 8 + column
+        DEC A
 _column:
+        INC A                   ; row * 8 + column
         RRC D
-        JR C,_found
-        INC E
-        JR _column
-_found:
-        LD D,0
-        LD HL,plain_keys
-        BIT SHIFT_BIT,C
-        JR Z,_look_up
-        LD HL,shifted_keys
-_look_up:
-        ADD HL,DE
-        LD A,(HL)
+        JR NC,_column
+        CALL key_code
         CALL change_code
         LD HL,KEY_REPEAT
         LD (HL),FIRST_REPEAT
-        LD (KEY_HELD_CODE),A
+        DEC L
+        LD (HL),A               ; KEY_HELD_CODE
         RET
 
 ; CTRL makes control codes 00-1F of 40-7F. MOD SEL makes the graphics characters: 80-BF of 40-7F
@@ -152,28 +136,71 @@ _digits:
         ADD A,0A0h
         RET
 
-; What a key gives, by row. Letters come as capitals, which is what BASIC is written in; SHIFT
-; gives the small ones.
-plain_keys:
-        DEFM "@ABCDEFG"
-        DEFM "HIJKLMNO"
-        DEFM "PQRSTUVW"
-        DEFM "XYZ"
+; What a key gives. Letters come as capitals, which is what BASIC is written in; SHIFT gives the
+; small ones. 0 to 9 are followed by : and ;, and , - . / stand where their codes are in the row of
+; the table that ASCII gives them.
+; In:   A row * 8 + column, C row of the shift keys
+; Out:  A code
+; Uses: F, DE, HL
+key_code:
+        SUB OTHER_KEYS
+        JR C,_letter
+        CP FIRST_DIGIT - OTHER_KEYS
+        JR C,_special
+        SUB FIRST_DIGIT - OTHER_KEYS - '0'
+        CP '<'
+        JR C,_code              ; 0 to 9, : and ;
+        CP '@'
+        JR C,_mark
+        SUB '@' - FIRST_DIGIT + OTHER_KEYS
+_special:
+        LD E,A
+        LD D,0
+        LD HL,special_keys
+        ADD HL,DE
+        LD A,(HL)
+        JR _code
+_letter:
+        ADD A,'@' + OTHER_KEYS
+        JR _code
+_mark:
+        SUB '<' - ','
+_code:
+        BIT SHIFT_BIT,C
+        RET Z
+        CP '0'
+        RET Z
+        CP FIRST_FKEY
+        JR NC,_function
+        CP '['
+        JR Z,_up
+        CP '@'
+        JR NC,_small
+        CP ','
+        JR NC,_other
+        CP BACKSPACE
+        RET C
+        CP LINE_FEED + 1
+        RET NC
+_other:
+        XOR 10h                 ; ! for 1, < for comma, the cursor keys
+        RET
+_small:
+        XOR 'a' - 'A'
+        RET
+_function:
+        ADD A,4
+        RET
+_up:
+        LD A,1Bh
+        RET
+
+OTHER_KEYS      EQU 27          ; behind @ and the letters
+FIRST_DIGIT     EQU 32
+; From OTHER_KEYS on, without the digits and marks.
+special_keys:
         DEFB 0, FIRST_FKEY, FIRST_FKEY + 1, FIRST_FKEY + 2, FIRST_FKEY + 3
-        DEFM "01234567"
-        DEFM "89:;,-./"
         DEFB RETURN, CLEAR_TO_END, BREAK, '[', LINE_FEED, BACKSPACE, TAB, ' '
-shifted_keys:
-        DEFM "`abcdefg"
-        DEFM "hijklmno"
-        DEFM "pqrstuvw"
-        DEFM "xyz"
-        DEFB 0, FIRST_FKEY + 4, FIRST_FKEY + 5, FIRST_FKEY + 6, FIRST_FKEY + 7
-        DEFM "0!"
-        DEFB 22h
-        DEFM "#$%&'"
-        DEFM "()*+<=>?"
-        DEFB RETURN, CLEAR_TO_END, BREAK, 1Bh, 1Ah, ERASE_LINE, 19h, ' '
 
 ; 0049: Waits for a key.
 ; Out:  A character

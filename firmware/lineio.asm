@@ -2,7 +2,8 @@
 
 ; 0040: Reads a line with its editing: cursor left erases a character, SHIFT and cursor left the
 ; whole line, cursor right advances to the next eighth column, CLEAR clears the screen and starts
-; the line anew. A line feed ends the line as Enter does, for text that is typed from a file.
+; the line anew. A function key types its text. A line feed ends the line as Enter does, for text
+; that is typed from a file.
 ; In:   HL buffer of B + 1 bytes, B characters at most
 ; Out:  HL buffer, the line in it ended by 0D; B characters; carry if BREAK ended it
 ; Uses: AF, BC, DE
@@ -11,7 +12,7 @@ read_line:
 _restart:
         LD C,0
 _next:
-        CALL wait_for_key
+        CALL typed_character
         CP RETURN
         JR Z,_enter
         CP LINE_FEED
@@ -28,13 +29,6 @@ _next:
         JR Z,_tab
         CP ' '
         JR C,_next
-        CP FIRST_FKEY
-        JR NC,_function
-        CALL _store
-        JR _next
-_function:
-        CP FIRST_FKEY + 8
-        JR C,_next              ; no texts for the function keys yet
         CALL _store
         JR _next
 _backspace:
@@ -60,13 +54,10 @@ _tab:
         JR _next
 _break:
         SCF
-        JR _end
-_enter:
-        OR A
-_end:
+_enter:                         ; no carry: the comparison was equal
         PUSH AF
-        LD (HL),RETURN
         LD A,RETURN
+        LD (HL),A
         CALL print_entry
         LD B,C
         POP AF

@@ -5,11 +5,10 @@
 ;   2  25 rows, for the machines of the north
 ;   3  25 rows, for those of the south
 ;
-; Where things stand is fixed by what published programs call. The vectors and the entries at the
-; bottom, 0A7F, 0A9A, 1A19, 28A7, 3852 and 38A9 keep their addresses. The cassette follows the entries
-; at the bottom; the code behind the others lives above the graphics entries, so that the space up to
-; 3851 stays in few and large pieces. Unused bytes are FF, which an erased EPROM holds and which runs
-; as RST 38, a harmless one.
+; Where things stand is fixed by what published programs call: the vectors and the entries at the
+; bottom, 0A7F, 0A9A, 1A19, 28A7, 3852 and 38A9. The modules lie between them in the order in which
+; they fit. Unused bytes are FF, which an erased EPROM holds and which runs as RST 38, a harmless
+; one.
 
         IF VERSION = 1
 ROWS            EQU 24
@@ -34,16 +33,64 @@ fill_to MACRO address
         ENDM
 
         INCLUDE system.asm
+        INCLUDE token_codes.asm
+        INCLUDE control_cells.asm
+        INCLUDE expr_cells.asm
+        INCLUDE words_cells.asm
 
         ORG 0000h
         INCLUDE vectors.asm
+        INCLUDE words_keys.asm
+
+        fill_to 01C9h
+        JP clear_text_screen
+
+; 01ED-0280: cassette. An emulator may put traps at 01EE, 01FB, 0221, 023F and 0264, so nothing
+; else may live here.
         INCLUDE cassette.asm
-        INCLUDE tape_commands.asm
+
+        INCLUDE strings_functions.asm
+        INCLUDE tokens.asm
+        INCLUDE math_core.asm
         INCLUDE entries.asm
-        INCLUDE graphics.asm
-        INCLUDE screen.asm
-        INCLUDE keyboard.asm
-        INCLUDE lineio.asm
-        INCLUDE printer.asm
+        INCLUDE control_input.asm
+        INCLUDE words_graphics.asm
+        INCLUDE print_using.asm
         INCLUDE start.asm
+        INCLUDE math_double.asm
+        INCLUDE tape_commands.asm
+        INCLUDE math_text.asm
+        INCLUDE strings.asm
+        INCLUDE screen.asm
+
+        fill_to 1A19h
+        JP ready
+        INCLUDE math_circle.asm
+        INCLUDE variables.asm
+        INCLUDE math_single.asm
+        INCLUDE expr_eval.asm
+        INCLUDE control_lines.asm
+        INCLUDE math_print.asm
+
+        fill_to 28A7h
+        JP print_text
+        INCLUDE print.asm
+        INCLUDE keyboard.asm
+        INCLUDE words_table.asm
+        INCLUDE control_list.asm
+        INCLUDE words_paint.asm
+        INCLUDE printer.asm
+        INCLUDE control_edit.asm
+        INCLUDE control_errors.asm
+        INCLUDE math_using.asm
+        INCLUDE expr_assign.asm
+        INCLUDE words_screen.asm
+        INCLUDE lineio.asm
+        INCLUDE control_renum.asm
+        INCLUDE words_sound.asm
+        INCLUDE control_loops.asm
+        INCLUDE expr_functions.asm
+        INCLUDE graphics.asm
+        INCLUDE math_functions.asm
+        INCLUDE control_run.asm
         fill_to 4000h

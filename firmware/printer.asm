@@ -12,15 +12,8 @@ BREAK_BIT       EQU 2
 ; Uses: AF, DE
 call_printer:
         PUSH HL
-        PUSH BC
-        LD C,A
-        CALL _driver
-        POP BC
-        POP HL
-        RET
-_driver:
         LD HL,(PRINTER_DRIVER)
-        JP (HL)
+        JP call_driver
 
 ; The driver of the printer. Waits until it can take the character; the BREAK key gives it up.
 ; In:   C character

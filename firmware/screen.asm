@@ -5,15 +5,18 @@
 ; Uses: AF, DE
 call_screen:
         PUSH HL
+        LD HL,(SCREEN_DRIVER)
+; Calls the driver of a device.
+; In:   A character, HL driver; HL of the caller on the stack
+; Out:  A what the driver gives
+; Uses: AF, DE
+call_driver:
         PUSH BC
         LD C,A                  ; a driver finds the character in A and in C
-        CALL _driver
+        CALL call_hl
         POP BC
         POP HL
         RET
-_driver:
-        LD HL,(SCREEN_DRIVER)
-        JP (HL)
 
 ; The driver of the screen.
 ; In:   C character
@@ -29,33 +32,28 @@ _inside:
         LD A,C
         CP ' '
         JR C,obey_control
-        LD (HL),A
         LD D,H
-        LD A,H
-        ADD A,TO_COLOUR
-        LD H,A
-        LD A,(TEXT_COLOUR)
-        LD (HL),A
-        LD H,D
+        LD E,L
+        CALL store_block
         INC HL
 ; Moves the cursor to HL; behind the last row the screen scrolls first.
 scroll_to_cursor:
         LD DE,SCREEN_END
-        OR A
-        SBC HL,DE
-        ADD HL,DE
+        RST 18h
         CALL NC,scroll
-; Moves the cursor to HL.
+; Moves the cursor to HL. Uses AF, C.
 ; The controller takes the address as the processor sees it.
 set_cursor:
         LD (CURSOR),HL
+        LD C,H
         LD A,CRTC_CURSOR_HIGH
-        OUT (CRTC_REGISTER),A
-        LD A,H
-        OUT (CRTC_DATA),A
+        CALL write_crtc
+        LD C,L
         LD A,CRTC_CURSOR_LOW
+; In:   A register of the controller, C value
+write_crtc:
         OUT (CRTC_REGISTER),A
-        LD A,L
+        LD A,C
         OUT (CRTC_DATA),A
         RET
 
@@ -64,45 +62,45 @@ set_cursor:
 obey_control:
         SUB BACKSPACE
         RET C
-        ADD A,A
         LD E,A
         LD D,0
         PUSH HL
         LD HL,control_table
         ADD HL,DE
         LD E,(HL)
-        INC HL
-        LD D,(HL)
-        POP HL
-        PUSH DE                 ; act with HL = cursor
+        LD HL,ignore_code
+        ADD HL,DE
+        EX (SP),HL              ; act with HL = cursor
 ignore_code:
         RET
 
+; Distances from ignore_code.
 control_table:
-        DEFW erase_backwards    ; 08
-        DEFW ignore_code        ; 09
-        DEFW new_line           ; 0A
-        DEFW ignore_code        ; 0B
-        DEFW ignore_code        ; 0C
-        DEFW new_line           ; 0D
-        DEFW show_cursor        ; 0E
-        DEFW switch_cursor_off  ; 0F
-        DEFW ignore_code        ; 10
-        DEFW ignore_code        ; 11
-        DEFW ignore_code        ; 12
-        DEFW ignore_code        ; 13
-        DEFW ignore_code        ; 14
-        DEFW ignore_code        ; 15
-        DEFW ignore_code        ; 16
-        DEFW ignore_code        ; 17
-        DEFW cursor_left        ; 18
-        DEFW cursor_right       ; 19
-        DEFW cursor_down        ; 1A
-        DEFW cursor_up          ; 1B
-        DEFW cursor_home        ; 1C
-        DEFW cursor_to_start    ; 1D
-        DEFW erase_line_end     ; 1E
-        DEFW erase_screen_end   ; 1F
+        DEFB erase_backwards - ignore_code       ; 08
+        DEFB 0                  ; 09
+        DEFB new_line - ignore_code              ; 0A
+        DEFB 0                  ; 0B
+        DEFB 0                  ; 0C
+        DEFB new_line - ignore_code              ; 0D
+        DEFB show_cursor - ignore_code           ; 0E
+        DEFB switch_cursor_off - ignore_code     ; 0F
+no_value:                       ; eight zeros, which serve as the value of an unknown variable, too
+        DEFB 0                  ; 10
+        DEFB 0                  ; 11
+        DEFB 0                  ; 12
+        DEFB 0                  ; 13
+        DEFB 0                  ; 14
+        DEFB 0                  ; 15
+        DEFB 0                  ; 16
+        DEFB 0                  ; 17
+        DEFB cursor_left - ignore_code           ; 18
+        DEFB cursor_right - ignore_code          ; 19
+        DEFB cursor_down - ignore_code           ; 1A
+        DEFB cursor_up - ignore_code             ; 1B
+        DEFB cursor_home - ignore_code           ; 1C
+        DEFB cursor_to_start - ignore_code       ; 1D
+        DEFB erase_line_end - ignore_code        ; 1E
+        DEFB erase_screen_end - ignore_code      ; 1F
 
 erase_backwards:
         CALL cursor_left
@@ -110,10 +108,8 @@ erase_backwards:
         RET
 
 new_line:
-        CALL start_of_row
-        LD DE,COLUMNS
-        ADD HL,DE
-        JP scroll_to_cursor
+        CALL next_row
+        JR scroll_to_cursor
 
 show_cursor:
         LD A,'_'
@@ -127,32 +123,25 @@ hide_cursor:
         LD C,CURSOR_HIDDEN
 write_cursor_mode:
         LD A,CRTC_CURSOR_START
-        OUT (CRTC_REGISTER),A
-        LD A,C
-        OUT (CRTC_DATA),A
-        RET
+        JR write_crtc
 
 ; Cursor movements stop at the ends of the screen, only the new line scrolls.
 cursor_left:
         LD DE,TEXT_SCREEN
-        OR A
-        SBC HL,DE
-        ADD HL,DE
+        RST 18h
         RET Z
         DEC HL
-        JP set_cursor
+        JR set_cursor
 cursor_right:
         INC HL
-        JP scroll_to_cursor
+        JR scroll_to_cursor
 cursor_down:
         LD DE,COLUMNS
         ADD HL,DE
         LD DE,SCREEN_END
-        OR A
-        SBC HL,DE
-        ADD HL,DE
+        RST 18h
         RET NC
-        JP set_cursor
+        JR set_cursor
 cursor_up:
         LD DE,COLUMNS
         OR A
@@ -160,21 +149,19 @@ cursor_up:
         LD A,H
         CP HIGH TEXT_SCREEN
         RET C
-        JP set_cursor
+        JR set_cursor
 cursor_home:
         LD HL,TEXT_SCREEN
         JP set_cursor
 cursor_to_start:
-        CALL start_of_row
+        CALL next_row
+        LD DE,-COLUMNS
+        ADD HL,DE
         JP set_cursor
 
 erase_line_end:
-        PUSH HL
-        CALL start_of_row
-        LD DE,COLUMNS
-        ADD HL,DE
-        EX DE,HL                ; start of the next row
-        POP HL
+        CALL next_row
+        EX DE,HL
         JR erase_to
 erase_screen_end:
         LD DE,SCREEN_END
@@ -222,19 +209,17 @@ fill_memory:
 ; Out:  A column
 ; Uses: AF, DE, HL
 column_of:
-        PUSH HL
-        CALL start_of_row
-        EX DE,HL
-        POP HL
-        LD A,L
-        SUB E
+        CALL next_row
+        LD A,E
+        ADD A,COLUMNS
+        SUB L
         RET
 
-; First cell of a row.
+; First cell of the next row.
 ; In:   HL cell
-; Out:  HL first cell of the row it stands in
-; Uses: AF, DE
-start_of_row:
+; Out:  HL first cell of the row below the one it stands in, DE cell
+; Uses: AF
+next_row:
         LD DE,TEXT_SCREEN
         EX DE,HL
         PUSH BC
@@ -246,8 +231,6 @@ _row:
         LD A,D
         SBC A,H
         JR NC,_row
-        SBC HL,BC               ; carry is set: one too far
-        INC HL
         POP BC
         RET
 
@@ -270,8 +253,9 @@ scroll:
         POP HL
         RET
 
-; 01C9: Clears the text screen and puts the cursor in the upper left corner.
+; 01C9 and CLS: Clears the text screen and puts the cursor in the upper left corner.
 ; Uses: AF, DE
+stmt_cls:
 clear_text_screen:
         LD A,HOME
         CALL print_entry

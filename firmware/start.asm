@@ -1,5 +1,7 @@
 ; Power on, the reset key, and the prompt.
 
+SIZE_DIGITS     EQU 5           ; of the greatest address
+LEAST_MEMORY    EQU 5A00h       ; for the end of the memory
 STRING_BYTES    EQU 50          ; string space until a program asks for another
 
 ; Power on: everything from nothing.
@@ -8,33 +10,48 @@ cold_start:
         LD SP,START_STACK
         LD HL,VECTORS           ; in line: the stack lies in what is cleared
         LD DE,VECTORS + 1
-        LD BC,START_STACK - VECTORS - 1
+        LD BC,GRAPHICS_END - VECTORS
         LD (HL),0
-        LDIR
-        LD HL,GRAPHICS_SCREEN
-        LD BC,GRAPHICS_END - GRAPHICS_SCREEN + 1
-        XOR A
-        CALL fill_memory        ; with the 0 before the first program
+        LDIR                    ; with the 0 before the first program
         LD A,DEFAULT_COLOUR
         LD (TEXT_COLOUR),A
         LD HL,TEXT_SCREEN
         LD BC,GRAPHICS_SCREEN - TEXT_SCREEN
         CALL erase_cells        ; the whole KB and all colours
         CALL draw_block_characters
-        CALL size_memory
-        CALL set_program_empty
         CALL start_devices
+        CALL fill_disk_vectors
+        CALL fkey_defaults
+        LD HL,error_fc
+        LD (USR_ADDRESS),HL
+        LD HL,6A93h
+        LD (RANDOM_SEED),HL
+        CALL ask_memory_size
+        LD (MEMORY_TOP),HL
+        LD DE,-STRING_BYTES
+        ADD HL,DE
+        LD (STRING_SPACE),HL
+        LD HL,FIRST_PROGRAM
+        LD (PROGRAM_START),HL
+        CALL empty_program
         LD HL,MARK
         LD (WARM_MARK),HL
         LD HL,sign_on
         CALL print_text
-        LD A,(MEMORY_TOP + 1)
+        CALL size_memory
+        LD A,H
         RLA
-        LD HL,size_16k
+        LD HL,16
         JR NC,_size
-        LD HL,size_32k
+        ADD HL,HL
 _size:
+        CALL print_line_number
+        LD HL,size_text
         CALL print_text
+        LD HL,(DISK_ROM)
+        LD DE,DISK_MARK
+        RST 18h
+        CALL Z,DISK_START
         JP ready
 
 ; 0066: The reset key. The machine comes back to the prompt with program and memory kept; a hit
@@ -51,6 +68,7 @@ reset_key:
         LD (TEXT_COLOUR),A
         CALL start_devices
         CALL clear_text_screen
+        CALL clear_variables
         LD HL,ready
         PUSH HL
         RETN                    ; leaves the interrupt, to the prompt
@@ -94,8 +112,57 @@ _register:
 _registers:
         DEFB 7Fh, 0, 0, 0       ; R7: no tone, no noise; R8-R10: volume
 
+; The vectors that a disk ROM replaces.
+; Uses: AF, BC, DE, HL
+fill_disk_vectors:
+        LD HL,DISK_VECTORS
+        LD DE,error_l3
+        LD B,DISK_VECTOR_COUNT
+_vector:
+        LD (HL),0C3h            ; JP
+        INC HL
+        LD (HL),E
+        INC HL
+        LD (HL),D
+        INC HL
+        DJNZ _vector
+        LD BC,3 * DISK_HOOK_COUNT
+        LD A,0C9h               ; RET
+        JP fill_memory
+
+; Asks for the end of the memory that BASIC may use.
+; Out:  HL its last byte
+; Uses: AF, BC, DE
+ask_memory_size:
+        LD HL,memory_text
+        CALL print_text
+        LD B,SIZE_DIGITS
+        CALL read_short
+        JR C,ask_memory_size
+        LD A,B
+        CP SIZE_DIGITS
+        JR NZ,_short
+        LD A,(LINE_BUFFER)
+        CP '6'
+        JR NC,ask_memory_size   ; beyond what a line number may be
+_short:
+        CALL next_line_character
+        JR Z,size_memory
+        JR NC,ask_memory_size
+        CALL line_number
+        JR NZ,ask_memory_size
+        LD A,D
+        CP HIGH LEAST_MEMORY
+        JR C,ask_memory_size
+        CALL size_memory
+        RST 18h
+        JR C,ask_memory_size
+        EX DE,HL
+        RET
+
 ; Finds the end of the RAM: 32 KB or 16.
-; Uses: AF, HL
+; Out:  HL last byte
+; Uses: AF
 size_memory:
         LD HL,8000h
         LD A,(HL)
@@ -105,43 +172,9 @@ size_memory:
         CPL
         LD (HL),A               ; as it was
         LD HL,7FFFh
-        JR NZ,_found
+        RET NZ
         LD HL,0BFFFh
-_found:
-        LD (MEMORY_TOP),HL
         RET
-
-; An empty program, no variables, the string space below the top of the memory.
-; Uses: AF, BC, DE, HL
-set_program_empty:
-        LD HL,(MEMORY_TOP)
-        LD (STRING_POINTER),HL
-        LD DE,-STRING_BYTES
-        ADD HL,DE
-        LD (STRING_SPACE),HL
-        LD (SAVED_STACK),HL
-        LD HL,FIRST_PROGRAM
-        LD (PROGRAM_START),HL
-        XOR A
-        LD (HL),A               ; link 0000
-        INC HL
-        LD (HL),A
-        INC HL
-        LD (PROGRAM_END),HL
-        LD (ARRAYS),HL
-        LD (FREE_SPACE),HL
-        LD HL,FIRST_PROGRAM - 1
-        LD (DATA_POINTER),HL
-        LD HL,0FFFFh
-        LD (CURRENT_LINE),HL
-        LD HL,ready
-        LD (USR_ADDRESS),HL
-        LD HL,6A93h
-        LD (RANDOM_SEED),HL
-        LD HL,LETTER_TYPES
-        LD BC,26
-        LD A,4                  ; single precision
-        JP fill_memory
 
 ; Fills the character RAM: 80-BF blocks of two by three, bit 0 upper left, bit 1 upper right, and
 ; so on to bit 5; C0-FF blank.
@@ -179,42 +212,6 @@ _line:
         DJNZ _line
         RET
 
-; 1A19: The prompt. Takes the text screen and a new stack, and begins a new row.
-ready:
-        LD HL,(STRING_SPACE)
-        LD SP,HL
-        LD A,(LATCH_COPY)
-        BIT LATCH_GRAPHICS_BIT,A
-        CALL NZ,show_text
-        LD HL,(CURSOR)
-        CALL column_of
-        LD A,RETURN
-        CALL NZ,print_entry
-        LD HL,ready_text
-        CALL print_text
-prompt:
-        LD A,'>'
-        CALL print_entry
-        CALL take_line
-        CALL obey_line
-        JR prompt
-
-; Takes a line into the line buffer. BREAK leads to the prompt.
-; Out:  HL line, ended by 0
-; Uses: AF, BC, DE
-take_line:
-        LD HL,LINE_BUFFER
-        LD B,LINE_LENGTH
-        CALL read_line
-        JR C,ready
-        PUSH HL
-        LD E,B
-        LD D,0
-        ADD HL,DE
-        LD (HL),D
-        POP HL
-        RET
-
 sign_on:
         IF VERSION = 1
         DEFM "TARVELIN FIRMWARE 1.0"
@@ -228,12 +225,16 @@ sign_on:
         DEFB RETURN
         DEFM "FOR THE COLOUR GENIE"
         DEFB RETURN, 0
-size_16k:
-        DEFM "16K RAM"
-        DEFB RETURN, RETURN, 0
-size_32k:
-        DEFM "32K RAM"
+memory_text:
+        DEFM "MEM SIZE? "
+        DEFB 0
+size_text:
+        DEFM "K RAM"
         DEFB RETURN, RETURN, 0
 ready_text:
         DEFM "READY"
         DEFB RETURN, 0
+; All images have their routines at the same addresses, for the disk ROM.
+        IF VERSION < 3
+        DEFS 4, 0FFh
+        ENDIF

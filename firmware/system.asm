@@ -16,7 +16,7 @@ RANDOM_SEED     EQU 40AAh
 NUMBER_TYPE     EQU 40AFh       ; type of the accumulator: 2, 3, 4 or 8
 MEMORY_TOP      EQU 40B1h
 STRING_POINTER  EQU 40D6h
-TAPE_ENTRY      EQU 40DFh       ; where the machine-code tape last loaded starts, 0 = none
+TAPE_ENTRY      EQU 40E4h       ; where the machine-code tape last loaded starts, 0 = none
 SAVED_STACK     EQU 40E8h
 PROGRAM_END     EQU 40F9h       ; also start of the simple variables
 ARRAYS          EQU 40FBh
@@ -41,6 +41,8 @@ TEXT_SCREEN     EQU 4400h
 GRAPHICS_SCREEN EQU 4800h
 GRAPHICS_END    EQU 5800h
 FIRST_PROGRAM   EQU 5801h       ; the byte before a program is 0
+DISK_ROM        EQU 0C000h      ; begins with "DR" and its first entry
+DISK_START      EQU 0C002h
 COLOUR_RAM      EQU 0F000h
 CHARACTER_RAM   EQU 0F400h
 KEYBOARD        EQU 0F800h      ; the low address byte selects the row
@@ -51,6 +53,7 @@ LAST_ROW        EQU SCREEN_END - COLUMNS
 TO_COLOUR       EQU (COLOUR_RAM - TEXT_SCREEN) / 256    ; from a cell to its colour, high byte
 
 MARK            EQU 0C39Ch
+DISK_MARK       EQU 5244h       ; "DR"
 
 ; Ports
 SOUND_REGISTER  EQU 0F8h

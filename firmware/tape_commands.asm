@@ -13,9 +13,7 @@ NAME_LENGTH     EQU 6
 FILE_SYNC       EQU 0A5h
 FILE_MARK       EQU 0D3h
 MEMORY_LIMIT    EQU 0C000h
-PRINT_TOKEN     EQU 0B2h        ; what a tokenizer makes of ?
 LOAD_MARKS      EQU TEXT_SCREEN + COLUMNS - 2
-STACK_ROOM      EQU 100         ; left free below the stack
 
 ; The level changes when the carry is set; then half a bit passes.
 ; In:   HL address of LATCH_COPY
@@ -126,10 +124,8 @@ _end:
 ; The BREAK key leads to the prompt.
 ; Uses: AF
 check_break:
-        LD A,(BREAK_ROW)
-        AND 1 SHL BREAK_BIT
+        CALL test_break
         RET Z
-        LD (KEY_ROWS + 6),A     ; the prompt shall not see it again
         JP ready
 
 ; Byte from the cassette, for loops that a tape may keep going for ever.
@@ -139,21 +135,11 @@ next_byte:
         CALL check_break
         JP read_byte
 
-; Out:  HL, low byte first
-; Uses: AF
-read_word:
-        CALL read_byte
-        LD L,A
-        CALL read_byte
-        LD H,A
-        RET
-
 ; Two asterisks: the tape is being loaded.
-; Uses: AF
+; Uses: HL
 show_marks:
-        LD A,'*'
-        LD (LOAD_MARKS),A
-        LD (LOAD_MARKS + 1),A
+        LD HL,'*' * 257
+        LD (LOAD_MARKS),HL
         RET
 ; The second one goes and comes.
 ; Uses: AF
@@ -163,108 +149,35 @@ flash_mark:
         LD (LOAD_MARKS + 1),A
         RET
 
-; In:   HL text
-; Out:  HL at the first character that is no blank, A character
-; Uses: F
-skip_blanks:
-        LD A,(HL)
-        CP ' '
-        RET NZ
-        INC HL
-        JR skip_blanks
-
 ; SYSTEM: loads machine code by its name and starts it.
 cmd_system:
-        LD HL,system_prompt
-        CALL print_text
-        CALL take_line
-        CALL skip_blanks
+        RET NZ
+_question:
+        LD A,'*'
+        CALL print_entry
+        CALL ask_line
+        CALL next_line_character
         CP '/'
         JR Z,start_code
         CALL load_code
-        JR cmd_system
-system_prompt:
-        DEFM "*? "
-        DEFB 0
+        JR _question
 
 ; "/" starts where the tape says, "/n" at n. A RET of the program ends at the prompt.
 ; In:   HL text at the stroke
 start_code:
-        INC HL
-        CALL skip_blanks
         LD DE,(TAPE_ENTRY)
+        RST 10h
+        CALL NZ,get_address
+        LD A,(HL)
         OR A
-        CALL NZ,read_number
-        LD SP,(STRING_SPACE)
+        JP NZ,error_sn
         LD HL,ready
-        PUSH HL
+        EX (SP),HL
         LD A,D
         OR E
         RET Z                   ; no tape was loaded
         EX DE,HL
         JP (HL)
-
-; Decimal number that ends the text.
-; In:   HL text
-; Out:  DE number
-; Uses: AF, B, HL
-read_number:
-        LD DE,0
-_digit:
-        LD A,(HL)
-        INC HL
-        OR A
-        RET Z
-        SUB '0'
-        CP 10
-        JR NC,syntax_error
-        PUSH HL
-        LD L,A
-        LD H,0
-        LD B,10
-_times:
-        ADD HL,DE
-        JR C,syntax_error
-        DJNZ _times
-        EX DE,HL
-        POP HL
-        JR _digit
-
-syntax_error:
-        LD DE,'N' * 256 + 'S'
-        JR report_error
-missing_operand:
-        LD DE,'O' * 256 + 'M'
-        JR report_error
-out_of_memory:
-        LD DE,'M' * 256 + 'O'
-; Reports an error and ends at the prompt.
-; In:   E and D its two letters
-report_error:
-        LD A,'?'
-        CALL print_letter
-        LD A,E
-        CALL print_letter
-        LD A,D
-        CALL print_letter
-        LD HL,error_text
-print_and_end:
-        CALL print_text
-        JP ready
-print_letter:
-        PUSH DE
-        CALL print_entry
-        POP DE
-        RET
-error_text:
-        DEFM " ERROR"
-        DEFB RETURN, 0
-mismatch:
-        LD HL,mismatch_text
-        JR print_and_end
-mismatch_text:
-        DEFM "BAD"
-        DEFB RETURN, 0
 
 ; Loads the machine-code tape whose name begins with the characters given.
 ; In:   HL name, ended by 0
@@ -298,8 +211,7 @@ _block:
         CALL flash_mark
         CALL read_byte
         LD B,A
-        CALL read_word
-        LD A,H
+        CALL _word
         ADD A,L
         LD C,A
 _data:
@@ -316,38 +228,41 @@ _data:
         LD (LOAD_MARKS),A
         JR _block
 _entry:
-        CALL read_word
+        CALL _word
         LD (TAPE_ENTRY),HL
+        RET
+; Out:  HL, low byte first; A = H
+_word:
+        CALL read_byte
+        LD L,A
+        CALL read_byte
+        LD H,A
         RET
 
 ; Name of a BASIC tape: one character, with quotes or without.
-; In:   HL text
+; In:   HL text, flags of its first character A
 ; Out:  C character, 0 without a name
 ; Uses: AF, HL
 tape_name:
-        CALL skip_blanks
-        CP '"'
-        JR NZ,_plain
-        INC HL
-        LD A,(HL)
-_plain:
         LD C,0
-        OR A
         RET Z
-        CP '"'
+        CP STRING_QUOTE
+        JR NZ,_plain
+        RST 10h
         RET Z
-        CP ':'
+        CP STRING_QUOTE
         RET Z
+_plain:
         LD C,A
         RET
 
 ; CSAVE "name": the program to a tape.
-; In:   HL text behind the word
 cmd_csave:
+        PUSH HL
         CALL tape_name
         LD A,C
         OR A
-        JP Z,missing_operand
+        JP Z,error_mo
         CALL write_leader
         LD A,C
         CALL write_byte
@@ -358,26 +273,27 @@ _byte:
         INC HL
         CALL check_break
         LD DE,(PROGRAM_END)
-        CALL compare_words
+        RST 18h
         JR C,_byte
-        JP ready
+        POP HL
+        JP skip_statement
 
 ; CLOAD "name" loads the program of that name, without a name the next one; CLOAD? and VERIFY
 ; compare it with the one in memory.
-; In:   HL text behind the word
 cmd_cload:
+        CP TOKEN_PRINT          ; what the tokenizer makes of ?
+        JR Z,compare_program
+        CALL clear_variables
         LD B,0
-        CALL skip_blanks
-        CP '?'
-        JR Z,_compare
-        CP PRINT_TOKEN
-        JR NZ,find_program
-_compare:
-        INC HL
+        DEC HL
+        JR find_program
 cmd_verify:
+        DEC HL
+compare_program:
         LD B,1
-; In:   HL name in the text, bit 0 of B set to compare
+; In:   HL before the name in the text, bit 0 of B set to compare
 find_program:
+        RST 10h
         CALL tape_name
 _search:
         CALL _sync
@@ -408,21 +324,14 @@ _name:
 _found:
         CALL show_marks
         LD HL,(PROGRAM_START)
-        BIT 0,B
-        JR NZ,take_line_of_program
         XOR A
-        CALL end_program
-        JR take_line_of_program
-_sync:
-        PUSH DE                 ; as at find_sync
-        PUSH BC
-        LD E,FILE_SYNC
-        JP search_sync
+        BIT 0,B
+        CALL Z,_end_program
 
 ; One line after the other. The links of the tape hold for the place it was saved from, so they are
 ; made anew; what the memory holds is a complete program behind every line.
-; In:   HL place of the line, bit 0 of B set to compare
-take_line_of_program:
+; HL place of the line, bit 0 of B set to compare.
+_line:
         PUSH HL
         CALL next_byte
         CALL next_byte          ; high byte of the link: 0 ends the program
@@ -434,60 +343,65 @@ take_line_of_program:
         JR Z,_number
         LD A,(HL)
         OR A
-        JP Z,mismatch           ; the program in memory ends here
+        JR Z,_mismatch          ; the program in memory ends here
 _number:
         INC HL
-        CALL take_byte
-        CALL take_byte
+        CALL _take
+        CALL _take
         CALL flash_mark
 _text:
-        CALL take_byte
+        CALL _take
         JR NZ,_text
         POP DE
         BIT 0,B
-        JR NZ,take_line_of_program
-        CALL end_program
+        JR NZ,_line
+        CALL _end_program
         EX DE,HL
         LD (HL),E
         INC HL
         LD (HL),D
         EX DE,HL
-        JR take_line_of_program
+        JR _line
 _end:
         POP HL
-        BIT 0,B
-        JP Z,ready
         INC HL
-        LD A,(HL)
+        LD A,(HL)               ; when comparing, the other one ends here, too
         OR A
         JP Z,ready
-        JP mismatch
+_mismatch:
+        LD HL,_mismatch_text
+        CALL print_text
+        JP ready
+_mismatch_text:
+        DEFM "BAD"
+        DEFB 0
+
+; In:   DE and BC for search_sync to take back from the stack
+_sync:
+        PUSH DE
+        PUSH BC
+        LD E,FILE_SYNC
+        JP search_sync
 
 ; Byte from the tape to memory. When comparing it is there already.
 ; In:   HL place, bit 0 of B set to compare
 ; Out:  HL next place, A byte, Z for 0
-; Uses: DE
-take_byte:
+_take:
+        CALL check_room
         CALL next_byte
         BIT 0,B
         JR Z,_store
         CP (HL)
-        JP NZ,mismatch
+        JR NZ,_mismatch
 _store:
         LD (HL),A
         INC HL
-        EX DE,HL
-        LD HL,STACK_ROOM
-        ADD HL,DE
-        SBC HL,SP
-        EX DE,HL
-        JP NC,out_of_memory
         OR A
         RET
 
 ; The program ends here, the variables begin.
 ; In:   HL place of the next line, A = 0
-end_program:
+_end_program:
         LD (HL),A
         INC HL
         LD (HL),A
@@ -498,56 +412,3 @@ end_program:
         DEC HL
         DEC HL
         RET
-
-; Obeys a line of the prompt.
-; In:   HL line, ended by 0
-obey_line:
-        CALL skip_blanks
-        OR A
-        RET Z
-        LD DE,command_words
-_word:
-        LD A,(DE)
-        OR A
-        JP Z,syntax_error
-        PUSH HL
-_letter:
-        LD A,(DE)
-        INC DE
-        OR A
-        JR Z,_found
-        CP (HL)
-        INC HL
-        JR Z,_letter
-        POP HL
-_skip:
-        LD A,(DE)
-        INC DE
-        OR A
-        JR NZ,_skip
-        INC DE
-        INC DE
-        JR _word
-_found:
-        EX DE,HL
-        LD A,(HL)
-        INC HL
-        LD H,(HL)
-        LD L,A
-        EX (SP),HL              ; the command in place of the line
-        EX DE,HL
-        RET
-command_words:
-        DEFM "SYSTEM"
-        DEFB 0
-        DEFW cmd_system
-        DEFM "CLOAD"
-        DEFB 0
-        DEFW cmd_cload
-        DEFM "CSAVE"
-        DEFB 0
-        DEFW cmd_csave
-        DEFM "VERIFY"
-        DEFB 0
-        DEFW cmd_verify
-        DEFB 0

@@ -1,4 +1,4 @@
-; 0000-01CB: restarts, the published entries at the bottom, and what the restarts do.
+; 0000: restarts, the published entries at the bottom, and what the restarts do.
 
         DI                      ; 0000: power on
         JP cold_start
@@ -60,7 +60,7 @@ check_syntax:
         CP (HL)
         INC HL
         EX (SP),HL
-        JP NZ,ready
+        JP NZ,error_sn
 ; RST 10: Next character of a program text, blanks and control codes skipped.
 ; In:   HL text
 ; Out:  HL at the character, A character, carry if it is a digit, Z at the end of a statement
@@ -142,6 +142,3 @@ first_vectors:
         DEFB 67,0,0             ; lines of a page
         DEFM "PR"
 first_vectors_end:
-
-        fill_to 01C9h
-        JP clear_text_screen

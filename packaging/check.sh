@@ -1,9 +1,10 @@
 #!/usr/bin/env bash
 # Checks what an installation brings besides the program: each file by the tool of its kind, and
 # that they agree with each other and with the program.
-# usage: packaging/check.sh PROGRAM
+# usage: packaging/check.sh PROGRAM TARVELIN-BAS
 set -euo pipefail
 program=$(realpath "$1")
+bas=$(realpath "$2")
 cd "$(dirname "$0")"
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -26,8 +27,9 @@ same() {
 
 silent desktop-file-validate tarvelin.desktop
 appstreamcli validate --no-net tarvelin.metainfo.xml || fail "appstreamcli failed"
-silent xmllint --noout --nonet tarvelin-mime.xml icons/tarvelin.svg ../docs/manual.html
+silent xmllint --noout --nonet tarvelin-mime.xml icons/tarvelin.svg ../docs/manual.html ../docs/firmware.html
 silent groff -ww -man -Tutf8 -z tarvelin.1
+silent groff -ww -man -Tutf8 -z tarvelin-bas.1
 
 # The desktop finds the types by name and content, and the program for each.
 mkdir -p "$work/mime/packages"
@@ -39,7 +41,7 @@ sed -n 's/^MimeType=//p' tarvelin.desktop | tr ';' '\n' | sed '/^$/d' | sort >"$
 sed -n 's:.*<mediatype>\(.*\)</mediatype>.*:\1:p' tarvelin.metainfo.xml | sort >"$work/provided"
 same "types of tarvelin.desktop" types opened
 same "types of tarvelin.metainfo.xml" types provided
-for extension in cas cgt cmd jzs dsk cgd; do
+for extension in cas cgt cmd bas jzs dsk cgd; do
     grep -q ":application/x-colour-genie-[a-z]*:\*\.$extension\$" "$work/mime/globs2" ||
         fail "no type for .$extension"
 done
@@ -50,15 +52,19 @@ for size in 48 64 128 256; do
     [[ $width == "$size" && $height == "$size" ]] || fail "tarvelin-$size.png: $width x $height"
 done
 
-# The present version is released, and the manual page knows all the program's options.
+# The present version is released, and the manual pages know all the programs' options.
 version=$("$program" --version | cut -d' ' -f2)
 grep -q "<release version=\"$version\"" tarvelin.metainfo.xml || fail "no release $version"
 [[ $(head -n1 changelog) == "tarvelin ($version) "* ]] || fail "changelog does not begin with $version"
-groff -man -Tascii -P-c -P-b -P-u tarvelin.1 >"$work/page"
-"$program" --help | sed -nE 's/^  (--[a-z-]+|\/[a-z]N?).*/\1/p' >"$work/options"
-[[ -s $work/options ]] || fail "--help lists no options"
-while read -r option; do
-    grep -qE -- "^ +$option( |\$)" "$work/page" || fail "tarvelin.1 does not explain $option"
-done <"$work/options"
+explained() {
+    groff -man -Tascii -P-c -P-b -P-u "$2" >"$work/page"
+    "$1" --help | sed -nE 's/^  (--[a-z-]+|\/[a-z]N?|encode|decode).*/\1/p' >"$work/options"
+    [[ -s $work/options ]] || fail "$1 --help lists no options"
+    while read -r option; do
+        grep -qE -- "^ +$option( |\$)" "$work/page" || fail "$2 does not explain $option"
+    done <"$work/options"
+}
+explained "$program" tarvelin.1
+explained "$bas" tarvelin-bas.1
 
 exit $((failures > 0))

@@ -68,7 +68,7 @@ void store(uint32_t address, uint8_t value) {
 }
 
 uint8_t read_device(uint32_t address) {
-    if (address == DISK_SELECT) return wd1771_read_irq(0);
+    if (address == DISK_SELECT) return wd1771_read_irq();
     if (address == DISK_SELECT + 1) return 0x01;
     if (address >= DISK_REGISTERS && address < DISK_REGISTERS_END) {
         return wd1771_read_reg(address & 3);

@@ -61,17 +61,23 @@ bool start_cmd(const std::string& path) {
     return true;
 }
 
-/// Enter answers the question of a machine that has just been switched on; the reset key then
-/// brings any program back to BASIC.
-void boot_to_basic() {
+/// Enter answers the question of a machine that has just been switched on.
+void answer_start_question() {
     memory_place_bas_trap();
     keyboard_open_from_buffer("\r");
     // A breakpoint is for the program that comes: the start has to be complete.
     const int32_t armed = std::exchange(z80_state.breakpoint_enabled, 0);
     do_some_frames(BOOT_FRAMES);
     z80_state.breakpoint_enabled = armed;
+}
+
+/// The reset key then brings any program back to BASIC.
+void boot_to_basic() {
+    answer_start_question();
     machine_reset();
 }
+
+bool just_switched_on() { return z80_state.t_count < int64_t(BOOT_FRAMES) * frame_budget(); }
 
 bool start_cassette(const std::string& path) {
     if (!tape_attach_cas(path)) {
@@ -103,6 +109,7 @@ bool start_snapshot(const std::string& path) {
 
 bool start_basic(const std::string& path) {
     if (!is_tokenized_bas(path)) {
+        if (just_switched_on()) answer_start_question(); // or it takes the first lines
         if (keyboard_open_bas_file(path)) memory_place_bas_trap();
         return true;
     }

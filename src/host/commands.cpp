@@ -14,7 +14,6 @@
 #include "host/screenshot.h"
 #include "host/shell.h"
 #include "host/status.h"
-#include "media/disk_image.h"
 #include "media/printer.h"
 #include "media/snapshot.h"
 #include "media/tape.h"
@@ -38,6 +37,7 @@ namespace {
 
 constexpr int TAPE_SAMPLE_RATE = 44100; ///< Hz, of a new tape recording
 constexpr uint32_t RESTART_WAIT = 500;  ///< ms
+constexpr uint32_t KILOBYTE = 1024;
 constexpr uint32_t BLUR_LEVEL = 66;
 constexpr int CAPTURE_RUNS = 2; ///< value of g_bRecordingVideo
 
@@ -389,27 +389,26 @@ void tell_bad_image(const std::string& path) {
 
 void main_disk_image_attach(unsigned drive, const std::string& path) {
     if (path.empty() || drive >= DISK_DRIVES) return;
-    if (diskimg_is_attached(drive)) main_disk_image_detach(drive);
-    disk_geometry geometry;
-    if (!diskimg_attach(drive, path, &geometry)) {
-        return StatusBarText("Unsupported disk image.\n");
-    }
+    disk_image& disk = wd1771_disk(drive);
+    if (diskimg_inserted(disk)) main_disk_image_detach(drive);
+    if (!diskimg_attach(disk, path)) return StatusBarText("Unsupported disk image.\n");
     wd1771_reset();
-    StatusBarText("Disk: %u side(s), %u tracks, %u sectors, %u kb.", geometry.sides,
-                  geometry.tracks, geometry.sectors, geometry.size_kb);
+    StatusBarText("Disk: %u side(s), %u tracks, %u sectors, %u kb.", disk.side_value + 1,
+                  disk.tracks, disk.sectors, disk.size / KILOBYTE);
     modify_menu_text(COMMAND_ATTACH_DISK + int(drive), drive_text(drive, path));
 }
 
 void main_disk_image_detach(unsigned drive) {
     if (drive >= DISK_DRIVES) return;
+    disk_image& disk = wd1771_disk(drive);
     const bool save =
-        diskimg_is_changed(drive) &&
+        disk.modified &&
         platform().dialogs().question("Warning", "Disk content in drive :" + std::to_string(drive) +
                                                      " has changed. Do you want to save your "
                                                      "changes?");
-    diskimg_detach(drive, save);
+    const int written = diskimg_detach(disk, save);
     modify_menu_text(COMMAND_ATTACH_DISK + int(drive), drive_text(drive, "<no disk>"));
-    StatusBarText("Disk detached from drive #%u", drive);
+    if (written) StatusBarText("Disk detached from drive #%u", drive);
 }
 
 void main_disk_image_detach_all() {

@@ -18,10 +18,10 @@
 #include "host/prefs.h"
 #include "host/screenshot.h"
 #include "host/status.h"
-#include "media/disk_image.h"
 #include "media/printer.h"
 #include "media/tape.h"
 #include "media/traps.h"
+#include "media/wd1771.h"
 #include "monitor/monitor.h"
 #include "platform/host_services.h"
 #include "platform/platform.h"
@@ -177,7 +177,7 @@ void write_settings() {
     SetValueDword("CustomRamStartupPattern", &pattern);
     write_flag("CycleBasedEmulation", g_bCycleBasedEngine);
     for (unsigned drive = 0; drive < DISK_DRIVES; ++drive) {
-        SetValueStr(disk_setting(drive).c_str(), diskimg_file_name(drive).c_str());
+        SetValueStr(disk_setting(drive).c_str(), wd1771_disk(drive).path.c_str());
     }
 }
 

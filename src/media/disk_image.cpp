@@ -1,9 +1,208 @@
 #include "media/disk_image.h"
 
-int diskimg_attach(unsigned /*drive*/, const std::string& /*path*/, disk_geometry* /*geometry*/) {
+#include "platform/host_services.h"
+#include "platform/platform.h"
+#include "platform/whole_file.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <optional>
+
+#include <unistd.h>
+
+namespace {
+
+constexpr size_t LARGEST_IMAGE = 16 << 20;
+constexpr uint32_t CGD_HEADER_SIZE = 80;
+constexpr uint32_t JV3_HEADER_SIZE = 8704;
+constexpr uint32_t JV3_ENTRIES = 2901;
+constexpr uint32_t JV3_ENTRY_SIZE = 3; ///< track, sector, flags
+constexpr uint32_t SECTOR_SIZE = 256;
+constexpr uint32_t COMMON_SECTORS = 10;   ///< on a track of single density
+constexpr uint32_t DENSE_SECTORS = 18;    ///< on a track of double density
+constexpr uint32_t DIRECTORY_TRACK = 21;  ///< where no boot sector tells
+constexpr uint32_t DIRECTORY_POINTER = 2; ///< of the boot sector: the directory's track
+constexpr uint32_t LARGEST_SIDE = 368640; ///< longer files have two sides
+constexpr uint32_t MOST_TRACKS = 82;
+constexpr uint8_t UNFORMATTED = 0xE5;
+
+struct known_size {
+    uint32_t file_size;
+    uint32_t tracks;
+    disk_layout layout;
+};
+constexpr known_size KNOWN_SIZES[] = {
+    {46080, 18, DISK_PLAIN},  {89600, 35, DISK_PLAIN},  {98304, 35, DISK_JV3},
+    {102400, 40, DISK_PLAIN}, {111104, 40, DISK_JV3},   {174080, 68, DISK_PLAIN},
+    {200448, 80, DISK_PLAIN}, {204800, 80, DISK_PLAIN}, {213504, 80, DISK_JV3},
+    {375296, 80, DISK_JV3},
+};
+constexpr uint32_t CGD_SIZES[] = {194560, 194640};
+constexpr uint32_t CUT_SIZE = 200448; ///< a dump of 80 tracks that lacks its last sectors
+constexpr uint32_t WHOLE_SIZE = 204800;
+
+uint32_t little_endian(const uint8_t* bytes) {
+    return uint32_t(bytes[0]) | uint32_t(bytes[1]) << 8 | uint32_t(bytes[2]) << 16 |
+           uint32_t(bytes[3]) << 24;
+}
+
+/// The offset of the sector in the file, or nothing when the file has no such sector.
+std::optional<size_t> sector_offset(const disk_image& disk, uint32_t track, uint32_t sector) {
+    uint64_t index = uint64_t(disk.sectors) * track + sector;
+    if (disk.layout == DISK_JV3) {
+        const uint8_t* const table = disk.image.data();
+        for (index = 0; index < JV3_ENTRIES; ++index) {
+            const uint8_t* const entry = table + index * JV3_ENTRY_SIZE;
+            if (entry[0] == track && entry[1] == sector) break;
+        }
+        if (index == JV3_ENTRIES) return {};
+    }
+    const uint64_t offset = disk.data_offset + disk.bytes_per_sector * index;
+    if (offset + disk.bytes_per_sector > disk.image.size()) return {};
+    return size_t(offset);
+}
+
+std::optional<size_t> checked_offset(const disk_image& disk, uint32_t track, uint32_t sector) {
+    if (!diskimg_inserted(disk) || sector >= disk.sectors) return {};
+    return sector_offset(disk, track, sector);
+}
+
+int read_cgd_header(disk_image& disk) {
+    const uint8_t* const header = disk.image.data();
+    const uint32_t sides = little_endian(header + 4);
+    disk.tracks = little_endian(header);
+    disk.sectors = little_endian(header + 8);
+    disk.bytes_per_sector = little_endian(header + 12);
+    disk.side_value = sides - 1;
+    disk.data_offset = CGD_HEADER_SIZE;
+    disk.layout = DISK_FIXED;
+    const uint32_t bytes = disk.bytes_per_sector;
+    const bool sectors_fit = bytes == 128 || bytes == 256 || bytes == LARGEST_SECTOR;
+    if ((sides == 1 || sides == 2) && disk.tracks <= MOST_TRACKS && sectors_fit) return 1;
+    std::fprintf(stderr, "IMAGE: Error! Unsupported image (%u) bytes.\n", disk.size);
+    disk.layout = DISK_REJECTED;
     return 0;
 }
-void diskimg_detach(unsigned /*drive*/, bool /*save*/) {}
-bool diskimg_is_attached(unsigned /*drive*/) { return false; }
-bool diskimg_is_changed(unsigned /*drive*/) { return false; }
-std::string diskimg_file_name(unsigned /*drive*/) { return {}; }
+
+int guess_from_size(disk_image& disk) {
+    disk.side_value = disk.size <= LARGEST_SIDE ? 1 : 2;
+    const uint32_t side_bytes = disk.size / disk.side_value;
+    const uint32_t count = side_bytes / SECTOR_SIZE;
+    if (side_bytes % SECTOR_SIZE) return 0;
+    disk.sectors = count % DENSE_SECTORS == 0 ? DENSE_SECTORS : COMMON_SECTORS;
+    disk.tracks = count / disk.sectors;
+    disk.layout = DISK_FIXED;
+    return count % disk.sectors == 0 ? 1 : 0;
+}
+
+int apply_known_size(disk_image& disk, const known_size& known) {
+    disk.side_value = 1;
+    disk.tracks = known.tracks;
+    disk.sectors = COMMON_SECTORS;
+    disk.layout = known.layout;
+    if (known.layout == DISK_JV3) disk.data_offset = JV3_HEADER_SIZE;
+    if (disk.size == CUT_SIZE) disk.image.resize(WHOLE_SIZE, UNFORMATTED);
+    if (disk.size == CUT_SIZE) disk.size = WHOLE_SIZE;
+    const std::optional<size_t> boot_sector = sector_offset(disk, 0, 0);
+    if (!boot_sector) {
+        std::fputs("IMAGE: Error! Could not find boot sector.\n", stderr);
+        return 0;
+    }
+    disk.directory_track = disk.image[*boot_sector + DIRECTORY_POINTER];
+    return 1;
+}
+
+int find_geometry(disk_image& disk) {
+    disk.data_offset = 0;
+    disk.bytes_per_sector = SECTOR_SIZE;
+    disk.directory_track = DIRECTORY_TRACK;
+    if (std::ranges::find(CGD_SIZES, disk.size) != std::end(CGD_SIZES)) {
+        return read_cgd_header(disk);
+    }
+    const known_size* known = std::ranges::find(KNOWN_SIZES, disk.size, &known_size::file_size);
+    return known != std::end(KNOWN_SIZES) ? apply_known_size(disk, *known) : guess_from_size(disk);
+}
+
+/// A name in the user's data directory that no file has yet.
+std::filesystem::path rescue_path(const std::string& path) {
+    const std::filesystem::path folder =
+        std::filesystem::path(platform().paths().data_directory()) / "rescue";
+    const std::filesystem::path name = std::filesystem::path(path).filename();
+    std::error_code error;
+    std::filesystem::create_directories(folder, error);
+    for (int n = 0;; ++n) {
+        std::filesystem::path rescue = folder / name;
+        if (n) rescue.replace_filename(name.stem().string() + "-" + std::to_string(n));
+        if (n) rescue.replace_extension(name.extension());
+        if (!std::filesystem::exists(rescue, error)) return rescue;
+    }
+}
+
+/// Told in the status bar, and in a box, since the program may be about to end.
+void tell(const std::string& text) {
+    StatusBarText("%s", text.c_str());
+    host_warning("%s", text.c_str());
+}
+
+int write_image(const disk_image& disk) {
+    if (replace_whole_file(disk.path, disk.image)) return 1;
+    const std::string rescue = rescue_path(disk.path).string();
+    const bool rescued = replace_whole_file(rescue, disk.image);
+    tell(disk.path + " cannot be written. " +
+         (rescued ? "The disk is in " + rescue : rescue + " cannot either: the changes are lost"));
+    return 0;
+}
+
+} // namespace
+
+int diskimg_attach(disk_image& disk, const std::string& path) {
+    disk = {};
+    std::optional<std::vector<uint8_t>> bytes = read_whole_file(path, LARGEST_IMAGE);
+    if (!bytes || bytes->empty()) return 0;
+    disk.image = std::move(*bytes);
+    disk.size = uint32_t(disk.image.size());
+    disk.write_protected = access(path.c_str(), W_OK) != 0;
+    disk.path = path;
+    if (diskimg_analyze(disk)) return 1;
+    disk = {};
+    return 0;
+}
+
+int diskimg_analyze(disk_image& disk) {
+    if (!find_geometry(disk)) return 0;
+    std::fprintf(stderr,
+                 "IMAGE: Size in bytes: %u.\nIMAGE: Tracks per side: %u.\n"
+                 "IMAGE: Bytes per sector: %u.\nIMAGE: Sectors per track: %u.\n"
+                 "IMAGE: Dir on track: %u.\n",
+                 disk.size, disk.tracks, disk.bytes_per_sector, disk.sectors, disk.directory_track);
+    return 1;
+}
+
+bool diskimg_inserted(const disk_image& disk) { return !disk.image.empty(); }
+
+int disk_img_read_sector(const disk_image& disk, uint32_t side, uint32_t track, uint32_t sector,
+                         uint8_t* buffer) {
+    const std::optional<size_t> offset = checked_offset(disk, track, sector);
+    if (!offset) return 0;
+    std::copy_n(disk.image.data() + *offset, disk.bytes_per_sector, buffer);
+    std::fprintf(stderr, "IMAGE. Read(%u,%u,%u) from offset %05zX.\n", side, track, sector,
+                 *offset);
+    return 1;
+}
+
+int disk_img_write_sector(disk_image& disk, uint32_t /*side*/, uint32_t track, uint32_t sector,
+                          const uint8_t* buffer) {
+    const std::optional<size_t> offset = checked_offset(disk, track, sector);
+    if (!offset) return 0;
+    std::copy_n(buffer, disk.bytes_per_sector, disk.image.data() + *offset);
+    disk.modified = !disk.write_protected;
+    return 1;
+}
+
+int diskimg_detach(disk_image& disk, bool write_back) {
+    const int written = write_back && diskimg_inserted(disk) ? write_image(disk) : 1;
+    disk = {};
+    return written;
+}

@@ -1,22 +1,46 @@
 #pragma once
-/// Disk images in the four drives. None can be attached yet: every attempt fails.
+/// Disk images: the sectors of a floppy disk in a file. The whole file is held in memory while it
+/// is in a drive, and written back as a whole when it is taken out.
+///
+/// Three layouts: plain sector dumps (DSK), images with a table of sector headers (JV3), and images
+/// with a small geometry header (CGD). Sectors count from 0. The side is not part of an address:
+/// only the first side can be reached.
 
+#include <cstdint>
 #include <string>
+#include <vector>
 
-constexpr unsigned DISK_DRIVES = 4;
+enum disk_layout : int { DISK_PLAIN = 0, DISK_JV3 = 1, DISK_FIXED = 2, DISK_REJECTED = 4 };
 
-struct disk_geometry {
-    unsigned sides = 0;
-    unsigned tracks = 0;
-    unsigned sectors = 0; ///< per track
-    unsigned size_kb = 0; ///< of 1024 bytes
+struct disk_image {
+    uint32_t side_value = 0; ///< as shown to the user plus one
+    uint32_t tracks = 0;     ///< per side
+    uint32_t sectors = 0;    ///< per track
+    uint32_t bytes_per_sector = 0;
+    uint32_t directory_track = 0; ///< its sectors carry the deleted-data mark
+    uint32_t size = 0;            ///< of the file, bytes
+    uint32_t data_offset = 0;     ///< of the first sector in the file
+    std::vector<uint8_t> image;   ///< the whole file; empty in an empty drive
+    bool write_protected = false;
+    bool modified = false;
+    int layout = DISK_PLAIN;
+    std::string path;
 };
 
-/// 1 when the image is in `drive` (0 to 3) now.
-int diskimg_attach(unsigned drive, const std::string& path, disk_geometry* geometry);
-/// Takes the image out; with `save`, a changed one is written back first.
-void diskimg_detach(unsigned drive, bool save);
-bool diskimg_is_attached(unsigned drive);
-bool diskimg_is_changed(unsigned drive);
-/// Empty without an image.
-std::string diskimg_file_name(unsigned drive);
+constexpr uint32_t LARGEST_SECTOR = 512; ///< bytes
+
+/// Reads the file and finds its geometry. 1 on success; on failure the record is empty.
+int diskimg_attach(disk_image& disk, const std::string& path);
+/// Sets the geometry from the size and the contents of `image`. 1 on success.
+int diskimg_analyze(disk_image& disk);
+bool diskimg_inserted(const disk_image& disk);
+/// Copies a sector of `bytes_per_sector` bytes to `buffer`. 1 on success, 0 when there is none.
+int disk_img_read_sector(const disk_image& disk, uint32_t side, uint32_t track, uint32_t sector,
+                         uint8_t* buffer);
+/// Copies `bytes_per_sector` bytes of `buffer` into a sector and marks the image as changed.
+int disk_img_write_sector(disk_image& disk, uint32_t side, uint32_t track, uint32_t sector,
+                          const uint8_t* buffer);
+/// Empties the record. With `write_back` the image replaces its file at one stroke; where that
+/// fails, it goes to a rescue file in the user's data directory, which the status text names, and
+/// the result is 0.
+int diskimg_detach(disk_image& disk, bool write_back);

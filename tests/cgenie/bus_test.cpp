@@ -88,7 +88,7 @@ TEST_F(Bus, AddressMap) {
             case keyboard:
                 expected = address & 1 ? 0x02 : (address & 0x7F) == 0x40 ? 0x80 : 0;
                 break;
-            case disk_irq: expected = wd1771_read_irq(0); break;
+            case disk_irq: expected = wd1771_read_irq(); break;
             case disk_register: expected = wd1771_read_reg(address - 0xFFEC); break;
             case one: expected = 0x01; break;
             case open: break;

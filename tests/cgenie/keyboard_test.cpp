@@ -230,7 +230,7 @@ TEST_F(Keyboard, FirmwareTakesTypedTextAndSymbolicKeys) {
         return rows;
     };
     run(30);
-    for (const char* text : {"PRINT 2^3\r\nLIST\r\n", "NEW\nRUN\n"}) {
+    for (const char* text : {"\r\nPRINT 2^3\r\nLIST\r\n", "NEW\nRUN\n"}) {
         keyboard_open_from_buffer(text);
         memory_place_bas_trap();
         run(40);

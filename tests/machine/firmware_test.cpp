@@ -15,7 +15,7 @@
 namespace {
 
 constexpr unsigned TEXT = 0x4400, GRAPHICS = 0x4800, COLOURS = COLOUR_RAM_START;
-constexpr unsigned LINE_BUFFER = 0x41E8, TEXT_COLOUR = 0x4300, LATCH_COPY = 0x431C;
+constexpr unsigned TEXT_COLOUR = 0x4300, LATCH_COPY = 0x431C;
 constexpr unsigned COLUMNS = 40;
 
 struct Model {
@@ -42,6 +42,8 @@ protected:
         memory_set_startup_pattern(0xA5);
         machine_change_cfg(machine_cfg[model.slot], 1);
         run(30);
+        press({KEY_RETURN}); // all of the memory
+        run(10);
     }
     static void run(int frames) {
         while (frames-- > 0) machine_run();
@@ -64,7 +66,6 @@ protected:
         std::string text(reinterpret_cast<const char*>(memory) + TEXT + number * COLUMNS, COLUMNS);
         return text.substr(0, text.find_last_not_of(' ') + 1);
     }
-    static std::string line() { return reinterpret_cast<const char*>(memory) + LINE_BUFFER; }
     static unsigned word(unsigned address) {
         return memory[address] | unsigned(memory[address + 1]) << 8;
     }
@@ -87,7 +88,8 @@ TEST_F(Firmware, BootsToThePrompt) {
             SCOPED_TRACE(std::string(model.sign_on) + (ram ? ", 32 KB" : ", 16 KB"));
             machine_cfg[CUSTOM_CONFIGURATION].ram_size = ram;
             boot(model);
-            const std::vector<std::string> expected = {model.sign_on,
+            const std::vector<std::string> expected = {"MEM SIZE?",
+                                                       model.sign_on,
                                                        "FOR THE COLOUR GENIE",
                                                        ram ? "32K RAM" : "16K RAM",
                                                        "",
@@ -107,9 +109,9 @@ TEST_F(Firmware, BootsToThePrompt) {
             for (unsigned vector = 0x4000; vector < 0x4015; vector += 3)
                 EXPECT_EQ(memory[vector], 0xC3) << "vector " << std::hex << vector;
 
-            // 40 columns, 38 rows of 8 lines; cursor behind the prompt in row 5.
+            // 40 columns, 38 rows of 8 lines; cursor behind the prompt in row 6.
             const int registers[16] = {70, 40, 52,   0xF5, 38,   0,   int(model.rows), 29, 0, 7,
-                                       -1, 7,  0x04, 0,    0x44, 0xC9};
+                                       -1, 7,  0x04, 0,    0x44, 0xF1};
             for (unsigned i = 0; i < 16; ++i) {
                 if (registers[i] < 0) continue;
                 EXPECT_EQ(crtc.registers[i], registers[i]) << "R" << i;
@@ -126,19 +128,18 @@ TEST_F(Firmware, EchoesAndStoresWhatIsTyped) {
     press({KEY_OEM_2}); // ?
     shift(false);
     press({KEY_SPACE, 'X', KEY_BACKSPACE, 'Y', KEY_RETURN});
-    EXPECT_EQ(row(5), ">ABc!? Y");
-    EXPECT_EQ(row(6), "?SN ERROR");
-    EXPECT_EQ(row(8), ">");
-    EXPECT_EQ(line(), "ABc!? Y");
+    EXPECT_EQ(row(6), ">ABc!? Y");
+    EXPECT_EQ(row(7), "?SN ERROR");
+    EXPECT_EQ(row(9), ">");
 
     type("Q");
     shift(true);
     press({KEY_LEFT}); // the whole line
     shift(false);
     press({KEY_BACKSPACE, 'Z', KEY_RIGHT, '9', KEY_RETURN});
-    EXPECT_EQ(line(), "Z       9");
+    EXPECT_EQ(row(9), ">Z       9");
     press({'X', KEY_END});
-    EXPECT_EQ(row(12), "READY") << "BREAK";
+    EXPECT_EQ(row(13), "READY") << "BREAK";
     press({'X', KEY_HOME, 'N'});
     EXPECT_EQ(row(0), "N") << "CLEAR";
 }
@@ -147,9 +148,9 @@ TEST_F(Firmware, RepeatsAHeldKeyAndLosesNoneOfThree) {
     boot(MODELS[0]);
     platform_.set_key('A', true);
     run(20);
-    EXPECT_EQ(row(5), ">A");
+    EXPECT_EQ(row(6), ">A");
     run(50);
-    const auto count = row(5).size() - 1;
+    const auto count = row(6).size() - 1;
     EXPECT_GE(count, 5u);
     EXPECT_LE(count, 20u);
     for (int key : {'P', 'C', 'B'}) platform_.set_key(uint8_t(key), true); // two share a row
@@ -157,7 +158,7 @@ TEST_F(Firmware, RepeatsAHeldKeyAndLosesNoneOfThree) {
     run(4);
     platform_.release_all_keys();
     run(4);
-    EXPECT_EQ(row(5).substr(1 + count), "BCP");
+    EXPECT_EQ(row(6).substr(1 + count), "BCP");
 }
 
 TEST_F(Firmware, ScrollsTextAndColoursTogether) {
@@ -169,7 +170,7 @@ TEST_F(Firmware, ScrollsTextAndColoursTogether) {
         type("MARK");
         memory[TEXT_COLOUR] = 9;
         press({KEY_RETURN, 'B'});
-        EXPECT_EQ(row(1), "READY"); // three rows up, two of them for the answer
+        EXPECT_EQ(row(2), "READY"); // three rows up, two of them for the answer
         EXPECT_EQ(row(rows_ - 4), ">MARK");
         EXPECT_EQ(row(rows_ - 1), ">B");
         const uint8_t* colours = memory + COLOURS + (rows_ - 4) * COLUMNS;
@@ -213,7 +214,10 @@ TEST_F(Firmware, ResetKeyBeforeTheFirstStartStartsTheMachine) {
     machine_change_cfg(machine_cfg[0], 1);
     machine_reset();
     run(30);
-    EXPECT_EQ(row(0), MODELS[0].sign_on);
+    EXPECT_EQ(row(0), "MEM SIZE?");
+    press({KEY_RETURN});
+    run(10);
+    EXPECT_EQ(row(1), MODELS[0].sign_on);
     EXPECT_EQ(word(0x40B1), 0xBFFFu);
 }
 
@@ -245,14 +249,13 @@ TEST_F(Firmware, SwitchesBetweenTheScreens) {
 
 TEST_F(Firmware, KeepsOutOfThePatchedPlaces) {
     boot(MODELS[1]);
-    // HALT wherever cassette traps may stand, and a keyboard entry that is always an A.
+    // HALT wherever cassette traps may stand, and a keyboard entry that is always Enter.
     std::fill(memory + 0x01ED, memory + 0x0281, 0x76);
-    const uint8_t always_a[] = {0x3E, 'A', 0x00, 0x00, 0xC9};
-    std::ranges::copy(always_a, memory + 0x002B);
+    const uint8_t always_enter[] = {0x3E, 0x0D, 0x00, 0x00, 0xC9};
+    std::ranges::copy(always_enter, memory + 0x002B);
     z80_reset();
     run(30);
-    EXPECT_EQ(row(0), MODELS[1].sign_on);
-    EXPECT_EQ(row(5), ">" + std::string(39, 'A'));
+    for (unsigned y : {0u, rows_ - 2}) EXPECT_EQ(row(y), ">") << y;
 }
 
 } // namespace

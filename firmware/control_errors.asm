@@ -1,0 +1,168 @@
+; Errors: their entries, the program's own handling, the message.
+
+; Entries of single errors, to be jumped at from anywhere.
+; Out:  do not return
+error_sn:
+        LD E,ERR_SN
+        DEFB 1                  ; LD BC, over the next LD E
+error_fc:
+        LD E,ERR_FC
+        DEFB 1
+error_ov:
+        LD E,ERR_OV
+        DEFB 1
+error_om:
+        LD E,ERR_OM
+        DEFB 1
+error_tm:
+        LD E,ERR_TM
+        DEFB 1
+error_bs:
+        LD E,ERR_BS
+        DEFB 1
+error_dd:
+        LD E,ERR_DD
+        DEFB 1
+error_dz:
+        LD E,ERR_DZ
+        DEFB 1
+error_ul:
+        LD E,ERR_UL
+        DEFB 1
+error_mo:
+        LD E,ERR_MO
+        DEFB 1
+error_os:
+        LD E,ERR_OS
+        DEFB 1
+error_ls:
+        LD E,ERR_LS
+        DEFB 1
+error_st:
+        LD E,ERR_ST
+        DEFB 1
+error_id:
+        LD E,ERR_ID
+        DEFB 1
+error_cn:
+        LD E,ERR_CN
+        DEFB 1
+error_fd:
+        LD E,ERR_FD
+        DEFB 1
+error_l3:
+        LD E,ERR_L3
+; Any error.
+; In:   E code
+raise_error:
+        LD SP,(SAVED_STACK)     ; loops and calls of the program stay
+        CALL hook_error
+        LD A,E
+        LD (ERROR_CODE),A
+        CALL reset_devices
+        CALL direct_mode
+        LD (ERROR_LINE),BC
+        JR Z,_report            ; a direct statement
+        LD (EDIT_LINE),BC
+        LD HL,(STATEMENT)
+        LD (ERROR_TEXT),HL
+        CALL remember_position
+        LD HL,(ON_ERROR)
+        LD A,H
+        OR L
+        JR Z,_report
+        LD A,(IN_HANDLER)
+        OR A
+        JR NZ,_report           ; an error in the handling of one
+        DEC A
+        LD (IN_HANDLER),A
+        JP run_line
+_report:
+        XOR A
+        LD (IN_HANDLER),A
+        CALL text_screen_row
+        LD A,'?'
+        CALL print_entry
+        LD A,(ERROR_CODE)
+        CP ERR_LAST + 1
+        JR C,_known
+        LD A,ERR_UE
+_known:
+        LD E,A
+        LD D,0
+        LD HL,error_letters
+        ADD HL,DE
+        LD A,(HL)
+        CALL print_entry
+        INC HL
+        LD A,(HL)
+        CALL print_entry
+        LD HL,error_text
+; Ends a run with its message.
+; In:   HL text
+end_with_text:
+        CALL print_text
+        CALL direct_mode
+        JP Z,ready
+        LD HL,in_text
+        CALL print_text
+        LD H,B
+        LD L,C
+        CALL print_line_number
+        JP ready
+
+error_letters:
+        DEFM "NFSNRGODFCOVOMULBSDD/0IDTMOSLSSTCNNRRWUEMOFDL3"
+error_text:
+        DEFM " ERROR"
+        DEFB 0
+in_text:
+        DEFM " IN "
+        DEFB 0
+break_text:
+        DEFM "BREAK"
+        DEFB 0
+
+; ERROR n: raises the error of number n.
+stmt_error:
+        CALL get_byte
+        DEC A
+        ADD A,A
+        JP C,error_fc           ; of 0, too
+        LD E,A
+        JP raise_error
+
+; ERR and ERL.
+; In:   HL text behind the word
+; Out:  accumulator
+func_err:
+        PUSH HL
+        LD HL,(ERROR_CODE)      ; ERR/2+1 is the number of the error
+        LD H,0
+        JR set_number
+func_erl:
+        PUSH HL
+        LD HL,(ERROR_LINE)
+set_number:
+        CALL set_word
+        POP HL
+        RET
+
+; Numbers from 0 to 65535 as a value.
+; In:   HL
+; Out:  accumulator, an integer where it fits, single above
+; Uses: AF, HL
+set_word:
+        BIT 7,H
+        JP Z,set_integer
+        RES 7,H                 ; the leading 1 is hidden
+        LD A,H
+        LD H,L
+        LD L,0
+        LD (ACCUMULATOR),HL
+        LD H,90h                ; exponent of 32768 to 65535
+        LD L,A
+        LD (ACCUMULATOR + 2),HL
+        LD A,4
+        LD (NUMBER_TYPE),A
+        RET

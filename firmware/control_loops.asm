@@ -1,0 +1,235 @@
+; FOR and NEXT.
+
+; FOR variable = value TO limit STEP step
+stmt_for:
+        PUSH HL
+        CALL stmt_let
+        EX (SP),HL
+        CALL find_variable
+        LD (FOR_VARIABLE),DE
+        LD HL,(ARRAYS)
+        RST 18h
+        JP C,error_sn           ; an element of an array
+        POP HL
+        LD A,(NUMBER_TYPE)
+        RRCA
+        JP C,error_tm
+        CP 8 / 2
+        JP Z,error_tm           ; no loops of double precision
+        DEC A
+        OR FRAME_INTEGER        ; or FRAME_SINGLE
+        LD (FOR_KIND),A
+        POP BC                  ; new_statement
+        RST 08h
+        DEFB TOKEN_TO
+        CALL _value
+        PUSH HL
+        LD HL,ACCUMULATOR
+        LD DE,FOR_LIMIT
+        CALL copy_four
+        POP HL
+        LD A,(HL)
+        CP TOKEN_STEP
+        JR Z,_step
+        PUSH HL
+        LD HL,1
+        CALL set_integer
+        LD A,(FOR_KIND)
+        RRCA
+        CALL C,to_single
+        POP HL
+        JR _frame
+_step:
+        RST 10h
+        CALL _value
+; A loop of the same variable ends, with those in it.
+_frame:
+        LD (NEXT_TEXT),HL
+        LD DE,(FOR_VARIABLE)
+        CALL first_loop
+        JR NZ,_build
+        LD BC,FRAME_SIZE
+        ADD HL,BC
+        LD SP,HL
+_build:
+        LD HL,(NEXT_TEXT)
+        PUSH HL
+        LD HL,(CURRENT_LINE)
+        PUSH HL
+        LD HL,(FOR_LIMIT + 2)
+        PUSH HL
+        LD HL,(FOR_LIMIT)
+        PUSH HL
+        LD HL,(ACCUMULATOR + 2)
+        PUSH HL
+        LD HL,(ACCUMULATOR)
+        PUSH HL
+        PUSH DE
+        CALL num_sign
+        NEG
+        LD D,A
+        LD A,(FOR_KIND)
+        LD E,A
+        PUSH DE
+        LD (SAVED_STACK),SP
+        CALL check_stack
+        LD HL,(NEXT_TEXT)
+        JP new_statement
+; A value of the variable's type.
+_value:
+        CALL eval_number
+        PUSH HL
+        LD A,(FOR_KIND)
+        RRCA
+        JR C,_single
+        CALL to_integer
+        POP HL
+        RET
+_single:
+        CALL to_single
+        POP HL
+        RET
+
+; Finds the loop of a variable among those that are open.
+; In:   DE variable, 0 for any; the innermost frame on top of the stack
+; Out:  HL its frame, Z; NZ if there is none: HL the frame of another kind that ended the search,
+;       A its kind
+; Uses: AF, BC
+first_loop:
+        LD HL,2
+        ADD HL,SP
+_frame:
+        LD A,(HL)
+        AND FRAME_KIND
+        CP FRAME_INTEGER
+        LD A,(HL)
+        RET NZ
+        LD A,D
+        OR E
+        RET Z
+        INC HL
+        INC HL
+        LD A,(HL)
+        INC HL
+        SUB E
+        LD B,A
+        LD A,(HL)
+        SUB D
+        DEC HL
+        DEC HL
+        DEC HL
+        OR B
+        RET Z
+        LD BC,FRAME_SIZE
+        ADD HL,BC
+        JR _frame
+
+; NEXT, NEXT variable, NEXT variable,variable ...
+stmt_next:
+        POP BC                  ; new_statement
+_variable:
+        LD DE,0
+        CALL NZ,find_variable
+        LD (NEXT_TEXT),HL
+        CALL first_loop
+        LD E,ERR_NF
+        JP NZ,raise_error
+        LD SP,HL
+        LD (SAVED_STACK),HL
+        LD A,(HL)
+        INC HL
+        LD B,(HL)               ; sign of the step, negated
+        INC HL
+        LD E,(HL)
+        INC HL
+        LD D,(HL)
+        INC HL
+        RRCA
+        PUSH BC
+        JR C,_single
+; Integers.
+        LD A,(DE)
+        ADD A,(HL)
+        LD C,A
+        LD (DE),A
+        INC HL
+        INC DE
+        LD A,(DE)
+        ADC A,(HL)
+        JP PE,error_ov
+        LD (DE),A
+        LD B,A
+        INC HL
+        INC HL
+        INC HL
+        LD A,C
+        SUB (HL)
+        LD E,A
+        INC HL
+        LD A,B
+        SBC A,(HL)
+        JP PE,_overflow
+        LD C,A
+        OR E
+        LD A,C
+        JR Z,_compared
+_sign:
+        RLA
+        CCF
+        SBC A,A                 ; FF above the limit
+        OR 1
+        JR _compared
+_overflow:
+        CPL
+        JR _sign
+_single:
+        LD A,4
+        LD (NUMBER_TYPE),A
+        LD (LEFT_TYPE),A
+        PUSH DE
+        EX DE,HL
+        PUSH DE
+        LD DE,LEFT_SINGLE
+        CALL copy_four
+        POP HL
+        LD DE,ACCUMULATOR
+        CALL copy_four
+        PUSH HL
+        CALL single_add
+        POP HL
+        POP DE
+        PUSH HL
+        LD HL,ACCUMULATOR
+        CALL copy_four
+        POP HL
+        LD DE,LEFT_SINGLE
+        CALL copy_four
+        CALL compare_single
+_compared:
+        POP BC
+        LD HL,(SAVED_STACK)
+        CP B
+        JR Z,_done              ; beyond the limit, in the direction of the step
+        LD BC,FRAME_SIZE - 4
+        ADD HL,BC
+        LD E,(HL)
+        INC HL
+        LD D,(HL)
+        LD (CURRENT_LINE),DE
+        INC HL
+        LD A,(HL)
+        INC HL
+        LD H,(HL)
+        LD L,A
+        JP new_statement
+_done:
+        LD BC,FRAME_SIZE
+        ADD HL,BC
+        LD SP,HL
+        LD (SAVED_STACK),HL
+        LD HL,(NEXT_TEXT)
+        LD A,(HL)
+        CP ','
+        JP NZ,new_statement
+        RST 10h
+        JP _variable

@@ -1,0 +1,354 @@
+; Programs: LOAD, RUN, MERGE, SAVE. They close all files and use the first one.
+
+RECORD_DATA     EQU 1           ; of machine code; the other kinds but the entry are skipped
+RECORD_ENTRY    EQU 2
+
+; Out:  IX
+; Uses: AF, DE
+first_file:
+        XOR A
+        JP file_of_index
+
+; RUN: closes the files; RUN "name" loads first.
+; In:   HL text
+; Out:  HL kept unless there is a name
+serve_run:
+        DEC HL
+        RST 10h
+        JP Z,close_files
+        JP C,close_files
+        POP BC                  ; BASIC's part of the word
+        LD A,1
+        JR load_file
+
+; LOAD "name", LOAD "name",R
+word_load:
+        XOR A
+load_file:
+        LD (RUN_WANTED),A
+        CALL close_files
+        CALL parse_name
+        LD A,(HL)
+        CP ','
+        JR NZ,_end
+        RST 10h
+        LD (RUN_WANTED),A
+        RST 08h
+        DEFB 'R'
+_end:
+        CALL open_program
+        LD A,(FILE_TYPE)
+        CP TYPE_MACHINE
+        JR Z,load_machine
+        JR NC,load_text
+        LD A,1
+        LD (LOADING),A
+        CALL empty_program
+        CALL first_file
+        LD HL,(PROGRAM_START)
+_byte:
+        CALL get_char
+        JR C,_whole
+        LD (HL),A
+        INC HL
+        CALL check_room
+        JR _byte
+_whole:
+        LD B,8                  ; ends a program that is cut short anywhere
+_zero:
+        LD (HL),0
+        INC HL
+        DJNZ _zero
+        CALL relink_program
+program_loaded:
+        CALL first_file
+        LD (IX + FILE_MODE),0
+        XOR A
+        LD (LOADING),A
+        CALL clear_variables
+        LD A,(RUN_WANTED)
+        OR A
+        JP Z,ready
+        LD HL,(PROGRAM_START)
+        JP run_line
+
+load_text:
+        CP TYPE_TEXT
+        JP NZ,fail_type
+        LD A,1
+        LD (LOADING),A
+        CALL empty_program
+        JR merge_text
+
+; Opens the program named, the end of the statement behind it.
+; In:   HL text behind the name
+; Out:  IX
+open_program:
+        DEC HL
+        RST 10h
+        JP NZ,error_sn
+        CALL mount_disk
+        CALL find_existing_file
+        CALL first_file
+        JP open_input
+
+; Machine code: records with a kind, a length, and for data an address.
+load_machine:
+        CALL _byte
+        LD C,A
+        CALL _byte
+        LD B,A
+        LD A,C
+        CP RECORD_ENTRY
+        JR Z,_entry
+        CP RECORD_DATA
+        JR NZ,_skip
+        CALL _word
+        DEC B
+        DEC B
+_data:
+        CALL _byte
+        LD (HL),A
+        INC HL
+        DJNZ _data
+        JR load_machine
+_skip:
+        CALL _byte
+        DJNZ _skip
+        JR load_machine
+_entry:
+        CALL _word
+        LD (IX + FILE_MODE),0
+        LD A,(RUN_WANTED)
+        OR A
+        JP Z,ready
+        LD DE,ready
+        PUSH DE
+        JP (HL)
+_word:
+        CALL _byte
+        LD L,A
+        CALL _byte
+        LD H,A
+        RET
+_byte:
+        CALL get_char
+        RET NC
+        JP ready                ; no entry in it
+
+; MERGE "name"
+word_merge:
+        XOR A
+        LD (RUN_WANTED),A
+        CALL close_files
+        CALL parse_name
+        CALL open_program
+        CALL clear_variables    ; the lines move
+        LD A,(FILE_TYPE)
+        OR A
+        JR Z,merge_tokens
+        CP TYPE_TEXT
+        JP NZ,fail_type
+merge_text:
+        CALL first_file
+        CALL read_text_line
+        JP C,program_loaded
+        CALL next_line_character
+        JR NC,merge_text        ; no number, no line of a program
+        CALL line_number
+_blanks:
+        DEC HL
+        LD A,(HL)
+        CP ' '
+        JR Z,_blanks
+        INC HL
+        LD A,(HL)
+        CP ' '
+        JR NZ,_text
+        INC HL
+_text:
+        PUSH DE
+        CALL tokenize
+        POP DE
+        CALL insert_line
+        JR merge_text
+
+merge_tokens:
+        CALL first_file
+        CALL get_char
+        JR C,_end
+        LD L,A
+        CALL get_char
+        JR C,_end
+        OR L
+_end:
+        JP Z,program_loaded
+        JP C,program_loaded
+        CALL get_char
+        LD E,A
+        CALL get_char
+        LD D,A
+        LD HL,TOKEN_BUFFER
+        LD BC,0
+_character:
+        CALL get_char
+        JR NC,_store
+        XOR A
+_store:
+        LD (HL),A
+        INC HL
+        INC C
+        JP Z,error_ls
+        OR A
+        JR NZ,_character
+        CALL insert_line
+        JR merge_tokens
+
+; Puts a line into the program.
+; In:   DE number, TOKEN_BUFFER text, BC its length with the 0
+; Uses: all
+insert_line:
+        LD (LINE_SIZE),BC
+        LD (EDIT_LINE),DE
+        CALL find_line
+        CALL Z,delete_lines
+        LD A,(TOKEN_BUFFER)
+        OR A
+        JR Z,_ends
+        PUSH HL
+        LD HL,(LINE_SIZE)
+        LD BC,4                 ; link and number
+        ADD HL,BC
+        LD B,H
+        LD C,L
+        POP HL
+        CALL open_gap
+        PUSH HL
+        INC HL
+        LD (HL),H               ; a link that is not 0
+        INC HL
+        LD DE,(EDIT_LINE)
+        LD (HL),E
+        INC HL
+        LD (HL),D
+        INC HL
+        EX DE,HL
+        LD HL,TOKEN_BUFFER
+        LD BC,(LINE_SIZE)
+        LDIR
+        POP HL
+        CALL relink
+_ends:
+        LD HL,(PROGRAM_END)
+        LD (ARRAYS),HL
+        LD (FREE_SPACE),HL
+        RET
+
+; A line of a text, up to 255 characters, to LINE_BUFFER, ended by 0.
+; In:   IX file
+; Out:  carry at the end of the file
+; Uses: AF, B, HL
+read_text_line:
+        LD HL,LINE_BUFFER
+        LD B,0                  ; 256 less the characters
+_character:
+        CALL get_char
+        JR C,_file_end
+        CP RETURN
+        JR Z,_end
+        CP LINE_FEED
+        JR Z,_feed
+        DEC B
+        JP Z,error_ls
+        LD (HL),A
+        INC HL
+        JR _character
+_feed:
+        LD A,B                  ; it may follow a return
+        OR A
+        JR Z,_character
+_end:
+        LD (HL),0
+        OR A
+        RET
+_file_end:
+        LD A,B
+        OR A
+        JR NZ,_end
+        SCF
+        RET
+
+; SAVE "name", SAVE "name",A for a text
+word_save:
+        CALL close_files
+        CALL parse_name
+        LD B,TYPE_PROGRAM
+        LD A,(HL)
+        CP ','
+        JR NZ,_kind
+        RST 10h
+        RST 08h
+        DEFB 'A'
+        LD B,TYPE_TEXT
+_kind:
+        PUSH HL
+        PUSH BC
+        CALL mount_disk
+        CALL first_file
+        POP AF                  ; B
+        PUSH AF
+        CALL open_output
+        LD (IX + FILE_PROGRAM),1
+        POP AF
+        OR A
+        JR NZ,_text
+        LD HL,(PROGRAM_START)
+_byte:
+        LD A,(HL)
+        CALL put_char
+        INC HL
+        LD DE,(PROGRAM_END)
+        RST 18h
+        JR C,_byte
+        CALL close_file
+        POP HL
+        RET
+_text:
+        CALL begin_redirection
+        LD HL,(PROGRAM_START)
+_line:
+        PUSH HL
+        INC HL
+        LD A,(HL)
+        OR A
+        JR Z,_end
+        INC HL
+        LD E,(HL)
+        INC HL
+        LD D,(HL)
+        INC HL
+        PUSH HL
+        EX DE,HL
+        CALL print_line_number
+        LD A,' '
+        CALL put_character
+        POP HL
+        CALL detokenize
+        LD HL,LINE_BUFFER
+        CALL put_text
+        CALL new_row
+        POP HL
+        LD A,(HL)
+        INC HL
+        LD H,(HL)
+        LD L,A
+        JR _line
+_end:
+        POP HL
+        CALL end_redirection
+        CALL first_file
+        CALL close_file
+        POP HL
+        CALL direct_mode
+        RET NZ
+        JP ready                ; the direct line is gone

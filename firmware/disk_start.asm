@@ -1,0 +1,369 @@
+; Power on, the words that are none of BASIC, errors.
+
+READY_ENTRY     EQU 1A19h       ; a JP to the prompt
+
+; C002: Takes memory below its top, sets the vectors and hooks, starts a disk that wants it.
+; Out:  the stack begins below the new string space
+disk_start:
+        LD HL,(READY_ENTRY + 1)
+        LD DE,ready
+        RST 18h
+        RET NZ                  ; another BASIC
+        LD HL,(MEMORY_TOP)
+        LD DE,-AREA_SIZE
+        ADD HL,DE
+        LD B,H
+        LD C,L
+        LD DE,FIRST_PROGRAM + AREA_ROOM
+        RST 18h
+        RET C                   ; too little: no disk words
+        POP HL
+        LD (DISK_WORK),HL
+        LD HL,(STRING_SPACE)
+        LD DE,-AREA_SIZE
+        ADD HL,DE
+        LD (STRING_SPACE),HL
+        LD (MEMORY_TOP),BC
+        INC BC
+        LD (DISK_AREA),BC
+        CALL clear_variables    ; also sets the stack
+        LD HL,(DISK_WORK)
+        PUSH HL
+        LD HL,HEADS
+        LD B,4
+_head:
+        LD (HL),0FFh
+        INC HL
+        DJNZ _head
+        LD HL,0
+        LD (PRINT_FILE),HL
+        XOR A
+        LD (LOADING),A
+        CALL forget_files
+        LD HL,disk_jumps
+_jump:
+        LD E,(HL)
+        INC HL
+        LD D,(HL)
+        INC HL
+        LD A,D
+        OR E
+        JR Z,_hooked
+        LD A,0C3h               ; JP
+        LD (DE),A
+        INC DE
+        LDI
+        LDI
+        JR _jump
+_hooked:
+        LD HL,disk_sign_on
+        CALL print_text
+; Starts the disk in drive 0 if it is one to start from; BREAK prevents it.
+        XOR A
+        LD (DISK_DRIVE),A
+        CALL test_break
+        RET NZ
+        CALL ready_drive
+        RET C
+        LD DE,0
+        LD HL,(DISK_AREA)
+        CALL try_read
+        RET C
+        LD HL,(DISK_AREA)
+        CALL known_disk
+        RET NZ
+        LD HL,(DISK_AREA)
+        LD A,(HL)
+        DEC A
+        RET NZ
+        LD DE,BOOT_ADDRESS
+        LD BC,SECTOR_SIZE
+        LDIR
+        JP BOOT_ADDRESS + BOOT_CODE
+
+disk_sign_on:
+        DEFM "TARVELIN DISK SYSTEM 1.0"
+        DEFB RETURN, 0
+
+; Places and what they jump to.
+disk_jumps:
+        DEFW disk_load, word_load
+        DEFW disk_save, word_save
+        DEFW disk_merge, word_merge
+        DEFW disk_kill, word_kill
+        DEFW disk_name, word_name
+        DEFW disk_cmd, word_cmd
+        DEFW disk_open, word_open
+        DEFW disk_close, word_close
+        DEFW disk_eof, function_eof
+        DEFW disk_loc, function_loc
+        DEFW disk_lof, function_lof
+        DEFW hook_error, serve_error
+        DEFW hook_print, serve_print
+        DEFW hook_input, serve_input
+        DEFW hook_run, serve_run
+        DEFW hook_line, serve_line
+        DEFW 0
+
+; A line typed at the prompt: DIR and FORMAT, with a drive or without.
+; In:   HL text
+; Out:  HL kept when it is none of them
+; Uses: AF, BC, DE
+serve_line:
+        PUSH HL
+        CALL disk_word
+        POP HL
+        RET NZ
+        POP HL                  ; BASIC's part of the line
+        CALL call_de
+        JP ready
+call_de:
+        PUSH DE
+        RET
+
+; CMD "word": the same in a program.
+word_cmd:
+        CALL eval_string
+        PUSH HL
+        EX DE,HL
+        LD C,A
+        LD B,0
+        LD DE,(DISK_AREA)
+        OR A
+        JR Z,_ended
+        LDIR
+_ended:
+        XOR A
+        LD (DE),A
+        LD HL,(DISK_AREA)
+        CALL disk_word
+        JP NZ,error_fc
+        CALL call_de
+        POP HL
+        RET
+
+; In:   HL text ended by 0
+; Out:  Z if it is a word of the disk ROM: DE its routine, DISK_DRIVE set
+; Uses: AF, BC, HL
+disk_word:
+        CALL skip_spaces
+        LD DE,word_texts
+_word:
+        PUSH HL
+_letter:
+        LD A,(DE)
+        INC DE
+        OR A
+        JR Z,_same
+        LD C,A
+        LD A,(HL)
+        INC HL
+        CALL capital
+        CP C
+        JR Z,_letter
+        POP HL
+_skip:
+        LD A,(DE)
+        INC DE
+        OR A
+        JR NZ,_skip
+        INC DE
+        INC DE
+        LD A,(DE)
+        OR A
+        JR NZ,_word
+        INC A                   ; NZ
+        RET
+_same:
+        POP BC
+        LD C,0
+        CALL skip_spaces
+        JR Z,_end
+        CP ':'
+        JR NZ,_drive
+        INC HL
+        LD A,(HL)
+_drive:
+        SUB '0'
+        CP 4
+        JR NC,_other
+        LD C,A
+        INC HL
+        CALL skip_spaces
+        RET NZ
+_end:
+        LD A,C
+        LD (DISK_DRIVE),A
+        EX DE,HL
+        LD E,(HL)
+        INC HL
+        LD D,(HL)
+        XOR A
+        RET
+_other:
+        OR 1
+        RET
+; Out:  A character, Z at the end
+skip_spaces:
+        LD A,(HL)
+        CP ' '
+        INC HL
+        JR Z,skip_spaces
+        DEC HL
+        OR A
+        RET
+word_texts:
+        DEFM "DIR"
+        DEFB 0
+        DEFW word_dir
+        DEFM "FORMAT"
+        DEFB 0
+        DEFW word_format
+        DEFB 0
+
+; An error, before BASIC reports it: the printer gets its driver back, a program half loaded goes,
+; and an error of the disk is told in words, unless the program handles it.
+; In:   E code
+; Out:  E kept
+serve_error:
+        CALL end_redirection
+        LD A,(LOADING)
+        OR A
+        JR Z,_whole
+        XOR A
+        LD (LOADING),A
+        POP HL
+        LD (DISK_WORK),HL
+        LD A,E
+        LD (ERROR_CODE),A
+        CALL empty_program
+        LD HL,0FFFFh
+        LD (CURRENT_LINE),HL
+        LD HL,(DISK_WORK)
+        PUSH HL
+        LD A,(ERROR_CODE)
+        LD E,A
+_whole:
+        LD A,E
+        CP ERR_NO_DISK
+        RET C
+        CP ERR_DISK_LAST + 1
+        RET NC
+        LD HL,(CURRENT_LINE)
+        LD A,H
+        AND L
+        INC A
+        JR Z,_report
+        LD HL,(ON_ERROR)
+        LD A,H
+        OR L
+        JR Z,_program
+        LD A,(IN_HANDLER)
+        OR A
+        RET Z
+_program:
+        LD HL,(CURRENT_LINE)
+        LD (EDIT_LINE),HL
+        LD (STOP_LINE),HL
+        LD HL,(STATEMENT)
+        LD (ERROR_TEXT),HL
+        LD (CONT_TEXT),HL
+_report:
+        LD HL,(CURRENT_LINE)
+        LD (ERROR_LINE),HL
+        LD A,E
+        LD (ERROR_CODE),A
+        PUSH AF
+        CALL reset_temporaries
+        XOR A
+        LD (AUTO_ON),A
+        LD (OUTPUT_DEVICE),A
+        LD (IN_HANDLER),A
+        CALL text_screen_row
+        LD A,'?'
+        CALL print_entry
+        POP AF
+        SUB ERR_NO_DISK
+        RRCA
+        LD B,A
+        INC B
+        LD HL,disk_messages
+        XOR A
+_message:
+        DEC B
+        JP Z,end_with_text
+_skip:
+        CP (HL)
+        INC HL
+        JR NZ,_skip
+        JR _message
+
+disk_messages:
+        DEFM "NO DISK"
+        DEFB 0
+        DEFM "DISK NOT FORMATTED"
+        DEFB 0
+        DEFM "DISK ERROR"
+        DEFB 0
+        DEFM "WRITE PROTECTED"
+        DEFB 0
+        DEFM "DISK FULL"
+        DEFB 0
+        DEFM "DIRECTORY FULL"
+        DEFB 0
+        DEFM "NOT FOUND"
+        DEFB 0
+        DEFM "FILE EXISTS"
+        DEFB 0
+        DEFM "BAD FILE NAME"
+        DEFB 0
+        DEFM "BAD FILE NUMBER"
+        DEFB 0
+        DEFM "FILE NOT OPEN"
+        DEFB 0
+        DEFM "FILE OPEN"
+        DEFB 0
+        DEFM "BAD FILE MODE"
+        DEFB 0
+        DEFM "END OF FILE"
+        DEFB 0
+        DEFM "WRONG FILE TYPE"
+        DEFB 0
+
+; Errors of one place each, to be jumped at.
+fail_format:
+        LD E,ERR_FORMAT
+        DEFB 1                  ; LD BC, over the next LD E
+fail_full:
+        LD E,ERR_FULL
+        DEFB 1
+fail_directory:
+        LD E,ERR_DIRECTORY
+        DEFB 1
+fail_not_found:
+        LD E,ERR_NOT_FOUND
+        DEFB 1
+fail_exists:
+        LD E,ERR_EXISTS
+        DEFB 1
+fail_name:
+        LD E,ERR_NAME
+        DEFB 1
+fail_number:
+        LD E,ERR_NUMBER
+        DEFB 1
+fail_not_open:
+        LD E,ERR_NOT_OPEN
+        DEFB 1
+fail_open:
+        LD E,ERR_OPEN
+        DEFB 1
+fail_mode:
+        LD E,ERR_MODE
+        DEFB 1
+fail_end:
+        LD E,ERR_END
+        DEFB 1
+fail_type:
+        LD E,ERR_TYPE
+        JP raise_error

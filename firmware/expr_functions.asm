@@ -1,0 +1,100 @@
+; Functions of numbers and of the machine.
+
+; In:   argument in the accumulator
+; Out:  result in the accumulator
+func_sgn:
+        CALL num_sign
+; The sign in A as the value.
+; In:   A = FF, 0, 1
+sign_value:
+        LD L,A
+        RLA
+        SBC A,A
+        LD H,A
+        JP set_integer
+
+func_peek:
+        CALL to_address
+        LD A,(DE)
+        JP set_byte
+
+func_inp:
+        CALL value_byte
+        LD C,A
+        LD B,A
+        IN A,(C)
+        JP set_byte
+
+; POS(x): column of the cursor, or of the printer.
+func_pos:
+        CALL get_column
+        JP set_byte
+
+; FRE(text): room for strings after a garbage collection; FRE(number): free memory.
+func_fre:
+        RST 20h
+        JR NZ,free_memory
+        CALL take_string
+        CALL collect_garbage
+        LD HL,(STRING_POINTER)
+        LD DE,(STRING_SPACE)
+        JR space_between
+free_memory:
+        LD HL,0
+        ADD HL,SP
+        LD DE,(FREE_SPACE)
+space_between:
+        OR A
+        SBC HL,DE
+        JP set_word
+
+; Functions that read their own text.
+; In:   HL text behind the word, A character
+; Out:  HL behind, result in the accumulator
+func_mem:
+        PUSH HL
+        CALL free_memory
+        POP HL
+        RET
+
+; VARPTR(variable)
+func_varptr:
+        RST 08h
+        DEFB '('
+        CALL variable_name
+        CP '('
+        JR NZ,_simple
+        CALL find_element
+        JR _found
+_simple:
+        CALL search_simple
+        JP NZ,error_fc
+_found:
+        EX DE,HL
+        CALL set_integer
+        EX DE,HL
+        JP close_parenthesis
+
+; USR(value): calls the program at USR_ADDRESS, with the value in the accumulator.
+func_usr:
+        CALL parentheses
+        PUSH HL
+        LD HL,(USR_ADDRESS)
+        CALL call_hl
+        POP HL
+        RET
+
+; INKEY$: a key that was pressed, or nothing.
+func_inkey:
+        LD A,(INKEY_CODE)
+        OR A
+        JR NZ,_key
+        CALL key_entry
+        OR A
+        JP Z,empty_string
+_key:
+        LD C,A
+        XOR A
+        LD (INKEY_CODE),A
+        LD A,C
+        JP character_string

@@ -1,0 +1,669 @@
+; Numbers: cells, moves, types, whole numbers, comparison. A single is worked on as C:HL (mantissa
+; with its leading 1), B exponent, A the 8 bits below the mantissa, SIGN bit 7.
+
+ACC_BELOW       EQU 411Bh       ; scratch; while a number becomes text: exponent of its first digit
+ACC_GUARD       EQU 411Ch       ; 8 bits below a double
+ACC_LOW         EQU 411Dh
+ACC_HIGH        EQU 4123h
+ACC_EXPONENT    EQU 4124h
+SIGN            EQU 4125h       ; bit 7: sign of what is worked on
+LEFT_GUARD      EQU 4126h
+LEFT            EQU 4127h
+LEFT_SINGLE     EQU 412Bh
+LEFT_HIGH       EQU 412Dh
+LEFT_EXPONENT   EQU 412Eh
+LEFT_TYPE       EQU 412Fh
+NUMBER_TEXT     EQU 4130h
+WIDE            EQU 4310h       ; ten bytes for products, quotients and decimal scaling
+WIDE_TOP        EQU WIDE + 9
+WIDE_POINT      EQU WIDE + 10   ; bytes before the binary point
+WIDE_FIRST      EQU WIDE + 11   ; low byte of the address of the lowest byte in use
+
+INTEGER_TYPE    EQU 2
+STRING_TYPE     EQU 3
+SINGLE_TYPE     EQU 4
+DOUBLE_TYPE     EQU 8
+BIAS            EQU 128
+
+; Copies the value at HL of NUMBER_TYPE into the accumulator; a string's is its address.
+; Uses: AF, BC, DE, HL
+acc_from_hl:
+        LD A,(NUMBER_TYPE)
+        LD DE,ACCUMULATOR
+        CP SINGLE_TYPE
+        JR C,from_hl_small
+        JR Z,copy_four
+        LD DE,ACC_LOW
+copy_eight:
+        LDI
+        LDI
+        LDI
+        LDI
+copy_four:
+        LDI
+        LDI
+        LDI
+        LDI
+        RET
+from_hl_small:
+        CP STRING_TYPE
+        JR C,copy_two
+        LD (ACCUMULATOR),HL
+        RET
+
+; Copies the accumulator to HL by NUMBER_TYPE; of a string the three bytes of its descriptor.
+; Out:  DE behind the copy
+; Uses: AF, BC, HL
+acc_to_hl:
+        EX DE,HL
+        LD A,(NUMBER_TYPE)
+        LD HL,ACCUMULATOR
+        CP SINGLE_TYPE
+        JR C,_small
+        JR Z,copy_four
+        LD HL,ACC_LOW
+        JR copy_eight
+_small:
+        CP STRING_TYPE
+        JR C,copy_two
+        LD HL,(ACCUMULATOR)
+        LDI
+copy_two:
+        LDI
+        LDI
+        RET
+
+; Copies the accumulator and its type to the left operand.
+; Uses: AF, HL; BC, DE with doubles
+acc_to_left:
+        LD HL,(ACCUMULATOR)
+        LD (LEFT_SINGLE),HL
+        LD HL,(ACC_HIGH)
+        LD (LEFT_HIGH),HL
+        LD A,(NUMBER_TYPE)
+        LD (LEFT_TYPE),A
+        CP DOUBLE_TYPE
+        RET NZ
+        LD HL,ACC_LOW
+        LD DE,LEFT
+        JR copy_four
+
+; Copies the left operand and its type to the accumulator.
+; Uses: AF, BC, DE, HL
+left_to_acc:
+        LD A,(LEFT_TYPE)
+        LD (NUMBER_TYPE),A
+        LD HL,LEFT
+        LD DE,ACC_LOW
+        JR copy_eight
+
+; Makes the accumulator an integer from A or HL.
+; Uses: AF, HL
+set_byte:
+        LD L,A
+        LD H,0
+set_integer:
+        LD (ACCUMULATOR),HL
+        LD A,INTEGER_TYPE
+        LD (NUMBER_TYPE),A
+        RET
+
+; Brings both operands to the greater type.
+; Out:  flags of type - 4: C integer, Z single, NC double
+; Uses: all
+same_types:
+        LD HL,LEFT_TYPE
+        LD A,(NUMBER_TYPE)
+        CP (HL)
+        JR NZ,_differ
+_compare:
+        CP SINGLE_TYPE
+        RET NC
+        CP STRING_TYPE
+        RET C
+_mismatch:
+        JP error_tm
+_differ:
+        CP STRING_TYPE
+        JR Z,_mismatch
+        LD B,A
+        LD A,(HL)
+        CP STRING_TYPE
+        JR Z,_mismatch
+        CP B
+        JR C,_left
+        CALL convert
+        CP SINGLE_TYPE
+        RET
+_left:
+        LD (HL),B               ; the left one's type is A, wanted is B
+        PUSH BC
+        CP INTEGER_TYPE
+        CALL Z,left_to_single
+        POP AF
+        CP DOUBLE_TYPE
+        JR NZ,_compare
+        LD HL,0
+        LD (LEFT),HL
+        LD (LEFT + 2),HL
+        JR _compare
+
+left_to_single:
+        LD HL,(LEFT_SINGLE)
+        CALL float_integer
+        LD (LEFT_SINGLE),HL
+        LD (LEFT_HIGH),DE
+        RET
+
+; Accumulator to the numeric type A.
+; Out:  A type
+; Uses: all
+convert:
+        CP DOUBLE_TYPE
+        JR Z,to_double
+        JR NC,_mismatch
+        CP SINGLE_TYPE
+        JR Z,to_single
+        CALL to_integer
+        LD A,INTEGER_TYPE
+        RET
+_mismatch:
+        JP error_tm
+
+; CDBL
+; Out:  A type
+; Uses: all
+to_double:
+        LD A,(NUMBER_TYPE)
+        CP DOUBLE_TYPE
+        RET Z
+        CALL to_single
+        LD HL,0
+        LD (ACC_LOW),HL
+        LD (ACC_LOW + 2),HL
+        LD A,DOUBLE_TYPE
+        LD (NUMBER_TYPE),A
+        RET
+
+; CSNG, rounded.
+; Out:  A type
+; Uses: all
+to_single:
+        LD A,(NUMBER_TYPE)
+        CP SINGLE_TYPE
+        RET Z
+        JR NC,double_to_single
+        CP STRING_TYPE
+        JP Z,error_tm
+        LD HL,(ACCUMULATOR)
+acc_single_from_hl:
+        CALL float_integer
+        LD (ACCUMULATOR),HL
+        LD (ACC_HIGH),DE
+set_single:
+        LD A,SINGLE_TYPE
+        LD (NUMBER_TYPE),A
+        RET
+double_to_single:
+        LD HL,(ACC_HIGH)
+        LD B,H
+        LD A,B
+        OR A
+        JR Z,set_single
+        LD A,L
+        LD (SIGN),A
+        OR 80h
+        LD C,A
+        LD HL,(ACCUMULATOR)
+        LD A,(ACCUMULATOR - 1)
+        JP round_single
+
+; Integer to packed single.
+; In:   HL
+; Out:  DE:HL, exponent in D
+; Uses: AF, C
+float_integer:
+        LD A,H
+        AND 80h
+        LD C,A
+        CALL NZ,negate_hl
+        LD D,BIAS + 16
+        LD A,H
+        OR A
+        JR NZ,_normalize
+        OR L
+        LD D,A                  ; 0 when the number is 0
+        LD E,A
+        RET Z
+        LD H,A
+        LD L,0
+        LD D,BIAS + 8
+_normalize:
+        BIT 7,H
+        JR NZ,_done
+_shift:
+        DEC D
+        ADD HL,HL
+        BIT 7,H
+        JR Z,_shift
+_done:
+        LD A,H
+        AND 7Fh
+        OR C
+        LD E,A
+        LD H,L
+        LD L,0
+        RET
+
+negate_hl:
+        XOR A
+        SUB L
+        LD L,A
+        SBC A,A
+        SUB H
+        LD H,A
+        RET
+
+; CINT: the greatest integer not above the accumulator.
+; Out:  HL and the accumulator
+; Uses: AF, BC, DE
+to_integer:
+        CALL to_word
+        JP NC,set_integer
+        BIT 7,H
+        JP Z,set_integer
+        JP error_ov
+
+; -32768 to 65535 as a 16-bit address.
+; Out:  DE
+; Uses: AF, BC, HL
+to_address:
+        CALL to_word
+        EX DE,HL
+        RET
+
+; Greatest whole number not above the accumulator, -32768 to 65535.
+; Out:  HL its low 16 bits, carry if positive and not from an integer
+; Uses: AF, BC, DE
+to_word:
+        LD A,(NUMBER_TYPE)
+        LD HL,(ACCUMULATOR)
+        CP STRING_TYPE
+        CCF
+        RET NC
+        JP Z,error_tm
+        LD E,L                  ; the bits that fall away
+        CP DOUBLE_TYPE
+        CALL NC,low_bytes
+        LD HL,(ACC_HIGH - 1)
+        LD C,H
+        SET 7,H
+        LD A,(ACC_EXPONENT)
+        SUB BIAS + 17
+        JR NC,_overflow
+        CPL                     ; places to the right
+        CP 16
+        JR NC,_fraction
+        SUB 8
+        JR C,_bits
+        LD D,A
+        LD A,L
+        OR E
+        LD E,A
+        LD L,H
+        LD H,0
+        LD A,D
+        SUB 8
+_bits:
+        ADD A,8
+        JR Z,_shifted
+        LD B,A
+_shift:
+        SRL H
+        RR L
+        JR NC,_clear
+        LD E,B                  ; not 0
+_clear:
+        DJNZ _shift
+_shifted:
+        LD A,C
+        RLA
+        CCF
+        RET C
+        LD A,E
+        OR A
+        JR Z,_negative
+        INC HL
+        LD A,H
+        OR L
+        JR Z,_overflow
+_negative:
+        LD A,H
+        OR L
+        RET Z
+        CALL negate_hl          ; carry clear only for 0
+        OR A
+        RET M
+_overflow:
+        JP error_ov
+_fraction:
+        LD HL,0
+        LD A,(ACC_EXPONENT)
+        LD E,A                  ; 0 for zero only
+        OR A
+        RET Z
+        JR _shifted
+
+; The bytes of a double below a single, as one value that is 0 only if all are.
+; In:   E
+; Out:  E
+; Uses: AF, HL
+low_bytes:
+        LD A,E
+        LD HL,ACC_LOW
+        OR (HL)
+        INC L
+        OR (HL)
+        INC L
+        OR (HL)
+        INC L
+        OR (HL)
+        LD E,A
+        RET
+
+; SGN of the accumulator.
+; Out:  A FF, 0 or 1, flags S and Z
+; Uses: HL
+num_sign:
+        LD A,(NUMBER_TYPE)
+        CP STRING_TYPE
+        JR C,_integer
+        JP Z,error_tm
+        LD HL,(ACC_HIGH)
+        LD A,H
+        OR A
+        RET Z
+        LD A,L
+        JR sign_result
+_integer:
+        LD HL,(ACCUMULATOR)
+        LD A,H
+        OR L
+        RET Z
+        LD A,H
+; FF or 1 by bit 7 of A.
+sign_result:
+        OR A
+        LD A,0FFh
+        JP M,_flags
+        LD A,1
+_flags:
+        OR A
+        RET
+
+; ABS
+; Uses: all
+num_abs:
+        CALL num_sign
+        RET P
+; Changes the sign of the accumulator.
+; Uses: AF, BC, DE, HL
+num_negate:
+        LD A,(NUMBER_TYPE)
+        CP STRING_TYPE
+        JP Z,error_tm
+        JR NC,flip_sign
+        LD HL,(ACCUMULATOR)
+        LD A,H
+        XOR 80h
+        OR L
+        JR Z,_lowest
+        CALL negate_hl
+        LD (ACCUMULATOR),HL
+        RET
+_lowest:
+        CALL acc_single_from_hl
+flip_sign:
+        LD HL,ACC_HIGH
+        LD A,(HL)
+        XOR 80h
+        LD (HL),A
+        RET
+
+; FIX: cuts the places behind the point.
+; Out:  E not 0 if there were any
+; Uses: AF, BC, HL
+num_fix:
+        LD E,0
+        LD A,(NUMBER_TYPE)
+        CP STRING_TYPE
+        RET C
+        JP Z,error_tm
+        LD HL,ACCUMULATOR
+        LD C,24
+        CP DOUBLE_TYPE
+        JR NZ,_count
+        LD HL,ACC_LOW
+        LD C,56
+_count:
+        LD A,(ACC_EXPONENT)
+        OR A
+        RET Z
+        SUB BIAS + 1
+        JR C,_fraction
+        INC A
+        SUB C
+        RET NC
+        NEG                     ; bits to clear
+_bytes:
+        SUB 8
+        JR C,_bits
+        LD C,A
+        LD A,E
+        OR (HL)
+        LD E,A
+        LD (HL),0
+        INC HL
+        LD A,C
+        JR _bytes
+_bits:
+        ADD A,8
+        RET Z
+        LD B,A
+        XOR A
+_mask:
+        SCF
+        RLA
+        DJNZ _mask
+        LD C,A
+        AND (HL)
+        OR E
+        LD E,A
+        LD A,C
+        CPL
+        AND (HL)
+        LD (HL),A
+        RET
+_fraction:
+        XOR A
+        LD (ACC_EXPONENT),A
+        INC E
+        RET
+
+; INT: greatest whole number not above.
+; Uses: all
+num_int:
+        LD A,(ACC_HIGH)
+        PUSH AF
+        CALL num_fix
+        POP AF
+        AND 80h
+        RET Z
+        LD A,E
+        OR A
+        RET Z
+        CALL acc_to_left
+        LD HL,-1
+        CALL set_integer
+; LEFT + accumulator
+; Uses: all, of this and the next three
+num_add:
+        CALL same_types
+        JP Z,single_add
+        JP NC,double_add
+        LD HL,(LEFT_SINGLE)
+        LD DE,(ACCUMULATOR)
+        OR A
+        ADC HL,DE
+        JP PE,_overflow
+        LD (ACCUMULATOR),HL
+        RET
+_overflow:
+        CALL both_single
+        JP single_add
+
+; LEFT - accumulator
+num_subtract:
+        CALL same_types
+        JR Z,_single
+        JR NC,_double
+        LD HL,(LEFT_SINGLE)
+        LD DE,(ACCUMULATOR)
+        OR A
+        SBC HL,DE
+        JP PE,_overflow
+        LD (ACCUMULATOR),HL
+        RET
+_overflow:
+        CALL both_single
+_single:
+        CALL flip_sign
+        JP single_add
+_double:
+        CALL flip_sign
+        JP double_add
+
+; LEFT * accumulator
+num_multiply:
+        CALL same_types
+        JP Z,single_multiply
+        JP NC,double_multiply
+        LD HL,(LEFT_SINGLE)
+        LD DE,(ACCUMULATOR)
+        LD A,H
+        XOR D
+        PUSH AF
+        BIT 7,H
+        CALL NZ,negate_hl
+        EX DE,HL
+        BIT 7,H
+        CALL NZ,negate_hl
+        LD B,H
+        LD C,L
+        LD HL,0
+        JR _test
+_bit:
+        SRL D
+        RR E
+        JR NC,_double
+        ADD HL,BC
+        JR C,_overflow
+_double:
+        SLA C
+        RL B
+        JR C,_last
+_test:
+        LD A,D
+        OR E
+        JR NZ,_bit
+_done:
+        BIT 7,H
+        JR NZ,_overflow
+        POP AF
+        CALL M,negate_hl
+        LD (ACCUMULATOR),HL
+        RET
+_last:
+        LD A,D
+        OR E
+        JR Z,_done
+_overflow:
+        POP AF
+        CALL both_single
+        JP single_multiply
+
+; LEFT / accumulator; integers are divided as singles
+num_divide:
+        CALL same_types
+        JP Z,single_divide
+        JP NC,double_divide
+        CALL both_single
+        JP single_divide
+
+both_single:
+        CALL left_to_single
+        LD A,SINGLE_TYPE
+        LD (LEFT_TYPE),A
+        JP to_single
+
+; Compares LEFT with the accumulator.
+; Out:  A FF, 0, 1 and flags S, Z for LEFT <, =, > accumulator
+; Uses: all
+num_compare:
+        CALL same_types
+        JR Z,compare_single
+        LD B,8
+        JR NC,compare_floats
+        LD HL,(LEFT_SINGLE)
+        LD DE,(ACCUMULATOR)
+        OR A
+        SBC HL,DE
+        JR Z,_equal
+        LD A,H
+        JP PO,sign_result
+        CPL
+        JP sign_result
+_equal:
+        XOR A
+        RET
+compare_single:
+        LD B,4
+compare_floats:
+        LD HL,(ACC_HIGH)
+        LD A,H
+        OR A
+        LD HL,(LEFT_HIGH)
+        JR Z,_right_zero
+        INC H
+        DEC H
+        LD A,(ACC_HIGH)
+        JR Z,_opposite
+        XOR L
+        LD A,L
+        JP M,_by_sign
+        LD C,L
+        LD HL,ACC_EXPONENT
+        LD DE,LEFT_EXPONENT
+_byte:
+        LD A,(DE)
+        CP (HL)
+        JR NZ,_unequal
+        DEC HL
+        DEC DE
+        DJNZ _byte
+        XOR A
+        RET
+_unequal:
+        SBC A,A                 ; FF if the left magnitude is smaller
+        XOR C
+        JR _by_sign
+_right_zero:
+        LD A,H
+        OR A
+        RET Z
+        LD A,L
+        JR _by_sign
+_opposite:
+        CPL
+_by_sign:
+        JP sign_result

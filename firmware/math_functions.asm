@@ -1,0 +1,732 @@
+; EXP, LOG, SIN, COS, TAN, ATN, powers, RND. They work with 32-bit mantissas: HL:HL' mantissa with
+; its leading 1 (high word in HL), C exponent; or HL:HL' as a fraction. DE:DE' is the other factor.
+
+FACTOR          EQU WIDE        ; 4 bytes: multiplier
+ARGUMENT        EQU WIDE + 4    ; 4 bytes: argument of a polynomial, base of a power
+ARGUMENT_EXP    EQU WIDE + 8
+QUADRANT        EQU WIDE + 9
+PRODUCT_LOW     EQU ACC_LOW     ; 4 bytes: lower half of a product; a single leaves them free
+
+; Product of two 32-bit fractions.
+; In:   DE:DE', FACTOR
+; Out:  HL:HL' upper 32 bits, A the 8 bits below
+; Uses: F, B', C'
+multiply_32:
+        LD HL,0
+        EXX
+        LD HL,0
+        LD A,(FACTOR)
+        CALL _byte
+        LD (PRODUCT_LOW),A
+        LD A,(FACTOR + 1)
+        CALL _byte
+        LD (PRODUCT_LOW + 1),A
+        LD A,(FACTOR + 2)
+        CALL _byte
+        LD (PRODUCT_LOW + 2),A
+        LD A,(FACTOR + 3)
+        CALL _byte
+        LD (PRODUCT_LOW + 3),A
+        EXX
+        RET
+_byte:
+        OR A
+        JR Z,_zero
+        LD B,8
+_bit:
+        RRA
+        JR NC,_none
+        ADD HL,DE
+        EXX
+        ADC HL,DE
+        RR H
+        RR L
+        EXX
+        RR H
+        RR L
+        DJNZ _bit
+        RRA
+        RET
+_none:
+        EXX
+        SRL H
+        RR L
+        EXX
+        RR H
+        RR L
+        DJNZ _bit
+        RRA
+        RET
+_zero:
+        LD C,L
+        LD L,H
+        EXX
+        LD A,L
+        LD L,H
+        LD H,0
+        EXX
+        LD H,A
+        LD A,C
+        RET
+
+; Product of two numbers, rounded to 32 bits.
+; In:   HL:HL', C exponent; DE:DE', B exponent
+; Out:  HL:HL', C; carry if the exponent left its range, C 0 or 255 then
+; Uses: AF, B', C'
+multiply_extended:
+        LD A,C
+        ADD A,B
+        JR C,_great
+        SUB BIAS + 1
+        JR NC,_multiply
+        LD C,0
+        RET
+_great:
+        ADD A,BIAS - 1
+        JR NC,_multiply
+_over:
+        LD C,255
+        SCF
+        RET
+_multiply:
+        LD C,A
+        CALL store_factor
+        CALL multiply_32
+        BIT 7,H
+        JR Z,_shift
+        INC C
+        JR Z,_over
+        JR _round
+_shift:
+        ADD A,A
+        EXX
+        ADC HL,HL
+        EXX
+        ADC HL,HL
+_round:
+        ADD A,A
+        RET NC
+        CALL increment_32
+        OR A
+        RET NZ
+        LD H,80h
+        INC C
+        RET
+
+; Adds 1 to HL:HL'.
+; Out:  A not 0 unless all bits went to 0
+increment_32:
+        EXX
+        INC HL
+        LD A,H
+        OR L
+        EXX
+        RET NZ
+        INC HL
+        LD A,H
+        OR L
+        RET
+
+store_argument:
+        LD A,C
+        LD (ARGUMENT_EXP),A
+        LD (ARGUMENT + 2),HL
+        EXX
+        LD (ARGUMENT),HL
+        EXX
+        RET
+
+store_factor:
+        LD (FACTOR + 2),HL
+        EXX
+        LD (FACTOR),HL
+        EXX
+        RET
+
+exchange_32:
+        EX DE,HL
+        EXX
+        EX DE,HL
+        EXX
+        RET
+
+; 0 - HL:HL', carry if not 0. Uses: F, DE, DE'
+negate_32:
+        EXX
+        EX DE,HL
+        LD HL,0
+        OR A
+        SBC HL,DE
+        EXX
+        EX DE,HL
+        LD HL,0
+        SBC HL,DE
+        RET
+
+; HL:HL' one bit left, the lost one in carry.
+shift_left_32:
+        EXX
+        ADD HL,HL
+        EXX
+        ADC HL,HL
+        RET
+
+; HL:HL' A places right.
+shift_right_32:
+        OR A
+        RET Z
+        CP 32
+        JR C,_bit
+        LD A,32
+_bit:
+        SRL H
+        RR L
+        EXX
+        RR H
+        RR L
+        EXX
+        DEC A
+        JR NZ,_bit
+        RET
+
+; Shifts up by one bit if the leading bit does not stand.
+normalize_32:
+        BIT 7,H
+        RET NZ
+        DEC C
+        JR shift_left_32
+
+; The single in the accumulator.
+; Out:  HL:HL', C exponent, SIGN
+load_extended:
+        LD HL,(ACC_HIGH)
+        LD C,H
+        LD A,L
+        LD (SIGN),A
+        OR 80h
+        LD HL,(ACCUMULATOR)
+        LD B,L
+        LD L,H
+        LD H,A
+        LD A,B
+        EXX
+        LD H,A
+        LD L,0
+        EXX
+        RET
+
+; Rounds HL:HL', C exponent, to the accumulator.
+round_extended:
+        LD B,C
+        LD C,H
+        LD H,L
+        EXX
+        PUSH HL
+        EXX
+        POP DE
+        LD L,D
+        LD A,E
+        JP round_single
+
+; 1 / (HL:HL', C exponent), as the next one.
+reciprocal:
+        CALL exchange_32
+        LD HL,8000h
+        EXX
+        LD HL,0
+        EXX
+        LD B,C
+        LD C,BIAS + 1
+; Quotient of two numbers.
+; In:   HL:HL', C exponent; DE:DE', B exponent
+; Out:  HL:HL', C
+; Uses: AF, B, B', C'
+divide_extended:
+        PUSH HL
+        OR A
+        SBC HL,DE
+        POP HL
+        JR C,_less
+        LD A,1
+        CALL shift_right_32
+        INC C
+_less:
+        LD A,C
+        SUB B
+        ADD A,BIAS
+        PUSH AF
+        LD A,32
+_bit:
+        CALL shift_left_32
+        JR C,_forced
+        EXX
+        SBC HL,DE
+        EXX
+        SBC HL,DE
+        JR NC,_one
+        EXX
+        ADD HL,DE
+        EXX
+        ADC HL,DE
+_one:
+        CCF
+_store:
+        EXX
+        RL C
+        RL B
+        EXX
+        RL C
+        RL B
+        DEC A
+        JR NZ,_bit
+        LD H,B
+        LD L,C
+        EXX
+        LD H,B
+        LD L,C
+        EXX
+        POP BC
+        LD C,B
+        JR normalize_32
+_forced:
+        OR A
+        EXX
+        SBC HL,DE
+        EXX
+        SBC HL,DE
+        SCF
+        JR _store
+
+; Polynomial of the fraction in FACTOR.
+; In:   IX table: number of coefficients, bit 7 if their signs alternate, the highest first
+; Out:  HL:HL'
+; Uses: AF, DE, IX, IY, alternates
+polynomial:
+        LD A,(IX)
+        LD IYH,A
+        AND 7Fh
+        LD IYL,A
+        INC IX
+        EXX
+        LD HL,0
+        EXX
+        LD HL,0
+        JR _add
+_term:
+        CALL exchange_32
+        CALL multiply_32
+_add:
+        EXX
+        LD E,(IX)
+        LD D,(IX + 1)
+        EXX
+        LD E,(IX + 2)
+        LD D,(IX + 3)
+        PUSH BC
+        LD BC,4
+        ADD IX,BC
+        POP BC
+        LD A,IYH
+        RLA
+        JR C,_alternating
+        EXX
+        ADD HL,DE
+        EXX
+        ADC HL,DE
+        JR _next
+_alternating:
+        EXX
+        EX DE,HL
+        OR A
+        SBC HL,DE
+        EXX
+        EX DE,HL
+        SBC HL,DE
+_next:
+        DEC IYL
+        JR NZ,_term
+        RET
+
+; Square of HL:HL', C exponent, as a fraction in FACTOR; 1 becomes the greatest fraction.
+square_fraction:
+        CALL store_factor
+        CALL exchange_32
+        CALL multiply_32
+        LD A,BIAS
+        SUB C
+        JR C,_one
+        ADD A,A
+        JR NC,_shift
+        SBC A,A
+_shift:
+        CALL shift_right_32
+        JP store_factor
+_one:
+        LD HL,0FFFFh
+        LD (FACTOR),HL
+        LD (FACTOR + 2),HL
+        RET
+
+; x * P(x * x), P from 1/2 to below 1.
+; In:   HL:HL', C exponent, IX table of P
+; Out:  HL:HL', C
+odd_polynomial:
+        CALL store_argument
+        LD B,BIAS
+        PUSH BC
+        CALL square_fraction
+        CALL polynomial
+        POP BC
+load_argument:
+        LD DE,(ARGUMENT + 2)
+        EXX
+        LD DE,(ARGUMENT)
+        EXX
+        JP multiply_extended
+
+; EXP
+; Uses: all
+func_exp:
+        CALL to_single
+        CALL load_extended
+        LD DE,0B8AAh            ; 1 / ln 2
+        EXX
+        LD DE,3B29h
+        EXX
+        LD B,BIAS + 1
+        CALL multiply_extended
+; 2 to the power of a number.
+; In:   HL:HL', C exponent, SIGN
+; Out:  accumulator
+power_of_two:
+        LD A,C
+        SUB BIAS
+        JR C,_small
+        CP 8
+        JR NC,_limit
+        LD B,A
+        INC B
+        XOR A
+        JR _count
+_whole:
+        CALL shift_left_32
+        RLA
+_count:
+        DJNZ _whole
+        JR _split
+_small:
+        NEG
+        CALL shift_right_32
+        XOR A
+_split:
+        LD C,A                  ; whole part, the fraction in HL:HL'
+        LD A,(SIGN)
+        RLA
+        LD A,C
+        JR NC,_positive
+        CALL negate_32
+        LD A,0
+        SBC A,C
+        ADD A,BIAS + 1
+        JR _exponent
+_positive:
+        ADD A,BIAS + 1
+        JP C,error_ov
+_exponent:
+        LD C,A
+        CALL store_factor
+        LD IX,exponential_table
+        CALL polynomial
+        XOR A
+        LD (SIGN),A
+        JP round_extended
+_limit:
+        LD A,(SIGN)
+        RLA
+        JP NC,error_ov
+single_zero:
+        CALL set_zero
+        JP set_single
+
+; Logarithm to the base 2 of the single in the accumulator, greater than 0: that of the mantissa u
+; between sqrt(1/2) and sqrt(2) from t = (u-1)/(u+1), and the exponent.
+; Out:  HL:HL', C exponent, SIGN
+logarithm:
+        CALL load_extended
+        LD D,H
+        LD E,L
+        EXX
+        LD D,H
+        LD E,L
+        EXX
+        LD A,H
+        CP 0B5h
+        LD A,C
+        JR C,_above
+        SUB BIAS
+        PUSH AF
+        SCF                     ; (1+u)/2
+        CALL _halve
+        CALL negate_32_keep     ; 1-u
+        LD A,80h
+        LD C,BIAS - 1
+        JR _signed
+_above:
+        SUB BIAS + 1
+        PUSH AF
+        OR A
+        CALL _halve
+        LD A,D
+        ADD A,40h               ; (1+u)/4
+        LD D,A
+        CALL shift_left_32      ; u-1
+        XOR A
+        LD C,BIAS - 2
+_signed:
+        LD (SIGN),A
+        LD B,32
+_normalize:
+        BIT 7,H
+        JR NZ,_divide
+        CALL shift_left_32
+        DEC C
+        DJNZ _normalize
+        LD C,B                  ; u = 1
+        JR _add
+_divide:
+        LD B,BIAS
+        CALL divide_extended
+        LD IX,logarithm_table
+        CALL odd_polynomial
+        INC C
+        INC C
+_add:
+        POP AF                  ; exponent
+        OR A
+        RET Z
+        LD B,A
+        LD A,BIAS
+        SUB C
+        CALL shift_right_32
+        LD A,(SIGN)
+        RLA
+        CALL C,negate_32
+        LD A,B
+        SBC A,0
+        LD C,A
+        LD (SIGN),A
+        OR A
+        JP P,_positive
+        CALL negate_32
+        LD A,0
+        SBC A,C
+_positive:
+        LD C,BIAS
+        JR _test
+_right:
+        INC C
+        SRL A
+        RR H
+        RR L
+        EXX
+        RR H
+        RR L
+        EXX
+_test:
+        OR A
+        JR NZ,_right
+        JP normalize_32
+_halve:
+        RR D
+        RR E
+        EXX
+        RR D
+        RR E
+        EXX
+        RET
+
+negate_32_keep:
+        PUSH DE
+        EXX
+        PUSH DE
+        EXX
+        CALL negate_32
+        EXX
+        POP DE
+        EXX
+        POP DE
+        RET
+
+; LOG
+; Uses: all
+func_log:
+        CALL to_single
+        CALL num_sign
+        JP Z,error_fc
+        JP M,error_fc
+        CALL logarithm
+        LD DE,0B172h            ; ln 2
+        EXX
+        LD DE,17F8h
+        EXX
+        LD B,BIAS
+        CALL multiply_extended
+        JP round_extended
+
+; LEFT ^ accumulator, a single
+; Uses: all
+num_power:
+        CALL to_single
+        LD HL,(ACCUMULATOR)
+        PUSH HL
+        LD HL,(ACC_HIGH)
+        PUSH HL
+        CALL left_to_acc
+        CALL to_single
+        POP HL
+        LD (LEFT_HIGH),HL
+        LD A,H
+        POP HL
+        LD (LEFT_SINGLE),HL
+        OR A
+        JR NZ,_base
+        LD HL,1                 ; also 0 ^ 0
+        JP acc_single_from_hl
+_base:
+        CALL num_sign
+        LD A,(LEFT_HIGH)
+        JR NZ,_small_whole
+        RLA
+        RET NC
+        JP error_dz
+_small_whole:
+        OR 80h                  ; 1 to 255 by multiplication
+        LD D,A
+        LD HL,(LEFT_SINGLE)
+        LD A,H
+        OR L
+        JR NZ,_general
+        LD A,(LEFT_EXPONENT)
+        CP BIAS + 1
+        JR C,_general
+        SUB BIAS + 8
+        JR Z,_whole
+        JR NC,_general
+        LD B,A
+_shift:
+        SRL D
+        JR C,_general
+        INC B
+        JR NZ,_shift
+_whole:
+        LD A,D
+        RRCA                    ; odd: the base's sign
+        LD HL,ACC_HIGH
+        AND (HL)
+        PUSH AF
+        PUSH DE
+        CALL load_extended
+        LD A,(LEFT_HIGH)
+        RLA
+        CALL C,reciprocal
+        CALL store_argument
+        POP DE
+        LD E,8
+_leading:
+        DEC E
+        SLA D
+        JR NC,_leading
+        JR _test
+_step:
+        PUSH DE
+        LD B,C
+        LD D,H
+        LD E,L
+        EXX
+        LD D,H
+        LD E,L
+        EXX
+        CALL multiply_extended
+        POP DE
+        JR C,_limit
+        SLA D
+        JR NC,_square
+        PUSH DE
+        LD A,(ARGUMENT_EXP)
+        LD B,A
+        CALL load_argument
+        POP DE
+        JR C,_limit
+_square:
+        DEC E
+_test:
+        INC E
+        DEC E
+        JR NZ,_step
+        POP AF
+        LD (SIGN),A
+        JP round_extended
+_limit:
+        POP AF
+        INC C
+        JP Z,error_ov
+        JP single_zero
+_general:
+        LD HL,ACC_HIGH
+        LD A,(HL)
+        RES 7,(HL)
+        AND 80h
+        JR Z,_signed
+        LD HL,(ACCUMULATOR)     ; a negative base takes whole exponents only
+        PUSH HL
+        LD HL,(ACC_HIGH)
+        PUSH HL
+        LD HL,(LEFT_SINGLE)
+        LD (ACCUMULATOR),HL
+        LD HL,(LEFT_HIGH)
+        LD (ACC_HIGH),HL
+        CALL num_fix
+        LD A,E
+        OR A
+        JP NZ,error_fc
+        CALL to_integer
+        LD A,L
+        POP HL
+        LD (ACC_HIGH),HL
+        POP HL
+        LD (ACCUMULATOR),HL
+        RRCA                    ; odd
+_signed:
+        PUSH AF
+        CALL logarithm
+        LD DE,(LEFT_HIGH)
+        LD B,D
+        LD A,(SIGN)
+        XOR E
+        LD (SIGN),A
+        SET 7,E
+        LD A,E
+        LD DE,(LEFT_SINGLE)
+        PUSH DE
+        LD E,D
+        LD D,A
+        EXX
+        POP DE
+        LD D,E
+        LD E,0
+        EXX
+        CALL multiply_extended
+        CALL power_of_two
+        POP AF
+        AND 80h
+        RET Z
+        JP flip_sign
+
+; Highest coefficient first, low word first; each error below the 27th bit.
+exponential_table:              ; 2^x / 2, 0 to 1
+        DEFB 7
+        DEFW 2B38h,0007h,0A302h,0028h,3BD5h,013Dh,1442h,071Ah,0D6B8h,1EBFh
+        DEFW 0AF7h,58B9h,0000h,8000h
+logarithm_table:                ; log2((1+t)/(1-t)) / t / 4, by t^2
+        DEFB 5
+        DEFW 5FEFh,15CEh,0DAF7h,1A58h,0EFF1h,24EEh,13A2h,3D8Eh,3B29h,0B8AAh

@@ -1,0 +1,499 @@
+; Singles: add, multiply, divide, square root.
+
+NEGLIGIBLE      EQU 26          ; places after which a smaller operand cannot change a rounded sum
+
+; LEFT + accumulator, singles
+; Uses: all
+single_add:
+        LD HL,(LEFT_HIGH)
+        LD DE,(ACC_HIGH)
+        LD A,D
+        OR A
+        JP Z,left_to_acc
+        LD A,H
+        OR A
+        RET Z
+        SUB D
+        JR C,_acc_greater
+        CP NEGLIGIBLE
+        JP NC,left_to_acc
+        EX AF,AF'
+        LD A,H
+        LD (ACC_EXPONENT),A
+        LD B,E
+        LD C,L
+        LD HL,(LEFT_SINGLE)
+        LD DE,(ACCUMULATOR)
+        JP _align
+_acc_greater:
+        NEG
+        CP NEGLIGIBLE
+        RET NC
+        EX AF,AF'
+        LD B,L
+        LD C,E
+        LD HL,(ACCUMULATOR)
+        LD DE,(LEFT_SINGLE)
+_align:
+        LD A,C                  ; greater C:HL, smaller B:DE, places in A'
+        LD (SIGN),A
+        XOR B
+        SET 7,B
+        SET 7,C
+        EX AF,AF'
+        OR A
+        JR Z,_aligned
+        PUSH HL
+        LD IXL,0
+        LD L,0                  ; bits below
+        SUB 8
+        JR C,_bits
+_bytes:
+        LD L,E
+        LD E,D
+        LD D,B
+        LD B,0
+        SUB 8
+        JR NC,_bytes
+        LD IXL,1                ; for what falls away
+_bits:
+        ADD A,8
+        JR Z,_whole
+        LD H,A
+        LD A,L
+_bit:
+        SRL B
+        RR D
+        RR E
+        RRA
+        DEC H
+        JR NZ,_bit
+        LD L,A
+_whole:
+        LD A,L
+        OR IXL
+        POP HL
+_aligned:
+        LD IXL,A
+        EX AF,AF'
+        JP M,_subtract
+        ADD HL,DE
+        LD A,C
+        ADC A,B
+        LD C,A
+        LD A,(ACC_EXPONENT)
+        LD B,A
+        LD A,IXL
+        JP NC,round_single
+        RR C
+        RR H
+        RR L
+        RRA
+        INC B
+        JP NZ,round_single
+        JP error_ov
+_subtract:
+        XOR A
+        SUB IXL
+        SBC HL,DE
+        LD IXL,A
+        LD A,C
+        SBC A,B
+        LD C,A
+        JR NC,_positive
+        LD A,(SIGN)             ; only with equal exponents, no bits below
+        CPL
+        LD (SIGN),A
+        EX DE,HL
+        XOR A
+        LD H,A
+        LD L,A
+        SBC HL,DE
+        SBC A,C
+        LD C,A
+_positive:
+        LD A,(ACC_EXPONENT)
+        LD B,A
+        LD A,IXL
+; Shifts C:HL:A up until the leading bit stands, then rounds and stores.
+; In:   C:HL:A mantissa, B exponent, SIGN
+normalize_single:
+        LD E,A
+        LD A,C
+        OR A
+        JP M,_done
+        JR NZ,_bits
+        OR H
+        OR L
+        OR E
+        JR Z,set_zero
+_bytes:
+        LD A,B
+        SUB 8
+        JR C,set_zero
+        JR Z,set_zero
+        LD B,A
+        LD C,H
+        LD H,L
+        LD L,E
+        LD E,0
+        LD A,C
+        OR A
+        JR Z,_bytes
+        JP M,_done
+_bits:
+        DEC B
+        JR Z,set_zero
+        SLA E
+        ADC HL,HL
+        RL C
+        JP P,_bits
+_done:
+        LD A,E
+; Rounds and stores a single.
+; In:   C:HL mantissa, A bits below, B exponent, SIGN
+; Uses: AF, BC, HL
+round_single:
+        ADD A,A
+        JR NC,_store
+        INC L
+        JR NZ,_store
+        INC H
+        JR NZ,_store
+        INC C
+        JR NZ,_store
+        INC B                   ; C without its leading bit stays 0
+        JP Z,error_ov
+_store:
+        LD A,(SIGN)
+        XOR C
+        AND 80h
+        XOR C
+        LD C,A
+        LD (ACC_HIGH),BC
+        LD (ACCUMULATOR),HL
+        LD A,SINGLE_TYPE
+        LD (NUMBER_TYPE),A
+        RET
+
+; The accumulator 0, its type kept; a value of type integer must not come here.
+; Uses: AF, HL
+set_zero:
+        LD HL,0
+        LD (ACCUMULATOR),HL
+        LD (ACC_HIGH),HL
+        RET
+
+; Upper words of LEFT and accumulator to HL and DE, SIGN; Z if the accumulator is 0.
+operand_words:
+        LD HL,(LEFT_HIGH)
+        LD DE,(ACC_HIGH)
+        LD A,L
+        XOR E
+        LD (SIGN),A
+        LD A,D
+        OR A
+        RET
+
+; Exponent and sign of a product.
+; Out:  A exponent of a product below 1/2, SIGN, HL and DE the upper words of LEFT and accumulator;
+;       returns to the caller's caller with 0 when it is too small
+product_exponent:
+        CALL operand_words
+        JR Z,_zero
+        LD A,H
+        OR A
+        JR Z,_zero
+        ADD A,D
+        JR C,_great
+        SUB BIAS + 1
+        RET NC
+_zero:
+        POP HL
+        JR set_zero
+_great:
+        ADD A,BIAS - 1
+        RET NC
+        JP error_ov
+
+; LEFT * accumulator, singles
+; Uses: all
+single_multiply:
+        CALL product_exponent
+        PUSH AF
+        LD A,L
+        OR 80h
+        LD B,A
+        LD A,E
+        OR 80h
+        LD IYL,A
+        LD IX,(ACCUMULATOR)
+        LD DE,(LEFT_SINGLE)
+        LD HL,0
+        XOR A
+        LD C,IXL
+        CALL multiply_byte
+        LD C,IXH
+        CALL multiply_byte
+        LD C,IYL
+        CALL multiply_byte
+        RR C                    ; bits below
+        LD B,A
+        POP AF
+        BIT 7,B
+        JR NZ,_high
+        SLA C
+        ADC HL,HL
+        RL B
+        OR A
+        JP Z,set_zero
+        DEC A
+_high:
+        INC A
+        JP Z,error_ov
+        LD D,A
+        LD A,C
+        LD C,B
+        LD B,D
+        JP round_single
+
+; Adds the product of a byte: A:HL = (A:HL + B:DE * C) / 256, what is shifted out in C and carry.
+multiply_byte:
+        INC C
+        DEC C
+        JR Z,_zero
+        CALL _nibble
+_nibble:
+        RR C
+        JR NC,_bit_1
+        ADD HL,DE
+        ADC A,B
+_bit_1:
+        RRA
+        RR H
+        RR L
+        RR C
+        JR NC,_bit_2
+        ADD HL,DE
+        ADC A,B
+_bit_2:
+        RRA
+        RR H
+        RR L
+        RR C
+        JR NC,_bit_3
+        ADD HL,DE
+        ADC A,B
+_bit_3:
+        RRA
+        RR H
+        RR L
+        RR C
+        JR NC,_bit_4
+        ADD HL,DE
+        ADC A,B
+_bit_4:
+        RRA
+        RR H
+        RR L
+        RET
+_zero:
+        LD C,L
+        LD L,H
+        LD H,A
+        XOR A
+        RL C                    ; the caller's RR C brings it back
+        RET
+
+; LEFT / accumulator, singles
+; Uses: all
+single_divide:
+        CALL quotient_exponent
+        LD IYL,A
+        LD A,E
+        OR 80h
+        LD B,A
+        LD A,L
+        OR 80h
+        LD HL,(LEFT_SINGLE)
+        LD DE,(ACCUMULATOR)
+        SBC HL,DE
+        SBC A,B
+        JR NC,_above
+        ADD HL,DE
+        ADC A,B
+        ADD HL,HL
+        ADC A,A                 ; the bit it loses is taken back by the subtraction
+        OR A
+        SBC HL,DE
+        SBC A,B
+        LD C,A
+        LD A,IYL
+        OR A
+        JP Z,set_zero
+        LD A,C
+        JR _divide
+_above:
+        INC IYL
+        JP Z,error_ov
+_divide:
+        LD C,1
+        CALL divide_byte
+        LD IXH,C
+        LD C,1
+        CALL divide_byte
+        LD IXL,C
+        LD C,1
+        CALL divide_byte
+        LD A,C
+        CPL
+        LD L,A
+        LD A,IXL
+        CPL
+        LD H,A
+        LD A,IXH
+        CPL
+        SCF                     ; the first bit of the quotient
+        RRA
+        RR H
+        RR L
+        LD C,A
+        SBC A,A                 ; the last one, below the mantissa
+        LD B,IYL
+        JP round_single
+; Eight bits of a quotient, inverted.
+; In:   A:HL remainder below the divisor B:DE, C 1
+; Out:  C, A:HL
+divide_byte:
+        ADD HL,HL
+        ADC A,A
+        JR C,_one
+        SBC HL,DE
+        SBC A,B
+        JR NC,_store
+        ADD HL,DE
+        ADC A,B
+_store:
+        RL C
+        JR NC,divide_byte
+        RET
+_one:
+        OR A
+        SBC HL,DE
+        SBC A,B
+        OR A
+        RL C
+        JR NC,divide_byte
+        RET
+
+; Exponent and sign of a quotient.
+; Out:  A exponent of a quotient below 1, SIGN, HL and DE the upper words of LEFT and accumulator;
+;       returns to the caller's caller with 0 when it is too small
+quotient_exponent:
+        CALL operand_words
+        JP Z,error_dz
+        LD A,H
+        OR A
+        JR Z,_zero
+        SUB D
+        JR C,_small
+        ADD A,BIAS
+        RET NC
+        JP error_ov
+_small:
+        ADD A,BIAS
+        RET C
+_zero:
+        POP HL
+        JP set_zero
+
+; SQR of the accumulator, one bit of the root after the other. The radicand stands in BC' and A,
+; the remainder in HL:HL', four times the root in DE:DE'.
+; Uses: all
+func_sqr:
+        CALL to_single
+        CALL num_sign
+        RET Z
+        JP M,error_fc
+        LD HL,(ACC_HIGH)
+        LD A,L
+        LD (SIGN),A
+        SET 7,A
+        SRL H                   ; half the exponent, rounded up
+        EXX
+        LD B,A
+        LD HL,(ACCUMULATOR)
+        LD C,H
+        LD D,L
+        EXX
+        LD A,H
+        ADC A,BIAS / 2
+        LD C,A
+        LD B,25
+        LD HL,ACC_EXPONENT
+        BIT 0,(HL)
+        LD HL,0
+        LD D,H
+        LD E,L
+        EXX
+        LD A,D
+        LD HL,0
+        LD D,H
+        LD E,L
+        EXX
+        JR NZ,_one_bit          ; odd exponent: half the radicand
+_two_bits:
+        CALL _next
+_one_bit:
+        CALL _next
+        EXX
+        SCF
+        SBC HL,DE
+        EXX
+        SBC HL,DE
+        EXX
+        JR NC,_one
+        SCF
+        ADC HL,DE
+        EXX
+        ADC HL,DE
+        EXX
+        EX DE,HL
+        ADD HL,HL
+        JR _store
+_one:
+        EX DE,HL
+        ADD HL,HL
+        SET 2,L
+_store:
+        EX DE,HL
+        EXX
+        EX DE,HL
+        ADC HL,HL
+        EX DE,HL
+        DJNZ _two_bits
+        EXX
+        PUSH DE
+        EXX
+        POP HL
+        LD B,5
+_align:
+        ADD HL,HL
+        RL E
+        RL D
+        DJNZ _align
+        LD B,C
+        LD C,D
+        LD A,L
+        LD L,H
+        LD H,E
+        JP round_single
+_next:
+        ADD A,A
+        EXX
+        RL C
+        RL B
+        ADC HL,HL
+        EXX
+        ADC HL,HL
+        RET

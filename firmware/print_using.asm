@@ -1,0 +1,293 @@
+; PRINT USING format; values
+;
+; # a digit, + and - signs, ** and $$ what fills the field and stands before the number, a comma
+; between thousands, ^^^^ an exponent; ! the first character of a text, % blanks % as many of them
+; as the field is long. Other characters are printed. The format starts again when there are more
+; values than fields.
+
+; Flags of format_using
+ARROW           EQU 5Bh         ; the character of ^^^^, the key of the arrow
+USING_ON        EQU 80h
+USING_COMMAS    EQU 6
+USING_ASTERISKS EQU 5
+USING_DOLLAR    EQU 4
+USING_PLUS      EQU 3
+USING_BEHIND    EQU 2
+USING_EXPONENT  EQU 0
+
+; In:   HL at the word USING
+print_using:
+        RST 10h
+        CALL eval
+        CALL check_string
+        RST 08h
+        DEFB ';'
+        PUSH HL
+        LD HL,(ACCUMULATOR)
+        LD (USING_FORMAT),HL
+        LD HL,0
+        LD (USING_PLACE),HL     ; and no fields yet
+        POP HL
+_value:
+        CALL eval
+        PUSH HL
+        CALL print_field
+        POP HL
+        LD A,(HL)
+        CALL end_of_statement
+        JR Z,_end
+        CP ','
+        JR Z,_separator
+        CP ';'
+        JP NZ,error_sn
+_separator:
+        RST 10h
+        JR NZ,_value
+        CALL _close
+        JP print_end
+_end:
+        CALL _close
+        JP print_last_row
+; Prints what stands before the next field, and gives up the format.
+_close:
+        PUSH HL
+        CALL find_field
+        LD HL,(USING_FORMAT)
+        CALL release
+        POP HL
+        RET
+
+; Prints the value in the accumulator by the next field.
+; Uses: all
+print_field:
+        CALL find_field
+        JR Z,_field
+        LD HL,USING_FIELDS
+        LD A,(HL)
+        OR A
+        JP Z,error_fc           ; a format without fields
+        DEC HL
+        LD (HL),0
+        CALL find_field
+        JP NZ,error_fc
+_field:
+        LD A,1
+        LD (USING_FIELDS),A
+        LD A,(HL)
+        LD E,A
+        CP '!'
+        LD A,1
+        JR Z,_text
+        LD A,E
+        CP '%'
+        JR NZ,_number
+        LD C,1
+_blank:
+        INC C
+        CALL using_step
+        CP '%'
+        JR NZ,_blank
+        LD A,C
+_text:
+        PUSH AF
+        CALL using_step
+        CALL keep_place
+        POP BC                  ; B length of the field
+        CALL take_string
+        LD C,A
+_character:
+        LD A,C
+        OR A
+        LD A,' '
+        JR Z,_put
+        LD A,(DE)
+        INC DE
+        DEC C
+_put:
+        CALL put_character
+        DJNZ _character
+        RET
+_number:
+        CALL check_number
+        LD C,0                  ; places behind the point and one
+        LD DE,256 * USING_ON    ; D flags, E places before it
+        CALL using_peek
+        CP '+'
+        JR NZ,_asterisks
+        SET USING_PLUS,D
+        CALL using_step
+_asterisks:
+        CP '*'
+        JR NZ,_dollars
+        SET USING_ASTERISKS,D
+        LD E,2
+        CALL using_step
+        CALL using_step
+        CP '$'
+        JR NZ,_digits
+        JR _dollar
+_dollars:
+        CP '$'
+        JR NZ,_digits
+        INC E
+        CALL using_step
+_dollar:
+        SET USING_DOLLAR,D
+_digit:
+        CALL using_step
+_digits:
+        CP ','
+        JR Z,_comma
+        CP '#'
+        JR NZ,_point
+        INC E
+        JR _digit
+_comma:
+        SET USING_COMMAS,D
+        INC E
+        JR _digit
+_point:
+        CP '.'
+        JR NZ,_exponent
+_places:
+        INC C
+        CALL using_step
+        CP '#'
+        JR Z,_places
+_exponent:
+        PUSH HL
+        PUSH BC
+        LD C,4
+_arrow:
+        CP ARROW
+        JR NZ,_no_arrow
+        CALL using_step
+        DEC C
+        JR NZ,_arrow
+        SET USING_EXPONENT,D
+        LD A,B
+        POP BC
+        LD B,A
+        INC SP
+        INC SP
+        JR _sign
+_no_arrow:
+        POP BC
+        POP HL
+_sign:
+        BIT USING_PLUS,D
+        JR NZ,_format
+        CALL using_peek
+        CP '-'
+        JR Z,_behind
+        CP '+'
+        JR NZ,_format
+        SET USING_PLUS,D
+_behind:
+        SET USING_BEHIND,D
+        DEC B
+_format:
+        CALL keep_place
+        LD A,D
+        LD B,E
+        CALL format_using
+        JP put_text
+
+; Prints characters of the format up to its next field.
+; Out:  Z if there is one: HL its first character, B characters of the format from there on
+; Uses: AF, C, DE
+find_field:
+        LD HL,(USING_FORMAT)
+        LD DE,(USING_PLACE)     ; E
+        LD D,0
+        LD A,(HL)
+        SUB E
+        LD B,A
+        CALL following_word
+        ADD HL,DE
+_next:
+        CALL using_peek
+        JR Z,_end
+        CALL starts_field
+        RET Z
+        LD A,(HL)
+        CALL put_character
+        INC HL
+        DEC B
+        JR _next
+_end:
+        INC A                   ; NZ
+; In:   B characters left of the format
+; Uses: AF, HL; flags of A kept
+keep_place:
+        PUSH AF
+        LD HL,(USING_FORMAT)
+        LD A,(HL)
+        SUB B
+        LD (USING_PLACE),A
+        POP AF
+        RET
+
+; The next character of the format.
+; Out:  A character, or 0 at the end; HL, B moved on
+using_step:
+        INC HL
+        DEC B
+; The character of the format at HL.
+; Out:  A character, or 0 and Z when none is left
+using_peek:
+        LD A,B
+        OR A
+        RET Z
+        LD A,(HL)
+        OR A
+        RET
+
+; In:   A character of the format at HL, B characters left
+; Out:  Z if a field begins here
+; Uses: AF, DE
+starts_field:
+        CP '!'
+        RET Z
+        CP '#'
+        RET Z
+        LD E,A
+        PUSH HL
+        PUSH BC
+        CALL _look
+        POP BC
+        POP HL
+        RET
+_look:
+        CALL using_step
+        LD D,A                  ; what follows
+        LD A,E
+        CP '%'
+        LD A,D
+        JR Z,_blank
+        CP E
+        JR Z,_twice
+        LD A,E
+        CP '.'
+        JR Z,_digit
+        CP '+'
+        RET NZ
+        LD A,D
+        CP '.'
+        RET Z
+_twice:
+        CP '*'
+        RET Z
+        CP '$'
+        RET Z
+_digit:
+        LD A,D
+        CP '#'
+        RET
+_step:
+        CALL using_step
+_blank:
+        CP ' '
+        JR Z,_step
+        CP '%'
+        RET

@@ -1,0 +1,188 @@
+#include "basic_cases.h"
+
+#include "core/frame_driver.h"
+#include "support/basic_machine.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <random>
+
+namespace {
+
+const std::filesystem::path TABLES = std::filesystem::path(TEST_SOURCE_DIR) / "basic";
+
+std::string join(const std::vector<std::string>& rows) {
+    std::string text;
+    for (const auto& row : rows) text += row + "\n";
+    return text;
+}
+
+/// A ROM to try in place of the built-in one, as assembled.
+std::vector<uint8_t> trial_rom() {
+    const char* path = std::getenv("BASIC_ROM");
+    if (!path) return {};
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+void run_table(BasicMachine& machine, const std::string& table) {
+    const auto cases = read_basic_cases(TABLES / (table + ".txt"));
+    ASSERT_FALSE(cases.empty());
+    for (const BasicCase& basic_case : cases) {
+        const auto rows = run_basic_case(machine, basic_case);
+        EXPECT_EQ(join(rows), join(basic_case.rows)) << table << ".txt, " << basic_case.name();
+        if (rows.size() == 1 && rows[0].starts_with("[")) break;
+    }
+}
+
+// The models differ in their rows, and not in what they calculate.
+TEST(BasicModels, RunTheSameCases) {
+    BasicMachine machine;
+    for (const int slot : {1, 2}) {
+        SCOPED_TRACE(slot);
+        machine.boot(slot, trial_rom());
+        for (const char* table : {"numbers", "control", "strings"}) run_table(machine, table);
+    }
+}
+
+/// Values of expressions as the machine prints them, a row each.
+std::vector<double> calculate(BasicMachine& machine, const std::vector<std::string>& expressions) {
+    BasicCase lines;
+    for (size_t i = 0; i < expressions.size(); ++i)
+        lines.program.push_back(std::to_string(i + 1) + " PRINT " + expressions[i]);
+    lines.commands = {"RUN"};
+    std::vector<double> values;
+    for (std::string row : run_basic_case(machine, lines)) {
+        std::ranges::replace(row, 'D', 'E');
+        values.push_back(std::strtod(row.c_str(), nullptr));
+    }
+    return values;
+}
+
+struct Sum {
+    std::string text;
+    double value, tolerance; ///< the tolerance is relative
+    int digits = 6;          ///< that PRINT shows
+
+    double allowed() const {
+        const double last = std::pow(10, std::floor(std::log10(std::abs(value))) + 1 - digits);
+        return std::abs(value) * tolerance + last * 0.51 + 3e-39;
+    }
+};
+
+/// Sums of random numbers, and functions over the range where programs use them.
+Sum random_sum(std::mt19937& random) {
+    const auto number = [&](int digits, int least, int greatest) {
+        std::string text = std::to_string(1 + random() % 9);
+        while (digits-- > 1) text += char('0' + random() % 10);
+        const int exponent = least + int(random() % unsigned(greatest - least + 1));
+        return text + "E" + std::to_string(exponent);
+    };
+    constexpr double SINGLE = 2e-7, DOUBLE = 4e-16; // what the formats can hold
+    const unsigned kind = random() % 12;
+    if (kind < 8) {
+        const bool is_double = kind >= 4;
+        std::string a = number(is_double ? 15 : 6, -14, is_double ? 0 : 8),
+                    b = number(is_double ? 15 : 6, -14, is_double ? 0 : 8);
+        const double x = std::strtod(a.c_str(), nullptr), y = std::strtod(b.c_str(), nullptr);
+        if (is_double) std::ranges::replace(a, 'E', 'D'), std::ranges::replace(b, 'E', 'D');
+        const char* sign[] = {"+", "-", "*", "/"};
+        const double result[] = {x + y, x - y, x * y, x / y};
+        // A difference loses what its operands do not have.
+        const double lost = kind % 4 == 1 ? (x + y) / std::abs(x - y) : 1;
+        return {a + sign[kind % 4] + b, result[kind % 4], (is_double ? DOUBLE : SINGLE) * lost,
+                is_double ? 16 : 6};
+    }
+    const std::string a = number(5, -6, -3);
+    const double x = std::strtod(a.c_str(), nullptr);
+    switch (kind) {
+    case 8: return {"SQR(" + a + ")", std::sqrt(x), SINGLE};
+    case 9: return {"LOG(" + a + ")", std::log(x), SINGLE + 1e-7 / std::abs(std::log(x))};
+    case 10: return {"EXP(-" + a + ")", std::exp(-x), SINGLE * (1 + x)};
+    default:
+        return {"ATN(" + a + ")+SIN(" + a + ")", std::atan(x) + std::sin(x),
+                SINGLE + 1e-6 * (1 + x) / std::abs(std::atan(x) + std::sin(x))};
+    }
+}
+
+TEST(BasicArithmetic, AgreesWithTheHost) {
+    BasicMachine machine;
+    machine.boot(0, trial_rom());
+    std::mt19937 random(3);
+    for (int round = 0; round < 60; ++round) {
+        std::vector<Sum> sums;
+        std::vector<std::string> texts;
+        while (sums.size() < 15) {
+            sums.push_back(random_sum(random));
+            texts.push_back(sums.back().text);
+        }
+        const auto values = calculate(machine, texts);
+        ASSERT_EQ(values.size(), sums.size()) << join(texts) << join(machine.screen());
+        for (size_t i = 0; i < sums.size(); ++i)
+            EXPECT_NEAR(values[i], sums[i].value, sums[i].allowed()) << sums[i].text;
+    }
+}
+
+class BasicTable : public testing::TestWithParam<std::string> {};
+
+TEST_P(BasicTable, ScreensAreAsExpected) {
+    BasicMachine machine;
+    machine.boot(0, trial_rom());
+    run_table(machine, GetParam());
+}
+
+std::string read(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// Typed in as a double click does it, the programs start and run on.
+TEST(BasicExamples, RunFromTheirText) {
+    for (const char* name : {"graphics", "music", "catch"}) {
+        BasicMachine machine;
+        machine.boot(0, trial_rom());
+        const std::string text =
+            read(std::filesystem::path(EXAMPLES_DIR) / (std::string(name) + ".bas"));
+        ASSERT_TRUE(text.ends_with("\nRUN\n")) << name;
+        machine.type(text, 1500);
+        const std::string screen = join(machine.screen());
+        EXPECT_EQ(screen.find("ERROR"), std::string::npos) << name << "\n" << screen;
+        EXPECT_NE(machine.screen().back(), ">") << name << " does not run";
+    }
+}
+
+// Text of a function key comes in as if it were typed.
+TEST(BasicKeys, FunctionKeysTypeTheirTexts) {
+    BasicMachine machine;
+    machine.boot(0, trial_rom());
+    machine.type("FKEY 2=\"PRINT 6*7+\"\nFKEY 6=\"PRINT 8*8+\"\nCLS\n");
+    const auto press = [&](bool shifted) {
+        machine.platform().set_key(KEY_SHIFT, shifted);
+        machine.platform().set_key(KEY_F2, true);
+        for (int i = 0; i < 5; ++i) machine_run();
+        machine.platform().set_key(KEY_F2, false);
+        machine.platform().set_key(KEY_SHIFT, false);
+        for (int i = 0; i < 10; ++i) machine_run();
+    };
+    press(false);
+    press(true);
+    EXPECT_EQ(join(machine.screen()), "READY\n>PRINT 6*7\n 42\nREADY\n>PRINT 8*8\n 64\nREADY\n>\n");
+}
+
+std::vector<std::string> tables() {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(TABLES))
+        if (entry.path().extension() == ".txt") names.push_back(entry.path().stem());
+    std::ranges::sort(names);
+    return names;
+}
+INSTANTIATE_TEST_SUITE_P(Basic, BasicTable, testing::ValuesIn(tables()),
+                         [](const auto& table) { return table.param; });
+
+} // namespace

@@ -1,0 +1,187 @@
+#include "cgenie/memory.h"
+#include "core/machine.h"
+#include "media/wd1771.h"
+#include "platform/whole_file.h"
+#include "support/basic_machine.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+
+namespace {
+
+constexpr size_t SECTOR = 256, ENTRY = 16;
+constexpr uint8_t CHAIN_END = 0xC0;
+constexpr size_t LARGEST = 1 << 20;
+
+/// The machine with the disk ROM and a disk in drive 0 that was never formatted.
+class DiskMachine {
+public:
+    DiskMachine(int model, size_t disk_tracks, size_t disk_sectors)
+        : tracks(disk_tracks), sectors(disk_sectors), bytes_(tracks * sectors * SECTOR, 0xE5) {
+        machine_cfg[model].expansion_rom = 0;
+        insert();
+        machine.boot(model);
+    }
+    ~DiskMachine() {
+        diskimg_detach(wd1771_disk(0), false);
+        std::filesystem::remove(PATH);
+    }
+    /// Puts the bytes of the disk into drive 0.
+    void insert() {
+        ASSERT_TRUE(replace_whole_file(PATH, bytes_));
+        ASSERT_EQ(diskimg_attach(wd1771_disk(0), PATH), 1);
+    }
+    /// The rows that the text leaves on an empty screen.
+    std::vector<std::string> rows(const std::string& text) {
+        EXPECT_TRUE(machine.type("CLS\n" + text)) << text;
+        return machine.screen();
+    }
+    /// The row before the last prompt.
+    std::string answer(const std::string& text) {
+        const auto all = rows(text);
+        for (size_t i = all.size(); i-- > 1;) {
+            if (all[i] == "READY") return all[i - 1];
+        }
+        return {};
+    }
+    const uint8_t* sector(size_t track, size_t number) const {
+        return wd1771_disk(0).image.data() + (track * sectors + number) * SECTOR;
+    }
+    /// The entry of the file, nullptr when there is none.
+    const uint8_t* entry(const std::string& name) const {
+        for (size_t i = 0; i < (sectors - 1) * SECTOR; i += ENTRY) {
+            const uint8_t* const found = sector(tracks / 2, 1) + i;
+            if (*found == 0) break;
+            if (std::equal(name.begin(), name.end(), found)) return found;
+        }
+        return nullptr;
+    }
+    /// What the file holds, read along its chain of blocks.
+    std::string contents(const std::string& name) const {
+        std::string all;
+        const uint8_t* const file = entry(name);
+        if (!file) return "no file";
+        for (unsigned block = file[12]; block < CHAIN_END && all.size() < LARGEST;) {
+            const unsigned next = sector(tracks / 2, 0)[block];
+            const size_t used = next < CHAIN_END ? sectors / 2 : next - CHAIN_END;
+            const uint8_t* const first = sector(block / 2, block % 2 * (sectors / 2));
+            all.append(reinterpret_cast<const char*>(first), used * SECTOR);
+            if (next >= CHAIN_END && file[13]) all.resize(all.size() - SECTOR + file[13]);
+            block = next;
+        }
+        return all;
+    }
+    size_t free_blocks() const {
+        return size_t(std::count(sector(tracks / 2, 0), sector(tracks / 2, 0) + 2 * tracks, 0xFF));
+    }
+
+    BasicMachine machine;
+    const size_t tracks, sectors;
+
+private:
+    const std::string PATH = std::string(TEST_BINARY_DIR) + "/disk_test.dsk";
+    std::vector<uint8_t> bytes_;
+};
+
+TEST(Disk, FormatsAndKeepsPrograms) {
+    const struct {
+        int model;
+        size_t tracks, sectors;
+    } cases[] = {{0, 35, 10}, {1, 40, 18}, {2, 80, 10}};
+    for (const auto& [model, tracks, sectors] : cases) {
+        SCOPED_TRACE(tracks);
+        DiskMachine disk(model, tracks, sectors);
+        EXPECT_EQ(disk.answer("DIR\n"), "?DISK NOT FORMATTED");
+        disk.rows("FORMAT :0\nN");
+        EXPECT_EQ(*disk.sector(0, 0), 0xE5) << "asked, and not answered with Y";
+        disk.rows("FORMAT\nY");
+        const std::vector<uint8_t> boot = {
+            0,   0xFE, uint8_t(tracks / 2), uint8_t(tracks), uint8_t(sectors), 'T', 'D', 'O',
+            'S', '1'};
+        EXPECT_TRUE(std::ranges::equal(boot, std::span(disk.sector(0, 0), boot.size())));
+        EXPECT_EQ(disk.free_blocks(), 2 * tracks - 3);
+        disk.rows("10 PRINT\nSAVE\"ONE/BAS\"\n");
+        // A line at 5801: link, number 10, token, 0; then the link that ends the program.
+        EXPECT_EQ(disk.contents("ONE     BAS"), std::string("\x07\x58\x0A\x00\xB2\x00\x00\x00", 8));
+        EXPECT_EQ(disk.entry("ONE     BAS")[11], 0);
+        EXPECT_EQ(disk.free_blocks(), 2 * tracks - 4);
+        EXPECT_EQ(disk.answer("NEW\n20 PRINT 7\nMERGE\"ONE/BAS\"\nSAVE\"TWO\",A\nRUN\n"), " 7");
+        EXPECT_EQ(disk.contents("TWO     "), "10 PRINT\r20 PRINT 7\r");
+        EXPECT_EQ(disk.answer("NEW\nNAME\"TWO\"TO\"THREE\"\nRUN\"THREE\"\n"), " 7");
+        EXPECT_EQ(disk.answer("30 PRINT 8\nSAVE\"ONE/BAS\"\nNEW\nRUN\"ONE/BAS\"\n"), " 8");
+        disk.rows("KILL\"ONE/BAS\"\nKILL\"THREE\"\n");
+        EXPECT_EQ(disk.free_blocks(), 2 * tracks - 3);
+    }
+}
+
+TEST(Disk, ReadsAndWritesFilesOfData) {
+    DiskMachine disk(0, 35, 10);
+    disk.rows("FORMAT\nY");
+    std::string written;
+    for (int i = 1; i <= 150; ++i) written += " " + std::to_string(i) + " X,Y\r";
+    disk.rows("10 OPEN\"O\",1,\"DATA\":OPEN\"O\",2,\"Q\":FOR I=1 TO 150\n"
+              "20 PRINT#1,I;\"X,Y\":PRINT#2,CHR$(34);I;\"A,B\";CHR$(34):NEXT:CLOSE\nRUN\n");
+    EXPECT_EQ(disk.contents("DATA    "), written);
+    EXPECT_EQ(disk.answer("10 OPEN\"I\",3,\"DATA\":FOR I=1 TO 150:INPUT#3,A,B$,C$\n"
+                          "20 IF A<>I OR B$+C$<>\"XY\" THEN PRINT\"BAD\";I;A;B$;C$\n"
+                          "30 NEXT:PRINT EOF(3);LOC(3);LOF(3):CLOSE\n"
+                          "40 OPEN\"I\",1,\"Q\":FOR I=1 TO 150:INPUT#1,Q$:NEXT:PRINTQ$\nRUN\n"),
+              " 150 A,B");
+    const auto rows = disk.rows("RUN\n");
+    ASSERT_GT(rows.size(), 3U);
+    EXPECT_EQ(rows[rows.size() - 4], "-1  5  5");
+    disk.rows("NEW\nOPEN\"E\",2,\"DATA\":PRINT#2,\"LAST, LINE\":CLOSE2\n");
+    EXPECT_EQ(disk.contents("DATA    "), written + "LAST, LINE\r");
+    EXPECT_EQ(disk.answer("10 OPEN\"I\",1,\"DATA\"\n20 IF NOT EOF(1) THEN LINE INPUT#1,L$:GOTO 20\n"
+                          "30 PRINT L$:INPUT#1,L$\nRUN\n"),
+              "?END OF FILE IN 30");
+}
+
+TEST(Disk, TellsItsErrorsInWords) {
+    DiskMachine disk(0, 35, 10);
+    disk.rows("FORMAT\nY10 REM\nSAVE\"P\"\nOPEN\"O\",1,\"D\":CLOSE\n");
+    const struct {
+        const char *typed, *answer;
+    } cases[] = {
+        {"LOAD\"NONE\"\n", "?NOT FOUND"},
+        {"OPEN\"O\",1,\"P\"\n", "?FILE EXISTS"},
+        {"SAVE\"D\"\n", "?FILE EXISTS"},
+        {"NAME\"D\" AS \"P\"\n", "?FILE EXISTS"},
+        {"DIR 3\n", "?NO DISK"},
+        {"LOAD\"TOOLONGNAME\"\n", "?BAD FILE NAME"},
+        {"OPEN\"I\",4,\"D\"\n", "?BAD FILE NUMBER"},
+        {"PRINT#2,1\n", "?FILE NOT OPEN"},
+        {"OPEN\"O\",1,\"D\":KILL\"D\"\n", "?FILE OPEN"},
+        {"CLOSE:OPEN\"I\",1,\"D\":PRINT#1,1\n", "?BAD FILE MODE"},
+        {"CLOSE:OPEN\"O\",1,\"D\":PRINT#1,1/0\n", "?/0 ERROR"},
+        {"CLOSE:NEW\n10 ON ERROR GOTO 20:KILL\"NONE\"\n20 PRINT ERR;ERL:END\nRUN\n", " 58  10"},
+        {"NEW\n10 CLEAR 999:OPEN\"O\",1,\"D\"\n20 PRINT#1,STRING$(255,65):GOTO 20\nRUN\n",
+         "?DISK FULL IN 20"},
+        {"SAVE\"MORE\"\n", "?DISK FULL"},
+        {"KILL\"D\":PRINT\"GONE\"\n", "GONE"},
+        {"DIR=3:PRINT DIR\n", " 3"},
+    };
+    for (const auto& [typed, answer] : cases) EXPECT_EQ(disk.answer(typed), answer) << typed;
+    EXPECT_EQ(disk.free_blocks(), 66U);
+    wd1771_disk(0).write_protected = true;
+    for (const char* typed : {"SAVE\"P\"\n", "KILL\"P\"\n", "FORMAT\nY"})
+        EXPECT_EQ(disk.answer(typed), "?WRITE PROTECTED") << typed;
+}
+
+TEST(Disk, StartsABootableDisk) {
+    DiskMachine disk(0, 40, 10);
+    disk.rows("FORMAT\nY");
+    uint8_t* const boot = wd1771_disk(0).image.data();
+    const uint8_t code[] = {0x3E, 0x2A, 0x32, 0x01, 0x44, 0xC9}; // LD A,2A / LD (4401),A / RET
+    std::ranges::copy(code, boot + 0x10);
+    disk.machine.boot(0);
+    EXPECT_NE(memory[0x5710], 0x3E);
+    boot[0] = 1;
+    disk.machine.boot(0);
+    EXPECT_TRUE(std::ranges::equal(code, std::span(memory + 0x5710, std::size(code))));
+    EXPECT_EQ(memory[0x4401], 0x2A);
+}
+
+} // namespace

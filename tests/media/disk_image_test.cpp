@@ -1,0 +1,247 @@
+#include "media/disk_image.h"
+#include "media/wd1771.h"
+
+#include "platform/headless/headless.h"
+#include "platform/whole_file.h"
+#include "support/fake_host.h"
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using Bytes = std::vector<uint8_t>;
+
+class DiskImage : public testing::Test {
+protected:
+    DiskImage() : folder_(fs::path(testing::TempDir()) / ("disk-" + std::to_string(getpid()))) {
+        fs::create_directories(folder_);
+        options_.data_directory = (folder_ / "data").string();
+        host_ = std::make_unique<HeadlessPlatform>(options_);
+        install_platform(*host_);
+        testing::internal::CaptureStderr();
+    }
+    ~DiskImage() override {
+        testing::internal::GetCapturedStderr();
+        fs::remove_all(folder_);
+    }
+    std::string write(const Bytes& bytes, const char* name = "a.dsk") {
+        const fs::path path = folder_ / name;
+        std::ofstream file(path, std::ios::binary);
+        file.write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
+        return path.string();
+    }
+    static Bytes read(const fs::path& path) {
+        std::ifstream file(path, std::ios::binary);
+        return {std::istreambuf_iterator<char>(file), {}};
+    }
+
+    fs::path folder_;
+    HeadlessOptions options_;
+    std::unique_ptr<HeadlessPlatform> host_;
+    std::array<uint8_t, LARGEST_SECTOR> sector_ = {};
+};
+
+/// A plain image whose sectors begin with their number, low byte first; the directory is on 20.
+Bytes plain(size_t size) {
+    Bytes bytes(size, 0);
+    for (size_t n = 0; n * 256 + 1 < size; ++n) {
+        bytes[n * 256] = uint8_t(n);
+        bytes[n * 256 + 1] = uint8_t(n >> 8);
+    }
+    bytes[2] = 20;
+    return bytes;
+}
+
+/// An image with sector headers; data of entry n begin with n. Tracks stand in falling order.
+Bytes with_headers(size_t size, unsigned tracks) {
+    Bytes bytes(size, 0xFF);
+    for (unsigned n = 0; n < tracks * 10; ++n) {
+        bytes[n * 3] = uint8_t(tracks - 1 - n / 10);
+        bytes[n * 3 + 1] = uint8_t(n % 10);
+        if (8704 + n * 256 + 3 > size) break;
+        bytes[8704 + n * 256] = uint8_t(n);
+        bytes[8704 + n * 256 + 2] = 17;
+    }
+    return bytes;
+}
+
+Bytes with_geometry(uint32_t tracks, uint32_t sides, uint32_t sectors, uint32_t bytes_each) {
+    Bytes bytes = plain(194640);
+    const uint32_t values[] = {tracks, sides, sectors, bytes_each};
+    for (unsigned n = 0; n < 16; ++n) bytes[n] = uint8_t(values[n / 4] >> (n % 4 * 8));
+    return bytes;
+}
+
+TEST_F(DiskImage, GeometryFollowsFromSizeAndHeader) {
+    const struct {
+        const char* name;
+        Bytes bytes;
+        unsigned side_value, tracks, sectors, bytes_each, directory;
+        bool accepted = true;
+    } cases[] = {
+        {"35 tracks", plain(89600), 1, 35, 10, 256, 20},
+        {"18 tracks", plain(46080), 1, 18, 10, 256, 20},
+        {"40 tracks", plain(102400), 1, 40, 10, 256, 20},
+        {"68 tracks", plain(174080), 1, 68, 10, 256, 20},
+        {"80 tracks", plain(204800), 1, 80, 10, 256, 20},
+        {"80 tracks, cut", plain(200448), 1, 80, 10, 256, 20},
+        {"headers, 35", with_headers(98304, 35), 1, 35, 10, 256, 17},
+        {"headers, 40", with_headers(111104, 40), 1, 40, 10, 256, 17},
+        {"headers, 80", with_headers(213504, 80), 1, 80, 10, 256, 17},
+        {"headers, no boot sector", Bytes(98304, 0xFF), 0, 0, 0, 0, 0, false},
+        {"own header", with_geometry(76, 2, 10, 128), 1, 76, 10, 128, 21},
+        {"own header, one side", with_geometry(40, 1, 9, 512), 0, 40, 9, 512, 21},
+        {"three sides", with_geometry(40, 3, 10, 256), 0, 0, 0, 0, 0, false},
+        {"no side", with_geometry(40, 0, 10, 256), 0, 0, 0, 0, 0, false},
+        {"83 tracks", with_geometry(83, 1, 10, 256), 0, 0, 0, 0, 0, false},
+        {"odd sectors", with_geometry(40, 1, 10, 1024), 0, 0, 0, 0, 0, false},
+        {"20 tracks of 18", plain(92160), 1, 20, 18, 256, 21},
+        {"two sides", plain(409600), 2, 80, 10, 256, 21},
+        {"361 sectors", plain(92416), 0, 0, 0, 0, 0, false},
+        {"no whole sectors", plain(92200), 0, 0, 0, 0, 0, false},
+        {"nothing", {}, 0, 0, 0, 0, 0, false},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        disk_image disk;
+        ASSERT_EQ(diskimg_attach(disk, write(c.bytes)), c.accepted ? 1 : 0);
+        ASSERT_EQ(diskimg_inserted(disk), c.accepted);
+        if (!c.accepted) continue;
+        EXPECT_EQ(disk.side_value, c.side_value);
+        EXPECT_EQ(disk.tracks, c.tracks);
+        EXPECT_EQ(disk.sectors, c.sectors);
+        EXPECT_EQ(disk.bytes_per_sector, c.bytes_each);
+        EXPECT_EQ(disk.directory_track, c.directory);
+        EXPECT_EQ(disk_img_read_sector(disk, 0, 0, c.sectors, sector_.data()), 0);
+    }
+    for (const char* name : {"", "gone.dsk", "."}) {
+        disk_image disk;
+        EXPECT_EQ(diskimg_attach(disk, name), 0) << name;
+    }
+}
+
+TEST_F(DiskImage, SectorsAreWhereTheLayoutPutsThem) {
+    disk_image disk;
+    ASSERT_EQ(diskimg_attach(disk, write(plain(102400))), 1);
+    ASSERT_EQ(disk_img_read_sector(disk, 0, 39, 9, sector_.data()), 1);
+    EXPECT_EQ(sector_[0] | sector_[1] << 8, 399);
+    EXPECT_EQ(disk_img_read_sector(disk, 0, 40, 0, sector_.data()), 0) << "behind the end";
+    EXPECT_EQ(disk_img_read_sector(disk, 0, 0xFFFFFFFF, 9, sector_.data()), 0);
+
+    ASSERT_EQ(diskimg_attach(disk, write(plain(92160))), 1);
+    ASSERT_EQ(disk_img_read_sector(disk, 0, 1, 17, sector_.data()), 1);
+    EXPECT_EQ(sector_[0], 35);
+
+    Bytes bytes = with_headers(98304, 35);
+    bytes[5 * 3] = 33; // entry 5 was sector 5 of track 34; now there are two of 33, 5
+    ASSERT_EQ(diskimg_attach(disk, write(bytes)), 1);
+    ASSERT_EQ(disk_img_read_sector(disk, 0, 33, 5, sector_.data()), 1);
+    EXPECT_EQ(sector_[0], 5) << "the first of two";
+    EXPECT_EQ(disk_img_read_sector(disk, 0, 34, 5, sector_.data()), 0) << "missing";
+
+    ASSERT_EQ(diskimg_attach(disk, write(with_geometry(40, 1, 10, 512))), 1);
+    ASSERT_EQ(disk_img_read_sector(disk, 0, 0, 1, sector_.data()), 1);
+    EXPECT_EQ(sector_[256 - 80], 3) << "512 bytes behind the 80 of the header";
+}
+
+TEST_F(DiskImage, ChangesGoBackToTheFileAtOneStroke) {
+    const Bytes before = plain(102400);
+    const std::string path = write(before);
+    fs::permissions(path, fs::perms(0640));
+    fs::create_symlink(path, folder_ / "link.dsk");
+    disk_image disk;
+    for (const bool save : {false, true}) {
+        ASSERT_EQ(diskimg_attach(disk, (folder_ / "link.dsk").string()), 1);
+        EXPECT_FALSE(disk.modified);
+        sector_.fill(0xAB);
+        ASSERT_EQ(disk_img_write_sector(disk, 0, 39, 9, sector_.data()), 1);
+        EXPECT_TRUE(disk.modified);
+        EXPECT_EQ(diskimg_detach(disk, save), 1);
+        EXPECT_FALSE(diskimg_inserted(disk));
+        Bytes expected = before;
+        if (save) std::fill(expected.end() - 256, expected.end(), 0xAB);
+        EXPECT_EQ(read(path), expected);
+    }
+    EXPECT_TRUE(fs::is_symlink(folder_ / "link.dsk"));
+    EXPECT_EQ(fs::status(path).permissions(), fs::perms(0640));
+    disk.write_protected = true;
+    ASSERT_EQ(diskimg_attach(disk, path), 1);
+    disk.write_protected = true;
+    ASSERT_EQ(disk_img_write_sector(disk, 0, 0, 0, sector_.data()), 1);
+    EXPECT_FALSE(disk.modified) << "protected";
+}
+
+TEST_F(DiskImage, ADiskThatCannotBeWrittenIsRescued) {
+    fs::create_directories(folder_ / "sub");
+    const std::string path = write(plain(102400), "sub/game.dsk");
+    for (const char* rescue : {"game.dsk", "game-1.dsk"}) {
+        disk_image disk;
+        fs::create_directories(folder_ / "sub");
+        write(plain(102400), "sub/game.dsk");
+        ASSERT_EQ(diskimg_attach(disk, path), 1);
+        disk_img_write_sector(disk, 0, 1, 1, sector_.data());
+        const Bytes expected = disk.image;
+        fs::remove_all(folder_ / "sub"); // vanishes while it is in the drive
+        EXPECT_EQ(diskimg_detach(disk, true), 0);
+        EXPECT_FALSE(diskimg_inserted(disk));
+        const fs::path file = folder_ / "data" / "rescue" / rescue;
+        EXPECT_NE(fake_host.status[3].find(file.string()), std::string::npos)
+            << fake_host.status[3];
+        EXPECT_EQ(read(file), expected);
+    }
+}
+
+TEST_F(DiskImage, NoHeaderLeadsOutsideTheImage) {
+    for (const Bytes& good : {with_geometry(40, 2, 10, 256), with_headers(98304, 35)}) {
+        const size_t last = good.size() == 98304 ? 60 : 16;
+        for (size_t at = 0; at < last; ++at) {
+            for (unsigned bit = 0; bit < 8; ++bit) {
+                Bytes bytes = good;
+                bytes[at] ^= uint8_t(1u << bit);
+                disk_image disk;
+                disk.image = bytes;
+                disk.size = uint32_t(bytes.size());
+                if (!diskimg_analyze(disk)) continue;
+                for (const uint32_t track : {0u, 34u, 79u, 255u})
+                    for (const uint32_t number : {0u, 9u, disk.sectors - 1, 255u}) {
+                        disk_img_read_sector(disk, 0, track, number, sector_.data());
+                        disk_img_write_sector(disk, 1, track, number, sector_.data());
+                    }
+            }
+        }
+    }
+}
+
+TEST_F(DiskImage, KilledWhileWritingLeavesTheOldOrTheNew) {
+    const Bytes before(204800, 0x11), after(204800, 0x22);
+    const std::string path = write(before);
+    int olds = 0;
+    for (int n = 0; n < 200; ++n) {
+        ASSERT_TRUE(n % 2 || replace_whole_file(path, before));
+        const pid_t child = fork();
+        if (child == 0) {
+            replace_whole_file(path, after);
+            _exit(0);
+        }
+        usleep(useconds_t(n % 50 * 40)); // a whole write takes about a millisecond
+        kill(child, SIGKILL);
+        waitpid(child, nullptr, 0);
+        const Bytes now = read(path);
+        ASSERT_TRUE(now == before || now == after) << n << ", " << now.size() << " bytes";
+        olds += now == before;
+    }
+    EXPECT_GT(olds, 4) << "killed too late to tell anything";
+    EXPECT_LT(olds, 196) << "killed too early to tell anything";
+}
+
+} // namespace

@@ -1,0 +1,187 @@
+#include "tools/basic_tokens.h"
+
+#include "cgenie/memory.h"
+#include "support/basic_machine.h"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <random>
+
+namespace {
+
+constexpr unsigned PROGRAM_START = 0x5801, PROGRAM_END = 0x40F9;
+
+/// Lines that a tokenizer may get wrong: every word, words within words, and what is no word.
+constexpr char LISTING[] =
+    R"(10 endforresetsetclscmdrandomnext
+20 inputdimreadletgotorunif
+30 restoregosubreturnstopelsetrontroff
+40 defstrdefintdefsngdefdbllineediterrorresume
+50 outonopenfieldgetputcloseload
+60 mergenamekilllsetrsetsavesystemlprint
+70 defpokeprintcontlistllistdeleteauto
+80 clearcloadcsavenewtab(tofnusing
+90 varptrusrerlerrstring$instrpointtime$
+100 meminkey$thennotstep+-*/^andor>=<sgn
+110 intabsfreinppossqrrndlogexpcossintanatnpeek
+120 cvicvscvdeofloclofmki$mks$mkd$cintcsngcdblfix
+130 lenstr$valascchr$left$right$mid$
+140 colourfcolourkeypadjoyplotfgrlgrfclsplaycircle
+150 scaleshapenshapexshapepaintcpointnplotsound
+160 charrenumswapfkeycallverifybgrdnbgrd
+170 fcolou 1:fcolo:FCOLOUR3:FCOLOURR
+180 data a, "b:c" ,Print:print:data"x:y
+190 rem Keep this PRINT "and that
+200 print"small Letters":a$="unclosed to the end PRINT
+210 'a remark' PRINT
+220 x=1'behind a statement:PRINT
+230 ?a;?"?";b
+240 torscoreforage:ifxorythenz=notw
+250 goto100:go to 100:gosub:on a goto1,2
+260 &hfade:&hg:&h12+&:&habsint(5)
+270 a=b<>c:a<=b=>c><d:a^b**
+280    leading blanks:::
+290if a then100else200:else'x
+300 inkey:string:left(a$,1):tab 5:time
+310 lowercase abc{|}~@#%!.,;_[\]
+320 fo r:pr int:e nd
+330 "":"a""b":data:rem
+)";
+
+std::vector<uint8_t> trial_rom() {
+    const char* path = std::getenv("BASIC_ROM");
+    if (!path) return {};
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+unsigned word_at(unsigned address) { return memory[address] + 256u * memory[address + 1]; }
+
+std::string hexadecimal(const uint8_t* bytes, size_t count) {
+    std::string text;
+    char digits[4];
+    for (size_t i = 0; i < count; ++i) {
+        std::snprintf(digits, sizeof digits, "%02X ", bytes[i]);
+        text += digits;
+        if (bytes[i] == 0) text += '\n';
+    }
+    return text;
+}
+
+TEST(BasicTokensTest, AreWhatTheMachineMakesOfTypedLines) {
+    BasicMachine machine;
+    machine.boot(0, trial_rom());
+    machine.type(std::string("NEW\n") + LISTING);
+    BasicProblem problem;
+    const auto file = basic_encode(LISTING, problem);
+    ASSERT_TRUE(file) << problem.line << problem.text;
+    const std::string expected =
+        hexadecimal(memory + PROGRAM_START, word_at(PROGRAM_END) - PROGRAM_START);
+    EXPECT_EQ(hexadecimal(file->data() + 1, file->size() - 1), expected);
+}
+
+TEST(BasicTokensTest, LinesAreKeptInOrderAndReplaced) {
+    BasicProblem problem;
+    const auto file = basic_encode("20 B\r\n10 A\n\n30 X\n20 C\r30\n RUN \n\n", problem);
+    ASSERT_TRUE(file);
+    const BasicBytes expected{0xFF, 0x07, 0x58, 10, 0, 'A', 0, 0x0D, 0x58, 20, 0, 'C', 0, 0, 0};
+    EXPECT_EQ(*file, expected);
+    EXPECT_EQ(basic_decode(*file, problem), "10 A\n20 C\n");
+}
+
+/// Whatever stands in the lines, the text of a program gives the program again.
+TEST(BasicTokensTest, AnyProgramComesBackFromItsText) {
+    std::mt19937 random(1);
+    constexpr std::array<uint8_t, 24> TRICKY{'A',  'B',  'N',  'D',  'T',  'O',  'R',  ' ',
+                                             '"',  ':',  '1',  '&',  'H',  '\'', '?',  '\\',
+                                             0x5B, 0x5E, 0x95, 0x93, 0xFB, 0x88, 0xFF, 0x81};
+    for (unsigned round = 0; round < 400; ++round) {
+        BasicBytes file{0xFF};
+        for (unsigned number = 0; number < 5; ++number) {
+            BasicBytes text(1 + random() % 20);
+            for (uint8_t& byte : text)
+                byte =
+                    random() % 3 ? TRICKY[random() % TRICKY.size()] : uint8_t(1 + random() % 255);
+            const size_t next = 0x5800 + file.size() + 4 + text.size() + 1;
+            file.insert(file.end(), {uint8_t(next), uint8_t(next >> 8), uint8_t(number), 2});
+            file.insert(file.end(), text.begin(), text.end());
+            file.push_back(0);
+        }
+        file.insert(file.end(), {0, 0});
+        BasicProblem problem;
+        const auto text = basic_decode(file, problem);
+        ASSERT_TRUE(text) << problem.text;
+        EXPECT_EQ(basic_encode(*text, problem), file) << *text;
+    }
+}
+
+TEST(BasicTokensTest, FaultsAreNamed) {
+    BasicProblem problem;
+    const std::string long_line = "1 REM" + std::string(30000, 'X');
+    const struct {
+        std::string text;
+        unsigned line;
+        const char* message;
+    } texts[] = {{"10 A\nPRINT\n", 2, "no line number"},
+                 {"RUN\n10 A\n", 1, "no line number"},
+                 {"10 A\n\n65530 B\n", 3, "line number above 65529"},
+                 {"10 \"\xC3\xA4\"", 1, "byte C3 is not ASCII text, write it as \\xC3"},
+                 {"10 \\x00", 1, "a line cannot hold the byte 00"},
+                 {long_line, 0, "the program is too long for the memory"}};
+    for (const auto& text : texts) {
+        EXPECT_FALSE(basic_encode(text.text, problem)) << text.message;
+        EXPECT_EQ(problem.line, text.line) << text.message;
+        EXPECT_EQ(problem.text, text.message);
+    }
+    const BasicBytes files[] = {
+        {}, {0x00, 0x00}, {0xFF}, {0xFF, 1, 0x58, 10, 0, 'A'}, {0xFF, 1, 0x58, 0xFA, 0xFF, 0}};
+    for (const auto& file : files) EXPECT_FALSE(basic_decode(file, problem)) << file.size();
+    EXPECT_EQ(problem.text, "line number above 65529");
+}
+
+std::string read(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+TEST(BasProgramTest, ConvertsFilesAndKeepsWhatIsThereOnFailure) {
+    const std::filesystem::path folder = std::filesystem::path(TEST_BINARY_DIR) / "bas_files";
+    std::filesystem::remove_all(folder);
+    std::filesystem::create_directory(folder);
+    const auto put = [&](const char* name, const std::string& text) {
+        std::ofstream(folder / name, std::ios::binary) << text;
+    };
+    const auto run = [&](const std::string& arguments) {
+        const std::string line =
+            "cd '" + folder.string() + "' && '" BAS_PROGRAM "' " + arguments + " >out 2>err";
+        const int status = std::system(line.c_str());
+        return status / 256;
+    };
+    put("in.bas", "20 goto10\n10 print\"HI\\x81\"\nRUN\n");
+    put("bad.bas", "10 A\nB\n");
+    EXPECT_EQ(run("encode in.bas tokens"), 0);
+    EXPECT_EQ(run("decode tokens text"), 0);
+    EXPECT_EQ(read(folder / "text"), "10 PRINT\"HI\\x81\"\n20 GOTO10\n");
+    EXPECT_EQ(run("encode - - <text"), 0);
+    EXPECT_EQ(read(folder / "out"), read(folder / "tokens"));
+
+    const std::string kept = read(folder / "tokens");
+    EXPECT_EQ(run("encode bad.bas tokens"), 1);
+    EXPECT_EQ(read(folder / "err"), "tarvelin-bas: bad.bas:2: no line number\n");
+    EXPECT_EQ(read(folder / "tokens"), kept);
+    EXPECT_EQ(run("decode text tokens"), 1);
+    EXPECT_EQ(run("encode missing tokens"), 1);
+    EXPECT_EQ(run("encode in.bas missing/tokens"), 1);
+    EXPECT_EQ(run("encode in.bas"), 2);
+    EXPECT_EQ(run("code in.bas tokens"), 2);
+    EXPECT_EQ(run("--help"), 0);
+    EXPECT_EQ(read(folder / "out").substr(0, 6), "usage:");
+    EXPECT_FALSE(std::filesystem::exists(folder / "tokens.part"));
+}
+
+} // namespace
