@@ -1,10 +1,11 @@
 #!/usr/bin/env bash
 # Checks what an installation brings besides the program: each file by the tool of its kind, and
 # that they agree with each other and with the program.
-# usage: packaging/check.sh PROGRAM TARVELIN-BAS
+# usage: packaging/check.sh PROGRAM TARVELIN-BAS TARVELIN-DISK
 set -euo pipefail
 program=$(realpath "$1")
 bas=$(realpath "$2")
+disk=$(realpath "$3")
 cd "$(dirname "$0")"
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -30,6 +31,7 @@ appstreamcli validate --no-net tarvelin.metainfo.xml || fail "appstreamcli faile
 silent xmllint --noout --nonet tarvelin-mime.xml icons/tarvelin.svg ../docs/manual.html ../docs/firmware.html
 silent groff -ww -man -Tutf8 -z tarvelin.1
 silent groff -ww -man -Tutf8 -z tarvelin-bas.1
+silent groff -ww -man -Tutf8 -z tarvelin-disk.1
 
 # The desktop finds the types by name and content, and the program for each.
 mkdir -p "$work/mime/packages"
@@ -58,7 +60,7 @@ grep -q "<release version=\"$version\"" tarvelin.metainfo.xml || fail "no releas
 [[ $(head -n1 changelog) == "tarvelin ($version) "* ]] || fail "changelog does not begin with $version"
 explained() {
     groff -man -Tascii -P-c -P-b -P-u "$2" >"$work/page"
-    "$1" --help | sed -nE 's/^  (--[a-z-]+|\/[a-z]N?|encode|decode).*/\1/p' >"$work/options"
+    "$1" --help | sed -nE 's/^  (--[a-z-]+|\/[a-z]N?|[a-z]+ ).*/\1/p' >"$work/options"
     [[ -s $work/options ]] || fail "$1 --help lists no options"
     while read -r option; do
         grep -qE -- "^ +$option( |\$)" "$work/page" || fail "$2 does not explain $option"
@@ -66,5 +68,6 @@ explained() {
 }
 explained "$program" tarvelin.1
 explained "$bas" tarvelin-bas.1
+explained "$disk" tarvelin-disk.1
 
 exit $((failures > 0))

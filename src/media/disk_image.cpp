@@ -64,11 +64,6 @@ std::optional<size_t> sector_offset(const disk_image& disk, uint32_t track, uint
     return size_t(offset);
 }
 
-std::optional<size_t> checked_offset(const disk_image& disk, uint32_t track, uint32_t sector) {
-    if (!diskimg_inserted(disk) || sector >= disk.sectors) return {};
-    return sector_offset(disk, track, sector);
-}
-
 int read_cgd_header(disk_image& disk) {
     const uint8_t* const header = disk.image.data();
     const uint32_t sides = little_endian(header + 4);
@@ -81,7 +76,6 @@ int read_cgd_header(disk_image& disk) {
     const uint32_t bytes = disk.bytes_per_sector;
     const bool sectors_fit = bytes == 128 || bytes == 256 || bytes == LARGEST_SECTOR;
     if ((sides == 1 || sides == 2) && disk.tracks <= MOST_TRACKS && sectors_fit) return 1;
-    std::fprintf(stderr, "IMAGE: Error! Unsupported image (%u) bytes.\n", disk.size);
     disk.layout = DISK_REJECTED;
     return 0;
 }
@@ -106,23 +100,9 @@ int apply_known_size(disk_image& disk, const known_size& known) {
     if (disk.size == CUT_SIZE) disk.image.resize(WHOLE_SIZE, UNFORMATTED);
     if (disk.size == CUT_SIZE) disk.size = WHOLE_SIZE;
     const std::optional<size_t> boot_sector = sector_offset(disk, 0, 0);
-    if (!boot_sector) {
-        std::fputs("IMAGE: Error! Could not find boot sector.\n", stderr);
-        return 0;
-    }
+    if (!boot_sector) return 0;
     disk.directory_track = disk.image[*boot_sector + DIRECTORY_POINTER];
     return 1;
-}
-
-int find_geometry(disk_image& disk) {
-    disk.data_offset = 0;
-    disk.bytes_per_sector = SECTOR_SIZE;
-    disk.directory_track = DIRECTORY_TRACK;
-    if (std::ranges::find(CGD_SIZES, disk.size) != std::end(CGD_SIZES)) {
-        return read_cgd_header(disk);
-    }
-    const known_size* known = std::ranges::find(KNOWN_SIZES, disk.size, &known_size::file_size);
-    return known != std::end(KNOWN_SIZES) ? apply_known_size(disk, *known) : guess_from_size(disk);
 }
 
 /// A name in the user's data directory that no file has yet.
@@ -171,7 +151,13 @@ int diskimg_attach(disk_image& disk, const std::string& path) {
 }
 
 int diskimg_analyze(disk_image& disk) {
-    if (!find_geometry(disk)) return 0;
+    if (!diskimg_find_geometry(disk)) {
+        if (disk.layout == DISK_REJECTED)
+            std::fprintf(stderr, "IMAGE: Error! Unsupported image (%u) bytes.\n", disk.size);
+        if (disk.layout == DISK_JV3)
+            std::fputs("IMAGE: Error! Could not find boot sector.\n", stderr);
+        return 0;
+    }
     std::fprintf(stderr,
                  "IMAGE: Size in bytes: %u.\nIMAGE: Tracks per side: %u.\n"
                  "IMAGE: Bytes per sector: %u.\nIMAGE: Sectors per track: %u.\n"
@@ -180,11 +166,28 @@ int diskimg_analyze(disk_image& disk) {
     return 1;
 }
 
+int diskimg_find_geometry(disk_image& disk) {
+    disk.data_offset = 0;
+    disk.bytes_per_sector = SECTOR_SIZE;
+    disk.directory_track = DIRECTORY_TRACK;
+    if (std::ranges::find(CGD_SIZES, disk.size) != std::end(CGD_SIZES)) {
+        return read_cgd_header(disk);
+    }
+    const known_size* known = std::ranges::find(KNOWN_SIZES, disk.size, &known_size::file_size);
+    return known != std::end(KNOWN_SIZES) ? apply_known_size(disk, *known) : guess_from_size(disk);
+}
+
 bool diskimg_inserted(const disk_image& disk) { return !disk.image.empty(); }
+
+std::optional<size_t> diskimg_sector_offset(const disk_image& disk, uint32_t track,
+                                            uint32_t sector) {
+    if (!diskimg_inserted(disk) || sector >= disk.sectors) return {};
+    return sector_offset(disk, track, sector);
+}
 
 int disk_img_read_sector(const disk_image& disk, uint32_t side, uint32_t track, uint32_t sector,
                          uint8_t* buffer) {
-    const std::optional<size_t> offset = checked_offset(disk, track, sector);
+    const std::optional<size_t> offset = diskimg_sector_offset(disk, track, sector);
     if (!offset) return 0;
     std::copy_n(disk.image.data() + *offset, disk.bytes_per_sector, buffer);
     std::fprintf(stderr, "IMAGE. Read(%u,%u,%u) from offset %05zX.\n", side, track, sector,
@@ -194,7 +197,7 @@ int disk_img_read_sector(const disk_image& disk, uint32_t side, uint32_t track, 
 
 int disk_img_write_sector(disk_image& disk, uint32_t /*side*/, uint32_t track, uint32_t sector,
                           const uint8_t* buffer) {
-    const std::optional<size_t> offset = checked_offset(disk, track, sector);
+    const std::optional<size_t> offset = diskimg_sector_offset(disk, track, sector);
     if (!offset) return 0;
     std::copy_n(buffer, disk.bytes_per_sector, disk.image.data() + *offset);
     disk.modified = !disk.write_protected;

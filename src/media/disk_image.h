@@ -6,7 +6,9 @@
 /// with a small geometry header (CGD). Sectors count from 0. The side is not part of an address:
 /// only the first side can be reached.
 
+#include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -33,6 +35,11 @@ constexpr uint32_t LARGEST_SECTOR = 512; ///< bytes
 int diskimg_attach(disk_image& disk, const std::string& path);
 /// Sets the geometry from the size and the contents of `image`. 1 on success.
 int diskimg_analyze(disk_image& disk);
+/// The same without a word about it on the standard error stream.
+int diskimg_find_geometry(disk_image& disk);
+/// Where the sector is in `image`; nothing when there is none.
+std::optional<size_t> diskimg_sector_offset(const disk_image& disk, uint32_t track,
+                                            uint32_t sector);
 bool diskimg_inserted(const disk_image& disk);
 /// Copies a sector of `bytes_per_sector` bytes to `buffer`. 1 on success, 0 when there is none.
 int disk_img_read_sector(const disk_image& disk, uint32_t side, uint32_t track, uint32_t sector,

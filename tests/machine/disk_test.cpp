@@ -3,6 +3,8 @@
 #include "media/wd1771.h"
 #include "platform/whole_file.h"
 #include "support/basic_machine.h"
+#include "tools/basic_tokens.h"
+#include "tools/disk_system.h"
 
 #include <gtest/gtest.h>
 
@@ -19,18 +21,27 @@ constexpr size_t LARGEST = 1 << 20;
 class DiskMachine {
 public:
     DiskMachine(int model, size_t disk_tracks, size_t disk_sectors)
-        : tracks(disk_tracks), sectors(disk_sectors), bytes_(tracks * sectors * SECTOR, 0xE5) {
+        : DiskMachine(model, disk_tracks, disk_sectors,
+                      std::vector<uint8_t>(disk_tracks * disk_sectors * SECTOR, 0xE5)) {}
+    DiskMachine(int model, size_t disk_tracks, size_t disk_sectors,
+                const std::vector<uint8_t>& bytes)
+        : tracks(disk_tracks), sectors(disk_sectors) {
         machine_cfg[model].expansion_rom = 0;
-        insert();
+        insert(bytes);
         machine.boot(model);
     }
     ~DiskMachine() {
         diskimg_detach(wd1771_disk(0), false);
         std::filesystem::remove(PATH);
     }
-    /// Puts the bytes of the disk into drive 0.
-    void insert() {
-        ASSERT_TRUE(replace_whole_file(PATH, bytes_));
+    /// Puts a disk of these bytes into drive 0.
+    void insert(const std::vector<uint8_t>& bytes) {
+        ASSERT_TRUE(replace_whole_file(PATH, bytes));
+        ASSERT_EQ(diskimg_attach(wd1771_disk(0), PATH), 1);
+    }
+    /// Writes the disk to its file and puts that into the drive.
+    void take_out_and_back() {
+        ASSERT_EQ(diskimg_detach(wd1771_disk(0), true), 1);
         ASSERT_EQ(diskimg_attach(wd1771_disk(0), PATH), 1);
     }
     /// The rows that the text leaves on an empty screen.
@@ -71,7 +82,28 @@ public:
             if (next >= CHAIN_END && file[13]) all.resize(all.size() - SECTOR + file[13]);
             block = next;
         }
+        std::string problem;
+        const auto disk = disk_mount(wd1771_disk(0), problem);
+        const auto found = disk ? disk_find(*disk, name.substr(0, name.find(' '))) : std::nullopt;
+        const auto bytes = found ? disk_contents(*disk, *found) : std::nullopt;
+        EXPECT_TRUE(!found || (bytes && std::ranges::equal(*bytes, std::span(all), {}, {},
+                                                           [](char c) { return uint8_t(c); })))
+            << name;
         return all;
+    }
+    /// What the library for the host finds: name, type and length of each file, and every fault.
+    std::string found() const {
+        std::string text;
+        const auto disk = disk_mount(wd1771_disk(0), text);
+        if (!disk) return text;
+        for (const DiskFile& file : disk_files(*disk)) {
+            text += text.empty() ? "" : ", ";
+            text += disk_name_text(file.name) + " " + std::to_string(file.type) + " " +
+                    std::to_string(file.bytes);
+        }
+        for (const DiskFault& fault : disk_check(*disk)) text += "; " + fault.text;
+        EXPECT_EQ(disk_free_blocks(*disk), free_blocks());
+        return text;
     }
     size_t free_blocks() const {
         return size_t(std::count(sector(tracks / 2, 0), sector(tracks / 2, 0) + 2 * tracks, 0xFF));
@@ -82,7 +114,6 @@ public:
 
 private:
     const std::string PATH = std::string(TEST_BINARY_DIR) + "/disk_test.dsk";
-    std::vector<uint8_t> bytes_;
 };
 
 TEST(Disk, FormatsAndKeepsPrograms) {
@@ -102,16 +133,23 @@ TEST(Disk, FormatsAndKeepsPrograms) {
             'S', '1'};
         EXPECT_TRUE(std::ranges::equal(boot, std::span(disk.sector(0, 0), boot.size())));
         EXPECT_EQ(disk.free_blocks(), 2 * tracks - 3);
+        EXPECT_EQ(disk.found(), "");
         disk.rows("10 PRINT\nSAVE\"ONE/BAS\"\n");
+        EXPECT_EQ(disk.found(), "ONE/BAS 0 8");
         // A line at 5801: link, number 10, token, 0; then the link that ends the program.
         EXPECT_EQ(disk.contents("ONE     BAS"), std::string("\x07\x58\x0A\x00\xB2\x00\x00\x00", 8));
         EXPECT_EQ(disk.entry("ONE     BAS")[11], 0);
         EXPECT_EQ(disk.free_blocks(), 2 * tracks - 4);
         EXPECT_EQ(disk.answer("NEW\n20 PRINT 7\nMERGE\"ONE/BAS\"\nSAVE\"TWO\",A\nRUN\n"), " 7");
         EXPECT_EQ(disk.contents("TWO     "), "10 PRINT\r20 PRINT 7\r");
+        EXPECT_EQ(disk.found(), "ONE/BAS 0 8, TWO 2 20");
         EXPECT_EQ(disk.answer("NEW\nNAME\"TWO\"TO\"THREE\"\nRUN\"THREE\"\n"), " 7");
         EXPECT_EQ(disk.answer("30 PRINT 8\nSAVE\"ONE/BAS\"\nNEW\nRUN\"ONE/BAS\"\n"), " 8");
-        disk.rows("KILL\"ONE/BAS\"\nKILL\"THREE\"\n");
+        EXPECT_EQ(disk.found(), "ONE/BAS 0 24, THREE 2 20");
+        disk.rows("KILL\"ONE/BAS\"\n");
+        EXPECT_EQ(disk.found(), "THREE 2 20");
+        disk.rows("KILL\"THREE\"\n");
+        EXPECT_EQ(disk.found(), "");
         EXPECT_EQ(disk.free_blocks(), 2 * tracks - 3);
     }
 }
@@ -124,6 +162,8 @@ TEST(Disk, ReadsAndWritesFilesOfData) {
     disk.rows("10 OPEN\"O\",1,\"DATA\":OPEN\"O\",2,\"Q\":FOR I=1 TO 150\n"
               "20 PRINT#1,I;\"X,Y\":PRINT#2,CHR$(34);I;\"A,B\";CHR$(34):NEXT:CLOSE\nRUN\n");
     EXPECT_EQ(disk.contents("DATA    "), written);
+    const std::string quoted = "Q 2 1542"; // 9, 90 and 51 numbers of 1 to 3 digits, 8 around each
+    EXPECT_EQ(disk.found(), "DATA 2 " + std::to_string(written.size()) + ", " + quoted);
     EXPECT_EQ(disk.answer("10 OPEN\"I\",3,\"DATA\":FOR I=1 TO 150:INPUT#3,A,B$,C$\n"
                           "20 IF A<>I OR B$+C$<>\"XY\" THEN PRINT\"BAD\";I;A;B$;C$\n"
                           "30 NEXT:PRINT EOF(3);LOC(3);LOF(3):CLOSE\n"
@@ -134,6 +174,15 @@ TEST(Disk, ReadsAndWritesFilesOfData) {
     EXPECT_EQ(rows[rows.size() - 4], "-1  5  5");
     disk.rows("NEW\nOPEN\"E\",2,\"DATA\":PRINT#2,\"LAST, LINE\":CLOSE2\n");
     EXPECT_EQ(disk.contents("DATA    "), written + "LAST, LINE\r");
+    EXPECT_EQ(disk.found(), "DATA 2 " + std::to_string(written.size() + 11) + ", " + quoted);
+    std::string whole; // sectors to their last byte, and on from there
+    for (int sectors = 1; sectors <= 11; ++sectors) {
+        whole += std::string(254, '*') + "\r" + "\r";
+        disk.rows("CLOSE:CLEAR 300:OPEN\"E\",1,\"F\":PRINT#1,STRING$(254,42):PRINT#1,:CLOSE\n");
+        EXPECT_EQ(disk.contents("F       "), whole);
+        EXPECT_NE(disk.found().find("F 2 " + std::to_string(sectors * 256)), std::string::npos)
+            << disk.found();
+    }
     EXPECT_EQ(disk.answer("10 OPEN\"I\",1,\"DATA\"\n20 IF NOT EOF(1) THEN LINE INPUT#1,L$:GOTO 20\n"
                           "30 PRINT L$:INPUT#1,L$\nRUN\n"),
               "?END OF FILE IN 30");
@@ -165,9 +214,59 @@ TEST(Disk, TellsItsErrorsInWords) {
     };
     for (const auto& [typed, answer] : cases) EXPECT_EQ(disk.answer(typed), answer) << typed;
     EXPECT_EQ(disk.free_blocks(), 66U);
+    EXPECT_EQ(disk.found(), "P 0 8");
     wd1771_disk(0).write_protected = true;
     for (const char* typed : {"SAVE\"P\"\n", "KILL\"P\"\n", "FORMAT\nY"})
         EXPECT_EQ(disk.answer(typed), "?WRITE PROTECTED") << typed;
+}
+
+/// Images of the host's making, and what FORMAT makes of the same without a directory.
+TEST(Disk, TakesImagesOfTheHost) {
+    const struct {
+        disk_layout layout;
+        unsigned tracks, sectors;
+    } cases[] = {{DISK_PLAIN, 35, 10}, {DISK_PLAIN, 68, 10}, {DISK_PLAIN, 80, 10},
+                 {DISK_PLAIN, 35, 18}, {DISK_PLAIN, 80, 18}, {DISK_JV3, 40, 10},
+                 {DISK_JV3, 80, 10},   {DISK_FIXED, 76, 10}};
+    std::string listing, problem;
+    for (int i = 1; i <= 300; ++i)
+        listing += std::to_string(i) + " A=A+" + std::to_string(i) + "\n";
+    listing += "999 PRINT A\n"; // 300 * 301 / 2
+    BasicProblem basic;
+    DiskBytes program = *basic_encode(listing, basic);
+    program.erase(program.begin());
+    for (const auto& [layout, tracks, sectors] : cases) {
+        SCOPED_TRACE(std::to_string(layout) + ": " + std::to_string(tracks) + " x " +
+                     std::to_string(sectors));
+        auto image = disk_blank(layout, tracks, sectors, problem);
+        ASSERT_TRUE(image) << problem;
+        DiskMachine disk(0, tracks, sectors, image->image);
+        ASSERT_EQ(disk_format(*image, problem), 1) << problem;
+        disk.rows("FORMAT\nY");
+        EXPECT_EQ(wd1771_disk(0).image, image->image);
+
+        auto made = disk_mount(std::move(*image), problem);
+        ASSERT_TRUE(made) << problem;
+        const DiskBytes data = {'4', '2', '\r'};
+        ASSERT_EQ(disk_put(*made, *disk_name("data.txt"), FILE_DATA, data, problem), 1);
+        ASSERT_EQ(disk_put(*made, *disk_name("sum.bas"), FILE_PROGRAM, program, problem), 1);
+        disk.insert(made->image.image);
+        std::string dir;
+        for (const std::string& row : disk.rows("DIR\n")) dir += row + "\n";
+        EXPECT_NE(dir.find("DATA    /TXT T   1  SUM     /BAS B"), std::string::npos) << dir;
+        EXPECT_EQ(disk.answer("LOAD\"SUM/BAS\"\nRUN\n"), " 45150");
+        EXPECT_EQ(disk.answer("1000 OPEN\"I\",1,\"DATA/TXT\":INPUT#1,B:PRINT B\nRUN\n"), " 42");
+        disk.rows("SAVE\"BACK\"\nKILL\"SUM/BAS\"\n");
+        disk.take_out_and_back();
+        EXPECT_EQ(disk.answer("RUN\"BACK\"\n"), " 42");
+        const auto back = disk_mount(wd1771_disk(0), problem);
+        ASSERT_TRUE(back) << problem;
+        EXPECT_TRUE(disk_check(*back).empty());
+        DiskBytes file = disk_contents(*back, *disk_find(*back, "back")).value_or(DiskBytes());
+        file.insert(file.begin(), 0xFF);
+        EXPECT_EQ(basic_decode(file, basic),
+                  listing + "1000 OPEN\"I\",1,\"DATA/TXT\":INPUT#1,B:PRINT B\n");
+    }
 }
 
 TEST(Disk, StartsABootableDisk) {
