@@ -1,6 +1,7 @@
 ; The disk ROM: 8 KB at C000, for four drives behind a WD1771.
 ;
-; BASIC finds "DR" at C000 when the machine is switched on and calls C002. Direct words that are no
+; BASIC finds "DR" at C000 when the machine is switched on. It calls C005 before it asks for the
+; memory size, which it does not do where a disk is to be started, and C002 behind it. Direct words that are no
 ; words of BASIC come by way of hook_line, the others by the disk vectors and the other hooks.
 ;
 ; A disk has T tracks (35, 40 or 80) of S sectors (10 or 18) of 256 bytes, counted from 0. Half a
@@ -27,6 +28,7 @@ fill_to MACRO address
         ORG 0C000h
         DEFM "DR"
         JP disk_start
+        JP disk_probe
         INCLUDE disk_start.asm
         INCLUDE disk_drive.asm
         INCLUDE disk_directory.asm

@@ -29,12 +29,6 @@ disk_start:
         CALL clear_variables    ; also sets the stack
         LD HL,(DISK_WORK)
         PUSH HL
-        LD HL,HEADS
-        LD B,4
-_head:
-        LD (HL),0FFh
-        INC HL
-        DJNZ _head
         LD HL,0
         LD (PRINT_FILE),HL
         XOR A
@@ -58,28 +52,54 @@ _jump:
 _hooked:
         LD HL,disk_sign_on
         CALL print_text
-; Starts the disk in drive 0 if it is one to start from; BREAK prevents it.
-        XOR A
-        LD (DISK_DRIVE),A
-        CALL test_break
-        RET NZ
-        CALL ready_drive
-        RET C
-        LD DE,0
         LD HL,(DISK_AREA)
-        CALL try_read
-        RET C
-        LD HL,(DISK_AREA)
-        CALL known_disk
-        RET NZ
-        LD HL,(DISK_AREA)
-        LD A,(HL)
-        DEC A
+        CALL find_start
         RET NZ
         LD DE,BOOT_ADDRESS
         LD BC,SECTOR_SIZE
         LDIR
         JP BOOT_ADDRESS + BOOT_CODE
+
+; C005: Is there a disk to start from?
+; Out:  Z if so
+disk_probe:
+        LD HL,FIRST_PROGRAM     ; nothing is there yet
+; Reads the boot sector of drive 0; BREAK prevents it.
+; In:   HL where to
+; Out:  HL kept, Z if the disk is one to start from; no drive's head has a known place any more
+; Uses: AF, BC, DE
+find_start:
+        PUSH HL
+        LD HL,HEADS
+        LD B,4
+_head:
+        LD (HL),0FFh
+        INC HL
+        DJNZ _head
+        XOR A
+        LD (DISK_DRIVE),A
+        CALL test_break
+        JR NZ,_end
+        CALL ready_drive
+        JR C,_none
+        POP HL
+        PUSH HL
+        LD DE,0
+        CALL try_read
+        JR C,_none
+        POP HL
+        PUSH HL
+        CALL known_disk
+        JR NZ,_end
+        POP HL
+        LD A,(HL)
+        DEC A
+        RET
+_none:
+        OR 1
+_end:
+        POP HL
+        RET
 
 disk_sign_on:
         DEFM "TARVELIN DISK SYSTEM 1.0"

@@ -44,6 +44,7 @@ fill_to MACRO address
 
         fill_to 01C9h
         JP clear_text_screen
+        INCLUDE disk_search.asm
 
 ; 01ED-0280: cassette. An emulator may put traps at 01EE, 01FB, 0221, 023F and 0264, so nothing
 ; else may live here.

@@ -48,9 +48,7 @@ _size:
         CALL print_line_number
         LD HL,size_text
         CALL print_text
-        LD HL,(DISK_ROM)
-        LD DE,DISK_MARK
-        RST 18h
+        CALL find_disk_rom
         CALL Z,DISK_START
         JP ready
 
@@ -134,29 +132,33 @@ _vector:
 ; Out:  HL its last byte
 ; Uses: AF, BC, DE
 ask_memory_size:
+        CALL find_disk_rom
+        CALL Z,DISK_PROBE
+        JR Z,size_memory        ; a disk starts without a question
+_ask:
         LD HL,memory_text
         CALL print_text
         LD B,SIZE_DIGITS
         CALL read_short
-        JR C,ask_memory_size
+        JR C,_ask
         LD A,B
         CP SIZE_DIGITS
         JR NZ,_short
         LD A,(LINE_BUFFER)
         CP '6'
-        JR NC,ask_memory_size   ; beyond what a line number may be
+        JR NC,_ask   ; beyond what a line number may be
 _short:
         CALL next_line_character
         JR Z,size_memory
-        JR NC,ask_memory_size
+        JR NC,_ask
         CALL line_number
-        JR NZ,ask_memory_size
+        JR NZ,_ask
         LD A,D
         CP HIGH LEAST_MEMORY
-        JR C,ask_memory_size
+        JR C,_ask
         CALL size_memory
         RST 18h
-        JR C,ask_memory_size
+        JR C,_ask
         EX DE,HL
         RET
 

@@ -41,8 +41,9 @@ TEXT_SCREEN     EQU 4400h
 GRAPHICS_SCREEN EQU 4800h
 GRAPHICS_END    EQU 5800h
 FIRST_PROGRAM   EQU 5801h       ; the byte before a program is 0
-DISK_ROM        EQU 0C000h      ; begins with "DR" and its first entry
+DISK_ROM        EQU 0C000h      ; begins with "DR" and its entries
 DISK_START      EQU 0C002h
+DISK_PROBE      EQU 0C005h      ; Z: there is a disk to start from
 COLOUR_RAM      EQU 0F000h
 CHARACTER_RAM   EQU 0F400h
 KEYBOARD        EQU 0F800h      ; the low address byte selects the row

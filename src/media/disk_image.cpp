@@ -59,6 +59,7 @@ std::optional<size_t> sector_offset(const disk_image& disk, uint32_t track, uint
         }
         if (index == JV3_ENTRIES) return {};
     }
+    if (index > disk.image.size()) return {}; // whatever a header says, the product stays small
     const uint64_t offset = disk.data_offset + disk.bytes_per_sector * index;
     if (offset + disk.bytes_per_sector > disk.image.size()) return {};
     return size_t(offset);

@@ -1,6 +1,7 @@
 #include "platform/settings_file.h"
 
 #include "platform/file_handle.h"
+#include "platform/whole_file.h"
 
 #define TOML_EXCEPTIONS 0
 #include <toml++/toml.h>
@@ -13,9 +14,7 @@
 #include <string_view>
 #include <utility>
 
-#include <fcntl.h>
 #include <sys/file.h>
-#include <unistd.h>
 
 namespace {
 
@@ -156,33 +155,14 @@ private:
     FileHandle file_;
 };
 
-/// The new name has to be on disk as well as the contents.
-bool sync_folder(const std::string& path) {
-    const int folder = ::open(folder_of(path).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (folder < 0) return false;
-    const bool done = fsync(folder) == 0;
-    ::close(folder);
-    return done;
-}
-
-bool write_through(const std::string& path, const std::string& text) {
-    const FileHandle file = open_file(path, "we");
-    return file && std::fwrite(text.data(), 1, text.size(), file.get()) == text.size() &&
-           std::fflush(file.get()) == 0 && fsync(fileno(file.get())) == 0;
-}
-
 /// Replaces the file at one stroke. Under the lock.
 bool store(const std::string& path, const toml::table& table) {
     std::ostringstream text;
     text << toml::toml_formatter(table, toml::format_flags::allow_unicode_strings |
                                             toml::format_flags::indentation)
          << '\n';
-    const std::string next = path + ".new";
-    if (write_through(next, text.str()) && std::rename(next.c_str(), path.c_str()) == 0) {
-        return sync_folder(path);
-    }
-    std::remove(next.c_str());
-    return false;
+    const std::string bytes = text.str();
+    return replace_whole_file(path, {reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()});
 }
 
 /// Moves a damaged file out of the way. Returns its new name, or nothing. Under the lock.

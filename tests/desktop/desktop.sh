@@ -58,3 +58,22 @@ wait_for() {
     done
     fail "$1 was not written"
 }
+
+# screen [NAME]: the text in the machine's memory. NAME is what screenshots are called; the setting
+# SaveVideoRamWithScreenShots must be on.
+screen() {
+    local memory=${1:-Tarvelin}.v80
+    rm -f "$memory"
+    xdotool key F6
+    wait_for "$memory"
+    tr '\0' ' ' <"$memory" | fold -w 40
+}
+
+# shows TEXT [NAME]: on the screen within a few seconds?
+shows() {
+    for _ in $(seq 20); do
+        if screen "${2:-Tarvelin}" | grep -qF "$1"; then return; fi
+        sleep 0.2
+    done
+    return 1
+}

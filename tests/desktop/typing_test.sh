@@ -22,22 +22,6 @@ SaveVideoRamWithScreenShots = 1
 Sound = 0
 SETTINGS
 
-screen() {
-    rm -f Tarvelin.v80
-    xdotool key F6
-    wait_for Tarvelin.v80
-    tr '\0' ' ' <Tarvelin.v80 | fold -w 40
-}
-
-# shows TEXT: on the screen within a few seconds?
-shows() {
-    for _ in $(seq 20); do
-        if screen | grep -qF "$1"; then return; fi
-        sleep 0.2
-    done
-    return 1
-}
-
 start_server
 setxkbmap "$layout"
 start_program

@@ -25,7 +25,7 @@ namespace {
 
 /// Runs the program and returns its only screenshot, that after `second` seconds of machine time.
 fs::path take_picture(const std::vector<std::string>& arguments, int second, const Folder& folder) {
-    for (const char* example : {"colours.cmd", "colours.cas", "bounce.cmd"}) {
+    for (const char* example : {"colours.cmd", "colours.cas", "bounce.cmd", "bootdisk.dsk"}) {
         fs::copy_file(fs::path(EXAMPLES_DIR) / example, folder / example);
     }
     std::vector<std::string> words = {"/w", "/s", std::to_string(second), "/t",
@@ -73,6 +73,8 @@ TEST(GoldenPictures, AreReachedPixelByPixel) {
         {"colours-beam", {beam[0], beam[1], "colours.cmd"}},
         {"bounce", {"bounce.cmd"}},
         {"bounce-beam", {beam[0], beam[1], "bounce.cmd"}},
+        {"bootdisk",
+         {"--setting", "ActiveConfig=4", "--setting", "CustomRomExpansion=0", "bootdisk.dsk"}},
         {"sign-on-1", {"/m1"}},
         {"sign-on-2sn", {"/m2"}},
         {"sign-on-2", {"/m3"}},

@@ -14,6 +14,7 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 
 namespace fs = std::filesystem;
 
@@ -82,6 +83,11 @@ Bytes with_geometry(uint32_t tracks, uint32_t sides, uint32_t sectors, uint32_t 
     return bytes;
 }
 
+Bytes shortened(Bytes bytes) {
+    bytes.resize(bytes.size() - 80);
+    return bytes;
+}
+
 TEST_F(DiskImage, GeometryFollowsFromSizeAndHeader) {
     const struct {
         const char* name;
@@ -98,15 +104,23 @@ TEST_F(DiskImage, GeometryFollowsFromSizeAndHeader) {
         {"headers, 35", with_headers(98304, 35), 1, 35, 10, 256, 17},
         {"headers, 40", with_headers(111104, 40), 1, 40, 10, 256, 17},
         {"headers, 80", with_headers(213504, 80), 1, 80, 10, 256, 17},
+        {"headers, large", with_headers(375296, 80), 1, 80, 10, 256, 17},
         {"headers, no boot sector", Bytes(98304, 0xFF), 0, 0, 0, 0, 0, false},
         {"own header", with_geometry(76, 2, 10, 128), 1, 76, 10, 128, 21},
         {"own header, one side", with_geometry(40, 1, 9, 512), 0, 40, 9, 512, 21},
+        {"own header, short", shortened(with_geometry(82, 1, 9, 256)), 0, 82, 9, 256, 21},
         {"three sides", with_geometry(40, 3, 10, 256), 0, 0, 0, 0, 0, false},
         {"no side", with_geometry(40, 0, 10, 256), 0, 0, 0, 0, 0, false},
         {"83 tracks", with_geometry(83, 1, 10, 256), 0, 0, 0, 0, 0, false},
         {"odd sectors", with_geometry(40, 1, 10, 1024), 0, 0, 0, 0, 0, false},
         {"20 tracks of 18", plain(92160), 1, 20, 18, 256, 21},
         {"two sides", plain(409600), 2, 80, 10, 256, 21},
+        {"two sides of 18", plain(737280), 2, 80, 18, 256, 21},
+        {"one track of 10", plain(2560), 1, 1, 10, 256, 21},
+        {"the largest side", plain(368640), 1, 80, 18, 256, 21},
+        {"one byte more", plain(368641), 2, 40, 18, 256, 21},
+        {"two halves of a sector", plain(368896), 0, 0, 0, 0, 0, false},
+        {"a sector", plain(256), 0, 0, 0, 0, 0, false},
         {"361 sectors", plain(92416), 0, 0, 0, 0, 0, false},
         {"no whole sectors", plain(92200), 0, 0, 0, 0, 0, false},
         {"nothing", {}, 0, 0, 0, 0, 0, false},
@@ -141,6 +155,17 @@ TEST_F(DiskImage, SectorsAreWhereTheLayoutPutsThem) {
     ASSERT_EQ(diskimg_attach(disk, write(plain(92160))), 1);
     ASSERT_EQ(disk_img_read_sector(disk, 0, 1, 17, sector_.data()), 1);
     EXPECT_EQ(sector_[0], 35);
+
+    const std::string cut = write(plain(200448), "cut.dsk");
+    ASSERT_EQ(diskimg_attach(disk, cut), 1); // 783 sectors of 800
+    ASSERT_EQ(disk_img_read_sector(disk, 0, 78, 2, sector_.data()), 1);
+    EXPECT_EQ(sector_[0] | sector_[1] << 8, 782);
+    for (const uint32_t track : {78, 79}) {
+        ASSERT_EQ(disk_img_read_sector(disk, 0, track, 9, sector_.data()), 1);
+        EXPECT_EQ(sector_[0], 0xE5) << "as formatting leaves it";
+    }
+    EXPECT_EQ(diskimg_detach(disk, true), 1);
+    EXPECT_EQ(fs::file_size(cut), 204800U);
 
     Bytes bytes = with_headers(98304, 35);
     bytes[5 * 3] = 33; // entry 5 was sector 5 of track 34; now there are two of 33, 5
@@ -201,24 +226,120 @@ TEST_F(DiskImage, ADiskThatCannotBeWrittenIsRescued) {
     }
 }
 
+TEST_F(DiskImage, FilesThatShrinkOrVanishWhileTheyAreAttached) {
+    for (const bool vanishes : {false, true}) {
+        for (const bool save : {false, true}) {
+            SCOPED_TRACE(testing::Message() << vanishes << save);
+            const std::string path = write(plain(102400));
+            disk_image disk;
+            ASSERT_EQ(diskimg_attach(disk, path), 1);
+            ASSERT_EQ(disk_img_write_sector(disk, 0, 39, 9, sector_.data()), 1);
+            const Bytes expected = disk.image;
+            if (vanishes) {
+                fs::remove(path);
+            } else {
+                fs::resize_file(path, 100);
+            }
+            ASSERT_EQ(disk_img_read_sector(disk, 0, 39, 8, sector_.data()), 1);
+            EXPECT_EQ(sector_[0] | sector_[1] << 8, 398) << "the whole file is in memory";
+            sector_ = {};
+            EXPECT_EQ(diskimg_detach(disk, save), 1);
+            EXPECT_EQ(fs::exists(path), save || !vanishes);
+            EXPECT_TRUE(!save || read(path) == expected);
+            EXPECT_TRUE(save || vanishes || fs::file_size(path) == 100);
+        }
+    }
+}
+
+TEST_F(DiskImage, AFileThatMayOnlyBeReadIsWriteProtected) {
+    const std::string path = write(plain(102400));
+    fs::permissions(path, fs::perms(0444));
+    const pid_t child = fork(); // the superuser may write everything
+    if (child == 0) {
+        disk_image disk;
+        const bool user = geteuid() != 0 || setuid(65534) == 0;
+        const bool attached = user && diskimg_attach(disk, path) && disk.write_protected;
+        const bool stored = attached && disk_img_write_sector(disk, 0, 0, 0, sector_.data());
+        _exit(stored && !disk.modified ? 0 : 1);
+    }
+    int result = -1;
+    waitpid(child, &result, 0);
+    EXPECT_EQ(result, 0);
+}
+
+TEST_F(DiskImage, TellsWhatItFound) {
+    const struct {
+        Bytes bytes;
+        const char* told;
+    } cases[] = {
+        {plain(92160), "IMAGE: Size in bytes: 92160.\nIMAGE: Tracks per side: 20.\n"
+                       "IMAGE: Bytes per sector: 256.\nIMAGE: Sectors per track: 18.\n"
+                       "IMAGE: Dir on track: 21.\nIMAGE. Read(1,2,3) from offset 02700.\n"},
+        {plain(92416), ""},
+        {with_geometry(40, 3, 10, 256), "IMAGE: Error! Unsupported image (194640) bytes.\n"},
+        {Bytes(98304, 0xFF), "IMAGE: Error! Could not find boot sector.\n"},
+    };
+    for (const auto& [bytes, told] : cases) {
+        const std::string path = write(bytes);
+        testing::internal::GetCapturedStderr();
+        testing::internal::CaptureStderr();
+        disk_image disk;
+        diskimg_attach(disk, path);
+        disk_img_read_sector(disk, 1, 2, 3, sector_.data()); // (2 x 18 + 3) x 256 = 2700h
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), told);
+        testing::internal::CaptureStderr();
+    }
+}
+
+/// Reads and writes every address that the controller can reach, and compares the image with what
+/// the layout says.
+void expect_addresses_kept(disk_image& disk, std::array<uint8_t, LARGEST_SECTOR>& buffer) {
+    Bytes expected = disk.image;
+    const size_t size = disk.bytes_per_sector;
+    for (uint32_t address = 0; address < 0x10000; ++address) {
+        const uint32_t track = address >> 8, number = address & 0xFF;
+        uint64_t index = uint64_t(track) * disk.sectors + number;
+        if (disk.layout == DISK_JV3 && number < disk.sectors)
+            for (index = 0; index < 2901; ++index)
+                if (expected[index * 3] == track && expected[index * 3 + 1] == number) break;
+        const uint64_t at = disk.data_offset + index * size;
+        const bool there = number < disk.sectors && at + size <= expected.size() &&
+                           (disk.layout != DISK_JV3 || index < 2901);
+        ASSERT_EQ(disk_img_read_sector(disk, 0, track, number, buffer.data()), there);
+        if (there) {
+            ASSERT_TRUE(std::equal(buffer.begin(), buffer.begin() + long(size), &expected[at]));
+            buffer.fill(uint8_t(track * 7 + number));
+            std::fill_n(expected.begin() + long(at), size, buffer[0]);
+        }
+        ASSERT_EQ(disk_img_write_sector(disk, 1, track, number, buffer.data()), there);
+    }
+    EXPECT_EQ(disk.image, expected);
+}
+
 TEST_F(DiskImage, NoHeaderLeadsOutsideTheImage) {
-    for (const Bytes& good : {with_geometry(40, 2, 10, 256), with_headers(98304, 35)}) {
-        const size_t last = good.size() == 98304 ? 60 : 16;
-        for (size_t at = 0; at < last; ++at) {
-            for (unsigned bit = 0; bit < 8; ++bit) {
-                Bytes bytes = good;
-                bytes[at] ^= uint8_t(1u << bit);
-                disk_image disk;
-                disk.image = bytes;
-                disk.size = uint32_t(bytes.size());
-                if (!diskimg_analyze(disk)) continue;
-                for (const uint32_t track : {0u, 34u, 79u, 255u})
-                    for (const uint32_t number : {0u, 9u, disk.sectors - 1, 255u}) {
-                        disk_img_read_sector(disk, 0, track, number, sector_.data());
-                        disk_img_write_sector(disk, 1, track, number, sector_.data());
-                    }
+    for (size_t at = 0; at < 80; ++at) {
+        for (const uint8_t value : {0x00, 0x01, 0x02, 0x7F, 0x80, 0xFF}) {
+            disk_image disk;
+            disk.image = with_geometry(40, 2, 10, 256);
+            disk.image[at] = value;
+            disk.size = uint32_t(disk.image.size());
+            if (at >= 16 && at % 16) { // not used
+                EXPECT_EQ(diskimg_analyze(disk), 1) << at;
+            } else if (diskimg_analyze(disk)) {
+                SCOPED_TRACE(testing::Message() << at << ", " << int(value));
+                expect_addresses_kept(disk, sector_);
             }
         }
+    }
+    std::mt19937 random(1771);
+    for (int n = 0; n < 12; ++n) {
+        disk_image disk;
+        disk.image = with_headers(98304, 35);
+        for (int change = 0; change < (n < 6 ? 40 : 8703); ++change)
+            disk.image[n < 6 ? random() % 1050 : size_t(change)] = uint8_t(random() % 40);
+        disk.size = uint32_t(disk.image.size());
+        SCOPED_TRACE(n);
+        if (diskimg_analyze(disk)) expect_addresses_kept(disk, sector_);
     }
 }
 

@@ -237,36 +237,207 @@ TEST_F(Wd1771, SectorsPassUnderTheHead) {
     for (int n = 0; n < 19; ++n) ASSERT_EQ(next_sector(), n % 18);
     insert(0, 35, 10); // the disk before has left sector 1
     for (const int expected : {1, 5, 7, 8, 4, 2, 1, 5}) EXPECT_EQ(next_sector(), expected);
+    insert(0, 35, 9); // turns like one of 10
+    for (const int expected : {7, 8, 4, 2, 1, 5}) EXPECT_EQ(next_sector(), expected);
+}
+
+/// What a program sends to format a track: sector n gets the byte `fill` + n, in falling order.
+std::vector<uint8_t> track_bytes(int track, int sectors, int fill) {
+    std::vector<uint8_t> bytes;
+    const auto put = [&bytes](size_t count, int value) {
+        bytes.insert(bytes.end(), count, uint8_t(value));
+    };
+    for (int sector = sectors - 1; sector >= 0; --sector) {
+        put(12, 0xFF);
+        for (const int byte : {0xFE, track, 0, sector, 1, 0xF7}) put(1, byte);
+        put(11, 0x00);
+        put(1, 0xFB);
+        put(256, fill + sector);
+        put(1, 0xF7);
+    }
+    return bytes;
 }
 
 TEST_F(Wd1771, FormatsATrack) {
-    insert(0, 40, 10);
-    seek(3);
-    command(0xF4);
-    const auto put = [](int count, uint8_t value) {
-        while (count-- > 0) wd1771_write_reg(DATA, value);
+    for (const int sectors : {10, 18}) {
+        SCOPED_TRACE(sectors);
+        std::vector<uint8_t> expected = insert(0, 40, uint32_t(sectors)).image;
+        const size_t begin = size_t(3 * sectors) * 256;
+        for (size_t n = 0; n < size_t(sectors) * 256; ++n)
+            expected[begin + n] = uint8_t(0x30 + n / 256);
+        seek(3);
+        command(0xF4);
+        for (const uint8_t byte : track_bytes(3, sectors, 0x30)) {
+            EXPECT_EQ(status() & 0x03, 0x03);
+            EXPECT_EQ(z80_state.irq, 0);
+            wd1771_write_reg(DATA, byte);
+        }
+        EXPECT_EQ(wd1771_read_irq(), 0x40);
+        EXPECT_EQ(status() & 0x03, 0);
+        EXPECT_EQ(wd1771_read_reg(TRACK), 3);
+        EXPECT_EQ(wd1771_read_reg(SECTOR), 0) << "the last one";
+        EXPECT_EQ(wd1771_disk(0).image, expected) << "the tracks around it stay";
+        wd1771_write_reg(DATA, 0xFE);
+        wd1771_write_reg(DATA, 0xF7);
+        EXPECT_EQ(wd1771_read_reg(TRACK), 3) << "nobody asked for more";
+    }
+}
+
+TEST_F(Wd1771, WhileBusyOnlyForceInterruptIsHeard) {
+    for (const uint8_t start : {0x88, 0xA8, 0xF4}) {
+        insert(0, 40, 10);
+        wd1771_write_reg(SECTOR, 5);
+        for (int value = 0; value < 256; ++value) {
+            if (value >> 4 == 13) continue;
+            SCOPED_TRACE(testing::Message() << std::hex << int(start) << ", " << value);
+            command(start);
+            command(uint8_t(value));
+            ASSERT_EQ(status() & 0x13, 0x03);
+            ASSERT_EQ(z80_state.irq, 0);
+            if (start == 0x88) {
+                EXPECT_EQ(wd1771_read_reg(DATA), 0);
+                EXPECT_EQ(wd1771_read_reg(DATA), 5);
+                EXPECT_EQ(wd1771_read_reg(DATA), 2);
+            }
+            command(0xD0);
+            EXPECT_EQ(status() & 0x01, 0);
+            EXPECT_EQ(wd1771_read_reg(TRACK), 0);
+            EXPECT_EQ(wd1771_read_reg(DATA), 0xFF) << "no read command";
+        }
+    }
+    for (const int64_t cycles : {0, 33000}) { // and while the head moves
+        command(0x00);
+        pass(cycles);
+        status();
+        command(0x50);
+        EXPECT_EQ(wd1771_read_reg(TRACK), 0) << cycles;
+        command(0xD0);
+    }
+}
+
+TEST_F(Wd1771, TheLatchChoosesTheDrive) {
+    const struct {
+        uint8_t latch;
+        int drive; ///< -1: none
+    } cases[] = {{0x01, 0}, {0x02, 1}, {0x0C, 2}, {0x08, 3}, {0x0F, 0}, {0xF4, 2}, {0xF0, -1}};
+    for (unsigned drive = 0; drive < 4; ++drive) insert(drive, 40, 10).image[256] = uint8_t(drive);
+    for (const auto& c : cases) {
+        SCOPED_TRACE(int(c.latch));
+        wd1771_reset_all();
+        wd1771_write_reg(TRACK, 0x77);
+        wd1771_write_param_reg(c.latch);
+        EXPECT_EQ(wd1771_is_active(), c.drive);
+        wd1771_write_reg(SECTOR, 1);
+        wd1771_write_reg(TRACK, 0x22);
+        command(0x88);
+        EXPECT_EQ(wd1771_read_reg(DATA), c.drive < 0 ? 0 : c.drive);
+        EXPECT_EQ(wd1771_read_reg(SECTOR), c.drive < 0 ? 0 : 1);
+        wd1771_write_param_reg(1);
+        EXPECT_EQ(wd1771_read_reg(TRACK), c.drive < 0 ? 0x77 : 0x22);
+    }
+    // Each drive has a head and a place in its turn of its own.
+    wd1771_reset_all();
+    for (const uint8_t drive : {0, 1, 2, 3}) {
+        wd1771_write_param_reg(uint8_t(1 << drive));
+        seek(uint8_t(20 + drive));
+        for (int n = 0; n < drive; ++n) command(0xC0), command(0xD0);
+    }
+    wd1771_reset();
+    for (const uint8_t drive : {0, 1, 2, 3}) {
+        wd1771_write_param_reg(uint8_t(1 << drive));
+        command(0xC0);
+        EXPECT_EQ(wd1771_read_reg(DATA), 20 + drive);
+        command(0xD0);
+    }
+    // An empty drive: a seek does nothing, a step moves the head.
+    wd1771_reset_all();
+    wd1771_disk(0) = {};
+    seek(5);
+    EXPECT_EQ(wd1771_read_reg(TRACK), 0);
+    command(0xD0); // no look at an empty drive ends the command
+    position(0x50);
+    EXPECT_EQ(wd1771_read_reg(TRACK), 1);
+}
+
+TEST_F(Wd1771, InterruptsAndTheirAcknowledgement) {
+    const struct {
+        const char* name;
+        uint8_t command;
+        bool disk, interrupt;
+    } cases[] = {
+        {"restore", 0x00, true, false},          {"force", 0xD0, true, false},
+        {"force, ready", 0xD1, true, true},      {"force, not ready", 0xD2, true, true},
+        {"force, index", 0xD4, true, true},      {"force, at once", 0xD8, true, true},
+        {"force, no disk", 0xDF, false, false},  {"read address", 0xC4, true, false},
+        {"address, no disk", 0xC4, false, true}, {"read, no disk", 0x80, false, true},
+        {"write, no disk", 0xA0, false, true},   {"format, no disk", 0xF0, false, true},
+        {"read track", 0xE4, true, false},       {"write", 0xA0, true, false},
     };
-    for (int sector = 0; sector < 10; ++sector) {
-        EXPECT_EQ(status() & 0x03, 0x03) << sector;
-        put(12, 0xFF);
-        put(1, 0xFE);
-        for (const int byte : {3, 0, 9 - sector, 1}) put(1, uint8_t(byte));
-        put(1, 0xF7);
-        put(11, 0x00);
-        put(1, 0xFB);
-        put(256, uint8_t(0x30 + sector));
-        put(1, 0xF7);
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        for (const bool by_status : {false, true}) {
+            wd1771_init();
+            insert(0, 40, 10);
+            wd1771_set_irq(0);
+            wd1771_device_select(c.disk ? 1 : 2);
+            command(c.command);
+            EXPECT_EQ(z80_state.irq != 0, c.interrupt);
+            if (by_status) status();
+            // The status of an empty drive answers nothing.
+            const bool answered = by_status && c.disk;
+            EXPECT_EQ(z80_state.irq != 0, c.interrupt && !answered);
+            EXPECT_EQ(wd1771_read_irq(), c.interrupt && !answered ? 0x40 : 0);
+            EXPECT_EQ(z80_state.irq, 0);
+            EXPECT_EQ(wd1771_read_irq(), 0);
+        }
     }
-    EXPECT_NE(z80_state.irq, 0);
-    EXPECT_EQ(status() & 0x03, 0);
-    EXPECT_EQ(wd1771_read_reg(TRACK), 3);
-    for (int n = 0; n < 10; ++n) {
-        const uint8_t* const stored = &wd1771_disk(0).image[size_t(3 * 10 + n) * 256];
-        EXPECT_TRUE(std::all_of(stored, stored + 256, [n](int b) { return b == 0x30 + 9 - n; }))
-            << n;
+    command(0xD8);
+    command(0x00);
+    EXPECT_EQ(wd1771_read_irq(), 0) << "a command takes the request back";
+    EXPECT_NE(z80_state.irq, 0) << "but not the processor's line";
+    status();
+    EXPECT_EQ(z80_state.irq, 0);
+    testing::internal::GetCapturedStderr();
+    testing::internal::CaptureStderr();
+    pass(BUSY_CYCLES + 1);
+    status();
+    wd1771_device_select(1);
+    command(0xE4);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "FDC(0). Unhandled command: E4.\n");
+    testing::internal::CaptureStderr();
+}
+
+TEST_F(Wd1771, SectorsOfOtherSizes) {
+    for (const uint32_t size : {128U, 512U}) {
+        SCOPED_TRACE(size);
+        disk_image& disk = insert(0, 40, 10);
+        disk.bytes_per_sector = size;
+        std::vector<uint8_t> expected = disk.image;
+        const size_t at = size_t(12) * size; // track 1, sector 2
+        seek(1);
+        wd1771_write_reg(SECTOR, 2);
+        command(0x80);
+        for (size_t n = 0; n < size; ++n) {
+            ASSERT_EQ(status() & 0x03, 0x03) << n;
+            ASSERT_EQ(wd1771_read_reg(DATA), expected[at + n]) << n;
+        }
+        EXPECT_EQ(status() & 0x03, 0);
+        command(0xA0); // takes 256 bytes, whatever the size
+        for (int n = 0; n < 256; ++n) {
+            ASSERT_EQ(status() & 0x03, 0x03) << n;
+            wd1771_write_reg(DATA, 0xA5);
+        }
+        EXPECT_EQ(status() & 0x23, 0);
+        std::fill_n(expected.begin() + long(at), std::min(size, 256U), uint8_t(0xA5));
+        EXPECT_EQ(disk.image, expected) << "the rest of a long sector is what was read before";
+        wd1771_write_reg(SECTOR, 2);
+        command(0xC0);
+        for (int n = 0; n < 6; ++n) {
+            ASSERT_EQ(status() & 0x03, 0x02) << n;
+            wd1771_read_reg(DATA);
+        }
+        EXPECT_EQ(status() & 0x03, 0);
     }
-    EXPECT_EQ(wd1771_disk(0).image[2 * 2560], 2) << "the track before";
-    EXPECT_EQ(wd1771_disk(0).image[4 * 2560], 4) << "and the one behind";
 }
 
 /// The processor reads a sector of track 1 through the memory map, waiting as a program would.
@@ -292,6 +463,54 @@ TEST_F(Wd1771, AProgramReadsThroughTheBus) {
     EXPECT_EQ(memory[0x9101], 6);
     for (int n = 2; n < 256; ++n) ASSERT_EQ(memory[0x9100 + n], n);
     EXPECT_EQ(memory[0x9200], 0) << "no byte more";
+}
+
+/// A program formats a track and writes a sector, and looks at the interrupt behind each.
+TEST_F(Wd1771, AProgramFormatsAndWritesThroughTheBus) {
+    const std::array<uint8_t, 98> program = {
+        0x3E, 0x01, 0x32, 0xE0, 0xFF,       // LD A,1      LD (FFE0),A  select drive 0
+        0x3E, 0x03, 0xCD, 0x50, 0x90,       // LD A,03     CALL 9050    restore
+        0x3E, 0x27, 0x32, 0xEF, 0xFF,       // LD A,39     LD (FFEF),A
+        0x3E, 0x13, 0xCD, 0x50, 0x90,       // LD A,13     CALL 9050    seek
+        0x21, 0x00, 0xA0,                   // LD HL,A000
+        0x3E, 0xF4, 0x32, 0xEC, 0xFF,       // LD A,F4     LD (FFEC),A  format
+        0x3A, 0xE0, 0xFF, 0xE6, 0x40,       // LD A,(FFE0) AND 40       until the interrupt
+        0x20, 0x07,                         // JR NZ,+7
+        0x7E, 0x32, 0xEF, 0xFF, 0x23,       // LD A,(HL)   LD (FFEF),A  INC HL
+        0x18, 0xF2,                         // JR -14
+        0x22, 0x00, 0x91,                   // LD (9100),HL
+        0x3A, 0xE0, 0xFF, 0x32, 0x02, 0x91, // LD A,(FFE0) LD (9102),A
+        0x3E, 0x04, 0x32, 0xEE, 0xFF,       // LD A,4      LD (FFEE),A
+        0x21, 0x00, 0x92, 0x3E, 0xA8,       // LD HL,9200  LD A,A8      write
+        0xCD, 0x50, 0x90,                   // CALL 9050
+        0x3A, 0xE0, 0xFF, 0x32, 0x03, 0x91, // LD A,(FFE0) LD (9103),A
+        0x22, 0x04, 0x91, 0xF3, 0x76,       // LD (9104),HL  DI  HALT
+        0x00, 0x00, 0x00, 0x00, 0x00,
+        // 9050: Sends the command in A, then the bytes at HL as they are asked for.
+        0x32, 0xEC, 0xFF,             // LD (FFEC),A
+        0x3A, 0xEC, 0xFF,             // LD A,(FFEC)
+        0x0F, 0xD0,                   // RRCA  RET NC
+        0x0F, 0x30, 0xF8,             // RRCA  JR NC,9053
+        0x7E, 0x32, 0xEF, 0xFF, 0x23, // LD A,(HL)  LD (FFEF),A  INC HL
+        0x18, 0xF1};                  // JR 9053
+    std::ranges::copy(program, memory + 0x9000);
+    std::vector<uint8_t> expected = wd1771_disk(0).image;
+    for (size_t n = 0; n < 2560; ++n) expected[size_t(39) * 2560 + n] = uint8_t(0x40 + n / 256);
+    for (size_t n = 0; n < 256; ++n)
+        memory[0x9200 + n] = expected[size_t(394) * 256 + n] = uint8_t(n ^ 0x3C);
+    const std::vector<uint8_t> track = track_bytes(39, 10, 0x40);
+    std::ranges::copy(track, memory + 0xA000);
+    z80_state.irq = 0;
+    do_di();
+    z80_state.sp = 0x8FF0;
+    z80_state.pc = 0x9000;
+    z80_run(1000000);
+    EXPECT_EQ(memory[z80_state.pc], 0x76) << "on the HALT";
+    EXPECT_EQ(mem_read_word(0x9100), 0xA000 + track.size());
+    EXPECT_EQ(memory[0x9102], 0x00) << "looking at the interrupt has answered it";
+    EXPECT_EQ(memory[0x9103], 0x00) << "none behind a sector";
+    EXPECT_EQ(mem_read_word(0x9104), 0x9300) << "256 bytes";
+    EXPECT_EQ(wd1771_disk(0).image, expected);
 }
 
 } // namespace

@@ -9,6 +9,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <set>
+#include <unistd.h>
 
 namespace {
 
@@ -23,6 +24,7 @@ protected:
         std::filesystem::remove_all(folder);
         std::filesystem::create_directory(folder);
     }
+    ~DiskProgram() override { std::filesystem::remove_all(folder); }
     int run(const std::string& arguments) {
         const std::string line =
             "cd '" + folder.string() + "' && '" DISK_PROGRAM "' " + arguments + " >out 2>err";
@@ -40,7 +42,8 @@ protected:
     void write(const std::string& name, const std::string& text) {
         ASSERT_TRUE(replace_whole_file((folder / name).string(), bytes_of(text)));
     }
-    const std::filesystem::path folder = std::filesystem::path(TEST_BINARY_DIR) / "disk_files";
+    const std::filesystem::path folder =
+        std::filesystem::path(TEST_BINARY_DIR) / ("disk_files-" + std::to_string(getpid()));
 };
 
 TEST_F(DiskProgram, MakesTheImagesThatTheEmulatorKnows) {

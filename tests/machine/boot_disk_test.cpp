@@ -1,0 +1,78 @@
+#include "core/machine.h"
+#include "host/autostart.h"
+#include "media/wd1771.h"
+#include "support/basic_machine.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <random>
+
+namespace {
+
+constexpr const char* DISK = EXAMPLES_DIR "/bootdisk.dsk";
+constexpr const char* GREETING = "   HELLO FROM THE BOOT SECTOR OF A DISK";
+
+class BootDisk : public testing::Test {
+protected:
+    BootDisk() {
+        machine_cfg[0].expansion_rom = 0;
+        machine_.boot(0);
+    }
+    ~BootDisk() override { diskimg_detach(wd1771_disk(0), false); }
+    bool greets() {
+        const auto rows = machine_.screen();
+        return rows.size() > 2 && rows[2] == GREETING;
+    }
+    BasicMachine machine_;
+};
+
+TEST_F(BootDisk, ADiskGivenToARunningMachineWaitsForTheNextStart) {
+    ASSERT_TRUE(machine_.type("10 REM\n"));
+    autostart_file(DISK);
+    ASSERT_TRUE(machine_.type("\n"));
+    EXPECT_FALSE(greets());
+    ASSERT_TRUE(machine_.type("LIST\n"));
+    const auto rows = machine_.screen();
+    EXPECT_NE(std::ranges::find(rows, "10 REM"), rows.end());
+
+    machine_.platform().set_key(KEY_CONTROL, true);
+    autostart_file(DISK);
+    machine_.platform().release_all_keys();
+    ASSERT_TRUE(machine_.type("")) << "there is no question to answer";
+    EXPECT_TRUE(greets());
+    ASSERT_TRUE(machine_.type("LIST\n"));
+    EXPECT_TRUE(greets()) << "and BASIC goes on below it";
+    EXPECT_EQ(machine_.screen().back(), ">");
+}
+
+TEST_F(BootDisk, NoCommandChangesAProtectedDisk) {
+    ASSERT_EQ(diskimg_attach(wd1771_disk(0), DISK), 1);
+    ASSERT_TRUE(
+        machine_.type("10 REM\nSAVE\"A\"\nSAVE\"B\",A\nOPEN\"O\",1,\"C\":PRINT#1,1:CLOSE\n"));
+    wd1771_disk(0).modified = false;
+    wd1771_disk(0).write_protected = true;
+    const std::vector<uint8_t> before = wd1771_disk(0).image;
+    const char* const commands[] = {"SAVE\"#\"",
+                                    "SAVE\"#\",A",
+                                    "KILL\"#\"",
+                                    "NAME\"#\" AS \"D\"",
+                                    "OPEN\"O\",1,\"#\":PRINT#1,1,2:CLOSE",
+                                    "OPEN\"E\",2,\"#\":PRINT#2,STRING$(200,66)",
+                                    "PRINT#2,STRING$(200,67)",
+                                    "CLOSE",
+                                    "FORMAT\nY",
+                                    "DIR",
+                                    "LOAD\"#\"",
+                                    "MERGE\"#\""};
+    std::mt19937 random(5);
+    for (int n = 0; n < 150; ++n) {
+        std::string command = commands[random() % std::size(commands)];
+        std::ranges::replace(command, '#', char('A' + random() % 4));
+        ASSERT_TRUE(machine_.type(command + "\n")) << command;
+        ASSERT_EQ(wd1771_disk(0).image, before) << command;
+    }
+    EXPECT_FALSE(wd1771_disk(0).modified);
+}
+
+} // namespace
