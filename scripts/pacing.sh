@@ -1,0 +1,77 @@
+#!/usr/bin/env bash
+# Measures the desktop program at normal speed while it plays a tune on a virtual X server: speed by
+# the clock, gaps in the sound, processor time, and processor time while it is paused.
+# usage: scripts/pacing.sh [MINUTES]        ten without an argument
+# BUILD_DIR names another build folder than build/release. The host should have nothing else to do.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+build=${BUILD_DIR:-build/release}
+minutes=${1:-10}
+device=$PWD/tests/soak/sound_device.py
+
+scripts/dependencies.sh test
+[[ -f $build/build.ninja ]] || cmake --preset release -B "$build" >/dev/null
+cmake --build "$build" --target tarvelin examples
+program=$build/src/tarvelin
+tune=$(realpath "$build/examples/tune.cmd")
+source tests/desktop/desktop.sh
+trap 'kill -9 ${device_pid:-} ${program_pid:-} 2>/dev/null || true; clean_up' EXIT
+
+ticks() { awk '{print $14 + $15}' "/proc/$program_pid/stat"; } # of 10 ms, user and system
+now() { awk '{print $1}' /proc/uptime; }
+of_core() { awk "BEGIN {printf \"%.2f\", ($2 - $1) / ($4 - $3)}"; } # ticks, ticks, then, now: %
+problems=0
+# row WHAT MEASURED UNIT LEAST MOST
+row() {
+    local verdict=ok
+    awk "BEGIN {exit !($2 >= $4 && $2 <= $5)}" || verdict=FAILED
+    [[ $verdict == ok ]] || problems=1
+    printf '%-34s %10s %-4s %7s to %-7s %s\n' "$1" "$2" "$3" "$4" "$5" "$verdict"
+}
+
+seconds=$(awk "BEGIN {print int($minutes * 60)}")
+first=5 # second of machine time where measuring begins
+cp "$tune" tune.cmd
+mkfifo sound
+python3 "$device" sound >device.log &
+device_pid=$!
+start_server
+export SDL_AUDIODRIVER=disk SDL_DISKAUDIOFILE=$work/sound SDL_DISKAUDIODELAY=0
+
+start_program /s "$first" /t $((first + seconds)) tune.cmd
+wait_for tune0000.gif
+used=$(ticks) then=$(now)
+slow=0
+while kill -0 "$program_pid" 2>/dev/null; do
+    used_last=$(ticks 2>/dev/null || echo "${used_last:-0}") last=$(now)
+    title=$(xdotool getwindowname "$window" 2>/dev/null || true)
+    if [[ $title == *" at "* && ! $title =~ at\ (99|100|101)% ]]; then slow=$((slow + 1)); fi
+    sleep 1
+done
+wait "$program_pid" || fail "the program ended badly: $(cat program.log)"
+wait "$device_pid" || fail "the sound device"
+# The settings are written as soon as the machine stops.
+took=$(awk "BEGIN {print $(stat -c %.6Y config/tarvelin/settings.toml) - $(stat -c %.6Y tune0000.gif)}")
+read -r played late gaps < <(sed -n '1s/[a-z]*=//gp' device.log)
+
+unset SDL_DISKAUDIOFILE SDL_DISKAUDIODELAY
+export SDL_AUDIODRIVER=dummy
+start_program tune.cmd
+sleep 3
+xdotool key Pause
+sleep 1
+paused=$(ticks) paused_at=$(now)
+sleep 10
+paused_load=$(of_core "$paused" "$(ticks)" "$paused_at" "$(now)")
+[[ $(xdotool getwindowname "$window") == *Suspended* ]] || fail "the Pause key did not pause"
+
+echo "$minutes minutes of machine time"
+row "speed by the clock" "$(awk "BEGIN {printf \"%.3f\", 100 * $seconds / $took}")" % 99.5 100.5
+row "reports of another speed" "$slow" "" 0 0
+row "sound played" "$played" s $((seconds)) $((seconds + 60))
+row "gaps in the sound" "$gaps" "" 0 0
+row "sound later than 50 ms" "$late" "" 0 0
+row "processor time" "$(of_core "$used" "$used_last" "$then" "$last")" % 0 15
+row "processor time while paused" "$paused_load" % 0 1
+sed 1d device.log
+exit "$problems"
