@@ -52,7 +52,6 @@ constexpr uint16_t TAKEN = 0x5809;
 constexpr uint16_t STEP = 0x5810;
 constexpr int64_t STEP_CYCLES = 144 * 304;
 constexpr int64_t PERIOD = 64 * STEP_CYCLES;
-constexpr int64_t PERIOD_FRAMES = PERIOD / FRAME + 2;
 
 // Samples: the sound's own clock is 141 cycles a line at 15625 lines; 256 samples are 11750 cycles.
 constexpr int64_t SAMPLES = 256;
