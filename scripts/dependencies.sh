@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs what the project needs from the distribution's packages, and only what is missing.
-# usage: scripts/dependencies.sh run|test
+# usage: scripts/dependencies.sh run|test|package|pictures
 set -euo pipefail
 
 run_packages=(g++ cmake ninja-build pasmo pkg-config libtomlplusplus-dev qt6-base-dev libgl-dev
@@ -8,9 +8,15 @@ run_packages=(g++ cmake ninja-build pasmo pkg-config libtomlplusplus-dev qt6-bas
 test_packages=(libgtest-dev libgif-dev libbenchmark-dev libz80ex-dev clang clang-format clang-tidy
                python3 xvfb xdotool x11-xkb-utils x11-utils appstream desktop-file-utils groff-base
                libxml2-utils shared-mime-info openbox ffmpeg libavcodec-dev libswscale-dev)
+package_packages=(debootstrap dpkg-dev)
+picture_packages=(xvfb xdotool x11-utils openbox imagemagick)
 
 packages=("${run_packages[@]}")
-if [[ ${1:-run} == test ]]; then packages+=("${test_packages[@]}"); fi
+case ${1:-run} in
+test) packages+=("${test_packages[@]}") ;;
+package) packages+=("${package_packages[@]}") ;;
+pictures) packages+=("${picture_packages[@]}") ;;
+esac
 
 missing=()
 for package in "${packages[@]}"; do

@@ -42,9 +42,11 @@ extern crtc_state crtc;
 
 /// Selects the register that the next data access reaches. Only the low four bits are wired.
 void crtc_register_select(uint8_t value);
+/// Writes the selected register.
 void crtc_write(uint8_t value);
 /// `number` is 0 to 15.
 void crtc_write_register(uint32_t number, uint8_t value);
+/// The selected register as it was written.
 uint8_t crtc_read();
 uint8_t crtc_read_register(uint32_t number);
 /// Once per frame: frame counter, cursor blink, vertical placement.

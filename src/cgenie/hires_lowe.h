@@ -16,4 +16,5 @@ extern lowe_board lowe;
 
 /// Clears the board and switches it on.
 void hires_lowe_init();
+/// Switches it off; its contents stay.
 void hires_lowe_destroy();

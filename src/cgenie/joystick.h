@@ -18,6 +18,7 @@ enum JoystickQuery : int {
     JOYSTICK_SECOND_BUTTON
 };
 
+/// There is nothing to start or to reset: every read looks at the host.
 void joystick_init();
 void joystick_reset();
 /// Looks for the host's joysticks, says on the standard error stream what it found, and asks for

@@ -27,9 +27,11 @@ extern display_parameters display_params;
 void calculate_palette(uint32_t standard);
 /// Rebuilds the palettes of the present standard, after a change of the parameters.
 void palette_update();
+/// Strength of the colours, 0 grey to 100, in the palettes from their next calculation on.
 void palette_set_saturation(uint32_t percent);
 uint32_t palette_get_saturation();
 uint32_t palette_get_default_saturation();
+/// Fills all six fields with the values at start.
 void palette_get_default_config(display_parameters* parameters);
 /// Component 0 red, 1 green, 2 blue of an entry.
 uint8_t video_get_palette_value(int entry, int component);

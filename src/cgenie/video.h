@@ -27,8 +27,8 @@ extern uint8_t video_charset_selected; ///< 00, 08, 10 or 18
 extern uint8_t video_graphic_background_selected;
 extern uint8_t hires_palette[4]; ///< indices of the 2-bit pixels; entry 0 is the background
 
-int video_screenx();
-int video_screeny();
+int video_screenx(); ///< 384
+int video_screeny(); ///< 288
 /// Palette of the active configuration, then video_reset.
 void video_init(uint32_t palette);
 /// Clears the frame and the vertical centring; the latch stays.
@@ -46,13 +46,15 @@ uint8_t video_character_pattern(uint8_t code, uint32_t y);
 
 /// Draws the whole picture from the present state.
 void video_render_frame();
+/// The same for the monochrome canvas, which is packed from the frame: nothing else is used.
 void video_render_1bit(uint8_t* pixels, int cut, int page);
+/// Nothing: the canvas has its lines already.
 void video_draw_interlaced(uint8_t* pixels, int bits);
 
-int video_get_windowx(int giant); ///< 384, or 768 when giant
-int video_get_windowy(int giant); ///< 288, or 576 when giant
-int video_get_rows();
-int video_get_columns();
+int video_get_windowx(int giant);      ///< 384, or 768 when giant
+int video_get_windowy(int giant);      ///< 288, or 576 when giant
+int video_get_rows();                  ///< of text displayed, 0 to 127
+int video_get_columns();               ///< of text displayed, 0 to 255
 const uint8_t* video_get_screen_ram(); ///< address 4000 + (start address AND 3FFF)
 /// Presents the finished frame.
 void video_update_frame();

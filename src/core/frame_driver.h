@@ -49,7 +49,10 @@ void do_some_frames(int count);
 /// One frame, waiting and screen update included: the body of the idle loop.
 void paced_frame_step();
 
+/// Reads the clock's frequency and the display's refresh rate, and starts pacing for the active
+/// configuration; once, when the platform is there.
 void init_timers();
+/// Starts pacing for so many frames per second, above 0.
 void timer_recalibrate_fps(uint32_t screen_frequency);
 /// Restarts pacing from now, so that halted time is not caught up.
 void reset_timer();

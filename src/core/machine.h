@@ -39,11 +39,13 @@ void machine_init();
 /// Applies a configuration. With `full` 0 only the character set and the palette change; otherwise
 /// the machine restarts cold with fresh RAM. The cycle counter never goes back.
 void machine_change_cfg(const machine_configuration& configuration, int full);
-/// The reset key: an NMI. Memory and registers stay.
+/// The reset key: an NMI. Memory and registers stay; typing stops, the heads go to track 0, the
+/// sound and the picture are cleared, and the base name of screenshots is forgotten.
 void machine_reset();
 /// Sets the main clock and reclocks the sound chip. The sound core's cycles per line stay.
 void machine_set_main_clock(uint32_t hz);
 /// Shows the active configuration's name in status bar part 0.
 void machine_show_cfg();
+/// Power-on of what only this machine has: the CRT controller.
 void machine_specific_init();
 void machine_specific_reset();

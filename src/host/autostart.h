@@ -7,8 +7,9 @@
 extern bool g_bAutoStart;
 
 /// Loads and starts the file, and says so in the status bar. Its name without the extension becomes
-/// the base name of screenshots. A file that is missing, cannot be read or is of no known type
-/// leaves the machine as it is, and the status bar tells why.
+/// the base name of screenshots, until a reset, with which the start of a cassette begins. A file
+/// that is missing, cannot be read or is of no known type leaves the machine as it is, and the
+/// status bar tells why.
 void autostart_file(const std::string& path);
 /// Why the file cannot be read as a program or an image, in one line; empty when nothing is in the
 /// way.

@@ -11,6 +11,7 @@ extern uint32_t s_dwSoundFrame; ///< fragments of sound written
 
 /// Prepares the capture picture from the canvas; 0 without one or without memory.
 int Video_CreateBitmap();
+/// Frees it.
 void Video_DestroyBitmap();
 /// Creates the file and asks for the compression; a capture already open is closed first. Without
 /// a sound buffer the file has no sound. 1 when the capture runs; else the user has been told why.

@@ -28,6 +28,8 @@ enum FileDialogType : int {
 int ui_select_file(int type, std::string* path);
 /// From, end and start address of the address panel, as typed.
 void ui_get_casdata(std::array<std::string, 3>* addresses);
+/// Name, version, and the link to the user manual: beside the program in its place of installation,
+/// or else the program's folder.
 void ui_about_dialog();
 /// The text screen to the host's clipboard, rows ended by CR LF.
 void ui_copy_to_clipboard();

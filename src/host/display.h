@@ -24,6 +24,7 @@ extern Rectangle g_rcViewport;     ///< its source: the canvas
 int recreate_bitmap(bool giant, int bits);
 /// Bits per pixel of the canvas that the options ask for, before the blur.
 int canvas_bits();
+/// Sets cx and cy for a canvas of this size.
 void calc_cxcy(int width, int height);
 /// Canvas of the size for `giant`, and the window with it.
 void set_screen_params(bool giant, int bits);

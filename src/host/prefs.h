@@ -7,12 +7,14 @@
 
 /// Opens the store; 0 when it cannot be had, and the defaults stay in place.
 int prefs_init();
+/// Closes the store; numbers are then neither read nor kept.
 void prefs_done();
 /// 1 when the value existed; else `value` stays and is stored as the default.
 int GetValueDword(const char* name, uint32_t* value);
+/// 1 when stored, which is at once; 0 while the store is closed and when it cannot be kept.
 int SetValueDword(const char* name, const uint32_t* value);
 /// 1 when the value was read; a missing one changes nothing and creates nothing. Texts of more
 /// than 276 bytes are not read. Works while the store is closed, too.
 int GetValueStr(const char* name, std::string* value);
-/// No text at all (null) stores a text of one zero byte and returns 0.
+/// The same for a text. No text at all (null) stores a text of one zero byte and returns 0.
 int SetValueStr(const char* name, const char* text);

@@ -19,9 +19,11 @@ extern std::string wav_name;          ///< sound recording to start with
 /// Start-up, message loop, shutdown. Returns the exit code.
 int run_shell(const Arguments& arguments);
 
+/// Starts everything that needs the window, up to the command line's file.
 void emu_init(const Arguments& arguments);
 /// Messages first, a paced frame in every idle moment. Returns the exit code.
 int run_message_loop();
+/// Ends recordings, keeps the settings, asks for changed disks, and closes what emu_init opened.
 void emu_close();
 /// Handles one message. The quit message is the loop's.
 void WindowProcedure(const Event& event);

@@ -5,8 +5,10 @@ enum StatusPart : int { PART_CONFIGURATION, PART_LAMPS, PART_CASSETTE, PART_MESS
 
 /// Creates the bar once, with its parts and lamps.
 void CreateStatusBar();
+/// Removes the bar; nothing is shown until it is created again.
 void DestroyStatusBar();
 int StatusBarHeight(); ///< 0 without a bar
+/// Lays the bar out again after a change of the window's size.
 void StatusBarRedraw();
 /// Draws the lamps' bevels, and the lamps too when `lamps` is set.
 void led_redraw(int lamps);

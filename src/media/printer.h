@@ -17,9 +17,11 @@ extern bool printer_enabled;
 void printer_init();
 /// Clears the busy line and the column; what was not written is lost.
 void printer_reset();
+/// Prints what waits, and closes the file.
 void printer_close();
 /// The directory of the output file, "printer.txt".
 void printer_set_filename(const std::string& directory);
+/// Prints one byte. Without a file it waits, and the printer stays busy; the next byte replaces it.
 void print_byte(uint8_t value);
 /// 1 while the output file is open.
 int printer_is_ready();

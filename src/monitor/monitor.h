@@ -27,15 +27,17 @@ int monitor_get_memdump_width(int cols);
 
 // ---- in the window -----------------------------------------------------------------------------
 
-int monitor_get_rows();
+int monitor_get_rows(); ///< character cells of the area above the status bar
 int monitor_get_cols();
 /// Draws the present page.
 void monitor_update();
+/// Changes to a MonitorPage and draws it.
 void monitor_select_page(int page);
 /// Draws the registers and the listing from where the processor stands.
 void debug();
 /// Draws the registers and the listing; where that has not begun yet, from `pc`.
 void step(uint16_t pc);
+/// Draws the memory page, whichever is the present one.
 void monitor_memdump();
 
 /// Address of the first instruction in the listing.
@@ -44,7 +46,9 @@ uint16_t monitor_get_current_pc();
 /// `direction` is 1 down, -1 up; up stops at the nearest of a few addresses whose instruction ends
 /// where the listing begins.
 void getpc_dir(int direction);
+/// One step, and draws the page.
 void step_dir(int direction);
 /// As many steps as there are rows.
 void step_dir_page(int direction);
+/// `count` steps, 0 and more.
 void step_dir_rows(int direction, int count);

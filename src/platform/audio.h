@@ -12,15 +12,16 @@ struct Audio {
     virtual bool set_cooperative() = 0;    ///< exclusive use for the main window
     virtual bool create_primary() = 0;     ///< the device's own buffer
     virtual bool set_format(int rate) = 0; ///< 16-bit mono
+    /// A silent ring that does not play yet; `rate` in samples per second.
     virtual bool create_ring(uint32_t bytes, int rate) = 0;
     virtual bool has_ring() = 0;
     /// The byte range as one or two regions, the second one where the range wraps. False on loss.
     virtual bool lock(uint32_t offset, uint32_t bytes, std::span<uint8_t>& first,
                       std::span<uint8_t>& second) = 0;
-    virtual bool unlock() = 0;
-    virtual bool play() = 0; ///< looping; nothing happens while it plays
+    virtual bool unlock() = 0; ///< the regions are no longer the caller's
+    virtual bool play() = 0;   ///< looping; nothing happens while it plays
     virtual void stop() = 0;
-    /// Up to where the device has taken data, or -1.
+    /// Byte offset up to which the device has taken data, or -1 without a ring or device.
     virtual int32_t position() = 0;
     virtual void restore() = 0; ///< after a loss
     virtual void release_ring() = 0;

@@ -13,9 +13,9 @@ struct JoystickState {
 /// Joysticks and game controllers, numbered from 0; they come and go while the program runs.
 struct Joysticks {
     virtual ~Joysticks() = default;
-    virtual int count() = 0; ///< devices the host knows
-    virtual bool plugged(int number) = 0;
-    virtual std::string name(int number) = 0;
+    virtual int count() = 0;                  ///< devices the host knows
+    virtual bool plugged(int number) = 0;     ///< is there one of this number now?
+    virtual std::string name(int number) = 0; ///< as the host calls it; empty without one
     /// Starts delivery of positions; false when the device cannot be had.
     virtual bool capture(int number) = 0;
     /// Nothing when it cannot be read.

@@ -8,13 +8,16 @@
 /// draw_status message; coordinates count from the bar's top left corner.
 struct StatusBar {
     virtual ~StatusBar() = default;
-    /// Creates the bar with parts that end at `right_edges`; -1 reaches to the window's edge.
+    /// Creates the bar with parts that end at `right_edges`; -1 reaches to the window's edge. False
+    /// when that fails.
     virtual bool create(std::span<const int> right_edges, int drawn_part) = 0;
     virtual void destroy() = 0;
     virtual bool exists() = 0;
     virtual int height() = 0; ///< 0 without a bar
+    /// Text and tool tip of a part, counted from 0; without a bar or part nothing happens.
     virtual void set_text(int part, const std::string& text) = 0;
     virtual void set_tip(int part, const std::string& text) = 0;
+    /// Draws in the drawn part.
     virtual void fill_rectangle(const Rectangle& area, Colour colour) = 0;
     virtual Colour shadow_colour() = 0;    ///< of raised edges
     virtual Colour highlight_colour() = 0; ///< of raised edges

@@ -17,10 +17,14 @@ struct iir_filter {
     uint32_t type = FILTER_HIGH_PASS;
 };
 
+/// A filter at rest of one of the two types; `cutoff` in Hz.
 std::unique_ptr<iir_filter> filter_iir_create(uint32_t type, uint32_t cutoff);
+/// Frees the filter and empties the pointer.
 void filter_destroy(std::unique_ptr<iir_filter>* filter);
+/// Coefficients for the record's `rate`, above 0, and `cutoff`; the filters below do it themselves
+/// when the rate changes.
 void filter_calc_coeff(iir_filter* filter);
 /// One sample; without a filter the sample itself.
 int32_t filter_output(iir_filter* filter, int32_t sample, uint32_t rate);
-/// `count` signed 16-bit samples in place.
+/// `count` signed 16-bit samples in place, at `rate` samples per second; nothing without a filter.
 void filter_buffer_output(iir_filter* filter, size_t count, int16_t* samples, uint32_t rate);

@@ -42,6 +42,7 @@ void sound_add_source(sound_source* source);
 void sound_register_driver(const sound_driver_table* driver);
 /// The driver that plays nothing, "No sound".
 void sound_null_driver_init();
+/// An empty fragment, the driver's reset, and the high-pass.
 void sound_init();
 /// The driver's reset, then every source's.
 void sound_reset();

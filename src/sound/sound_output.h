@@ -18,8 +18,10 @@ int dsound_create_secondary_buffer(int rate);
 int dsound_write(const uint16_t* samples, uint32_t offset, uint32_t bytes);
 /// Byte offset up to which the device has taken data, or -1 when unknown.
 int32_t dsound_get_current_position();
+/// Stops the ring, and starts it again.
 void dsound_pause();
 void dsound_resume();
 /// Gets a lost device back.
 void dsound_reset();
+/// Frees the ring and the device; the core's driver stays registered.
 void dsound_close();

@@ -24,7 +24,9 @@ void ym2149_set_clock(uint32_t clock_hz, uint32_t rate);
 /// Silences the generators, selects register 0 and clears the port latches. The register file, the
 /// noise register and the callbacks stay.
 void ym2149_reset();
+/// Selects the register that the next data access reaches.
 void ym2149_register_select(uint8_t value);
+/// Writes the selected register.
 void ym2149_write(uint8_t value);
 /// Takes effect at the processor's present cycle. `reg` above 15 changes only the register file, at
 /// `reg` modulo 16.

@@ -90,10 +90,12 @@ void z80_reset();
 int32_t z80_run(int32_t budget);
 /// z80_run (1): one instruction, or a trap and the instruction after it.
 void cpu_run();
+/// Address of the next instruction.
 uint16_t cpu_get_pc();
 
 // ---- interrupts --------------------------------------------------------------------------------
 
+// What DI, EI and IM 0 to 2 do to z80_state, without the delay of one instruction after EI.
 void do_di();
 void do_ei();
 void do_im0();
@@ -103,6 +105,7 @@ void do_im2();
 void do_int();
 /// Accepts the NMI now: 11 T-states, PC = 0066, IFF2 kept for RETN.
 void do_nmi();
+/// Requests the NMI, which is taken after the present instruction, once until z80_ack_nmi.
 void z80_assert_nmi();
 /// Ends the request and the service, so that the next request is taken.
 void z80_ack_nmi();
@@ -123,6 +126,7 @@ int cpu_check_breakpoint();
 int cpu_breakpoint_arrives();
 
 // ---- word access, low byte first ---------------------------------------------------------------
+// Two accesses through mem_read or mem_write; the byte above FFFF is the one at 0000.
 
 uint16_t mem_read_word(uint32_t address);
 void mem_write_word(uint32_t address, uint16_t value);
@@ -144,12 +148,15 @@ extern const std::array<uint8_t, 256> parity_table; ///< 1 where the number of s
 /// 1 when `value` (0 to FF) has an even number of set bits.
 int parity(uint8_t value);
 
+/// F as an addition, a subtraction or their 16-bit forms leave it, from operands and result; the
+/// carry that came in is found in them.
 void do_add_flags(uint8_t a, uint8_t b, uint8_t result);
 void do_sub_flags(uint8_t a, uint8_t b, uint8_t result);
 void do_add_word_flags(uint16_t a, uint16_t b, uint16_t result);
 void do_adc_word_flags(uint16_t a, uint16_t b, uint16_t result);
 void do_sbc_word_flags(uint16_t a, uint16_t b, uint16_t result);
 
+/// A and F of the instruction with that operand.
 void do_add_byte(uint8_t value);
 void do_adc_byte(uint8_t value);
 void do_sub_byte(uint8_t value);
@@ -160,6 +167,7 @@ void do_cp(uint8_t value);
 void do_and_byte(uint8_t value);
 void do_or_byte(uint8_t value);
 void do_xor_byte(uint8_t value);
+/// HL and F of ADD, ADC and SBC HL.
 void do_add_word(uint16_t value);
 /// `index` is the address of z80_state.ix or z80_state.iy.
 void do_add_word_index(uint16_t* index, uint16_t value);
@@ -170,6 +178,7 @@ void do_flags_inc_byte(uint8_t value);
 void do_flags_dec_byte(uint8_t value);
 void do_daa();
 
+/// Rotates and shifts of the CB group: the result, and F. The four without an operand work on A.
 uint8_t rlc_byte(uint8_t value);
 uint8_t rrc_byte(uint8_t value);
 uint8_t rl_byte(uint8_t value);
@@ -187,6 +196,7 @@ void do_rra();
 /// operand (low three bits 6).
 void do_test_bit(uint8_t opcode, uint8_t value, uint8_t bit);
 
+// The instructions of these names; RLD and RRD reach (HL) through the bus.
 void do_rld();
 void do_rrd();
 void do_ld_a_i();
