@@ -376,7 +376,7 @@ void Soak::check_picture() {
 }
 
 void Soak::check_memory() const {
-#ifndef __SANITIZE_ADDRESS__ // which keeps what is freed
+#ifndef ADDRESS_SANITIZER // which keeps what is freed
     const int64_t grown = resident_bytes() - first_memory_;
     expect(grown < 1 << 20, "bytes more resident than after the start", double(grown));
 #endif
