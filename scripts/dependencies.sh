@@ -5,9 +5,10 @@ set -euo pipefail
 
 run_packages=(g++ cmake ninja-build pasmo pkg-config libtomlplusplus-dev qt6-base-dev libgl-dev
               libxkbcommon-dev libxkbcommon-x11-dev libxcb1-dev libxcb-xkb-dev libsdl2-dev)
-test_packages=(libgtest-dev libgif-dev libbenchmark-dev libz80ex-dev clang clang-format clang-tidy
-               python3 xvfb xdotool x11-xkb-utils x11-utils appstream desktop-file-utils groff-base
-               libxml2-utils shared-mime-info openbox ffmpeg libavcodec-dev libswscale-dev)
+test_packages=(libgtest-dev libgif-dev libbenchmark-dev libz80ex-dev clang libclang-rt-dev
+               clang-format clang-tidy python3 xvfb xdotool x11-xkb-utils x11-utils appstream
+               desktop-file-utils groff-base libxml2-utils shared-mime-info openbox ffmpeg
+               libavcodec-dev libswscale-dev)
 package_packages=(debootstrap dpkg-dev)
 picture_packages=(xvfb xdotool x11-utils openbox imagemagick)
 

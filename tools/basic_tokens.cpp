@@ -294,11 +294,14 @@ NumberedLine split_number(const Line& line) {
     return result;
 }
 
+/// Repairs of a line, each of which reads all of it again: more than any that was typed needs.
+constexpr size_t MOST_REPAIRS = 32;
+
 /// Text of a line that becomes the same bytes again: what would be read otherwise, as the letters
-/// of a word that are no token, is escaped.
+/// of a word that are no token, is escaped. A line that is full of them is escaped from there on.
 std::string line_text(unsigned number, const BasicBytes& bytes) {
     std::vector<Piece> pieces = Reader(bytes).run();
-    for (size_t tries = 0; tries <= pieces.size(); ++tries) {
+    for (size_t tries = 0; tries <= std::min(pieces.size(), 2 * MOST_REPAIRS); ++tries) {
         std::string text = std::to_string(number) + " ";
         for (const Piece& piece : pieces) text += piece.text;
         const Line line = read_escapes(text);
@@ -311,7 +314,8 @@ std::string line_text(unsigned number, const BasicBytes& bytes) {
         size_t at = 0, begin = 0;
         while (at + 1 < pieces.size() && begin + pieces[at].bytes.size() <= wrong)
             begin += pieces[at++].bytes.size();
-        pieces[at].text = escape_all(pieces[at].bytes);
+        const size_t end = tries < MOST_REPAIRS ? at + 1 : pieces.size();
+        for (; at < end; ++at) pieces[at].text = escape_all(pieces[at].bytes);
     }
     return std::to_string(number) + " " + escape_all(bytes);
 }

@@ -19,6 +19,8 @@ struct machine_configuration {
 constexpr uint32_t STANDARD_MODELS = 3; ///< the slots before the empty one
 constexpr uint32_t CUSTOM_CONFIGURATION = 4;
 constexpr uint32_t MACHINE_CONFIGURATIONS = 5; ///< slot 3 stays empty
+constexpr uint32_t SLOWEST_CLOCK = 50'000;     ///< Hz, of a custom configuration
+constexpr uint32_t FASTEST_CLOCK = 100'000'000;
 
 extern machine_configuration machine_cfg[MACHINE_CONFIGURATIONS];
 extern uint32_t active_machine_cfg;

@@ -13,9 +13,7 @@
 
 namespace {
 
-constexpr int LONGEST_TEXT = 260;          ///< characters of a path and of the start-up pattern
-constexpr uint32_t SLOWEST_CLOCK = 50'000; ///< Hz
-constexpr uint32_t FASTEST_CLOCK = 100'000'000;
+constexpr int LONGEST_TEXT = 260; ///< characters of a path and of the start-up pattern
 constexpr uint32_t FIRST_RANDOM_PATTERN = 256;
 constexpr uint32_t RANDOM_PATTERN = 0xFFFFFFFF;
 constexpr const char* RANDOM_TEXT = "Random";

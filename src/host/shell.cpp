@@ -109,9 +109,12 @@ void read_options(uint32_t& bit_depth) {
     read_flag("SyncSpeed", g_Timer);
     read_flag("RunInBackground", g_bRunInBackground);
     GetValueDword("CompositeBlur", &g_CompositeBlur);
+    const uint32_t standard_clock = custom().cpu_clock;
     for (size_t n = 0; n < PALETTE_SETTING; ++n) {
         GetValueDword(configuration_settings[n].name, configuration_settings[n].number);
     }
+    uint32_t& clock = custom().cpu_clock;
+    if (clock > FASTEST_CLOCK || clock < SLOWEST_CLOCK) clock = standard_clock;
     uint32_t& frequency = custom().screen_frequency;
     if (frequency > HIGHEST_SCREEN_FREQUENCY || frequency < LOWEST_SCREEN_FREQUENCY) {
         frequency = DEFAULT_SCREEN_FREQUENCY;

@@ -89,6 +89,14 @@ void type_character() {
     keyboard_type_reset();
 }
 
+/// Traps take no time, and the firmware runs many instructions between two of them. In a ROM where
+/// one leads straight to the next, no frame would ever end: there, a scan line passes.
+void let_frame_end() {
+    static int64_t last_trap = -1;
+    if (z80_state.t_count == last_trap) z80_state.t_count += int64_t(z80_state.cycles_per_line);
+    last_trap = z80_state.t_count;
+}
+
 void restore(size_t address, size_t size) {
     std::copy_n(source_rom_pointer() + address, size, rom_pointer() + address);
 }
@@ -127,6 +135,7 @@ void memory_place_bas_trap() { std::ranges::copy(TYPING_PATCH, rom_pointer() + K
 void memory_remove_bas_trap() { restore(KEYBOARD_ROUTINE, TYPING_PATCH.size()); }
 
 void trap_handle(int number) {
+    let_frame_end();
     switch (number) {
     case TRAP_READ_BIT: return read_bit();
     case TRAP_FIND_LEADER: z80_state.pc = FIND_SYNC; break;

@@ -4,8 +4,11 @@
 #include "platform/whole_file.h"
 
 #define TOML_EXCEPTIONS 0
+/// The library asserts what a damaged file may break, and reports it as an error just behind that.
+#define TOML_ASSERT(condition) static_cast<void>(0)
 #include <toml++/toml.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
@@ -93,6 +96,43 @@ void put_text(toml::table& table, const std::string& name, const std::string& va
     table.insert_or_assign(name, std::move(coded));
 }
 
+/// The quotes that `text` begins with, or nothing.
+std::string_view quotes_of(std::string_view text) {
+    for (const std::string_view quotes : {"\"\"\"", "'''", "\"", "'"}) {
+        if (text.starts_with(quotes)) return quotes;
+    }
+    return {};
+}
+
+/// Where a character outside ASCII stands in no text and no comment, or npos. Looking for white
+/// space, the library takes some of them for impossible, with no telling what it does then; it also
+/// looks behind a backslash in a text of several lines.
+size_t stray_character(std::string_view toml) {
+    constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";
+    const auto is_ascii = [](char c) { return uint8_t(c) < 0x80; };
+    std::string_view quotes; // of the text around `at`
+    size_t at = toml.starts_with(BYTE_ORDER_MARK) ? BYTE_ORDER_MARK.size() : 0;
+    while (at < toml.size()) {
+        const std::string_view rest = toml.substr(at);
+        const bool of_lines = quotes.size() > 1;
+        if (quotes.empty()) {
+            if (!is_ascii(rest[0])) return at;
+            quotes = quotes_of(rest);
+            at = rest[0] == '#' ? toml.find('\n', at) : at + std::max<size_t>(quotes.size(), 1);
+        } else if (rest[0] == '\\' && quotes[0] == '"') {
+            const size_t next = rest.find_first_not_of(" \t\r\n", 1);
+            if (of_lines && next < rest.size() && !is_ascii(rest[next])) return at + next;
+            at += 2;
+        } else if (rest.starts_with(quotes) || (rest[0] == '\n' && !of_lines)) {
+            at += std::min(quotes.size(), rest.size());
+            quotes = {};
+        } else {
+            ++at;
+        }
+    }
+    return std::string_view::npos;
+}
+
 /// What stands in the file. A missing file is an empty table.
 struct Contents {
     enum class State { good, missing, unreadable, damaged };
@@ -103,6 +143,13 @@ struct Contents {
 
 Contents parse(const std::string& text) {
     Contents contents;
+    const size_t stray = stray_character(text);
+    if (stray != std::string::npos) {
+        const auto lines = std::count(text.begin(), text.begin() + ptrdiff_t(stray), '\n');
+        contents.state = Contents::State::damaged;
+        contents.damage = "line " + std::to_string(lines + 1) + ": a character outside of ASCII";
+        return contents;
+    }
     toml::parse_result parsed = toml::parse(text);
     if (parsed) {
         contents.state = Contents::State::good;

@@ -135,6 +135,7 @@ TEST_F(ShellTest, BadValuesAreCorrected) {
     store_number("ActiveConfig", 3);
     store_number("CustomScreenFreq", 151);
     store_number("CustomPalette", 7);
+    store_number("CustomCpuClockFreq", 49'999);
     start();
     EXPECT_EQ(stored("CompositeBlur"), 0U) << "at once";
     EXPECT_EQ(active_machine_cfg, 0U);
@@ -143,6 +144,7 @@ TEST_F(ShellTest, BadValuesAreCorrected) {
     EXPECT_EQ(stored("ActiveConfig"), 0U);
     EXPECT_EQ(stored("CustomScreenFreq"), 50U);
     EXPECT_EQ(stored("CustomPalette"), 1U);
+    EXPECT_EQ(stored("CustomCpuClockFreq"), 2'216'750U);
 }
 
 TEST_F(ShellTest, StoredOptionsReachTheProgram) {

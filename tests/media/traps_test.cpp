@@ -1,6 +1,7 @@
 #include "media/traps.h"
 
 #include "cgenie/memory.h"
+#include "core/frame_driver.h"
 #include "core/machine.h"
 #include "media/tape.h"
 #include "media/tape_audio.h"
@@ -155,6 +156,18 @@ TEST_F(Traps, BytesGoToTheTape) {
     EXPECT_EQ(want.size(), 257U);
     char name = '-';
     EXPECT_EQ(tape_cas_type(&name), TAPE_BASIC);
+}
+
+/// The machine's own ROM never does this; a file that was loaded as one may.
+TEST_F(Traps, OneThatLeadsToItselfLetsTheFrameEnd) {
+    constexpr uint16_t BEHIND_READ_BYTE = 0x01F8;
+    memory[BEHIND_READ_BYTE] = 0xED;
+    memory[BEHIND_READ_BYTE + 1] = 2;
+    z80_state.pc = BEHIND_READ_BYTE;
+    const int64_t start = z80_state.t_count;
+    for (int n = 0; n < 1000; ++n) z80_run(0);
+    EXPECT_GE(z80_state.t_count - start, frame_budget());
+    EXPECT_EQ(z80_state.pc, BEHIND_READ_BYTE);
 }
 
 TEST_F(Traps, ResetClearsTheInputBitOnceReady) {

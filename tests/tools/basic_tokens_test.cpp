@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -118,6 +119,22 @@ TEST(BasicTokensTest, AnyProgramComesBackFromItsText) {
         ASSERT_TRUE(text) << problem.text;
         EXPECT_EQ(basic_encode(*text, problem), file) << *text;
     }
+}
+
+/// Letters that read as words, in a line longer than any that was typed: looked at afresh for every
+/// letter, it would take minutes.
+TEST(BasicTokensTest, LongLineOfFalseWordsComesBackSoon) {
+    constexpr size_t LETTERS = 4000;
+    constexpr size_t NEXT = 0x5801 + 4 + LETTERS + 1;
+    BasicBytes file{0xFF, uint8_t(NEXT & 0xFF), uint8_t(NEXT >> 8), 10, 0};
+    for (size_t n = 0; n < LETTERS; ++n) file.push_back(n % 2 ? 'F' : 'I');
+    file.insert(file.end(), {0, 0, 0});
+    BasicProblem problem;
+    const auto start = std::chrono::steady_clock::now();
+    const auto text = basic_decode(file, problem);
+    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::seconds(10));
+    ASSERT_TRUE(text) << problem.text;
+    EXPECT_EQ(basic_encode(*text, problem), file);
 }
 
 TEST(BasicTokensTest, FaultsAreNamed) {

@@ -1,0 +1,28 @@
+/// Load modules: read into the machine, then started where they say.
+
+#include "cgenie/memory.h"
+#include "core/frame_driver.h"
+#include "media/cmd_loader.h"
+#include "platform/file_handle.h"
+#include "support/fake_host.h"
+#include "support/machine.h"
+#include "z80/z80.h"
+
+#include <algorithm>
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    static uint8_t nothing = 0;
+    fake_host = {};
+    fresh_machine();
+    const FileHandle file(size ? fmemopen(const_cast<uint8_t*>(data), size, "rb")
+                               : fmemopen(&nothing, 0, "rb"));
+    if (!file) return 0;
+    uint16_t entry = 0;
+    const int loaded = load_cmd(file.get(), &entry);
+    require(loaded == 0 || loaded == 1, "the result is 1 or 0");
+    const bool patched = !std::equal(memory, memory + 0x100, active_rom);
+    require(!patched, "no module writes to the ROM");
+    z80_state.pc = entry;
+    if (entry) machine_run();
+    return 0;
+}

@@ -1,0 +1,90 @@
+/// The settings file: any contents, looked at and changed; then the program starts with what was
+/// found in it.
+
+#include "platform/settings_file.h"
+
+#include "cgenie/video.h"
+#include "core/frame_driver.h"
+#include "platform/host_services.h"
+#include "support/files.h"
+#include "support/input.h"
+#include "support/shell.h"
+
+#include <filesystem>
+#include <iterator>
+
+namespace {
+
+constexpr const char* NAME = "settings.toml";
+/// The numbers that the program reads.
+constexpr const char* NUMBERS[] = {"ActiveConfig",
+                                   "BitDepth",
+                                   "CompositeBlur",
+                                   "CustomCpuClockFreq",
+                                   "CustomPalette",
+                                   "CustomRamSize",
+                                   "CustomRamStartupPattern",
+                                   "CustomRomBASIC",
+                                   "CustomRomChar",
+                                   "CustomRomExpansion",
+                                   "CustomScreenFreq",
+                                   "CycleBasedEmulation",
+                                   "DoubleScan",
+                                   "EnablePrinter",
+                                   "GiantScreen",
+                                   "HiResLowe",
+                                   "KeyMapping",
+                                   "RunInBackground",
+                                   "Sound",
+                                   "SyncSpeed",
+                                   "VideoCut"};
+constexpr const char* TEXTS[] = {"BasicROMPath", "CharROMPath", "ExpansionROMPath", "Disk0",
+                                 "Tape"};
+
+/// What earlier runs have left.
+void remove_files() {
+    use_own_folder();
+    std::error_code error;
+    for (const auto& entry : std::filesystem::directory_iterator(".", error)) {
+        std::filesystem::remove_all(entry.path(), error);
+    }
+}
+
+void change(SettingsFile& store, std::span<const uint8_t> bytes) {
+    Input input(bytes.data(), bytes.size());
+    const uint32_t number = input.dword();
+    const char* const name = NUMBERS[input.byte() % std::size(NUMBERS)];
+    const std::string text = input.text(64);
+    if (store.set_number(name, number)) require(store.number(name) == number, "a number is kept");
+    if (store.set_text(name, text)) require(store.text(name) == text, "a text is kept");
+    require(store.complaint().empty(), "a file of its own is not damaged");
+}
+
+void start_with(SettingsFile& store) {
+    constexpr int32_t LONGEST_FRAME = 500'000; ///< cycles; a fast processor takes its time
+    FuzzShell shell;
+    for (const char* name : NUMBERS) {
+        if (const auto value = store.number(name)) shell.host.settings().set_number(name, *value);
+    }
+    for (const char* name : TEXTS) {
+        if (const auto value = store.text(name)) shell.host.settings().set_text(name, *value);
+    }
+    shell.start();
+    const int32_t budget = frame_budget();
+    require(budget > 0, "a frame has a length");
+    if (budget < LONGEST_FRAME) machine_run();
+    update_screen(1);
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+    remove_files();
+    write_file(NAME, {data, size});
+    SettingsFile store(NAME);
+    require(store.open(), "any file can be opened, or is put aside");
+    store.complaint();
+    start_with(store);
+    change(store, {data, size});
+    return 0;
+}

@@ -1,0 +1,162 @@
+#include "support/machine.h"
+
+#include "cgenie/bus.h"
+#include "cgenie/crtc.h"
+#include "cgenie/keyboard.h"
+#include "cgenie/memory.h"
+#include "cgenie/video.h"
+#include "cgenie/video_beam.h"
+#include "core/frame_driver.h"
+#include "core/machine.h"
+#include "media/printer.h"
+#include "media/tape.h"
+#include "media/tape_audio.h"
+#include "media/traps.h"
+#include "media/wd1771.h"
+#include "sound/sound_core.h"
+#include "sound/ym2149.h"
+#include "support/files.h"
+#include "z80/z80.h"
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+
+namespace {
+
+/// Cycles that the beam engine has run, modulo 2: half a character clock may be left over in it.
+uint32_t beam_parity = 0;
+
+constexpr int UNSERVED_TRAP = 0x0C;
+
+void count_beam(int32_t cycles) { beam_parity ^= uint32_t(cycles) & 1; }
+
+void program_crtc(std::span<const uint8_t> values) {
+    for (uint32_t number = 0; number < values.size(); ++number) {
+        crtc_write_register(number, values[number]);
+    }
+}
+
+void clear_half_clock() {
+    if (!beam_parity) return;
+    constexpr std::array<uint8_t, 2> LOAD_A = {0x3E, 0x00}; // 7 cycles in ROM
+    std::ranges::copy(LOAD_A, memory);
+    z80_reset();
+    crtc = {}; // the beam stands still
+    count_beam(1 - video_step(1));
+}
+
+/// Runs the beam alone to the end of a frame, the picture not centred.
+void end_frame(uint32_t clocks_at_once) {
+    constexpr int LONGEST_WAY = 100'000;
+    video_beam_reset_centring();
+    const uint32_t before = crtc.frame_counter;
+    for (int n = 0; n < LONGEST_WAY && crtc.frame_counter == before; ++n) {
+        video_do_cycles(clocks_at_once);
+    }
+}
+
+/// Frames of 250 lines of 20 clocks: after a few, wherever the beam comes from, they end with the
+/// vertical sync, and there all its counters are known.
+void bring_beam_home() {
+    constexpr std::array<uint8_t, 10> SHORT_FRAME = {19, 8, 0, 0x22, 124, 0, 100, 110, 0, 1};
+    constexpr int FRAMES = 4;
+    crtc = {};
+    program_crtc(SHORT_FRAME);
+    for (int n = 0; n < FRAMES; ++n) end_frame(SHORT_FRAME[0] + 1u);
+    end_frame(1);
+    crtc = {};
+    video_reset();
+}
+
+/// The controller's buffer survives a reset; a track of zeros that is written to no sector clears
+/// it.
+void clear_sector_buffer() {
+    constexpr uint8_t WRITE_TRACK = 0xF0;
+    constexpr int BUFFER = 1024;
+    wd1771_disk(0).image.resize(1);
+    wd1771_device_select(1);
+    wd1771_write_reg(0, WRITE_TRACK);
+    wd1771_write_reg(3, 0xF7); // to the start of the buffer
+    for (int n = 0; n < BUFFER; ++n) wd1771_write_reg(3, 0);
+    wd1771_init();
+}
+
+} // namespace
+
+HeadlessPlatform& fuzz_platform() {
+    static HeadlessPlatform host{HeadlessOptions{}};
+    static const bool installed = [] {
+        use_own_folder();
+        install_platform(host);
+        return true;
+    }();
+    (void)installed;
+    return host;
+}
+
+void fresh_beam() {
+    fuzz_platform();
+    clear_half_clock();
+    bring_beam_home();
+}
+
+void fresh_machine(uint32_t configuration) {
+    fuzz_platform().release_all_keys();
+    tape_close_wav();
+    tape_rewind();
+    tape_detach_cas();
+    keyboard_type_reset();
+    printer_enabled = false;
+    g_bCycleBasedEngine = false;
+    leftover = 0;
+
+    z80_state = {};
+    machine_init();
+    clear_sector_buffer();
+    crtc_reset();
+    std::ranges::fill(ports, uint8_t(0));
+    z80_out(0xFF, 0);
+    bus_activity = {};
+    active_machine_cfg = machine_is_valid_cfg(configuration) ? configuration : CUSTOM_CONFIGURATION;
+    if (active_machine_cfg != 0) machine_change_cfg(machine_cfg[active_machine_cfg], 1);
+    tape_init();
+    ym2149_reset();
+    z80_state.t_count = 1;
+    trap_handle(UNSERVED_TRAP); // the first one of the run follows no other
+    z80_state.t_count = 0;
+    sound_update(0);
+}
+
+void program_standard_picture() {
+    constexpr std::array<uint8_t, 14> STANDARD = {70, 40, 54, 0x3C, 38, 0, 25,
+                                                  30, 0,  7,  0x47, 7,  4, 0};
+    program_crtc(STANDARD);
+}
+
+void load_registers(Input& input) {
+    for (uint16_t z80_record::*pair :
+         {&z80_record::af, &z80_record::bc, &z80_record::de, &z80_record::hl, &z80_record::ix,
+          &z80_record::iy, &z80_record::sp, &z80_record::pc}) {
+        z80_state.*pair = input.word();
+    }
+    z80_state.i = input.byte();
+    z80_state.r = input.byte();
+    const uint8_t interrupts = input.byte();
+    z80_state.iff1 = z80_state.iff2 = interrupts & 1;
+    z80_state.interrupt_mode = uint8_t((interrupts >> 1) % 3);
+    z80_state.irq = interrupts >> 3 & 1;
+    z80_state.nmi = interrupts >> 4 & 1;
+}
+
+void run_beam_frame() {
+    const int32_t budget = frame_budget();
+    count_beam(budget - video_run_cycles(budget));
+}
+
+void step_beam_frame() {
+    const int32_t budget = frame_budget();
+    int32_t left = budget;
+    while (left > 0) left = video_step(left);
+    count_beam(budget - left);
+}
