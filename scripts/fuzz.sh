@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
-# Runs the fuzzing programs, two at a time, from their seeds and what earlier runs have found to be
+# Runs the fuzzing programs from their seeds and what earlier runs have found to be
 # of interest. Prints a line for each. Inputs that fail are kept in build/fuzz/failed.
 # usage: scripts/fuzz.sh [SECONDS] [TARGET...]
-# FUZZ_BUILD names a build folder that is there already; else the preset is built.
+# FUZZ_BUILD names a build folder that is there already; else the preset is built. FUZZ_JOBS is how
+# many run at a time, 2 unless given.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -62,4 +63,4 @@ fuzz_one() {
 export -f fuzz_one longest_input
 export project build work seconds TMPDIR
 
-printf '%s\n' "${targets[@]}" | xargs -P2 -I{} bash -c 'fuzz_one {}'
+printf '%s\n' "${targets[@]}" | xargs -P"${FUZZ_JOBS:-2}" -I{} bash -c 'fuzz_one {}'
