@@ -1,6 +1,5 @@
 #include "support/machine.h"
 
-#include "cgenie/bus.h"
 #include "cgenie/crtc.h"
 #include "cgenie/keyboard.h"
 #include "cgenie/memory.h"
@@ -117,7 +116,6 @@ void fresh_machine(uint32_t configuration) {
     crtc_reset();
     std::ranges::fill(ports, uint8_t(0));
     z80_out(0xFF, 0);
-    bus_activity = {};
     active_machine_cfg = machine_is_valid_cfg(configuration) ? configuration : CUSTOM_CONFIGURATION;
     if (active_machine_cfg != 0) machine_change_cfg(machine_cfg[active_machine_cfg], 1);
     tape_init();

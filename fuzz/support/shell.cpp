@@ -1,6 +1,5 @@
 #include "support/shell.h"
 
-#include "cgenie/bus.h"
 #include "cgenie/crtc.h"
 #include "cgenie/hires_lowe.h"
 #include "cgenie/memory.h"
@@ -61,7 +60,6 @@ void FuzzShell::start() {
     z80_state = {};
     z80_state.t_count = SINCE_POWER_ON;
     crtc = {};
-    bus_activity = {};
     std::ranges::fill(ports, uint8_t(0));
     emu_init({});
     started = true;

@@ -5,6 +5,7 @@
 #include "cgenie/keyboard.h"
 #include "cgenie/memory.h"
 #include "cgenie/video.h"
+#include "cgenie/video_beam.h"
 #include "media/printer.h"
 #include "media/tape_audio.h"
 #include "media/wd1771.h"
@@ -14,8 +15,6 @@
 #include "z80/z80.h"
 
 #include <cassert>
-
-bus_activity_record bus_activity;
 
 namespace {
 
@@ -62,8 +61,6 @@ void add_wait_cycle() { ++z80_state.t_count; }
 
 void store(uint32_t address, uint8_t value) {
     add_wait_cycle();
-    ++bus_activity.changes;
-    bus_activity.last_write = address;
     memory[address] = value;
 }
 
@@ -90,7 +87,10 @@ uint8_t read_device(uint32_t address) {
 
 [[gnu::noinline]] void write_upper(uint32_t address, uint8_t value) {
     if (address < COLOUR_RAM) return;
-    if (address < KEYBOARD) return store(address, value);
+    if (address < KEYBOARD) {
+        video_beam_before_write(address);
+        return store(address, value);
+    }
     // Above the RAM a write costs nothing, unlike a read.
     if (address >= DISK_SELECT && address < DISK_SELECT_END) wd1771_write_param_reg(value);
     if (address >= DISK_REGISTERS && address < DISK_REGISTERS_END) {
@@ -111,7 +111,7 @@ uint8_t memory_tape_read() {
 }
 
 void write_latch(uint8_t value, uint8_t previous) {
-    bus_activity.changes += OUTPUT_CHANGES;
+    video_beam_before_output();
     if ((value ^ previous) & LATCH_CASSETTE) {
         const uint8_t bit = value & LATCH_CASSETTE;
         sound_update(z80_state.t_count);
@@ -137,6 +137,7 @@ void mem_write(uint32_t address, uint8_t value) {
     if (address >= EXPANSION_ROM) return write_upper(address, value);
     if (address < RAM_START) return;
     if (address >= RAM_UPPER && memory_is_16k()) return;
+    if (address < video_beam_watched_end) video_beam_before_write(address);
     store(address, value);
 }
 
@@ -161,7 +162,7 @@ void z80_out(uint32_t port, uint8_t value) {
     case PORT_SOUND_DATA: ym2149_write(value); break;
     case PORT_CRTC_SELECT: crtc_register_select(value); break;
     case PORT_CRTC_DATA:
-        bus_activity.changes += OUTPUT_CHANGES;
+        video_beam_before_output();
         crtc_write(value);
         break;
     case PORT_LATCH: write_latch(value, previous); break;

@@ -1,6 +1,5 @@
 #include "cgenie/video_beam.h"
 
-#include "cgenie/bus.h"
 #include "cgenie/crtc.h"
 #include "cgenie/video.h"
 #include "cgenie/video_cell.h"
@@ -20,7 +19,8 @@ constexpr uint32_t VERTICAL_SYNC_MASK = 15; ///< width 0 means 16 lines
 constexpr int SHORTEST_FRAME = 244;         ///< lines; a sync before them presents nothing
 constexpr int LAST_LINE = 379;              ///< a frame without a sync ends after it
 constexpr double CENTRING_WEIGHT = 0.2;
-constexpr uint32_t WORD_WRITTEN = 2; ///< changes on the bus by the widest store
+constexpr uint32_t VIDEO_RAM_END = VIDEO_RAM_START + VIDEO_RAM_MASK + 1;
+constexpr uint32_t CHARACTER_LINES = 8; ///< of the character tables
 constexpr uint32_t NO_CURSOR = VIDEO_RAM_MASK + 1;
 
 /// The counters of the controller.
@@ -154,37 +154,43 @@ void draw_graphics_cells(uint32_t address, uint32_t clocks) {
     }
 }
 
-void draw_text_cells(uint32_t address, uint32_t clocks) {
-    const auto& patterns = selected_patterns();
+/// `pattern` (code) is the pattern of a character on this scan line.
+template <typename Pattern>
+inline void draw_text_cells(uint32_t address, uint32_t clocks, Pattern pattern) {
     const uint64_t background = in_every_pixel(video_graphic_background_selected);
-    const uint32_t cursor = cursor_offset();
-    const uint32_t y = state.scan_line;
     uint8_t* pixels = beam;
-    for (; clocks > 0; --clocks, ++address, pixels += CELL_WIDTH) {
-        const uint32_t offset = address & VIDEO_RAM_MASK;
-        const uint8_t inversion = offset == cursor ? 0xFF : 0;
-        const uint8_t pattern = pattern_line(patterns, video_ram(offset), y) ^ inversion;
-        draw_pattern(pixels, pattern, colour_ram(offset), background);
+    for (uint32_t n = 0; n < clocks; ++n, pixels += CELL_WIDTH) {
+        draw_pattern(pixels, pattern(video_ram(address + n)), colour_ram(address + n), background);
     }
+    const uint32_t cursor = cursor_offset();
+    const uint32_t n = (cursor - address) & VIDEO_RAM_MASK;
+    if (cursor > VIDEO_RAM_MASK || n >= clocks) return;
+    draw_pattern(beam + n * CELL_WIDTH, pattern(video_ram(cursor)) ^ 0xFF, colour_ram(cursor),
+                 background);
 }
 
-// A line's runs are a few cells long: words in a loop are faster there than a block fill or copy.
+void draw_text_cells(uint32_t address, uint32_t clocks) {
+    const auto& patterns = selected_patterns();
+    const uint32_t y = state.scan_line;
+    if (y >= CHARACTER_LINES) {
+        draw_text_cells(address, clocks,
+                        [&](uint32_t code) { return pattern_line(patterns, code, y); });
+        return;
+    }
+    // All four tables end after 256 characters.
+    const uint8_t* const lines[] = {patterns[0] + y, patterns[1] + y, patterns[2] + y,
+                                    patterns[3] + y};
+    draw_text_cells(address, clocks, [&](uint32_t code) { return lines[code >> 6][code * 8]; });
+}
 
+/// A line's runs are a few cells long: words in a loop are faster there than a block fill.
 void fill_cells(uint8_t* pixels, uint64_t word, size_t cells) {
     for (; cells > 0; --cells, pixels += CELL_WIDTH) std::memcpy(pixels, &word, sizeof word);
 }
 
-void copy_cells(uint8_t* to, const uint8_t* from, size_t cells) {
-    for (; cells > 0; --cells, to += CELL_WIDTH, from += CELL_WIDTH) {
-        uint64_t word;
-        std::memcpy(&word, from, sizeof word);
-        std::memcpy(to, &word, sizeof word);
-    }
-}
-
 /// Puts out `clocks` cells at the beam, the first from `address`, with the flags as they are. The
 /// caller sees to it that they fit into the storage.
-inline void output(uint32_t address, uint32_t clocks, uint8_t background) {
+inline void output(uint32_t address, uint32_t clocks) {
     if (state.blanking) {
         // Blanked, the beam stops where the shown area ends.
         if (beam >= SHOWN_END) return;
@@ -194,7 +200,7 @@ inline void output(uint32_t address, uint32_t clocks, uint8_t background) {
         return;
     }
     if (state.border) {
-        fill_cells(beam, in_every_pixel(background), clocks);
+        fill_cells(beam, in_every_pixel(video_graphic_background_selected), clocks);
     } else if (video_mode) {
         draw_graphics_cells(address, clocks);
     } else {
@@ -245,128 +251,82 @@ void count(uint32_t clocks) {
     if (state.horizontal_sync_counter != 0) state.horizontal_sync_counter += clocks;
 }
 
-void advance(uint32_t clocks, uint8_t background) {
-    output(state.matrix_address + 1, clocks, background);
-    count(clocks);
-}
-
 /// One clock with an event and the run of at most `clocks` - 1 after it, put out together. Returns
-/// the clocks used; `quiet` becomes the clocks from there to the next event.
-uint32_t run_event(uint32_t clocks, uint32_t& quiet) {
+/// the clocks used.
+uint32_t run_event(uint32_t clocks) {
     step_counters();
     const uint32_t address = state.matrix_address;
-    quiet = clocks_without_event();
-    const uint32_t run = std::min(clocks - 1, quiet);
+    const uint32_t run = std::min(clocks - 1, clocks_without_event());
     count(run);
-    output(address, run + 1, video_graphic_background_selected);
-    quiet -= run;
-    if (beam == STORAGE_END) {
-        end_frame();
-        quiet = clocks_without_event();
-    }
+    output(address, run + 1);
+    if (beam == STORAGE_END) end_frame();
     return run + 1;
 }
 
-/// Runs `clocks` of which the first `quiet` have no event. Returns the clocks from there to the
-/// next event.
-uint32_t run_clocks(uint32_t clocks, uint32_t quiet) {
-    while (clocks > quiet) {
-        advance(quiet, video_graphic_background_selected);
-        clocks -= quiet;
-        clocks -= run_event(clocks, quiet);
-    }
-    advance(clocks, video_graphic_background_selected);
-    return quiet - clocks;
+void run_clocks(uint32_t clocks) {
+    const uint32_t quiet = std::min(clocks, clocks_without_event());
+    output(state.matrix_address + 1, quiet);
+    count(quiet);
+    clocks -= quiet;
+    while (clocks > 0) clocks -= run_event(clocks);
 }
 
-/// Clocks up to the next event, which the beam does in one go while the processor runs. It may lag
-/// behind as long as the processor changes nothing that they show. Inside the picture their cells
-/// are drawn ahead; those that the beam has not reached when something changes are taken back.
-struct QuietRun {
-    uint32_t clocks = 0; ///< in all
-    uint32_t left = 0;   ///< of them, before the processor
-    bool drawn_ahead = false;
-    uint8_t background = 0; ///< as the run began
-    uint32_t seen = 0;      ///< of the bus's changes
-};
+/// The processor cycle that the beam has reached. While the processor runs, the beam lags behind,
+/// and catches up before the processor changes anything that it has still to show.
+int64_t beam_time;
 
-/// The pixels that a run drawn ahead has overwritten.
-uint8_t overwritten[LONGEST_LINE * CELL_WIDTH];
-
-void begin_run(QuietRun& quiet, uint32_t clocks) {
-    quiet.clocks = quiet.left = clocks;
-    quiet.background = video_graphic_background_selected;
-    quiet.drawn_ahead = !(state.blanking | state.border);
-    if (!quiet.drawn_ahead) return;
-    uint8_t* const here = beam;
-    copy_cells(overwritten, here, clocks);
-    output(state.matrix_address + 1, clocks, quiet.background);
-    beam = here;
+/// Runs the beam up to the processor cycle `time`.
+void catch_up(int64_t time) {
+    if (time == beam_time) return;
+    const auto half_clocks = uint32_t(time - beam_time) + state.odd_cycle;
+    beam_time = time;
+    state.odd_cycle = half_clocks % 2;
+    if (crtc.horizontal_total != 0) run_clocks(half_clocks / 2); // programmed
 }
 
-/// Brings the beam to where the processor is.
-void catch_up(const QuietRun& quiet) {
-    const uint32_t lag = quiet.clocks - quiet.left;
-    if (quiet.drawn_ahead) {
-        beam += lag * CELL_WIDTH;
-        copy_cells(beam, overwritten + lag * CELL_WIDTH, quiet.left);
-        count(lag);
-    } else {
-        advance(lag, quiet.background);
-    }
-}
-
-/// Does the run show the byte at `address` or one beside it, the other one of a word?
-bool shows(const QuietRun& quiet, uint32_t address) {
+/// May the beam have shown the byte at `address` since the time that it has reached? Whatever the
+/// registers, a clock's cell is the one after the last clock's, or the matrix goes back to the
+/// row's or the picture's first: no cell is further behind one of these than there were clocks.
+bool lag_shows(uint32_t address) {
     if (address >= CHARACTER_RAM_START) return true;
     const uint32_t mask = address >= COLOUR_RAM_START ? COLOUR_RAM_MASK : VIDEO_RAM_MASK;
-    if (mask == VIDEO_RAM_MASK && address > VIDEO_RAM_START + VIDEO_RAM_MASK + 1) return false;
-    return ((address - state.matrix_address) & mask) <= quiet.clocks + 1;
+    const int64_t clocks = (z80_state.t_count - beam_time) / 2 + 1;
+    const auto reached_from = [=](uint32_t first) { return ((address - first) & mask) <= clocks; };
+    return reached_from(state.matrix_address) || reached_from(state.matrix_latch) ||
+           reached_from(crtc.start_address);
 }
 
-/// Has the processor's last instruction changed what the run shows?
-bool disturbed(const QuietRun& quiet) {
-    const uint32_t changes = bus_activity.changes - quiet.seen;
-    if (changes > WORD_WRITTEN) return true; // an output, or an interrupt after the instruction
-    return changes > 0 && quiet.drawn_ahead && shows(quiet, bus_activity.last_write);
+void start_following() {
+    beam_time = z80_state.t_count;
+    video_beam_watched_end = VIDEO_RAM_END;
 }
 
-void follow_processor(QuietRun& quiet, uint32_t clocks) {
-    const bool as_expected = !disturbed(quiet);
-    quiet.seen = bus_activity.changes;
-    if (as_expected && clocks <= quiet.left) {
-        quiet.left -= clocks;
-        return;
-    }
-    catch_up(quiet);
-    begin_run(quiet, run_clocks(clocks, as_expected ? quiet.left : clocks_without_event()));
+void stop_following() {
+    catch_up(z80_state.t_count);
+    video_beam_watched_end = 0;
 }
 
-/// Processor and beam until the cycles are used or `stop` answers true after an instruction.
+/// Processor and beam, instruction by instruction, until the cycles are used or `stop` answers
+/// true.
 template <typename Stop>
-inline int32_t run_until(int32_t cycles, Stop stop) {
-    QuietRun quiet;
-    quiet.seen = bus_activity.changes;
+int32_t run_until(int32_t cycles, Stop stop) {
+    start_following();
     do {
-        const int32_t used = -z80_run(0);
-        cycles -= used;
-        const uint32_t half_clocks = uint32_t(used) + state.odd_cycle;
-        state.odd_cycle = half_clocks % 2;
-        const uint32_t clocks = half_clocks / 2;
-        if (quiet.seen == bus_activity.changes && clocks <= quiet.left) {
-            quiet.left -= clocks;
-        } else if (crtc.horizontal_total != 0) { // programmed
-            follow_processor(quiet, clocks);
-        }
+        cycles += z80_run(0);
     } while (cycles > 0 && !stop());
-    catch_up(quiet);
+    stop_following();
     return cycles;
 }
 } // namespace
 
+uint32_t video_beam_watched_end = 0;
+
 int32_t video_run_cycles(int32_t cycles) {
     if (z80_state.breakpoint_enabled) return run_until(cycles, cpu_breakpoint_arrives);
-    return run_until(cycles, [] { return false; });
+    start_following();
+    cycles = z80_run_noting_starts(cycles);
+    stop_following();
+    return cycles;
 }
 
 int32_t video_step(int32_t cycles) {
@@ -375,7 +335,15 @@ int32_t video_step(int32_t cycles) {
 
 void video_do_cycles(uint32_t clocks) {
     if (crtc.horizontal_total == 0) return; // not programmed yet
-    run_clocks(clocks, clocks_without_event());
+    run_clocks(clocks);
+}
+
+void video_beam_before_write(uint32_t address) {
+    if (video_beam_watched_end != 0 && lag_shows(address)) catch_up(z80_state.instruction_start);
+}
+
+void video_beam_before_output() {
+    if (video_beam_watched_end != 0) catch_up(z80_state.instruction_start);
 }
 
 void video_beam_reset_centring() {

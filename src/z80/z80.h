@@ -41,9 +41,10 @@ struct z80_record : z80_registers {
     int32_t irq; ///< level line: nonzero while a device asserts it
     int32_t nmi; ///< latched request; taking the NMI does not clear it
     int32_t nmi_in_progress;
-    int64_t t_count;          ///< T-states since program start; only ever grows
-    uint64_t clock_hz;        ///< main clock in Hz
-    uint64_t cycles_per_line; ///< clock_hz / 15625 as of z80_init
+    int64_t t_count;           ///< T-states since program start; only ever grows
+    int64_t instruction_start; ///< t_count before an instruction; see z80_run_noting_starts
+    uint64_t clock_hz;         ///< main clock in Hz
+    uint64_t cycles_per_line;  ///< clock_hz / 15625 as of z80_init
     uint16_t breakpoint;
     int32_t breakpoint_enabled;
     int32_t breakpoint_reached;
@@ -88,6 +89,9 @@ void z80_reset();
 /// 0 or negative. A budget of 0 runs exactly one instruction and returns minus its cost, the
 /// acceptance of an interrupt after it included.
 int32_t z80_run(int32_t budget);
+/// As z80_run; while it runs, `instruction_start` tells a device when the present instruction
+/// began. z80_run does so only for a budget of 0.
+int32_t z80_run_noting_starts(int32_t budget);
 /// z80_run (1): one instruction, or a trap and the instruction after it.
 void cpu_run();
 /// Address of the next instruction.
