@@ -25,21 +25,51 @@ uint8_t* write_line(uint8_t* destination, const Pixel* line, bool doubled, bool 
     std::memcpy(destination + sizeof wide, wide, sizeof wide);
     return destination + 2 * sizeof wide;
 }
+
+/// The last picture that has gone through the composite filter, and what came out.
+struct FilteredPicture {
+    bool valid = false;
+    yuv_pixel palette[std::size(yuv_palette)];
+    uint8_t frame[SCREEN_HEIGHT + 1][SCREEN_WIDTH];
+    uint32_t colours[SCREEN_HEIGHT][SCREEN_WIDTH];
+};
+FilteredPicture television;
+
+bool palette_changed() {
+    return std::memcmp(television.palette, yuv_palette, sizeof yuv_palette) != 0;
+}
+
+/// A line comes out as it did before unless it or the one below it has changed; in most programs
+/// few do from one frame to the next.
+void filter_changed_lines() {
+    const bool all = !television.valid || palette_changed();
+    bool changed = false; // of the line below
+    for (int y = SCREEN_HEIGHT; y >= 0; --y) {
+        const uint8_t* line = frame_buffer + y * SCREEN_WIDTH;
+        const bool below_changed = changed;
+        changed = all || std::memcmp(television.frame[y], line, SCREEN_WIDTH) != 0;
+        if (changed) std::memcpy(television.frame[y], line, SCREEN_WIDTH);
+        if (y == SCREEN_HEIGHT || !(changed || below_changed)) continue;
+        yuv_pixel filtered[SCREEN_WIDTH];
+        video_yuv_filter(line, filtered, SCREEN_WIDTH, 1, SCREEN_WIDTH);
+        yuv_to_rgb(filtered, television.colours[y], SCREEN_WIDTH);
+    }
+    std::memcpy(television.palette, yuv_palette, sizeof yuv_palette);
+    television.valid = true;
+}
 } // namespace
 
 void video_resize_frame(uint8_t* destination, int, int width, int blur, int black_odd_lines) {
     const bool doubled = width == 2 * SCREEN_WIDTH;
     const bool black_odd = black_odd_lines != 0;
+    if (blur) filter_changed_lines();
     for (int y = 0; y < SCREEN_HEIGHT; ++y) {
-        const uint8_t* line = frame_buffer + y * SCREEN_WIDTH;
-        if (!blur) {
-            destination = write_line(destination, line, doubled, black_odd, uint8_t(BLACK_INDEX));
-            continue;
+        if (blur) {
+            destination =
+                write_line(destination, television.colours[y], doubled, black_odd, uint32_t(0));
+        } else {
+            destination = write_line(destination, frame_buffer + y * SCREEN_WIDTH, doubled,
+                                     black_odd, uint8_t(BLACK_INDEX));
         }
-        yuv_pixel filtered[SCREEN_WIDTH];
-        uint32_t colours[SCREEN_WIDTH];
-        video_yuv_filter(line, filtered, SCREEN_WIDTH, 1, SCREEN_WIDTH);
-        yuv_to_rgb(filtered, colours, SCREEN_WIDTH);
-        destination = write_line(destination, colours, doubled, black_odd, uint32_t(0));
     }
 }

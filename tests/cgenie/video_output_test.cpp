@@ -5,6 +5,7 @@
 
 #include <cstring>
 #include <random>
+#include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -60,4 +61,24 @@ TEST(VideoOutput, ScalesTheFrame) {
             expect_scaled<uint32_t>(blurred, width, black_odd, 0);
         }
     }
+}
+
+TEST(VideoOutput, FiltersWhateverHasChanged) {
+    calculate_palette(0);
+    draw_noise();
+    const auto expect_filtered = [](const char* change) {
+        std::vector<uint32_t> canvas(size_t(SCREEN_WIDTH) * SCREEN_HEIGHT);
+        video_resize_frame(reinterpret_cast<uint8_t*>(canvas.data()), 0, SCREEN_WIDTH, 1, 0);
+        EXPECT_TRUE(canvas == composite_picture()) << change;
+    };
+    expect_filtered("all");
+    for (const int line : {0, 1, 100, 101, 287, 288}) { // the last is only below another
+        frame_buffer[line * SCREEN_WIDTH + 7 * line % SCREEN_WIDTH] ^= 3;
+        expect_filtered(std::to_string(line).c_str());
+    }
+    palette_set_saturation(20);
+    expect_filtered("saturation");
+    calculate_palette(1);
+    expect_filtered("standard");
+    palette_set_saturation(palette_get_default_saturation());
 }
