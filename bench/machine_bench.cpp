@@ -1,5 +1,6 @@
-/// The machine: frames of both engines with and without a picture, the composite filter, the GIF
-/// writer. "emulated s/s" is emulated seconds per second of the host.
+/// The machine: frames of both engines with and without a picture, the composite filter, the
+/// scaling into the canvas, the GIF writer. "emulated s/s" is emulated seconds per second of the
+/// host.
 
 #include "cgenie/memory.h"
 #include "cgenie/palette.h"
@@ -75,11 +76,21 @@ void frame_of_example(benchmark::State& state, const char* name) {
 BENCHMARK_CAPTURE(frame_of_example, colours, "colours.cmd")->Unit(benchmark::kMicrosecond);
 BENCHMARK_CAPTURE(frame_of_example, bounce, "bounce.cmd")->Unit(benchmark::kMicrosecond);
 
-void frame_of_example_with_picture(benchmark::State& state, const char* name) {
+/// The whole way to the canvas: single or giant, plain or through the composite filter.
+void frame_of_example_with_picture(benchmark::State& state, const char* name, bool giant,
+                                   bool blur) {
     start_example(name);
+    g_CompositeBlur = blur;
+    recreate_bitmap(giant, 8);
     run_frames(state, true);
 }
-BENCHMARK_CAPTURE(frame_of_example_with_picture, colours, "colours.cmd")
+BENCHMARK_CAPTURE(frame_of_example_with_picture, colours, "colours.cmd", false, false)
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(frame_of_example_with_picture, colours_giant, "colours.cmd", true, false)
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(frame_of_example_with_picture, colours_blur, "colours.cmd", false, true)
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(frame_of_example_with_picture, bounce_blur, "bounce.cmd", false, true)
     ->Unit(benchmark::kMicrosecond);
 
 void beam_frame_of_example(benchmark::State& state, const char* name) {
@@ -97,12 +108,26 @@ void render_full_frame(benchmark::State& state, const char* name) {
 BENCHMARK_CAPTURE(render_full_frame, text, "colours.cmd")->Unit(benchmark::kMicrosecond);
 BENCHMARK_CAPTURE(render_full_frame, graphics, "bounce.cmd")->Unit(benchmark::kMicrosecond);
 
-void composite_filter(benchmark::State& state) {
+/// A picture that stands still, and one that changes in every line.
+void composite_filter(benchmark::State& state, bool moving) {
     start_example("colours.cmd");
     std::vector<uint8_t> pixels(size_t(SCREEN_WIDTH) * SCREEN_HEIGHT * 4);
-    for (auto _ : state) video_resize_frame(pixels.data(), 0, SCREEN_WIDTH, 66, 0);
+    for (auto _ : state) {
+        for (int y = 0; moving && y < SCREEN_HEIGHT; ++y) frame_buffer[y * SCREEN_WIDTH] ^= 1;
+        video_resize_frame(pixels.data(), 0, SCREEN_WIDTH, 66, 0);
+    }
 }
-BENCHMARK(composite_filter)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(composite_filter, still, false)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(composite_filter, moving, true)->Unit(benchmark::kMicrosecond);
+
+/// Into the canvas without the filter.
+void scale_frame(benchmark::State& state, int width) {
+    start_example("colours.cmd");
+    std::vector<uint8_t> pixels(size_t(SCREEN_WIDTH) * SCREEN_HEIGHT * 4);
+    for (auto _ : state) video_resize_frame(pixels.data(), 0, width, 0, 0);
+}
+BENCHMARK_CAPTURE(scale_frame, single, SCREEN_WIDTH)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(scale_frame, giant, 2 * SCREEN_WIDTH)->Unit(benchmark::kMicrosecond);
 
 void gif_of_example(benchmark::State& state) {
     start_example("colours.cmd");

@@ -28,7 +28,8 @@ same() {
 
 silent desktop-file-validate tarvelin.desktop
 appstreamcli validate --no-net tarvelin.metainfo.xml || fail "appstreamcli failed"
-silent xmllint --noout --nonet tarvelin-mime.xml icons/tarvelin.svg ../docs/manual.html ../docs/firmware.html
+silent xmllint --noout --nonet tarvelin-mime.xml icons/tarvelin.svg ../docs/manual.html ../docs/firmware.html \
+    ../docs/benchmarks.html
 silent groff -ww -man -Tutf8 -z tarvelin.1
 silent groff -ww -man -Tutf8 -z tarvelin-bas.1
 silent groff -ww -man -Tutf8 -z tarvelin-disk.1
