@@ -1,5 +1,5 @@
 ; The boot sector of a floppy disk. With the disk ROM in the machine and this disk in drive 0, it
-; greets once MEM SIZE? has been answered, and leaves the prompt of BASIC below: the disk around it
+; greets at power-on, without MEM SIZE?, and leaves the prompt of BASIC below: the disk around it
 ; (disklayout.asm) is an empty one that programs can be saved to.
 ;
 ; The disk ROM loads the sector to 5700h and calls 5710h.

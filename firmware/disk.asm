@@ -1,8 +1,9 @@
 ; The disk ROM: 8 KB at C000, for four drives behind a WD1771.
 ;
 ; BASIC finds "DR" at C000 when the machine is switched on. It calls C005 before it asks for the
-; memory size, which it does not do where a disk is to be started, and C002 behind it. Direct words that are no
-; words of BASIC come by way of hook_line, the others by the disk vectors and the other hooks.
+; memory size, which it does not do where a disk is to be started, and C002 behind it. Direct words
+; that are no words of BASIC come by way of hook_line, the others by the disk vectors and the other
+; hooks.
 ;
 ; A disk has T tracks (35, 40 or 80) of S sectors (10 or 18) of 256 bytes, counted from 0. Half a
 ; track is a block. Track 0 sector 0 is the boot sector, track D = T / 2 the directory: sector 0 of

@@ -146,7 +146,7 @@ _ask:
         JR NZ,_short
         LD A,(LINE_BUFFER)
         CP '6'
-        JR NC,_ask   ; beyond what a line number may be
+        JR NC,_ask              ; beyond what a line number may be
 _short:
         CALL next_line_character
         JR Z,size_memory

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Runs the fuzzing programs from their seeds and what earlier runs have found to be
-# of interest. Prints a line for each. Inputs that fail are kept in build/fuzz/failed.
+# Runs the fuzzing programs from their seeds and what earlier runs have found to be of interest.
+# Prints a line for each. Inputs that fail are kept in build/fuzz/failed.
 # usage: scripts/fuzz.sh [SECONDS] [TARGET...]
 # FUZZ_BUILD names a build folder that is there already; else the preset is built. FUZZ_JOBS is how
 # many run at a time, 2 unless given.
