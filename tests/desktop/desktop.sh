@@ -34,6 +34,15 @@ start_server() {
     export DISPLAY
 }
 
+# start_window_manager: for what goes from one window to another
+start_window_manager() {
+    openbox >openbox.log 2>&1 &
+    for _ in $(seq 50); do
+        if xdotool get_desktop >/dev/null 2>&1; then break; fi # it is there
+        sleep 0.1
+    done
+}
+
 # start_program ARGUMENTS...: sets program_pid and window.
 start_program() {
     "$program" "$@" >program.log 2>&1 &

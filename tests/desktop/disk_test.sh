@@ -19,11 +19,7 @@ cp "$image" disk.dsk
 mv disk0000.gif expected.gif
 
 start_server
-openbox >openbox.log 2>&1 &
-for _ in $(seq 50); do
-    if xdotool get_desktop >/dev/null 2>&1; then break; fi # the window manager is there
-    sleep 0.1
-done
+start_window_manager
 start_program "$PWD/disk.dsk"
 shows READY disk || fail "the disk did not start"
 # The cursor blinks.

@@ -19,11 +19,7 @@ becomes() {
 }
 
 start_server
-openbox >openbox.log 2>&1 &
-for _ in $(seq 50); do
-    if xdotool get_desktop >/dev/null 2>&1; then break; fi # the window manager is there
-    sleep 0.1
-done
+start_window_manager
 start_program
 sleep 0.5
 first=$(geometry)
