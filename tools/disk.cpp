@@ -1,4 +1,5 @@
 /// tarvelin-disk: looks into disk images and brings files to and from them.
+#include "platform/file_names.h"
 #include "platform/host_services.h"
 #include "platform/whole_file.h"
 #include "tools/basic_tokens.h"
@@ -54,8 +55,8 @@ Exit status: 0 done, 1 a file or a disk is at fault, 2 wrong arguments.
 
 enum : int { DONE = 0, FAILED = 1, WRONG_ARGUMENTS = 2 };
 
-constexpr size_t LARGEST_IMAGE = 16 << 20, LARGEST_FILE = 1 << 20;
-constexpr uint8_t TOKENIZED = 0xFF; ///< first byte of a tokenized file of the host
+constexpr size_t LARGEST_CONTENTS = 1 << 20; ///< bytes, more than any disk holds
+constexpr uint8_t TOKENIZED = 0xFF;          ///< first byte of a tokenized file of the host
 constexpr char RETURN = '\r';
 constexpr unsigned TRACKS = 40, SECTORS = 10, CGD_TRACKS = 76;
 
@@ -106,12 +107,12 @@ int fail(const std::string& message, int status = FAILED) {
 // Files of the host.
 
 std::optional<DiskBytes> read_file(const std::string& path) {
-    if (path != "-") return read_whole_file(path, LARGEST_FILE);
+    if (path != "-") return read_whole_file(path, LARGEST_CONTENTS);
     DiskBytes bytes;
     uint8_t block[4096];
     while (const size_t count = std::fread(block, 1, sizeof block, stdin)) {
         bytes.insert(bytes.end(), block, block + count);
-        if (bytes.size() > LARGEST_FILE) return {};
+        if (bytes.size() > LARGEST_CONTENTS) return {};
     }
     return std::ferror(stdin) ? std::nullopt : std::optional(bytes);
 }
@@ -138,7 +139,7 @@ int write_file(const std::string& path, const DiskBytes& bytes, bool force) {
 
 /// Mounts the disk in an image file, or tells why not.
 std::optional<DiskSystem> open_disk(const std::string& path) {
-    std::optional<DiskBytes> bytes = read_whole_file(path, LARGEST_IMAGE);
+    std::optional<DiskBytes> bytes = read_whole_file(path);
     if (!bytes) return fail("cannot read " + path), std::nullopt;
     std::string problem;
     std::optional<disk_image> image = disk_image_of(std::move(*bytes), problem);
@@ -212,15 +213,8 @@ std::optional<DiskBytes> program_of(const DiskBytes& bytes, std::string& problem
     return program;
 }
 
-std::string extension_of(const std::string& path) {
-    std::string extension = std::filesystem::path(path).extension().string();
-    std::ranges::transform(extension, extension.begin(),
-                           [](unsigned char c) { return char(std::tolower(c)); });
-    return extension;
-}
-
 DiskFileType type_of(const std::string& extension) {
-    return extension == ".bas" ? FILE_PROGRAM : extension == ".cmd" ? FILE_CODE : FILE_DATA;
+    return extension == "bas" ? FILE_PROGRAM : extension == "cmd" ? FILE_CODE : FILE_DATA;
 }
 
 /// A name for the host that stays in the present folder, whatever the disk says.
@@ -239,7 +233,6 @@ std::string host_name(const DiskName& name) {
 // Commands.
 
 int create(const Arguments& given) {
-    if (!may_write(given.words[0], given.has(FORCE))) return FAILED;
     const unsigned tracks = given.tracks.value_or(given.layout == DISK_FIXED ? CGD_TRACKS : TRACKS);
     std::string problem;
     auto image = disk_blank(given.layout, tracks, given.sectors, problem);
@@ -299,10 +292,10 @@ int put(const Arguments& given) {
         return fail(given.words[0] + ": " + disk_name_text(*name) + " exists; --force replaces it");
     auto bytes = read_file(path);
     if (!bytes) return fail("cannot read " + path);
-    const std::string extension = extension_of(path == "-" ? host_name(*name) : path);
+    const std::string extension = lower_case_extension(path == "-" ? host_name(*name) : path);
     const DiskFileType type = given.type.value_or(type_of(extension));
     const bool text =
-        given.has(TEXT) || (!given.type && (extension == ".txt" || extension == ".asc"));
+        given.has(TEXT) || (!given.type && (extension == "txt" || extension == "asc"));
     std::string problem;
     if (type == FILE_PROGRAM) bytes = program_of(*bytes, problem);
     if (!bytes) return fail(path + ":" + problem);

@@ -8,8 +8,7 @@
 
 namespace {
 
-constexpr size_t SECTOR = 256;
-constexpr unsigned DENSE_SECTORS = 18, COMMON_SECTORS = 10;
+constexpr size_t SECTOR = SECTOR_SIZE;
 constexpr unsigned FORMATTED_TRACKS[] = {80, 40, 35}; ///< FORMAT takes the first that is there
 constexpr unsigned MOST_TRACKS = FORMATTED_TRACKS[0];
 constexpr uint8_t UNFORMATTED = 0xE5;
@@ -29,8 +28,6 @@ constexpr size_t NAME_PART = 8;
 constexpr uint8_t ENTRY_UNUSED = 0, ENTRY_DELETED = 0xE5;
 constexpr uint8_t BLANK = ' ';
 
-// Image files with something before their sectors.
-constexpr size_t JV3_HEADER = 8704, CGD_HEADER = 80;
 constexpr uint8_t JV3_WRITABLE = 0xFF; ///< also an entry without a sector
 constexpr unsigned TRACKS_LIMIT = 256;
 
@@ -271,16 +268,18 @@ void put_little_endian(DiskBytes& bytes, size_t place, uint32_t value) {
 
 /// The table of sector headers: track, sector, and flags, 00 for single density.
 void put_jv3_header(DiskBytes& bytes, unsigned tracks, unsigned sectors) {
-    std::fill_n(bytes.begin(), JV3_HEADER, JV3_WRITABLE);
-    for (size_t i = 0; i < size_t(tracks) * sectors && 3 * i + 2 < JV3_HEADER; ++i) {
-        bytes[3 * i] = uint8_t(i / sectors);
-        bytes[3 * i + 1] = uint8_t(i % sectors);
-        bytes[3 * i + 2] = 0;
+    std::fill_n(bytes.begin(), JV3_HEADER_SIZE, JV3_WRITABLE);
+    const size_t count = std::min<size_t>(tracks * sectors, JV3_HEADER_SIZE / JV3_ENTRY_SIZE);
+    for (size_t i = 0; i < count; ++i) {
+        uint8_t* const entry = bytes.data() + i * JV3_ENTRY_SIZE;
+        entry[0] = uint8_t(i / sectors);
+        entry[1] = uint8_t(i % sectors);
+        entry[2] = 0;
     }
 }
 
 void put_cgd_header(DiskBytes& bytes, unsigned tracks, unsigned sectors) {
-    std::fill_n(bytes.begin(), CGD_HEADER, uint8_t(0));
+    std::fill_n(bytes.begin(), CGD_HEADER_SIZE, uint8_t(0));
     put_little_endian(bytes, 0, tracks);
     put_little_endian(bytes, 4, 1); // side
     put_little_endian(bytes, 8, sectors);
@@ -303,7 +302,9 @@ std::optional<disk_image> disk_blank(disk_layout layout, unsigned tracks, unsign
     const std::string shape = number(tracks) + " tracks of " + number(sectors) + " sectors";
     fail(problem, "the emulator does not know images of this layout with " + shape);
     if (tracks == 0 || tracks >= TRACKS_LIMIT || sectors == 0 || sectors > DENSE_SECTORS) return {};
-    const size_t header = layout == DISK_JV3 ? JV3_HEADER : layout == DISK_FIXED ? CGD_HEADER : 0;
+    const size_t header = layout == DISK_JV3     ? JV3_HEADER_SIZE
+                          : layout == DISK_FIXED ? CGD_HEADER_SIZE
+                                                 : 0;
     DiskBytes bytes(header + size_t(tracks) * sectors * SECTOR, UNFORMATTED);
     if (layout == DISK_JV3) put_jv3_header(bytes, tracks, sectors);
     if (layout == DISK_FIXED) put_cgd_header(bytes, tracks, sectors);

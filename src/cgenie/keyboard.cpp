@@ -1,12 +1,10 @@
 #include "cgenie/keyboard.h"
 
-#include "platform/file_handle.h"
 #include "platform/platform.h"
+#include "platform/whole_file.h"
 
 #include <array>
 #include <bit>
-#include <filesystem>
-#include <optional>
 #include <utility>
 
 namespace {
@@ -74,8 +72,6 @@ constexpr int SHIFT_READS = 3;
 /// Reads of row 7 to come that report SHIFT as down.
 int next_shift_state = 0;
 
-/// More than any text for a machine of 32 KB.
-constexpr uintmax_t LARGEST_TEXT = 16 << 20;
 constexpr uint8_t CARRIAGE_RETURN = 13;
 
 std::string buffer;     ///< text to type
@@ -156,19 +152,6 @@ void start_typing(std::string text) {
     bas_pointer = 0;
 }
 
-/// Regular files only: a folder has no text, and a pipe would hold up the machine.
-std::optional<std::string> read_text_file(const std::string& path) {
-    std::error_code error;
-    const uintmax_t size = std::filesystem::file_size(path, error);
-    if (error || size > LARGEST_TEXT) return {};
-    const FileHandle file = open_file(path, "rb");
-    if (!file) return {};
-    std::string text(size_t(size), '\0');
-    text.resize(std::fread(text.data(), 1, text.size(), file.get()));
-    if (std::ferror(file.get())) return {};
-    return text;
-}
-
 } // namespace
 
 uint8_t keyboard_read(uint8_t address_low) {
@@ -198,9 +181,9 @@ int keyboard_open_from_buffer(const std::string& text) {
 }
 
 int keyboard_open_bas_file(const std::string& path) {
-    auto text = read_text_file(path);
+    const auto text = read_whole_file(path);
     if (!text) return 0;
-    start_typing(std::move(*text));
+    start_typing({text->begin(), text->end()});
     return 1;
 }
 

@@ -17,8 +17,8 @@ void keyboard_change_mapping(int mapping);
 
 /// Starts typing the text, up to a zero byte; 1 on success.
 int keyboard_open_from_buffer(const std::string& text);
-/// Starts typing the whole file; 0 when it cannot be opened, is no regular file or is larger than
-/// 16 MB.
+/// Starts typing the whole file; 0 when it cannot be read, is no regular file or is larger than
+/// LARGEST_FILE.
 int keyboard_open_bas_file(const std::string& path);
 /// Starts typing the clipboard's text, where there is one.
 void gui_paste_from_clipboard();

@@ -104,7 +104,9 @@ void machine_set_main_clock(uint32_t hz) {
     ym2149_init(hz / machine_cfg[active_machine_cfg].psg_divider);
 }
 
-void machine_show_cfg() { StatusBarPartText(0, "%s", machine_cfg[active_machine_cfg].name); }
+void machine_show_cfg() {
+    StatusBarPartText(PART_CONFIGURATION, "%s", machine_cfg[active_machine_cfg].name);
+}
 
 void machine_specific_init() { crtc_reset(); }
 void machine_specific_reset() { crtc_reset(); }

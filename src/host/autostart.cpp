@@ -10,13 +10,14 @@
 #include "media/tape.h"
 #include "media/traps.h"
 #include "platform/file_handle.h"
+#include "platform/file_names.h"
 #include "platform/host_services.h"
 #include "platform/platform.h"
+#include "platform/whole_file.h"
 #include "z80/z80.h"
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 #include <filesystem>
 #include <string_view>
 #include <unistd.h>
@@ -28,27 +29,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// No file of this machine comes near it: a tape of an hour has less than a megabyte.
-constexpr uintmax_t LARGEST_FILE = 16 * 1024 * 1024;
 /// Until the firmware has started and waits for input.
 constexpr int BOOT_FRAMES = 100;
-
-/// Where the extension's point stands, or npos; a point in a folder's name does not count.
-size_t extension_point(const std::string& path) {
-    const size_t point = path.rfind('.');
-    const size_t separator = path.rfind('/');
-    const bool in_folder = separator != std::string::npos && point < separator;
-    return in_folder ? std::string::npos : point;
-}
-
-std::string lower_case_extension(const std::string& path) {
-    const size_t point = extension_point(path);
-    if (point == std::string::npos) return {};
-    std::string extension = path.substr(point + 1);
-    std::ranges::transform(extension, extension.begin(),
-                           [](unsigned char c) { return char(std::tolower(c)); });
-    return extension;
-}
 
 // The loaders return false when nothing is to be reported.
 

@@ -18,7 +18,6 @@ uint32_t s_dwSoundFrame = 0;
 namespace {
 
 constexpr uint32_t MESSAGE_INTERVAL = 100; ///< frames
-constexpr size_t PALETTE_ENTRY_BYTES = 4;
 constexpr const char* SUBJECT = "Vesk's emulators";
 
 AviWriter pfOutput;

@@ -6,7 +6,6 @@
 
 namespace {
 
-constexpr uint32_t FRAME_RATE = 50;
 constexpr uint32_t SAMPLE_RATE = 48000;
 constexpr uint32_t SAMPLE_BYTES = 2;
 constexpr uint32_t SOUND_BUFFER = SAMPLE_RATE * SAMPLE_BYTES;
@@ -116,7 +115,7 @@ void AviWriter::add_stream(Bytes& header, const Stream& stream) const {
     header.put32(0); // priority, language
     header.put32(0); // initial frames
     header.put32(1);
-    header.put32(sound ? SAMPLE_RATE : FRAME_RATE);
+    header.put32(sound ? SAMPLE_RATE : AVI_FRAME_RATE);
     header.put32(0); // start
     header.put32(stream.ticks);
     header.put32(sound ? SOUND_BUFFER : stream.largest);
@@ -167,8 +166,8 @@ AviWriter::Bytes AviWriter::make_header() const {
     const size_t list = header.start("LIST");
     header.name("hdrl");
     size_t content = header.start("avih");
-    header.put32(1'000'000 / FRAME_RATE);
-    header.put32(std::min<uint64_t>(uint64_t(video.largest) * FRAME_RATE + SOUND_BUFFER, ~0U));
+    header.put32(1'000'000 / AVI_FRAME_RATE);
+    header.put32(std::min<uint64_t>(uint64_t(video.largest) * AVI_FRAME_RATE + SOUND_BUFFER, ~0U));
     header.put32(0); // padding
     header.put32(FILE_IS_INTERLEAVED | FILE_TRUST_CHUNKS | (has_old_index_ ? FILE_HAS_INDEX : 0));
     header.put32(first_frames_);

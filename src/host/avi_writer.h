@@ -1,5 +1,5 @@
 #pragma once
-/// AVI files: pictures at 50 frames per second and, beside them, 16-bit mono sound at 48000 Hz.
+/// AVI files: pictures at AVI_FRAME_RATE and, beside them, 16-bit mono sound at 48000 Hz.
 ///
 /// A file is a row of RIFF segments of at most a gigabyte each. The first is complete in itself,
 /// with the old index at its end, for programs that know no others. Every segment ends with an
@@ -25,6 +25,7 @@ constexpr uint32_t four_characters(const char (&text)[5]) {
     return code;
 }
 
+constexpr uint32_t AVI_FRAME_RATE = 50; ///< frames per second
 constexpr uint64_t AVI_SEGMENT_BYTES = 1'000'000'000;
 
 class AviWriter {

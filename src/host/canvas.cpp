@@ -8,7 +8,6 @@
 dib canvas;
 
 namespace {
-constexpr size_t PALETTE_ENTRY_BYTES = 4;
 enum PaletteByte : size_t { BLUE, GREEN, RED };
 
 size_t palette_entries(int bits) { return bits <= 8 ? size_t(1) << bits : 0; }

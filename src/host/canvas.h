@@ -2,6 +2,7 @@
 /// The canvas: the host bitmap that the frame is drawn into, source of the window's picture, of
 /// screenshots and of video.
 
+#include <cstddef>
 #include <cstdint>
 #include <vector>
 
@@ -21,11 +22,13 @@ struct bitmap_header {
 };
 static_assert(sizeof(bitmap_header) == 40);
 
+constexpr size_t PALETTE_ENTRY_BYTES = 4; ///< blue, green, red, 0
+
 struct dib {
     int width = 0;
     int height = 0;
     bitmap_header header;
-    std::vector<uint8_t> palette; ///< blue, green, red, 0 per entry; empty at 32 bits
+    std::vector<uint8_t> palette; ///< empty at 32 bits
     std::vector<uint8_t> pixels;  ///< rows of width x bits / 8 bytes, top row first
 };
 

@@ -21,6 +21,7 @@
 #include "media/traps.h"
 #include "media/wd1771.h"
 #include "monitor/monitor.h"
+#include "platform/file_names.h"
 #include "platform/host_services.h"
 #include "platform/platform.h"
 #include "sound/sound_core.h"
@@ -31,7 +32,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 
 namespace {
 
@@ -172,13 +172,6 @@ void save_to_wav() {
 
 // ---- the picture -------------------------------------------------------------------------------
 
-bool is_gif_name(const std::string& path) {
-    std::string extension = path.substr(path.rfind('.') + 1);
-    std::ranges::transform(extension, extension.begin(),
-                           [](unsigned char c) { return char(std::tolower(c)); });
-    return extension == "gif" && extension.size() < path.size();
-}
-
 void save_gif(const std::string& path) {
     if (gif_write_as(path, canvas)) return;
     std::string text = "Error saving in GIF format.";
@@ -187,7 +180,7 @@ void save_gif(const std::string& path) {
 }
 
 void save_screenshot_as(const std::string& path) {
-    if (is_gif_name(path)) {
+    if (lower_case_extension(path) == "gif") {
         save_gif(path);
     } else if (!dib_save_to_file(canvas, path)) {
         StatusBarText("%s: cannot be written", path.c_str());
@@ -301,7 +294,9 @@ void select_disk(unsigned drive) {
 }
 
 std::string drive_text(unsigned drive, const std::string& content) {
-    return "Drive :&" + std::to_string(drive) + " - " + content;
+    std::string text = "Drive :&" + std::to_string(drive) + " - ";
+    for (const char c : content) text.append(c == '&' ? 2 : 1, c); // alone it marks an access key
+    return text;
 }
 
 // ---- the table ---------------------------------------------------------------------------------

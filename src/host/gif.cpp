@@ -129,7 +129,6 @@ void start_string(const uint8_t* pixel) {
     lzw.lastentry = *pixel;
 }
 
-/// Writes the code of the string before `pixel`, and starts over with the pixel.
 /// Writes the string at hand where a clear or the end follows. It counts for no string here, but a
 /// decoder counts every code and may widen the next one after it.
 void write_last_string() {
@@ -139,6 +138,7 @@ void write_last_string() {
     }
 }
 
+/// Writes the code of the string before `pixel`, and starts over with the pixel.
 void emit(uint32_t slot, const uint8_t* pixel) {
     write_code(lzw.lastentry);
     ++lzw.entries;

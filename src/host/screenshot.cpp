@@ -53,7 +53,7 @@ int gif_write_as(const std::string& path, const dib& bitmap) {
     }
     std::array<uint8_t, GIF_COLOURS * 3> colours;
     for (size_t i = 0; i < GIF_COLOURS; ++i) {
-        const uint8_t* entry = &bitmap.palette[i * 4]; // blue, green, red, 0
+        const uint8_t* entry = &bitmap.palette[i * PALETTE_ENTRY_BYTES];
         colours[i * 3] = entry[2];
         colours[i * 3 + 1] = entry[1];
         colours[i * 3 + 2] = entry[0];

@@ -32,6 +32,7 @@
 
 #include <array>
 #include <cstdlib>
+#include <filesystem>
 #include <string>
 
 bool g_bActive = true;
@@ -46,6 +47,8 @@ std::string avi_name;
 std::string wav_name;
 
 namespace {
+
+namespace fs = std::filesystem;
 
 constexpr const char* WINDOW_TITLE = "Tarvelin - EACA EG2000 Colour Genie emulator";
 constexpr uint32_t MONOCHROME = 1; ///< "BitDepth" of the 1-bit canvas
@@ -99,6 +102,13 @@ const std::array<FlagSetting, 4> input_and_view_settings = {{
     {"KeyMapping", &g_KeyMapping},
     {"GiantScreen", &g_GiantScreen},
 }};
+
+/// The path as it is from wherever the next run starts.
+std::string lasting_path(const std::string& path) {
+    std::error_code error;
+    const fs::path absolute = path.empty() ? fs::path() : fs::absolute(path, error);
+    return error ? path : absolute.string();
+}
 
 std::string disk_setting(unsigned drive) { return "Disk" + std::to_string(drive); }
 
@@ -180,7 +190,7 @@ void write_settings() {
     SetValueDword("CustomRamStartupPattern", &pattern);
     write_flag("CycleBasedEmulation", g_bCycleBasedEngine);
     for (unsigned drive = 0; drive < DISK_DRIVES; ++drive) {
-        SetValueStr(disk_setting(drive).c_str(), wd1771_disk(drive).path.c_str());
+        SetValueStr(disk_setting(drive).c_str(), lasting_path(wd1771_disk(drive).path).c_str());
     }
 }
 

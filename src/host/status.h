@@ -1,8 +1,6 @@
 #pragma once
 /// The status bar: configuration, drive lamps, cassette, messages.
 
-enum StatusPart : int { PART_CONFIGURATION, PART_LAMPS, PART_CASSETTE, PART_MESSAGES };
-
 /// Creates the bar once, with its parts and lamps.
 void CreateStatusBar();
 /// Removes the bar; nothing is shown until it is created again.

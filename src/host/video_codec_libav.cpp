@@ -10,7 +10,6 @@ extern "C" {
 
 namespace {
 
-constexpr int FRAME_RATE = 50;
 constexpr int SLICES = 4;        ///< that FFV1 works on at the same time
 constexpr int LOSSY_QUALITY = 3; ///< quantiser, 1 is best
 constexpr int ZLIB_LEVEL = 6;
@@ -109,8 +108,8 @@ private:
         context_->width = picture_.header.width;
         context_->height = picture_.header.height;
         context_->pix_fmt = colours;
-        context_->time_base = {1, FRAME_RATE};
-        context_->framerate = {FRAME_RATE, 1};
+        context_->time_base = {1, AVI_FRAME_RATE};
+        context_->framerate = {AVI_FRAME_RATE, 1};
         context_->codec_tag = setup.four_characters;
         context_->gop_size = context_->keyint_min = KEY_FRAME_INTERVAL;
         context_->flags |= AV_CODEC_FLAG_QSCALE;

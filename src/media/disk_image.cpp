@@ -14,14 +14,7 @@
 
 namespace {
 
-constexpr size_t LARGEST_IMAGE = 16 << 20;
-constexpr uint32_t CGD_HEADER_SIZE = 80;
-constexpr uint32_t JV3_HEADER_SIZE = 8704;
 constexpr uint32_t JV3_ENTRIES = 2901;
-constexpr uint32_t JV3_ENTRY_SIZE = 3; ///< track, sector, flags
-constexpr uint32_t SECTOR_SIZE = 256;
-constexpr uint32_t COMMON_SECTORS = 10;   ///< on a track of single density
-constexpr uint32_t DENSE_SECTORS = 18;    ///< on a track of double density
 constexpr uint32_t DIRECTORY_TRACK = 21;  ///< where no boot sector tells
 constexpr uint32_t DIRECTORY_POINTER = 2; ///< of the boot sector: the directory's track
 constexpr uint32_t LARGEST_SIDE = 368640; ///< longer files have two sides
@@ -140,7 +133,7 @@ int write_image(const disk_image& disk) {
 
 int diskimg_attach(disk_image& disk, const std::string& path) {
     disk = {};
-    std::optional<std::vector<uint8_t>> bytes = read_whole_file(path, LARGEST_IMAGE);
+    std::optional<std::vector<uint8_t>> bytes = read_whole_file(path);
     if (!bytes || bytes->empty()) return 0;
     disk.image = std::move(*bytes);
     disk.size = uint32_t(disk.image.size());

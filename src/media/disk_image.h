@@ -29,7 +29,15 @@ struct disk_image {
     std::string path;
 };
 
-constexpr uint32_t LARGEST_SECTOR = 512; ///< bytes
+// Bytes.
+constexpr uint32_t SECTOR_SIZE = 256; ///< of all images but some CGD ones
+constexpr uint32_t LARGEST_SECTOR = 512;
+constexpr uint32_t CGD_HEADER_SIZE = 80; ///< before the first sector
+constexpr uint32_t JV3_HEADER_SIZE = 8704;
+constexpr uint32_t JV3_ENTRY_SIZE = 3; ///< of its table: track, sector, flags
+
+constexpr uint32_t COMMON_SECTORS = 10; ///< on a track of single density
+constexpr uint32_t DENSE_SECTORS = 18;  ///< on a track of double density
 
 /// Reads the file and finds its geometry. 1 on success; on failure the record is empty.
 int diskimg_attach(disk_image& disk, const std::string& path);

@@ -5,6 +5,7 @@
 #include "media/traps.h"
 #include "platform/file_handle.h"
 #include "platform/host_services.h"
+#include "platform/whole_file.h"
 #include "z80/z80.h"
 
 #include <algorithm>
@@ -45,8 +46,6 @@ constexpr size_t BASIC_LEADER_SIZE = 256;
 constexpr std::string_view BASIC_SYNC_AND_MARKS = "\xA5\xD3\xD3\xD3";
 constexpr char BASIC_END = 0x1A;
 
-constexpr off_t LARGEST_IMAGE = 16 << 20;
-
 FileHandle cas;
 std::string casfilename;
 int cas_header_size = 0; ///< where the tape's first byte stands in the file
@@ -66,7 +65,7 @@ FileHandle open_regular_file(const std::string& path, int flags, const char* mod
     FileHandle file = stream_of(descriptor, mode);
     struct stat status = {};
     if (fstat(descriptor, &status) != 0) return {};
-    if (!S_ISREG(status.st_mode) || status.st_size > LARGEST_IMAGE) return {};
+    if (!S_ISREG(status.st_mode) || uintmax_t(status.st_size) > LARGEST_FILE) return {};
     return file;
 }
 

@@ -9,6 +9,7 @@
 #include "sound/beeper.h"
 #include "sound/filter.h"
 #include "sound/sound_core.h"
+#include "sound/wav_header.h"
 #include "z80/z80.h"
 
 #include <unistd.h>
@@ -18,13 +19,11 @@
 #include <cerrno>
 #include <cstring>
 #include <memory>
-#include <string_view>
 
 uint8_t tape_read_in = 0;
 
 namespace {
 
-constexpr int PART_CASSETTE = 2; ///< of the status bar
 constexpr int64_t NOTHING_SHOWN = -1;
 
 // ---- the recorder ------------------------------------------------------------------------------
@@ -50,22 +49,8 @@ constexpr int32_t SAMPLE_MIDDLE = 128;
 constexpr uint32_t RECORDED_BITS = 8;
 constexpr size_t CLOSING_SAMPLES = 32;
 
-// The header of a recording.
-constexpr uint32_t HEADER_BYTES = 44;
-constexpr uint32_t RIFF_LENGTH = 4; ///< offsets of the two lengths
-constexpr uint32_t DATA_LENGTH = 40;
-constexpr uint32_t RIFF_OVERHEAD = 36; ///< what the first length counts more than the second
-constexpr uint32_t RATE = 24;
-constexpr uint32_t BYTE_RATE = 28;
-constexpr std::string_view WAVE("RIFF\0\0\0\0WAVE"
-                                "fmt \x10\0\0\0"   // length of the format
-                                "\1\0\1\0"         // PCM, one channel
-                                "\0\0\0\0\0\0\0\0" // samples and bytes per second
-                                "\1\0\x08\0"       // bytes and bits per sample
-                                "data\0\0\0\0",
-                                HEADER_BYTES);
 /// The lengths have 32 bits.
-constexpr uint64_t MOST_SAMPLES = 0xFFFFFFFF - RIFF_OVERHEAD;
+constexpr uint64_t MOST_SAMPLES = 0xFFFFFFFF - (WAV_HEADER_BYTES - WAV_RIFF_OVERHEAD);
 
 /// Its samples stand in `pending` until that is full; the lengths in the header follow every
 /// second, so that whatever ends the program leaves a file that can be played.
@@ -80,10 +65,6 @@ struct Recording {
 };
 Recording recording;
 
-std::array<uint8_t, 4> little_endian(uint32_t value) {
-    return {uint8_t(value), uint8_t(value >> 8), uint8_t(value >> 16), uint8_t(value >> 24)};
-}
-
 /// Returns the bytes that reached the file.
 size_t write_at(uint64_t offset, const uint8_t* data, size_t bytes) {
     size_t done = 0;
@@ -97,18 +78,16 @@ size_t write_at(uint64_t offset, const uint8_t* data, size_t bytes) {
 }
 
 bool write_header(uint32_t rate) {
-    std::array<uint8_t, HEADER_BYTES> wave{};
-    std::ranges::copy(WAVE, wave.begin());
-    std::ranges::copy(little_endian(rate), &wave[RATE]);
-    std::ranges::copy(little_endian(rate), &wave[BYTE_RATE]);
-    return write_at(0, wave.data(), wave.size()) == wave.size();
+    const auto header = wav_header(rate, RECORDED_BITS);
+    return write_at(0, header.data(), header.size()) == header.size();
 }
 
 void write_lengths() {
     recording.beyond_header = 0;
     const auto length = uint32_t(recording.length);
-    write_at(RIFF_LENGTH, little_endian(length + RIFF_OVERHEAD).data(), 4);
-    write_at(DATA_LENGTH, little_endian(length).data(), 4);
+    const uint32_t riff_length = length + WAV_HEADER_BYTES - WAV_RIFF_OVERHEAD;
+    write_at(WAV_RIFF_LENGTH, little_endian(riff_length).data(), 4);
+    write_at(WAV_DATA_LENGTH, little_endian(length).data(), 4);
 }
 
 bool write_pending() {
@@ -119,7 +98,7 @@ bool write_pending() {
         return false;
     }
     const size_t written =
-        write_at(HEADER_BYTES + recording.position, recording.pending.data(), count);
+        write_at(WAV_HEADER_BYTES + recording.position, recording.pending.data(), count);
     recording.position += written;
     recording.length = std::max(recording.length, recording.position);
     recording.beyond_header += written;

@@ -61,9 +61,8 @@ constexpr uint64_t REVOLUTIONS = 6;   ///< per second
 constexpr uint64_t INDEX_SHARE = 100; ///< of a revolution: one hundredth
 constexpr int64_t POSITIONING_CYCLES = 33000;
 constexpr double READY_MS = 2300;
-constexpr uint32_t DENSE_SECTORS = 18; ///< on a track that is not interleaved
 
-/// The sector behind each one as it passes under the head.
+/// The sector behind each one as it passes under the head; dense tracks are not interleaved.
 constexpr std::array<uint32_t, 10> interleave = {0, 5, 1, 6, 2, 7, 3, 8, 4, 9};
 
 struct controller {

@@ -3,9 +3,12 @@
 
 #include <string>
 
+/// Parts of the status bar.
+enum StatusPart : int { PART_CONFIGURATION, PART_LAMPS, PART_CASSETTE, PART_MESSAGES };
+
 /// Shows a message in the status bar (printf rules).
 [[gnu::format(printf, 1, 2)]] void StatusBarText(const char* format, ...);
-/// Shows a text in status bar part 0 (configuration), 2 (cassette) or 3 (messages).
+/// Shows a text in a StatusPart; nothing for the lamps.
 [[gnu::format(printf, 2, 3)]] void StatusBarPartText(int part, const char* format, ...);
 /// Sets the window title to the product name, " - " and the text.
 [[gnu::format(printf, 1, 2)]] void ui_set_window_title(const char* format, ...);

@@ -163,18 +163,12 @@ Contents parse(const std::string& text) {
 }
 
 Contents load(const std::string& path) {
+    if (const auto bytes = read_whole_file(path)) return parse({bytes->begin(), bytes->end()});
     Contents contents;
-    const FileHandle file = open_file(path, "rb");
-    if (!file) {
-        if (errno == ENOENT) contents.state = Contents::State::missing;
-        return contents;
-    }
-    std::string text;
-    char block[4096];
-    while (const size_t count = std::fread(block, 1, sizeof block, file.get())) {
-        text.append(block, count);
-    }
-    return std::ferror(file.get()) ? contents : parse(text);
+    std::error_code error;
+    const auto type = std::filesystem::status(path, error).type();
+    if (type == std::filesystem::file_type::not_found) contents.state = Contents::State::missing;
+    return contents;
 }
 
 std::filesystem::path folder_of(const std::string& path) {

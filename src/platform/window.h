@@ -5,7 +5,8 @@
 #include <string>
 #include <vector>
 
-/// An item of the menu. The text has "&" before its access key and a tab before the key hint.
+/// An item of the menu. The text has "&" before its access key, "&&" for one that is shown, and a
+/// tab before the key hint.
 struct MenuEntry {
     int id = 0;                      ///< 0 for a separator (no text) and for a submenu
     std::string text;                ///< empty: a separator

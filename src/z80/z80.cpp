@@ -30,10 +30,6 @@ void offer_interrupts(z80_registers& s, uint8_t opcode) {
     }
 }
 
-} // namespace
-
-namespace {
-
 /// One instruction on `s`, and the interrupt after it.
 inline void step(z80_registers& s) {
     const uint8_t opcode = op::fetch(s);

@@ -20,13 +20,6 @@ bool repeats(uint8_t key, uint8_t modifiers) {
     return (key >= KEY_PAGE_UP && key <= KEY_DOWN) || key == KEY_RETURN;
 }
 
-/// Which key it is: its scan code, or on a platform without scan codes its meaning.
-quint32 source_of(const QKeyEvent& event) {
-    constexpr quint32 BY_MEANING = 1U << 31;
-    const quint32 scan_code = event.nativeScanCode();
-    return scan_code ? scan_code : BY_MEANING | quint32(event.key());
-}
-
 bool is_of_menu(Qt::FocusReason reason) {
     return reason == Qt::PopupFocusReason || reason == Qt::MenuBarFocusReason;
 }
@@ -78,9 +71,9 @@ void QtInput::key_pressed(QKeyEvent& event) {
     if (!repeat && event.nativeScanCode()) held_.push_back(event.nativeScanCode());
     // A command's key is not the machine's, not even when its Alt goes up first.
     if (!repeat && !is_claimed(event)) {
-        release_tap(source_of(event));
+        release_tap(key_source(event));
         keyboard_.key_event(event, true);
-        pressed_.push_back(source_of(event));
+        pressed_.push_back(key_source(event));
     }
     Event message;
     message.kind = Event::Kind::key_down;
@@ -95,7 +88,7 @@ void QtInput::key_released(QKeyEvent& event) {
     if (event.isAutoRepeat()) return;
     std::erase(held_, event.nativeScanCode());
     // The machine looks at the keys only while the program runs: a tap in between is kept for it.
-    if (std::ranges::find(pressed_, source_of(event)) != pressed_.end()) {
+    if (std::ranges::find(pressed_, key_source(event)) != pressed_.end()) {
         tapped_.emplace_back(event.clone());
     } else {
         keyboard_.key_event(event, false);
@@ -103,9 +96,9 @@ void QtInput::key_released(QKeyEvent& event) {
 }
 
 /// A key that was tapped and is pressed again before the machine has looked.
-void QtInput::release_tap(quint32 source) {
+void QtInput::release_tap(uint64_t source) {
     const auto tap =
-        std::ranges::find(tapped_, source, [](const auto& event) { return source_of(*event); });
+        std::ranges::find(tapped_, source, [](const auto& event) { return key_source(*event); });
     if (tap == tapped_.end()) return;
     keyboard_.key_event(**tap, false);
     tapped_.erase(tap);

@@ -25,7 +25,7 @@ public:
 private:
     bool is_claimed(const QKeyEvent& event) const;
     bool is_held(const QKeyEvent& event) const;
-    void release_tap(quint32 source);
+    void release_tap(uint64_t source);
     void key_pressed(QKeyEvent& event);
     void key_released(QKeyEvent& event);
     void focus_changed(const QFocusEvent& event);
@@ -34,8 +34,8 @@ private:
     QtEvents& events_;
     QtKeyboard& keyboard_;
     std::vector<KeyChord> claimed_;
-    std::vector<quint32> held_;    ///< scan codes of the keys that are down
-    std::vector<quint32> pressed_; ///< since the program last ran
+    std::vector<quint32> held_;     ///< scan codes of the keys that are down
+    std::vector<uint64_t> pressed_; ///< since the program last ran
     std::vector<std::unique_ptr<QKeyEvent>> tapped_;
     int wheel_angle_ = 0; ///< less than a notch
 };

@@ -44,14 +44,13 @@ uint8_t key_by_meaning(const QKeyEvent& event, const XkbLayout& layout) {
     return KEY_NONE;
 }
 
-/// Which physical key it is, or the best guess at it.
-uint64_t source_of(const QKeyEvent& event) {
+} // namespace
+
+uint64_t key_source(const QKeyEvent& event) {
     constexpr uint64_t BY_MEANING = uint64_t(1) << 32;
     const uint32_t scan = event.nativeScanCode();
     return scan != 0 ? scan : BY_MEANING | uint32_t(event.key());
 }
-
-} // namespace
 
 QtKeyboard::QtKeyboard() {
     if (QGuiApplication::platformName() == "xcb") {
@@ -99,15 +98,13 @@ uint8_t QtKeyboard::key_of(const QKeyEvent& event) const {
     return scan != 0 ? layout_.virtual_key(scan) : key_by_meaning(event, layout_);
 }
 
-bool QtKeyboard::is_repeat(const QKeyEvent& event) const {
-    const uint64_t source = source_of(event);
-    return event.isAutoRepeat() ||
-           std::any_of(pressed_.begin(), pressed_.end(),
-                       [=](const Pressed& pressed) { return pressed.source == source; });
+bool QtKeyboard::is_held(const QKeyEvent& event) const {
+    return std::ranges::find(pressed_, key_source(event), &Pressed::source) != pressed_.end();
 }
 
 void QtKeyboard::key_event(const QKeyEvent& event, bool down) {
-    if (down ? is_repeat(event) : event.isAutoRepeat()) return;
+    // On X, Qt's own mark is missing on most repeats.
+    if (event.isAutoRepeat() || (down && is_held(event))) return;
     if (down)
         press(event);
     else
@@ -119,12 +116,12 @@ void QtKeyboard::press(const QKeyEvent& event) {
     if (!server_ && event.nativeScanCode() != 0) learn(event);
     const uint8_t key = key_of(event);
     if (key == KEY_NONE) return;
-    pressed_.push_back({source_of(event), key});
+    pressed_.push_back({key_source(event), key});
 }
 
 /// A key goes up as what it went down as, even if the layout has changed since.
 void QtKeyboard::release(const QKeyEvent& event) {
-    const uint64_t source = source_of(event);
+    const uint64_t source = key_source(event);
     auto found = std::find_if(pressed_.begin(), pressed_.end(),
                               [=](const Pressed& pressed) { return pressed.source == source; });
     if (found == pressed_.end() && event.nativeScanCode() == 0) {

@@ -10,6 +10,9 @@
 
 class QKeyEvent;
 
+/// Which physical key it is: its scan code, or on a platform without scan codes its meaning.
+uint64_t key_source(const QKeyEvent& event);
+
 class QtKeyboard final : public HostKeyboard {
 public:
     /// The program's QGuiApplication must exist.
@@ -19,9 +22,6 @@ public:
     std::optional<KeyForCharacter> key_for(char character) override;
     void release_all() override;
 
-    /// Is the press one of a key that is held already? To be asked before key_event. On X, Qt's
-    /// own mark is missing on most repeats.
-    bool is_repeat(const QKeyEvent& event) const;
     /// Takes a press or a release of any window of the program; repeats are ignored.
     void key_event(const QKeyEvent& event, bool down);
     /// HostKey of the event's key, KEY_NONE for one that has none. AltGr is KEY_ALT.
@@ -32,10 +32,11 @@ public:
 
 private:
     struct Pressed {
-        uint64_t source; ///< which physical key
+        uint64_t source; ///< see key_source
         uint8_t key;     ///< what it was when it went down
     };
 
+    bool is_held(const QKeyEvent& event) const;
     uint8_t key_of(const QKeyEvent& event) const;
     uint8_t modifiers() const;
     void update_layout();

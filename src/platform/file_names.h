@@ -1,0 +1,10 @@
+#pragma once
+/// Parts of file names.
+
+#include <cstddef>
+#include <string>
+
+/// Where the extension's point stands, or npos; a point in a folder's name does not count.
+size_t extension_point(const std::string& path);
+/// The extension in small letters, without its point; empty where there is none.
+std::string lower_case_extension(const std::string& path);
