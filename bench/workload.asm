@@ -82,7 +82,7 @@ trans1: exx
         ld      a,(bc)
         inc     bc
         ld      l,a
-        ld      h,80h
+        ld      h,table/256
         ld      a,(hl)
         ld      (de),a
         inc     de

@@ -4,12 +4,11 @@
 ;
 ; The disk ROM loads the sector to 5700h and calls 5710h.
 
+        include "machine.asm"
+
 TRACKS  equ     18              ; as in disklayout.asm
 SECTORS equ     10
 
-SCREEN  equ     4400h
-COLUMNS equ     40
-COLOUR  equ     0F000h
 BLOCK   equ     0BFh            ; the firmware makes it a full one
 RETURN  equ     0Dh
 

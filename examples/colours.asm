@@ -7,21 +7,9 @@
 ;
 ; The program expects nothing from the firmware and never returns to it.
 
-SCREEN  equ     4400h           ; start address 0400h of the video RAM at 4000h
-COLUMNS equ     40
-ROWS    equ     24
-CELLS   equ     COLUMNS*ROWS
-COLOUR  equ     0F000h
-CHARS   equ     0F400h          ; character 80h
+        include "machine.asm"
+
 STACK   equ     6800h
-
-CRTC_SELECT     equ     0FAh
-CRTC_DATA       equ     0FBh
-LATCH           equ     0FFh
-
-; The latch: text, black background, and both halves of the upper codes programmable.
-; Bit 3 would give codes C0h to FFh back to the built-in set, bit 4 codes 80h to BFh.
-TEXT_MODE       equ     00h
 
 ; Programmable characters in use.
 BRICK   equ     80h             ; the big letters, with a stripe that runs through them
@@ -32,6 +20,7 @@ SHAPES  equ     0C0h            ; eight shapes of four steps each
 
 ; Colours that are bright in both colour standards.
 HEADING equ     1
+LABELS  equ     HEADING
 NUMBERS equ     5
 WATER   equ     11
 
@@ -74,51 +63,7 @@ wait:   dec     bc
 
 ; ---- video ---------------------------------------------------------------------------------------
 
-set_up_video:
-        ld      a,TEXT_MODE
-        out     (LATCH),a
-        ld      hl,crtc_values
-        ld      c,0
-next_register:
-        ld      a,c
-        out     (CRTC_SELECT),a
-        ld      a,(hl)
-        out     (CRTC_DATA),a
-        inc     hl
-        inc     c
-        ld      a,c
-        cp      16
-        jr      nz,next_register
-        ret
-
-crtc_values:
-        db      70,40,52,0F5h   ; a line of 71 characters, 40 of them shown, sync
-        db      38,0,24,29      ; 38 rows, 24 of them shown, sync at row 30
-        db      0,7             ; no interlace, 8 lines a row
-        db      20h,0           ; no cursor
-        db      04h,00h         ; the picture starts at 4400h
-        db      0,0
-
-clear:  ld      hl,SCREEN
-        ld      de,SCREEN+1
-        ld      bc,CELLS-1
-        ld      (hl),' '
-        ldir
-        ld      hl,COLOUR
-        ld      de,COLOUR+1
-        ld      bc,CELLS-1
-        ld      (hl),HEADING
-        ldir
-        ret
-
-; Prints the text at HL up to its zero to the screen at DE.
-print:  ld      a,(hl)
-        inc     hl
-        or      a
-        ret     z
-        ld      (de),a
-        inc     de
-        jr      print
+        include "text_screen.asm"
 
 ; ---- programmable characters ---------------------------------------------------------------------
 

@@ -10,26 +10,9 @@
 ;
 ; The program expects nothing from the firmware and never returns to it.
 
-SCREEN  equ     4400h           ; start address 0400h of the video RAM at 4000h
-COLUMNS equ     40
-ROWS    equ     24
-CELLS   equ     COLUMNS*ROWS
-COLOUR  equ     0F000h
-CHARS   equ     0F400h          ; character 80h
+        include "machine.asm"
+
 STACK   equ     6800h
-
-SOUND_SELECT    equ     0F8h
-SOUND_DATA      equ     0F9h
-CRTC_SELECT     equ     0FAh
-CRTC_DATA       equ     0FBh
-LATCH           equ     0FFh
-
-TEXT_MODE       equ     00h     ; black background, upper codes programmable
-
-; Registers of the sound generator.
-MIXER           equ     7
-PORT_A          equ     14
-PORT_B          equ     15
 
 SET_UP_PORTS    equ     7Fh     ; mixer: no sound, port A put out, port B read
 NO_COLUMN       equ     3Fh     ; all bits high
@@ -443,56 +426,7 @@ key_up: ld      (line_colour),a
 
 ; ---- video ---------------------------------------------------------------------------------------
 
-set_up_video:
-        ld      a,TEXT_MODE
-        out     (LATCH),a
-        ld      hl,crtc_values
-        ld      c,0
-next_register:
-        ld      a,c
-        out     (CRTC_SELECT),a
-        ld      a,(hl)
-        out     (CRTC_DATA),a
-        inc     hl
-        inc     c
-        ld      a,c
-        cp      16
-        jr      nz,next_register
-        ret
-
-crtc_values:
-        db      70,40,52,0F5h   ; a line of 71 characters, 40 of them shown, sync
-        db      38,0,24,29      ; 38 rows, 24 of them shown, sync at row 30
-        db      0,7             ; no interlace, 8 lines a row
-        db      20h,0           ; no cursor
-        db      04h,00h         ; the picture starts at 4400h
-        db      0,0
-
-clear:  ld      hl,SCREEN
-        ld      de,SCREEN+1
-        ld      bc,CELLS-1
-        ld      (hl),' '
-        ldir
-        ld      hl,COLOUR
-        ld      de,COLOUR+1
-        ld      bc,CELLS-1
-        ld      (hl),LABELS
-        ldir
-        ld      hl,COLOUR
-        ld      de,COLOUR+1
-        ld      bc,COLUMNS-1
-        ld      (hl),HEADING
-        ldir
-        ret
-
-; Prints the text at HL up to its zero to the screen at DE.
-print:  ld      a,(hl)
-        inc     hl
-        or      a
-        ret     z
-        ld      (de),a
-        inc     de
-        jr      print
+        include "text_screen.asm"
 
 draw_labels:
         ld      hl,label_places

@@ -3,7 +3,7 @@
 ; What the control offers to the other modules (see the headers of the routines):
 ;   raise_error, error_xx, check_stack, clear_variables, skip_statement, skip_line, line_number,
 ;   find_line, print_line_number (HL), set_word (HL 0 to 65535 as a value), stop_run (BREAK),
-;   func_err, func_erl, stmt_renum, stmt_call, stmt_verify.
+;   func_err, func_erl, stmt_renum, stmt_call.
 
 RENUM_NEW       EQU 4080h
 RENUM_OLD       EQU 4082h
@@ -18,8 +18,8 @@ INKEY_CODE      EQU 4099h       ; a key already taken
 ERROR_CODE      EQU 409Ah       ; last error
 TRACE           EQU 409Bh       ; not 0 after TRON
 OUTPUT_DEVICE   EQU 409Ch       ; 0 screen, 1 printer
-PRINT_COLUMN    EQU 40A6h       ; of the printer
 INPUT_SOURCE    EQU 409Dh       ; 0 READ, 1 INPUT
+PRINT_COLUMN    EQU 40A6h       ; of the printer
 ERROR_LINE      EQU 40EAh
 EDIT_LINE       EQU 40ECh       ; the line that "." means
 ERROR_TEXT      EQU 40EEh       ; statement in which the error came

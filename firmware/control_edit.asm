@@ -8,8 +8,6 @@ stmt_edit:
         CALL number_or_dot
         RET NZ
         POP BC                  ; new_statement
-; In:   DE line number
-edit_line:
         LD (EDIT_LINE),DE
 _again:
         LD DE,(EDIT_LINE)
@@ -138,7 +136,7 @@ _hack:
         LD (HL),0
 _insert:
         CALL wait_for_key
-        CP 1Bh                  ; SHIFT and cursor up
+        CP ESCAPE
         RET Z
         CP RETURN
         JR Z,_enter

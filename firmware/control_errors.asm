@@ -163,6 +163,6 @@ set_word:
         LD H,90h                ; exponent of 32768 to 65535
         LD L,A
         LD (ACCUMULATOR + 2),HL
-        LD A,4
+        LD A,TYPE_SINGLE
         LD (NUMBER_TYPE),A
         RET

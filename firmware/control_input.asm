@@ -77,7 +77,7 @@ _value:
         CALL parse_number
         JR _taken
 _string:
-        CP 22h
+        CP STRING_QUOTE
         JR NZ,_plain
         CALL literal_string
         JR _taken
@@ -178,7 +178,7 @@ input_prompt:
         CALL direct_mode
         JP Z,error_id
         LD A,(HL)
-        CP 22h
+        CP STRING_QUOTE
         RET NZ
         CALL literal_string
         RST 08h
@@ -256,6 +256,3 @@ stmt_call:
 _call:
         PUSH DE
         RET
-
-; VERIFY
-stmt_verify     EQU cmd_verify

@@ -228,7 +228,7 @@ tokenize:
         LD DE,TOKEN_BUFFER
 _next:
         LD A,(HL)
-        CP 22h
+        CP STRING_QUOTE
         JR Z,_string
         CALL capital
         OR A
@@ -398,7 +398,7 @@ _item:
         JP Z,_end
         CP ':'
         JP Z,_next
-        CP 22h
+        CP STRING_QUOTE
         JR Z,_quoted
         LD (DE),A
         INC DE

@@ -115,7 +115,7 @@ _next:
         INC HL
         OR A
         JR Z,_end
-        CP 22h
+        CP STRING_QUOTE
         JR NZ,_no_quote
         INC C
 _no_quote:

@@ -14,7 +14,7 @@ stmt_for:
         LD A,(NUMBER_TYPE)
         RRCA
         JP C,error_tm
-        CP 8 / 2
+        CP TYPE_DOUBLE / 2
         JP Z,error_tm           ; no loops of double precision
         DEC A
         OR FRAME_INTEGER        ; or FRAME_SINGLE
@@ -183,7 +183,7 @@ _overflow:
         CPL
         JR _sign
 _single:
-        LD A,4
+        LD A,TYPE_SINGLE
         LD (NUMBER_TYPE),A
         LD (LEFT_TYPE),A
         PUSH DE

@@ -128,7 +128,7 @@ renumber_text:
         JR Z,_remark
         CP EXTENDED
         JR Z,_two_bytes
-        CP 22h
+        CP STRING_QUOTE
         JR Z,_string
         PUSH HL
         LD HL,naming_words
@@ -157,7 +157,7 @@ _string:
         OR A
         JR Z,renumber_text
         INC HL
-        CP 22h
+        CP STRING_QUOTE
         JR NZ,_string
         JR renumber_text
 _two_bytes:

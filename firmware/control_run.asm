@@ -12,7 +12,6 @@ new_statement:
         JR Z,begin_statement
         OR A
         JP NZ,error_sn
-next_line:
         INC HL
 ; Runs a line.
 ; In:   HL its link
@@ -32,8 +31,6 @@ run_line:
 begin_statement:
         LD DE,new_statement
         PUSH DE
-; Runs the statement behind HL.
-execute_next:
         CALL next_character
 ; Runs a statement.
 ; In:   HL first character, A with the flags of next_character; return address new_statement
@@ -330,7 +327,7 @@ skip_statement:
         CP ':'
         RET Z
         INC HL
-        CP 22h
+        CP STRING_QUOTE
         JR Z,_string
         CP EXTENDED
         JR Z,_two_bytes
@@ -346,7 +343,7 @@ _string:
         OR A
         RET Z
         INC HL
-        CP 22h
+        CP STRING_QUOTE
         JR NZ,_string
         JR skip_statement
 
@@ -531,7 +528,7 @@ clear_variables:
         XOR A
         LD (IN_HANDLER),A
         PUSH HL
-        LD A,4                  ; single precision
+        LD A,TYPE_SINGLE
         LD BC,26
         LD HL,LETTER_TYPES
         CALL fill_memory
@@ -540,7 +537,7 @@ clear_variables:
         LD HL,(PROGRAM_END)
         LD (ARRAYS),HL
         LD (FREE_SPACE),HL
-        CALL reset_strings
+        CALL reset_temporaries
         CALL restore_data
         POP HL
         JR check_stack

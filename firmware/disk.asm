@@ -19,13 +19,6 @@ ROWS            EQU 25          ; unused here, the same code serves 24
         INCLUDE disk_basic.asm
         INCLUDE disk_cells.asm
 
-fill_to MACRO address
-        IF $ > address
-        .ERROR code runs over the end of the ROM
-        ENDIF
-        DEFS address - $, 0FFh
-        ENDM
-
         ORG 0C000h
         DEFM "DR"
         JP disk_start
@@ -37,5 +30,4 @@ fill_to MACRO address
         INCLUDE disk_programs.asm
         INCLUDE disk_data.asm
         INCLUDE disk_format.asm
-disk_end:
         fill_to 0E000h

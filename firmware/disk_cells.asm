@@ -22,7 +22,6 @@ INPUT_FILE      EQU 41D9h       ; file that INPUT reads
 DISK_WORK       EQU 41DBh       ; a word, of short use
 FILE_TYPE       EQU 41DDh       ; of the entry found
 FIRST_BLOCK     EQU 41DEh
-DIRECTORY_COUNT EQU 41DFh
 
 ; Below the top of the memory: the sector buffer, then the files, each with a buffer behind it.
 FILES           EQU 3
@@ -62,25 +61,19 @@ MAP_FREE        EQU 0FFh
 NO_BLOCK        EQU 0FFh
 BLOCK_LIMIT     EQU 0A0h
 
-; A directory entry: 11 characters of name, then
-ENTRY_TYPE      EQU 11
+; A directory entry: name, type, first block, bytes used in the last sector. A first byte 0 was
+; never used: no more entries behind it.
 ENTRY_BLOCK     EQU 12
-ENTRY_LAST      EQU 13
 ENTRY_SIZE      EQU 16
 NAME_SIZE       EQU 11
 NAME_PART       EQU 8
-ENTRY_UNUSED    EQU 0
 ENTRY_DELETED   EQU 0E5h
 TYPE_PROGRAM    EQU 0
 TYPE_MACHINE    EQU 1
 TYPE_TEXT       EQU 2
 
-; The boot sector.
+; The boot sector: 1 if it is to be started, BOOT_MARK, D, T, S, disk_signature, code.
 BOOT_MARK       EQU 0FEh
-BOOT_DIRECTORY  EQU 2
-BOOT_TRACKS     EQU 3
-BOOT_SECTORS    EQU 4
-BOOT_NAME       EQU 5
 BOOT_CODE       EQU 10h
 BOOT_ADDRESS    EQU 5700h
 

@@ -84,7 +84,7 @@ mount_disk:
         LD (BLOCK_SECTORS),A
         RET
 ; In:   HL boot sector
-; Out:  Z if it is one of this system, HL its BOOT_DIRECTORY
+; Out:  Z if it is one of this system, HL at its D
 ; Uses: AF, BC, DE
 known_disk:
         INC HL

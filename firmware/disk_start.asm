@@ -52,24 +52,16 @@ _jump:
 _hooked:
         LD HL,disk_sign_on
         CALL print_text
-        LD HL,(DISK_AREA)
-        CALL find_start
+        LD A,(BOOT_ADDRESS)     ; what disk_probe has read
+        DEC A
         RET NZ
-        LD DE,BOOT_ADDRESS
-        LD BC,SECTOR_SIZE
-        LDIR
         JP BOOT_ADDRESS + BOOT_CODE
 
-; C005: Is there a disk to start from?
-; Out:  Z if so
+; C005: Is there a disk to start from? Reads the boot sector of drive 0 to where it runs, and clears
+; that place again unless it is to be started; BREAK prevents the reading.
+; Out:  Z if so; no drive's head has a known place any more
+; Uses: AF, BC, DE, HL
 disk_probe:
-        LD HL,FIRST_PROGRAM     ; nothing is there yet
-; Reads the boot sector of drive 0; BREAK prevents it.
-; In:   HL where to
-; Out:  HL kept, Z if the disk is one to start from; no drive's head has a known place any more
-; Uses: AF, BC, DE
-find_start:
-        PUSH HL
         LD HL,HEADS
         LD B,4
 _head:
@@ -79,28 +71,29 @@ _head:
         XOR A
         LD (DISK_DRIVE),A
         CALL test_break
-        JR NZ,_end
+        RET NZ
         CALL ready_drive
         JR C,_none
-        POP HL
-        PUSH HL
         LD DE,0
+        LD HL,BOOT_ADDRESS
         CALL try_read
         JR C,_none
-        POP HL
-        PUSH HL
-        CALL known_disk
-        JR NZ,_end
-        POP HL
         LD A,(HL)
         DEC A
-        RET
+        JR NZ,_none
+        CALL known_disk
+        RET Z
 _none:
-        OR 1
-_end:
-        POP HL
+        LD HL,BOOT_ADDRESS
+_clear:
+        LD (HL),0
+        INC L
+        JR NZ,_clear
+        INC H                   ; NZ
         RET
 
+; The routines keep their places: the memory of a machine that runs has jumps to them.
+        fill_to 0C0ABh
 disk_sign_on:
         DEFM "TARVELIN DISK SYSTEM 1.0"
         DEFB RETURN, 0

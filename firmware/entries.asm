@@ -11,6 +11,6 @@
 ; Uses: AF
         fill_to 0A9Ah
         LD (ACCUMULATOR),HL
-        LD A,2                  ; integer
+        LD A,TYPE_INTEGER
         LD (NUMBER_TYPE),A
         RET

@@ -24,7 +24,6 @@
 ;   put_text        HL text ended by 0 to the device
 ;   new_row         ends the row on the device; print_new_row only where the column is not 0
 
-DOUBLE_START    EQU 411Dh       ; the accumulator as a double
 TEMP_POINTER    EQU 40B3h       ; next free temporary descriptor
 TEMPORARIES     EQU 40B5h
 TEMP_COUNT      EQU 10
@@ -37,7 +36,7 @@ USING_FORMAT    EQU 40E0h       ; descriptor of the format of PRINT USING
 USING_PLACE     EQU 40E2h       ; characters of it already used
 USING_FIELDS    EQU 40E3h       ; 0 until a field was found
 
-STRING_QUOTE    EQU 22h
+STRING_QUOTE    EQU '"'
 
 ; Types
 TYPE_INTEGER    EQU 2

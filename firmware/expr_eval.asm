@@ -74,9 +74,9 @@ _right:
         CP TYPE_SINGLE
         JR C,_word
         JR Z,_single
-        LD DE,(DOUBLE_START)
+        LD DE,(ACC_LOW)
         PUSH DE
-        LD DE,(DOUBLE_START + 2)
+        LD DE,(ACC_LOW + 2)
         PUSH DE
 _single:
         LD DE,(ACCUMULATOR + 2)

@@ -4,9 +4,6 @@
 ; Out:  result in the accumulator
 func_sgn:
         CALL num_sign
-; The sign in A as the value.
-; In:   A = FF, 0, 1
-sign_value:
         LD L,A
         RLA
         SBC A,A

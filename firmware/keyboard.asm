@@ -41,7 +41,6 @@ _row:
         JP P,_row               ; all but row 7
 
 ; No new key: the last one may still be held.
-repeat_key:
         LD A,(KEY_HELD_ROW)
         OR A
         RET Z
@@ -192,7 +191,7 @@ _function:
         ADD A,4
         RET
 _up:
-        LD A,1Bh
+        LD A,ESCAPE
         RET
 
 OTHER_KEYS      EQU 27          ; behind @ and the letters

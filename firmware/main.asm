@@ -24,14 +24,6 @@ DEFAULT_COLOUR  EQU 15
 DEFAULT_COLOUR  EQU 0
         ENDIF
 
-; Fills up to a fixed address and stops the build when the code before it has grown too long.
-fill_to MACRO address
-        IF $ > address
-        .ERROR code runs into a fixed address
-        ENDIF
-        DEFS address - $, 0FFh
-        ENDM
-
         INCLUDE system.asm
         INCLUDE token_codes.asm
         INCLUDE control_cells.asm
@@ -53,6 +45,7 @@ fill_to MACRO address
         INCLUDE strings_functions.asm
         INCLUDE tokens.asm
         INCLUDE math_core.asm
+        INCLUDE math_arithmetic.asm
         INCLUDE entries.asm
         INCLUDE control_input.asm
         INCLUDE words_graphics.asm
@@ -92,6 +85,7 @@ fill_to MACRO address
         INCLUDE control_loops.asm
         INCLUDE expr_functions.asm
         INCLUDE graphics.asm
+        INCLUDE math_extended.asm
         INCLUDE math_functions.asm
         INCLUDE control_run.asm
         fill_to 4000h

@@ -1,5 +1,5 @@
-; Numbers: cells, moves, types, whole numbers, comparison. A single is worked on as C:HL (mantissa
-; with its leading 1), B exponent, A the 8 bits below the mantissa, SIGN bit 7.
+; Numbers: cells, moves, types, whole numbers. A single is worked on as C:HL (mantissa with its
+; leading 1), B exponent, A the 8 bits below the mantissa, SIGN bit 7.
 
 ACC_BELOW       EQU 411Bh       ; scratch; while a number becomes text: exponent of its first digit
 ACC_GUARD       EQU 411Ch       ; 8 bits below a double
@@ -19,10 +19,6 @@ WIDE_TOP        EQU WIDE + 9
 WIDE_POINT      EQU WIDE + 10   ; bytes before the binary point
 WIDE_FIRST      EQU WIDE + 11   ; low byte of the address of the lowest byte in use
 
-INTEGER_TYPE    EQU 2
-STRING_TYPE     EQU 3
-SINGLE_TYPE     EQU 4
-DOUBLE_TYPE     EQU 8
 BIAS            EQU 128
 
 ; Copies the value at HL of NUMBER_TYPE into the accumulator; a string's is its address.
@@ -30,7 +26,7 @@ BIAS            EQU 128
 acc_from_hl:
         LD A,(NUMBER_TYPE)
         LD DE,ACCUMULATOR
-        CP SINGLE_TYPE
+        CP TYPE_SINGLE
         JR C,from_hl_small
         JR Z,copy_four
         LD DE,ACC_LOW
@@ -46,7 +42,7 @@ copy_four:
         LDI
         RET
 from_hl_small:
-        CP STRING_TYPE
+        CP TYPE_STRING
         JR C,copy_two
         LD (ACCUMULATOR),HL
         RET
@@ -58,13 +54,13 @@ acc_to_hl:
         EX DE,HL
         LD A,(NUMBER_TYPE)
         LD HL,ACCUMULATOR
-        CP SINGLE_TYPE
+        CP TYPE_SINGLE
         JR C,_small
         JR Z,copy_four
         LD HL,ACC_LOW
         JR copy_eight
 _small:
-        CP STRING_TYPE
+        CP TYPE_STRING
         JR C,copy_two
         LD HL,(ACCUMULATOR)
         LDI
@@ -82,7 +78,7 @@ acc_to_left:
         LD (LEFT_HIGH),HL
         LD A,(NUMBER_TYPE)
         LD (LEFT_TYPE),A
-        CP DOUBLE_TYPE
+        CP TYPE_DOUBLE
         RET NZ
         LD HL,ACC_LOW
         LD DE,LEFT
@@ -104,7 +100,7 @@ set_byte:
         LD H,0
 set_integer:
         LD (ACCUMULATOR),HL
-        LD A,INTEGER_TYPE
+        LD A,TYPE_INTEGER
         LD (NUMBER_TYPE),A
         RET
 
@@ -117,31 +113,31 @@ same_types:
         CP (HL)
         JR NZ,_differ
 _compare:
-        CP SINGLE_TYPE
+        CP TYPE_SINGLE
         RET NC
-        CP STRING_TYPE
+        CP TYPE_STRING
         RET C
 _mismatch:
         JP error_tm
 _differ:
-        CP STRING_TYPE
+        CP TYPE_STRING
         JR Z,_mismatch
         LD B,A
         LD A,(HL)
-        CP STRING_TYPE
+        CP TYPE_STRING
         JR Z,_mismatch
         CP B
         JR C,_left
         CALL convert
-        CP SINGLE_TYPE
+        CP TYPE_SINGLE
         RET
 _left:
         LD (HL),B               ; the left one's type is A, wanted is B
         PUSH BC
-        CP INTEGER_TYPE
+        CP TYPE_INTEGER
         CALL Z,left_to_single
         POP AF
-        CP DOUBLE_TYPE
+        CP TYPE_DOUBLE
         JR NZ,_compare
         LD HL,0
         LD (LEFT),HL
@@ -159,13 +155,13 @@ left_to_single:
 ; Out:  A type
 ; Uses: all
 convert:
-        CP DOUBLE_TYPE
+        CP TYPE_DOUBLE
         JR Z,to_double
         JR NC,_mismatch
-        CP SINGLE_TYPE
+        CP TYPE_SINGLE
         JR Z,to_single
         CALL to_integer
-        LD A,INTEGER_TYPE
+        LD A,TYPE_INTEGER
         RET
 _mismatch:
         JP error_tm
@@ -175,13 +171,13 @@ _mismatch:
 ; Uses: all
 to_double:
         LD A,(NUMBER_TYPE)
-        CP DOUBLE_TYPE
+        CP TYPE_DOUBLE
         RET Z
         CALL to_single
         LD HL,0
         LD (ACC_LOW),HL
         LD (ACC_LOW + 2),HL
-        LD A,DOUBLE_TYPE
+        LD A,TYPE_DOUBLE
         LD (NUMBER_TYPE),A
         RET
 
@@ -190,10 +186,10 @@ to_double:
 ; Uses: all
 to_single:
         LD A,(NUMBER_TYPE)
-        CP SINGLE_TYPE
+        CP TYPE_SINGLE
         RET Z
         JR NC,double_to_single
-        CP STRING_TYPE
+        CP TYPE_STRING
         JP Z,error_tm
         LD HL,(ACCUMULATOR)
 acc_single_from_hl:
@@ -201,7 +197,7 @@ acc_single_from_hl:
         LD (ACCUMULATOR),HL
         LD (ACC_HIGH),DE
 set_single:
-        LD A,SINGLE_TYPE
+        LD A,TYPE_SINGLE
         LD (NUMBER_TYPE),A
         RET
 double_to_single:
@@ -288,12 +284,12 @@ to_address:
 to_word:
         LD A,(NUMBER_TYPE)
         LD HL,(ACCUMULATOR)
-        CP STRING_TYPE
+        CP TYPE_STRING
         CCF
         RET NC
         JP Z,error_tm
         LD E,L                  ; the bits that fall away
-        CP DOUBLE_TYPE
+        CP TYPE_DOUBLE
         CALL NC,low_bytes
         LD HL,(ACC_HIGH - 1)
         LD C,H
@@ -370,300 +366,3 @@ low_bytes:
         OR (HL)
         LD E,A
         RET
-
-; SGN of the accumulator.
-; Out:  A FF, 0 or 1, flags S and Z
-; Uses: HL
-num_sign:
-        LD A,(NUMBER_TYPE)
-        CP STRING_TYPE
-        JR C,_integer
-        JP Z,error_tm
-        LD HL,(ACC_HIGH)
-        LD A,H
-        OR A
-        RET Z
-        LD A,L
-        JR sign_result
-_integer:
-        LD HL,(ACCUMULATOR)
-        LD A,H
-        OR L
-        RET Z
-        LD A,H
-; FF or 1 by bit 7 of A.
-sign_result:
-        OR A
-        LD A,0FFh
-        JP M,_flags
-        LD A,1
-_flags:
-        OR A
-        RET
-
-; ABS
-; Uses: all
-num_abs:
-        CALL num_sign
-        RET P
-; Changes the sign of the accumulator.
-; Uses: AF, BC, DE, HL
-num_negate:
-        LD A,(NUMBER_TYPE)
-        CP STRING_TYPE
-        JP Z,error_tm
-        JR NC,flip_sign
-        LD HL,(ACCUMULATOR)
-        LD A,H
-        XOR 80h
-        OR L
-        JR Z,_lowest
-        CALL negate_hl
-        LD (ACCUMULATOR),HL
-        RET
-_lowest:
-        CALL acc_single_from_hl
-flip_sign:
-        LD HL,ACC_HIGH
-        LD A,(HL)
-        XOR 80h
-        LD (HL),A
-        RET
-
-; FIX: cuts the places behind the point.
-; Out:  E not 0 if there were any
-; Uses: AF, BC, HL
-num_fix:
-        LD E,0
-        LD A,(NUMBER_TYPE)
-        CP STRING_TYPE
-        RET C
-        JP Z,error_tm
-        LD HL,ACCUMULATOR
-        LD C,24
-        CP DOUBLE_TYPE
-        JR NZ,_count
-        LD HL,ACC_LOW
-        LD C,56
-_count:
-        LD A,(ACC_EXPONENT)
-        OR A
-        RET Z
-        SUB BIAS + 1
-        JR C,_fraction
-        INC A
-        SUB C
-        RET NC
-        NEG                     ; bits to clear
-_bytes:
-        SUB 8
-        JR C,_bits
-        LD C,A
-        LD A,E
-        OR (HL)
-        LD E,A
-        LD (HL),0
-        INC HL
-        LD A,C
-        JR _bytes
-_bits:
-        ADD A,8
-        RET Z
-        LD B,A
-        XOR A
-_mask:
-        SCF
-        RLA
-        DJNZ _mask
-        LD C,A
-        AND (HL)
-        OR E
-        LD E,A
-        LD A,C
-        CPL
-        AND (HL)
-        LD (HL),A
-        RET
-_fraction:
-        XOR A
-        LD (ACC_EXPONENT),A
-        INC E
-        RET
-
-; INT: greatest whole number not above.
-; Uses: all
-num_int:
-        LD A,(ACC_HIGH)
-        PUSH AF
-        CALL num_fix
-        POP AF
-        AND 80h
-        RET Z
-        LD A,E
-        OR A
-        RET Z
-        CALL acc_to_left
-        LD HL,-1
-        CALL set_integer
-; LEFT + accumulator
-; Uses: all, of this and the next three
-num_add:
-        CALL same_types
-        JP Z,single_add
-        JP NC,double_add
-        LD HL,(LEFT_SINGLE)
-        LD DE,(ACCUMULATOR)
-        OR A
-        ADC HL,DE
-        JP PE,_overflow
-        LD (ACCUMULATOR),HL
-        RET
-_overflow:
-        CALL both_single
-        JP single_add
-
-; LEFT - accumulator
-num_subtract:
-        CALL same_types
-        JR Z,_single
-        JR NC,_double
-        LD HL,(LEFT_SINGLE)
-        LD DE,(ACCUMULATOR)
-        OR A
-        SBC HL,DE
-        JP PE,_overflow
-        LD (ACCUMULATOR),HL
-        RET
-_overflow:
-        CALL both_single
-_single:
-        CALL flip_sign
-        JP single_add
-_double:
-        CALL flip_sign
-        JP double_add
-
-; LEFT * accumulator
-num_multiply:
-        CALL same_types
-        JP Z,single_multiply
-        JP NC,double_multiply
-        LD HL,(LEFT_SINGLE)
-        LD DE,(ACCUMULATOR)
-        LD A,H
-        XOR D
-        PUSH AF
-        BIT 7,H
-        CALL NZ,negate_hl
-        EX DE,HL
-        BIT 7,H
-        CALL NZ,negate_hl
-        LD B,H
-        LD C,L
-        LD HL,0
-        JR _test
-_bit:
-        SRL D
-        RR E
-        JR NC,_double
-        ADD HL,BC
-        JR C,_overflow
-_double:
-        SLA C
-        RL B
-        JR C,_last
-_test:
-        LD A,D
-        OR E
-        JR NZ,_bit
-_done:
-        BIT 7,H
-        JR NZ,_overflow
-        POP AF
-        CALL M,negate_hl
-        LD (ACCUMULATOR),HL
-        RET
-_last:
-        LD A,D
-        OR E
-        JR Z,_done
-_overflow:
-        POP AF
-        CALL both_single
-        JP single_multiply
-
-; LEFT / accumulator; integers are divided as singles
-num_divide:
-        CALL same_types
-        JP Z,single_divide
-        JP NC,double_divide
-        CALL both_single
-        JP single_divide
-
-both_single:
-        CALL left_to_single
-        LD A,SINGLE_TYPE
-        LD (LEFT_TYPE),A
-        JP to_single
-
-; Compares LEFT with the accumulator.
-; Out:  A FF, 0, 1 and flags S, Z for LEFT <, =, > accumulator
-; Uses: all
-num_compare:
-        CALL same_types
-        JR Z,compare_single
-        LD B,8
-        JR NC,compare_floats
-        LD HL,(LEFT_SINGLE)
-        LD DE,(ACCUMULATOR)
-        OR A
-        SBC HL,DE
-        JR Z,_equal
-        LD A,H
-        JP PO,sign_result
-        CPL
-        JP sign_result
-_equal:
-        XOR A
-        RET
-compare_single:
-        LD B,4
-compare_floats:
-        LD HL,(ACC_HIGH)
-        LD A,H
-        OR A
-        LD HL,(LEFT_HIGH)
-        JR Z,_right_zero
-        INC H
-        DEC H
-        LD A,(ACC_HIGH)
-        JR Z,_opposite
-        XOR L
-        LD A,L
-        JP M,_by_sign
-        LD C,L
-        LD HL,ACC_EXPONENT
-        LD DE,LEFT_EXPONENT
-_byte:
-        LD A,(DE)
-        CP (HL)
-        JR NZ,_unequal
-        DEC HL
-        DEC DE
-        DJNZ _byte
-        XOR A
-        RET
-_unequal:
-        SBC A,A                 ; FF if the left magnitude is smaller
-        XOR C
-        JR _by_sign
-_right_zero:
-        LD A,H
-        OR A
-        RET Z
-        LD A,L
-        JR _by_sign
-_opposite:
-        CPL
-_by_sign:
-        JP sign_result

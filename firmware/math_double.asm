@@ -134,7 +134,7 @@ _pack:
         XOR (HL)
         LD (HL),A
 set_double:
-        LD A,DOUBLE_TYPE
+        LD A,TYPE_DOUBLE
         LD (NUMBER_TYPE),A
         RET
 

@@ -6,7 +6,7 @@
 make_digits:
         CALL clear_wide
         LD A,(NUMBER_TYPE)
-        CP DOUBLE_TYPE
+        CP TYPE_DOUBLE
         LD HL,ACCUMULATOR
         LD DE,WIDE + 7
         LD BC,3
@@ -224,7 +224,7 @@ put_digits:
 put_exponent:
         LD E,A
         LD A,(NUMBER_TYPE)
-        CP DOUBLE_TYPE
+        CP TYPE_DOUBLE
         LD A,'D'
         JR Z,_letter
         INC A
@@ -265,7 +265,7 @@ _positive:
         CALL num_abs
         LD HL,(ACCUMULATOR)
         LD A,(NUMBER_TYPE)
-        CP SINGLE_TYPE
+        CP TYPE_SINGLE
         JR C,_whole
         LD HL,0
         LD A,(ACC_EXPONENT)
@@ -280,7 +280,7 @@ _positive:
 _digits:
         CALL make_digits
         LD A,(NUMBER_TYPE)
-        CP DOUBLE_TYPE
+        CP TYPE_DOUBLE
         LD A,DOUBLE_DIGITS
         JR Z,_round
         LD A,SINGLE_DIGITS

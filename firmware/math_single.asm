@@ -172,7 +172,7 @@ _store:
         LD C,A
         LD (ACC_HIGH),BC
         LD (ACCUMULATOR),HL
-        LD A,SINGLE_TYPE
+        LD A,TYPE_SINGLE
         LD (NUMBER_TYPE),A
         RET
 

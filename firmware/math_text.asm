@@ -8,8 +8,6 @@ SINGLE_DIGITS   EQU 6
 DOUBLE_DIGITS   EQU 16
 SINGLE_WORK     EQU 8           ; digits made before they are rounded
 DOUBLE_WORK     EQU 18
-PLUS_TOKEN      EQU 0CDh
-MINUS_TOKEN     EQU 0CEh
 FOUND_POINT     EQU 0           ; bits of D while a number is read
 FOUND_LETTER    EQU 1
 
@@ -206,10 +204,10 @@ _upward:
 _suffix:
         LD A,(HL)
         CP '#'
-        LD IXL,DOUBLE_TYPE
+        LD IXL,TYPE_DOUBLE
         JR Z,_given
         CP '!'
-        LD IXL,SINGLE_TYPE
+        LD IXL,TYPE_SINGLE
         JR Z,_given
         CP '%'
         JR Z,_given
@@ -241,7 +239,7 @@ _great:
         POP HL
         JR _convert
 _double:
-        LD IXL,DOUBLE_TYPE
+        LD IXL,TYPE_DOUBLE
         JR _convert
 _given:
         PUSH AF
@@ -275,11 +273,11 @@ number_sign:
         RET C
         CP '+'
         JR Z,_plus
-        CP PLUS_TOKEN
+        CP TOKEN_PLUS
         JR Z,_plus
         CP '-'
         JR Z,_minus
-        CP MINUS_TOKEN
+        CP TOKEN_MINUS
         JR Z,_minus
         OR A
         RET
@@ -345,7 +343,7 @@ _fits:
         JP Z,error_ov
         LD B,A
         LD A,(NUMBER_TYPE)
-        CP DOUBLE_TYPE
+        CP TYPE_DOUBLE
         JR Z,_double
         LD HL,(WIDE_TOP - 2)
         LD A,(WIDE_TOP)

@@ -1,16 +1,15 @@
 ; PRINT USING.
 
-USE_EXPONENT    EQU 0           ; flags of a field
-USE_BEHIND      EQU 2
-USE_PLUS        EQU 3
-USE_DOLLAR      EQU 4
-USE_ASTERISKS   EQU 5
-USE_COMMAS      EQU 6
+USING_EXPONENT    EQU 0           ; flags of a field
+USING_BEHIND      EQU 2
+USING_PLUS        EQU 3
+USING_DOLLAR      EQU 4
+USING_ASTERISKS   EQU 5
+USING_COMMAS      EQU 6
 FIELD_FLAGS     EQU WIDE        ; while the text is made
 FIELD_BEFORE    EQU WIDE + 1
 FIELD_BEHIND    EQU WIDE + 2
 FIELD_SIGN      EQU WIDE + 3
-FIELD_EXPONENT  EQU WIDE + 4
 USING_SINGLE    EQU 7           ; most digits that are not 0
 
 ; The accumulator in a field. The sign takes one of the places before the point when nothing else
@@ -29,7 +28,7 @@ _sign:
         PUSH AF
         CALL num_abs
         LD A,(NUMBER_TYPE)
-        CP SINGLE_TYPE
+        CP TYPE_SINGLE
         CALL C,to_single
         LD A,(ACC_EXPONENT)
         OR A
@@ -59,10 +58,10 @@ _made:
         LD A,B                  ; the sign that is shown: minus, plus, blank, or none
         OR A
         JR NZ,_known
-        BIT USE_PLUS,C
+        BIT USING_PLUS,C
         LD A,'+'
         JR NZ,_known
-        BIT USE_BEHIND,C
+        BIT USING_BEHIND,C
         LD A,' '
         JR NZ,_known
         XOR A
@@ -74,7 +73,7 @@ _known:
         DEC A
 _places:
         LD E,A                  ; places behind the point
-        BIT USE_EXPONENT,C
+        BIT USING_EXPONENT,C
         JP NZ,_scientific
         LD A,(FIRST_EXPONENT)
         INC A
@@ -88,7 +87,7 @@ _before:
         LD C,A                  ; digits before the point
         LD HL,FIELD_FLAGS
         LD D,0
-        BIT USE_COMMAS,(HL)
+        BIT USING_COMMAS,(HL)
         JR Z,_room
         SUB 1
         JR C,_room
@@ -105,7 +104,7 @@ _room:
         LD B,A                  ; what is left before them
         DEC HL
         LD A,(HL)
-        AND 1 << USE_BEHIND | 1 << USE_PLUS
+        AND 1 << USING_BEHIND | 1 << USING_PLUS
         JR NZ,_own_place
         LD A,(FIELD_SIGN)
         OR A
@@ -130,7 +129,7 @@ _start:
         LD B,0
 _fits:
         LD A,(FIELD_FLAGS)
-        BIT USE_ASTERISKS,A
+        BIT USING_ASTERISKS,A
         LD A,' '
         JR Z,_fill
         LD A,'*'
@@ -144,7 +143,7 @@ _filled:
         DJNZ _filler
         CALL using_front
         LD A,(FIELD_FLAGS)
-        BIT USE_DOLLAR,A
+        BIT USING_DOLLAR,A
         JR Z,_digits
         LD (HL),'$'
         INC HL
@@ -164,7 +163,7 @@ _digit:
         DEC B
         JR Z,_point
         LD A,(FIELD_FLAGS)
-        BIT USE_COMMAS,A
+        BIT USING_COMMAS,A
         JR Z,_digit
         LD A,B
 _modulo:
@@ -181,7 +180,7 @@ _point:
         JR using_end
 _scientific:
         LD A,C                  ; places for digits: all but that of a sign
-        AND 1 << USE_BEHIND | 1 << USE_PLUS
+        AND 1 << USING_BEHIND | 1 << USING_PLUS
         LD A,D
         JR NZ,_all
         SUB 1
@@ -221,7 +220,7 @@ _exponent:
         CALL put_exponent
 using_end:
         LD A,(FIELD_FLAGS)
-        BIT USE_BEHIND,A
+        BIT USING_BEHIND,A
         JR Z,_end
         LD A,(FIELD_SIGN)
         LD (HL),A
@@ -237,7 +236,7 @@ using_round:
         JP M,round_digits
         LD B,A
         LD A,(NUMBER_TYPE)
-        CP DOUBLE_TYPE
+        CP TYPE_DOUBLE
         LD A,DOUBLE_DIGITS
         JR Z,_limit
         LD A,USING_SINGLE
@@ -250,7 +249,7 @@ _limit:
 ; The sign, where it stands in front.
 using_front:
         LD A,(FIELD_FLAGS)
-        BIT USE_BEHIND,A
+        BIT USING_BEHIND,A
         RET NZ
         LD A,(FIELD_SIGN)
         OR A

@@ -5,15 +5,8 @@
 ; as the field is long. Other characters are printed. The format starts again when there are more
 ; values than fields.
 
-; Flags of format_using
 ARROW           EQU 5Bh         ; the character of ^^^^, the key of the arrow
 USING_ON        EQU 80h
-USING_COMMAS    EQU 6
-USING_ASTERISKS EQU 5
-USING_DOLLAR    EQU 4
-USING_PLUS      EQU 3
-USING_BEHIND    EQU 2
-USING_EXPONENT  EQU 0
 
 ; In:   HL at the word USING
 print_using:

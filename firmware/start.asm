@@ -1,4 +1,4 @@
-; Power on, the reset key, and the prompt.
+; Power on and the reset key.
 
 SIZE_DIGITS     EQU 5           ; of the greatest address
 LEAST_MEMORY    EQU 5A00h       ; for the end of the memory
@@ -93,9 +93,8 @@ start_devices:
         LD HL,TEXT_SCREEN
         CALL set_cursor
 ; Silences the sound generator. Its port A drives the printer, port B reads.
-silence:
         LD HL,_registers
-        LD C,7
+        LD C,MIXER
 _register:
         LD A,C
         OUT (SOUND_REGISTER),A
@@ -104,11 +103,11 @@ _register:
         INC HL
         INC C
         LD A,C
-        CP 11
+        CP VOLUMES + CHANNELS
         JR C,_register
         RET
 _registers:
-        DEFB 7Fh, 0, 0, 0       ; R7: no tone, no noise; R8-R10: volume
+        DEFB 7Fh, 0, 0, 0       ; no tone, no noise; the volumes
 
 ; The vectors that a disk ROM replaces.
 ; Uses: AF, BC, DE, HL

@@ -8,7 +8,6 @@
 
 ; No temporaries.
 ; Uses: HL
-reset_strings:
 reset_temporaries:
         LD HL,TEMPORARIES
         LD (TEMP_POINTER),HL

@@ -91,10 +91,7 @@ close_part:
         RST 08h
         DEFB ')'
         POP BC
-; A part of a string.
-; In:   BC descriptor, D characters to leave out, E length
-; Out:  accumulator, HL kept
-string_part:
+; BC descriptor, D characters to leave out, E length of the part
         PUSH HL
         PUSH BC
         LD A,(BC)

@@ -1,4 +1,5 @@
-; The machine as the firmware sees it: memory, ports, the cells that programs know, the codes.
+; The machine as the firmware sees it: memory, ports, the cells that programs know, the codes; and
+; fixed places.
 
 ; Memory
 VECTORS         EQU 4000h       ; seven JPs for RST 08 to RST 38
@@ -80,6 +81,15 @@ TAB             EQU 09h
 LINE_FEED       EQU 0Ah
 RETURN          EQU 0Dh
 ERASE_LINE      EQU 18h         ; SHIFT and cursor left
+ESCAPE          EQU 1Bh         ; SHIFT and cursor up
 HOME            EQU 1Ch
 CLEAR_TO_END    EQU 1Fh         ; also the code of the CLEAR key
 FIRST_FKEY      EQU 0F1h        ; F1 to F4, with SHIFT F5 to F8
+
+; Fills up to a fixed address and stops the build when the code before it has grown too long.
+fill_to MACRO address
+        IF $ > address
+        .ERROR code runs into a fixed address
+        ENDIF
+        DEFS address - $, 0FFh
+        ENDM

@@ -98,14 +98,14 @@ compare_words:
 ; Uses: AF
 test_type:
         LD A,(NUMBER_TYPE)
-        CP 8
+        CP TYPE_DOUBLE
         JR NC,_double
-        SUB 3
+        SUB TYPE_STRING
         OR A
         SCF
         RET
 _double:
-        SUB 3
+        SUB TYPE_STRING
         OR A
         RET
 

@@ -1,4 +1,4 @@
-; The words of the graphics screen: FCOLOUR, FGR, LGR, FCLS, PLOT, NPLOT, CIRCLE, PAINT, CPOINT.
+; The words of the graphics screen: FCOLOUR, FCLS, PLOT, NPLOT, CIRCLE, CPOINT.
 ;
 ; Statements take HL at the first character behind the word, A that character with the flags of
 ; next_character, and return HL at the end of the statement. They use all registers but SP. A point

@@ -153,7 +153,7 @@ first_texts:
         DEFM "CLOAD"
         DEFB RETURN, 0
         DEFM "CSAVE"
-        DEFB 22h, 0
+        DEFB STRING_QUOTE, 0
         DEFM "CONT"
         DEFB RETURN, 0
         DEFM "RENUM"

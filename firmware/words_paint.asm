@@ -4,8 +4,8 @@
 ; has the fill colour already is a border too.
 ;
 ; A list of seeds on the stack: each is a point from which a span to both sides is filled, and each
-; run of open pixels right above and below the span leaves a seed. OM
-; error when the list would meet the variables.
+; run of open pixels right above and below the span leaves a seed. OM error when the list would meet
+; the variables.
 stmt_paint:
         CALL get_point
         PUSH DE

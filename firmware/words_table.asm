@@ -25,6 +25,6 @@ extended_statement_table:
         DEFW stmt_swap          ; 94 SWAP
         DEFW stmt_fkey          ; 95 FKEY
         DEFW stmt_call          ; 96 CALL
-        DEFW stmt_verify        ; 97 VERIFY
+        DEFW cmd_verify         ; 97 VERIFY
         DEFW stmt_bgrd          ; 98 BGRD
         DEFW stmt_nbgrd         ; 99 NBGRD

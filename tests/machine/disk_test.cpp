@@ -281,6 +281,14 @@ TEST(Disk, StartsABootableDisk) {
     disk.machine.boot(0);
     EXPECT_TRUE(std::ranges::equal(code, std::span(memory + 0x5710, std::size(code))));
     EXPECT_EQ(memory[0x4401], 0x2A);
+
+    disk.machine.platform().set_key(KEY_END, true); // BREAK, until MEM SIZE? is asked
+    machine_change_cfg(machine_cfg[0], 1);
+    ASSERT_TRUE(disk.machine.type("", 200));
+    disk.machine.platform().release_all_keys();
+    EXPECT_EQ(disk.machine.screen()[0], "MEM SIZE?");
+    ASSERT_TRUE(disk.machine.type("\n"));
+    EXPECT_NE(memory[0x4401], 0x2A) << "held BREAK keeps the disk from starting";
 }
 
 } // namespace

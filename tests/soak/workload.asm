@@ -4,22 +4,12 @@
 ; again after 64. So the picture, the beam included, is the same whenever `step` is reached with
 ; the counter at 0.
 
-SCREEN  equ     4400h           ; 40 columns, 24 rows
-COLOUR  equ     0F000h
-CHARS   equ     0F400h          ; character 80h
+        include "machine.asm"
+
 KEYS    equ     0F801h          ; first row of the keyboard
 STACK   equ     6F00h
 SECTOR  equ     7000h           ; 256 bytes
 VECTOR  equ     5FFFh           ; of the interrupt mode 2
-
-SOUND_SELECT    equ     0F8h
-SOUND_DATA      equ     0F9h
-CRTC_SELECT     equ     0FAh
-CRTC_DATA       equ     0FBh
-LATCH           equ     0FFh    ; video modes, cassette and beeper in bit 0
-
-PORT_A          equ     14      ; printer, and level of the joysticks' converter
-PORT_B          equ     15
 
 DRIVE_SELECT    equ     0FFE0h
 DISK_COMMAND    equ     0FFECh  ; and status
@@ -87,18 +77,7 @@ set_up: di
         ld      a,VECTOR/256
         ld      i,a
         im      2
-        ld      hl,crtc_values
-        ld      c,0
-next_register:
-        ld      a,c
-        out     (CRTC_SELECT),a
-        ld      a,(hl)
-        out     (CRTC_DATA),a
-        inc     hl
-        inc     c
-        ld      a,c
-        cp      16
-        jr      nz,next_register
+        include "crtc.asm"
         ld      hl,SCREEN
         ld      de,SCREEN+1
         ld      bc,1023
@@ -234,7 +213,7 @@ keyboard1:
         sla     l
         djnz    keyboard1
         ld      a,c
-        ld      (SCREEN+23*40),a
+        ld      (SCREEN+23*COLUMNS),a
         add     a,0FFh          ; carry with any key down
         ld      de,0
         ld      hl,(keys)
@@ -272,7 +251,7 @@ disk1:  ld      a,(hl)
         ld      (de),a
         inc     e
         djnz    disk1
-        ld      (SCREEN+23*40+1),a
+        ld      (SCREEN+23*COLUMNS+1),a
         ret
 
 interrupt:
