@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# The window under a window manager: sizes, full screen and back, a menu, the close button.
+# The window under a window manager: sizes, full screen and back, a menu, the close button, a signal.
 program=$1
 source "$(dirname "$0")/desktop.sh"
 
@@ -48,3 +48,11 @@ becomes "giant screen by menu" 776x$((${normal#*x} + 288)) size
 xdotool key alt+F4 # the window manager's close
 wait "$program_pid" || fail "the exit code is $?"
 grep -q 'GiantScreen = 1' config/tarvelin/settings.toml || fail "the settings were not kept"
+
+# A signal does not wait for the user to leave a dialog.
+start_program
+xdotool key alt+q
+becomes "the configuration" "Machine configuration" \
+    bash -c 'xdotool getwindowname "$(xdotool getactivewindow)" 2>/dev/null'
+kill "$program_pid"
+wait "$program_pid" || fail "the exit code after a signal is $?"

@@ -1,5 +1,8 @@
 #include "platform/qt/qt_signals.h"
 
+#include <QApplication>
+#include <QMessageBox>
+
 #include <csignal>
 #include <fcntl.h>
 #include <unistd.h>
@@ -16,6 +19,23 @@ extern "C" void note_signal(int) {
     [[maybe_unused]] const ssize_t written = write(pipe_ends[1], &note, 1);
 }
 
+bool is_question(const QWidget& box) {
+    const auto* message = qobject_cast<const QMessageBox*>(&box);
+    return message && message->standardButtons().testFlag(QMessageBox::Yes);
+}
+
+/// The program ends only behind its dialogs. A question is left to the user, whose disk it may be
+/// about.
+void cancel_dialogs() {
+    QWidget* open = QApplication::activeModalWidget();
+    while (open && !is_question(*open)) {
+        open->close();
+        QWidget* const next = QApplication::activeModalWidget();
+        if (next == open) return;
+        open = next;
+    }
+}
+
 } // namespace
 
 QtSignals::QtSignals(QtEvents& events) {
@@ -26,6 +46,7 @@ QtSignals::QtSignals(QtEvents& events) {
         while (read(pipe_ends[0], &note, 1) > 0) {
         }
         events.post_once(Event::Kind::close);
+        cancel_dialogs();
     });
     for (const int number : SIGNALS) std::signal(number, note_signal);
 }

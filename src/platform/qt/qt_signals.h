@@ -5,8 +5,8 @@
 
 #include <memory>
 
-/// An interrupt, termination or hang-up signal closes the window as its user would, so that
-/// settings and disks are kept.
+/// An interrupt, termination or hang-up signal cancels an open dialog and closes the window as its
+/// user would, so that settings and disks are kept.
 class QtSignals {
 public:
     explicit QtSignals(QtEvents& events);
