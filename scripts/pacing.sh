@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Measures the desktop program at normal speed while it plays a tune on a virtual X server: speed by
+# Measures the desktop program at normal speed while it plays a chord on a virtual X server: speed by
 # the clock, gaps in the sound, processor time, and processor time while it is paused.
 # usage: scripts/pacing.sh [MINUTES]        ten without an argument
 # BUILD_DIR names another build folder than build/release. The host should have nothing else to do.
@@ -11,9 +11,10 @@ device=$PWD/tests/soak/sound_device.py
 
 scripts/dependencies.sh test
 [[ -f $build/build.ninja ]] || cmake --preset release -B "$build" >/dev/null
-cmake --build "$build" --target tarvelin examples
+cmake --build "$build" --target tarvelin mkcmd
 program=$build/src/tarvelin
-tune=$(realpath "$build/examples/tune.cmd")
+chord=$PWD/tests/soak/chord.asm examples=$PWD/examples
+mkcmd=$(realpath "$build/tools/mkcmd")
 source tests/desktop/desktop.sh
 trap 'kill -9 ${device_pid:-} ${program_pid:-} 2>/dev/null || true; clean_up' EXIT
 
@@ -31,15 +32,16 @@ row() {
 
 seconds=$(awk "BEGIN {print int($minutes * 60)}")
 first=5 # second of machine time where measuring begins
-cp "$tune" tune.cmd
+pasmo --bin -I "$examples" "$chord" chord.bin
+"$mkcmd" chord.cmd 5800 5800 chord.bin
 mkfifo sound
 python3 "$device" sound >device.log &
 device_pid=$!
 start_server
 export SDL_AUDIODRIVER=disk SDL_DISKAUDIOFILE=$work/sound SDL_DISKAUDIODELAY=0
 
-start_program /s "$first" /t $((first + seconds)) tune.cmd
-wait_for tune0000.gif
+start_program /s "$first" /t $((first + seconds)) chord.cmd
+wait_for chord0000.gif
 used=$(ticks) then=$(now)
 slow=0
 while kill -0 "$program_pid" 2>/dev/null; do
@@ -51,12 +53,12 @@ done
 wait "$program_pid" || fail "the program ended badly: $(cat program.log)"
 wait "$device_pid" || fail "the sound device"
 # The settings are written as soon as the machine stops.
-took=$(awk "BEGIN {print $(stat -c %.6Y config/tarvelin/settings.toml) - $(stat -c %.6Y tune0000.gif)}")
+took=$(awk "BEGIN {print $(stat -c %.6Y config/tarvelin/settings.toml) - $(stat -c %.6Y chord0000.gif)}")
 read -r played late gaps < <(sed -n '1s/[a-z]*=//gp' device.log)
 
 unset SDL_DISKAUDIOFILE SDL_DISKAUDIODELAY
 export SDL_AUDIODRIVER=dummy
-start_program tune.cmd
+start_program chord.cmd
 sleep 3
 xdotool key Pause
 sleep 1

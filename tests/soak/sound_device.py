@@ -3,8 +3,8 @@
 usage: sound_device.py PIPE
 
 At the end of the pipe it prints how many seconds it played, how often the program was late with
-the next 10 ms, and the gaps: silences of two milliseconds and more. A program that has not written
-in time leaves silence of a whole fragment.
+the next 10 ms, and the gaps: silences of half a millisecond and more. A program that has not
+written in time leaves them; what it plays must have none of its own.
 """
 
 import fcntl
@@ -18,8 +18,8 @@ RATE = 48000
 BYTES = 2
 BLOCK = RATE // 100 * BYTES
 LATE = 0.05  # seconds
-START_UP = 2 * RATE * BYTES  # until the tune plays
-GAP = re.compile(rb"\0{%d,}" % (RATE // 500 * BYTES))
+START_UP = 2 * RATE * BYTES  # until the program plays
+GAP = re.compile(rb"\0{%d,}" % (RATE // 2000 * BYTES))
 
 # The short queue of a device, which can only be made while the pipe is empty.
 descriptor = os.open(sys.argv[1], os.O_RDONLY | os.O_NONBLOCK)
