@@ -2,11 +2,9 @@
 /// Prints the emulated seconds of each and how many times as fast it is as the yardstick, an
 /// interpreter of the same family at 1.77 MHz whose times are scaled to this machine's clock.
 #include "support/basic_machine.h"
+#include "support/test_files.h"
 
 #include <cstdio>
-#include <fstream>
-#include <iterator>
-#include <string>
 
 namespace {
 
@@ -21,20 +19,14 @@ struct Program {
 constexpr Program PROGRAMS[] = {{"bm1", 2.5}, {"bm2", 18}, {"bm3", 34.5}, {"bm4", 39},
                                 {"bm5", 45},  {"bm6", 67}, {"bm7", 109},  {"bm8", 0}};
 
-std::string read(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 } // namespace
 
 int main(int count, char** words) {
-    const std::string rom = count > 1 ? read(words[1]) : "";
     BasicMachine machine;
-    machine.boot(0, {rom.begin(), rom.end()});
+    machine.boot(0, count > 1 ? read_file(words[1]) : std::vector<uint8_t>());
     std::printf("program  seconds  yardstick  times as fast\n");
     for (const Program& program : PROGRAMS) {
-        machine.type("NEW\n" + read(std::string(LISTINGS) + "/" + program.name + ".bas"));
+        machine.type("NEW\n" + read_text(std::string(LISTINGS) + "/" + program.name + ".bas"));
         // What typing and waiting for the prompt take is not the program's time.
         machine.type("REM\n");
         const int around = machine.frames();

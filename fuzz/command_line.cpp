@@ -2,7 +2,6 @@
 
 #include "host/command_line.h"
 
-#include "cgenie/memory.h"
 #include "core/frame_driver.h"
 #include "media/snapshot.h"
 #include "support/files.h"

@@ -14,7 +14,6 @@
 #include "z80/z80.h"
 
 #include <algorithm>
-#include <cstring>
 #include <vector>
 
 namespace {

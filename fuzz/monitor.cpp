@@ -11,7 +11,6 @@
 #include "support/machine.h"
 #include "support/shell.h"
 #include "z80/disassembler.h"
-#include "z80/z80.h"
 
 #include <array>
 #include <cstring>

@@ -1,14 +1,12 @@
 /// ROM images of the user's: replacements by name, and the files that the settings name.
 
 #include "cgenie/firmware_images.h"
-#include "cgenie/memory.h"
 #include "cgenie/video.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"
 #include "support/fake_host.h"
 #include "support/files.h"
 #include "support/machine.h"
-#include "z80/z80.h"
 
 #include <filesystem>
 

@@ -3,7 +3,6 @@
 
 #include "platform/settings_file.h"
 
-#include "cgenie/video.h"
 #include "core/frame_driver.h"
 #include "platform/host_services.h"
 #include "support/files.h"
@@ -23,21 +22,23 @@ constexpr const char* NUMBERS[] = {"ActiveConfig",
                                    "CustomCpuClockFreq",
                                    "CustomPalette",
                                    "CustomRamSize",
-                                   "CustomRamStartupPattern",
                                    "CustomRomBASIC",
+                                   "CustomRamStartupPattern",
                                    "CustomRomChar",
-                                   "CustomRomExpansion",
-                                   "CustomScreenFreq",
-                                   "CycleBasedEmulation",
                                    "DoubleScan",
                                    "EnablePrinter",
+                                   "CustomRomExpansion",
                                    "GiantScreen",
                                    "HiResLowe",
                                    "KeyMapping",
+                                   "CustomScreenFreq",
                                    "RunInBackground",
                                    "Sound",
                                    "SyncSpeed",
-                                   "VideoCut"};
+                                   "CycleBasedEmulation",
+                                   "VideoCut",
+                                   "VideoPage",
+                                   "SaveVideoRamWithScreenShots"};
 constexpr const char* TEXTS[] = {"BasicROMPath", "CharROMPath", "ExpansionROMPath", "Disk0",
                                  "Tape"};
 

@@ -2,8 +2,6 @@
 /// the firmware's traps, and saved. The last byte of the file chooses what else happens.
 
 #include "media/tape.h"
-#include "cgenie/memory.h"
-#include "media/traps.h"
 #include "support/fake_host.h"
 #include "support/files.h"
 #include "support/machine.h"

@@ -28,11 +28,7 @@ same() {
 
 silent desktop-file-validate tarvelin.desktop
 appstreamcli validate --no-net tarvelin.metainfo.xml || fail "appstreamcli failed"
-silent xmllint --noout --nonet tarvelin-mime.xml icons/tarvelin.svg ../docs/manual.html ../docs/firmware.html \
-    ../docs/benchmarks.html
-silent groff -ww -man -Tutf8 -z tarvelin.1
-silent groff -ww -man -Tutf8 -z tarvelin-bas.1
-silent groff -ww -man -Tutf8 -z tarvelin-disk.1
+silent xmllint --noout --nonet tarvelin-mime.xml icons/tarvelin.svg ../docs/*.html
 
 # The desktop finds the types by name and content, and the program for each.
 mkdir -p "$work/mime/packages"
@@ -60,6 +56,7 @@ version=$("$program" --version | cut -d' ' -f2)
 grep -q "<release version=\"$version\"" tarvelin.metainfo.xml || fail "no release $version"
 [[ $(head -n1 changelog) == "tarvelin ($version) "* ]] || fail "changelog does not begin with $version"
 explained() {
+    silent groff -ww -man -Tutf8 -z "$2"
     groff -man -Tascii -P-c -P-b -P-u "$2" >"$work/page"
     "$1" --help | sed -nE 's/^  (--[a-z-]+|\/[a-z]N?|[a-z]+ ).*/\1/p' >"$work/options"
     [[ -s $work/options ]] || fail "$1 --help lists no options"

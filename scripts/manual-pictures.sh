@@ -13,26 +13,10 @@ manual=$PWD/docs/manual.html
 images=$PWD/docs/images
 mkdir -p "$images"
 
-work=$(mktemp -d)
-program_pid=''
-window=''
-dialog=''
-clean_up() {
-    # shellcheck disable=SC2046 # one process each
-    kill $program_pid ${manager_pid:-} ${server_pid:-} 2>/dev/null || true
-    wait 2>/dev/null || true
-    rm -rf "$work"
-}
-trap clean_up EXIT
-export HOME=$work XDG_CONFIG_HOME=$work/config XDG_DATA_HOME=$work/data QT_QPA_PLATFORM=xcb
-export SDL_AUDIODRIVER=dummy LC_ALL=C.UTF-8
-unset WAYLAND_DISPLAY XDG_CURRENT_DESKTOP
-cd "$work"
-
-fail() {
-    echo "manual-pictures: $*" >&2
-    exit 1
-}
+source tests/desktop/desktop.sh
+# Nothing of the user's own look gets in.
+export HOME=$work LC_ALL=C.UTF-8
+unset XDG_CURRENT_DESKTOP
 
 # store NAME FILE [OPTIONS...]: as small as it gets, without the time
 store() {
@@ -46,31 +30,6 @@ machine() {
     "$program" --headless /w /s "$2" /t $(($2 + 1)) "$3" >program.log 2>&1 ||
         fail "$3: $(cat program.log)"
     store "$1" "${3%.*}0000.gif" -sample 200%
-}
-
-# start ARGUMENTS...: the program, and the main window's number in `window`
-start() {
-    "$program" "$@" >program.log 2>&1 &
-    program_pid=$!
-    find_window window .
-    xdotool windowactivate --sync "$window"
-}
-stop() {
-    kill "$program_pid"
-    wait "$program_pid" || true
-    program_pid=
-}
-
-# find_window VARIABLE TITLE: the number of the program's window with such a title
-find_window() {
-    local -n found=$1
-    for _ in $(seq 100); do
-        found=$(xdotool search --all --onlyvisible --pid "$program_pid" --name "$2" 2>/dev/null |
-            tail -n 1 || true)
-        if [[ -n $found ]]; then return; fi
-        sleep 0.1
-    done
-    fail "no window $2: $(cat program.log)"
 }
 
 # picture NAME WINDOW: the window with its frame, and what stands in front of it
@@ -106,19 +65,9 @@ sed -n '/<pre id="listing">/,/<\/pre>/p' "$manual" | sed 's/<[^>]*>//g' >listing
 machine colours 2 colours.cmd
 machine graphics 40 listing.bas
 
-mkfifo display
-Xvfb -displayfd 3 -screen 0 1024x768x24 -nolisten tcp -noreset 3>display 2>/dev/null &
-server_pid=$!
-DISPLAY=:$(head -n 1 display)
-export DISPLAY
-openbox >openbox.log 2>&1 &
-manager_pid=$!
-for _ in $(seq 50); do
-    if xdotool get_desktop >/dev/null 2>&1; then break; fi
-    sleep 0.1
-done
-
-start bounce.cmd
+start_server 1024x768x24
+start_window_manager
+start_program bounce.cmd
 sleep 6 # the title shows the speed, and the program runs
 picture window "$window"
 
@@ -132,7 +81,7 @@ picture memory "$window"
 press_until '(Restarting)' Escape
 
 xdotool key alt+q
-find_window dialog 'Machine configuration'
+dialog=$(find_window 'Machine configuration')
 xdotool key alt+c space # two controls have that letter: it only leads there
 picture configuration "$dialog"
 xdotool key Escape
@@ -140,10 +89,10 @@ xdotool key Escape
 xdotool key alt+o
 sleep 0.3
 xdotool key d d Return # the second of two items with that letter
-find_window dialog 'Video setup'
+dialog=$(find_window 'Video setup')
 picture video-setup "$dialog"
-stop
+kill "$program_pid"
+wait "$program_pid"
 
-start bounce.cmd /v film.avi
-find_window dialog 'Video Compression'
-picture compression "$dialog"
+start_program bounce.cmd /v film.avi
+picture compression "$(find_window 'Video Compression')"

@@ -18,7 +18,6 @@ mkcmd=$(realpath "$build/tools/mkcmd")
 source tests/desktop/desktop.sh
 trap 'kill -9 ${device_pid:-} ${program_pid:-} 2>/dev/null || true; clean_up' EXIT
 
-ticks() { awk '{print $14 + $15}' "/proc/$program_pid/stat"; } # of 10 ms, user and system
 now() { awk '{print $1}' /proc/uptime; }
 of_core() { awk "BEGIN {printf \"%.2f\", ($2 - $1) / ($4 - $3)}"; } # ticks, ticks, then, now: %
 problems=0

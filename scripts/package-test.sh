@@ -2,14 +2,14 @@
 # The Debian package as a user gets it: builds it, installs it with its dependencies into a fresh
 # minimal Debian root, uses it there, purges it, and looks for what it left. Needs root (or sudo)
 # for the root's sake, and takes a few minutes, most of them to fetch packages.
-# usage: scripts/package-test.sh [BUILD-FOLDER]      a configured build; without: build/release
+# usage: scripts/package-test.sh [BUILD-FOLDER]      without: build/release
 set -euo pipefail
 cd "$(dirname "$0")/.."
 if [[ $(id -u) -ne 0 ]]; then exec sudo --preserve-env=http_proxy,https_proxy "$0" "$@"; fi
 
 scripts/dependencies.sh package
 build=${1:-build/release}
-[[ -f $build/build.ninja ]] || cmake --preset release -DBUILD_TESTING=OFF >/dev/null
+[[ -f $build/build.ninja ]] || cmake --preset release -B "$build" -DBUILD_TESTING=OFF >/dev/null
 
 root=
 failures=0
@@ -102,6 +102,7 @@ step "use"
 documents=/usr/share/doc/tarvelin
 check "version" as_user tarvelin --version
 check "BASIC converter" as_user tarvelin-bas --version
+check "disk tool" as_user tarvelin-disk --version
 
 as_user mkdir -p /tmp/home/play
 as_user cp /usr/share/tarvelin/examples/colours.cmd /tmp/home/play/
@@ -151,12 +152,12 @@ done
 [[ $(as_user xdg-mime query default application/x-colour-genie-program) == tarvelin.desktop ]] &&
     echo "ok: opened by tarvelin.desktop" || fail "no program for a load module"
 
-for page in tarvelin tarvelin-bas; do
+for page in tarvelin tarvelin-bas tarvelin-disk; do
     check "man $page" as_user sh -c "man $page | grep -q SYNOPSIS"
 done
 for name in copyright changelog.gz; do check "$name" test -s "$root$documents/$name"; done
-# Every picture and page that the manual shows or leads to is there.
-for page in manual firmware; do
+# Every picture and page that the manuals show or lead to is there.
+for page in manual firmware benchmarks; do
     check "$page.html" test -s "$root$documents/$page.html"
     while read -r target; do
         check "$page.html: $target" test -s "$root$documents/$target"

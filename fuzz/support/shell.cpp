@@ -1,16 +1,12 @@
 #include "support/shell.h"
 
 #include "cgenie/crtc.h"
-#include "cgenie/hires_lowe.h"
 #include "cgenie/memory.h"
 #include "core/frame_driver.h"
-#include "core/machine.h"
-#include "host/display.h"
 #include "host/menu.h"
 #include "host/shell.h"
-#include "media/printer.h"
-#include "monitor/monitor.h"
 #include "support/files.h"
+#include "support/program_options.h"
 #include "z80/z80.h"
 
 #include <algorithm>
@@ -26,27 +22,12 @@ HeadlessOptions options() {
     return options;
 }
 
-/// The program ends with these; here it goes on.
-void reset_options() {
-    g_bActive = g_bDblScan = g_bSound = g_bUseGDI = true;
-    g_bPaused = g_bDebug = g_bRunInBackground = g_GiantScreen = g_KeyMapping = g_Timer = false;
-    g_1bitDisplay = printer_enabled = g_bCycleBasedEngine = false;
-    video_cut = video_page = false;
-    g_CompositeBlur = 0;
-    lowe.enabled = 0;
-    g_bFullScreen = 0;
-    leftover = 0;
-    event_screenshot_timout = event_shutdown_timout = EVENT_DISARMED;
-    local_pc.reset();
-    monitor_page = MONITOR_DISASSEMBLY;
-    memdump_pc = 0;
-}
-
 } // namespace
 
 FuzzShell::FuzzShell() : host(options()) {
     install_platform(host);
-    reset_options();
+    reset_program_options();
+    g_Timer = false;
 }
 
 FuzzShell::~FuzzShell() {

@@ -222,20 +222,6 @@ TEST_F(Bus, SoundChipPorts) {
     ym2149_write_register(7, 0x80);
     EXPECT_EQ(read_register(14), 0xFF) << "nothing is connected to the port A input";
     EXPECT_EQ(read_register(15), 0x5A);
-
-    ym2149_write_register(7, 0x40);
-    for (const uint8_t level : {0x00, 0x3F}) {
-        ym2149_write_register(14, level);
-        printer_enabled = false;
-        const uint8_t sticks = joystick_get_state();
-        EXPECT_EQ(read_register(15), sticks);
-        printer_enabled = true;
-        int expected = (sticks & 0x0F) + 0x20; // paper
-        if (printer_is_ready()) expected += 0x10;
-        if (printer_is_busy()) expected += 0x80;
-        EXPECT_EQ(read_register(15), expected) << "level " << int(level);
-    }
-    printer_enabled = false;
 }
 
 TEST_F(Bus, InterruptLineIsALevel) {

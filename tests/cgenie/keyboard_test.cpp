@@ -3,8 +3,9 @@
 #include "cgenie/memory.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"
-#include "host/host_files.h"
 #include "media/traps.h"
+#include "support/host_files.h"
+#include "support/typed_text.h"
 #include "z80/z80.h"
 
 #include <algorithm>
@@ -40,7 +41,6 @@ protected:
     void TearDown() override {
         keyboard_type_reset();
         keyboard_change_mapping(0);
-        host->keyboard() = {};
         HostFilesTest::TearDown();
     }
     void hold(const std::vector<int>& keys) {
@@ -56,14 +56,6 @@ protected:
     static uint8_t row(unsigned number) { return keyboard_read(uint8_t(1U << number)); }
     /// The next four reads of row 7.
     static std::vector<int> shifts() { return {row(7), row(7), row(7), row(7)}; }
-    static std::string typed() {
-        std::string text;
-        for (int done = 0;;) {
-            const uint8_t character = keyboard_type_bas_file(&done);
-            if (done) return character ? "not 0 at the end" : text;
-            text += char(character);
-        }
-    }
 };
 const std::vector<int> NO_SHIFT = {0, 0, 0, 0}, THREE_SHIFTS = {1, 1, 1, 0};
 
@@ -159,15 +151,15 @@ TEST_F(Keyboard, TypesTextAndSkipsTheByteBehindACarriageReturn) {
     };
     for (const auto& [text, expected] : cases) {
         EXPECT_EQ(keyboard_open_from_buffer(text), 1);
-        EXPECT_EQ(typed(), expected);
-        EXPECT_EQ(typed(), "") << "stays at the end";
+        EXPECT_EQ(typed_text(), expected);
+        EXPECT_EQ(typed_text(), "") << "stays at the end";
     }
     const std::string with_zero("AB\0CD", 5);
     keyboard_open_from_buffer(with_zero);
-    EXPECT_EQ(typed(), "AB");
+    EXPECT_EQ(typed_text(), "AB");
     std::ofstream("text.bas", std::ios::binary) << with_zero;
     EXPECT_EQ(keyboard_open_bas_file("text.bas"), 1);
-    EXPECT_EQ(typed(), with_zero) << "a file is typed whole";
+    EXPECT_EQ(typed_text(), with_zero) << "a file is typed whole";
 
     host->clipboard().set_text("NEW\r\n");
     gui_paste_from_clipboard();
@@ -180,14 +172,14 @@ TEST_F(Keyboard, TypesTextAndSkipsTheByteBehindACarriageReturn) {
     for (const char* name : {"none", "folder", "large"}) {
         EXPECT_EQ(keyboard_open_bas_file(name), 0) << name;
     }
-    EXPECT_EQ(typed(), "EW\r") << "a refused file leaves the text alone";
+    EXPECT_EQ(typed_text(), "EW\r") << "a refused file leaves the text alone";
     gui_paste_from_clipboard();
     keyboard_type_bas_file(&done);
     keyboard_open_from_buffer("RUN");
-    EXPECT_EQ(typed(), "RUN") << "from its first byte";
+    EXPECT_EQ(typed_text(), "RUN") << "from its first byte";
     gui_paste_from_clipboard();
     keyboard_type_reset();
-    EXPECT_EQ(typed(), "");
+    EXPECT_EQ(typed_text(), "");
 }
 
 TEST_F(Keyboard, TrapStandsInForTheRoutineUntilTheTextEnds) {

@@ -1,8 +1,8 @@
 #include "cgenie/memory.h"
 
 #include "cgenie/firmware_images.h"
-#include "host/host_files.h"
 #include "support/fake_host.h"
+#include "support/host_files.h"
 
 #include <algorithm>
 #include <cstring>
@@ -15,11 +15,6 @@ Bytes pattern(size_t size) {
     Bytes bytes(size);
     for (size_t i = 0; i < size; ++i) bytes[i] = uint8_t(i * 5 + (i >> 8) * 11 + 1);
     return bytes;
-}
-
-void write_file(const std::string& path, const Bytes& bytes) {
-    std::ofstream file(path, std::ios::binary);
-    file.write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
 }
 
 Bytes copy(const uint8_t* from, size_t size) { return {from, from + size}; }
@@ -187,7 +182,6 @@ TEST_F(Memory, UserFirmwareOfTheRightSizeReplacesTheBuiltInOne) {
     const Bytes basic = in_use(FirmwareImage::basic_v1), disk = in_use(FirmwareImage::disk);
     const Bytes charset = in_use(FirmwareImage::charset_german);
 
-    std::filesystem::create_directory("firmware");
     write_file("firmware/basic-v2.rom", pattern(16384));
     write_file("firmware/charset-german.rom", pattern(2049));
     write_file("firmware/disk.rom", pattern(100));

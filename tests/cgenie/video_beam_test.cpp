@@ -2,18 +2,18 @@
 
 #include "cgenie/crtc.h"
 #include "cgenie/memory.h"
+#include "cgenie/screen_setup.h"
 #include "cgenie/video.h"
 #include "support/fake_host.h"
 #include "z80/z80.h"
 
+#include <gtest/gtest.h>
+
 #include <algorithm>
-#include <array>
 #include <cstring>
 #include <random>
 #include <string>
 #include <vector>
-
-#include <gtest/gtest.h>
 
 namespace {
 /// The counters as the circuit has them, one character clock and one pixel at a time.
@@ -130,24 +130,8 @@ struct Circuit {
     }
 };
 
-/// R0 to R15: 72 clocks a line, 304 lines, 40 x 24 characters of 8 lines. The sync starts at line
-/// 248 and ends 7 lines later, inside its row, so that it comes once a frame.
-constexpr std::array<uint8_t, 16> TEXT = {70, 40, 49, 0x95, 38, 0, 24,   30,
-                                          0,  7,  6,  7,    1,  0, 0x41, 0x25};
 constexpr int LINE_CLOCKS = 72;
 constexpr int FRAME_CLOCKS = 304 * LINE_CLOCKS;
-
-void fill_with_noise(uint32_t seed) {
-    std::mt19937 noise(seed);
-    for (uint32_t i = RAM_START; i < MEMORY_SIZE; ++i) memory[i] = uint8_t(noise());
-    for (uint8_t& line : current_charset) line = uint8_t(noise());
-}
-
-void latch(uint32_t value) {
-    video_graphic_background(value & 0xC4);
-    video_charset_select(value & 0x18);
-    video_mode_select(value & 0x20);
-}
 
 /// Runs until a frame has just ended; returns the clocks that took.
 int run_to_frame_end() {
@@ -180,8 +164,6 @@ Circuit circuit_beside_the_beam() {
 bool same_storage(const Circuit& circuit) {
     return std::memcmp(circuit.pixels.data(), frame_buffer, FRAME_STORAGE) == 0;
 }
-
-int pixel(int x, int y) { return frame_buffer[y * SCREEN_WIDTH + x]; }
 
 /// Puts a program at address 0 and the processor before it.
 void load_program(std::initializer_list<int> bytes) {

@@ -3,12 +3,12 @@
 #include "cgenie/palette.h"
 #include "cgenie/video.h"
 
+#include <gtest/gtest.h>
+
 #include <cstring>
 #include <random>
 #include <string>
 #include <vector>
-
-#include <gtest/gtest.h>
 
 namespace {
 void draw_noise() {

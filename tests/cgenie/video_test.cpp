@@ -3,21 +3,15 @@
 #include "cgenie/crtc.h"
 #include "cgenie/firmware_images.h"
 #include "cgenie/memory.h"
+#include "cgenie/screen_setup.h"
 #include "platform/headless/headless.h"
-
-#include <algorithm>
-#include <array>
-#include <fstream>
-#include <random>
-#include <string>
+#include "support/test_files.h"
 
 #include <gtest/gtest.h>
 
-namespace {
-/// R0 to R15: 40 x 24 characters of 8 lines, cursor on lines 6 and 7 of offset 0125.
-constexpr std::array<uint8_t, 16> TEXT = {70, 40, 49, 0x95, 38, 0, 24,   30,
-                                          0,  7,  6,  7,    1,  0, 0x41, 0x25};
+#include <algorithm>
 
+namespace {
 using Changes = std::vector<std::pair<uint32_t, uint8_t>>;
 
 void program(const Changes& changes = {}) {
@@ -26,21 +20,6 @@ void program(const Changes& changes = {}) {
     for (const auto& [number, value] : changes) crtc_write_register(number, value);
     for (int frame = 0; frame < 64; ++frame) crtc_vblank(); // until the placement has settled
 }
-
-void fill_with_noise() {
-    std::mt19937 noise(1);
-    for (uint32_t i = RAM_START; i < MEMORY_SIZE; ++i) memory[i] = uint8_t(noise());
-    for (uint8_t& line : current_charset) line = uint8_t(noise());
-}
-
-/// A port FF write, as far as the picture goes.
-void latch(uint8_t value) {
-    video_graphic_background(value & 0xC4);
-    video_charset_select(value & 0x18);
-    video_mode_select(value & 0x20);
-}
-
-int pixel(int x, int y) { return frame_buffer[y * SCREEN_WIDTH + x]; }
 
 /// The pixel that belongs at a place of the frame, worked out from there.
 int expected_pixel(int x, int y) {
@@ -66,24 +45,7 @@ int expected_pixel(int x, int y) {
     return set ? memory[0xF000 + position % 0x400] % 16 : background;
 }
 
-HeadlessPlatform& installed_platform() {
-    static HeadlessPlatform headless{HeadlessOptions{}};
-    install_platform(headless);
-    return headless;
-}
 } // namespace
-
-TEST(Video, BackgroundColours) {
-    const int cases[][2] = {{0x04, 10}, {0x44, 13}, {0x84, 6}, {0xC4, 7}, {0x00, 16}, {0xC0, 16}};
-    for (const auto& [value, index] : cases) {
-        video_graphic_background(uint8_t(value));
-        EXPECT_EQ(video_graphic_background_selected, index) << value;
-        EXPECT_EQ(hires_palette[0], index) << value;
-    }
-    EXPECT_EQ(hires_palette[1], 11);
-    EXPECT_EQ(hires_palette[2], 6);
-    EXPECT_EQ(hires_palette[3], 13);
-}
 
 TEST(Video, CharacterPatternSources) {
     for (uint32_t i = 0; i < 2048; ++i) current_charset[i] = uint8_t(i * 7 + i / 256);
@@ -151,7 +113,7 @@ TEST(Video, RendersEveryGeometryInsideTheFrame) {
         {"one line a row", {{9, 0}, {6, 127}, {7, 127}}},
         {"higher than the frame", {{6, 50}, {7, 60}}},
     };
-    fill_with_noise();
+    fill_with_noise(1);
     for (const uint8_t mode : {0x04, 0x4C, 0x90, 0x38, 0x24, 0x20}) {
         for (const auto& [name, changes] : cases) {
             program(changes);
@@ -183,7 +145,9 @@ TEST(Video, ResetClearsFrameButNotLatch) {
 }
 
 TEST(Video, LoadsCharacterSets) {
-    Settings& settings = installed_platform().settings();
+    HeadlessPlatform host{HeadlessOptions{}};
+    install_platform(host);
+    Settings& settings = host.settings();
     const auto holds = [](FirmwareImage image) {
         const auto bytes = firmware_bytes(image);
         return std::equal(bytes.begin(), bytes.end(), std::begin(current_charset),
@@ -197,8 +161,9 @@ TEST(Video, LoadsCharacterSets) {
     video_set_charset(3);
     EXPECT_TRUE(holds(FirmwareImage::charset_original));
 
-    const std::string path = std::string(TEST_BINARY_DIR) + "/charset.bin";
-    std::ofstream(path, std::ios::binary) << std::string(100, '\x5A');
+    const Folder folder;
+    const std::string path = folder / "charset.bin";
+    write_text(path, std::string(100, '\x5A'));
     settings.set_text("CharROMPath", path);
     video_set_charset(3);
     EXPECT_EQ(std::count(std::begin(current_charset), std::end(current_charset), 0x5A), 100);

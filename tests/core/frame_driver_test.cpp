@@ -11,7 +11,6 @@
 
 #include <cstdint>
 #include <optional>
-#include <string>
 
 namespace {
 constexpr int64_t MS = 1'000'000; ///< in the clock's nanoseconds

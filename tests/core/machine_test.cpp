@@ -14,7 +14,6 @@
 
 #include <algorithm>
 #include <span>
-#include <string>
 
 namespace {
 class Machine : public testing::Test {

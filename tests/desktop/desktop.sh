@@ -1,4 +1,6 @@
-# Sourced by the tests: a virtual X server, a home of the test's own, and the program's window.
+# shellcheck shell=bash
+# Sourced with the program's path in `program`: a virtual X server, a home for one run, and the
+# program's window.
 
 set -euo pipefail
 
@@ -43,21 +45,32 @@ start_window_manager() {
     done
 }
 
-# start_program ARGUMENTS...: sets program_pid and window.
-start_program() {
-    "$program" "$@" >program.log 2>&1 &
-    program_pid=$!
+# find_window TITLE: the number of the program's window with such a title, once it is there
+find_window() {
+    local found
     for _ in $(seq 100); do
-        window=$(xdotool search --onlyvisible --pid "$program_pid" 2>/dev/null | head -n 1 || true)
-        if [[ -n $window ]]; then
-            xdotool windowfocus --sync "$window"
+        found=$(xdotool search --all --onlyvisible --pid "$program_pid" --name "$1" 2>/dev/null |
+            tail -n 1 || true)
+        if [[ -n $found ]]; then
+            echo "$found"
             return
         fi
         kill -0 "$program_pid" 2>/dev/null || fail "the program ended: $(cat program.log)"
         sleep 0.1
     done
-    fail "no window came"
+    fail "no window $1: $(cat program.log)"
 }
+
+# start_program ARGUMENTS...: sets program_pid and window.
+start_program() {
+    "$program" "$@" >program.log 2>&1 &
+    program_pid=$!
+    window=$(find_window .)
+    xdotool windowfocus --sync "$window"
+}
+
+# Processor time of the program, in 10 ms.
+ticks() { awk '{print $14 + $15}' "/proc/$program_pid/stat"; }
 
 # wait_for FILE
 wait_for() {

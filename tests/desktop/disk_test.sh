@@ -37,12 +37,7 @@ xdotool type --delay 120 'save"a"'
 xdotool key Return
 sleep 1
 xdotool key alt+F4 # the window manager's close
-for _ in $(seq 50); do
-    question=$(xdotool search --onlyvisible --name '^Warning$' 2>/dev/null | head -n 1 || true)
-    if [[ -n $question ]]; then break; fi
-    sleep 0.1
-done
-[[ -n $question ]] || fail "nobody asked whether to save the disk"
+question=$(find_window '^Warning$') # whether to save the disk
 cmp -s "$image" disk.dsk || fail "the file changed before the answer"
 xdotool windowfocus --sync "$question" key alt+y
 wait "$program_pid" || fail "the exit code is $?: $(cat program.log)"

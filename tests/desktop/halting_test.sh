@@ -4,7 +4,6 @@
 program=$1
 source "$(dirname "$0")/desktop.sh"
 
-ticks() { awk '{print $14 + $15}' "/proc/$program_pid/stat"; } # of 10 ms
 title() { xdotool getwindowname "$window"; }
 
 # stands_still WHY

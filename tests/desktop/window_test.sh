@@ -5,7 +5,6 @@ source "$(dirname "$0")/desktop.sh"
 
 geometry() { xdotool getwindowgeometry "$window" | tr -s ' \n' ' ' | cut -d' ' -f4-; }
 size() { geometry | sed 's/.*Geometry: \([0-9x]*\).*/\1/'; }
-ticks() { awk '{print $14 + $15}' "/proc/$program_pid/stat"; } # of 10 ms
 
 # becomes WHAT EXPECTED COMMAND...: the command's output within a few seconds
 becomes() {

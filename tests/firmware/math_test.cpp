@@ -2,6 +2,7 @@
 // with the host's long double arithmetic.
 
 #include "support/flat_bus.h"
+#include "support/test_files.h"
 #include "z80/z80.h"
 
 #include <gtest/gtest.h>
@@ -9,12 +10,9 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <fstream>
 #include <functional>
-#include <iterator>
 #include <map>
 #include <random>
-#include <string>
 
 namespace {
 
@@ -29,9 +27,7 @@ protected:
         flat_bus.clear();
         z80_state = {};
         z80_init(2216750);
-        std::ifstream image(FIRMWARE_IMAGE, std::ios::binary);
-        const std::string bytes{std::istreambuf_iterator<char>(image), {}};
-        std::copy(bytes.begin(), bytes.end(), flat_bus.memory.begin());
+        std::ranges::copy(read_file(FIRMWARE_IMAGE), flat_bus.memory.begin());
         std::ifstream symbols(FIRMWARE_SYMBOLS);
         std::string name, equ, value;
         while (symbols >> name >> equ >> value) {

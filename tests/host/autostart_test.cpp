@@ -7,10 +7,11 @@
 #include "host/commands.h"
 #include "host/menu.h"
 #include "host/status.h"
-#include "host_files.h"
 #include "media/tape.h"
 #include "media/traps.h"
 #include "platform/host_services.h"
+#include "support/host_files.h"
+#include "support/typed_text.h"
 #include "z80/z80.h"
 
 #include <cstdlib>
@@ -24,15 +25,6 @@ constexpr uint8_t TRAP = 0xED;
 
 bool is_typing() { return memory[KEYBOARD_ROUTINE] == TRAP; }
 
-std::string typed_text() {
-    std::string text;
-    for (int done = 0;;) {
-        const uint8_t character = keyboard_type_bas_file(&done);
-        if (done) return text;
-        text += char(character);
-    }
-}
-
 class AutostartTest : public HostFilesTest {
 protected:
     void SetUp() override {
@@ -43,7 +35,6 @@ protected:
     }
     void TearDown() override {
         g_bAutoStart = true;
-        host->release_all_keys();
         keyboard_type_reset();
         tape_detach_cas();
         last_file_name = "Tarvelin";
@@ -58,16 +49,13 @@ protected:
         z80_state.pc = 0x1234;
         autostart_file(path);
     }
-    static void write(const std::string& path, const std::string& bytes) {
-        std::ofstream(path, std::ios::binary) << bytes;
-    }
 };
 
 TEST_F(AutostartTest, TextIsTypedWhateverTheFileIsCalled) {
     for (const std::string path :
          {"plain.bas", "LOUD.TXT", "a b.txt", "it's \"so\".Bas", "Gr\xC3\xBC\xC3\x9F.txt",
           "\xFF\xFE.txt", "100%s&1.bas", "two.dots.bas"}) {
-        write(path, "10 CLS\n");
+        write_text(path, "10 CLS\n");
         run(path);
         EXPECT_EQ(host->status_text(3), "Autoloaded: " + path);
         EXPECT_EQ(last_file_name, path.substr(0, path.size() - 4));
@@ -85,10 +73,10 @@ TEST_F(AutostartTest, TextIsTypedWhateverTheFileIsCalled) {
 
 TEST_F(AutostartTest, WhatCannotBeStartedChangesNothing) {
     std::filesystem::create_directories("folder.txt");
-    write("picture.png", "x");
-    write("ends.", "x");
-    write("huge.bas", "x");
-    write("huge.cmd", "x");
+    write_text("picture.png", "x");
+    write_text("ends.", "x");
+    write_text("huge.bas", "x");
+    write_text("huge.cmd", "x");
     for (const char* path : {"huge.bas", "huge.cmd"}) std::filesystem::resize_file(path, 1LL << 31);
     ASSERT_EQ(mkfifo("pipe.txt", 0600), 0);
     const struct {
@@ -120,7 +108,7 @@ TEST_F(AutostartTest, WhatCannotBeStartedChangesNothing) {
 
 TEST_F(AutostartTest, FilesThatAreThereAreReportedEvenWhenTheyHoldNothing) {
     for (const std::string path : {"DEMO", "short.jzs", "bad.dsk", "bad.CGD"}) {
-        write(path, "x");
+        write_text(path, "x");
         run(path);
         EXPECT_EQ(host->status_text(3), "Autoloaded: " + path);
         EXPECT_EQ(last_file_name, path == "DEMO" ? "" : path.substr(0, path.size() - 4));
@@ -141,7 +129,7 @@ TEST_F(AutostartTest, CassettesBootTheMachineFirst) {
         {"code.CGT", "\xAA\x66\x55QUEST ", "\r\rSYSTEM\rQ\r/\r"},
     };
     for (const auto& [path, bytes, typed] : cases) {
-        write(path, bytes);
+        write_text(path, bytes);
         const int64_t cycles = z80_state.t_count;
         run(path);
         EXPECT_NEAR(double(z80_state.t_count - cycles), 4'433'500, 40) << "a hundred frames";
@@ -164,7 +152,7 @@ TEST_F(AutostartTest, CassettesBootTheMachineFirst) {
 
 TEST_F(AutostartTest, TokenizedBasicComesFromATape) {
     for (const std::string path : {"tokens.bas", "tokens.TXT"}) {
-        write(path, "\xFF\x0A");
+        write_text(path, "\xFF\x0A");
         run(path);
         EXPECT_EQ(host->status_text(3), "Autoloaded: " + path);
         EXPECT_TRUE(is_typing());

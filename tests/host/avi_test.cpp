@@ -5,16 +5,16 @@
 #include "host/menu.h"
 #include "host/status.h"
 #include "host/video_codec.h"
-#include "host_files.h"
 #include "platform/host_services.h"
 #include "sound/sound_core.h"
+#include "support/full_disk.h"
+#include "support/host_files.h"
 
 #include <csignal>
 #include <cstdlib>
 #include <map>
 #include <random>
 
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -99,13 +99,13 @@ protected:
         HostFilesTest::SetUp();
         CreateStatusBar();
         create_menu();
-        host->dialogs().messages.clear();
         answer_video_compression("uncompressed");
         set_canvas(384, 288, 8);
     }
     void TearDown() override {
         Video_CloseOutput();
         g_bRecordingVideo = 0;
+        answer_video_compression("");
         dib_destroy(canvas);
         HostFilesTest::TearDown();
     }
@@ -376,19 +376,16 @@ TEST_F(AviTest, TheCommandStartsAndStops) {
 }
 
 TEST_F(AviTest, AFullDiskEndsTheRecordingAndKeepsTheFile) {
-    rlimit before = {};
-    getrlimit(RLIMIT_FSIZE, &before);
-    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
     std::string name = "film.avi";
     constexpr uint64_t HEADER = 10'240, FRAME = 110'592 + 1936;
     // After 30 frames, half a frame fits: more than the indexes need; or less than they need.
     for (const uint64_t rest : {FRAME / 2, uint64_t(1500)}) {
         const uint64_t frames = 30, room = HEADER + frames * FRAME + rest;
         ASSERT_EQ(video_save_to_avi(false, &name), 1);
-        const rlimit limit = {room, before.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &limit);
-        record(100);
-        setrlimit(RLIMIT_FSIZE, &before);
+        {
+            const FullDisk full(room);
+            record(100);
+        }
         const std::string text = "film.avi: cannot be written; the video ends after " +
                                  std::to_string(frames) + " frames.";
         EXPECT_EQ(status(), text);
@@ -402,7 +399,6 @@ TEST_F(AviTest, AFullDiskEndsTheRecordingAndKeepsTheFile) {
         EXPECT_EQ(riff.all("AVI /idx1").size(), rest == FRAME / 2 ? 1U : 0U);
         host->dialogs().messages.clear();
     }
-    std::signal(SIGXFSZ, handler);
 }
 
 TEST_F(AviTest, AKilledProgramLeavesAFileThatPlays) {

@@ -2,7 +2,7 @@
 
 #include "cgenie/palette.h"
 #include "host/status.h"
-#include "host_files.h"
+#include "support/host_files.h"
 
 #include <climits>
 

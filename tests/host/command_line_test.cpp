@@ -8,8 +8,8 @@
 #include "host/display.h"
 #include "host/shell.h"
 #include "host/status.h"
-#include "host_files.h"
 #include "platform/host_services.h"
+#include "support/host_files.h"
 #include "z80/z80.h"
 
 #include <unistd.h>
@@ -18,11 +18,6 @@ namespace {
 using Bytes = std::vector<uint8_t>;
 
 constexpr uint16_t NOT_STARTED = 0x1234;
-
-void write_file(const std::string& path, const Bytes& bytes) {
-    std::ofstream(path, std::ios::binary)
-        .write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
-}
 
 /// A module that puts `mark` at 9000 and starts at 9100 + mark.
 void write_module(const std::string& path, uint8_t mark) {

@@ -11,11 +11,11 @@
 #include "host/screenshot.h"
 #include "host/shell.h"
 #include "host/status.h"
-#include "host_files.h"
 #include "media/printer.h"
 #include "media/tape.h"
-#include "media/traps.h"
 #include "platform/host_services.h"
+#include "support/host_files.h"
+#include "support/program_options.h"
 #include "z80/z80.h"
 
 #include <algorithm>
@@ -29,8 +29,6 @@ class CommandsTest : public HostFilesTest {
 protected:
     void SetUp() override {
         HostFilesTest::SetUp();
-        host->dialogs() = HeadlessDialogs(false);
-        host->status_bar().destroy();
         CreateStatusBar();
         create_menu();
         machine_init();
@@ -39,11 +37,7 @@ protected:
         last_file_name = "base";
     }
     void TearDown() override {
-        g_bActive = g_Timer = g_bSound = g_bDblScan = true;
-        g_bPaused = g_bDebug = g_bRunInBackground = g_KeyMapping = g_GiantScreen = false;
-        g_1bitDisplay = video_cut = video_page = printer_enabled = false;
-        save_video_ram_w_screenshot = false;
-        g_CompositeBlur = 0;
+        reset_program_options();
         HostFilesTest::TearDown();
     }
 

@@ -1,14 +1,6 @@
 #include "core/frame_driver.h"
-#include "core/machine.h"
-#include "host/autostart.h"
-#include "host/commands.h"
-#include "host/host_files.h"
-#include "host/menu.h"
-#include "host/shell.h"
-#include "host/status.h"
+#include "host/whole_program.h"
 #include "media/wd1771.h"
-#include "platform/host_services.h"
-#include "platform/settings_file.h"
 #include "z80/z80.h"
 
 namespace {
@@ -17,11 +9,10 @@ constexpr int ATTACH = 40018, DETACH = 40022, DETACH_ALL = 40033, EXIT = -1;
 constexpr size_t DISK_SIZE = 102400;
 constexpr const char* QUESTION = " has changed. Do you want to save your changes?";
 
-/// The whole shell, with its settings in a file.
-class DisksTest : public HostFilesTest {
+class DisksTest : public WholeProgramTest {
 protected:
     void SetUp() override {
-        HostFilesTest::SetUp();
+        WholeProgramTest::SetUp();
         testing::internal::CaptureStderr();
         for (const char* name : {"a.dsk", "b.dsk", "c.img", "d.dsk", "folder/e.dsk"}) fill(name);
         std::ofstream("bad.dsk") << "no disk";
@@ -29,25 +20,9 @@ protected:
     }
     void TearDown() override {
         testing::internal::GetCapturedStderr();
-        own_host.reset();
-        HostFilesTest::TearDown();
+        WholeProgramTest::TearDown();
     }
-    void start() {
-        HeadlessOptions options;
-        options.settings_path = "settings.toml";
-        options.data_directory = "data";
-        own_host = std::make_unique<HeadlessPlatform>(options);
-        host = own_host.get();
-        install_platform(*host);
-        g_bActive = true;
-        ASSERT_TRUE(host->window().create("disks"));
-        create_menu();
-        emu_init({});
-    }
-    static void fill(const std::string& path) {
-        std::filesystem::create_directories(std::filesystem::path("./" + path).parent_path());
-        std::ofstream(path, std::ios::binary) << std::string(DISK_SIZE, '\x14');
-    }
+    static void fill(const std::string& path) { write_text(path, std::string(DISK_SIZE, '\x14')); }
     void command(int id) { WindowProcedure({Event::Kind::command, id, 0, {}}); }
     void attach(unsigned drive, const std::string& path) {
         host->dialogs().choices.push_back({{path, 0}});
@@ -79,13 +54,9 @@ protected:
         }
         return lit;
     }
-    std::string stored(unsigned drive) {
-        SettingsFile store("settings.toml");
-        store.open();
-        return store.text("Disk" + std::to_string(drive)).value_or("none");
+    static std::string stored(unsigned drive) {
+        return stored_text("Disk" + std::to_string(drive)).value_or("none");
     }
-
-    std::unique_ptr<HeadlessPlatform> own_host;
 };
 
 TEST_F(DisksTest, TheMenuAttachesAndTheLampShowsTheDrive) {

@@ -8,6 +8,7 @@
 #include "host/status.h"
 #include "platform/headless/headless.h"
 #include "platform/host_services.h"
+#include "support/program_options.h"
 
 #include <gtest/gtest.h>
 
@@ -27,9 +28,7 @@ protected:
     }
     ~DisplayTest() override {
         if (g_bFullScreen) toggle_full_screen();
-        g_GiantScreen = g_1bitDisplay = g_bCycleBasedEngine = g_bDebug = false;
-        g_CompositeBlur = 0;
-        g_bDblScan = true;
+        reset_program_options();
         dib_destroy(canvas);
     }
 

@@ -4,8 +4,8 @@
 #include "host/dialogs.h"
 #include "host/prefs.h"
 #include "host/status.h"
-#include "host_files.h"
 #include "platform/host_services.h"
+#include "support/host_files.h"
 #include "z80/z80.h"
 
 #include <functional>
@@ -25,9 +25,7 @@ class MachineConfigDialogTest : public HostFilesTest {
 protected:
     /// The program as after its first start, with a configuration active.
     void start(uint32_t active = 0) {
-        own_host = std::make_unique<HeadlessPlatform>(HeadlessOptions{});
-        host = own_host.get();
-        install_platform(*host);
+        install_host({});
         CreateStatusBar();
         prefs_init();
         memory_set_startup_pattern(0);
@@ -50,8 +48,6 @@ protected:
             collect(control.children, ids);
         }
     }
-
-    std::unique_ptr<HeadlessPlatform> own_host;
 };
 
 TEST_F(MachineConfigDialogTest, ShowsWhatIsSet) {

@@ -1,6 +1,6 @@
 #include "host/menu.h"
 
-#include "host_files.h"
+#include "support/host_files.h"
 
 #include <sstream>
 

@@ -4,7 +4,7 @@
 #include "cgenie/memory.h"
 #include "cgenie/video.h"
 #include "host/status.h"
-#include "host_files.h"
+#include "support/host_files.h"
 
 namespace {
 using Bytes = std::vector<uint8_t>;

@@ -5,67 +5,28 @@
 #include "core/machine.h"
 #include "host/canvas.h"
 #include "host/display.h"
-#include "host/host_files.h"
-#include "host/menu.h"
-#include "host/prefs.h"
-#include "media/printer.h"
+#include "host/whole_program.h"
 #include "media/tape.h"
 #include "media/traps.h"
 #include "platform/host_services.h"
-#include "platform/platform.h"
-#include "platform/settings_file.h"
 #include "z80/z80.h"
-
-#include <gtest/gtest.h>
 
 namespace {
 
-/// Each test starts the program anew, in a folder of its own, with a settings file in it.
-class ShellTest : public HostFilesTest {
+class ShellTest : public WholeProgramTest {
 protected:
-    void SetUp() override {
-        HostFilesTest::SetUp();
-        HeadlessOptions options;
-        options.look_ns = 0;
-        options.refresh_rate = 60;
-        options.settings_path = "settings.toml";
-        options.data_directory = "data";
-        own_host = std::make_unique<HeadlessPlatform>(options);
-        host = own_host.get();
-        install_platform(*host);
-        g_bActive = true;
-        g_bPaused = g_bDebug = g_bRunInBackground = g_GiantScreen = g_KeyMapping = false;
-        g_bDblScan = g_Timer = g_bSound = true;
-        g_CompositeBlur = 0;
-        g_1bitDisplay = printer_enabled = g_bCycleBasedEngine = false;
-        event_screenshot_timout = event_shutdown_timout = EVENT_DISARMED;
-    }
-
-    void start() {
-        ASSERT_TRUE(host->window().create("start"));
-        create_menu();
-        emu_init({});
-    }
     void send(Event::Kind kind, int value = 0) { WindowProcedure({kind, value, 0, {}}); }
 
-    /// What the file holds, read by a store of its own.
     std::optional<uint32_t> stored(const char* name) {
-        SettingsFile store("settings.toml");
+        SettingsFile store(SETTINGS);
         store.open();
         return store.number(name);
     }
     void store_number(const char* name, uint32_t value) {
-        SettingsFile store("settings.toml");
+        SettingsFile store(SETTINGS);
         store.open();
         store.set_number(name, value);
     }
-    std::optional<std::string> stored_text(const char* name) {
-        SettingsFile store("settings.toml");
-        store.open();
-        return store.text(name);
-    }
-
-    std::unique_ptr<HeadlessPlatform> own_host;
 };
 
 constexpr struct {
@@ -113,7 +74,7 @@ TEST_F(ShellTest, FirstStartStoresTheDefaultsAndTheExitTheDisks) {
 
 TEST_F(ShellTest, TheTapeOfTheLastRunIsOnlyAName) {
     {
-        SettingsFile store("settings.toml");
+        SettingsFile store(SETTINGS);
         store.open();
         store.set_text("Tape", "game.cas");
     }
@@ -240,7 +201,7 @@ TEST_F(ShellTest, MessagesReachTheirHandlers) {
 }
 
 TEST_F(ShellTest, RunsFromStartToExitAndSaysWhenItsSettingsWereDamaged) {
-    std::ofstream("settings.toml") << "Sound = = 1";
+    std::ofstream(SETTINGS) << "Sound = = 1";
     host->push_event({Event::Kind::close, 0, 0, {}});
     EXPECT_EQ(run_shell({}), 0);
     EXPECT_TRUE(host->window().destroyed);
@@ -252,7 +213,7 @@ TEST_F(ShellTest, RunsFromStartToExitAndSaysWhenItsSettingsWereDamaged) {
 TEST_F(ShellTest, NoWindowNoProgram) {
     host->window().creation_fails = true;
     EXPECT_EQ(run_shell({}), 0);
-    EXPECT_FALSE(std::filesystem::exists("settings.toml"));
+    EXPECT_FALSE(std::filesystem::exists(SETTINGS));
 }
 
 } // namespace

@@ -6,13 +6,10 @@
 #include "cgenie/memory.h"
 #include "cgenie/video.h"
 #include "core/frame_driver.h"
-#include "core/machine.h"
 #include "host/canvas.h"
 #include "host/display.h"
-#include "host/menu.h"
 #include "host/screenshot.h"
-#include "host/shell.h"
-#include "host_files.h"
+#include "host/whole_program.h"
 #include "media/printer.h"
 #include "media/snapshot.h"
 #include "media/tape.h"
@@ -34,39 +31,14 @@ struct Stop {
     bool halts = false; ///< the machine stands still afterwards
 };
 
-class TourTest : public HostFilesTest {
+class TourTest : public WholeProgramTest {
 protected:
     void start(const Arguments& arguments = {}) {
-        HeadlessOptions options;
-        options.look_ns = 0;
-        options.refresh_rate = 60;
-        options.settings_path = "settings.toml";
-        options.data_directory = "data";
-        own_host = std::make_unique<HeadlessPlatform>(options);
-        host = own_host.get();
-        install_platform(*host);
-        reset_options();
-        ASSERT_TRUE(host->window().create("start"));
-        create_menu();
-        emu_init(arguments);
+        WholeProgramTest::start(arguments);
         run_frames(3);
     }
     static void run_frames(int count) {
         for (int n = 0; n < count; ++n) paced_frame_step();
-    }
-    void TearDown() override {
-        reset_options();
-        HostFilesTest::TearDown();
-    }
-    static void reset_options() {
-        g_bActive = g_Timer = g_bSound = g_bDblScan = true;
-        g_bPaused = g_bDebug = g_bRunInBackground = g_KeyMapping = g_GiantScreen = false;
-        g_1bitDisplay = video_cut = video_page = printer_enabled = false;
-        save_video_ram_w_screenshot = g_bCycleBasedEngine = false;
-        g_CompositeBlur = 0;
-        g_bRecordingVideo = 0;
-        lowe = {};
-        keyboard_type_reset();
     }
 
     void choose(const std::string& path) { host->dialogs().choices.push_back({{path, 0}}); }
@@ -99,8 +71,6 @@ protected:
 
     std::vector<Stop> stops();
     void visit(const Stop& stop, const Event& event);
-
-    std::unique_ptr<HeadlessPlatform> own_host;
 };
 
 std::vector<Stop> TourTest::stops() {
@@ -326,7 +296,7 @@ void TourTest::visit(const Stop& stop, const Event& event) {
     tape_close_wav();
     emu_close();
     EXPECT_TRUE(host->forms().forms.empty()) << "a form is left";
-    fs::remove("settings.toml");
+    fs::remove(SETTINGS);
 }
 
 void collect(const std::vector<MenuEntry>& entries, std::set<int>& ids) {
@@ -351,28 +321,11 @@ TEST_F(TourTest, EveryCommandByItsNumber) {
 }
 
 TEST_F(TourTest, EveryAccelerator) {
-    constexpr uint8_t ALT = MODIFIER_ALT;
-    const struct {
-        KeyChord chord;
-        int id;
-    } keys[] = {
-        {{'0', ALT}, 40018},        {{'1', ALT}, 40019},
-        {{'2', ALT}, 40020},        {{'3', ALT}, 40021},
-        {{'C', ALT}, 145},          {{'I', ALT}, 40054},
-        {{'Q', ALT}, 141},          {{'T', ALT}, 123},
-        {{'U', ALT}, 40120},        {{'V', ALT}, 40040},
-        {{'W', ALT}, 40034},        {{KEY_F2, ALT}, 40058},
-        {{KEY_RETURN, ALT}, 40007}, {{KEY_PAUSE, 0}, 104},
-        {{KEY_F11, 0}, 105},        {{KEY_F11, MODIFIER_SHIFT}, 109},
-        {{KEY_F1, ALT}, 109},       {{KEY_F3, ALT}, 106},
-        {{KEY_F5, 0}, 122},
-    };
-    EXPECT_EQ(accelerator_keys().size(), std::size(keys));
     const std::vector<Stop> all = stops();
-    for (const auto& [chord, id] : keys) {
-        const auto stop = std::ranges::find(all, id, &Stop::id);
-        ASSERT_NE(stop, all.end()) << id;
-        visit(*stop, {Event::Kind::key_down, chord.key, chord.modifiers, {}});
+    for (const auto& [key, modifiers] : accelerator_keys()) {
+        const auto stop = std::ranges::find(all, accelerator_command(key, modifiers), &Stop::id);
+        ASSERT_NE(stop, all.end()) << int(key);
+        visit(*stop, {Event::Kind::key_down, key, modifiers, {}});
     }
 }
 

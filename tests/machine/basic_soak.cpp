@@ -14,8 +14,6 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <random>
 
 namespace {
@@ -85,30 +83,24 @@ public:
     int resets() const { return resets_; }
 
 private:
-    static std::vector<uint8_t> trial_rom() {
-        const char* path = std::getenv("BASIC_ROM");
-        if (!path) return {};
-        std::ifstream file(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
+    std::string line_of_words() {
+        std::string text;
+        for (unsigned words = 1 + random_() % 12; words > 0; --words)
+            text += WORDS[random_() % std::size(WORDS)];
+        return text + '\n';
     }
     std::string soup() {
         std::string text;
         for (unsigned lines = 1 + random_() % 6; lines > 0; --lines) {
             if (random_() % 2) text += std::to_string(random_() % 8 * 10) + " ";
-            for (unsigned words = 1 + random_() % 12; words > 0; --words)
-                text += WORDS[random_() % std::size(WORDS)];
-            text += '\n';
+            text += line_of_words();
         }
         if (random_() % 2) text += "RUN\n";
         return text;
     }
     std::string direct_lines() {
         std::string text;
-        for (unsigned lines = 1 + random_() % 4; lines > 0; --lines) {
-            for (unsigned words = 1 + random_() % 12; words > 0; --words)
-                text += WORDS[random_() % std::size(WORDS)];
-            text += '\n';
-        }
+        for (unsigned lines = 1 + random_() % 4; lines > 0; --lines) text += line_of_words();
         for (const char* word : {"NEW", "DELETE", "RENUM", "AUTO", "EDIT"})
             if (text.find(word) != std::string::npos) text.clear();
         for (size_t at = 0; at < text.size(); at = text.find('\n', at) + 1)

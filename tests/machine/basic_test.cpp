@@ -2,15 +2,13 @@
 
 #include "core/frame_driver.h"
 #include "support/basic_machine.h"
+#include "support/test_files.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <random>
 
 namespace {
@@ -21,14 +19,6 @@ std::string join(const std::vector<std::string>& rows) {
     std::string text;
     for (const auto& row : rows) text += row + "\n";
     return text;
-}
-
-/// A ROM to try in place of the built-in one, as assembled.
-std::vector<uint8_t> trial_rom() {
-    const char* path = std::getenv("BASIC_ROM");
-    if (!path) return {};
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 void run_table(BasicMachine& machine, const std::string& table) {
@@ -137,18 +127,12 @@ TEST_P(BasicTable, ScreensAreAsExpected) {
     run_table(machine, GetParam());
 }
 
-std::string read(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 // Typed in as a double click does it, the programs start and run on.
 TEST(BasicExamples, RunFromTheirText) {
     for (const char* name : {"graphics", "music", "catch"}) {
         BasicMachine machine;
         machine.boot(0, trial_rom());
-        const std::string text =
-            read(std::filesystem::path(EXAMPLES_DIR) / (std::string(name) + ".bas"));
+        const std::string text = read_text(EXAMPLES_DIR "/" + std::string(name) + ".bas");
         ASSERT_TRUE(text.ends_with("\nRUN\n")) << name;
         machine.type(text, 1500);
         const std::string screen = join(machine.screen());

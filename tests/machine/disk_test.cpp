@@ -1,15 +1,15 @@
 #include "cgenie/memory.h"
 #include "core/machine.h"
 #include "media/wd1771.h"
-#include "platform/whole_file.h"
 #include "support/basic_machine.h"
+#include "support/test_files.h"
 #include "tools/basic_tokens.h"
 #include "tools/disk_system.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <filesystem>
+#include <span>
 
 namespace {
 
@@ -30,19 +30,16 @@ public:
         insert(bytes);
         machine.boot(model);
     }
-    ~DiskMachine() {
-        diskimg_detach(wd1771_disk(0), false);
-        std::filesystem::remove(PATH);
-    }
+    ~DiskMachine() { diskimg_detach(wd1771_disk(0), false); }
     /// Puts a disk of these bytes into drive 0.
     void insert(const std::vector<uint8_t>& bytes) {
-        ASSERT_TRUE(replace_whole_file(PATH, bytes));
-        ASSERT_EQ(diskimg_attach(wd1771_disk(0), PATH), 1);
+        write_file(path, bytes);
+        ASSERT_EQ(diskimg_attach(wd1771_disk(0), path), 1);
     }
     /// Writes the disk to its file and puts that into the drive.
     void take_out_and_back() {
         ASSERT_EQ(diskimg_detach(wd1771_disk(0), true), 1);
-        ASSERT_EQ(diskimg_attach(wd1771_disk(0), PATH), 1);
+        ASSERT_EQ(diskimg_attach(wd1771_disk(0), path), 1);
     }
     /// The rows that the text leaves on an empty screen.
     std::vector<std::string> rows(const std::string& text) {
@@ -113,7 +110,8 @@ public:
     const size_t tracks, sectors;
 
 private:
-    const std::string PATH = std::string(TEST_BINARY_DIR) + "/disk_test.dsk";
+    const Folder folder;
+    const std::string path = folder / "disk.dsk";
 };
 
 TEST(Disk, FormatsAndKeepsPrograms) {

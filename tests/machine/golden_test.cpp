@@ -1,4 +1,3 @@
-#include "picture.h"
 #include "program_run.h"
 
 #include "cgenie/crtc.h"
@@ -10,6 +9,7 @@
 #include "host/shell.h"
 #include "platform/headless/headless.h"
 #include "platform/host_services.h"
+#include "support/picture.h"
 #include "z80/z80.h"
 
 #include <gtest/gtest.h>

@@ -6,8 +6,6 @@
 #include <csignal>
 #include <cstdlib>
 #include <fcntl.h>
-#include <fstream>
-#include <iterator>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -35,26 +33,6 @@ void become(std::vector<char*> words, const Folder& streams,
 }
 
 } // namespace
-
-Folder::Folder() {
-    std::string name = testing::TempDir() + "/tarvelin-XXXXXX";
-    if (mkdtemp(name.data())) path_ = name;
-}
-
-Folder::~Folder() {
-    std::error_code error;
-    if (!path_.empty()) std::filesystem::remove_all(path_, error);
-}
-
-std::string read_text(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
-
-void write_text(const std::filesystem::path& path, const std::string& text) {
-    std::filesystem::create_directories(path.parent_path());
-    std::ofstream(path, std::ios::binary) << text;
-}
 
 Program::Program(const std::vector<std::string>& words, const std::filesystem::path& directory) {
     std::vector<std::string> own = words;

@@ -1,30 +1,9 @@
 #pragma once
 /// Runs programs of the project as a user does, and looks at what they print and write.
 
-#include <filesystem>
-#include <map>
-#include <string>
-#include <vector>
+#include "support/test_files.h"
 
 #include <sys/types.h>
-
-/// A folder of its own that goes with the object.
-class Folder {
-public:
-    Folder();
-    ~Folder();
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
-
-    std::filesystem::path operator/(const std::string& name) const { return path_ / name; }
-    const std::filesystem::path& path() const { return path_; }
-
-private:
-    std::filesystem::path path_;
-};
-
-std::string read_text(const std::filesystem::path& path);
-void write_text(const std::filesystem::path& path, const std::string& text);
 
 struct ProgramResult {
     int exit_code; ///< -1 when a signal ended the program

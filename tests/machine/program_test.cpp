@@ -1,12 +1,11 @@
-#include "picture.h"
 #include "program_run.h"
+#include "support/picture.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <chrono>
 #include <csignal>
-#include <fstream>
 #include <thread>
 
 namespace {
@@ -78,8 +77,8 @@ TEST_F(ProgramTest, RefusesWhatItDoesNotUnderstandInOneLine) {
 }
 
 TEST_F(ProgramTest, PrintsRegistersAndDisassemblyAfterTheRun) {
-    std::ofstream(folder_ / "halt.cmd", std::ios::binary)
-        << std::string("\x01\x05\x00\x50\xF3\x76\x00", 7) + std::string("\x02\x02\x00\x50", 4);
+    write_text(folder_ / "halt.cmd",
+               std::string("\x01\x05\x00\x50\xF3\x76\x00", 7) + std::string("\x02\x02\x00\x50", 4));
     const ProgramResult result =
         run({"/w", "/t", "1", "--regs", "--disassemble", "FFFe-ffff", "halt.cmd"});
     EXPECT_EQ(result.exit_code, 0);

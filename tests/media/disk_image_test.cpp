@@ -4,6 +4,7 @@
 #include "platform/headless/headless.h"
 #include "platform/whole_file.h"
 #include "support/fake_host.h"
+#include "support/test_files.h"
 
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -11,9 +12,6 @@
 
 #include <array>
 #include <csignal>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <random>
 
 namespace fs = std::filesystem;
@@ -24,29 +22,19 @@ using Bytes = std::vector<uint8_t>;
 
 class DiskImage : public testing::Test {
 protected:
-    DiskImage() : folder_(fs::path(testing::TempDir()) / ("disk-" + std::to_string(getpid()))) {
-        fs::create_directories(folder_);
+    DiskImage() {
         options_.data_directory = (folder_ / "data").string();
         host_ = std::make_unique<HeadlessPlatform>(options_);
         install_platform(*host_);
         testing::internal::CaptureStderr();
     }
-    ~DiskImage() override {
-        testing::internal::GetCapturedStderr();
-        fs::remove_all(folder_);
-    }
+    ~DiskImage() override { testing::internal::GetCapturedStderr(); }
     std::string write(const Bytes& bytes, const char* name = "a.dsk") {
-        const fs::path path = folder_ / name;
-        std::ofstream file(path, std::ios::binary);
-        file.write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
-        return path.string();
-    }
-    static Bytes read(const fs::path& path) {
-        std::ifstream file(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
+        write_file(folder_ / name, bytes);
+        return folder_ / name;
     }
 
-    fs::path folder_;
+    Folder folder_;
     HeadlessOptions options_;
     std::unique_ptr<HeadlessPlatform> host_;
     std::array<uint8_t, LARGEST_SECTOR> sector_ = {};
@@ -195,7 +183,7 @@ TEST_F(DiskImage, ChangesGoBackToTheFileAtOneStroke) {
         EXPECT_FALSE(diskimg_inserted(disk));
         Bytes expected = before;
         if (save) std::fill(expected.end() - 256, expected.end(), 0xAB);
-        EXPECT_EQ(read(path), expected);
+        EXPECT_EQ(read_file(path), expected);
     }
     EXPECT_TRUE(fs::is_symlink(folder_ / "link.dsk"));
     EXPECT_EQ(fs::status(path).permissions(), fs::perms(0640));
@@ -207,22 +195,19 @@ TEST_F(DiskImage, ChangesGoBackToTheFileAtOneStroke) {
 }
 
 TEST_F(DiskImage, ADiskThatCannotBeWrittenIsRescued) {
-    fs::create_directories(folder_ / "sub");
-    const std::string path = write(plain(102400), "sub/game.dsk");
     for (const char* rescue : {"game.dsk", "game-1.dsk"}) {
         disk_image disk;
-        fs::create_directories(folder_ / "sub");
-        write(plain(102400), "sub/game.dsk");
+        const std::string path = write(plain(102400), "sub/game.dsk");
         ASSERT_EQ(diskimg_attach(disk, path), 1);
         disk_img_write_sector(disk, 0, 1, 1, sector_.data());
         const Bytes expected = disk.image;
         fs::remove_all(folder_ / "sub"); // vanishes while it is in the drive
         EXPECT_EQ(diskimg_detach(disk, true), 0);
         EXPECT_FALSE(diskimg_inserted(disk));
-        const fs::path file = folder_ / "data" / "rescue" / rescue;
+        const fs::path file = folder_ / "data/rescue" / rescue;
         EXPECT_NE(fake_host.status[3].find(file.string()), std::string::npos)
             << fake_host.status[3];
-        EXPECT_EQ(read(file), expected);
+        EXPECT_EQ(read_file(file), expected);
     }
 }
 
@@ -245,7 +230,7 @@ TEST_F(DiskImage, FilesThatShrinkOrVanishWhileTheyAreAttached) {
             sector_ = {};
             EXPECT_EQ(diskimg_detach(disk, save), 1);
             EXPECT_EQ(fs::exists(path), save || !vanishes);
-            EXPECT_TRUE(!save || read(path) == expected);
+            EXPECT_TRUE(!save || read_file(path) == expected);
             EXPECT_TRUE(save || vanishes || fs::file_size(path) == 100);
         }
     }
@@ -253,6 +238,7 @@ TEST_F(DiskImage, FilesThatShrinkOrVanishWhileTheyAreAttached) {
 
 TEST_F(DiskImage, AFileThatMayOnlyBeReadIsWriteProtected) {
     const std::string path = write(plain(102400));
+    fs::permissions(folder_.path(), fs::perms(0755));
     fs::permissions(path, fs::perms(0444));
     const pid_t child = fork(); // the superuser may write everything
     if (child == 0) {
@@ -357,7 +343,7 @@ TEST_F(DiskImage, KilledWhileWritingLeavesTheOldOrTheNew) {
         usleep(useconds_t(n % 50 * 40)); // a whole write takes about a millisecond
         kill(child, SIGKILL);
         waitpid(child, nullptr, 0);
-        const Bytes now = read(path);
+        const Bytes now = read_file(path);
         ASSERT_TRUE(now == before || now == after) << n << ", " << now.size() << " bytes";
         olds += now == before;
     }

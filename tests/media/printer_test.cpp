@@ -3,14 +3,10 @@
 #include "cgenie/bus.h"
 #include "platform/headless/headless.h"
 #include "sound/ym2149.h"
+#include "support/test_files.h"
 #include "z80/z80.h"
 
 #include <gtest/gtest.h>
-
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <string>
 
 namespace {
 
@@ -20,7 +16,6 @@ protected:
         install_platform(host);
         ym2149_init(2216750);
         memory_init();
-        std::filesystem::remove_all(folder);
         printer_set_filename(data);
         printer_enabled = true;
     }
@@ -28,7 +23,6 @@ protected:
         printer_close();
         printer_reset();
         printer_enabled = false;
-        std::filesystem::remove_all(folder);
     }
 
     static void send(const std::string& bytes) {
@@ -42,15 +36,10 @@ protected:
         return z80_in(0xF9) & 0xF0;
     }
     /// The file as it is now.
-    std::string printed() const {
-        std::ifstream stream(file, std::ios::binary);
-        return {std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>()};
-    }
+    std::string printed() const { return read_text(file); }
 
-    // Tests may run side by side.
-    const std::string folder = testing::TempDir() + "tarvelin-printer-" +
-                               testing::UnitTest::GetInstance()->current_test_info()->name();
-    const std::string data = folder + "/user/data/"; // made by the printer
+    const Folder folder;
+    const std::string data = folder / "user/data/"; // made by the printer
     const std::string file = data + "printer.txt";
     static inline HeadlessPlatform host{HeadlessOptions{}};
 };
@@ -72,7 +61,7 @@ TEST_F(PrinterTest, BytesBecomeText) {
         {x(60) + "\n" + x(4), x(60) + "\n" + x(3) + "\n" + x(1)},     // a line feed is counted
     };
     for (const auto& c : cases) {
-        std::filesystem::remove_all(folder);
+        std::filesystem::remove(file);
         printer_init();
         send(c.sent);
         EXPECT_EQ(printed(), c.text) << "case " << &c - cases << ", before the file is closed";

@@ -1,32 +1,16 @@
 #include "media/snapshot.h"
 
 #include "cgenie/memory.h"
+#include "support/test_files.h"
 #include "z80/z80.h"
 
 #include <gtest/gtest.h>
 
-#include <cstdio>
 #include <cstring>
-#include <fstream>
-#include <iterator>
-#include <string>
-#include <vector>
 
 namespace {
 
 using Bytes = std::vector<uint8_t>;
-
-const std::string PATH = std::string(TEST_BINARY_DIR) + "/machine.jzs";
-
-Bytes read_file(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return Bytes(std::istreambuf_iterator<char>(in), {});
-}
-
-void write_file(const std::string& path, const Bytes& bytes) {
-    std::ofstream out(path, std::ios::binary);
-    out.write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
-}
 
 /// Everything that a snapshot may or may not touch.
 struct Machine {
@@ -65,12 +49,14 @@ struct Snapshot : testing::Test {
         for (size_t i = 0; i < MEMORY_SIZE; ++i) memory[i] = uint8_t(i * 5 + (i >> 8));
         for (size_t i = 0; i < 256; ++i) ports[i] = uint8_t(i + 1);
     }
-    void TearDown() override { std::remove(PATH.c_str()); }
+
+    const Folder folder;
+    const std::string path = folder / "machine.jzs";
 };
 
 TEST_F(Snapshot, FileHoldsTheMachineByteForByte) {
-    ASSERT_EQ(snapshot_save(PATH.c_str(), memory_get_ram()), 1);
-    const Bytes file = read_file(PATH);
+    ASSERT_EQ(snapshot_save(path.c_str(), memory_get_ram()), 1);
+    const Bytes file = read_file(path);
     ASSERT_EQ(file.size(), 49702u);
     const Bytes head = {
         'J',  'Z',  '0',  '1',                          // magic
@@ -114,15 +100,15 @@ TEST_F(Snapshot, LoadRestoresRegistersRamAndPortZeroOnly) {
             file.push_back(want.memory_bytes[0x4000 + i]);
         }
         file.resize(49702 + extra, 0x3C);
-        write_file(PATH, file);
-        EXPECT_EQ(snapshot_load(PATH.c_str(), memory_get_ram()), 1);
+        write_file(path, file);
+        EXPECT_EQ(snapshot_load(path.c_str(), memory_get_ram()), 1);
         expect_same(want, "extra " + std::to_string(extra));
     }
 }
 
 TEST_F(Snapshot, RoundTripKeepsTheInterruptStateOfTheRunningMachine) {
     Machine want;
-    ASSERT_EQ(snapshot_save(PATH.c_str(), memory_get_ram()), 1);
+    ASSERT_EQ(snapshot_save(path.c_str(), memory_get_ram()), 1);
     expect_same(want, "saving");
     for (auto member :
          {&z80_record::bc, &z80_record::de, &z80_record::hl, &z80_record::af, &z80_record::bc_alt,
@@ -136,7 +122,7 @@ TEST_F(Snapshot, RoundTripKeepsTheInterruptStateOfTheRunningMachine) {
     want.cpu.interrupt_mode = z80_state.interrupt_mode = 1;
     std::memset(memory + 0x4000, 0, 49152);
     want.port_bytes[0] = 0xFF; // the input byte, written last
-    ASSERT_EQ(snapshot_load(PATH.c_str(), memory_get_ram()), 1);
+    ASSERT_EQ(snapshot_load(path.c_str(), memory_get_ram()), 1);
     expect_same(want, "round trip");
 }
 
@@ -145,20 +131,19 @@ TEST_F(Snapshot, RefusedFilesChangeNothing) {
     std::memcpy(file.data(), "JZ01", 4);
     for (const size_t size : {49701, 49190, 38, 4, 0}) {
         file.resize(size);
-        write_file(PATH, file);
+        write_file(path, file);
         const Machine before;
-        EXPECT_EQ(snapshot_load(PATH.c_str(), memory_get_ram()), 0) << size;
+        EXPECT_EQ(snapshot_load(path.c_str(), memory_get_ram()), 0) << size;
         expect_same(before, "size " + std::to_string(size));
     }
     const Machine before;
-    EXPECT_EQ(snapshot_load((PATH + ".missing").c_str(), memory_get_ram()), 0);
-    EXPECT_EQ(snapshot_load(TEST_BINARY_DIR, memory_get_ram()), 0) << "a directory";
+    EXPECT_EQ(snapshot_load((folder / "missing").c_str(), memory_get_ram()), 0);
+    EXPECT_EQ(snapshot_load(folder.path().c_str(), memory_get_ram()), 0) << "a directory";
     expect_same(before, "no file");
 }
 
 TEST_F(Snapshot, SavingReportsWhatCannotBeWritten) {
-    const std::string missing = std::string(TEST_BINARY_DIR) + "/no/such/folder.jzs";
-    EXPECT_EQ(snapshot_save(missing.c_str(), memory_get_ram()), 0);
+    EXPECT_EQ(snapshot_save((folder / "no/such/folder.jzs").c_str(), memory_get_ram()), 0);
     std::FILE* full = std::fopen("/dev/full", "wb");
     if (!full) GTEST_SKIP() << "no device that is always full";
     std::fclose(full);

@@ -4,6 +4,8 @@
 #include "media/wav_reader.h"
 #include "sound/beeper.h"
 #include "support/fake_host.h"
+#include "support/full_disk.h"
+#include "support/test_files.h"
 #include "z80/z80.h"
 
 #include <gtest/gtest.h>
@@ -11,12 +13,7 @@
 #include <sys/resource.h>
 
 #include <cmath>
-#include <csignal>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <vector>
 
 namespace {
 
@@ -57,18 +54,11 @@ protected:
         tape_set_motor(0, now());
         tape_set_compare_level(0);
         tape_set_signal_invert(0);
-        std::filesystem::remove(path);
     }
     static int64_t& now() { return z80_state.t_count; }
-    void store(const std::string& bytes) const {
-        std::ofstream(path, std::ios::binary | std::ios::trunc) << bytes;
-    }
-    std::string stored() const {
-        std::ifstream file(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
+    std::string stored() const { return read_text(path); }
     void play(const std::string& bytes) const {
-        store(bytes);
+        write_text(path, bytes);
         ASSERT_EQ(tape_open_wav(path), 1);
         tape_set_motor(1, now());
     }
@@ -83,8 +73,8 @@ protected:
         while (frames-- > 0) tape_update_counter(now() += cycles);
     }
 
-    const std::string path = testing::TempDir() + "tarvelin-tape-" +
-                             testing::UnitTest::GetInstance()->current_test_info()->name() + ".wav";
+    const Folder folder;
+    const std::string path = folder / "tape.wav";
 };
 
 TEST_F(TapeAudioTest, SamplesBecomeBits) {
@@ -253,14 +243,11 @@ TEST_F(TapeAudioTest, RecordingsSurvive) {
     EXPECT_EQ(stored().size(), 44 + RATE * 11 / 2 + 32) << "recorded over";
     EXPECT_EQ(stored()[44], '\x04') << "the level falls from high; 128 * exp (-pi / 100) is 124";
 
-    rlimit before{};
-    getrlimit(RLIMIT_FSIZE, &before);
-    std::signal(SIGXFSZ, SIG_IGN);
-    const rlimit full{30000, before.rlim_max};
     record(RATE);
-    setrlimit(RLIMIT_FSIZE, &full);
-    run(100, 40000);
-    setrlimit(RLIMIT_FSIZE, &before);
+    {
+        const FullDisk full(30000);
+        run(100, 40000);
+    }
     EXPECT_NE(fake_host.status[3].find("recording has ended: File too large"), std::string::npos);
     EXPECT_EQ(tape_wav_is_open(), 0);
     EXPECT_EQ(cas_is_traps_installed(), 1);
@@ -318,7 +305,7 @@ TEST_F(TapeAudioTest, KnowsManyLayouts) {
         {"chunks without end", riff(std::string(8 * 100000, '\0') + fmt), {}, "is missing"},
     };
     for (const auto& c : cases) {
-        store(c.bytes);
+        write_text(path, c.bytes);
         fake_host.warnings.clear();
         const bool good = *c.problem == 0;
         EXPECT_EQ(tape_open_wav(path), good) << c.name;
@@ -337,12 +324,12 @@ TEST_F(TapeAudioTest, KnowsManyLayouts) {
         }
     }
     EXPECT_EQ(tape_open_wav(""), 0);
-    for (const std::string& bad : {testing::TempDir(), "/dev/null"s, path + ".missing"}) {
+    for (const std::string& bad : {folder.path().string(), "/dev/null"s, path + ".missing"}) {
         EXPECT_EQ(tape_open_wav(bad), 0) << bad;
         const char* problem = bad == path + ".missing" ? "No such file" : "not a file";
         EXPECT_NE(fake_host.warnings.back().find(problem), std::string::npos) << bad;
     }
-    EXPECT_EQ(tape_create_wav(testing::TempDir(), 44100), 0);
+    EXPECT_EQ(tape_create_wav(folder.path(), 44100), 0);
     EXPECT_EQ(tape_create_wav("/dev/full", 44100), 0);
     EXPECT_EQ(tape_wav_is_open(), 0);
 }
@@ -350,7 +337,7 @@ TEST_F(TapeAudioTest, KnowsManyLayouts) {
 TEST_F(TapeAudioTest, DamagedFilesAreHarmless) {
     const std::string bytes = wav_of(8, {1, 2, 3, 4, 5, 6, 7, 8});
     const auto samples = [&](const std::string& damaged) {
-        store(damaged);
+        write_text(path, damaged);
         WavReader reader;
         if (!wav_reader_open(reader, path).empty()) return -1;
         for (uint64_t n = 0; n < 20; ++n) wav_reader_sample(reader, n);

@@ -3,18 +3,13 @@
 #include "cgenie/memory.h"
 #include "media/tape_audio.h"
 #include "platform/file_handle.h"
-#include "platform/headless/headless.h"
 #include "support/fake_host.h"
-
-#include <gtest/gtest.h>
+#include "support/full_disk.h"
+#include "support/host_files.h"
 
 #include <csignal>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -25,19 +20,13 @@ namespace fs = std::filesystem;
 
 std::string operator""_b(const char* text, size_t size) { return {text, size}; }
 
-/// Runs in a folder of its own, whose "tmp" is where temporary files go.
-class Tape : public testing::Test {
+/// Temporary files go to the folder "tmp".
+class Tape : public HostFilesTest {
 protected:
     void SetUp() override {
-        static HeadlessPlatform headless{HeadlessOptions{}};
-        install_platform(headless);
-        before = fs::current_path();
-        folder = fs::path(testing::TempDir()) /
-                 (std::string("tarvelin-tape-") +
-                  testing::UnitTest::GetInstance()->current_test_info()->name());
-        fs::remove_all(folder);
-        fs::create_directories(folder / "tmp");
-        fs::current_path(folder);
+        HostFilesTest::SetUp();
+        folder = fs::current_path();
+        fs::create_directories("tmp");
         if (const char* temporary = getenv("TMPDIR")) temporary_before = temporary;
         setenv("TMPDIR", (folder / "tmp").c_str(), 1);
         fake_host = {};
@@ -47,17 +36,9 @@ protected:
         tape_get_cas_name().clear();
         unsetenv("TMPDIR");
         if (!temporary_before.empty()) setenv("TMPDIR", temporary_before.c_str(), 1);
-        fs::current_path(before);
-        fs::remove_all(folder);
+        HostFilesTest::TearDown();
     }
 
-    static void write(const std::string& path, const std::string& bytes) {
-        std::ofstream(path, std::ios::binary) << bytes;
-    }
-    static std::string read(const std::string& path) {
-        std::ifstream file(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
     static std::string next(size_t count) {
         std::string bytes;
         while (bytes.size() < count) bytes += char(tape_read_one_byte());
@@ -86,7 +67,7 @@ protected:
         return count;
     }
 
-    fs::path before, folder;
+    fs::path folder;
     std::string temporary_before;
 };
 
@@ -125,7 +106,7 @@ TEST_F(Tape, HeadersAndKinds) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        write("t.cas", c.bytes);
+        write_text("t.cas", c.bytes);
         EXPECT_EQ(cg_get_header_size(open_file("t.cas", "rb").get()), c.header);
         const std::string rest = c.bytes.substr(std::min(size_t(c.position), c.bytes.size()));
         ASSERT_EQ(tape_attach_cas("t.cas"), 1);
@@ -150,10 +131,10 @@ TEST_F(Tape, OnlyRegularFilesAreAttached) {
     constexpr uintmax_t LIMIT = 16 << 20;
     fs::create_directories("folder");
     ASSERT_EQ(mkfifo("pipe", 0600), 0);
-    for (const char* path : {"most", "huge"}) write(path, "\xFF");
+    for (const char* path : {"most", "huge"}) write_text(path, "\xFF");
     fs::resize_file("most", LIMIT);
     fs::resize_file("huge", LIMIT + 1);
-    write("good", "\xFFgood");
+    write_text("good", "\xFFgood");
     for (const char* path : {"", "gone", "folder", "pipe", "huge", "/dev/zero", "no/where"}) {
         SCOPED_TRACE(path);
         for (int (*attach)(const std::string&) : {tape_attach_cas, bas_to_cas_open}) {
@@ -185,7 +166,7 @@ TEST_F(Tape, OnlyRegularFilesAreAttached) {
 }
 
 TEST_F(Tape, AShrinkingImageEnds) {
-    write("t.cas", std::string(20000, 'x'));
+    write_text("t.cas", std::string(20000, 'x'));
     ASSERT_EQ(tape_attach_cas("t.cas"), 1);
     EXPECT_EQ(next(5000), std::string(5000, 'x'));
     fs::resize_file("t.cas", 0);
@@ -201,16 +182,16 @@ TEST_F(Tape, TokenizedBasicBecomesATape) {
     for (const auto& [path, name] : {std::pair<std::string, char>{"game.bas", 'G'},
                                      {(folder / "game.bas").string(), '/'},
                                      {"9.bas", '9'}}) {
-        write("t.cgt", CGT + "\0\x66"_b);
+        write_text("t.cgt", CGT + "\0\x66"_b);
         EXPECT_EQ(tape_attach_cas("t.cgt"), 1);
-        write(path, "\xFF" + program);
+        write_text(path, "\xFF" + program);
         EXPECT_EQ(bas_to_cas_open(path), 1);
         tape_cas_skip_header(); // the last image's is gone
         EXPECT_TRUE(fs::is_empty("tmp")) << "a killed program leaves nothing";
         EXPECT_EQ(next(head.size() + program.size() + 4),
                   head + name + program + "\x1A\xFF\xFF"); // from its start
     }
-    write("empty.bas", "\xFF");
+    write_text("empty.bas", "\xFF");
     EXPECT_EQ(bas_to_cas_open("empty.bas"), 1);
     EXPECT_EQ(next(263), head + "E\x1A\xFF");
 
@@ -220,15 +201,15 @@ TEST_F(Tape, TokenizedBasicBecomesATape) {
 }
 
 TEST_F(Tape, SavesReachTheFileByteByByte) {
-    write("old.cas", "\x66old");
+    write_text("old.cas", "\x66old");
     ASSERT_EQ(tape_attach_cas("old.cas"), 1);
     tape_write_case_header(); // cancelled
     save("dropped");
     EXPECT_EQ(next(1), "\x66") << "the old tape is still in";
-    EXPECT_EQ(read("old.cas"), "\x66old");
+    EXPECT_EQ(read_text("old.cas"), "\x66old");
 
     fake_host.save_path = "new.cas";
-    write("new.cas", "what was there before");
+    write_text("new.cas", "what was there before");
     tape_ready = false;
     tape_write_case_header();
     EXPECT_EQ(fake_host.save_questions, 1) << "the cassette system is not ready";
@@ -238,7 +219,7 @@ TEST_F(Tape, SavesReachTheFileByteByByte) {
     EXPECT_EQ(tape_get_cas_name(), "new.cas");
     const std::string bytes = "\xAA\xAA\x66X\0\xFF\x1A\x0D"_b;
     for (size_t n = 0; n < bytes.size(); ++n) {
-        EXPECT_EQ(read("new.cas"), bytes.substr(0, n));
+        EXPECT_EQ(read_text("new.cas"), bytes.substr(0, n));
         save(bytes.substr(n, 1));
     }
     EXPECT_EQ(next(1), "\xFF") << "the tape stands behind what was saved";
@@ -246,14 +227,14 @@ TEST_F(Tape, SavesReachTheFileByteByByte) {
     EXPECT_EQ(tape_cas_type(&name), TAPE_BASIC);
     EXPECT_EQ(next(2), "\xAA\xAA");
     save("more");
-    EXPECT_EQ(read("new.cas"), bytes + "more") << "a rewound tape is not overwritten";
+    EXPECT_EQ(read_text("new.cas"), bytes + "more") << "a rewound tape is not overwritten";
 
     tape_write_case_header(); // the very file that is in
     save("again");
-    EXPECT_EQ(read("new.cas"), "again");
+    EXPECT_EQ(read_text("new.cas"), "again");
     tape_detach_cas();
     save("dropped");
-    EXPECT_EQ(read("new.cas"), "again");
+    EXPECT_EQ(read_text("new.cas"), "again");
     EXPECT_EQ(fake_host.status[3], "");
 }
 
@@ -269,16 +250,11 @@ TEST_F(Tape, SavesThatFailAreToldOnce) {
         EXPECT_EQ(tape_dump_cas(path, "0", "0", "0"), 0);
     }
 
-    // A limit on the size of files stands in for a full disk.
-    std::signal(SIGXFSZ, SIG_IGN);
-    rlimit before_limit = {};
-    getrlimit(RLIMIT_FSIZE, &before_limit);
-    rlimit small = before_limit;
-    small.rlim_cur = 10;
     fake_host.save_path = "full.cas";
     tape_create_cas();
     fake_host.status[3].clear();
-    setrlimit(RLIMIT_FSIZE, &small);
+    write_text("small.bas", "\xFF");
+    const FullDisk full(10);
     save("0123456789");
     EXPECT_EQ(fake_host.status[3], "");
     save("A");
@@ -288,10 +264,8 @@ TEST_F(Tape, SavesThatFailAreToldOnce) {
     EXPECT_EQ(fake_host.status[3], "") << "told before";
     EXPECT_EQ(tape_dump_cas("./dump.cas", "0", "0", "0"), 0);
     EXPECT_EQ(fake_host.status[3], "./dump.cas: cannot be written");
-    write("small.bas", "\xFF");
     EXPECT_EQ(bas_to_cas_open("small.bas"), 0) << "no room for the temporary file";
-    setrlimit(RLIMIT_FSIZE, &before_limit);
-    EXPECT_EQ(read("full.cas"), "0123456789");
+    EXPECT_EQ(read_text("full.cas"), "0123456789");
     EXPECT_EQ(tape_cas_is_attached(), 0);
 }
 
@@ -307,7 +281,7 @@ TEST_F(Tape, AKilledProgramHasSavedWhatItWasGiven) {
                 if (::write(pipe, "", 1) != 1) return;
             }
         });
-        const std::string saved = read("killed.cas");
+        const std::string saved = read_text("killed.cas");
         ASSERT_GT(count, 0U);
         ASSERT_GE(saved.size(), count);
         ASSERT_LE(saved.size(), count + 1) << "the byte that was not acknowledged";
@@ -315,7 +289,7 @@ TEST_F(Tape, AKilledProgramHasSavedWhatItWasGiven) {
             ASSERT_EQ(uint8_t(saved[n]), uint8_t(n * 5 / 3)) << n;
         }
     }
-    write("game.bas", "\xFFgame");
+    write_text("game.bas", "\xFFgame");
     EXPECT_EQ(kill_after(1,
                          [](int pipe) {
                              if (bas_to_cas_open("game.bas") && ::write(pipe, "", 1) == 1) pause();
@@ -379,7 +353,7 @@ TEST_F(Tape, MemoryIsExported) {
         std::vector<unsigned> blocks;
         std::vector<uint8_t> image, want;
         unsigned entry = 0;
-        EXPECT_EQ(decode(read(c.path), &name, &blocks, &image, &entry), "");
+        EXPECT_EQ(decode(read_text(c.path), &name, &blocks, &image, &entry), "");
         EXPECT_EQ(name, c.name);
         EXPECT_EQ(blocks, c.blocks);
         for (unsigned n = c.blocks[0]; n <= c.last; ++n) {
@@ -395,20 +369,20 @@ TEST_F(Tape, MemoryIsExported) {
     }
     EXPECT_EQ(fake_host.status[3], "");
     EXPECT_EQ(tape_dump_cas("./all.cas", "0", "FFFF", "0"), 1);
-    EXPECT_EQ(read("all.cas").size(), 256U + 8 + 256 * (5 + 256) + 3);
+    EXPECT_EQ(read_text("all.cas").size(), 256U + 8 + 256 * (5 + 256) + 3);
 
     EXPECT_EQ(tape_dump_cas("./none.cas", "5000", "4FFF", "0"), 0);
     EXPECT_FALSE(fs::exists("none.cas"));
     EXPECT_EQ(fake_host.status[3], "./none.cas: not written, the end is below the start");
     EXPECT_EQ(tape_dump_cas("bare.cas", "5000", "5000", "0"), 0);
-    EXPECT_EQ(read("bare.cas"), std::string(256, '\xAA') + "\x66\x55");
+    EXPECT_EQ(read_text("bare.cas"), std::string(256, '\xAA') + "\x66\x55");
 }
 
 TEST_F(Tape, DamagedImagesAreHarmless) {
     const std::string images[] = {std::string(5, '\xAA') + "\x66\x55NAME  \x3C\x01\x00\x50\x07"_b,
                                   CGT + " x\0\x66\x55NAME"_b, "\xFF\x01\x50\x0A\x00\xB2\0\0"_b};
     const auto examine = [](const std::string& bytes) {
-        write("t.cas", bytes);
+        write_text("t.cas", bytes);
         ASSERT_EQ(tape_attach_cas("t.cas"), 1);
         char name = '-';
         const int kind = tape_cas_type(&name);

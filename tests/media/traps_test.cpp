@@ -5,27 +5,21 @@
 #include "core/machine.h"
 #include "media/tape.h"
 #include "media/tape_audio.h"
-#include "platform/headless/headless.h"
 #include "support/fake_host.h"
+#include "support/host_files.h"
 #include "z80/z80.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <map>
 
 namespace {
 
 using Image = std::vector<uint8_t>;
 
-class Traps : public testing::Test {
+class Traps : public HostFilesTest {
 protected:
     void SetUp() override {
-        static HeadlessPlatform headless{HeadlessOptions{}};
-        install_platform(headless);
+        HostFilesTest::SetUp();
         fake_host = {};
         machine_init();
         tape_init();
@@ -33,7 +27,7 @@ protected:
     void TearDown() override {
         tape_detach_cas();
         tape_remove_traps();
-        std::filesystem::remove(PATH);
+        HostFilesTest::TearDown();
     }
     static Image working_copy() { return {memory, memory + BASIC_ROM_SIZE}; }
     static Image unpatched() { return {active_rom, active_rom + BASIC_ROM_SIZE}; }
@@ -49,7 +43,7 @@ protected:
         return image;
     }
     static void attach(const std::string& bytes) {
-        std::ofstream(PATH, std::ios::binary) << bytes;
+        write_text(PATH, bytes);
         ASSERT_EQ(tape_attach_cas(PATH), 1);
     }
     /// Takes the trap that is patched in at `address`.
@@ -61,7 +55,7 @@ protected:
     }
     static int a() { return z80_state.af >> 8; }
 
-    static inline const std::string PATH = std::string(TEST_BINARY_DIR) + "/traps.cas";
+    static constexpr const char* PATH = "traps.cas";
 };
 
 TEST_F(Traps, PatchesComeAndGo) {
@@ -151,8 +145,7 @@ TEST_F(Traps, BytesGoToTheTape) {
         z80_state.pc = 0x0221;
         z80_run(0);
     }
-    std::ifstream file(PATH, std::ios::binary);
-    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(file), {}), want);
+    EXPECT_EQ(read_text(PATH), want);
     EXPECT_EQ(want.size(), 257U);
     char name = '-';
     EXPECT_EQ(tape_cas_type(&name), TAPE_BASIC);

@@ -5,14 +5,13 @@
 #include "cgenie/video.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"
-#include "host/commands.h"
-#include "host/dialogs.h"
 #include "host/display.h"
 #include "host/menu.h"
 #include "host/shell.h"
 #include "host/status.h"
 #include "platform/headless/headless.h"
 #include "platform/host_services.h"
+#include "support/program_options.h"
 #include "z80/z80.h"
 
 #include <gtest/gtest.h>
@@ -39,12 +38,7 @@ protected:
         machine_init();
         init_timers();
         set_screen_params(false, 8);
-        g_bActive = breakpoint_opens_monitor = true;
-        g_bPaused = g_bDebug = g_bCycleBasedEngine = false;
-        event_shutdown_timout = EVENT_DISARMED;
-        local_pc.reset();
-        monitor_page = MONITOR_DISASSEMBLY;
-        memdump_pc = 0;
+        reset_program_options();
     }
 
     static void press(int key) { WindowProcedure({Event::Kind::key_down, key, 0, {}}); }

@@ -1,15 +1,14 @@
 #include "platform/settings_file.h"
 
+#include "support/full_disk.h"
+#include "support/test_files.h"
+
 #include <gtest/gtest.h>
 
 #include <atomic>
 #include <csignal>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 
 #include <sys/mman.h>
-#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -17,18 +16,6 @@ namespace fs = std::filesystem;
 
 class SettingsFileTest : public testing::Test {
 protected:
-    void SetUp() override { TearDown(); }
-    void TearDown() override { fs::remove_all(folder); }
-
-    void write(const std::string& text) const {
-        fs::create_directories(folder);
-        std::ofstream(path, std::ios::binary) << text;
-    }
-    static std::string read(const fs::path& file) {
-        std::ostringstream text;
-        text << std::ifstream(file, std::ios::binary).rdbuf();
-        return text.str();
-    }
     SettingsFile opened() const {
         SettingsFile store(path);
         EXPECT_TRUE(store.open());
@@ -46,14 +33,14 @@ protected:
         return waitpid(id, &status, 0) == id && status == 0;
     }
 
-    const fs::path folder =
-        fs::path(TEST_BINARY_DIR) / (std::string("settings of ") +
-                                     testing::UnitTest::GetInstance()->current_test_info()->name());
+    const Folder own;
+    const fs::path folder = own / "settings of this";
     const std::string path = folder / "settings.toml";
 };
 
 TEST_F(SettingsFileTest, NumbersAndTextsByNameAndTypeFromAFileWrittenByHand) {
-    write(
+    write_text(
+        path,
         "Top = 4294967295\nAbove = 4294967296\nBelow = -1\nFlag = true\nReal = 1.0\n"
         "Text = \"caf\\u00e9 \\\"\\\\\"\nBytes = { bytes = \"00ff41\" }\nOdd = { bytes = \"0\" }\n"
         "Digits = { bytes = \"g0\" }\nList = [1]\n# \xC8\x9C \"\nLiteral = '\xC8\x9C\\'\n"
@@ -74,7 +61,7 @@ TEST_F(SettingsFileTest, NumbersAndTextsByNameAndTypeFromAFileWrittenByHand) {
     EXPECT_EQ(opened().text("Flag"), "C:\\a'\"b");
     EXPECT_EQ(opened().number("Above"), 0U);
     for (const char* kept : {"Below = -1\n", "Real = 1.0\n", "List = [", "Top = 4294967295\n"})
-        EXPECT_NE(read(path).find(kept), std::string::npos) << kept;
+        EXPECT_NE(read_text(path).find(kept), std::string::npos) << kept;
 
     store.close();
     EXPECT_EQ(store.text("Bytes"), std::string("\0\xFF\x41", 3)) << "without opening";
@@ -101,7 +88,8 @@ TEST_F(SettingsFileTest, EveryTextComesBack) {
                 << testing::PrintToString(texts[i]);
     }
     ASSERT_TRUE(store.set_text("Tape", "/home/\xC3\xA9.cas"));
-    EXPECT_NE(read(path).find("Tape = \"/home/\xC3\xA9.cas\"\n"), std::string::npos) << "readable";
+    EXPECT_NE(read_text(path).find("Tape = \"/home/\xC3\xA9.cas\"\n"), std::string::npos)
+        << "readable";
 }
 
 TEST_F(SettingsFileTest, ADamagedFileIsPutAsideAndToldOnce) {
@@ -110,13 +98,13 @@ TEST_F(SettingsFileTest, ADamagedFileIsPutAsideAndToldOnce) {
     for (const std::string damage : {"Sound = \n", "A = 1\nA = 2\n", "\xFF\xFE", "T = \"un", "[[[A",
                                      "A = 4\xC8\x9C", "\xC8\x9C = 1\n", "T = '''a''' \xC8\x9C",
                                      "T = \"a\\\\\" \xC8\x9C", "T = \"\"\"\\\n \xC8\x9C\"\"\""}) {
-        write(damage);
+        write_text(path, damage);
         SettingsFile store(path);
         ASSERT_TRUE(store.open()) << damage;
         const std::string kept = path + ".damaged" + (count ? std::to_string(count) : "");
         EXPECT_NE(store.complaint().find("\"" + kept + "\""), std::string::npos) << damage;
         EXPECT_EQ(store.complaint(), "");
-        EXPECT_EQ(read(kept), damage);
+        EXPECT_EQ(read_text(kept), damage);
         EXPECT_EQ(store.number("A"), std::nullopt);
         EXPECT_TRUE(store.set_number("A", 7));
         EXPECT_EQ(opened().number("A"), 7U);
@@ -166,7 +154,7 @@ TEST_F(SettingsFileTest, AKillLeavesTheOldValueOrTheNew) {
 }
 
 TEST_F(SettingsFileTest, WhatCannotBeWrittenIsRefusedAndTheFileStays) {
-    write("A = 1\n");
+    write_text(path, "A = 1\n");
     for (const std::string& bad : {path + "/below/settings.toml", folder.string()}) {
         SettingsFile store(bad);
         EXPECT_FALSE(store.open()) << bad;
@@ -176,10 +164,8 @@ TEST_F(SettingsFileTest, WhatCannotBeWrittenIsRefusedAndTheFileStays) {
     }
     EXPECT_TRUE(succeeds(child([&] {
         SettingsFile store = opened();
-        const rlimit limit = {100, 100}; // as a full disk
-        std::signal(SIGXFSZ, SIG_IGN);
-        return setrlimit(RLIMIT_FSIZE, &limit) == 0 &&
-               !store.set_text("T", std::string(200, 'x')) && store.number("A") == 1U &&
+        const FullDisk full(100);
+        return !store.set_text("T", std::string(200, 'x')) && store.number("A") == 1U &&
                store.set_number("A", 2);
     })));
     EXPECT_EQ(opened().number("A"), 2U);

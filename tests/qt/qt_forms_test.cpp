@@ -1,8 +1,6 @@
-// Forms and the fields of file dialogs on Qt's offscreen platform, used by key and mouse events.
+// Forms and the fields of file dialogs, used by key and mouse events.
 
-#include "platform/qt/qt_platform.h"
-
-#include <gtest/gtest.h>
+#include "qt/offscreen.h"
 
 #include <QAccessible>
 #include <QApplication>
@@ -48,19 +46,8 @@ FormDescription everything() {
                            {.kind = cancel_button, .id = CANCEL, .text = "Cancel"}}}}};
 }
 
-class QtFormsTest : public testing::Test {
+class QtFormsTest : public OffscreenTest {
 protected:
-    static void SetUpTestSuite() {
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-        static int argc = 1;
-        static char name[] = "test";
-        static char* argv[] = {name, nullptr};
-        host = std::make_unique<QtPlatform>(argc, argv);
-        host->window().create("Title");
-        host->window().show();
-    }
-    static void TearDownTestSuite() { host.reset(); }
-
     std::unique_ptr<Form> make() {
         return host->forms().create(everything(), [this](Form&, const FormEvent& event) {
             heard += "cpx"[int(event.kind)] + std::to_string(event.control) + " ";
@@ -101,7 +88,6 @@ protected:
     std::string take_heard() { return std::exchange(heard, {}); }
 
     std::string heard;
-    static inline std::unique_ptr<QtPlatform> host;
 };
 
 TEST_F(QtFormsTest, UserActsAreHeardAndRead) {

@@ -1,8 +1,6 @@
-// The window without a screen: Qt's offscreen platform, driven by Qt events.
+// The window without a screen, driven by Qt events.
 
-#include "platform/qt/qt_platform.h"
-
-#include <gtest/gtest.h>
+#include "qt/offscreen.h"
 
 #include <QAction>
 #include <QApplication>
@@ -19,24 +17,16 @@ namespace {
 
 constexpr Qt::KeyboardModifiers NO_MODIFIERS;
 
-class QtPlatformTest : public testing::Test {
+class QtPlatformTest : public OffscreenTest {
 protected:
     static void SetUpTestSuite() {
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-        static int argc = 1;
-        static char name[] = "test";
-        static char* argv[] = {name, nullptr};
-        host = std::make_unique<QtPlatform>(argc, argv);
-        host->window().create("Title");
+        OffscreenTest::SetUpTestSuite();
         host->window().set_menu(
             {{0, "&Menu", {{7, "&Item\tAlt+T", {}, true}, {8, "Other", {}, false}}, false}});
-        host->window().show();
         for (QWidget* widget : QApplication::topLevelWidgets()) {
             if (auto* window = qobject_cast<QMainWindow*>(widget)) frame = window;
         }
     }
-    static void TearDownTestSuite() { host.reset(); }
-
     void SetUp() override {
         fit({40, 30});
         drain();
@@ -69,7 +59,6 @@ protected:
         return event.isAccepted();
     }
 
-    static inline std::unique_ptr<QtPlatform> host;
     static inline QMainWindow* frame = nullptr;
 };
 

@@ -2,6 +2,8 @@
 
 #include "platform/sdl/sdl_audio.h"
 
+#include "support/test_files.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -9,11 +11,7 @@
 #include <chrono>
 #include <cstdlib>
 #include <cstring>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <thread>
-#include <vector>
 
 namespace {
 
@@ -48,7 +46,8 @@ private:
 };
 
 TEST(SdlAudioTest, PlaybackUnderLoadHasNoGap) {
-    const std::string path = testing::TempDir() + "playback.raw";
+    const Folder folder;
+    const std::string path = folder / "playback.raw";
     setenv("SDL_AUDIODRIVER", "disk", 1);
     setenv("SDL_DISKAUDIOFILE", path.c_str(), 1);
     constexpr uint32_t FRAGMENTS = 150; // three seconds: three times round the ring
@@ -86,8 +85,7 @@ TEST(SdlAudioTest, PlaybackUnderLoadHasNoGap) {
         while (lead() > 0) std::this_thread::sleep_for(std::chrono::milliseconds(2));
         audio.stop();
     }
-    std::ifstream file(path, std::ios::binary);
-    const std::vector<char> bytes{std::istreambuf_iterator<char>(file), {}};
+    const std::vector<uint8_t> bytes = read_file(path);
     std::vector<uint16_t> heard(bytes.size() / 2);
     std::memcpy(heard.data(), bytes.data(), heard.size() * 2);
     auto at = std::ranges::find(heard, 1);
@@ -98,7 +96,6 @@ TEST(SdlAudioTest, PlaybackUnderLoadHasNoGap) {
     EXPECT_EQ(std::find_if(at, heard.end(), [](uint16_t sample) { return sample != 0; }),
               heard.end())
         << "silence after the last fragment";
-    std::filesystem::remove(path);
 }
 
 TEST(SdlAudioTest, StandsStillWhenStoppedAndComesUpAgain) {

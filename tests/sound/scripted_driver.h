@@ -4,6 +4,9 @@
 #include "sound/sound_core.h"
 #include "z80/z80.h"
 
+#include <gtest/gtest.h>
+
+#include <algorithm>
 #include <array>
 #include <functional>
 #include <string>

@@ -1,15 +1,14 @@
 #include "sound/sound_core.h"
 
 #include "sound/beeper.h"
+#include "sound/scripted_driver.h"
 #include "sound/wav_capture.h"
+#include "support/test_files.h"
 
 #include <gtest/gtest.h>
 
-#include "sound/scripted_driver.h"
-
 #include <cmath>
 #include <numeric>
-#include <random>
 
 namespace {
 using Fragment = std::array<int16_t, FRAGMENT_SAMPLES>;
@@ -168,7 +167,8 @@ TEST_F(SoundCore, UnknownPositionIsOneForOne) {
 }
 
 TEST_F(SoundCore, RecordingIsContinuous) {
-    ASSERT_EQ(sound_create_wav(TEST_BINARY_DIR "/continuous.wav"), 1);
+    const Folder folder;
+    ASSERT_EQ(sound_create_wav(folder / "continuous.wav"), 1);
     int64_t before = 0;
     int64_t after = 0;
     sound_is_saving(&before);

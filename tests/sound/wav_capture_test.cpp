@@ -2,15 +2,10 @@
 
 #include "sound/wav_capture.h"
 
+#include "support/full_disk.h"
+#include "support/test_files.h"
+
 #include <gtest/gtest.h>
-
-#include <sys/resource.h>
-
-#include <csignal>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <vector>
 
 namespace {
 
@@ -18,8 +13,7 @@ constexpr uint32_t FRAGMENT = 1920;
 
 /// Empty where the file is no 16-bit mono recording at 48000 Hz, or its lengths do not fit it.
 std::vector<uint8_t> samples_of(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    const std::vector<uint8_t> all{std::istreambuf_iterator<char>(file), {}};
+    const std::vector<uint8_t> all = read_file(path);
     const auto number = [&](size_t at, int bytes) {
         uint32_t value = 0;
         for (int n = bytes; n-- > 0;) value = value << 8 | all.at(at + size_t(n));
@@ -44,10 +38,7 @@ std::vector<uint8_t> samples_of(const std::string& path) {
 
 class WavCaptureTest : public testing::Test {
 protected:
-    void TearDown() override {
-        sound_close_wav();
-        std::filesystem::remove(path);
-    }
+    void TearDown() override { sound_close_wav(); }
     static int dump(uint8_t value) {
         return sound_dump_wav_data(std::vector<uint8_t>(FRAGMENT, value).data(), FRAGMENT);
     }
@@ -58,8 +49,8 @@ protected:
         return bytes[0] | bytes[1] << 8 | bytes[2] << 16 | uint32_t(bytes[3]) << 24;
     }
 
-    const std::string path =
-        testing::TempDir() + testing::UnitTest::GetInstance()->current_test_info()->name() + ".wav";
+    const Folder folder;
+    const std::string path = folder / "sound.wav";
 };
 
 TEST_F(WavCaptureTest, LengthsOfShortFiles) {
@@ -99,20 +90,13 @@ TEST_F(WavCaptureTest, FullDiskDropsWholeFragments) {
     EXPECT_EQ(sound_create_wav("no/such/folder.wav"), 0);
     EXPECT_EQ(sound_is_saving(nullptr), 0);
 
-    std::signal(SIGXFSZ, SIG_IGN);
-    rlimit limit{};
-    getrlimit(RLIMIT_FSIZE, &limit);
-    const rlimit before = limit;
     ASSERT_EQ(sound_create_wav(path), 1);
-    const auto allow = [&](rlim_t bytes) {
-        limit.rlim_cur = bytes;
-        setrlimit(RLIMIT_FSIZE, &limit);
-    };
-    allow(44 + FRAGMENT + 777);
-    EXPECT_EQ(dump(1), 1);
-    for (int n = 0; n < 60; ++n) EXPECT_EQ(dump(2), 0);
-    EXPECT_EQ(samples_of(path), std::vector<uint8_t>(FRAGMENT, 1)) << "while it is open";
-    allow(before.rlim_cur);
+    {
+        const FullDisk full(44 + FRAGMENT + 777);
+        EXPECT_EQ(dump(1), 1);
+        for (int n = 0; n < 60; ++n) EXPECT_EQ(dump(2), 0);
+        EXPECT_EQ(samples_of(path), std::vector<uint8_t>(FRAGMENT, 1)) << "while it is open";
+    }
     EXPECT_EQ(dump(3), 1) << "there is room again";
     sound_close_wav();
 

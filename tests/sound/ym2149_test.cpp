@@ -1,10 +1,9 @@
 #include "sound/ym2149.h"
 
 #include "sound/beeper.h"
+#include "sound/scripted_driver.h"
 
 #include <gtest/gtest.h>
-
-#include "sound/scripted_driver.h"
 
 #include <cmath>
 

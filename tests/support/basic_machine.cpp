@@ -5,9 +5,11 @@
 #include "core/frame_driver.h"
 #include "core/machine.h"
 #include "media/traps.h"
+#include "support/test_files.h"
 #include "z80/z80.h"
 
 #include <algorithm>
+#include <cstdlib>
 
 namespace {
 constexpr unsigned TEXT = 0x4400, COLUMNS = 40, ROW_COUNT = 0x42F9;
@@ -16,6 +18,11 @@ constexpr unsigned DELAY = 0x60, DELAY_END = 0x66;
 constexpr int IDLE_FRAMES = 5;
 constexpr unsigned KEYBOARD_ENTRY = 0x2B;
 } // namespace
+
+std::vector<uint8_t> trial_rom() {
+    const char* const path = std::getenv("BASIC_ROM");
+    return path ? read_file(path) : std::vector<uint8_t>();
+}
 
 BasicMachine::BasicMachine() : platform_(HeadlessOptions{}) {
     install_platform(platform_);
@@ -26,9 +33,9 @@ BasicMachine::BasicMachine() : platform_(HeadlessOptions{}) {
 void BasicMachine::boot(int slot, const std::vector<uint8_t>& rom) {
     machine_change_cfg(machine_cfg[slot], 1);
     if (!rom.empty()) {
-        std::copy_n(rom.begin(), std::min<size_t>(rom.size(), BASIC_ROM_SIZE), rom_pointer());
-        std::copy_n(rom.begin(), std::min<size_t>(rom.size(), BASIC_ROM_SIZE),
-                    source_rom_pointer());
+        for (uint8_t* const area : {rom_pointer(), source_rom_pointer()}) {
+            std::copy_n(rom.begin(), std::min<size_t>(rom.size(), BASIC_ROM_SIZE), area);
+        }
         z80_reset();
     }
     run_until_idle(200);

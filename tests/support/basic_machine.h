@@ -7,6 +7,10 @@
 #include <string>
 #include <vector>
 
+/// A ROM to try in place of the built-in one: the file that BASIC_ROM in the environment names,
+/// empty without that.
+std::vector<uint8_t> trial_rom();
+
 class BasicMachine {
 public:
     BasicMachine();

@@ -4,13 +4,10 @@
 #include "support/basic_machine.h"
 
 #include "cgenie/memory.h"
+#include "support/test_files.h"
 
 #include <cstdio>
-#include <cstdlib>
-#include <cstring>
-#include <fstream>
 #include <iostream>
-#include <iterator>
 
 int main(int count, char** words) {
     std::vector<uint8_t> rom;
@@ -19,11 +16,7 @@ int main(int count, char** words) {
     for (int i = 1; i + 1 < count; i += 2) {
         const char* value = words[i + 1];
         switch (words[i][1]) {
-        case 'r': {
-            std::ifstream file(value, std::ios::binary);
-            rom.assign(std::istreambuf_iterator<char>(file), {});
-            break;
-        }
+        case 'r': rom = read_file(value); break;
         case 'm': model = std::atoi(value); break;
         case 'f': frames = std::atoi(value); break;
         case 'p':

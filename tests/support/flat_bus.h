@@ -4,7 +4,6 @@
 
 #include <array>
 #include <cstdint>
-#include <utility>
 #include <vector>
 
 struct FlatBus {

@@ -2,26 +2,22 @@
 // processor: prints its output, then the T-states it took.
 
 #include "support/cpm_machine.h"
+#include "support/test_files.h"
 
 #include <cinttypes>
 #include <cstdio>
-#include <fstream>
-#include <iterator>
 #include <limits>
-#include <vector>
 
 int main(int count, char** arguments) {
     if (count != 2) {
         std::fprintf(stderr, "usage: run_com FILE.COM\n");
         return 2;
     }
-    std::ifstream file(arguments[1], std::ios::binary);
-    const std::vector<char> bytes{std::istreambuf_iterator<char>(file), {}};
-    if (bytes.empty()) {
+    const std::vector<uint8_t> program = read_file(arguments[1]);
+    if (program.empty()) {
         std::fprintf(stderr, "run_com: cannot read %s\n", arguments[1]);
         return 1;
     }
-    const std::vector<uint8_t> program(bytes.begin(), bytes.end());
     const CpmRun run =
         run_cpm_program(program, std::numeric_limits<int64_t>::max(), [](char character) {
             std::putchar(character);

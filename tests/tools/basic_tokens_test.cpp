@@ -2,15 +2,13 @@
 
 #include "cgenie/memory.h"
 #include "support/basic_machine.h"
+#include "support/test_files.h"
 
 #include <gtest/gtest.h>
 
 #include <array>
 #include <chrono>
 #include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <random>
 
 namespace {
@@ -53,13 +51,6 @@ constexpr char LISTING[] =
 320 fo r:pr int:e nd
 330 "":"a""b":data:rem
 )";
-
-std::vector<uint8_t> trial_rom() {
-    const char* path = std::getenv("BASIC_ROM");
-    if (!path) return {};
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
 unsigned word_at(unsigned address) { return memory[address] + 256u * memory[address + 1]; }
 
@@ -161,43 +152,32 @@ TEST(BasicTokensTest, FaultsAreNamed) {
     EXPECT_EQ(problem.text, "line number above 65529");
 }
 
-std::string read(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 TEST(BasProgramTest, ConvertsFilesAndKeepsWhatIsThereOnFailure) {
-    const std::filesystem::path folder = std::filesystem::path(TEST_BINARY_DIR) / "bas_files";
-    std::filesystem::remove_all(folder);
-    std::filesystem::create_directory(folder);
-    const auto put = [&](const char* name, const std::string& text) {
-        std::ofstream(folder / name, std::ios::binary) << text;
-    };
+    const Folder folder;
     const auto run = [&](const std::string& arguments) {
         const std::string line =
-            "cd '" + folder.string() + "' && '" BAS_PROGRAM "' " + arguments + " >out 2>err";
-        const int status = std::system(line.c_str());
-        return status / 256;
+            "cd '" + folder.path().string() + "' && '" BAS_PROGRAM "' " + arguments + " >out 2>err";
+        return std::system(line.c_str()) / 256;
     };
-    put("in.bas", "20 goto10\n10 print\"HI\\x81\"\nRUN\n");
-    put("bad.bas", "10 A\nB\n");
+    write_text(folder / "in.bas", "20 goto10\n10 print\"HI\\x81\"\nRUN\n");
+    write_text(folder / "bad.bas", "10 A\nB\n");
     EXPECT_EQ(run("encode in.bas tokens"), 0);
     EXPECT_EQ(run("decode tokens text"), 0);
-    EXPECT_EQ(read(folder / "text"), "10 PRINT\"HI\\x81\"\n20 GOTO10\n");
+    EXPECT_EQ(read_text(folder / "text"), "10 PRINT\"HI\\x81\"\n20 GOTO10\n");
     EXPECT_EQ(run("encode - - <text"), 0);
-    EXPECT_EQ(read(folder / "out"), read(folder / "tokens"));
+    EXPECT_EQ(read_text(folder / "out"), read_text(folder / "tokens"));
 
-    const std::string kept = read(folder / "tokens");
+    const std::string kept = read_text(folder / "tokens");
     EXPECT_EQ(run("encode bad.bas tokens"), 1);
-    EXPECT_EQ(read(folder / "err"), "tarvelin-bas: bad.bas:2: no line number\n");
-    EXPECT_EQ(read(folder / "tokens"), kept);
+    EXPECT_EQ(read_text(folder / "err"), "tarvelin-bas: bad.bas:2: no line number\n");
+    EXPECT_EQ(read_text(folder / "tokens"), kept);
     EXPECT_EQ(run("decode text tokens"), 1);
     EXPECT_EQ(run("encode missing tokens"), 1);
     EXPECT_EQ(run("encode in.bas missing/tokens"), 1);
     EXPECT_EQ(run("encode in.bas"), 2);
     EXPECT_EQ(run("code in.bas tokens"), 2);
     EXPECT_EQ(run("--help"), 0);
-    EXPECT_EQ(read(folder / "out").substr(0, 6), "usage:");
+    EXPECT_EQ(read_text(folder / "out").substr(0, 6), "usage:");
     EXPECT_FALSE(std::filesystem::exists(folder / "tokens.part"));
 }
 

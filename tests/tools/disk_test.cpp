@@ -1,33 +1,22 @@
 #include "media/disk_image.h"
-#include "platform/whole_file.h"
+#include "support/test_files.h"
 #include "tools/disk_system.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <cstdlib>
-#include <filesystem>
 #include <set>
-#include <unistd.h>
+#include <span>
 
 namespace {
-
-constexpr size_t LARGEST = 1 << 20;
-
-DiskBytes bytes_of(const std::string& text) { return {text.begin(), text.end()}; }
 
 /// The program, run in a folder of its own.
 class DiskProgram : public testing::Test {
 protected:
-    DiskProgram() {
-        std::filesystem::remove_all(folder);
-        std::filesystem::create_directory(folder);
-    }
-    ~DiskProgram() override { std::filesystem::remove_all(folder); }
     int run(const std::string& arguments) {
-        const std::string line =
-            "cd '" + folder.string() + "' && '" DISK_PROGRAM "' " + arguments + " >out 2>err";
+        const std::string line = "cd '" + folder.path().string() + "' && '" DISK_PROGRAM "' " +
+                                 arguments + " >out 2>err";
         return std::system(line.c_str()) / 256;
     }
     /// What the program puts out, standard error behind standard output.
@@ -35,15 +24,11 @@ protected:
         run(arguments);
         return read("out") + read("err");
     }
-    std::string read(const std::string& name) {
-        const auto bytes = read_whole_file((folder / name).string(), LARGEST);
-        return bytes ? std::string(bytes->begin(), bytes->end()) : "no file";
+    std::string read(const std::string& name) const { return read_text(folder / name); }
+    void write(const std::string& name, const std::string& text) const {
+        write_text(folder / name, text);
     }
-    void write(const std::string& name, const std::string& text) {
-        ASSERT_TRUE(replace_whole_file((folder / name).string(), bytes_of(text)));
-    }
-    const std::filesystem::path folder =
-        std::filesystem::path(TEST_BINARY_DIR) / ("disk_files-" + std::to_string(getpid()));
+    const Folder folder;
 };
 
 TEST_F(DiskProgram, MakesTheImagesThatTheEmulatorKnows) {

@@ -3,6 +3,7 @@
 #include "z80/disassembler.h"
 
 #include "support/flat_bus.h"
+#include "support/test_files.h"
 #include "z80/processor_setup.h"
 #include "z80/z80.h"
 
@@ -10,8 +11,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <regex>
 
 namespace {
@@ -123,17 +122,17 @@ TEST(Disassembler, AssemblesToTheSameBytes) {
     starts.push_back(end);
     EXPECT_EQ(lines.size(), 252U + 256 + 56 + 2 * (85 + 4 * 8));
 
-    const std::string path = testing::TempDir() + "tarvelin-disassembler";
-    std::ofstream(path + ".asm") << source;
+    const Folder folder;
+    const std::string path = folder / "all";
+    write_text(path + ".asm", source);
     const std::string command =
         std::string(PASMO_PROGRAM) + " --bin " + path + ".asm " + path + ".bin";
     ASSERT_EQ(std::system(command.c_str()), 0);
-    std::ifstream file(path + ".bin", std::ios::binary);
-    const std::string bytes{std::istreambuf_iterator<char>(file), {}};
+    const std::vector<uint8_t> bytes = read_file(path + ".bin");
     ASSERT_EQ(bytes.size(), size_t{end});
     for (size_t n = 0; n < lines.size(); ++n) {
         for (int at = starts[n]; at < starts[n + 1]; ++at) {
-            EXPECT_EQ(flat_bus.memory[size_t(at)], uint8_t(bytes[size_t(at)])) << lines[n];
+            EXPECT_EQ(flat_bus.memory[size_t(at)], bytes[size_t(at)]) << lines[n];
         }
     }
 }
@@ -219,12 +218,12 @@ TEST(Disassembler, WrapsAndListsTheWholeMemory) {
     EXPECT_EQ(listed(0xFFFE).line, " FFFE DD 36 00 C9 ld (ix+00h),c9h");
     EXPECT_EQ(listed(0xFFFE).next, 2);
     EXPECT_EQ(z80_state.t_count, 1000) << "looking takes no time";
-    const std::string path = testing::TempDir() + "tarvelin-listing";
+    const Folder folder;
+    const std::string path = folder / "listing";
     for (const bool crosses : {true, false}) {
         if (!crosses) flat_bus.memory[0xFFFE] = flat_bus.memory[0xFFFF] = 0;
         ASSERT_EQ(fulldisasm(path), 1);
-        std::ifstream file(path);
-        const std::string text{std::istreambuf_iterator<char>(file), {}};
+        const std::string text = read_text(path);
         EXPECT_TRUE(text.starts_with(". 0000h     0000 00          nop\n"
                                      ". 0001h     0001 C9          ret\n"));
         const std::string last = crosses ? ". FFFEh     FFFE DD 36 00 C9 ld (ix+00h),c9h\n"

@@ -9,7 +9,6 @@
 
 #include <cstdio>
 #include <string>
-#include <utility>
 #include <vector>
 
 inline constexpr uint16_t origin = 0x8000; ///< where the code under test stands

@@ -1,4 +1,4 @@
-#include "picture.h"
+#include "support/picture.h"
 
 #include <gif_lib.h>
 

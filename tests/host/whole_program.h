@@ -1,0 +1,49 @@
+#pragma once
+/// The whole program, with its settings in a file.
+
+#include "host/menu.h"
+#include "host/shell.h"
+#include "platform/settings_file.h"
+#include "support/host_files.h"
+#include "support/program_options.h"
+
+#include <optional>
+
+class WholeProgramTest : public HostFilesTest {
+protected:
+    static constexpr const char* SETTINGS = "settings.toml";
+
+    void SetUp() override {
+        HostFilesTest::SetUp();
+        renew();
+    }
+    void TearDown() override {
+        reset_program_options();
+        HostFilesTest::TearDown();
+    }
+
+    /// Starts it as in a process of its own.
+    void start(const Arguments& arguments = {}) {
+        renew();
+        ASSERT_TRUE(host->window().create("start"));
+        create_menu();
+        emu_init(arguments);
+    }
+    /// What the settings file holds, read by a store of its own.
+    static std::optional<std::string> stored_text(const std::string& name) {
+        SettingsFile store(SETTINGS);
+        store.open();
+        return store.text(name);
+    }
+
+private:
+    void renew() {
+        HeadlessOptions options;
+        options.look_ns = 0;
+        options.refresh_rate = 60;
+        options.settings_path = SETTINGS;
+        options.data_directory = "data";
+        install_host(options);
+        reset_program_options();
+    }
+};

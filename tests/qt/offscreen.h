@@ -1,0 +1,26 @@
+#pragma once
+/// A window on Qt's offscreen platform, for all tests of a suite.
+
+#include "platform/qt/qt_platform.h"
+
+#include <gtest/gtest.h>
+
+#include <QByteArray>
+
+#include <memory>
+
+class OffscreenTest : public testing::Test {
+protected:
+    static void SetUpTestSuite() {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        static int argc = 1;
+        static char name[] = "test";
+        static char* argv[] = {name, nullptr};
+        host = std::make_unique<QtPlatform>(argc, argv);
+        host->window().create("Title");
+        host->window().show();
+    }
+    static void TearDownTestSuite() { host.reset(); }
+
+    static inline std::unique_ptr<QtPlatform> host;
+};

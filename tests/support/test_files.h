@@ -1,0 +1,53 @@
+#pragma once
+/// Files for tests: a folder of their own, and whole files.
+
+#include <cstdint>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <string>
+#include <vector>
+
+/// A new folder that goes with the object.
+class Folder {
+public:
+    Folder() {
+        std::string name = std::filesystem::temp_directory_path() / "tarvelin-XXXXXX";
+        if (mkdtemp(name.data())) path_ = name;
+    }
+    ~Folder() {
+        std::error_code error;
+        if (!path_.empty()) std::filesystem::remove_all(path_, error);
+    }
+    Folder(const Folder&) = delete;
+    Folder& operator=(const Folder&) = delete;
+
+    std::filesystem::path operator/(const std::string& name) const { return path_ / name; }
+    const std::filesystem::path& path() const { return path_; }
+
+private:
+    std::filesystem::path path_;
+};
+
+/// What the file holds; nothing when it cannot be read.
+template <typename Container>
+Container file_contents(const std::filesystem::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+inline std::vector<uint8_t> read_file(const std::filesystem::path& path) {
+    return file_contents<std::vector<uint8_t>>(path);
+}
+inline std::string read_text(const std::filesystem::path& path) {
+    return file_contents<std::string>(path);
+}
+
+/// Replaces the file, and makes the folders that it needs.
+inline void write_text(const std::filesystem::path& path, const std::string& text) {
+    if (path.has_parent_path()) std::filesystem::create_directories(path.parent_path());
+    std::ofstream(path, std::ios::binary) << text;
+}
+inline void write_file(const std::filesystem::path& path, const std::vector<uint8_t>& bytes) {
+    write_text(path, {bytes.begin(), bytes.end()});
+}
