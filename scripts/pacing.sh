@@ -18,6 +18,7 @@ mkcmd=$(realpath "$build/tools/mkcmd")
 source tests/desktop/desktop.sh
 trap 'kill -9 ${device_pid:-} ${program_pid:-} 2>/dev/null || true; clean_up' EXIT
 
+stolen() { awk '/^cpu /{print $9 / 100}' /proc/stat; } # seconds that a virtual host did not run
 now() { awk '{print $1}' /proc/uptime; }
 of_core() { awk "BEGIN {printf \"%.2f\", ($2 - $1) / ($4 - $3)}"; } # ticks, ticks, then, now: %
 problems=0
@@ -41,7 +42,7 @@ export SDL_AUDIODRIVER=disk SDL_DISKAUDIOFILE=$work/sound SDL_DISKAUDIODELAY=0
 
 start_program /s "$first" /t $((first + seconds)) chord.cmd
 wait_for chord0000.gif
-used=$(ticks) then=$(now)
+used=$(ticks) then=$(now) stolen=$(stolen)
 slow=0
 while kill -0 "$program_pid" 2>/dev/null; do
     used_last=$(ticks 2>/dev/null || echo "${used_last:-0}") last=$(now)
@@ -51,6 +52,7 @@ while kill -0 "$program_pid" 2>/dev/null; do
 done
 wait "$program_pid" || fail "the program ended badly: $(cat program.log)"
 wait "$device_pid" || fail "the sound device"
+stolen=$(awk "BEGIN {print $(stolen) - $stolen}")
 # The settings are written as soon as the machine stops.
 took=$(awk "BEGIN {print $(stat -c %.6Y config/tarvelin/settings.toml) - $(stat -c %.6Y chord0000.gif)}")
 read -r played late gaps < <(sed -n '1s/[a-z]*=//gp' device.log)
@@ -75,4 +77,5 @@ row "sound later than 50 ms" "$late" "" 0 0
 row "processor time" "$(of_core "$used" "$used_last" "$then" "$last")" % 0 15
 row "processor time while paused" "$paused_load" % 0 1
 sed 1d device.log
+if [[ $stolen != 0 ]]; then echo "  the host stood still for $stolen s in all, which may be why"; fi
 exit "$problems"

@@ -146,7 +146,8 @@ std::string start_problem(const std::string& path) {
     return problem;
 }
 
-void autostart_file(const std::string& path) {
+void autostart_file(const std::string& given) {
+    const std::string path = given.substr(0, given.find('\0')); // as the host takes it
     const size_t point = extension_point(path);
     const bool has_extension = point != std::string::npos;
     last_file_name = has_extension ? path.substr(0, point) : std::string();
