@@ -26,6 +26,7 @@ namespace {
 uint32_t beam_parity = 0;
 
 constexpr int UNSERVED_TRAP = 0x0C;
+constexpr uint32_t SOUND_REGISTERS = 16;
 
 void count_beam(int32_t cycles) { beam_parity ^= uint32_t(cycles) & 1; }
 
@@ -112,13 +113,16 @@ void fresh_machine(uint32_t configuration) {
     z80_state = {};
     machine_init();
     clear_sector_buffer();
+    crtc = {};
     crtc_reset();
     std::ranges::fill(ports, uint8_t(0));
     z80_out(0xFF, 0);
     active_machine_cfg = machine_is_valid_cfg(configuration) ? configuration : CUSTOM_CONFIGURATION;
     if (active_machine_cfg != 0) machine_change_cfg(machine_cfg[active_machine_cfg], 1);
     tape_init();
-    ym2149_reset();
+    for (uint32_t reg = 0; reg < SOUND_REGISTERS; ++reg) ym2149_write_register(reg, 0);
+    ym2149_reset(); // leaves the registers as they are
+    printer_reset();
     z80_state.t_count = 1;
     trap_handle(UNSERVED_TRAP); // the first one of the run follows no other
     z80_state.t_count = 0;

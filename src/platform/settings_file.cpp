@@ -77,15 +77,6 @@ std::optional<uint32_t> number_in(const toml::table& table, const std::string& n
     return uint32_t(value->get());
 }
 
-std::optional<std::string> text_in(const toml::table& table, const std::string& name) {
-    const toml::node* node = table.get(name);
-    if (!node) return {};
-    if (const auto* plain = node->as_string()) return plain->get();
-    const toml::table* coded = node->as_table();
-    const toml::node* bytes = coded ? coded->get(BYTES_KEY) : nullptr;
-    return bytes && bytes->is_string() ? from_hex(bytes->as_string()->get()) : std::nullopt;
-}
-
 void put_text(toml::table& table, const std::string& name, const std::string& value) {
     if (is_utf8(value)) {
         table.insert_or_assign(name, value);
@@ -96,41 +87,42 @@ void put_text(toml::table& table, const std::string& name, const std::string& va
     table.insert_or_assign(name, std::move(coded));
 }
 
-/// The quotes that `text` begins with, or nothing.
-std::string_view quotes_of(std::string_view text) {
-    for (const std::string_view quotes : {"\"\"\"", "'''", "\"", "'"}) {
-        if (text.starts_with(quotes)) return quotes;
+// Where the library looks for white space, it takes some characters outside of ASCII for
+// impossible, with no telling what it does then. So it gets to see none: a mark and two hexadecimal
+// digits stand for each of their bytes. The mark begins nothing in TOML, and is right in texts and
+// comments only.
+
+/// One that stands in neither.
+std::string free_mark(std::string_view text, std::string_view addition) {
+    for (int n = 0;; ++n) {
+        std::string mark = "$" + std::to_string(n) + "$";
+        if (text.find(mark) == text.npos && addition.find(mark) == addition.npos) return mark;
     }
-    return {};
 }
 
-/// Where a character outside ASCII stands in no text and no comment, or npos. Looking for white
-/// space, the library takes some of them for impossible, with no telling what it does then; it also
-/// looks behind a backslash in a text of several lines.
-size_t stray_character(std::string_view toml) {
-    constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";
-    const auto is_ascii = [](char c) { return uint8_t(c) < 0x80; };
-    std::string_view quotes; // of the text around `at`
-    size_t at = toml.starts_with(BYTE_ORDER_MARK) ? BYTE_ORDER_MARK.size() : 0;
-    while (at < toml.size()) {
-        const std::string_view rest = toml.substr(at);
-        const bool of_lines = quotes.size() > 1;
-        if (quotes.empty()) {
-            if (!is_ascii(rest[0])) return at;
-            quotes = quotes_of(rest);
-            at = rest[0] == '#' ? toml.find('\n', at) : at + std::max<size_t>(quotes.size(), 1);
-        } else if (rest[0] == '\\' && quotes[0] == '"') {
-            const size_t next = rest.find_first_not_of(" \t\r\n", 1);
-            if (of_lines && next < rest.size() && !is_ascii(rest[next])) return at + next;
-            at += 2;
-        } else if (rest.starts_with(quotes) || (rest[0] == '\n' && !of_lines)) {
-            at += std::min(quotes.size(), rest.size());
-            quotes = {};
+std::string hide_bytes(std::string_view text, const std::string& mark) {
+    std::string hidden;
+    for (const char& c : text) {
+        if (uint8_t(c) < 0x80) {
+            hidden += c;
         } else {
-            ++at;
+            hidden += mark + to_hex({&c, 1});
         }
     }
-    return std::string_view::npos;
+    return hidden;
+}
+
+std::string show_bytes(std::string_view hidden, const std::string& mark) {
+    std::string text;
+    size_t at = hidden.find(mark);
+    while (at != std::string_view::npos) {
+        const std::string_view digits = hidden.substr(at + mark.size(), 2);
+        text += hidden.substr(0, at);
+        text += from_hex(digits).value_or("");
+        hidden.remove_prefix(at + mark.size() + digits.size());
+        at = hidden.find(mark);
+    }
+    return text.append(hidden);
 }
 
 /// What stands in the file. A missing file is an empty table.
@@ -138,19 +130,25 @@ struct Contents {
     enum class State { good, missing, unreadable, damaged };
     State state = State::unreadable;
     toml::table table;
+    std::string mark; ///< of hidden bytes in the table
     std::string damage;
 };
 
-Contents parse(const std::string& text) {
+std::optional<std::string> text_in(const Contents& contents, const std::string& name) {
+    const toml::node* node = contents.table.get(name);
+    if (!node) return {};
+    if (const auto* plain = node->as_string()) return show_bytes(plain->get(), contents.mark);
+    const toml::table* coded = node->as_table();
+    const toml::node* bytes = coded ? coded->get(BYTES_KEY) : nullptr;
+    return bytes && bytes->is_string() ? from_hex(bytes->as_string()->get()) : std::nullopt;
+}
+
+Contents parse(std::string_view text, std::string_view addition) {
+    constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";
+    if (text.starts_with(BYTE_ORDER_MARK)) text.remove_prefix(BYTE_ORDER_MARK.size());
     Contents contents;
-    const size_t stray = stray_character(text);
-    if (stray != std::string::npos) {
-        const auto lines = std::count(text.begin(), text.begin() + ptrdiff_t(stray), '\n');
-        contents.state = Contents::State::damaged;
-        contents.damage = "line " + std::to_string(lines + 1) + ": a character outside of ASCII";
-        return contents;
-    }
-    toml::parse_result parsed = toml::parse(text);
+    contents.mark = free_mark(text, addition);
+    toml::parse_result parsed = toml::parse(hide_bytes(text, contents.mark));
     if (parsed) {
         contents.state = Contents::State::good;
         contents.table = std::move(parsed).table();
@@ -162,12 +160,18 @@ Contents parse(const std::string& text) {
     return contents;
 }
 
-Contents load(const std::string& path) {
-    if (const auto bytes = read_whole_file(path)) return parse({bytes->begin(), bytes->end()});
+/// `addition` may become part of the contents.
+Contents load(const std::string& path, std::string_view addition = {}) {
+    if (const auto bytes = read_whole_file(path)) {
+        return parse({reinterpret_cast<const char*>(bytes->data()), bytes->size()}, addition);
+    }
     Contents contents;
     std::error_code error;
     const auto type = std::filesystem::status(path, error).type();
-    if (type == std::filesystem::file_type::not_found) contents.state = Contents::State::missing;
+    if (type == std::filesystem::file_type::not_found) {
+        contents.state = Contents::State::missing;
+        contents.mark = free_mark({}, addition);
+    }
     return contents;
 }
 
@@ -197,12 +201,12 @@ private:
 };
 
 /// Replaces the file at one stroke. Under the lock.
-bool store(const std::string& path, const toml::table& table) {
+bool store(const std::string& path, const Contents& contents) {
     std::ostringstream text;
-    text << toml::toml_formatter(table, toml::format_flags::allow_unicode_strings |
-                                            toml::format_flags::indentation)
+    text << toml::toml_formatter(contents.table, toml::format_flags::allow_unicode_strings |
+                                                     toml::format_flags::indentation)
          << '\n';
-    const std::string bytes = text.str();
+    const std::string bytes = show_bytes(text.str(), contents.mark);
     return replace_whole_file(path, {reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()});
 }
 
@@ -216,13 +220,14 @@ std::string put_aside(const std::string& path) {
     return std::rename(path.c_str(), name.c_str()) == 0 ? name : std::string();
 }
 
-/// Changes the file, which is created when it is missing. A damaged one is put aside and complained
-/// about.
+/// Changes the file, which is created when it is missing, to one that may have `addition` in it. A
+/// damaged one is put aside and complained about.
 template <typename Change>
-bool update(const std::string& path, std::string& complaint, Change change) {
+bool update(const std::string& path, std::string& complaint, std::string_view addition,
+            Change change) {
     const Lock lock(path);
     if (!lock.held()) return false;
-    Contents contents = load(path);
+    Contents contents = load(path, addition);
     if (contents.state == Contents::State::unreadable) return false;
     if (contents.state == Contents::State::damaged) {
         const std::string aside = put_aside(path);
@@ -230,8 +235,8 @@ bool update(const std::string& path, std::string& complaint, Change change) {
         complaint = "The settings in \"" + path + "\" are damaged (" + contents.damage +
                     "). The file was kept as \"" + aside + "\"; the defaults are used.";
     }
-    const bool changed = change(contents.table);
-    return contents.state == Contents::State::good && !changed ? true : store(path, contents.table);
+    const bool changed = change(contents);
+    return contents.state == Contents::State::good && !changed ? true : store(path, contents);
 }
 
 } // namespace
@@ -245,7 +250,7 @@ SettingsFile::SettingsFile(std::string path) : path_(std::move(path)) {
 
 bool SettingsFile::open() {
     open_ = load(path_).state == Contents::State::good ||
-            update(path_, complaint_, [](toml::table&) { return false; });
+            update(path_, complaint_, {}, [](Contents&) { return false; });
     return open_;
 }
 
@@ -257,21 +262,21 @@ std::optional<uint32_t> SettingsFile::number(const std::string& name) {
 }
 
 std::optional<std::string> SettingsFile::text(const std::string& name) {
-    return text_in(load(path_).table, name);
+    return text_in(load(path_), name);
 }
 
 bool SettingsFile::set_number(const std::string& name, uint32_t value) {
-    return open_ && update(path_, complaint_, [&](toml::table& table) {
-               if (number_in(table, name) == value) return false;
-               table.insert_or_assign(name, int64_t{value});
+    return open_ && update(path_, complaint_, {}, [&](Contents& contents) {
+               if (number_in(contents.table, name) == value) return false;
+               contents.table.insert_or_assign(name, int64_t{value});
                return true;
            });
 }
 
 bool SettingsFile::set_text(const std::string& name, const std::string& value) {
-    return open_ && update(path_, complaint_, [&](toml::table& table) {
-               if (text_in(table, name) == value) return false;
-               put_text(table, name, value);
+    return open_ && update(path_, complaint_, value, [&](Contents& contents) {
+               if (text_in(contents, name) == value) return false;
+               put_text(contents.table, name, value);
                return true;
            });
 }

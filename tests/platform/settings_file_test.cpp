@@ -44,10 +44,10 @@ TEST_F(SettingsFileTest, NumbersAndTextsByNameAndTypeFromAFileWrittenByHand) {
         "Top = 4294967295\nAbove = 4294967296\nBelow = -1\nFlag = true\nReal = 1.0\n"
         "Text = \"caf\\u00e9 \\\"\\\\\"\nBytes = { bytes = \"00ff41\" }\nOdd = { bytes = \"0\" }\n"
         "Digits = { bytes = \"g0\" }\nList = [1]\n# \xC8\x9C \"\nLiteral = '\xC8\x9C\\'\n"
-        "Lines = '''\n\xC8\x9C'''\n");
+        "Lines = '''\n\xC8\x9C'''\nFolded = \"\"\"\\\n \xC8\x9C\"\"\"\n");
     SettingsFile store = opened();
     EXPECT_EQ(store.text("Literal"), "\xC8\x9C\\");
-    EXPECT_EQ(store.text("Lines"), "\xC8\x9C");
+    for (const char* lines : {"Lines", "Folded"}) EXPECT_EQ(store.text(lines), "\xC8\x9C");
     EXPECT_EQ(store.number("Top"), 0xFFFFFFFF);
     EXPECT_EQ(store.text("Text"), "caf\xC3\xA9 \"\\");
     EXPECT_EQ(store.text("Bytes"), std::string("\0\xFF\x41", 3));
@@ -60,6 +60,7 @@ TEST_F(SettingsFileTest, NumbersAndTextsByNameAndTypeFromAFileWrittenByHand) {
     ASSERT_TRUE(store.set_number("Above", 0));
     EXPECT_EQ(opened().text("Flag"), "C:\\a'\"b");
     EXPECT_EQ(opened().number("Above"), 0U);
+    EXPECT_EQ(opened().text("Literal"), "\xC8\x9C\\");
     for (const char* kept : {"Below = -1\n", "Real = 1.0\n", "List = [", "Top = 4294967295\n"})
         EXPECT_NE(read_text(path).find(kept), std::string::npos) << kept;
 
@@ -70,7 +71,8 @@ TEST_F(SettingsFileTest, NumbersAndTextsByNameAndTypeFromAFileWrittenByHand) {
 }
 
 TEST_F(SettingsFileTest, EveryTextComesBack) {
-    std::vector<std::string> texts = {"", std::string(5000, 'x'), "\r\n\t", "'''\"\"\"", "\\u0041"};
+    std::vector<std::string> texts = {
+        "", std::string(5000, 'x'), "\r\n\t", "'''\"\"\"", "\\u0041", "$0$41", "$1$ \xC3\xA9 $0$"};
     for (int byte = 0; byte < 256; ++byte) texts.push_back("/" + std::string(1, char(byte)));
     for (const char lead :
          std::string_view("\xBF\xC0\xC1\xC2\xDF\xE0\xE1\xEC\xED\xEF\xF0\xF1\xF4\xF5"))
@@ -97,7 +99,7 @@ TEST_F(SettingsFileTest, ADamagedFileIsPutAsideAndToldOnce) {
     // U+021C is one of the letters that the library asks about and does not know.
     for (const std::string damage : {"Sound = \n", "A = 1\nA = 2\n", "\xFF\xFE", "T = \"un", "[[[A",
                                      "A = 4\xC8\x9C", "\xC8\x9C = 1\n", "T = '''a''' \xC8\x9C",
-                                     "T = \"a\\\\\" \xC8\x9C", "T = \"\"\"\\\n \xC8\x9C\"\"\""}) {
+                                     "T = \"a\\\\\" \xC8\x9C", "A = 4\"\"\"*\xC8\x9C"}) {
         write_text(path, damage);
         SettingsFile store(path);
         ASSERT_TRUE(store.open()) << damage;
