@@ -123,8 +123,11 @@ void fresh_machine(uint32_t configuration) {
     for (uint32_t reg = 0; reg < SOUND_REGISTERS; ++reg) ym2149_write_register(reg, 0);
     ym2149_reset(); // leaves the registers as they are
     printer_reset();
-    z80_state.t_count = 1;
-    trap_handle(UNSERVED_TRAP); // the first one of the run follows no other
+    // The first trap of the run follows none at the same time, and neither do these.
+    for (const int64_t before : {-2, -1}) {
+        z80_state.t_count = before;
+        trap_handle(UNSERVED_TRAP);
+    }
     z80_state.t_count = 0;
     sound_update(0);
 }
