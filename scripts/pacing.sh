@@ -77,5 +77,5 @@ row "sound later than 50 ms" "$late" "" 0 0
 row "processor time" "$(of_core "$used" "$used_last" "$then" "$last")" % 0 15
 row "processor time while paused" "$paused_load" % 0 1
 sed 1d device.log
-if [[ $stolen != 0 ]]; then echo "  the host stood still for $stolen s in all, which may be why"; fi
+if [[ $gaps != 0 ]]; then echo "  a virtual host stood still for $stolen s in all, which may be why"; fi
 exit "$problems"
