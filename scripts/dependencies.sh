@@ -3,7 +3,8 @@
 # usage: scripts/dependencies.sh run|test|package|pictures
 set -euo pipefail
 
-run_packages=(g++ cmake ninja-build pasmo pkg-config libtomlplusplus-dev qt6-base-dev libgl-dev
+# The compiler's optimisation across files goes serially, with a warning, without make.
+run_packages=(g++ make cmake ninja-build pasmo pkg-config libtomlplusplus-dev qt6-base-dev libgl-dev
               libxkbcommon-dev libxkbcommon-x11-dev libxcb1-dev libxcb-xkb-dev libsdl2-dev)
 test_packages=(libgtest-dev libgif-dev libbenchmark-dev libz80ex-dev clang libclang-rt-dev
                clang-format clang-tidy python3 xvfb xdotool x11-xkb-utils x11-utils appstream
