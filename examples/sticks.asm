@@ -428,18 +428,7 @@ key_up: ld      (line_colour),a
 
         include "text_screen.asm"
 
-draw_labels:
-        ld      hl,label_places
-next_label:
-        ld      e,(hl)
-        inc     hl
-        ld      d,(hl)
-        inc     hl
-        ld      a,d
-        or      e
-        ret     z
-        call    print
-        jr      next_label
+        include "labels.asm"
 
 label_places:
         dw      SCREEN+6

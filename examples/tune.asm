@@ -63,6 +63,7 @@ start:  di
         call    clear
         call    define_characters
         call    draw_labels
+        call    colour_levels
         call    silence
 
 tick:   call    delay

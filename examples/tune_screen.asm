@@ -9,18 +9,7 @@ define_characters:
         ldir
         ret
 
-draw_labels:
-        ld      hl,label_places
-next_label:
-        ld      e,(hl)
-        inc     hl
-        ld      d,(hl)
-        inc     hl
-        ld      a,d
-        or      e
-        jr      z,colour_levels
-        call    print
-        jr      next_label
+        include "labels.asm"
 
 ; The levels warn towards their end.
 colour_levels:

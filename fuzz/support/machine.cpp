@@ -111,10 +111,9 @@ void fresh_machine(uint32_t configuration) {
     leftover = 0;
 
     z80_state = {};
+    crtc = {};
     machine_init();
     clear_sector_buffer();
-    crtc = {};
-    crtc_reset();
     std::ranges::fill(ports, uint8_t(0));
     z80_out(0xFF, 0);
     active_machine_cfg = machine_is_valid_cfg(configuration) ? configuration : CUSTOM_CONFIGURATION;

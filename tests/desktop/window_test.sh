@@ -51,7 +51,6 @@ grep -q 'GiantScreen = 1' config/tarvelin/settings.toml || fail "the settings we
 # A signal does not wait for the user to leave a dialog.
 start_program
 xdotool key alt+q
-becomes "the configuration" "Machine configuration" \
-    bash -c 'xdotool getwindowname "$(xdotool getactivewindow)" 2>/dev/null'
+find_window 'Machine configuration' >/dev/null
 kill "$program_pid"
 wait "$program_pid" || fail "the exit code after a signal is $?"
