@@ -1,6 +1,6 @@
 /// Picks the platform and starts the shell.
 
-#include "host/screenshot.h"
+#include "host/messages.h"
 #include "host/shell.h"
 #include "host/video_codec.h"
 #include "platform/headless/headless.h"
@@ -150,7 +150,7 @@ int run_headless(const Options& options) {
     answer_video_compression(host.settings().text("VideoCodec").value_or("uncompressed"));
     breakpoint_opens_monitor = false;
     const int exit_code = run_shell(options.arguments);
-    return exit_code == 0 && screenshot_failed ? 1 : exit_code;
+    return exit_code == 0 && failure_was_reported() ? 1 : exit_code;
 }
 
 int run_desktop(const Options& options, int& argc, char** argv) {

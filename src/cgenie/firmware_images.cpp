@@ -29,6 +29,14 @@ std::array<Image, FIRMWARE_IMAGES> images = {{
     {"charset-emulator.rom", firmware_charset_emulator, {}},
 }};
 
+bool refuse(const std::filesystem::path& path, const std::string& reason) {
+    report({.text = "The built-in firmware is used.",
+            .file = path.string(),
+            .reason = reason,
+            .severity = Severity::warning});
+    return false;
+}
+
 /// Takes the file as the image's replacement. A missing file is no news.
 bool load_user_image(Image& image, const std::filesystem::path& path) {
     std::error_code error;
@@ -36,16 +44,13 @@ bool load_user_image(Image& image, const std::filesystem::path& path) {
     const size_t needed = image.built_in.size();
     const auto found = std::filesystem::file_size(path, error);
     if (!error && found != needed) {
-        host_warning("%s: %ju bytes found, %zu bytes needed; the built-in firmware is used.",
-                     path.c_str(), uintmax_t(found), needed);
-        return false;
+        return refuse(path, std::to_string(found) + " bytes found, " + std::to_string(needed) +
+                                " bytes needed");
     }
     std::vector<uint8_t> bytes(needed);
     const FileHandle file = open_file(path.c_str(), "rb");
     if (!file || std::fread(bytes.data(), 1, needed, file.get()) != needed) {
-        host_warning("%s: cannot be read (%s); the built-in firmware is used.", path.c_str(),
-                     std::strerror(errno));
-        return false;
+        return refuse(path, std::string("cannot be read (") + std::strerror(errno) + ")");
     }
     image.user = std::move(bytes);
     return true;

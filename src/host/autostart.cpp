@@ -5,6 +5,7 @@
 #include "core/frame_driver.h"
 #include "core/machine.h"
 #include "host/commands.h"
+#include "host/disks.h"
 #include "media/cmd_loader.h"
 #include "media/snapshot.h"
 #include "media/tape.h"
@@ -153,7 +154,7 @@ void autostart_file(const std::string& given) {
     last_file_name = has_extension ? path.substr(0, point) : std::string();
 
     const std::string problem = has_extension ? start_problem(path) : file_problem(path);
-    if (!problem.empty()) return StatusBarText("%s", problem.c_str());
+    if (!problem.empty()) return report({.text = problem});
     const Loader* loader = loader_of(path);
     if (loader && !loader->start(path)) return;
     StatusBarText("Autoloaded: %s", path.c_str());

@@ -29,10 +29,6 @@ bitmap_header AVIBitmapHeader;
 std::vector<uint8_t> AVIPalette;
 std::vector<uint8_t> AVIFrameBuffer; ///< bottom row first
 
-void tell(const char* text, const std::string& title = "Error") {
-    platform().dialogs().message(title, text, MessageIcon::warning);
-}
-
 /// Opens a file for writing without touching what is in it: the user may still cancel. Nothing for
 /// what cannot be written anywhere but at its end.
 FileHandle open_for_rewriting(const std::string& path) {
@@ -66,18 +62,13 @@ bool create_streams(FileHandle file, bool with_sound) {
     return s_psCodec && pfOutput.open(std::move(file), s_psCodec->format, with_sound);
 }
 
-/// Shows the message with the sound stopped, as long as it takes.
 void end_capture(const char* reason) {
     const std::string text = avi_path + ": " + reason + "; the video ends after " +
                              std::to_string(s_dwVideoFrame) + " frames.";
     Video_CloseOutput();
     g_bRecordingVideo = 0;
     check_menu_item(COMMAND_SAVE_VIDEO, false);
-    StatusBarText("%s", text.c_str());
-    sound_pause();
-    tell(text.c_str());
-    if (g_bActive) sound_resume();
-    reset_timer();
+    report({.text = text});
 }
 
 } // namespace
@@ -109,13 +100,13 @@ int Video_OpenOutput(const std::string& path, const uint16_t* sound_buffer) {
     if (pfOutput.is_open()) Video_CloseOutput();
     FileHandle file = open_for_rewriting(path);
     if (!file) {
-        tell("Could not open file stream!", path);
+        report({.text = "Could not open file stream!", .title = path});
         return 0;
     }
     if (!create_streams(std::move(file), sound_buffer != nullptr)) {
         s_psCodec.reset();
         remove_when_empty(path);
-        tell("Could not create video stream!");
+        report({.text = "Could not create video stream!", .title = "Error"});
         return 0;
     }
     AVISoundBuffer = sound_buffer;

@@ -1,6 +1,7 @@
 #include "host/dialogs.h"
 #include "monitor/monitor.h"
 #include "platform/platform.h"
+#include "platform/report.h"
 #include "z80/z80.h"
 
 #include <charconv>
@@ -39,8 +40,9 @@ std::optional<uint16_t> address_in(const std::string& text) {
 
 void refuse_bad_address(Form& form, const FormEvent& event) {
     if (event.control != BREAKPOINT_OK || address_in(form.text(BREAKPOINT_EDIT))) return;
-    platform().dialogs().message(TITLE, "An address has one to four hexadecimal digits.",
-                                 MessageIcon::error);
+    report({.text = "An address has one to four hexadecimal digits.",
+            .title = TITLE,
+            .icon = MessageIcon::error});
 }
 
 /// The address of an armed breakpoint stays armed.

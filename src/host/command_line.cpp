@@ -5,6 +5,7 @@
 #include "core/machine.h"
 #include "host/autostart.h"
 #include "host/commands.h"
+#include "host/disks.h"
 #include "host/display.h"
 #include "host/shell.h"
 #include "z80/z80.h"

@@ -9,8 +9,10 @@
 #include "host/avi.h"
 #include "host/canvas.h"
 #include "host/dialogs.h"
+#include "host/disks.h"
 #include "host/display.h"
 #include "host/menu.h"
+#include "host/messages.h"
 #include "host/screenshot.h"
 #include "host/shell.h"
 #include "host/status.h"
@@ -37,7 +39,6 @@ namespace {
 
 constexpr int TAPE_SAMPLE_RATE = 44100; ///< Hz, of a new tape recording
 constexpr uint32_t RESTART_WAIT = 500;  ///< ms
-constexpr uint32_t KILOBYTE = 1024;
 constexpr uint32_t BLUR_LEVEL = 66;
 constexpr int CAPTURE_RUNS = 2; ///< value of g_bRecordingVideo
 
@@ -176,14 +177,14 @@ void save_gif(const std::string& path) {
     if (gif_write_as(path, canvas)) return;
     std::string text = "Error saving in GIF format.";
     if (canvas.header.bits != 8) text += "\rNon 8-bit display can not be saved as GIF.";
-    platform().dialogs().message("Error!", text, MessageIcon::error);
+    report({.text = text, .file = path, .title = "Error!", .icon = MessageIcon::error});
 }
 
 void save_screenshot_as(const std::string& path) {
     if (lower_case_extension(path) == "gif") {
         save_gif(path);
     } else if (!dib_save_to_file(canvas, path)) {
-        StatusBarText("%s: cannot be written", path.c_str());
+        report({.text = path + ": cannot be written"});
     }
     save_video_ram_when_wanted();
 }
@@ -246,7 +247,7 @@ void attach_wav(const std::string& path) {
 
 void create_wav(const std::string& path) {
     if (tape_create_wav(path, TAPE_SAMPLE_RATE)) return;
-    StatusBarText("%s: cannot be written", path.c_str());
+    report({.text = path + ": cannot be written"});
 }
 
 void play_or_record() {
@@ -274,15 +275,15 @@ void save_memory_as_cas(const std::string& path) {
 
 void load_snapshot(const std::string& path) {
     const std::string problem = file_problem(path);
-    if (!problem.empty()) return StatusBarText("%s", problem.c_str());
+    if (!problem.empty()) return report({.text = problem});
     if (!snapshot_load(path.c_str(), memory_get_ram())) {
-        StatusBarText("%s: is not a snapshot", path.c_str());
+        report({.text = path + ": is not a snapshot"});
     }
 }
 
 void save_snapshot(const std::string& path) {
     if (!snapshot_save(path.c_str(), memory_get_ram())) {
-        StatusBarText("%s: cannot be written", path.c_str());
+        report({.text = path + ": cannot be written"});
     }
 }
 
@@ -291,12 +292,6 @@ void save_snapshot(const std::string& path) {
 void select_disk(unsigned drive) {
     std::string path;
     if (ui_select_file(DIALOG_ATTACH_DISK, &path)) main_disk_image_attach(drive, path);
-}
-
-std::string drive_text(unsigned drive, const std::string& content) {
-    std::string text = "Drive :&" + std::to_string(drive) + " - ";
-    for (const char c : content) text.append(c == '&' ? 2 : 1, c); // alone it marks an access key
-    return text;
 }
 
 // ---- the table ---------------------------------------------------------------------------------
@@ -308,6 +303,7 @@ struct CommandEntry {
 
 constexpr auto commands = std::to_array<CommandEntry>({
     {COMMAND_ABOUT, ui_about_dialog},
+    {COMMAND_MESSAGES, ui_messages},
     {COMMAND_PAUSE, pause_machine},
     {COMMAND_RESET, machine_reset},
     {COMMAND_50HZ_TIMER, toggle_50hz_timer},
@@ -372,48 +368,18 @@ void handle_command(int id) {
     }
     const auto* command = std::ranges::find(commands, id, &CommandEntry::id);
     if (command == commands.end()) return;
+    const UserCommand failures_open_a_box;
     sound_pause();
     command->run();
     if (g_bActive) sound_resume();
     reset_timer();
 }
 
-void tell_bad_image(const std::string& path) {
-    StatusBarText("Error opening image: %s", path.c_str());
-}
-
-void main_disk_image_attach(unsigned drive, const std::string& path) {
-    if (path.empty() || drive >= DISK_DRIVES) return;
-    disk_image& disk = wd1771_disk(drive);
-    if (diskimg_inserted(disk)) main_disk_image_detach(drive);
-    if (!diskimg_attach(disk, path)) return StatusBarText("Unsupported disk image.\n");
-    wd1771_reset();
-    StatusBarText("Disk: %u side(s), %u tracks, %u sectors, %u kb.", disk.side_value + 1,
-                  disk.tracks, disk.sectors, disk.size / KILOBYTE);
-    modify_menu_text(COMMAND_ATTACH_DISK + int(drive), drive_text(drive, path));
-}
-
-void main_disk_image_detach(unsigned drive) {
-    if (drive >= DISK_DRIVES) return;
-    disk_image& disk = wd1771_disk(drive);
-    const bool save =
-        disk.modified &&
-        platform().dialogs().question("Warning", "Disk content in drive :" + std::to_string(drive) +
-                                                     " has changed. Do you want to save your "
-                                                     "changes?");
-    const int written = diskimg_detach(disk, save);
-    modify_menu_text(COMMAND_ATTACH_DISK + int(drive), drive_text(drive, "<no disk>"));
-    if (written) StatusBarText("Disk detached from drive #%u", drive);
-}
-
-void main_disk_image_detach_all() {
-    for (unsigned drive = 0; drive < DISK_DRIVES; ++drive) main_disk_image_detach(drive);
-    StatusBarText("All disks detached.");
-}
+void tell_bad_image(const std::string& path) { report({.text = "Error opening image: " + path}); }
 
 void main_load_bas_file(const std::string& path) {
     const std::string problem = file_problem(path);
-    if (!problem.empty()) return StatusBarText("%s", problem.c_str());
+    if (!problem.empty()) return report({.text = problem});
     if (!is_tokenized_bas(path)) {
         if (keyboard_open_bas_file(path)) memory_place_bas_trap();
         return;
@@ -424,7 +390,7 @@ void main_load_bas_file(const std::string& path) {
 }
 
 void start_sound_recording(const std::string& path) {
-    if (!sound_create_wav(path)) return StatusBarText("%s: cannot be written", path.c_str());
+    if (!sound_create_wav(path)) return report({.text = path + ": cannot be written"});
     check_menu_item(COMMAND_SAVE_WAV, true);
 }
 
@@ -437,7 +403,7 @@ int video_save_to_avi(bool ask, std::string* name) {
     }
     if (ask && !ui_select_file(DIALOG_SAVE_VIDEO, name)) return 0;
     if (!Video_CreateBitmap()) {
-        StatusBarText("AVI: an error occured.");
+        report({.text = "AVI: an error occured."});
         check_menu_item(COMMAND_SAVE_VIDEO, false);
         return 0;
     }

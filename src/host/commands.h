@@ -8,12 +8,6 @@ void handle_command(int id);
 /// A key-down that no accelerator took.
 void handle_key(const Event& event);
 
-// Disk images of the drives 0 to 3, with the menu's texts and the question whether to save.
-// Taking a disk out asks whether to keep its changes; putting one in takes out the one before.
-// Other drives, and an empty path, do nothing. The status bar tells what came of it.
-void main_disk_image_attach(unsigned drive, const std::string& path);
-void main_disk_image_detach(unsigned drive);
-void main_disk_image_detach_all();
 /// Tokenized BASIC becomes a cassette that CLOAD is typed for; text is typed in.
 void main_load_bas_file(const std::string& path);
 /// Says in the status bar that a tape could not be put in.

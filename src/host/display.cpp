@@ -97,7 +97,7 @@ bool InitSurfaces() {
         return true;
     }
     ReleaseAllObjects();
-    platform().dialogs().message("Error", failure, MessageIcon::error);
+    report({.text = failure, .title = "Error", .icon = MessageIcon::error});
     return false;
 }
 

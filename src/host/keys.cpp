@@ -47,7 +47,8 @@ void ask_for_breakpoint() {
 
 void dump_disassembly() {
     std::error_code error;
-    if (!fulldisasm(DISASSEMBLY)) return StatusBarText("%s: cannot be written", DISASSEMBLY);
+    if (!fulldisasm(DISASSEMBLY))
+        return report({.text = std::string(DISASSEMBLY) + ": cannot be written"});
     StatusBarText("Disassembly dump to: %s", fs::current_path(error).c_str());
 }
 

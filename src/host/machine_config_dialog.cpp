@@ -210,8 +210,8 @@ void browse(Form& form, const RomChoice& rom) {
     std::string path;
     if (!ui_select_file(DIALOG_SELECT_ROM, &path)) return;
     if (path.size() > LONGEST_TEXT) {
-        return host_warning("%s: the path is longer than %d characters", path.c_str(),
-                            LONGEST_TEXT);
+        return report({.text = path + ": the path is longer than " + std::to_string(LONGEST_TEXT) +
+                               " characters"});
     }
     form.set_text(rom.path, path);
 }

@@ -150,7 +150,8 @@ constexpr auto accelerator_chords = chords_of_accelerators();
 
 std::vector<MenuEntry> main_menu() {
     return {file_menu(), machine_menu(), tape_menu(), options_menu(),
-            submenu("&Help", {item(COMMAND_ABOUT, "&About...")})};
+            submenu("&Help",
+                    {item(COMMAND_ABOUT, "&About..."), item(COMMAND_MESSAGES, "&Messages...")})};
 }
 
 void create_menu() {

@@ -56,7 +56,8 @@ enum Command : int {
     COMMAND_SAVE_WAV = 40120,
     COMMAND_ADJUST_HEAD = 40121,
     COMMAND_BACKGROUND = 40122,
-    COMMAND_SAVE_VIDEO_RAM = 40123
+    COMMAND_SAVE_VIDEO_RAM = 40123,
+    COMMAND_MESSAGES = 40130
 };
 
 /// The menu as the program starts with it.

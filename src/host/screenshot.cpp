@@ -13,7 +13,6 @@
 #include <cstring>
 
 bool save_video_ram_w_screenshot = false;
-bool screenshot_failed = false;
 
 namespace {
 constexpr size_t GIF_COLOURS = 256;
@@ -86,8 +85,7 @@ void host_save_screenshot() {
     const int written = canvas.header.bits == 8 ? gif_write(canvas, last_file_name)
                                                 : dib_save(canvas, last_file_name);
     if (!written) {
-        screenshot_failed = true;
-        host_warning("the screenshot cannot be written: %s", std::strerror(errno));
+        report({.text = std::string("the screenshot cannot be written: ") + std::strerror(errno)});
     }
     save_video_ram_when_wanted();
 }

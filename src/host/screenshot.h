@@ -7,8 +7,6 @@
 
 /// Every screenshot is followed by a dump of the screen memory.
 extern bool save_video_ram_w_screenshot;
-/// A timed screenshot could not be written.
-extern bool screenshot_failed;
 
 /// The first name of base0000.ext, base0001.ext, ... that cannot be opened for reading. An empty
 /// base stands for "Tarvelin".

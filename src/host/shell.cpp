@@ -13,8 +13,10 @@
 #include "host/canvas.h"
 #include "host/commands.h"
 #include "host/dialogs.h"
+#include "host/disks.h"
 #include "host/display.h"
 #include "host/menu.h"
+#include "host/messages.h"
 #include "host/prefs.h"
 #include "host/screenshot.h"
 #include "host/status.h"
@@ -213,9 +215,16 @@ void wheel_turned(int delta) {
 }
 
 void key_pressed(const Event& event) {
+    const UserCommand failures_open_a_box;
     const int command = accelerator_command(event.value, event.modifiers);
     if (command) return handle_command(command);
     handle_key(event);
+}
+
+void file_dropped(const std::string& path) {
+    const UserCommand failures_open_a_box;
+    autostart_file(path);
+    reset_timer();
 }
 
 void leave_menu() {
@@ -302,10 +311,7 @@ void WindowProcedure(const Event& event) {
     case Event::Kind::wheel: wheel_turned(event.value); break;
     case Event::Kind::menu_loop_enter: sound_pause(); break;
     case Event::Kind::menu_loop_exit: leave_menu(); break;
-    case Event::Kind::drop:
-        autostart_file(event.text);
-        reset_timer();
-        break;
+    case Event::Kind::drop: file_dropped(event.text); break;
     case Event::Kind::draw_status: led_redraw(1); break;
     case Event::Kind::none:
     case Event::Kind::quit: break;
@@ -331,12 +337,14 @@ int run_shell(const Arguments& arguments) {
     Window& window = platform().window();
     if (!window.create(WINDOW_TITLE)) return 0;
     create_menu();
+    hold_message_boxes();
     emu_init(arguments);
     window.show();
     const std::string complaint = platform().settings().complaint();
-    if (!complaint.empty()) host_warning("%s", complaint.c_str());
+    if (!complaint.empty()) report({.text = complaint, .severity = Severity::warning});
     const std::string problem = command_line_problem(arguments);
-    if (!problem.empty()) host_warning("%s", problem.c_str());
+    if (!problem.empty()) report({.text = problem});
+    show_held_message_boxes();
     reset_timer(); // the start is no time to catch up
     const int exit_code = run_message_loop();
     emu_close();

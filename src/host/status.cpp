@@ -10,8 +10,6 @@
 
 namespace {
 
-constexpr const char* PRODUCT_NAME = "Tarvelin";
-
 constexpr std::array RIGHT_EDGES = {80, 176, 224, -1};
 
 constexpr int LAMPS = 4;
@@ -37,11 +35,11 @@ std::string format_text(const char* format, va_list arguments) {
     return text;
 }
 
-void show_text(int part, const std::string& text) {
+void show_text(int part, const std::string& text, const std::string& tip) {
     StatusBar& bar = platform().status_bar();
     if (part == PART_LAMPS || !bar.exists()) return;
     bar.set_text(part, text);
-    bar.set_tip(part, text);
+    bar.set_tip(part, tip);
 }
 
 Rectangle lamp_rectangle(int lamp) {
@@ -92,17 +90,22 @@ void StatusBarRedraw() {
     if (platform().status_bar().exists()) platform().status_bar().redraw();
 }
 
+void show_status(const std::string& text, const std::string& details) {
+    show_text(PART_MESSAGES, text, details.empty() ? text : text + "\n" + details);
+}
+
 void StatusBarText(const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    show_text(PART_MESSAGES, format_text(format, arguments));
+    show_status(format_text(format, arguments), {});
     va_end(arguments);
 }
 
 void StatusBarPartText(int part, const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
-    show_text(part, format_text(format, arguments));
+    const std::string text = format_text(format, arguments);
+    show_text(part, text, text);
     va_end(arguments);
 }
 
@@ -112,16 +115,6 @@ void ui_set_window_title(const char* format, ...) {
     const std::string text = format_text(format, arguments);
     va_end(arguments);
     platform().window().set_title(std::string(PRODUCT_NAME) + " - " + text);
-}
-
-void host_warning(const char* format, ...) {
-    va_list arguments;
-    va_start(arguments, format);
-    const std::string text = format_text(format, arguments);
-    va_end(arguments);
-    std::fprintf(stderr, "tarvelin: %s\n", text.c_str());
-    StatusBarText("%s", text.c_str());
-    platform().dialogs().message(PRODUCT_NAME, text, MessageIcon::warning);
 }
 
 void led_update(int drive) {

@@ -1,10 +1,16 @@
 #pragma once
 /// The status bar: configuration, drive lamps, cassette, messages.
 
+#include <string>
+
+constexpr const char* PRODUCT_NAME = "Tarvelin";
+
 /// Creates the bar once, with its parts and lamps.
 void CreateStatusBar();
 /// Removes the bar; nothing is shown until it is created again.
 void DestroyStatusBar();
+/// The text of the messages' part, with more in its tool tip where `details` are not empty.
+void show_status(const std::string& text, const std::string& details);
 int StatusBarHeight(); ///< 0 without a bar
 /// Lays the bar out again after a change of the window's size.
 void StatusBarRedraw();

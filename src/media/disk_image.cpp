@@ -114,18 +114,13 @@ std::filesystem::path rescue_path(const std::string& path) {
     }
 }
 
-/// Told in the status bar, and in a box, since the program may be about to end.
-void tell(const std::string& text) {
-    StatusBarText("%s", text.c_str());
-    host_warning("%s", text.c_str());
-}
-
 int write_image(const disk_image& disk) {
     if (replace_whole_file(disk.path, disk.image)) return 1;
     const std::string rescue = rescue_path(disk.path).string();
     const bool rescued = replace_whole_file(rescue, disk.image);
-    tell(disk.path + " cannot be written. " +
-         (rescued ? "The disk is in " + rescue : rescue + " cannot either: the changes are lost"));
+    report({.text = disk.path + " cannot be written. " +
+                    (rescued ? "The disk is in " + rescue
+                             : rescue + " cannot either: the changes are lost")});
     return 0;
 }
 

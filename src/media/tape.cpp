@@ -83,9 +83,7 @@ FileHandle open_temporary_file() {
     return stream_of(descriptor, "w+b");
 }
 
-void tell_unwritable(const std::string& path) {
-    StatusBarText("%s: cannot be written", path.c_str());
-}
+void tell_unwritable(const std::string& path) { report({.text = path + ": cannot be written"}); }
 
 /// A saved tape survives a crash of the host from here on. Not every file system can promise it.
 void finish_saving() {
@@ -311,7 +309,7 @@ int tape_dump_cas(const std::string& path, const std::string& start, const std::
     const uint32_t first = hexadecimal(start);
     const uint32_t last = hexadecimal(end);
     if (last < first) {
-        StatusBarText("%s: not written, the end is below the start", path.c_str());
+        report({.text = path + ": not written, the end is below the start"});
         return 0;
     }
     std::string bytes(EXPORT_LEADER_SIZE, char(TAPE_LEADER));
@@ -327,6 +325,6 @@ int tape_dump_cas(const std::string& path, const std::string& start, const std::
         tell_unwritable(path);
         return 0;
     }
-    if (!named) StatusBarText("%s: is empty, since its path names no folder", path.c_str());
+    if (!named) report({.text = path + ": is empty, since its path names no folder"});
     return named ? 1 : 0;
 }

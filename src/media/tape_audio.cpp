@@ -108,7 +108,7 @@ bool write_pending() {
 }
 
 void tell_recording_failed(int error) {
-    StatusBarText("The tape recording has ended: %s", std::strerror(error));
+    report({.text = std::string("The tape recording has ended: ") + std::strerror(error)});
 }
 
 /// Takes the tape out, whichever it is.
@@ -234,7 +234,7 @@ int tape_open_wav(const std::string& path) {
     if (path.empty()) return 0;
     const std::string problem = wav_reader_open(wav, path);
     if (!problem.empty()) {
-        host_warning("%s cannot be played: %s.", path.c_str(), problem.c_str());
+        report({.text = path + " cannot be played: " + problem + "."});
         return 0;
     }
     tape_remove_traps();
@@ -252,9 +252,9 @@ int tape_create_wav(const std::string& path, int rate) {
     if (path.empty() || rate <= 0) return 0;
     recording.file = open_file(path, "wb");
     if (!recording.file || !write_header(uint32_t(rate))) {
-        const int error = errno;
+        const std::string reason = std::strerror(errno);
         recording = {};
-        host_warning("%s cannot be recorded: %s.", path.c_str(), std::strerror(error));
+        report({.text = path + " cannot be recorded: " + reason + "."});
         return 0;
     }
     tape_remove_traps();

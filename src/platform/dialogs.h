@@ -1,4 +1,6 @@
 #pragma once
+#include "platform/report.h"
+
 #include <optional>
 #include <string>
 #include <vector>
@@ -29,8 +31,6 @@ struct FileChoice {
     int filter_index = 0;
     std::vector<std::string> field_texts = {}; ///< in the order of the dialog's fields
 };
-
-enum class MessageIcon : unsigned char { none, information, warning, error };
 
 /// Modal dialogs of the main window.
 struct Dialogs {

@@ -19,9 +19,10 @@ enum class ControlKind : uint8_t {
     grid,    ///< the children are rows of controls, which stand below each other in columns
     group,   ///< a column in a frame with `text` on it
     // Controls.
-    label, ///< names the controls after it in its arrangement; its access key leads to the next
-    note,  ///< words that explain something, in as many lines as they need
-    radio, ///< all the radio buttons of a form exclude each other
+    label,     ///< names the controls after it in its arrangement; its access key leads to the next
+    note,      ///< words that explain something, in as many lines as they need
+    text_view, ///< lines to read, select and copy; it scrolls
+    radio,     ///< all the radio buttons of a form exclude each other
     check,
     list,  ///< one of `items`
     combo, ///< a text field that offers `items`

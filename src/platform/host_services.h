@@ -1,6 +1,8 @@
 #pragma once
 /// What the machine asks of the program around it. Implemented by the application shell.
 
+#include "platform/report.h"
+
 #include <string>
 
 /// Parts of the status bar.
@@ -14,8 +16,6 @@ enum StatusPart : int { PART_CONFIGURATION, PART_LAMPS, PART_CASSETTE, PART_MESS
 [[gnu::format(printf, 1, 2)]] void ui_set_window_title(const char* format, ...);
 /// Lights the lamp of `drive` (0 to 3); any other value lights none.
 void led_update(int drive);
-/// Tells the user about something that was refused, without stopping the machine.
-[[gnu::format(printf, 1, 2)]] void host_warning(const char* format, ...);
 /// Draws one frame into the canvas and presents it; 0 does nothing.
 void update_screen(int flag);
 /// Saves the canvas under the next free name after `last_file_name`, GIF or BMP by its depth, and

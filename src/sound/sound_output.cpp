@@ -1,6 +1,7 @@
 #include "sound/sound_output.h"
 
 #include "platform/platform.h"
+#include "platform/report.h"
 #include "sound/sound_core.h"
 
 #include <algorithm>
@@ -22,12 +23,12 @@ int32_t unknown_position() {
 
 /// The result of every step that fails.
 int failed(const char* text) {
-    platform().dialogs().message("Error", text, MessageIcon::error);
+    report({.text = text, .title = "Error", .icon = MessageIcon::error});
     return 0;
 }
 
 int library_missing() {
-    platform().dialogs().message("Fatal error!", "Missing DSOUND.DLL", MessageIcon::none);
+    report({.text = "Missing DSOUND.DLL", .title = "Fatal error!", .icon = MessageIcon::none});
     return 0;
 }
 

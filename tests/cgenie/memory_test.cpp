@@ -178,7 +178,7 @@ TEST_F(Memory, UserFirmwareOfTheRightSizeReplacesTheBuiltInOne) {
     };
     EXPECT_EQ(firmware_load_user_images("."), 0) << "an empty folder";
     EXPECT_EQ(firmware_load_user_images("missing"), 0);
-    EXPECT_TRUE(fake_host.warnings.empty()) << "a file that is not there is no news";
+    EXPECT_TRUE(fake_host.reports.empty()) << "a file that is not there is no news";
     const Bytes basic = in_use(FirmwareImage::basic_v1), disk = in_use(FirmwareImage::disk);
     const Bytes charset = in_use(FirmwareImage::charset_german);
 
@@ -199,11 +199,11 @@ TEST_F(Memory, UserFirmwareOfTheRightSizeReplacesTheBuiltInOne) {
         {"firmware/disk.rom", "100 ", "8192 "},
         {"firmware/charset-german.rom", "2049 ", "2048 "},
         {"firmware/charset-emulator.rom", " 0 ", "2048 "}};
-    ASSERT_EQ(fake_host.warnings.size(), words.size());
+    ASSERT_EQ(fake_host.reports.size(), words.size());
     for (size_t i = 0; i < words.size(); ++i) {
         for (const std::string& word : words[i]) {
-            EXPECT_NE(fake_host.warnings[i].find(word), std::string::npos)
-                << fake_host.warnings[i] << " lacks " << word;
+            EXPECT_NE(report_line(fake_host.reports[i]).find(word), std::string::npos)
+                << report_line(fake_host.reports[i]) << " lacks " << word;
         }
     }
     firmware_forget_user_images();

@@ -1,4 +1,5 @@
 #include "host/commands.h"
+#include "host/disks.h"
 
 #include "cgenie/hires_lowe.h"
 #include "cgenie/keyboard.h"
@@ -324,8 +325,9 @@ TEST_F(CommandsTest, SnapshotsAndScreenshots) {
     EXPECT_EQ(messages[0].title, "Error!");
     EXPECT_EQ(messages[0].icon, MessageIcon::error);
     EXPECT_EQ(messages[0].text,
-              "Error saving in GIF format.\rNon 8-bit display can not be saved as GIF.");
-    EXPECT_EQ(messages[1].text, "Error saving in GIF format.");
+              "Error saving in GIF format.\rNon 8-bit display can not be saved as GIF."
+              "\n\nshot.gif");
+    EXPECT_EQ(messages[1].text, "Error saving in GIF format.\n\nno/way.gif");
 }
 
 TEST_F(CommandsTest, MediaAreTakenOut) {

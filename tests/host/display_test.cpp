@@ -1,4 +1,5 @@
 #include "host/display.h"
+#include "host/messages.h"
 
 #include "cgenie/video.h"
 #include "core/frame_driver.h"
@@ -129,6 +130,7 @@ TEST_F(DisplayTest, WholeScreenAndBack) {
 
 TEST_F(DisplayTest, WithoutASurfaceTheWindowStillTakesTheScreen) {
     surface.failure = "CreateSurface (back) FAILED";
+    const UserCommand asked_for_by_the_user;
     toggle_full_screen();
     ASSERT_EQ(host.dialogs().messages.size(), 1U);
     EXPECT_EQ(host.dialogs().messages[0].title, "Error");

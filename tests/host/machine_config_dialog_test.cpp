@@ -220,7 +220,7 @@ TEST_F(MachineConfigDialogTest, KeepsTheCustomConfiguration) {
         host->dialogs().choices.push_back({{std::string(261, 'x'), 0}});
         form.press(EXPANSION_BROWSE);
         EXPECT_EQ(form.text(EXPANSION_PATH), "dos.rom");
-        EXPECT_EQ(host->dialogs().messages.size(), 1U) << "the path is too long to be kept";
+        EXPECT_NE(host->status_text(3).find("longer than"), std::string::npos);
         form.type(CHARACTERS_PATH, "characters.rom");
         form.type(PATTERN, "32");
         form.type(CLOCK, "4000000 Hz");

@@ -89,6 +89,7 @@ constexpr const char* MENU = R"(0 &File
   40007 Toggle fullscreen|Alt+Enter
 0 &Help
   103 &About...
+  40130 &Messages...
 )";
 
 class MenuTest : public HostFilesTest {};

@@ -41,10 +41,6 @@ TEST_F(StatusTest, TextsGoToTheirParts) {
     EXPECT_EQ(bar.texts, texts);
     EXPECT_EQ(StatusBarHeight(), HEADLESS_STATUS_BAR);
 
-    testing::internal::CaptureStderr();
-    host_warning("%d of %d", 3, 4);
-    EXPECT_EQ(testing::internal::GetCapturedStderr(), "tarvelin: 3 of 4\n");
-    EXPECT_EQ(host.status_text(3), "3 of 4");
     ui_set_window_title("(%s)", "Suspended");
     EXPECT_EQ(host.title(), "Tarvelin - (Suspended)");
 

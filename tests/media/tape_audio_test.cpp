@@ -306,14 +306,15 @@ TEST_F(TapeAudioTest, KnowsManyLayouts) {
     };
     for (const auto& c : cases) {
         write_text(path, c.bytes);
-        fake_host.warnings.clear();
+        fake_host.reports.clear();
         const bool good = *c.problem == 0;
         EXPECT_EQ(tape_open_wav(path), good) << c.name;
         EXPECT_EQ(tape_wav_is_open(), good) << c.name;
         EXPECT_EQ(cas_is_traps_installed(), !good) << c.name;
         if (!good) {
-            ASSERT_EQ(fake_host.warnings.size(), 1U) << c.name;
-            EXPECT_NE(fake_host.warnings[0].find(c.problem), std::string::npos) << c.name;
+            ASSERT_EQ(fake_host.reports.size(), 1U) << c.name;
+            EXPECT_NE(report_line(fake_host.reports[0]).find(c.problem), std::string::npos)
+                << c.name;
             continue;
         }
         WavReader reader;
@@ -327,7 +328,7 @@ TEST_F(TapeAudioTest, KnowsManyLayouts) {
     for (const std::string& bad : {folder.path().string(), "/dev/null"s, path + ".missing"}) {
         EXPECT_EQ(tape_open_wav(bad), 0) << bad;
         const char* problem = bad == path + ".missing" ? "No such file" : "not a file";
-        EXPECT_NE(fake_host.warnings.back().find(problem), std::string::npos) << bad;
+        EXPECT_NE(report_line(fake_host.reports.back()).find(problem), std::string::npos) << bad;
     }
     EXPECT_EQ(tape_create_wav(folder.path(), 44100), 0);
     EXPECT_EQ(tape_create_wav("/dev/full", 44100), 0);

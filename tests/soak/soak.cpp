@@ -12,6 +12,7 @@
 #include "cgenie/video.h"
 #include "core/frame_driver.h"
 #include "host/commands.h"
+#include "host/disks.h"
 #include "host/menu.h"
 #include "host/shell.h"
 #include "media/printer.h"

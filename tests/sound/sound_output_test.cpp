@@ -3,6 +3,7 @@
 #include "platform/headless/headless.h"
 #include "sound/sound_core.h"
 #include "sound/sound_output.h"
+#include "support/fake_host.h"
 
 #include <gtest/gtest.h>
 
@@ -12,7 +13,10 @@ namespace {
 
 class SoundOutputTest : public testing::Test {
 protected:
-    void SetUp() override { install_platform(host); }
+    void SetUp() override {
+        install_platform(host);
+        fake_host.reports.clear();
+    }
     void TearDown() override { sound_null_driver_init(); }
 
     HeadlessAudio& audio() { return host.audio(); }
@@ -43,27 +47,22 @@ TEST_F(SoundOutputTest, FirstStepThatFailsTellsAndKeepsTheNullDriver) {
         AudioStep step;
         const char* title;
         const char* text;
-        MessageIcon icon;
-    } cases[] = {
-        {AudioStep::library, "Fatal error!", "Missing DSOUND.DLL", MessageIcon::none},
-        {AudioStep::device, "Error", "DirectSoundCreate failed", MessageIcon::error},
-        {AudioStep::cooperative, "Error", "SetCooperativeLevel failed", MessageIcon::error},
-        {AudioStep::primary, "Error", "CreateSoundBuffer for primary buffer failed",
-         MessageIcon::error},
-        {AudioStep::format, "Error", "SetFormat on primary bufer failed", MessageIcon::error},
-    };
+    } cases[] = {{AudioStep::library, "Fatal error!", "Missing DSOUND.DLL"},
+                 {AudioStep::device, "Error", "DirectSoundCreate failed"},
+                 {AudioStep::cooperative, "Error", "SetCooperativeLevel failed"},
+                 {AudioStep::primary, "Error", "CreateSoundBuffer for primary buffer failed"},
+                 {AudioStep::format, "Error", "SetFormat on primary bufer failed"}};
     for (auto step : {AudioStep::ring, AudioStep::play}) audio().fail(step);
     // Each case lets all later steps fail, too: the order shows.
     for (size_t first = std::size(cases); first-- > 0;) {
         const auto& c = cases[first];
         SCOPED_TRACE(c.text);
         audio().fail(c.step);
-        host.dialogs() = HeadlessDialogs(false);
+        fake_host.reports.clear();
         EXPECT_EQ(dsound_init(SOUND_RATE), 0);
-        ASSERT_EQ(host.dialogs().messages.size(), 1U);
-        EXPECT_EQ(host.dialogs().messages[0].title, c.title);
-        EXPECT_EQ(host.dialogs().messages[0].text, c.text);
-        EXPECT_EQ(host.dialogs().messages[0].icon, c.icon);
+        ASSERT_EQ(fake_host.reports.size(), 1U);
+        EXPECT_EQ(fake_host.reports[0].title, c.title);
+        EXPECT_EQ(fake_host.reports[0].text, c.text);
         EXPECT_FALSE(driver_is_ours());
         EXPECT_EQ(audio().device, c.step > AudioStep::device) << "what was made stays";
     }
@@ -72,8 +71,8 @@ TEST_F(SoundOutputTest, FirstStepThatFailsTellsAndKeepsTheNullDriver) {
 TEST_F(SoundOutputTest, WithoutARingTheDriverTakesNothing) {
     audio().fail(AudioStep::ring);
     EXPECT_EQ(dsound_init(SOUND_RATE), 1);
-    ASSERT_EQ(host.dialogs().messages.size(), 1U);
-    EXPECT_EQ(host.dialogs().messages[0].text, "CreateSoundBuffer failed");
+    ASSERT_EQ(fake_host.reports.size(), 1U);
+    EXPECT_EQ(fake_host.reports[0].text, "CreateSoundBuffer failed");
     EXPECT_TRUE(driver_is_ours());
     EXPECT_EQ(dsound_write(ramp().data(), 0, FRAGMENT_BYTES), 0);
     testing::internal::CaptureStderr();
@@ -85,10 +84,10 @@ TEST_F(SoundOutputTest, WithoutARingTheDriverTakesNothing) {
 
     audio().fail(AudioStep::ring, false);
     audio().fail(AudioStep::play);
-    host.dialogs() = HeadlessDialogs(false);
+    fake_host.reports.clear();
     EXPECT_EQ(dsound_init(SOUND_RATE), 0);
-    ASSERT_EQ(host.dialogs().messages.size(), 1U);
-    EXPECT_EQ(host.dialogs().messages[0].text, "Play primary buffer failed");
+    ASSERT_EQ(fake_host.reports.size(), 1U);
+    EXPECT_EQ(fake_host.reports[0].text, "Play primary buffer failed");
 }
 
 TEST_F(SoundOutputTest, FragmentsGoRoundTheRing) {

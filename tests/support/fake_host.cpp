@@ -36,11 +36,9 @@ void ui_set_window_title(const char* format, ...) {
     va_end(arguments);
 }
 
-void host_warning(const char* format, ...) {
-    va_list arguments;
-    va_start(arguments, format);
-    fake_host.warnings.push_back(format_text(format, arguments));
-    va_end(arguments);
+void report(const Report& told) {
+    fake_host.status[3] = told.text;
+    fake_host.reports.push_back(told);
 }
 
 void led_update(int drive) { fake_host.lamp = drive; }

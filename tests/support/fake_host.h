@@ -1,13 +1,15 @@
 #pragma once
 /// Stand-in for the application shell: records what the machine tells it.
 
+#include "platform/report.h"
+
 #include <string>
 #include <vector>
 
 struct FakeHost {
     std::string status[4];
     std::string title;
-    std::vector<std::string> warnings;
+    std::vector<Report> reports;
     int lamp = -1;
     int screen_updates = 0;
     int screenshots = 0;

@@ -100,9 +100,9 @@ private:
 struct HeadlessPlatform::State {
     explicit State(HeadlessOptions given)
         : options(std::move(given)),
-          clock(options.real_time, options.look_ns, options.refresh_rate),
-          dialogs(options.print_messages), paths(options), window(options.screen),
-          drawing(window, options.keep_pictures), settings_file(options.settings_path) {}
+          clock(options.real_time, options.look_ns, options.refresh_rate), paths(options),
+          window(options.screen), drawing(window, options.keep_pictures),
+          settings_file(options.settings_path) {}
 
     HeadlessOptions options;
     HeadlessClipboard clipboard;

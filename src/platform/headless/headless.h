@@ -26,9 +26,8 @@ struct HeadlessOptions {
     std::string config_directory;
     std::string program_directory;
     Size screen{1280, 1024};
-    std::string settings_path;   ///< empty: settings are kept in memory only
-    bool keep_pictures = false;  ///< what is drawn into the client area can be read back
-    bool print_messages = false; ///< message boxes go to the standard error stream, too
+    std::string settings_path;  ///< empty: settings are kept in memory only
+    bool keep_pictures = false; ///< what is drawn into the client area can be read back
 };
 
 class HeadlessPlatform final : public Platform {

@@ -27,7 +27,6 @@ void fill_fields(const std::vector<FileDialogField>& fields, std::vector<std::st
 
 void HeadlessDialogs::message(const std::string& title, const std::string& text, MessageIcon icon) {
     messages.push_back({title, text, icon});
-    if (print_messages_) std::fprintf(stderr, "tarvelin: %s: %s\n", title.c_str(), text.c_str());
 }
 
 bool HeadlessDialogs::question(const std::string& title, const std::string& text) {

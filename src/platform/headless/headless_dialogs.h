@@ -24,8 +24,6 @@ struct HeadlessAbout {
 };
 
 struct HeadlessDialogs final : public Dialogs {
-    explicit HeadlessDialogs(bool print_messages) : print_messages_(print_messages) {}
-
     void message(const std::string& title, const std::string& text, MessageIcon icon) override;
     bool question(const std::string& title, const std::string& text) override;
     std::optional<FileChoice> choose_file(const FileDialog& dialog) override;
@@ -40,9 +38,6 @@ struct HeadlessDialogs final : public Dialogs {
     std::vector<HeadlessMessage> messages, questions;
     std::vector<FileDialog> file_dialogs;
     std::vector<HeadlessAbout> abouts;
-
-private:
-    bool print_messages_;
 };
 
 struct HeadlessClipboard final : public Clipboard {

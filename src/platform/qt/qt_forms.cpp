@@ -11,6 +11,7 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QScreen>
@@ -23,8 +24,10 @@
 
 namespace {
 
-constexpr int SLIDER_LENGTH = 220;   ///< pixels, at least
-constexpr int NOTE_WIDTH = 40;       ///< characters in a line
+constexpr int SLIDER_LENGTH = 220; ///< pixels, at least
+constexpr int NOTE_WIDTH = 40;     ///< characters in a line
+constexpr int VIEW_WIDTH = 80;     ///< characters in a line of a text view
+constexpr int VIEW_LINES = 16;
 constexpr int WIDEST_FIELD = 40;     ///< characters; fields of longer texts scroll
 constexpr int UNLIMITED_FIELD = 6;   ///< characters
 constexpr int SMALL_BUTTON_TEXT = 3; ///< such a button stands at the field it belongs to
@@ -99,6 +102,7 @@ private:
     QWidget* make_button(const FormControl& described, QWidget& parent);
     QWidget* make_group(const FormControl& described, QWidget& parent);
     QWidget* make_label(const FormControl& described, QWidget& parent, Naming& naming);
+    QWidget* make_text_view(const FormControl& described, QWidget& parent);
     QWidget* make_list(const FormControl& described, QWidget& parent);
     QWidget* make_edit(const FormControl& described, QWidget& parent);
     QWidget* make_slider(const FormControl& described, QWidget& parent);
@@ -188,6 +192,7 @@ QWidget* QtForm::make(const FormControl& described, QWidget& parent, Naming& nam
     case ControlKind::group: widget = make_group(described, parent); break;
     case ControlKind::label:
     case ControlKind::note: widget = make_label(described, parent, naming); break;
+    case ControlKind::text_view: widget = make_text_view(described, parent); break;
     case ControlKind::list:
     case ControlKind::combo: widget = make_list(described, parent); break;
     case ControlKind::edit: widget = make_edit(described, parent); break;
@@ -229,6 +234,18 @@ QWidget* QtForm::make_label(const FormControl& described, QWidget& parent, Namin
         naming = {label, plain(label->text())};
     }
     return label;
+}
+
+/// Opens at the end, where the newest lines are.
+QWidget* QtForm::make_text_view(const FormControl& described, QWidget& parent) {
+    auto* view = child_of<QPlainTextEdit>(parent);
+    view->setReadOnly(true);
+    view->setTabChangesFocus(true);
+    view->setPlainText(to_qt(described.text));
+    view->setMinimumSize(characters_wide(*view, VIEW_WIDTH),
+                         view->fontMetrics().lineSpacing() * VIEW_LINES);
+    view->moveCursor(QTextCursor::End);
+    return view;
 }
 
 QWidget* QtForm::make_button(const FormControl& described, QWidget& parent) {

@@ -1,0 +1,92 @@
+#include "host/messages.h"
+
+#include "host/status.h"
+#include "platform/platform.h"
+#include "platform/report.h"
+
+#include <cstdio>
+#include <ctime>
+#include <utility>
+#include <vector>
+
+namespace {
+
+constexpr size_t MOST_MESSAGES = 200;
+
+std::deque<KeptMessage> kept;
+std::vector<Report> held; ///< boxes that wait for the window
+bool starting = false;
+int commands = 0; ///< of the user's that are being done, one inside the other
+bool failed = false;
+
+std::string time_of_day() {
+    const std::time_t now = std::time(nullptr);
+    std::tm parts = {};
+    char text[16];
+    localtime_r(&now, &parts);
+    std::strftime(text, sizeof text, "%H:%M:%S", &parts);
+    return text;
+}
+
+void keep(const std::string& line) {
+    kept.push_back({time_of_day(), line});
+    if (kept.size() > MOST_MESSAGES) kept.pop_front();
+}
+
+void show_box(const Report& told) {
+    const std::string details = report_details(told);
+    std::string text = told.text;
+    if (!details.empty()) text += (text.ends_with('\n') ? "\n" : "\n\n") + details;
+    platform().dialogs().message(told.title.empty() ? PRODUCT_NAME : told.title, text, told.icon);
+}
+
+enum MessagesControl : int { MESSAGES_CLOSE = 1, MESSAGES_TEXT = 2 };
+
+} // namespace
+
+void report(const Report& told) {
+    const std::string line = report_line(told);
+    show_status(told.text, report_details(told));
+    keep(line);
+    if (told.severity == Severity::note) return;
+    std::fprintf(stderr, "tarvelin: %s\n", line.c_str());
+    const bool failure = told.severity == Severity::failure;
+    failed |= failure;
+    if (starting) {
+        held.push_back(told);
+    } else if (failure && commands > 0) {
+        show_box(told);
+    }
+}
+
+const std::deque<KeptMessage>& kept_messages() { return kept; }
+
+bool failure_was_reported() { return failed; }
+
+UserCommand::UserCommand() { ++commands; }
+UserCommand::~UserCommand() { --commands; }
+
+void hold_message_boxes() {
+    kept.clear();
+    held.clear();
+    failed = false;
+    starting = true;
+}
+
+void show_held_message_boxes() {
+    starting = false;
+    for (const Report& told : std::exchange(held, {})) show_box(told);
+}
+
+void ui_messages() {
+    using enum ControlKind;
+    std::string lines;
+    for (const auto& [time, line] : kept) lines += time + "  " + line + "\n";
+    if (lines.empty()) lines = "There are no messages.";
+    const FormDescription form = {
+        "Messages",
+        {{.kind = text_view, .id = MESSAGES_TEXT, .text = lines, .name = "Messages"},
+         {.kind = buttons,
+          .children = {{.kind = default_button, .id = MESSAGES_CLOSE, .text = "Close"}}}}};
+    platform().forms().create(form, [](Form&, const FormEvent&) {})->run();
+}

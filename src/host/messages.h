@@ -1,0 +1,32 @@
+#pragma once
+/// The list of messages: what was reported in this run, newest last, and when a message box is due.
+
+#include <deque>
+#include <string>
+
+struct KeptMessage {
+    std::string time; ///< of day, hours to seconds
+    std::string line;
+};
+
+/// The latest reports of this run; old ones make room.
+const std::deque<KeptMessage>& kept_messages();
+/// True once a failure has been reported.
+bool failure_was_reported();
+
+/// While one lives, the program does what the user has just asked for: a failure of it opens a box.
+class UserCommand {
+public:
+    UserCommand();
+    ~UserCommand();
+    UserCommand(const UserCommand&) = delete;
+    UserCommand& operator=(const UserCommand&) = delete;
+};
+
+/// From here on boxes wait, since there is no window yet to stand over. Forgets earlier messages.
+void hold_message_boxes();
+/// Shows those that wait, one after the other. Start-up itself counts as the user's command.
+void show_held_message_boxes();
+
+/// The list as a dialog.
+void ui_messages();

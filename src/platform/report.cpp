@@ -1,0 +1,30 @@
+#include "platform/report.h"
+
+namespace {
+
+std::string without_end(std::string text, const char* characters) {
+    text.erase(text.find_last_not_of(characters) + 1);
+    return text;
+}
+
+/// "FILE: REASON", or what there is of it.
+std::string file_and_reason(const Report& told) {
+    const bool known = told.file.empty() || told.text.find(told.file) != std::string::npos;
+    if (known) return told.reason;
+    return told.reason.empty() ? told.file : told.file + ": " + told.reason;
+}
+
+} // namespace
+
+std::string report_line(const Report& told) {
+    std::string line = without_end(told.text, "\n");
+    const std::string why = file_and_reason(told);
+    if (!why.empty()) line = without_end(line, ".:") + ": " + why;
+    if (!told.remedy.empty()) line = without_end(line, ".") + ". " + told.remedy;
+    return line;
+}
+
+std::string report_details(const Report& told) {
+    const std::string why = file_and_reason(told);
+    return why.empty() || told.remedy.empty() ? why + told.remedy : why + "\n" + told.remedy;
+}
