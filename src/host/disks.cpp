@@ -32,11 +32,11 @@ void main_disk_image_attach(unsigned drive, const std::string& path) {
 void main_disk_image_detach(unsigned drive) {
     if (drive >= DISK_DRIVES) return;
     disk_image& disk = wd1771_disk(drive);
-    const bool save =
-        disk.modified &&
-        platform().dialogs().question("Warning", "Disk content in drive :" + std::to_string(drive) +
-                                                     " has changed. Do you want to save your "
-                                                     "changes?");
+    const bool save = disk.modified && platform().dialogs().choose(
+                                           "Warning",
+                                           "Disk content in drive :" + std::to_string(drive) +
+                                               " has changed. Do you want to save your changes?",
+                                           {"&Yes", "&No"}) == 0;
     const int written = diskimg_detach(disk, save);
     modify_menu_text(COMMAND_ATTACH_DISK + int(drive), drive_text(drive, "<no disk>"));
     if (written) StatusBarText("Disk detached from drive #%u", drive);

@@ -32,12 +32,17 @@ struct FileChoice {
     std::vector<std::string> field_texts = {}; ///< in the order of the dialog's fields
 };
 
+constexpr int NO_ANSWER = -1;
+
 /// Modal dialogs of the main window.
 struct Dialogs {
     virtual ~Dialogs() = default;
     virtual void message(const std::string& title, const std::string& text, MessageIcon icon) = 0;
-    /// A Yes/No question; true is Yes.
-    virtual bool question(const std::string& title, const std::string& text) = 0;
+    /// A question with a button for each answer ("&" before the access key); Enter gives the first.
+    /// Returns the answer's place in the list. NO_ANSWER: the box was left with Escape or its close
+    /// button, the program is being ended by a signal, or there is nobody to answer.
+    virtual int choose(const std::string& title, const std::string& text,
+                       const std::vector<std::string>& answers) = 0;
     /// Nothing when cancelled.
     virtual std::optional<FileChoice> choose_file(const FileDialog& dialog) = 0;
     /// The program's own box: its picture, lines of text, a link line that opens `target`, OK.

@@ -7,6 +7,7 @@
 namespace {
 
 constexpr int ATTACH = 40018, DETACH = 40022, DETACH_ALL = 40033, EXIT = -1;
+constexpr int YES = 0, NO = 1;
 constexpr size_t DISK_SIZE = 102400;
 constexpr const char* QUESTION = " has changed. Do you want to save your changes?";
 
@@ -119,7 +120,7 @@ TEST_F(DisksTest, ChangesAreAskedForAtEveryWayOut) {
             attach(2, "a.dsk");
             if (answer >= 0) change(2);
             host->dialogs().questions.clear();
-            host->dialogs().answers = {answer == 1, false};
+            host->dialogs().answers = {answer ? YES : NO};
             if (way.next) host->dialogs().choices.push_back({{way.next, 0}});
             if (way.way == EXIT) {
                 emu_close();
@@ -158,7 +159,7 @@ TEST_F(DisksTest, ChangesAreAskedForAtEveryWayOut) {
         change(drive);
     }
     host->dialogs().questions.clear();
-    host->dialogs().answers = {true, false, true};
+    host->dialogs().answers = {YES, NO, YES};
     command(DETACH_ALL);
     ASSERT_EQ(host->dialogs().questions.size(), 3U);
     EXPECT_EQ(host->dialogs().questions[0].text,
@@ -178,7 +179,7 @@ TEST_F(DisksTest, ADiskWithoutItsFolderIsRescued) {
         attach(1, "folder/e.dsk");
         change(1);
         std::filesystem::remove_all("folder");
-        host->dialogs().answers = {true};
+        host->dialogs().answers = {YES};
         host->dialogs().messages.clear();
         if (way == ATTACH + 1) host->dialogs().choices.push_back({{"b.dsk", 0}});
         if (way == EXIT) {
@@ -199,7 +200,7 @@ TEST_F(DisksTest, DroppedDisksGoIntoDriveZero) {
     std::filesystem::rename("b.dsk", "B.CGD");
     z80_state.pc = 0x1234;
     for (const std::string path : {"a.dsk", "B.CGD"}) {
-        host->dialogs().answers = {true};
+        host->dialogs().answers = {YES};
         WindowProcedure({Event::Kind::drop, 0, 0, path});
         EXPECT_EQ(host->status_text(3), "Autoloaded: " + path);
         EXPECT_EQ(text_of(0), text_of(0, path));

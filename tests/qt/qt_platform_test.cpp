@@ -9,8 +9,11 @@
 #include <QMainWindow>
 #include <QMenuBar>
 #include <QMimeData>
+#include <QPushButton>
+#include <QTimer>
 #include <QWheelEvent>
 
+#include <functional>
 #include <map>
 
 namespace {
@@ -231,6 +234,22 @@ TEST_F(QtPlatformTest, ClosingIsTheProgramsDecision) {
     const Event quit = host->events().wait();
     EXPECT_EQ(quit.kind, Event::Kind::quit);
     EXPECT_EQ(quit.value, 3);
+}
+
+TEST_F(QtPlatformTest, AQuestionCanBeLeftWithoutAnAnswer) {
+    const auto press = [](QWidget& box, int key) {
+        QKeyEvent event(QEvent::KeyPress, key, NO_MODIFIERS);
+        QApplication::sendEvent(box.focusWidget(), &event);
+    };
+    const std::pair<int, std::function<void(QWidget&)>> ways[] = {
+        {0, [&](QWidget& box) { press(box, Qt::Key_Return); }},
+        {2, [](QWidget& box) { box.findChildren<QPushButton*>().last()->click(); }},
+        {NO_ANSWER, [&](QWidget& box) { press(box, Qt::Key_Escape); }},
+        {NO_ANSWER, [](QWidget& box) { box.close(); }}};
+    for (const auto& [expected, leave] : ways) {
+        QTimer::singleShot(0, [&leave] { leave(*QApplication::activeModalWidget()); });
+        EXPECT_EQ(host->dialogs().choose("Title", "Text", {"&One", "&Two", "&Last"}), expected);
+    }
 }
 
 TEST_F(QtPlatformTest, ClipboardTextIsInTheMachinesBytes) {

@@ -29,9 +29,10 @@ void HeadlessDialogs::message(const std::string& title, const std::string& text,
     messages.push_back({title, text, icon});
 }
 
-bool HeadlessDialogs::question(const std::string& title, const std::string& text) {
-    questions.push_back({title, text, MessageIcon::none});
-    return next_answer(answers, false);
+int HeadlessDialogs::choose(const std::string& title, const std::string& text,
+                            const std::vector<std::string>& offered) {
+    questions.push_back({title, text, MessageIcon::none, offered});
+    return next_answer(answers, NO_ANSWER);
 }
 
 std::optional<FileChoice> HeadlessDialogs::choose_file(const FileDialog& dialog) {

@@ -13,7 +13,8 @@
 struct HeadlessMessage {
     std::string title;
     std::string text;
-    MessageIcon icon = MessageIcon::none; ///< of a message
+    MessageIcon icon = MessageIcon::none;  ///< of a message
+    std::vector<std::string> answers = {}; ///< of a question
 };
 
 struct HeadlessAbout {
@@ -25,14 +26,15 @@ struct HeadlessAbout {
 
 struct HeadlessDialogs final : public Dialogs {
     void message(const std::string& title, const std::string& text, MessageIcon icon) override;
-    bool question(const std::string& title, const std::string& text) override;
+    int choose(const std::string& title, const std::string& text,
+               const std::vector<std::string>& offered) override;
     std::optional<FileChoice> choose_file(const FileDialog& dialog) override;
     void about(const std::string& title, const std::vector<std::string>& lines,
                const std::string& link, const std::string& target) override;
 
-    /// Answers, the next one in front. Without one a question is answered No and a file dialog is
+    /// Answers, the next one in front. Without one a question has no answer and a file dialog is
     /// cancelled. Fields that a choice has no text for keep theirs.
-    std::deque<bool> answers;
+    std::deque<int> answers;
     std::deque<std::optional<FileChoice>> choices;
 
     std::vector<HeadlessMessage> messages, questions;

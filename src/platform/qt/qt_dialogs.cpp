@@ -83,13 +83,23 @@ void QtDialogs::message(const std::string& title, const std::string& text, Messa
     box.exec();
 }
 
-bool QtDialogs::question(const std::string& title, const std::string& text) {
-    QMessageBox box(QMessageBox::Question, to_qt(title), message_text(text),
-                    QMessageBox::Yes | QMessageBox::No, window_.owner());
+int QtDialogs::choose(const std::string& title, const std::string& text,
+                      const std::vector<std::string>& answers) {
+    QMessageBox box(QMessageBox::Question, to_qt(title), message_text(text), QMessageBox::NoButton,
+                    window_.owner());
     box.setTextFormat(Qt::PlainText);
-    box.setDefaultButton(QMessageBox::Yes);
-    box.setEscapeButton(QMessageBox::No);
-    return box.exec() == QMessageBox::Yes;
+    // A box of Qt's cannot be closed unless a button stands for that.
+    QPushButton* const nothing = box.addButton(QMessageBox::Cancel);
+    std::vector<QAbstractButton*> buttons;
+    for (const std::string& answer : answers) { // of one role, which keeps their order
+        buttons.push_back(box.addButton(to_qt(answer), QMessageBox::ActionRole));
+    }
+    box.setDefaultButton(qobject_cast<QPushButton*>(buttons.front()));
+    box.setEscapeButton(nothing);
+    nothing->hide();
+    box.exec();
+    const auto chosen = std::ranges::find(buttons, box.clickedButton());
+    return chosen == buttons.end() ? NO_ANSWER : int(chosen - buttons.begin());
 }
 
 std::optional<FileChoice> QtDialogs::choose_file(const FileDialog& dialog) {

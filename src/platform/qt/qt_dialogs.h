@@ -6,7 +6,8 @@ class QtDialogs final : public Dialogs {
 public:
     explicit QtDialogs(QtWindow& window) : window_(window) {}
     void message(const std::string& title, const std::string& text, MessageIcon icon) override;
-    bool question(const std::string& title, const std::string& text) override;
+    int choose(const std::string& title, const std::string& text,
+               const std::vector<std::string>& answers) override;
     std::optional<FileChoice> choose_file(const FileDialog& dialog) override;
     void about(const std::string& title, const std::vector<std::string>& lines,
                const std::string& link, const std::string& target) override;

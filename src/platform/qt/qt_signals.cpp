@@ -1,7 +1,7 @@
 #include "platform/qt/qt_signals.h"
 
 #include <QApplication>
-#include <QMessageBox>
+#include <QWidget>
 
 #include <csignal>
 #include <fcntl.h>
@@ -19,16 +19,10 @@ extern "C" void note_signal(int) {
     [[maybe_unused]] const ssize_t written = write(pipe_ends[1], &note, 1);
 }
 
-bool is_question(const QWidget& box) {
-    const auto* message = qobject_cast<const QMessageBox*>(&box);
-    return message && message->standardButtons().testFlag(QMessageBox::Yes);
-}
-
-/// The program ends only behind its dialogs. A question is left to the user, whose disk it may be
-/// about.
+/// The program ends only behind its dialogs. A question left in this way has no answer.
 void cancel_dialogs() {
     QWidget* open = QApplication::activeModalWidget();
-    while (open && !is_question(*open)) {
+    while (open) {
         open->close();
         QWidget* const next = QApplication::activeModalWidget();
         if (next == open) return;
