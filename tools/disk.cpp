@@ -1,9 +1,9 @@
 /// tarvelin-disk: looks into disk images and brings files to and from them.
+#include "media/disk_system.h"
 #include "platform/file_names.h"
 #include "platform/host_services.h"
 #include "platform/whole_file.h"
 #include "tools/basic_tokens.h"
-#include "tools/disk_system.h"
 
 #include <algorithm>
 #include <cctype>

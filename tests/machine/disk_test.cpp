@@ -1,10 +1,10 @@
 #include "cgenie/memory.h"
 #include "core/machine.h"
+#include "media/disk_system.h"
 #include "media/wd1771.h"
 #include "support/basic_machine.h"
 #include "support/test_files.h"
 #include "tools/basic_tokens.h"
-#include "tools/disk_system.h"
 
 #include <gtest/gtest.h>
 

@@ -1,6 +1,6 @@
 #include "media/disk_image.h"
+#include "media/disk_system.h"
 #include "support/test_files.h"
-#include "tools/disk_system.h"
 
 #include <gtest/gtest.h>
 

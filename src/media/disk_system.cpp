@@ -1,4 +1,4 @@
-#include "tools/disk_system.h"
+#include "media/disk_system.h"
 
 #include <algorithm>
 #include <cctype>
