@@ -53,6 +53,10 @@ void with_file(int dialog, void (*act)(const std::string& path)) {
     if (ui_select_file(dialog, &path)) act(path);
 }
 
+void tell_saved(const std::string& path) { StatusBarText("Saved: %s", path.c_str()); }
+
+void tell_recording(const std::string& path) { StatusBarText("Saving to: %s", path.c_str()); }
+
 // ---- the machine -------------------------------------------------------------------------------
 
 void pause_machine() {
@@ -246,8 +250,10 @@ void attach_wav(const std::string& path) {
 }
 
 void create_wav(const std::string& path) {
-    if (tape_create_wav(path, TAPE_SAMPLE_RATE)) return;
-    report({.text = path + ": cannot be written"});
+    if (!tape_create_wav(path, TAPE_SAMPLE_RATE)) {
+        return report({.text = path + ": cannot be written"});
+    }
+    tell_recording(path);
 }
 
 void play_or_record() {
@@ -270,7 +276,7 @@ void adjust_head() {
 void save_memory_as_cas(const std::string& path) {
     std::array<std::string, 3> addresses;
     ui_get_casdata(&addresses);
-    tape_dump_cas(path, addresses[0], addresses[1], addresses[2]);
+    if (tape_dump_cas(path, addresses[0], addresses[1], addresses[2])) tell_saved(path);
 }
 
 void load_snapshot(const std::string& path) {
@@ -283,8 +289,9 @@ void load_snapshot(const std::string& path) {
 
 void save_snapshot(const std::string& path) {
     if (!snapshot_save(path.c_str(), memory_get_ram())) {
-        report({.text = path + ": cannot be written"});
+        return report({.text = path + ": cannot be written"});
     }
+    tell_saved(path);
 }
 
 // ---- disks -------------------------------------------------------------------------------------
@@ -392,6 +399,7 @@ void main_load_bas_file(const std::string& path) {
 void start_sound_recording(const std::string& path) {
     if (!sound_create_wav(path)) return report({.text = path + ": cannot be written"});
     check_menu_item(COMMAND_SAVE_WAV, true);
+    tell_recording(path);
 }
 
 int video_save_to_avi(bool ask, std::string* name) {
@@ -423,6 +431,7 @@ int host_breakpoint_reached() {
 
 int get_ui_save_tape_filename(std::string* path) {
     const int chosen = ui_select_file(DIALOG_SAVE_CAS, path);
+    if (chosen) tell_recording(*path);
     reset_timer();
     return chosen;
 }

@@ -2,6 +2,7 @@
 
 #include "cgenie/keyboard.h"
 #include "cgenie/video.h"
+#include "platform/file_names.h"
 #include "platform/host_services.h"
 #include "platform/platform.h"
 #include "z80/z80.h"
@@ -17,13 +18,13 @@ namespace {
 constexpr int DIALOG_TYPES = DIALOG_SAVE_WAV + 1;
 
 const FileFilter ALL = {"All (*.*)", "*.*"};
-const FileFilter ALL_FILES = {"All Files (*.*)", "*.*"};
 
+FileFilter all_files(const char* extension) { return {"All Files (*.*)", "*.*", extension}; }
+
+/// Filters with an extension are those of a save dialog.
 struct FileDialogText {
     const char* title;
     std::vector<FileFilter> filters;
-    const char* extension = nullptr; ///< of a file to save, under the filters without their own
-    bool overwrite_prompt = false;
 };
 
 const std::map<int, FileDialogText>& dialog_types() {
@@ -44,27 +45,26 @@ const std::map<int, FileDialogText>& dialog_types() {
         {DIALOG_SELECT_ROM, {"Select ROM image", {{"ROM images (*.rom)", "*.rom"}, ALL}}},
         {DIALOG_LOAD_SNAPSHOT,
          {"Load emulator snaphsot file", {{"JZS files (*.jzs)", "*.jzs"}, ALL}}},
-        {DIALOG_CREATE_WAV, {"Save WAV file", {{"WAV files (*.wav)", "*.wav"}, ALL}, "wav"}},
+        {DIALOG_CREATE_WAV,
+         {"Save WAV file",
+          {{"WAV files (*.wav)", "*.wav", "wav"}, {ALL.text, ALL.pattern, "wav"}}}},
         {DIALOG_MEMORY_AS_CAS,
-         {"Save memory as CAS file", {{"CAS files (*.cas)", "*.cas"}, ALL_FILES}, "cas", true}},
+         {"Save memory as CAS file", {{"CAS files (*.cas)", "*.cas", "cas"}, all_files("cas")}}},
         {DIALOG_SCREENSHOT_AS,
          {"Save screen as...",
-          {{"GIF files (*.gif)", "*.gif"}, {"BMP files (*.bmp)", "*.bmp"}, ALL},
-          "bmp"}},
+          {{"GIF files (*.gif)", "*.gif", "gif"},
+           {"BMP files (*.bmp)", "*.bmp", "bmp"},
+           {ALL.text, ALL.pattern, "bmp"}}}},
         {DIALOG_SAVE_CAS,
          {"Save CAS tape file under name...",
-          {{"CAS files (*.cas)", "*.cas"}, ALL_FILES},
-          "cas",
-          true}},
+          {{"CAS files (*.cas)", "*.cas", "cas"}, all_files("cas")}}},
         {DIALOG_SAVE_SNAPSHOT,
          {"Save emulator snapshot as...",
-          {{"JZS files (*.jzs)", "*.jzs"}, ALL_FILES},
-          "jzs",
-          true}},
+          {{"JZS files (*.jzs)", "*.jzs", "jzs"}, all_files("jzs")}}},
         {DIALOG_SAVE_VIDEO,
-         {"Save video...", {{"AVI files (*.avi)", "*.avi"}, ALL_FILES}, "avi", true}},
+         {"Save video...", {{"AVI files (*.avi)", "*.avi", "avi"}, all_files("avi")}}},
         {DIALOG_SAVE_WAV,
-         {"Save to WAV...", {{"16 bit; mono; 44,100 kHz PCM (*.wav)", "*.wav"}}, "wav", true}},
+         {"Save to WAV...", {{"16 bit; mono; 44,100 kHz PCM (*.wav)", "*.wav", "wav"}}}},
     };
     return types;
 }
@@ -93,9 +93,31 @@ std::vector<FileDialogField> address_panel() {
     };
 }
 
-std::string default_extension(int type, int filter) {
-    if (type == DIALOG_SCREENSHOT_AS && filter == 0) return "gif";
-    return dialog_types().at(type).extension;
+/// The dialog asks before a file is replaced, but it may have asked about the name that was typed
+/// while the file is the one with the extension.
+bool may_save(const FileDialog& dialog, const std::string& typed, const std::string& path) {
+    std::error_code error;
+    if (path == typed || !std::filesystem::exists(path, error)) return true;
+    constexpr int REPLACE = 1; // Enter keeps the file
+    return platform().dialogs().choose(dialog.title,
+                                       path + " already exists. Do you want to replace it?",
+                                       {"&No", "&Yes"}) == REPLACE;
+}
+
+/// Asks until there is a file that may be replaced, or none at all.
+std::optional<FileChoice> choose_to_save(FileDialog dialog) {
+    for (;;) {
+        auto choice = platform().dialogs().choose_file(dialog);
+        if (!choice) return choice;
+        const std::string typed = choice->path;
+        choice->path =
+            with_extension(typed, dialog.filters[size_t(choice->filter_index)].extension);
+        if (may_save(dialog, typed, choice->path)) return choice;
+        dialog.filter_index = choice->filter_index;
+        for (size_t n = 0; n < dialog.fields.size(); ++n) {
+            dialog.fields[n].text = choice->field_texts[n];
+        }
+    }
 }
 
 /// A code of the screen as a character: the control codes show what stands 64 codes higher, the
@@ -134,20 +156,18 @@ std::string manual_url() {
 int ui_select_file(int type, std::string* path) {
     const auto found = dialog_types().find(type);
     if (found == dialog_types().end()) return 0;
-    const FileDialogText& described = found->second;
-    const bool save = described.extension != nullptr;
+    const auto& [title, filters] = found->second;
+    const bool save = !filters.front().extension.empty();
     const bool with_panel = type == DIALOG_MEMORY_AS_CAS;
     int& filter = filter_index[size_t(type)];
-    const auto choice = platform().dialogs().choose_file(
-        {described.title, described.filters, filter, save, described.overwrite_prompt,
-         with_panel ? address_panel() : std::vector<FileDialogField>()});
+    const FileDialog dialog = {title, filters, filter, save,
+                               with_panel ? address_panel() : std::vector<FileDialogField>()};
+    const auto choice = save ? choose_to_save(dialog) : platform().dialogs().choose_file(dialog);
     if (!choice) return 0;
     if (with_panel) std::copy_n(choice->field_texts.begin(), sMyData.size(), sMyData.begin());
     filter = choice->filter_index;
     *path = choice->path;
-    if (save && path->find('.') == std::string::npos)
-        *path += "." + default_extension(type, filter);
-    StatusBarText("Image attached: %s.", path->c_str());
+    if (!save) StatusBarText("Image attached: %s.", path->c_str());
     return 1;
 }
 

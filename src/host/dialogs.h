@@ -23,8 +23,9 @@ enum FileDialogType : int {
     DIALOG_SAVE_WAV = 15
 };
 
-/// Shows the file dialog of the type. 1 with the chosen path, 0 when cancelled. A path to save to
-/// without a point gets the type's extension.
+/// Shows the file dialog of the type. 1 with the chosen path, 0 when cancelled. The name of a file
+/// to save gets the type's extension when it has no point; an existing file is only chosen when the
+/// user agrees that it is replaced.
 int ui_select_file(int type, std::string* path);
 /// From, end and start address of the address panel, as typed.
 void ui_get_casdata(std::array<std::string, 3>* addresses);

@@ -6,8 +6,9 @@
 #include <vector>
 
 struct FileFilter {
-    std::string text;    ///< shown
-    std::string pattern; ///< "*.a;*.b"
+    std::string text;           ///< shown
+    std::string pattern;        ///< "*.a;*.b"
+    std::string extension = {}; ///< of a file to save whose name is typed without a point
 };
 
 /// A text field that a file dialog shows below its own.
@@ -21,8 +22,7 @@ struct FileDialog {
     std::string title;
     std::vector<FileFilter> filters;
     int filter_index = 0; ///< chosen when the dialog opens
-    bool save = false;
-    bool overwrite_prompt = false; ///< of a save dialog
+    bool save = false;    ///< and asks before a file is replaced
     std::vector<FileDialogField> fields = {};
 };
 
@@ -43,7 +43,7 @@ struct Dialogs {
     /// button, the program is being ended by a signal, or there is nobody to answer.
     virtual int choose(const std::string& title, const std::string& text,
                        const std::vector<std::string>& answers) = 0;
-    /// Nothing when cancelled.
+    /// Nothing when cancelled. Not every desktop's dialog adds the extension to a name.
     virtual std::optional<FileChoice> choose_file(const FileDialog& dialog) = 0;
     /// The program's own box: its picture, lines of text, a link line that opens `target`, OK.
     virtual void about(const std::string& title, const std::vector<std::string>& lines,

@@ -18,3 +18,8 @@ std::string lower_case_extension(const std::string& path) {
                            [](unsigned char c) { return char(std::tolower(c)); });
     return extension;
 }
+
+std::string with_extension(const std::string& path, const std::string& extension) {
+    const bool complete = extension.empty() || extension_point(path) != std::string::npos;
+    return complete ? path : path + "." + extension;
+}

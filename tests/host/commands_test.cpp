@@ -245,7 +245,7 @@ TEST_F(CommandsTest, CommandsThatAskForAFile) {
         {40020, "Attach disk image...", "gone.dsk", "Unsupported disk image.\n"},
         {40021, "Attach disk image...", "gone.dsk", "Unsupported disk image.\n"},
         {132, "Save emulator snapshot as...", "no/way", "no/way.jzs: cannot be written"},
-        {132, "Save emulator snapshot as...", "state", "Image attached: state.jzs."},
+        {132, "Save emulator snapshot as...", "state", "Saved: state.jzs"},
         {126, "Save screen as...", "no/way.bmp", "no/way.bmp: cannot be written"},
         {126, "Save screen as...", "shot.bmp", "Screenshot saved: shot.bmp"},
         {126, "Save screen as...", "shot.GIF", "Screenshot saved: shot.GIF"},
@@ -255,6 +255,7 @@ TEST_F(CommandsTest, CommandsThatAskForAFile) {
         {40034, "Attach tape sample file", "gone.wav", "Error opening image: gone.wav"},
         {120, "Save WAV file", "no/way", "no/way.wav: cannot be written"},
         {127, "Save memory as CAS file", "no/way", "no/way.cas: cannot be written"},
+        {127, "Save memory as CAS file", "./memory", "Saved: ./memory.cas"},
     };
     std::ofstream("short") << "short";
     for (const auto& c : cases) {
@@ -283,6 +284,7 @@ TEST_F(CommandsTest, SoundOutputAndItsRecording) {
     EXPECT_TRUE(host->audio().playing);
     command_with_file(40120, "sound");
     EXPECT_TRUE(is_menu_item_checked(40120));
+    EXPECT_EQ(host->status_text(3), "Saving to: sound.wav");
     EXPECT_EQ(read_file("sound.wav").size(), 44U);
     handle_command(40120);
     EXPECT_FALSE(is_menu_item_checked(40120));

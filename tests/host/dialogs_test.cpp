@@ -4,6 +4,8 @@
 #include "cgenie/memory.h"
 #include "host/status.h"
 #include "platform/headless/headless.h"
+#include "platform/host_services.h"
+#include "support/test_files.h"
 
 #include <gtest/gtest.h>
 
@@ -21,9 +23,11 @@ protected:
     /// The path that comes back when the user chooses this one.
     std::string choose(int type, const std::string& path, int filter = 0) {
         dialogs.choices.emplace_back(FileChoice{path, filter});
+        StatusBarText("before");
         std::string result;
         EXPECT_EQ(ui_select_file(type, &result), 1) << "type " << type;
-        EXPECT_EQ(host.status_text(3), "Image attached: " + result + ".");
+        const bool save = dialogs.file_dialogs.back().save; // says so only when it has been done
+        EXPECT_EQ(host.status_text(3), save ? "before" : "Image attached: " + result + ".");
         return result;
     }
 
@@ -32,7 +36,7 @@ protected:
 };
 
 TEST_F(DialogsTest, EveryFileDialog) {
-    // By type: open or save (w: asks before overwriting), title, filters, result for "game".
+    // By type: open or save, title, filters, result for "game".
     const char* const cases[] = {
         "r|Load CMD image|CMD files (*.cmd)|*.cmd|All (*.*)|*.*|game",
         "r|Load BAS file|BAS files (*.bas;*.txt)|*.bas;*.txt|All (*.*)|*.*|game",
@@ -45,9 +49,9 @@ TEST_F(DialogsTest, EveryFileDialog) {
         "r|Select ROM image|ROM images (*.rom)|*.rom|All (*.*)|*.*|game",
         "r|Load emulator snaphsot file|JZS files (*.jzs)|*.jzs|All (*.*)|*.*|game",
         nullptr,
-        "s|Save WAV file|WAV files (*.wav)|*.wav|All (*.*)|*.*|game.wav",
+        "w|Save WAV file|WAV files (*.wav)|*.wav|All (*.*)|*.*|game.wav",
         "w|Save memory as CAS file|CAS files (*.cas)|*.cas|All Files (*.*)|*.*|game.cas",
-        "s|Save screen as...|GIF files (*.gif)|*.gif|BMP files (*.bmp)|*.bmp|All (*.*)|*.*|"
+        "w|Save screen as...|GIF files (*.gif)|*.gif|BMP files (*.bmp)|*.bmp|All (*.*)|*.*|"
         "game.gif",
         "w|Save CAS tape file under name...|CAS files (*.cas)|*.cas|All Files (*.*)|*.*|game.cas",
         "w|Save emulator snapshot as...|JZS files (*.jzs)|*.jzs|All Files (*.*)|*.*|game.jzs",
@@ -58,9 +62,8 @@ TEST_F(DialogsTest, EveryFileDialog) {
         if (!cases[type]) continue;
         const std::string stored = choose(type, "game");
         const FileDialog& dialog = dialogs.file_dialogs.back();
-        std::string shown = !dialog.save ? "r|" : dialog.overwrite_prompt ? "w|" : "s|";
-        shown += dialog.title + "|";
-        for (const auto& [text, pattern] : dialog.filters) shown += text + "|" + pattern + "|";
+        std::string shown = (dialog.save ? "w|" : "r|") + dialog.title + "|";
+        for (const FileFilter& f : dialog.filters) shown += f.text + "|" + f.pattern + "|";
         EXPECT_EQ(shown + stored, cases[type]);
     }
 }
@@ -71,14 +74,33 @@ TEST_F(DialogsTest, NamesAndFilters) {
     EXPECT_EQ(dialogs.file_dialogs.back().filter_index, 1);
     EXPECT_EQ(choose(DIALOG_SAVE_VIDEO, "film.mpg"), "film.mpg");
     EXPECT_EQ(dialogs.file_dialogs.back().filter_index, 0); // each type has its own
-    EXPECT_EQ(choose(DIALOG_SAVE_VIDEO, "my.films/film"), "my.films/film");
+    EXPECT_EQ(choose(DIALOG_SAVE_VIDEO, "my.films/film"), "my.films/film.avi");
 
     std::string path = "kept";
     EXPECT_EQ(ui_select_file(DIALOG_SCREENSHOT_AS, &path), 0);
     EXPECT_EQ(path, "kept");
-    EXPECT_EQ(host.status_text(3), "Image attached: my.films/film.");
     EXPECT_EQ(choose(DIALOG_SCREENSHOT_AS, "shot"), "shot.gif");
     EXPECT_EQ(dialogs.file_dialogs.back().filter_index, 2);
+}
+
+TEST_F(DialogsTest, AsksWhereTheDialogCouldNot) {
+    const Folder folder;
+    const std::string game = folder / "game";
+    write_text(game + ".cas", "precious");
+    EXPECT_EQ(choose(DIALOG_SAVE_CAS, game + ".cas"), game + ".cas") << "the dialog has asked";
+    EXPECT_TRUE(dialogs.questions.empty());
+    const struct {
+        int answer;
+        std::string expected; ///< after a No the user names another one
+    } cases[] = {{0, game + "2.cas"}, {NO_ANSWER, game + "2.cas"}, {1, game + ".cas"}};
+    for (const auto& [answer, expected] : cases) {
+        dialogs.answers = {answer};
+        dialogs.choices = {FileChoice{game, 0}, FileChoice{game + "2", 0}};
+        std::string path;
+        EXPECT_EQ(ui_select_file(DIALOG_MEMORY_AS_CAS, &path), 1);
+        EXPECT_EQ(path, expected);
+    }
+    EXPECT_EQ(dialogs.questions.size(), 3U);
 }
 
 TEST_F(DialogsTest, AddressesOfTheProgram) {

@@ -193,7 +193,7 @@ TEST_F(QtFormsTest, TabFollowsTheDescriptionAndEveryControlHasAName) {
 }
 
 TEST_F(QtFormsTest, FileDialogHasFields) {
-    FileDialog dialog{"Save", {{"All (*.*)", "*.*"}}, 0, true, false, {}};
+    FileDialog dialog{"Save", {{"All (*.*)", "*.*"}}, 0, true, {}};
     dialog.fields = {{"&From:", 5, "5801"}, {"End:", 5, "C9AB"}};
     QTimer::singleShot(0, [] {
         for (QLineEdit* edit : shown()->findChildren<QLineEdit*>()) {

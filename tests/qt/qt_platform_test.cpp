@@ -1,13 +1,17 @@
 // The window without a screen, driven by Qt events.
 
 #include "qt/offscreen.h"
+#include "support/test_files.h"
 
 #include <QAction>
 #include <QApplication>
+#include <QComboBox>
 #include <QDropEvent>
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QMainWindow>
 #include <QMenuBar>
+#include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
 #include <QTimer>
@@ -249,6 +253,33 @@ TEST_F(QtPlatformTest, AQuestionCanBeLeftWithoutAnAnswer) {
     for (const auto& [expected, leave] : ways) {
         QTimer::singleShot(0, [&leave] { leave(*QApplication::activeModalWidget()); });
         EXPECT_EQ(host->dialogs().choose("Title", "Text", {"&One", "&Two", "&Last"}), expected);
+    }
+}
+
+TEST_F(QtPlatformTest, SaveDialogAsksAboutTheFileThatItWillBe) {
+    const Folder folder;
+    write_text(folder / "game.bmp", "precious");
+    const FileDialog dialog = {
+        "Save", {{"G (*.gif)", "*.gif", "gif"}, {"B (*.bmp)", "*.bmp", "bmp"}}, 0, true};
+    for (const bool other_filter : {false, true}) {
+        bool asked = false;
+        QTimer::singleShot(0, [&] {
+            auto* box = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+            QKeyEvent down(QEvent::KeyPress, Qt::Key_Down, NO_MODIFIERS);
+            if (other_filter)
+                QApplication::sendEvent(box->findChild<QComboBox*>("fileTypeCombo"), &down);
+            box->findChild<QLineEdit*>("fileNameEdit")->setText((folder / "game").c_str());
+            QTimer::singleShot(0, box, [&asked, box] {
+                auto* question = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+                asked = question != nullptr;
+                if (question) question->reject();
+                box->reject();
+            });
+            box->accept();
+        });
+        const auto choice = host->dialogs().choose_file(dialog);
+        EXPECT_EQ(asked, other_filter);
+        EXPECT_EQ(choice ? choice->path : "", other_filter ? "" : folder / "game.gif");
     }
 }
 

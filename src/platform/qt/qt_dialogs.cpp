@@ -91,6 +91,7 @@ int QtDialogs::choose(const std::string& title, const std::string& text,
     // A box of Qt's cannot be closed unless a button stands for that.
     QPushButton* const nothing = box.addButton(QMessageBox::Cancel);
     std::vector<QAbstractButton*> buttons;
+    buttons.reserve(answers.size());
     for (const std::string& answer : answers) { // of one role, which keeps their order
         buttons.push_back(box.addButton(to_qt(answer), QMessageBox::ActionRole));
     }
@@ -109,16 +110,26 @@ std::optional<FileChoice> QtDialogs::choose_file(const FileDialog& dialog) {
     box.setOption(QFileDialog::DontUseNativeDialog, !dialog.fields.empty());
     box.setAcceptMode(dialog.save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     box.setFileMode(dialog.save ? QFileDialog::AnyFile : QFileDialog::ExistingFile);
-    box.setOption(QFileDialog::DontConfirmOverwrite, !dialog.overwrite_prompt);
     const QStringList filters = name_filters(dialog);
+    const auto chosen_filter = [&] {
+        return std::max(0, int(filters.indexOf(box.selectedNameFilter())));
+    };
     box.setNameFilters(filters);
     if (dialog.filter_index >= 0 && dialog.filter_index < filters.size()) {
         box.selectNameFilter(filters[dialog.filter_index]);
     }
+    // So that Qt's question before replacing a file is about the right one. To a desktop's own
+    // dialog, which has no layout here, Qt would add the extension only after its question.
+    if (dialog.save && box.layout()) {
+        const auto take_extension = [&] {
+            box.setDefaultSuffix(to_qt(dialog.filters[size_t(chosen_filter())].extension));
+        };
+        take_extension();
+        QObject::connect(&box, &QFileDialog::filterSelected, &box, take_extension);
+    }
     const std::vector<QLineEdit*> edits = add_fields(box, dialog.fields);
     if (box.exec() != QDialog::Accepted || box.selectedFiles().isEmpty()) return std::nullopt;
-    FileChoice choice{path_from_qt(box.selectedFiles().first()),
-                      std::max(0, int(filters.indexOf(box.selectedNameFilter())))};
+    FileChoice choice{path_from_qt(box.selectedFiles().first()), chosen_filter()};
     for (const QLineEdit* edit : edits) choice.field_texts.push_back(edit->text().toStdString());
     return choice;
 }
