@@ -6,7 +6,9 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <filesystem>
 #include <optional>
 
@@ -14,12 +16,16 @@
 
 namespace {
 
+namespace fs = std::filesystem;
+
 constexpr uint32_t JV3_ENTRIES = 2901;
 constexpr uint32_t DIRECTORY_TRACK = 21;  ///< where no boot sector tells
 constexpr uint32_t DIRECTORY_POINTER = 2; ///< of the boot sector: the directory's track
 constexpr uint32_t LARGEST_SIDE = 368640; ///< longer files have two sides
 constexpr uint32_t MOST_TRACKS = 82;
 constexpr uint8_t UNFORMATTED = 0xE5;
+constexpr int MOST_RESCUES = 1000;       ///< of one name
+constexpr size_t LONGEST_NAME = 255 - 7; ///< leaves room for the end that a file being written has
 
 struct known_size {
     uint32_t file_size;
@@ -99,42 +105,39 @@ int apply_known_size(disk_image& disk, const known_size& known) {
     return 1;
 }
 
-/// A name in the user's data directory that no file has yet.
-std::filesystem::path rescue_path(const std::string& path) {
-    const std::filesystem::path folder =
-        std::filesystem::path(platform().paths().data_directory()) / "rescue";
-    const std::filesystem::path name = std::filesystem::path(path).filename();
+/// A name in the user's data directory that no file has yet; empty when all are taken.
+fs::path rescue_path(const std::string& path) {
+    const fs::path folder = fs::path(platform().paths().data_directory()) / "rescue";
+    const std::string name = fs::path(path).filename().string();
+    const std::string extension = fs::path(name).extension().string();
+    const std::string stem = name.substr(0, name.size() - extension.size());
     std::error_code error;
-    std::filesystem::create_directories(folder, error);
-    for (int n = 0;; ++n) {
-        std::filesystem::path rescue = folder / name;
-        if (n) rescue.replace_filename(name.stem().string() + "-" + std::to_string(n));
-        if (n) rescue.replace_extension(name.extension());
-        if (!std::filesystem::exists(rescue, error)) return rescue;
+    fs::create_directories(folder, error);
+    for (int n = 0; n < MOST_RESCUES; ++n) {
+        const std::string ending = (n ? "-" + std::to_string(n) : "") + extension;
+        const size_t room = LONGEST_NAME - std::min(LONGEST_NAME, ending.size());
+        const fs::path rescue = folder / (stem.substr(0, room) + ending);
+        if (!fs::exists(fs::symlink_status(rescue, error))) return rescue;
     }
-}
-
-int write_image(const disk_image& disk) {
-    if (replace_whole_file(disk.path, disk.image)) return 1;
-    const std::string rescue = rescue_path(disk.path).string();
-    const bool rescued = replace_whole_file(rescue, disk.image);
-    report({.text = disk.path + " cannot be written. " +
-                    (rescued ? "The disk is in " + rescue
-                             : rescue + " cannot either: the changes are lost")});
-    return 0;
+    return {};
 }
 
 } // namespace
 
 int diskimg_attach(disk_image& disk, const std::string& path) {
     disk = {};
+    disk.file = file_identity(path);
     std::optional<std::vector<uint8_t>> bytes = read_whole_file(path);
     if (!bytes || bytes->empty()) return 0;
+    disk.file_hash = content_hash(*bytes);
     disk.image = std::move(*bytes);
     disk.size = uint32_t(disk.image.size());
     disk.write_protected = access(path.c_str(), W_OK) != 0;
     disk.path = path;
-    if (diskimg_analyze(disk)) return 1;
+    if (diskimg_analyze(disk)) {
+        diskimg_all_kept(disk);
+        return 1;
+    }
     disk = {};
     return 0;
 }
@@ -190,11 +193,54 @@ int disk_img_write_sector(disk_image& disk, uint32_t /*side*/, uint32_t track, u
     if (!offset) return 0;
     std::copy_n(buffer, disk.bytes_per_sector, disk.image.data() + *offset);
     disk.modified = !disk.write_protected;
+    const size_t number = (*offset - disk.data_offset) / disk.bytes_per_sector;
+    if (disk.modified && number < disk.written.size()) disk.written[number] = true;
     return 1;
 }
 
+std::vector<std::span<const uint8_t>> diskimg_written(const disk_image& disk) {
+    std::vector<std::span<const uint8_t>> sectors;
+    for (size_t n = 0; n < disk.written.size(); ++n) {
+        if (!disk.written[n]) continue;
+        sectors.push_back(
+            std::span(disk.image)
+                .subspan(disk.data_offset + n * disk.bytes_per_sector, disk.bytes_per_sector));
+    }
+    return sectors;
+}
+
+void diskimg_all_kept(disk_image& disk) {
+    disk.written.assign((disk.image.size() - disk.data_offset) / disk.bytes_per_sector, false);
+}
+
+bool diskimg_file_changed(const disk_image& disk) {
+    std::error_code error;
+    if (!fs::exists(disk.path, error)) return false;
+    const auto bytes = read_whole_file(disk.path);
+    return !bytes || content_hash(*bytes) != disk.file_hash;
+}
+
+int diskimg_write_back(const disk_image& disk) {
+    return replace_whole_file(disk.path, disk.image) ? 1 : 0;
+}
+
+std::optional<std::string> diskimg_rescue(const disk_image& disk) {
+    const std::string rescue = rescue_path(disk.path).string();
+    if (rescue.empty() || !replace_whole_file(rescue, disk.image)) return {};
+    return rescue;
+}
+
 int diskimg_detach(disk_image& disk, bool write_back) {
-    const int written = write_back && diskimg_inserted(disk) ? write_image(disk) : 1;
+    if (!write_back || !diskimg_inserted(disk) || diskimg_write_back(disk)) {
+        disk = {};
+        return 1;
+    }
+    const std::string reason = std::strerror(errno);
+    const std::optional<std::string> rescue = diskimg_rescue(disk);
+    report({.text = disk.path + " cannot be written. " +
+                    (rescue ? "The disk is in " + *rescue
+                            : "No copy of the disk could be made: its contents are lost"),
+            .reason = reason});
     disk = {};
-    return written;
+    return 0;
 }

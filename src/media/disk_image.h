@@ -6,9 +6,12 @@
 /// with a small geometry header (CGD). Sectors count from 0. The side is not part of an address:
 /// only the first side can be reached.
 
+#include "platform/file_identity.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -27,6 +30,9 @@ struct disk_image {
     bool modified = false;
     int layout = DISK_PLAIN;
     std::string path;
+    FileIdentity file;         ///< that was read
+    uint64_t file_hash = 0;    ///< of what it held then
+    std::vector<bool> written; ///< sectors, in the order of the image, since diskimg_all_kept
 };
 
 // Bytes.
@@ -55,7 +61,17 @@ int disk_img_read_sector(const disk_image& disk, uint32_t side, uint32_t track, 
 /// Copies `bytes_per_sector` bytes of `buffer` into a sector and marks the image as changed.
 int disk_img_write_sector(disk_image& disk, uint32_t side, uint32_t track, uint32_t sector,
                           const uint8_t* buffer);
-/// Empties the record. With `write_back` the image replaces its file at one stroke; where that
-/// fails, it goes to a rescue file in the user's data directory, which the status text names, and
-/// the result is 0.
+/// The sectors that were written since the image was read or diskimg_all_kept, as parts of `image`.
+std::vector<std::span<const uint8_t>> diskimg_written(const disk_image& disk);
+void diskimg_all_kept(disk_image& disk);
+
+/// Whether the file holds anything else than when it was read. One that is missing does not.
+bool diskimg_file_changed(const disk_image& disk);
+/// The image replaces its file at one stroke. 0 when that fails, with the file as it was.
+int diskimg_write_back(const disk_image& disk);
+/// Writes the image to a new file in the folder "rescue" of the user's data directory, and returns
+/// its path; nothing when that fails, too.
+std::optional<std::string> diskimg_rescue(const disk_image& disk);
+/// Empties the record. With `write_back` the image goes to its file first; where that fails, it is
+/// rescued, which is reported, and the result is 0.
 int diskimg_detach(disk_image& disk, bool write_back);

@@ -195,9 +195,21 @@ TEST_F(DiskImage, ChangesGoBackToTheFileAtOneStroke) {
 }
 
 TEST_F(DiskImage, ADiskThatCannotBeWrittenIsRescued) {
-    for (const char* rescue : {"game.dsk", "game-1.dsk"}) {
+    const std::string longest = std::string(251, 'x') + ".dsk",
+                      cut = std::string(242, 'x') + "-1.dsk";
+    const std::vector<std::pair<std::string, std::string>> cases = {
+        {"game.dsk", "game.dsk"},
+        {"game.dsk", "game-1.dsk"},
+        {"v1.2.dsk", "v1.2.dsk"},
+        {"v1.2.dsk", "v1.2-1.dsk"},
+        {"v1.2.dsk", "v1.2-2.dsk"},
+        {".dsk", ".dsk"},
+        {".dsk", ".dsk-1"},
+        {longest, cut.substr(0, 242) + "xx.dsk"},
+        {longest, cut}};
+    for (const auto& [name, rescue] : cases) {
         disk_image disk;
-        const std::string path = write(plain(102400), "sub/game.dsk");
+        const std::string path = write(plain(102400), ("sub/" + name).c_str());
         ASSERT_EQ(diskimg_attach(disk, path), 1);
         disk_img_write_sector(disk, 0, 1, 1, sector_.data());
         const Bytes expected = disk.image;
@@ -209,6 +221,12 @@ TEST_F(DiskImage, ADiskThatCannotBeWrittenIsRescued) {
             << fake_host.status[3];
         EXPECT_EQ(read_file(file), expected);
     }
+    disk_image disk;
+    ASSERT_EQ(diskimg_attach(disk, write(plain(102400), "sub/a.dsk")), 1);
+    fs::remove_all(folder_.path());
+    write_file(folder_ / "data", {});
+    EXPECT_EQ(diskimg_detach(disk, true), 0);
+    EXPECT_NE(fake_host.status[3].find("its contents are lost"), std::string::npos);
 }
 
 TEST_F(DiskImage, FilesThatShrinkOrVanishWhileTheyAreAttached) {
