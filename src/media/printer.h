@@ -13,7 +13,7 @@
 extern bool printer_enabled;
 
 /// Opens the output file, unless it is open, and clears the state. The directory is made when it is
-/// missing. Where that fails the printer is there, but never ready.
+/// missing. Where that fails, the user is told and the printer is there, but never ready.
 void printer_init();
 /// Clears the busy line and the column; what was not written is lost.
 void printer_reset();
@@ -22,6 +22,7 @@ void printer_close();
 /// The directory of the output file, "printer.txt".
 void printer_set_filename(const std::string& directory);
 /// Prints one byte. Without a file it waits, and the printer stays busy; the next byte replaces it.
+/// When the file cannot take it, the file is closed and the user told, once.
 void print_byte(uint8_t value);
 /// 1 while the output file is open.
 int printer_is_ready();

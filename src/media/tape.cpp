@@ -51,12 +51,6 @@ std::string casfilename;
 int cas_header_size = 0; ///< where the tape's first byte stands in the file
 bool saving = false;     ///< `cas` takes bytes
 
-FileHandle stream_of(int descriptor, const char* mode) {
-    FileHandle file(fdopen(descriptor, mode));
-    if (!file) close(descriptor);
-    return file;
-}
-
 /// Regular files only: a folder holds no tape, and a pipe would hold up the machine.
 FileHandle open_regular_file(const std::string& path, int flags, const char* mode) {
     constexpr mode_t OWNERS_CHOICE = 0666;

@@ -5,6 +5,8 @@
 #include <memory>
 #include <string>
 
+#include <unistd.h>
+
 struct FileCloser {
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
@@ -17,4 +19,10 @@ inline FileHandle open_file(const char* path, const char* mode) {
 }
 inline FileHandle open_file(const std::string& path, const char* mode) {
     return open_file(path.c_str(), mode);
+}
+/// Takes over an open descriptor, or none (-1): empty then, and when it fails.
+inline FileHandle stream_of(int descriptor, const char* mode) {
+    FileHandle file(descriptor < 0 ? nullptr : fdopen(descriptor, mode));
+    if (!file && descriptor >= 0) close(descriptor);
+    return file;
 }

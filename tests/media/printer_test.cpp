@@ -3,10 +3,16 @@
 #include "cgenie/bus.h"
 #include "platform/headless/headless.h"
 #include "sound/ym2149.h"
+#include "support/fake_host.h"
+#include "support/full_disk.h"
 #include "support/test_files.h"
 #include "z80/z80.h"
 
 #include <gtest/gtest.h>
+
+#include <functional>
+
+#include <sys/stat.h>
 
 namespace {
 
@@ -18,6 +24,7 @@ protected:
         memory_init();
         printer_set_filename(data);
         printer_enabled = true;
+        fake_host.reports.clear();
     }
     void TearDown() override {
         printer_close();
@@ -93,22 +100,40 @@ TEST_F(PrinterTest, WithoutAFileItStaysBusy) {
     EXPECT_EQ(printed(), "") << "the byte is lost";
     printer_close();
 
-    // A folder stands where the file should be, then a file where the folder should be.
-    std::filesystem::remove(file);
-    std::filesystem::create_directories(file);
-    for (const char* directory : {"", "printer.txt/"}) {
+    // What stands where the file should be, or in the place of its folder.
+    const std::pair<const char*, std::function<void()>> obstacles[] = {
+        {"", [this] { std::filesystem::create_directories(file); }},
+        {"", [this] { ASSERT_EQ(mkfifo(file.c_str(), 0600), 0); }},
+        {"printer.txt/", [this] { write_text(file, "kept"); }}};
+    for (const auto& [directory, put_there] : obstacles) {
+        std::filesystem::remove(file);
+        put_there();
         printer_set_filename(data + directory);
-        if (*directory) {
-            std::filesystem::remove(file);
-            std::ofstream(file) << "kept";
-        }
+        fake_host.reports.clear();
         printer_init();
         EXPECT_EQ(status(), 0x20) << directory;
         send("A");
         EXPECT_EQ(status(), 0xA0) << directory;
+        EXPECT_EQ(fake_host.reports.size(), 1U);
         printer_reset();
     }
     EXPECT_EQ(printed(), "kept");
+}
+
+TEST_F(PrinterTest, OnAFullDiskItIsNotReadyAndSaysSoOnce) {
+    printer_init();
+    send("AB");
+    {
+        const FullDisk full(2);
+        send("C");
+        EXPECT_EQ(status(), 0xA0);
+        send("D");
+    }
+    EXPECT_EQ(fake_host.reports.size(), 1U);
+    EXPECT_EQ(printed(), "AB");
+    printer_init(); // as when it is switched off and on
+    send("E");
+    EXPECT_EQ(printed(), "ABE");
 }
 
 TEST_F(PrinterTest, OffItPrintsNothing) {
