@@ -7,6 +7,7 @@
 #include "host/commands.h"
 #include "host/disks.h"
 #include "media/cmd_loader.h"
+#include "media/damage.h"
 #include "media/snapshot.h"
 #include "media/tape.h"
 #include "media/traps.h"
@@ -41,7 +42,7 @@ bool start_cmd(const std::string& path) {
     uint16_t entry = 0;
     load_cmd(file.get(), &entry);
     if (g_bAutoStart) z80_state.pc = entry;
-    return true;
+    return is_whole(path, load_module_damage, path + ": is damaged");
 }
 
 /// Enter answers the question of a machine that has just been switched on.
@@ -76,7 +77,7 @@ bool start_cassette(const std::string& path) {
     if (kind == TAPE_MACHINE_CODE) {
         keyboard_open_from_buffer(std::string("\r\r\r\rSYSTEM\r\r") + name + "\r\r/\r");
     }
-    return true;
+    return is_whole(path, tape_damage, path + ": is damaged");
 }
 
 bool start_disk(const std::string& path) {
@@ -85,10 +86,7 @@ bool start_disk(const std::string& path) {
     return true;
 }
 
-bool start_snapshot(const std::string& path) {
-    snapshot_load(path.c_str(), memory_get_ram());
-    return true;
-}
+bool start_snapshot(const std::string& path) { return load_snapshot(path); }
 
 bool start_basic(const std::string& path) {
     if (!is_tokenized_bas(path)) {
@@ -137,6 +135,22 @@ std::string file_problem(const std::string& path) {
     if (access(path.c_str(), R_OK) != 0) return path + ": cannot be read";
     if (fs::file_size(path, error) > LARGEST_FILE) return path + ": is too large";
     return {};
+}
+
+bool is_whole(const std::string& path, std::string (*damage)(std::span<const uint8_t>),
+              const std::string& text) {
+    const auto bytes = read_whole_file(path);
+    const std::string reason = bytes ? damage(*bytes) : "";
+    if (reason.empty()) return true;
+    report({.text = text, .file = path, .reason = reason});
+    return false;
+}
+
+bool load_snapshot(const std::string& path) {
+    const std::string problem = file_problem(path);
+    if (!problem.empty()) return report({.text = problem}), false;
+    if (!is_whole(path, snapshot_damage, path + ": is not a snapshot")) return false;
+    return snapshot_load(path.c_str(), memory_get_ram()) != 0;
 }
 
 std::string start_problem(const std::string& path) {

@@ -1,6 +1,8 @@
 #pragma once
 /// Autostart: loads a file by its extension and starts it.
 
+#include <cstdint>
+#include <span>
 #include <string>
 
 /// Cleared for one evaluation of the command line: load, but do not start.
@@ -16,3 +18,9 @@ void autostart_file(const std::string& path);
 std::string file_problem(const std::string& path);
 /// The same, and that files of its type cannot be started.
 std::string start_problem(const std::string& path);
+/// Tells the user, with `text` in the status bar, when the contents of a readable file are damaged,
+/// see media/damage.h. True when they are whole.
+bool is_whole(const std::string& path, std::string (*damage)(std::span<const uint8_t>),
+              const std::string& text);
+/// Loads a snapshot. When that fails, the user is told why, and the machine is as it was.
+bool load_snapshot(const std::string& path);

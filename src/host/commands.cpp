@@ -16,6 +16,7 @@
 #include "host/screenshot.h"
 #include "host/shell.h"
 #include "host/status.h"
+#include "media/damage.h"
 #include "media/printer.h"
 #include "media/snapshot.h"
 #include "media/tape.h"
@@ -225,7 +226,8 @@ void save_to_video() {
 
 void attach_cas(const std::string& path) {
     if (!tape_attach_cas(path)) return tell_bad_image(path);
-    StatusBarText("CAS image attached: %s", path.c_str());
+    const std::string text = "CAS image attached: " + path;
+    if (is_whole(path, tape_damage, text)) StatusBarText("%s", text.c_str());
 }
 
 void tell_tape_is_out() {
@@ -244,16 +246,8 @@ void close_wav() {
     if (!tape_is_rolling()) check_menu_item(COMMAND_PLAY_RECORD, false); // a recording has ended
 }
 
-/// The box that tells the reason has come by then.
-void attach_wav(const std::string& path) {
-    if (!tape_open_wav(path)) tell_bad_image(path);
-}
-
 void create_wav(const std::string& path) {
-    if (!tape_create_wav(path, TAPE_SAMPLE_RATE)) {
-        return report({.text = path + ": cannot be written"});
-    }
-    tell_recording(path);
+    if (tape_create_wav(path, TAPE_SAMPLE_RATE)) tell_recording(path);
 }
 
 void play_or_record() {
@@ -277,14 +271,6 @@ void save_memory_as_cas(const std::string& path) {
     std::array<std::string, 3> addresses;
     ui_get_casdata(&addresses);
     if (tape_dump_cas(path, addresses[0], addresses[1], addresses[2])) tell_saved(path);
-}
-
-void load_snapshot(const std::string& path) {
-    const std::string problem = file_problem(path);
-    if (!problem.empty()) return report({.text = problem});
-    if (!snapshot_load(path.c_str(), memory_get_ram())) {
-        report({.text = path + ": is not a snapshot"});
-    }
 }
 
 void save_snapshot(const std::string& path) {
@@ -330,7 +316,8 @@ constexpr auto commands = std::to_array<CommandEntry>({
     {COMMAND_MEMORY_AS_CAS, [] { with_file(DIALOG_MEMORY_AS_CAS, save_memory_as_cas); }},
     {COMMAND_VIDEO_CUT, [] { toggle(video_cut, COMMAND_VIDEO_CUT); }},
     {COMMAND_VIDEO_PAGE, [] { toggle(video_page, COMMAND_VIDEO_PAGE); }},
-    {COMMAND_LOAD_SNAPSHOT, [] { with_file(DIALOG_LOAD_SNAPSHOT, load_snapshot); }},
+    {COMMAND_LOAD_SNAPSHOT,
+     [] { with_file(DIALOG_LOAD_SNAPSHOT, [](const std::string& path) { load_snapshot(path); }); }},
     {COMMAND_SAVE_SNAPSHOT, [] { with_file(DIALOG_SAVE_SNAPSHOT, save_snapshot); }},
     {COMMAND_DOUBLE_SCAN, toggle_double_scan},
     {COMMAND_AUTOSTART, [] { with_file(DIALOG_AUTOSTART, autostart_file); }},
@@ -347,7 +334,8 @@ constexpr auto commands = std::to_array<CommandEntry>({
     {COMMAND_DETACH_DISK + 2, [] { main_disk_image_detach(2); }},
     {COMMAND_DETACH_DISK + 3, [] { main_disk_image_detach(3); }},
     {COMMAND_DETACH_ALL, main_disk_image_detach_all},
-    {COMMAND_ATTACH_WAV, [] { with_file(DIALOG_ATTACH_WAV, attach_wav); }},
+    {COMMAND_ATTACH_WAV,
+     [] { with_file(DIALOG_ATTACH_WAV, [](const std::string& path) { tape_open_wav(path); }); }},
     {COMMAND_PASTE, paste_from_clipboard},
     {COMMAND_LOWE_OFF, [] { choose_lowe_board(false); }},
     {COMMAND_LOWE_ON, [] { choose_lowe_board(true); }},

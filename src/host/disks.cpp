@@ -1,9 +1,12 @@
 #include "host/disks.h"
 
+#include "host/autostart.h"
 #include "host/menu.h"
 #include "media/wd1771.h"
 #include "platform/host_services.h"
 #include "platform/platform.h"
+
+#include <filesystem>
 
 namespace {
 
@@ -15,14 +18,23 @@ std::string drive_text(unsigned drive, const std::string& content) {
     return text;
 }
 
+void tell_unsupported(const std::string& path) {
+    std::string reason = file_problem(path);
+    if (reason.empty()) {
+        std::error_code error;
+        const auto size = std::filesystem::file_size(path, error);
+        reason = "its " + std::to_string(size) + " bytes are no layout that is known";
+    }
+    report({.text = "Unsupported disk image.\n", .file = path, .reason = reason});
+}
+
 } // namespace
 
 void main_disk_image_attach(unsigned drive, const std::string& path) {
     if (path.empty() || drive >= DISK_DRIVES) return;
     disk_image& disk = wd1771_disk(drive);
     if (diskimg_inserted(disk)) main_disk_image_detach(drive);
-    if (!diskimg_attach(disk, path))
-        return report({.text = "Unsupported disk image.\n", .file = path});
+    if (!diskimg_attach(disk, path)) return tell_unsupported(path);
     wd1771_reset();
     StatusBarText("Disk: %u side(s), %u tracks, %u sectors, %u kb.", disk.side_value + 1,
                   disk.tracks, disk.sectors, disk.size / KILOBYTE);

@@ -4,10 +4,6 @@
 
 namespace {
 
-enum : int { LOAD_BLOCK = 1, ENTRY_BLOCK = 2 };
-constexpr int ENTRY_LENGTH = 2;
-constexpr int ADDRESS_SIZE = 2;
-
 /// Counts blocks over the whole run, so that the lines of several loads can be told apart.
 int block_count = 0;
 
@@ -28,7 +24,7 @@ bool load_block(std::FILE* file, int length) {
     uint16_t address = 0;
     if (!read_address(file, &address)) return false;
     // The length counts the address as well, modulo 256: 0 to 2 stand for 254 to 256 data bytes.
-    const int count = count_of((length - ADDRESS_SIZE) & 0xFF);
+    const int count = count_of((length - CMD_ADDRESS_SIZE) & 0xFF);
     std::printf("load from address %04xh, %i bytes.\n", unsigned(address), count);
     for (int i = 0; i < count; ++i) {
         const int byte = std::getc(file);
@@ -47,7 +43,7 @@ void skip_block(std::FILE* file, int type, int length) {
 }
 
 int read_entry(std::FILE* file, int length, uint16_t* entry) {
-    if (length != ENTRY_LENGTH) return 0;
+    if (length != CMD_ENTRY_LENGTH) return 0;
     if (!read_address(file, entry)) return 1;
     std::fprintf(stderr, "start address at %xh.\n", unsigned(*entry));
     return 1;
@@ -62,8 +58,8 @@ int load_cmd(std::FILE* file, uint16_t* entry) {
         if (type == EOF) return 0;
         std::fprintf(stderr, "Block #%02i, type %i: \n", ++block_count, type);
         const int length = std::getc(file);
-        if (type == ENTRY_BLOCK) return read_entry(file, length, entry);
-        if (type == LOAD_BLOCK) {
+        if (type == CMD_ENTRY_BLOCK) return read_entry(file, length, entry);
+        if (type == CMD_LOAD_BLOCK) {
             if (!load_block(file, length)) return 1;
         } else if (length != EOF) {
             skip_block(file, type, length);

@@ -37,7 +37,7 @@ FileHandle open_printout() {
     constexpr mode_t OWNERS_CHOICE = 0666;
     const int flags = O_WRONLY | O_CREAT | O_APPEND | O_NONBLOCK | O_CLOEXEC;
     const int descriptor = open(printout_path.c_str(), flags, OWNERS_CHOICE);
-    std::string reason = std::strerror(errno);
+    std::string reason = errno == ENXIO ? "is a pipe" : std::strerror(errno);
     FileHandle file = stream_of(descriptor, "a");
     struct stat status = {};
     if (file && fstat(descriptor, &status) == 0) {

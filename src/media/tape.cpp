@@ -24,16 +24,7 @@ bool tape_ready = false;
 
 namespace {
 
-// The bytes of a tape.
-enum : uint8_t {
-    TAPE_LEADER = 0xAA,
-    TAPE_SYNC = 0x66,
-    TAPE_MACHINE_CODE_MARK = 0x55,
-    TAPE_BLOCK = 0x3C,
-    TAPE_ENTRY = 0x78
-};
 constexpr size_t EXPORT_LEADER_SIZE = 256;
-constexpr size_t NAME_SIZE = 6;
 constexpr uint32_t BLOCK_SIZE = 256;
 constexpr uint8_t UPPER_CASE = 0xDF;
 constexpr uint8_t PAST_THE_END = 0xFF;
@@ -153,9 +144,9 @@ void append_word(std::string& bytes, uint16_t value) {
 }
 
 void append_name(std::string& bytes, std::string_view file_name) {
-    std::string name(file_name.substr(0, std::min(file_name.find('.'), NAME_SIZE)));
+    std::string name(file_name.substr(0, std::min(file_name.find('.'), TAPE_NAME_SIZE)));
     for (char& c : name) c = char(c & UPPER_CASE);
-    name.resize(NAME_SIZE, ' ');
+    name.resize(TAPE_NAME_SIZE, ' ');
     bytes += name;
 }
 

@@ -13,9 +13,19 @@
 /// Images are regular files of up to 16 MB. One is attached at a time: for reading, or for saving
 /// from tape_create_cas on.
 
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <string>
+
+enum TapeByte : uint8_t {
+    TAPE_LEADER = 0xAA,
+    TAPE_SYNC = 0x66,
+    TAPE_MACHINE_CODE_MARK = 0x55,
+    TAPE_BLOCK = 0x3C,
+    TAPE_ENTRY = 0x78
+};
+constexpr size_t TAPE_NAME_SIZE = 6; ///< of a machine-code program
 
 /// What is on a tape, by its first block.
 enum TapeKind : int { TAPE_UNKNOWN = 0, TAPE_BASIC = 1, TAPE_MACHINE_CODE = 2 };

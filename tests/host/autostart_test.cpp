@@ -110,7 +110,8 @@ TEST_F(AutostartTest, FilesThatAreThereAreReportedEvenWhenTheyHoldNothing) {
     for (const std::string path : {"DEMO", "short.jzs", "bad.dsk", "bad.CGD"}) {
         write_text(path, "x");
         run(path);
-        EXPECT_EQ(host->status_text(3), "Autoloaded: " + path);
+        EXPECT_EQ(host->status_text(3),
+                  path == "short.jzs" ? path + ": is not a snapshot" : "Autoloaded: " + path);
         EXPECT_EQ(last_file_name, path == "DEMO" ? "" : path.substr(0, path.size() - 4));
         EXPECT_EQ(z80_state.pc, 0x1234);
     }
@@ -125,8 +126,8 @@ TEST_F(AutostartTest, CassettesBootTheMachineFirst) {
     } cases[] = {
         {"blank.cas", std::string(4, '\0'), ""},
         {"blank.cgt", std::string(4, '\0'), ""},
-        {"basic.cas", "\xAA\xAA\x66Q", "\rCLOAD\rRUN\r"},
-        {"code.CGT", "\xAA\x66\x55QUEST ", "\r\rSYSTEM\rQ\r/\r"},
+        {"basic.cas", std::string("\xAA\xAA\x66Q\0\0", 6), "\rCLOAD\rRUN\r"},
+        {"code.CGT", std::string("\xAA\x66\x55QUEST \x78\0\x60", 12), "\r\rSYSTEM\rQ\r/\r"},
     };
     for (const auto& [path, bytes, typed] : cases) {
         write_text(path, bytes);
@@ -138,7 +139,8 @@ TEST_F(AutostartTest, CassettesBootTheMachineFirst) {
         EXPECT_TRUE(is_typing());
         EXPECT_EQ(typed_text(), typed) << path;
         EXPECT_EQ(tape_read_one_byte(), uint8_t(bytes[0])) << "the tape is in, at its start";
-        EXPECT_EQ(host->status_text(3), "Autoloaded: " + path);
+        EXPECT_EQ(host->status_text(3),
+                  typed.empty() ? path + ": is damaged" : "Autoloaded: " + path);
 
         g_bAutoStart = false;
         run(path);

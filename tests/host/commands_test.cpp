@@ -73,6 +73,7 @@ TEST_F(CommandsTest, OptionsAreToggledWithTheirMark) {
         {40122, &g_bRunInBackground},
         {40123, &save_video_ram_w_screenshot},
     };
+    printer_set_filename(".");
     for (const auto& c : cases) {
         const bool before = *c.flag;
         for (const bool wanted : {!before, before}) {
@@ -96,7 +97,6 @@ TEST_F(CommandsTest, OptionsAreToggledWithTheirMark) {
         EXPECT_EQ(is_menu_item_checked(40046), chosen == 40046);
         EXPECT_EQ(is_menu_item_checked(40045), chosen == 40045);
     }
-    printer_set_filename(".");
     for (const int ready : {1, 0}) {
         handle_command(40060);
         EXPECT_EQ(printer_is_ready(), ready);
@@ -252,8 +252,10 @@ TEST_F(CommandsTest, CommandsThatAskForAFile) {
         {40120, "Save to WAV...", "no/way", "no/way.wav: cannot be written"},
         {123, "Attach CAS file", ".", "Error opening image: ."},
         {123, "Attach CAS file", "short", "CAS image attached: short"},
-        {40034, "Attach tape sample file", "gone.wav", "Error opening image: gone.wav"},
-        {120, "Save WAV file", "no/way", "no/way.wav: cannot be written"},
+        {40034, "Attach tape sample file", "gone.wav",
+         "gone.wav cannot be played: No such file or directory."},
+        {120, "Save WAV file", "no/way",
+         "no/way.wav cannot be recorded: No such file or directory."},
         {127, "Save memory as CAS file", "no/way", "no/way.cas: cannot be written"},
         {127, "Save memory as CAS file", "./memory", "Saved: ./memory.cas"},
     };

@@ -88,7 +88,7 @@ std::vector<Stop> TourTest::stops() {
         std::ofstream("list.bas") << "10 PRINT";
         choose("list.bas");
     };
-    const auto with_cassette = [] { std::ofstream("game.cas") << "\x66Game"; };
+    const auto with_cassette = [] { write_text("game.cas", std::string("\x66G\0\0", 4)); };
     const auto with_recording = [] {
         tape_create_wav("tape.wav", 44100);
         for (int n = 0; n < 100; ++n) tape_set_motor(n % 2 == 0, z80_state.t_count + n * 1000);

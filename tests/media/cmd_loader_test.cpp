@@ -1,6 +1,7 @@
 #include "media/cmd_loader.h"
 
 #include "cgenie/memory.h"
+#include "media/damage.h"
 
 #include <gtest/gtest.h>
 
@@ -175,7 +176,9 @@ TEST_F(CmdLoader, FileCutAtEveryByte) {
     append(whole, {1, 0, 0x80, 0xBF}, 254, 40);
     append(whole, {2, 2, 0x00, 0xC0}, 0, 0);
     for (size_t size = 0; size <= whole.size(); ++size) {
-        check(Bytes(whole.begin(), whole.begin() + long(size)), "cut at " + std::to_string(size));
+        const Bytes cut(whole.begin(), whole.begin() + long(size));
+        check(cut, "cut at " + std::to_string(size));
+        EXPECT_EQ(load_module_damage(cut).empty(), size == whole.size()) << size;
     }
 }
 

@@ -1,3 +1,4 @@
+#include "media/damage.h"
 #include "media/tape.h"
 
 #include "cgenie/memory.h"
@@ -362,6 +363,11 @@ TEST_F(Tape, MemoryIsExported) {
         }
         EXPECT_EQ(image, want);
         EXPECT_EQ(entry, c.entered);
+        const std::vector<uint8_t> tape = read_file(c.path);
+        for (size_t size = 0; size <= tape.size(); ++size) {
+            const bool whole = tape_damage({tape.data(), size}).empty();
+            EXPECT_EQ(whole, size == tape.size()) << "cut at " << size;
+        }
         ASSERT_EQ(tape_attach_cas(c.path), 1);
         char first = 0;
         EXPECT_EQ(tape_cas_type(&first), TAPE_MACHINE_CODE);
