@@ -42,7 +42,7 @@ bool start_cmd(const std::string& path) {
     uint16_t entry = 0;
     load_cmd(file.get(), &entry);
     if (g_bAutoStart) z80_state.pc = entry;
-    return is_whole(path, load_module_damage, path + ": is damaged");
+    return is_whole(path, load_module_damage, path + " is damaged");
 }
 
 /// Enter answers the question of a machine that has just been switched on.
@@ -77,7 +77,7 @@ bool start_cassette(const std::string& path) {
     if (kind == TAPE_MACHINE_CODE) {
         keyboard_open_from_buffer(std::string("\r\r\r\rSYSTEM\r\r") + name + "\r\r/\r");
     }
-    return is_whole(path, tape_damage, path + ": is damaged");
+    return is_whole(path, tape_damage, path + " is damaged");
 }
 
 bool start_disk(const std::string& path) {
@@ -149,7 +149,7 @@ bool is_whole(const std::string& path, std::string (*damage)(std::span<const uin
 bool load_snapshot(const std::string& path) {
     const std::string problem = file_problem(path);
     if (!problem.empty()) return report({.text = problem}), false;
-    if (!is_whole(path, snapshot_damage, path + ": is not a snapshot")) return false;
+    if (!is_whole(path, snapshot_damage, path + " is not a snapshot")) return false;
     return snapshot_load(path.c_str(), memory_get_ram()) != 0;
 }
 

@@ -75,7 +75,10 @@ void hold_message_boxes() {
 
 void show_held_message_boxes() {
     starting = false;
-    for (const Report& told : std::exchange(held, {})) show_box(told);
+    for (const Report& told : std::exchange(held, {})) {
+        show_status(told.text, report_details(told)); // the start has cleared it
+        show_box(told);
+    }
 }
 
 void ui_messages() {

@@ -1,10 +1,17 @@
 #include "platform/report.h"
 
+#include <cctype>
+
 namespace {
 
 std::string without_end(std::string text, const char* characters) {
     text.erase(text.find_last_not_of(characters) + 1);
     return text;
+}
+
+std::string as_sentence(std::string text) {
+    text[0] = char(std::toupper(uint8_t(text[0])));
+    return text.ends_with('.') ? text : text + ".";
 }
 
 /// "FILE: REASON", or what there is of it.
@@ -25,6 +32,7 @@ std::string report_line(const Report& told) {
 }
 
 std::string report_details(const Report& told) {
-    const std::string why = file_and_reason(told);
+    std::string why = file_and_reason(told);
+    if (!why.empty() && why == told.reason) why = as_sentence(why);
     return why.empty() || told.remedy.empty() ? why + told.remedy : why + "\n" + told.remedy;
 }

@@ -111,7 +111,7 @@ TEST_F(AutostartTest, FilesThatAreThereAreReportedEvenWhenTheyHoldNothing) {
         write_text(path, "x");
         run(path);
         EXPECT_EQ(host->status_text(3),
-                  path == "short.jzs" ? path + ": is not a snapshot" : "Autoloaded: " + path);
+                  path == "short.jzs" ? path + " is not a snapshot" : "Autoloaded: " + path);
         EXPECT_EQ(last_file_name, path == "DEMO" ? "" : path.substr(0, path.size() - 4));
         EXPECT_EQ(z80_state.pc, 0x1234);
     }
@@ -140,7 +140,7 @@ TEST_F(AutostartTest, CassettesBootTheMachineFirst) {
         EXPECT_EQ(typed_text(), typed) << path;
         EXPECT_EQ(tape_read_one_byte(), uint8_t(bytes[0])) << "the tape is in, at its start";
         EXPECT_EQ(host->status_text(3),
-                  typed.empty() ? path + ": is damaged" : "Autoloaded: " + path);
+                  typed.empty() ? path + " is damaged" : "Autoloaded: " + path);
 
         g_bAutoStart = false;
         run(path);

@@ -238,7 +238,7 @@ TEST_F(CommandsTest, CommandsThatAskForAFile) {
         {111, "Load BAS file", "gone.bas", "gone.bas: no such file"},
         {135, "Autostart emulator image...", "gone.jzs", "gone.jzs: no such file"},
         {131, "Load emulator snaphsot file", "gone.jzs", "gone.jzs: no such file"},
-        {131, "Load emulator snaphsot file", "short", "short: is not a snapshot"},
+        {131, "Load emulator snaphsot file", "short", "short is not a snapshot"},
         {123, "Attach CAS file", "gone.cas", "Error opening image: gone.cas"},
         {40018, "Attach disk image...", "short", "Unsupported disk image.\n"},
         {40019, "Attach disk image...", "gone.dsk", "Unsupported disk image.\n"},
