@@ -45,9 +45,10 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const Arguments arguments = split(data, size);
     FuzzShell shell;
     shell.start();
-    const std::string problem = command_line_problem(arguments);
+    const CommandLine line = read_command_line(arguments);
+    const std::string problem = command_line_problem(line);
     require(problem.find('\n') == std::string::npos, "a problem is one line");
-    get_command_line(arguments);
+    get_command_line(line);
     // No picture is written: its name could be any.
     event_screenshot_timout = event_shutdown_timout = EVENT_DISARMED;
     machine_run();

@@ -1,5 +1,6 @@
 /// Picks the platform and starts the shell.
 
+#include "host/command_line.h"
 #include "host/messages.h"
 #include "host/shell.h"
 #include "host/video_codec.h"
@@ -8,9 +9,9 @@
 #include "platform/user_paths.h"
 #include "z80/disassembler.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdio>
-#include <optional>
 #include <string_view>
 
 namespace {
@@ -27,12 +28,14 @@ constexpr const char* USAGE =
     "  --headless            run without a display\n"
     "  --real-time           headless: keep to real time instead of virtual time\n"
     "  --setting NAME=VALUE  headless: a setting for this run, a number or a text\n"
+    "  --save-disks          headless: write changed disks back at the end\n"
     "  --wav FILE            record the sound from the start\n"
     "  --regs                print the processor's registers after the run\n"
     "  --disassemble FIRST-LAST\n"
     "                        print the disassembly of these hexadecimal addresses after the run\n"
     "  --help                print this text\n"
     "  --version             print the version\n"
+    "  --                    what follows are files\n"
     "\n"
     "switches:\n"
     "  /a        load FILE, but do not start it\n"
@@ -47,7 +50,8 @@ constexpr const char* USAGE =
     "  /v FILE   record a video\n"
     "  /w        do not wait for real time\n"
     "\n"
-    "An argument that names an existing file is a file, whatever it begins with.\n"
+    "An argument that names an existing file, or has a point or a second slash, is a file.\n"
+    "Without --headless, options of Qt such as -style and -platform are taken as well.\n"
     "A screenshot is written beside FILE, as FILE0000.gif and so on.\n";
 
 HeadlessOptions headless_options() {
@@ -57,20 +61,6 @@ HeadlessOptions headless_options() {
     options.program_directory = executable_directory();
     return options;
 }
-
-struct AddressRange {
-    uint16_t first = 0;
-    uint16_t last = 0;
-};
-
-struct Options {
-    bool headless = false;
-    bool print_registers = false;
-    std::optional<AddressRange> disassemble;
-    bool real_time = false;
-    std::vector<std::pair<std::string, std::string>> settings;
-    Arguments arguments; ///< the rest
-};
 
 int fail(const std::string& problem) {
     std::fprintf(stderr, "tarvelin: %s\n", problem.c_str());
@@ -87,76 +77,6 @@ void apply_setting(Settings& settings, const std::string& name, const std::strin
     } else {
         settings.set_text(name, value);
     }
-}
-
-std::optional<uint16_t> hexadecimal(std::string_view text) {
-    constexpr int BASE = 16;
-    uint16_t number = 0;
-    const char* end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(text.data(), end, number, BASE);
-    return error == std::errc() && stop == end ? std::optional(number) : std::nullopt;
-}
-
-/// FIRST-LAST.
-std::optional<AddressRange> address_range(std::string_view text) {
-    const size_t dash = text.find('-');
-    if (dash == std::string_view::npos) return std::nullopt;
-    const auto first = hexadecimal(text.substr(0, dash));
-    const auto last = hexadecimal(text.substr(dash + 1));
-    if (!first || !last || *first > *last) return std::nullopt;
-    return AddressRange{*first, *last};
-}
-
-/// Sorts out the double-dash options. Returns a problem, or nothing.
-std::string parse(int count, char** words, Options& options) {
-    for (int n = 1; n < count; ++n) {
-        const std::string word = words[n];
-        if (!word.starts_with("--")) {
-            options.arguments.push_back(word);
-        } else if (word == "--headless") {
-            options.headless = true;
-        } else if (word == "--real-time") {
-            options.real_time = true;
-        } else if (word == "--setting") {
-            const std::string text = n + 1 < count ? words[++n] : "";
-            const size_t equals = text.find('=');
-            if (equals == std::string::npos || equals == 0) return word + ": NAME=VALUE is missing";
-            options.settings.emplace_back(text.substr(0, equals), text.substr(equals + 1));
-        } else if (word == "--wav") {
-            if (n + 1 == count) return word + ": FILE is missing";
-            wav_name = words[++n];
-        } else if (word == "--regs") {
-            options.print_registers = true;
-        } else if (word == "--disassemble") {
-            options.disassemble = address_range(n + 1 < count ? words[++n] : "");
-            if (!options.disassemble) return word + ": hexadecimal FIRST-LAST is missing";
-        } else {
-            return word + ": unknown option; --help lists them";
-        }
-    }
-    return {};
-}
-
-int run_headless(const Options& options) {
-    HeadlessOptions headless = headless_options();
-    headless.real_time = options.real_time;
-    HeadlessPlatform host(headless);
-    HeadlessPlatform::stop_on_signals();
-    install_platform(host);
-    for (const auto& [name, value] : options.settings) {
-        apply_setting(host.settings(), name, value);
-    }
-    // There is nobody to choose.
-    answer_video_compression(host.settings().text("VideoCodec").value_or("uncompressed"));
-    breakpoint_opens_monitor = false;
-    const int exit_code = run_shell(options.arguments);
-    return exit_code == 0 && failure_was_reported() ? 1 : exit_code;
-}
-
-int run_desktop(const Options& options, int& argc, char** argv) {
-    QtPlatform host(argc, argv);
-    install_platform(host);
-    return run_shell(options.arguments);
 }
 
 void print_registers() {
@@ -179,34 +99,55 @@ void print_disassembly(const AddressRange& range) {
     } while (next > address && next <= range.last);
 }
 
-bool asks_for(int count, char** words, std::string_view option) {
-    for (int n = 1; n < count; ++n) {
-        if (words[n] == option) return true;
-    }
-    return false;
+void print_results(const CommandLine& line) {
+    if (line.print_registers) print_registers();
+    if (line.disassemble) print_disassembly(*line.disassemble);
+}
+
+int run_headless(const CommandLine& line) {
+    const std::string problem = command_line_problem(line);
+    if (!problem.empty()) return fail(problem);
+    HeadlessOptions headless = headless_options();
+    headless.real_time = line.real_time;
+    HeadlessPlatform host(headless);
+    HeadlessPlatform::stop_on_signals();
+    install_platform(host);
+    for (const auto& [name, value] : line.settings) apply_setting(host.settings(), name, value);
+    // There is nobody to choose.
+    answer_video_compression(host.settings().text("VideoCodec").value_or("uncompressed"));
+    breakpoint_opens_monitor = false;
+    const int exit_code = run_shell(line);
+    print_results(line);
+    return exit_code == 0 && failure_was_reported() ? 1 : exit_code;
+}
+
+/// Qt takes its own options out of the line, but for those behind "--".
+int run_desktop(int argc, char** argv) {
+    char** const end = std::find(argv, argv + argc, std::string_view("--"));
+    const Arguments operands(end, argv + argc);
+    int count = int(end - argv);
+    QtPlatform host(count, argv);
+    Arguments rest(argv + 1, argv + count);
+    rest.insert(rest.end(), operands.begin(), operands.end());
+    const CommandLine line = read_command_line(rest);
+    if (!line.refusal.empty()) return fail(line.refusal);
+    install_platform(host);
+    const int exit_code = run_shell(line);
+    print_results(line);
+    return exit_code;
 }
 
 } // namespace
 
 int main(int argc, char** argv) {
-    if (asks_for(argc, argv, "--help")) {
+    const CommandLine line = read_command_line({argv + 1, argv + argc});
+    if (line.help) {
         std::fputs(USAGE, stdout);
         return 0;
     }
-    if (asks_for(argc, argv, "--version")) {
+    if (line.version) {
         std::puts("Tarvelin " TARVELIN_VERSION);
         return 0;
     }
-    Options options;
-    std::string problem = parse(argc, argv, options);
-    if (problem.empty() && options.headless) problem = command_line_problem(options.arguments);
-    if (problem.empty() && !options.headless && !QtPlatform::has_display()) {
-        problem = "there is no display; --headless runs without one";
-    }
-    if (!problem.empty()) return fail(problem);
-    const int exit_code =
-        options.headless ? run_headless(options) : run_desktop(options, argc, argv);
-    if (options.print_registers) print_registers();
-    if (options.disassemble) print_disassembly(*options.disassemble);
-    return exit_code;
+    return line.headless ? run_headless(line) : run_desktop(argc, argv);
 }

@@ -1,16 +1,54 @@
 #pragma once
-/// The command line: switches that begin with "/", and a file to start.
+/// The command line, read once into a record: options of two dashes, switches that begin with "/",
+/// and a file to start.
+///
+/// An argument that begins with "/" is a switch unless it names an existing file or looks like a
+/// path, with a "." or a second "/" in it. Of the arguments that are neither option nor switch only
+/// the last one of the line counts, as the file to autostart.
 
+#include <cstdint>
+#include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
-/// The arguments behind the program's name and its double-dash options.
+/// The arguments behind the program's name.
 using Arguments = std::vector<std::string>;
 
-/// Evaluates the arguments from left to right; of those that are no switch only the last argument
-/// of the line counts, as the file to autostart. An argument that names an existing file is a file,
-/// whatever it begins with.
-void get_command_line(const Arguments& arguments);
-/// What is wrong with the arguments, in one line; empty when nothing is. Looks at files, changes
-/// nothing.
-std::string command_line_problem(const Arguments& arguments);
+struct AddressRange {
+    uint16_t first = 0;
+    uint16_t last = 0;
+};
+
+struct CommandLine {
+    struct Switch {
+        char letter = 0;
+        std::string value; ///< the next argument, or for /m the rest of this one
+        int64_t seconds = 0;
+    };
+
+    bool help = false;
+    bool version = false;
+    bool headless = false;
+    bool real_time = false;
+    bool save_disks = false;
+    bool print_registers = false;
+    std::vector<std::pair<std::string, std::string>> settings; ///< name and value
+    std::string wav;                                           ///< sound recording to start with
+    std::optional<AddressRange> disassemble;
+
+    std::vector<Switch> switches;   ///< from left to right
+    std::vector<std::string> files; ///< from left to right
+    bool starts_file = false;       ///< the last of them; false when a switch stands behind it
+
+    std::string refusal;               ///< what keeps the program from starting, in one line
+    std::vector<std::string> problems; ///< switches that are left out, a line for each
+};
+
+/// Looks for files of the arguments' names, and does nothing else.
+CommandLine read_command_line(const Arguments& arguments);
+/// Obeys the switches from left to right, then starts the file.
+void get_command_line(const CommandLine& line);
+/// What is wrong with the line and with the files that it names, in one line; empty when nothing
+/// is. Looks at files, changes nothing.
+std::string command_line_problem(const CommandLine& line);

@@ -46,7 +46,6 @@ bool g_bSound = true;
 bool g_KeyMapping = false;
 std::string emu_path;
 std::string avi_name;
-std::string wav_name;
 
 namespace {
 
@@ -233,13 +232,23 @@ void leave_menu() {
     keyboard_reset();
 }
 
+/// A file that is started tells by itself what is wrong with it.
+void tell_what_is_left_out(const CommandLine& line) {
+    for (const std::string& problem : line.problems) report({.text = problem});
+    const size_t started = line.starts_file ? 1 : 0;
+    for (size_t n = 0; n + started < line.files.size(); ++n) {
+        const std::string problem = start_problem(line.files[n]);
+        if (!problem.empty()) report({.text = problem});
+    }
+}
+
 } // namespace
 
 void activate_after_toggle() { g_bActive = !g_bActive && !g_bDebug && !g_bPaused; }
 
 void activate_unless_held() { g_bActive = !g_bPaused && !g_bDebug; }
 
-void emu_init(const Arguments& arguments) {
+void emu_init(const CommandLine& line) {
     uint32_t bit_depth = COLOUR_DEPTH;
     const std::string data_directory = platform().paths().data_directory();
     CreateStatusBar();
@@ -265,8 +274,8 @@ void emu_init(const Arguments& arguments) {
     GetValueStr("Tape", &tape_get_cas_name());
     read_flag("CycleBasedEmulation", g_bCycleBasedEngine);
     keyboard_change_mapping(g_KeyMapping);
-    if (!wav_name.empty()) start_sound_recording(wav_name); // from the first frame on
-    get_command_line(arguments);
+    if (!line.wav.empty()) start_sound_recording(line.wav); // from the first frame on
+    get_command_line(line);
     if (!g_bSound) sound_null_driver_init(); // the command line may have switched it off
     set_check_marks();
     set_screen_params(g_GiantScreen, canvas_bits());
@@ -333,17 +342,16 @@ int run_message_loop() {
     }
 }
 
-int run_shell(const Arguments& arguments) {
+int run_shell(const CommandLine& line) {
     Window& window = platform().window();
     if (!window.create(WINDOW_TITLE)) return 0;
     create_menu();
     hold_message_boxes();
-    emu_init(arguments);
+    emu_init(line);
     window.show();
     const std::string complaint = platform().settings().complaint();
     if (!complaint.empty()) report({.text = complaint, .severity = Severity::warning});
-    const std::string problem = command_line_problem(arguments);
-    if (!problem.empty()) report({.text = problem});
+    tell_what_is_left_out(line);
     show_held_message_boxes();
     reset_timer(); // the start is no time to catch up
     const int exit_code = run_message_loop();

@@ -14,13 +14,12 @@ extern bool g_bSound;                 ///< sound output wanted
 extern bool g_KeyMapping;             ///< symbolic
 extern std::string emu_path;          ///< the program's directory, with a trailing separator
 extern std::string avi_name;          ///< capture to start with
-extern std::string wav_name;          ///< sound recording to start with
 
 /// Start-up, message loop, shutdown. Returns the exit code.
-int run_shell(const Arguments& arguments);
+int run_shell(const CommandLine& line);
 
 /// Starts everything that needs the window, up to the command line's file.
-void emu_init(const Arguments& arguments);
+void emu_init(const CommandLine& line = {});
 /// Messages first, a paced frame in every idle moment. Returns the exit code.
 int run_message_loop();
 /// Ends recordings, keeps the settings, asks for changed disks, and closes what emu_init opened.

@@ -52,7 +52,7 @@ protected:
         StatusBarText("%s", "");
         event_screenshot_timout = event_shutdown_timout = EVENT_DISARMED;
         g_Timer = g_bDblScan = true;
-        get_command_line(arguments);
+        get_command_line(read_command_line(arguments));
         EXPECT_TRUE(g_bAutoStart) << "off for one evaluation only";
     }
 
@@ -140,17 +140,17 @@ TEST_F(CommandLineTest, ModelsAreAppliedAndNotMadeActive) {
     }
 }
 
-TEST_F(CommandLineTest, TimedEventsAreArmedInCyclesOf32Bits) {
+TEST_F(CommandLineTest, TimedEventsAreArmedInCycles) {
     const struct {
         Arguments arguments;
         int64_t screenshot, shutdown;
     } cases[] = {
         {{"/s", "2", "/t", "3"}, 4'433'500, 6'650'250},
         {{"/t", "0"}, EVENT_DISARMED, 0},
-        {{"/s", "12x"}, 26'601'000, EVENT_DISARMED},
-        {{"/s", "x"}, 0, EVENT_DISARMED},
-        {{"/t", "1937"}, EVENT_DISARMED, 4'293'844'750},
-        {{"/t", "1938"}, EVENT_DISARMED, 4'296'061'500 - 4'294'967'296},
+        {{"/s", "12x", "/t", ""}, EVENT_DISARMED, EVENT_DISARMED},
+        {{"/s", "-1", "/t", "1.5"}, EVENT_DISARMED, EVENT_DISARMED},
+        {{"/t", "1938"}, EVENT_DISARMED, 4'296'061'500}, // more than 32 bits
+        {{"/s", "92233720369", "/t"}, EVENT_DISARMED, EVENT_DISARMED},
         {{"/s", "1", "/m3", "/t", "1"}, 2'216'750, 1'000'000}, // each by the clock of its moment
         {{"/w", "/d"}, EVENT_DISARMED, EVENT_DISARMED},
         {{"/S", "1"}, EVENT_DISARMED, EVENT_DISARMED}, // capitals mean nothing
@@ -180,6 +180,10 @@ TEST_F(CommandLineTest, OptionsAreSetWithOneSwitchEach) {
         {{"/i", "text.doc"}, true, true, false, "", "Unsupported disk image.\n"},
         {{"/r", "/h"}, true, true, false, "", ""},
         {{"/H", "/G", "/x", "/"}, true, true, false, "", "/: is a folder"},
+        // A path that leads nowhere is no switch.
+        {{"/home/x/gone.cas"}, true, true, false, "", "/home/x/gone.cas: no such file"},
+        {{"/v.cas"}, true, true, false, "", "/v.cas: no such file"},
+        {{"--", "/h", "/d"}, true, true, false, "", "/d: no such file"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::PrintToString(c.arguments));
@@ -212,6 +216,11 @@ TEST_F(CommandLineTest, ProblemsAreNamedInOneLine) {
         {{"/r", "anything"}, ""},
         {{"/x"}, ""},
         {{"/t"}, "/t: the value is missing"},
+        {{"/t", "99999999999999999999"}, "/t 99999999999999999999: not a number of whole seconds"},
+        {{"gone.cmd", "--nonsense"}, "--nonsense: unknown option; --help lists them"},
+        {{"--setting", "Sound=0"}, "--setting: only with --headless"},
+        {{"--real-time", "--setting"}, "--setting: NAME=VALUE is missing"},
+        {{"--headless", "--real-time", "--setting", "Sound=0", "--", "LOUD.CMD"}, ""},
         {{"one.cmd", "/b"}, "/b: the value is missing"},
         {{"gone.cmd"}, "gone.cmd: no such file"},
         {{"gone.cmd", "one.cmd"}, "gone.cmd: no such file"},
@@ -227,7 +236,7 @@ TEST_F(CommandLineTest, ProblemsAreNamedInOneLine) {
         {{"secret.cmd"}, reads_all ? "" : "secret.cmd: cannot be read"},
     };
     for (const auto& c : cases) {
-        EXPECT_EQ(command_line_problem(c.arguments), c.problem)
+        EXPECT_EQ(command_line_problem(read_command_line(c.arguments)), c.problem)
             << testing::PrintToString(c.arguments);
     }
     EXPECT_EQ(memory[0x9000], 0) << "nothing is loaded";

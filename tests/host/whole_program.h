@@ -27,7 +27,7 @@ protected:
         renew();
         ASSERT_TRUE(host->window().create("start"));
         create_menu();
-        emu_init(arguments);
+        emu_init(read_command_line(arguments));
     }
     /// What the settings file holds, read by a store of its own.
     static std::optional<std::string> stored_text(const std::string& name) {

@@ -22,7 +22,6 @@ inline void reset_program_options() {
     event_screenshot_timout = event_shutdown_timout = EVENT_DISARMED;
     lowe.enabled = 0;
     avi_name.clear();
-    wav_name.clear();
     answer_video_compression("");
     keyboard_type_reset();
     local_pc.reset();
