@@ -77,6 +77,7 @@ std::vector<QLineEdit*> add_fields(QFileDialog& box, const std::vector<FileDialo
 } // namespace
 
 void QtDialogs::message(const std::string& title, const std::string& text, MessageIcon icon) {
+    if (signals_.ending()) return;
     QMessageBox box(icon_of(icon), to_qt(title), message_text(text), QMessageBox::Ok,
                     window_.owner());
     box.setTextFormat(Qt::PlainText);

@@ -1,10 +1,11 @@
 #pragma once
 #include "platform/dialogs.h"
+#include "platform/qt/qt_signals.h"
 #include "platform/qt/qt_window.h"
 
 class QtDialogs final : public Dialogs {
 public:
-    explicit QtDialogs(QtWindow& window) : window_(window) {}
+    QtDialogs(QtWindow& window, const QtSignals& given) : window_(window), signals_(given) {}
     void message(const std::string& title, const std::string& text, MessageIcon icon) override;
     int choose(const std::string& title, const std::string& text,
                const std::vector<std::string>& answers) override;
@@ -14,4 +15,5 @@ public:
 
 private:
     QtWindow& window_;
+    const QtSignals& signals_;
 };

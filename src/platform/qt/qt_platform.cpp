@@ -14,9 +14,13 @@
 #include "platform/settings_file.h"
 
 #include <QApplication>
+#include <QDebug>
 #include <QIcon>
 
+#include <cstdio>
 #include <cstdlib>
+#include <utility>
+#include <vector>
 
 namespace {
 
@@ -28,6 +32,41 @@ int& prepare_qt(int& argc) {
     QGuiApplication::setDesktopFileName("tarvelin");
     return argc;
 }
+
+/// What Qt says while it opens the display is held back until it is known whether that has worked.
+struct OpeningMessages {
+    std::vector<std::pair<QtMsgType, QString>> all;
+    QString reason; ///< the first one about the display
+};
+OpeningMessages opening;
+
+/// Qt would abort the program behind its last message.
+[[noreturn]] void end_without_display() {
+    const QString reason = opening.reason.isEmpty() ? QString() : " (" + opening.reason + ")";
+    std::fprintf(stderr, "tarvelin: the display cannot be opened%s; --headless runs without one\n",
+                 reason.toUtf8().constData());
+    std::_Exit(EXIT_FAILURE);
+}
+
+void hold_message(QtMsgType type, const QMessageLogContext& context, const QString& text) {
+    const bool of_display = QLatin1String(context.category).startsWith(QLatin1String("qt.qpa"));
+    if (of_display && opening.reason.isEmpty()) opening.reason = text.simplified();
+    if (type == QtFatalMsg) end_without_display();
+    opening.all.emplace_back(type, text);
+}
+
+struct Application : QApplication {
+    Application(int& argc, char** argv)
+        : Application(argc, argv, qInstallMessageHandler(hold_message)) {}
+
+private:
+    Application(int& argc, char** argv, QtMessageHandler before) : QApplication(argc, argv) {
+        qInstallMessageHandler(before);
+        for (const auto& [type, text] : std::exchange(opening, {}).all) {
+            if (type != QtDebugMsg) qWarning().noquote() << text;
+        }
+    }
+};
 
 QIcon program_icon() {
     QIcon icon;
@@ -56,7 +95,7 @@ struct QtPlatform::Services {
         });
     }
 
-    QApplication application;
+    Application application;
     QtEvents events;
     QtSignals signals_{events};
     QtKeyboard keyboard;
@@ -65,7 +104,7 @@ struct QtPlatform::Services {
     QtDrawing drawing{window.canvas()};
     QtSurface surface{window};
     QtStatusBar status_bar{window.canvas(), events};
-    QtDialogs dialogs{window};
+    QtDialogs dialogs{window, signals_};
     QtForms forms{window};
     SdlAudio audio;
     QtClipboard clipboard;
@@ -79,13 +118,6 @@ QtPlatform::QtPlatform(int& argc, char** argv)
     : services_(std::make_unique<Services>(argc, argv)) {}
 
 QtPlatform::~QtPlatform() = default;
-
-bool QtPlatform::has_display() {
-    for (const char* name : {"QT_QPA_PLATFORM", "WAYLAND_DISPLAY", "DISPLAY"}) {
-        if (const char* value = std::getenv(name); value && *value) return true;
-    }
-    return false;
-}
 
 Audio& QtPlatform::audio() { return services_->audio; }
 Clipboard& QtPlatform::clipboard() { return services_->clipboard; }

@@ -7,13 +7,10 @@
 
 class QtPlatform final : public Platform {
 public:
-    /// Both must outlive the platform; Qt takes its own options out of them. Without a display the
-    /// program ends here with a message: ask has_display first.
+    /// Both must outlive the platform; Qt takes its own options out of them. Where the display
+    /// cannot be opened, the program ends here with exit status 1 and a line that says why.
     QtPlatform(int& argc, char** argv);
     ~QtPlatform() override;
-
-    /// Does the environment name a display?
-    static bool has_display();
 
     Audio& audio() override;
     Clipboard& clipboard() override;

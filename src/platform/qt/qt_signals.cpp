@@ -35,10 +35,11 @@ void cancel_dialogs() {
 QtSignals::QtSignals(QtEvents& events) {
     if (pipe2(pipe_ends, O_CLOEXEC | O_NONBLOCK) != 0) return;
     notifier_ = std::make_unique<QSocketNotifier>(pipe_ends[0], QSocketNotifier::Read);
-    QObject::connect(notifier_.get(), &QSocketNotifier::activated, [&events] {
+    QObject::connect(notifier_.get(), &QSocketNotifier::activated, [this, &events] {
         char note = 0;
         while (read(pipe_ends[0], &note, 1) > 0) {
         }
+        come_ = true;
         events.post_once(Event::Kind::close);
         cancel_dialogs();
     });

@@ -14,6 +14,10 @@ public:
     QtSignals(const QtSignals&) = delete;
     QtSignals& operator=(const QtSignals&) = delete;
 
+    /// A signal has come: nobody waits for what the program still has to say.
+    bool ending() const { return come_; }
+
 private:
+    bool come_ = false;
     std::unique_ptr<QSocketNotifier> notifier_;
 };
