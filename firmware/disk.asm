@@ -9,6 +9,8 @@
 ; track is a block. Track 0 sector 0 is the boot sector, track D = T / 2 the directory: sector 0 of
 ; it is the map of the blocks, the others hold entries of 16 bytes.
 ;
+; The words keep their places (fill_to): a machine that was kept as a snapshot has jumps to them.
+;
 ; disk_basic.asm, made by the build, has the addresses of what BASIC provides.
 
 ROWS            EQU 25          ; unused here, the same code serves 24
@@ -27,7 +29,10 @@ ROWS            EQU 25          ; unused here, the same code serves 24
         INCLUDE disk_drive.asm
         INCLUDE disk_directory.asm
         INCLUDE disk_files.asm
+        INCLUDE disk_chains.asm
         INCLUDE disk_programs.asm
         INCLUDE disk_data.asm
         INCLUDE disk_format.asm
+        INCLUDE disk_same.asm
+        INCLUDE disk_sectors.asm
         fill_to 0E000h

@@ -16,12 +16,14 @@ FREE_SECTOR     EQU 41D1h
 PRINT_FILE      EQU 41D2h       ; file that PRINT writes to, 0 for none
 PRINTER_KEPT    EQU 41D4h       ; the printer's driver meanwhile
 COLUMN_KEPT     EQU 41D6h       ; and column
-LOADING         EQU 41D7h       ; not 0 while the program in memory is in pieces
+LOADING         EQU 41D7h       ; what is being done to the program in memory, 0 nothing
 RUN_WANTED      EQU 41D8h       ; not 0: LOAD shall run the program
 INPUT_FILE      EQU 41D9h       ; file that INPUT reads
 DISK_WORK       EQU 41DBh       ; a word, of short use
 FILE_TYPE       EQU 41DDh       ; of the entry found
 FIRST_BLOCK     EQU 41DEh
+MAP_SUM         EQU 41DFh       ; of the map last read or written; a word
+QUIET_SECTORS   EQU 41E1h       ; sectors to be read before BREAK is looked at
 
 ; Below the top of the memory: the sector buffer, then the files, each with a buffer behind it.
 FILES           EQU 3
@@ -48,11 +50,16 @@ FILE_COUNT      EQU 14          ; sectors read or written; a word
 FILE_FIRST      EQU 16          ; first block
 FILE_LAST       EQU 17          ; bytes used in the last sector
 FILE_COLUMN     EQU 18          ; of PRINT
-FILE_PROGRAM    EQU 19          ; not 0: of no use unless whole
+FILE_PROGRAM    EQU 19          ; not 0: of LOAD, MERGE or SAVE
+FILE_MAP_SUM    EQU 20          ; what the disk's map must add up to; a word
+FILE_ENTRY_SUM  EQU 22          ; writing: and the file's entry
 FILE_BUFFER     EQU 24
 
 MODE_INPUT      EQU 1
 MODE_OUTPUT     EQU 2
+
+LOADING_ALL     EQU 1           ; it is in pieces
+LOADING_LINES   EQU 2           ; lines of MERGE are put in
 
 ; Bytes of the map.
 MAP_LAST        EQU 0C0h        ; and sectors in use
@@ -93,4 +100,6 @@ ERR_OPEN        EQU ERR_LAST + 24
 ERR_MODE        EQU ERR_LAST + 26
 ERR_END         EQU ERR_LAST + 28
 ERR_TYPE        EQU ERR_LAST + 30
-ERR_DISK_LAST   EQU ERR_TYPE
+ERR_DAMAGED     EQU ERR_LAST + 32
+ERR_CHANGED     EQU ERR_LAST + 34
+ERR_DISK_LAST   EQU ERR_CHANGED

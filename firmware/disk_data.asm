@@ -16,6 +16,7 @@ _number:
         RET
 
 ; OPEN "I", number, "name"; "O" to write, "E" to write at the end
+        fill_to 0CC96h
 word_open:
         CALL eval_string
         OR A
@@ -75,6 +76,7 @@ _output:
         RET
 
 ; CLOSE, CLOSE number, number ...
+        fill_to 0CCFFh
 word_close:
         JP Z,close_files
 _file:
@@ -90,6 +92,7 @@ _file:
         JR _file
 
 ; PRINT # number, list
+        fill_to 0CD12h
 serve_print:
         POP DE                  ; BASIC's error
         CALL file_number
@@ -167,6 +170,7 @@ print_to_file:
 ; INPUT # number, variables; LINE INPUT # number, variable
 ; In:   HL text behind the word
 ; Out:  HL kept, without # before the number
+        fill_to 0CD8Ch
 serve_input:
         LD A,(HL)
         CP '#'
@@ -190,6 +194,7 @@ serve_input:
         POP AF
         JR NZ,_line
 _variable:
+        CALL begin_value
         CALL find_variable
         PUSH HL
         PUSH DE
@@ -218,6 +223,7 @@ _taken:
         RST 10h
         JR _variable
 _line:
+        CALL begin_value
         CALL find_variable
         BIT 0,B
         JP Z,error_tm
@@ -236,73 +242,8 @@ _line:
         POP HL
         RET
 
-; A value of INPUT to LINE_BUFFER, ended by 0: a number up to a blank, a string in quotes, or
-; anything up to a comma or the end of the line.
-; In:   IX file, B type
-; Uses: AF, BC, HL
-read_item:
-        LD HL,LINE_BUFFER
-        LD C,0                  ; 256 less the characters
-_blank:
-        CALL get_char
-        JP C,fail_end
-        CP ' '
-        JR Z,_blank
-        CP LINE_FEED
-        JR Z,_blank
-        BIT 0,B
-        JR Z,_plain
-        CP STRING_QUOTE
-        JR NZ,_plain
-_quoted:
-        CALL get_char
-        JR C,_end
-        CP STRING_QUOTE
-        JR Z,_behind
-        CALL _store
-        JR _quoted
-_behind:
-        CALL get_char
-        JR C,_end
-        CALL _ends
-        JR NZ,_behind
-        JR _end
-_plain:
-        CALL _ends
-        JR Z,_end
-        CP ' '
-        JR NZ,_character
-        BIT 0,B
-        JR Z,_blanks
-_character:
-        CALL _store
-        CALL get_char
-        JR NC,_plain
-_end:
-        LD (HL),0
-        RET
-_blanks:
-        CALL get_char
-        JR C,_end
-        CP ' '
-        JR Z,_blanks
-        CALL _ends
-        CALL NZ,back_char
-        JR _end
-; Out:  Z if A ends a value
-_ends:
-        CP ','
-        RET Z
-        CP RETURN
-        RET
-_store:
-        DEC C
-        JP Z,error_ls
-        LD (HL),A
-        INC HL
-        RET
-
 ; EOF(n): -1 when all is read
+        fill_to 0CE71h
 function_eof:
         CALL file_argument
         CP MODE_INPUT
@@ -312,23 +253,26 @@ function_eof:
         OR (IX + FILE_LEFT + 1)
         JR NZ,_value
         LD A,(IX + FILE_BLOCK)
-        CP BLOCK_LIMIT
-        JR C,_value
+        CP NO_BLOCK
+        JR NZ,_value
         DEC HL
 _value:
         JP set_integer
 ; LOC(n): sectors read or written
+        fill_to 0CE8Fh
 function_loc:
         CALL file_argument
         LD L,(IX + FILE_COUNT)
         LD H,(IX + FILE_COUNT + 1)
         JP set_word
 ; LOF(n): sectors of the file
+        fill_to 0CE9Bh
 function_lof:
         CALL file_argument
         CALL use_disk
         LD A,(IX + FILE_FIRST)
         CALL count_sectors
+        JP C,fail_damaged
         JP set_word
 ; In:   number in the accumulator
 ; Out:  IX open file, A mode

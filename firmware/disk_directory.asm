@@ -62,27 +62,6 @@ _drive:
         LD (DISK_DRIVE),A
         JR _end
 
-; Reads what the boot sector tells about the disk.
-; Out:  DISK_TRACKS to BLOCK_SECTORS
-; Uses: AF, BC, DE, HL
-mount_disk:
-        LD DE,0
-        LD HL,(DISK_AREA)
-        CALL read_sector
-        CALL known_disk
-        JP NZ,fail_format
-        LD A,(HL)
-        LD (DIRECTORY),A
-        INC HL
-        LD A,(HL)
-        INC HL
-        LD H,(HL)
-        LD L,A
-        LD (DISK_TRACKS),HL     ; and DISK_SECTORS
-        SRL H
-        LD A,H
-        LD (BLOCK_SECTORS),A
-        RET
 ; In:   HL boot sector
 ; Out:  Z if it is one of this system, HL at its D
 ; Uses: AF, BC, DE
@@ -112,23 +91,20 @@ disk_signature:
         DEFM "TDOS1"
 
 ; Sector of the directory to or from the sector buffer.
-; In:   E sector (read_map, write_map: the map)
+; In:   E sector
 ; Out:  HL the buffer; DE
 ; Uses: AF, BC
-read_map:
-        LD E,0
 read_directory:
-        LD A,(DIRECTORY)
-        LD D,A
-        LD HL,(DISK_AREA)
+        CALL directory_place
         JP read_sector
-write_map:
-        LD E,0
 write_directory:
+        CALL directory_place
+        JP write_sector
+directory_place:
         LD A,(DIRECTORY)
         LD D,A
         LD HL,(DISK_AREA)
-        JP write_sector
+        RET
 
 ; Byte of the map, in the sector buffer.
 ; In:   A block
@@ -164,6 +140,7 @@ find_file:
         LD (FREE_OFFSET),HL
         LD E,1
 _sector:
+        CALL poll_break
         PUSH DE
         CALL read_directory
         POP DE
@@ -305,11 +282,12 @@ write_entry:
         JP write_directory
 
 ; KILL "name"
+        fill_to 0C5D6h
 word_kill:
         CALL parse_name
         PUSH HL
         CALL mount_disk
-        CALL find_closed_file
+        CALL find_file_to_delete
         CALL delete_file
         POP HL
         RET
@@ -321,6 +299,7 @@ delete_file:
         JR free_blocks
 
 ; NAME "old" TO "new", also with AS
+        fill_to 0C5EFh
 word_name:
         CALL parse_name
         PUSH HL
@@ -380,7 +359,7 @@ _entry:
         CALL read_entry
         LD A,(HL)
         OR A
-        JR Z,_end
+        JP Z,_end
         CP ENTRY_DELETED
         JR Z,_next
         LD B,NAME_PART
@@ -407,6 +386,7 @@ _known:
         CALL put_character
         POP AF
         CALL count_sectors
+        JR C,_damaged
         PUSH HL
         LD DE,10
         RST 18h
@@ -426,6 +406,7 @@ _hundreds:
         CALL put_character
         POP HL
         CALL print_line_number
+_listed:
         CALL get_column
         CP COLUMNS / 2
         JR NC,_row
@@ -434,6 +415,10 @@ _hundreds:
         LD A,' '
         CALL put_character
         JR _next
+_damaged:
+        LD HL,_damaged_text
+        CALL put_text
+        JR _listed
 _row:
         OR A
         CALL NZ,new_row
@@ -483,41 +468,8 @@ _disk_text:
 _free_text:
         DEFM " SECTORS FREE"
         DEFB 0
+_damaged_text:
+        DEFM "   ?"
+        DEFB 0
 _kinds:
         DEFM "BMT?"
-
-; Length of a file.
-; In:   A first block
-; Out:  HL sectors
-; Uses: AF, BC, DE
-count_sectors:
-        PUSH AF
-        CALL read_map
-        POP AF
-        LD BC,0
-        CP BLOCK_LIMIT
-        JR NC,_end
-_block:
-        CALL map_place
-        LD A,(HL)
-        CP BLOCK_LIMIT
-        JR NC,_last
-        LD E,A
-        LD A,(BLOCK_SECTORS)
-        ADD A,C
-        LD C,A
-        LD A,E
-        JR NC,_block
-        INC B
-        BIT 4,B                 ; a chain without end
-        JR Z,_block
-_last:
-        AND 1Fh
-        ADD A,C
-        LD C,A
-        JR NC,_end
-        INC B
-_end:
-        LD H,B
-        LD L,C
-        RET

@@ -38,6 +38,7 @@ _answer:
         CALL measure_disk
         LD D,0
 _track:
+        CALL poll_break
         CALL ready_drive
         JP C,no_disk
         CALL seek_track

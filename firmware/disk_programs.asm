@@ -12,6 +12,7 @@ first_file:
 ; RUN: closes the files; RUN "name" loads first.
 ; In:   HL text
 ; Out:  HL kept unless there is a name
+        fill_to 0CA4Ch
 serve_run:
         DEC HL
         RST 10h
@@ -22,6 +23,7 @@ serve_run:
         JR load_file
 
 ; LOAD "name", LOAD "name",R
+        fill_to 0CA59h
 word_load:
         XOR A
 load_file:
@@ -41,7 +43,7 @@ _end:
         CP TYPE_MACHINE
         JR Z,load_machine
         JR NC,load_text
-        LD A,1
+        LD A,LOADING_ALL
         LD (LOADING),A
         CALL empty_program
         CALL first_file
@@ -75,7 +77,7 @@ program_loaded:
 load_text:
         CP TYPE_TEXT
         JP NZ,fail_type
-        LD A,1
+        LD A,LOADING_ALL
         LD (LOADING),A
         CALL empty_program
         JR merge_text
@@ -90,7 +92,7 @@ open_program:
         CALL mount_disk
         CALL find_existing_file
         CALL first_file
-        JP open_input
+        JP open_program_file
 
 ; Machine code: records with a kind, a length, and for data an address.
 load_machine:
@@ -137,13 +139,14 @@ _byte:
         JP ready                ; no entry in it
 
 ; MERGE "name"
+        fill_to 0CB22h
 word_merge:
         XOR A
         LD (RUN_WANTED),A
         CALL close_files
         CALL parse_name
         CALL open_program
-        CALL clear_variables    ; the lines move
+        CALL begin_merging
         LD A,(FILE_TYPE)
         OR A
         JR Z,merge_tokens
@@ -244,41 +247,8 @@ _ends:
         LD (FREE_SPACE),HL
         RET
 
-; A line of a text, up to 255 characters, to LINE_BUFFER, ended by 0.
-; In:   IX file
-; Out:  carry at the end of the file
-; Uses: AF, B, HL
-read_text_line:
-        LD HL,LINE_BUFFER
-        LD B,0                  ; 256 less the characters
-_character:
-        CALL get_char
-        JR C,_file_end
-        CP RETURN
-        JR Z,_end
-        CP LINE_FEED
-        JR Z,_feed
-        DEC B
-        JP Z,error_ls
-        LD (HL),A
-        INC HL
-        JR _character
-_feed:
-        LD A,B                  ; it may follow a return
-        OR A
-        JR Z,_character
-_end:
-        LD (HL),0
-        OR A
-        RET
-_file_end:
-        LD A,B
-        OR A
-        JR NZ,_end
-        SCF
-        RET
-
 ; SAVE "name", SAVE "name",A for a text
+        fill_to 0CC0Ah
 word_save:
         CALL close_files
         CALL parse_name

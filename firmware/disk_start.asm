@@ -92,7 +92,6 @@ _clear:
         INC H                   ; NZ
         RET
 
-; The routines keep their places: the memory of a machine that runs has jumps to them.
         fill_to 0C0ABh
 disk_sign_on:
         DEFM "TARVELIN DISK SYSTEM 1.0"
@@ -122,6 +121,7 @@ disk_jumps:
 ; In:   HL text
 ; Out:  HL kept when it is none of them
 ; Uses: AF, BC, DE
+        fill_to 0C107h
 serve_line:
         PUSH HL
         CALL disk_word
@@ -135,6 +135,7 @@ call_de:
         RET
 
 ; CMD "word": the same in a program.
+        fill_to 0C116h
 word_cmd:
         CALL eval_string
         PUSH HL
@@ -238,26 +239,18 @@ word_texts:
 ; and an error of the disk is told in words, unless the program handles it.
 ; In:   E code
 ; Out:  E kept
+        fill_to 0C19Ah
 serve_error:
         CALL end_redirection
-        LD A,(LOADING)
-        OR A
-        JR Z,_whole
-        XOR A
-        LD (LOADING),A
         POP HL
         LD (DISK_WORK),HL
         LD A,E
         LD (ERROR_CODE),A
-        CALL empty_program
-        LD HL,0FFFFh
-        LD (CURRENT_LINE),HL
+        CALL drop_program
         LD HL,(DISK_WORK)
         PUSH HL
         LD A,(ERROR_CODE)
         LD E,A
-_whole:
-        LD A,E
         CP ERR_NO_DISK
         RET C
         CP ERR_DISK_LAST + 1
@@ -342,6 +335,10 @@ disk_messages:
         DEFB 0
         DEFM "WRONG FILE TYPE"
         DEFB 0
+        DEFM "DISK DAMAGED"
+        DEFB 0
+        DEFM "DISK CHANGED"
+        DEFB 0
 
 ; Errors of one place each, to be jumped at.
 fail_format:
@@ -379,4 +376,10 @@ fail_end:
         DEFB 1
 fail_type:
         LD E,ERR_TYPE
+        DEFB 1
+fail_damaged:
+        LD E,ERR_DAMAGED
+        DEFB 1
+fail_changed:
+        LD E,ERR_CHANGED
         JP raise_error

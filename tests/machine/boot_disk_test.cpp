@@ -6,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <random>
 
 namespace {
 
@@ -44,35 +43,6 @@ TEST_F(BootDisk, ADiskGivenToARunningMachineWaitsForTheNextStart) {
     ASSERT_TRUE(machine_.type("LIST\n"));
     EXPECT_TRUE(greets()) << "and BASIC goes on below it";
     EXPECT_EQ(machine_.screen().back(), ">");
-}
-
-TEST_F(BootDisk, NoCommandChangesAProtectedDisk) {
-    ASSERT_EQ(diskimg_attach(wd1771_disk(0), DISK), 1);
-    ASSERT_TRUE(
-        machine_.type("10 REM\nSAVE\"A\"\nSAVE\"B\",A\nOPEN\"O\",1,\"C\":PRINT#1,1:CLOSE\n"));
-    wd1771_disk(0).modified = false;
-    wd1771_disk(0).write_protected = true;
-    const std::vector<uint8_t> before = wd1771_disk(0).image;
-    const char* const commands[] = {"SAVE\"#\"",
-                                    "SAVE\"#\",A",
-                                    "KILL\"#\"",
-                                    "NAME\"#\" AS \"D\"",
-                                    "OPEN\"O\",1,\"#\":PRINT#1,1,2:CLOSE",
-                                    "OPEN\"E\",2,\"#\":PRINT#2,STRING$(200,66)",
-                                    "PRINT#2,STRING$(200,67)",
-                                    "CLOSE",
-                                    "FORMAT\nY",
-                                    "DIR",
-                                    "LOAD\"#\"",
-                                    "MERGE\"#\""};
-    std::mt19937 random(5);
-    for (int n = 0; n < 150; ++n) {
-        std::string command = commands[random() % std::size(commands)];
-        std::ranges::replace(command, '#', char('A' + random() % 4));
-        ASSERT_TRUE(machine_.type(command + "\n")) << command;
-        ASSERT_EQ(wd1771_disk(0).image, before) << command;
-    }
-    EXPECT_FALSE(wd1771_disk(0).modified);
 }
 
 } // namespace

@@ -9,7 +9,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <random>
 #include <span>
+#include <utility>
 
 namespace {
 
@@ -113,6 +115,58 @@ private:
     const Folder folder;
     const std::string path = folder / "disk.dsk";
 };
+
+/// A disk with a program, the same as a text, text in pieces, and machine code.
+struct FilledDisk : DiskMachine {
+    FilledDisk() : DiskMachine(0, 35, 10) {
+        std::string typed = "FORMAT\nY", problem;
+        for (int line = 10; line < 70; ++line) // no byte of it begins a record of machine code
+            typed += std::to_string(257 * line) + " REM" + std::string(60, 'R') + "\n";
+        rows(typed + "SAVE\"A\"\nSAVE\"B\",A\nOPEN\"O\",1,\"C\":OPEN\"O\",2,\"D\"\n");
+        for (int i = 0; i < 25; ++i) rows("PRINT#1,\"ONE\",,,,,,,,,,I:PRINT#2,,,,,,,,,,I\n");
+        rows("CLOSE\nKILL\"D\"\n");
+        DiskBytes code(4092, 0xC9); // RET; records of 128 bytes to 7000
+        for (size_t at = 0; at < code.size(); at += 132)
+            std::ranges::copy(DiskBytes{1, 0x82, 0, 0x70}, code.begin() + ptrdiff_t(at));
+        code.insert(code.end(), {2, 2, 0, 0x70});
+        auto disk = disk_mount(wd1771_disk(0), problem);
+        EXPECT_EQ(disk_put(*disk, *disk_name("M"), FILE_CODE, code, problem), 1) << problem;
+        sound = wd1771_disk(0).image = disk->image.image;
+    }
+    DiskBytes sound;
+    const size_t half = sectors / 2 * SECTOR, map = tracks / 2 * 2 * half, entries = map + SECTOR;
+};
+
+/// Where an act on a file changed what was not its own; the size of the image if nowhere. Its own
+/// are its entry, or one not in use, and its and the free blocks to which no other file leads.
+size_t stray(const FilledDisk& disk, const DiskBytes& before, const DiskBytes& after, char name) {
+    DiskBytes own(before.size());
+    const auto take = [&](size_t block, uint8_t is_own) {
+        if (block == 0 || block / 2 == disk.tracks / 2) return;
+        own[disk.map + block] = is_own;
+        std::fill_n(&own[block * disk.half], disk.half, is_own);
+    };
+    for (size_t block = 0; block < 2 * disk.tracks; ++block)
+        take(block, before[disk.map + block] == 0xFF);
+    const std::string wanted = name + std::string(10, ' ');
+    size_t file = 0;
+    for (const bool others : {false, true}) {
+        for (size_t at = disk.entries;; at += ENTRY) {
+            const bool in_use = before[at] && before[at] != 0xE5;
+            if (!file && in_use && std::equal(wanted.begin(), wanted.end(), &before[at])) file = at;
+            if (!in_use || at == file) std::fill_n(&own[at], ENTRY, 1);
+            size_t block = in_use && (at != file) == others ? before[at + 12] : 0xFF;
+            for (size_t n = 0; n < 99 && block < 2 * disk.tracks; ++n) {
+                take(block, !others);
+                block = before[disk.map + block];
+            }
+            if (!before[at]) break;
+        }
+    }
+    size_t at = 0;
+    while (at < before.size() && (own[at] || before[at] == after[at])) ++at;
+    return at;
+}
 
 TEST(Disk, FormatsAndKeepsPrograms) {
     const struct {
@@ -265,6 +319,145 @@ TEST(Disk, TakesImagesOfTheHost) {
         EXPECT_EQ(basic_decode(file, basic),
                   listing + "1000 OPEN\"I\",1,\"DATA/TXT\":INPUT#1,B:PRINT B\n");
     }
+}
+
+TEST(Disk, EveryActEndsAndKeepsToItsFileOnDamagedDisks) {
+    FilledDisk disk;
+    const std::string full = ",,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,,:CLOSE";
+    const std::string acts[] = {
+        "DIR",
+        "LOAD\"#\"",
+        "RUN\"#\"",
+        "MERGE\"#\"",
+        "NEW\n1 OPEN\"I\",3,\"#\":PRINT LOF(3)\n2 IF NOT EOF(3)THEN INPUT#3,L$:GOTO 2\nRUN",
+        "SAVE\"#\"",
+        "SAVE\"#\",A",
+        "KILL\"#\"",
+        "NAME\"#\"TO\"Z\"",
+        "OPEN\"O\",2,\"#\":PRINT#2" + full,
+        "OPEN\"E\",1,\"#\":PRINT#1" + full};
+    constexpr size_t FIRST_TO_WRITE = 5;
+    std::mt19937 random(7);
+    const auto any = [&](size_t count) { return size_t(random() % count); };
+    int written = 0, refused = 0;
+    disk_image& drive = wd1771_disk(0);
+    for (int damage = 0; damage < 200; ++damage) {
+        drive.image = disk.sound;
+        drive.write_protected = damage % 10 == 9;
+        std::string told;
+        for (size_t count = 1 + any(3); count > 0; --count) {
+            const size_t places[] = {any(10), disk.map + any(12), disk.map + any(70),
+                                     disk.entries + any(96), disk.entries + any(6) * ENTRY + 12};
+            const size_t bytes[] = {any(256), any(12), any(70), 0xFF, 0xFE, 18, 0xC0 + any(7)};
+            const size_t place = places[any(std::size(places))];
+            drive.image[place] = uint8_t(bytes[any(std::size(bytes))]);
+            told += std::to_string(place) + "=" + std::to_string(drive.image[place]) + " ";
+        }
+        for (int n = 0; n < 12; ++n) {
+            const size_t act = any(std::size(acts));
+            const char name = "ABCMNZ"[any(6)];
+            std::string text = acts[act] + "\n";
+            if (const size_t at = text.find("\"#\""); at < text.size()) text[at + 1] = name;
+            told += text;
+            const DiskBytes before = drive.image;
+            const std::string answer = disk.answer(text);
+            ASSERT_EQ(stray(disk, before, drive.image, name), before.size()) << told << answer;
+            const bool changed = drive.image != before;
+            ASSERT_FALSE(changed && (act < FIRST_TO_WRITE || drive.write_protected)) << told;
+            written += changed;
+            refused += answer == "?DISK DAMAGED";
+        }
+    }
+    EXPECT_GT(written, 200);
+    EXPECT_GT(refused, 300);
+}
+
+TEST(Disk, CirclesAndBreakEndEveryAct) {
+    FilledDisk disk;
+    DiskBytes& drive = wd1771_disk(0).image;
+    for (const char* name : {"A", "B", "C", "M"})
+        drive[disk.map + disk.entry(name)[12]] = disk.entry(name)[12];
+    const DiskBytes circles = drive;
+    for (const char* act :
+         {"LOAD\"A\"\n", "LOAD\"B\"\n", "LOAD\"M\"\n", "MERGE\"A\"\n", "MERGE\"B\"\n",
+          "OPEN\"E\",1,\"C\"\n", "SAVE\"A\"\n", "KILL\"B\"\n", "OPEN\"I\",2,\"C\":PRINT LOF(2)\n"})
+        EXPECT_EQ(disk.answer(act), "?DISK DAMAGED") << act;
+    EXPECT_TRUE(drive == circles);
+    for (const size_t place : {2, 3, 4}) { // of the boot sector
+        drive = disk.sound;
+        ++drive[place];
+        EXPECT_EQ(disk.answer("LOAD\"A\"\n"), "?DISK DAMAGED") << place;
+    }
+
+    const std::string others = "C 2 3725, M 1 4096", all = "A 0 3962, B 2 4171, " + others;
+    for (const std::string act :
+         {"LOAD\"A\"\n", "LOAD\"B\"\n", "RUN\"M\"\n", "MERGE\"B\"\n", "OPEN\"E\",1,\"C\":PRINT\n",
+          "SAVE\"N\"\n", "SAVE\"B\",A\n", "FORMAT\nY"}) {
+        int frames = 3000;
+        for (const bool pressed : {false, true}) {
+            disk.rows("CLOSE\n");
+            drive = disk.sound;
+            disk.rows("LOAD\"A\"\n");
+            EXPECT_NE(disk.machine.type(act, frames), pressed) << act;
+            frames = disk.machine.frames() * 2 / 5;
+        }
+        disk.machine.platform().set_key(KEY_END, true); // BREAK
+        EXPECT_TRUE(disk.machine.type("", 30)) << act;
+        disk.machine.platform().release_all_keys();
+        const auto rows = disk.machine.screen();
+        EXPECT_EQ(rows[rows.size() - 3], "BREAK") << act;
+        EXPECT_FALSE(act[0] == 'L' && memory[0x5802]) << act << "left a program in pieces";
+        EXPECT_EQ(disk.found(), act[0] == 'F'            ? "not a disk of the disk ROM"
+                                : act == "SAVE\"B\",A\n" ? "A 0 3962, " + others
+                                                         : all);
+        EXPECT_EQ(disk.answer("PRINT#1,1\n"), "?FILE NOT OPEN") << act;
+    }
+}
+
+TEST(Disk, NoFileComesToAnotherDisk) {
+    FilledDisk disk;
+    DiskBytes& drive = wd1771_disk(0).image;
+    disk.rows("FORMAT\nY");
+    const DiskBytes filled = disk.sound, empty = drive;
+    DiskBytes fuller = filled;
+    fuller[disk.map + 69] = 0xC1;
+    const std::string output = "OPEN\"O\",1,\"C\":PRINT#1,1", extend = "OPEN\"E\",1,\"C\"";
+    const struct {
+        const DiskBytes &opened, &changed;
+        std::string open, act;
+    } cases[] = {
+        {filled, empty, output, "CLOSE"},
+        {empty, empty, output, "CLOSE"}, // as it was before OPEN
+        {filled, fuller, extend + ":PRINT#1,1", "SAVE\"N\""},
+        {filled, filled, output + ",,,,,,,,,,,,,,,\"123456789012345678901234567890\"", "CLOSE"},
+        {filled, empty, extend, "PRINT#1,,,,,,,,,,,,,,,,,,,,,,,,,,"},
+        {filled, empty, "OPEN\"I\",1,\"C\"", "1 INPUT#1,A$\nGOTO 1"}};
+    for (const auto& [opened, changed, open, act] : cases) {
+        drive = opened;
+        disk.rows("NEW\n" + open + "\n");
+        drive = changed;
+        EXPECT_EQ(disk.answer(act + "\n").find("?DISK CHANGED"), 0U) << open << act;
+        EXPECT_EQ(disk.answer("PRINT#1,1\n")[0], '?') << open << act;
+        disk.rows("CLOSE\n");
+        EXPECT_TRUE(drive == changed) << open << act;
+    }
+    // The same disk again, with another one between; files on disks of two sizes.
+    drive = filled;
+    std::string problem;
+    wd1771_disk(1) = *disk_blank(DISK_PLAIN, 80, 18, problem);
+    disk.rows("FORMAT 1\nYCLEAR 500:OPEN\"O\",1,\"N:1\":OPEN\"E\",2,\"C\":OPEN\"O\",3,\"D\"\n");
+    for (int i = 0; i < 20; ++i) {
+        disk.rows("PRINT#1,STRING$(254,49):PRINT#2,STRING$(254,50)\n");
+        const DiskBytes own = std::exchange(drive, fuller);
+        disk.rows("KILL\"B\"\n");
+        drive = own;
+    }
+    disk.rows("KILL\"A\"\nPRINT#3,3:CLOSE\n");
+    EXPECT_EQ(disk.found(), "B 2 4171, C 2 8825, M 1 4096, D 2 4");
+    const auto second = disk_mount(wd1771_disk(1), problem);
+    EXPECT_TRUE(disk_check(*second).empty());
+    EXPECT_EQ(disk_find(*second, "N")->bytes, 20 * 255U);
+    diskimg_detach(wd1771_disk(1), false);
 }
 
 TEST(Disk, StartsABootableDisk) {
