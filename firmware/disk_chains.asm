@@ -3,9 +3,10 @@
 BLOCK_SET       EQU BLOCK_LIMIT / 8     ; bytes of a set of blocks, a bit for each
 LONG_TRACK      EQU 18          ; sectors of a track, the other number is SHORT_TRACK
 SHORT_TRACK     EQU 10
+MOST_TRACKS     EQU BLOCK_LIMIT / 2
 MOST_SECTORS    EQU 8           ; of a file, in units of 256: more than a disk has
 
-; Reads what the boot sector tells about the disk; what no FORMAT makes is damage.
+; Reads what the boot sector tells about the disk. D, T and S must go together.
 ; Out:  DISK_TRACKS to BLOCK_SECTORS
 ; Uses: AF, BC, DE, HL
 mount_disk:
@@ -20,27 +21,25 @@ mount_disk:
         INC HL
         LD D,(HL)               ; S
         LD A,E
-        CP 80
-        JR Z,_tracks
-        CP 40
-        JR Z,_tracks
-        CP 35
-        JP NZ,fail_damaged
-_tracks:
+        CP MOST_TRACKS + 1
+        JR NC,_damaged
         SRL A
+        JR Z,_damaged
         CP C
-        JP NZ,fail_damaged
+        JR NZ,_damaged
         LD A,D
         CP LONG_TRACK
         JR Z,_sectors
         CP SHORT_TRACK
-        JP NZ,fail_damaged
+        JR NZ,_damaged
 _sectors:
         LD (DISK_TRACKS),DE     ; and DISK_SECTORS
         SRL A
         LD B,A
         LD (DIRECTORY),BC       ; and BLOCK_SECTORS
         RET
+_damaged:
+        JP fail_damaged
 
 ; Is it a block for files?
 ; In:   A block
