@@ -18,8 +18,8 @@ if [[ -n ${DISPLAY:-}${WAYLAND_DISPLAY:-} ]]; then
 fi
 if [[ $# -gt 0 ]]; then exec "$program" --headless "$@"; fi
 
-# The demonstration: an example program for three seconds of machine time.
+# The demonstration: an example program for five seconds of machine time.
 work=$(mktemp -d)
 cp "$here/build/release/examples/colours.cmd" "$work/"
-"$program" --headless /w /s 2 /t 3 "$work/colours.cmd" >/dev/null 2>&1
+"$program" --headless /w /s 4 /t 5 "$work/colours.cmd" >/dev/null 2>&1
 echo "There is no display. The picture of the demonstration is in $work/colours0000.gif"

@@ -62,7 +62,7 @@ press_until() {
 cp "$examples/colours.cmd" "$examples/bounce.cmd" .
 # The manual's own listing, so that it shows what it draws.
 sed -n '/<pre id="listing">/,/<\/pre>/p' "$manual" | sed 's/<[^>]*>//g' >listing.bas
-machine colours 2 colours.cmd
+machine colours 4 colours.cmd
 machine graphics 40 listing.bas
 
 start_server 1024x768x24

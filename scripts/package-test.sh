@@ -106,12 +106,12 @@ check "disk tool" as_user tarvelin-disk --version
 
 as_user mkdir -p /tmp/home/play
 as_user cp /usr/share/tarvelin/examples/colours.cmd /tmp/home/play/
-check "run without a display" as_user tarvelin --headless /w /s 2 /t 3 /tmp/home/play/colours.cmd
+check "run without a display" as_user tarvelin --headless /w /s 4 /t 5 /tmp/home/play/colours.cmd
 check "its picture" test -s "$root/tmp/home/play/colours0000.gif"
 # The same run on this host draws the same picture.
 mkdir "$root/tmp/here"
 cp "$root/usr/share/tarvelin/examples/colours.cmd" "$root/tmp/here/"
-"$build/src/tarvelin" --headless /w /s 2 /t 3 "$root/tmp/here/colours.cmd" >/dev/null 2>&1
+"$build/src/tarvelin" --headless /w /s 4 /t 5 "$root/tmp/here/colours.cmd" >/dev/null 2>&1
 check "the picture is the host's" \
     cmp "$root/tmp/here/colours0000.gif" "$root/tmp/home/play/colours0000.gif"
 

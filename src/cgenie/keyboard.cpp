@@ -180,10 +180,10 @@ int keyboard_open_from_buffer(const std::string& text) {
     return 1;
 }
 
-int keyboard_open_bas_file(const std::string& path) {
+int keyboard_open_bas_file(const std::string& path, const std::string& keys_before) {
     const auto text = read_whole_file(path);
     if (!text) return 0;
-    start_typing({text->begin(), text->end()});
+    start_typing(keys_before + std::string(text->begin(), text->end()));
     return 1;
 }
 

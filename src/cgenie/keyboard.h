@@ -17,9 +17,9 @@ void keyboard_change_mapping(int mapping);
 
 /// Starts typing the text, up to a zero byte; 1 on success.
 int keyboard_open_from_buffer(const std::string& text);
-/// Starts typing the whole file; 0 when it cannot be read, is no regular file or is larger than
-/// LARGEST_FILE.
-int keyboard_open_bas_file(const std::string& path);
+/// Starts typing the whole file, behind the keys in front of it; 0 when it cannot be read, is no
+/// regular file or is larger than LARGEST_FILE.
+int keyboard_open_bas_file(const std::string& path, const std::string& keys_before = {});
 /// Starts typing the clipboard's text, where there is one.
 void gui_paste_from_clipboard();
 /// The next character to type. At the end of the text 0, and `done` is set.

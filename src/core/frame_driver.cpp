@@ -35,7 +35,7 @@ void run_timed_events() {
         platform().events().post_quit(0);
         return;
     }
-    if (z80_state.t_count < event_screenshot_timout) return;
+    if (z80_state.t_count < event_screenshot_timout || !host_has_canvas()) return;
     host_save_screenshot();
     event_screenshot_timout = EVENT_DISARMED;
 }
@@ -83,6 +83,7 @@ void end_frame() {
         leftover = frame_left;
         crtc_vblank();
     }
+    machine_look_for_prompt();
     run_timed_events();
     led_update(wd1771_is_active());
     sound_flush(z80_state.t_count);
@@ -122,6 +123,14 @@ void machine_step() {
     begin_frame();
     frame_left = g_bCycleBasedEngine ? video_step(frame_left) : frame_left + z80_run(0);
     if (frame_left <= 0) end_frame();
+}
+
+void take_late_screenshot() {
+    if (z80_state.t_count < event_screenshot_timout) return;
+    if (event_screenshot_timout >= event_shutdown_timout || !host_has_canvas()) return;
+    update_screen(1); // no frame has been shown yet
+    host_save_screenshot();
+    event_screenshot_timout = EVENT_DISARMED;
 }
 
 void do_some_frames(int count) {

@@ -16,7 +16,8 @@ extern int g_bRecordingVideo;
 /// Base name, without extension, of screenshots; empty after a reset.
 extern std::string last_file_name;
 
-/// Absolute cycle counts of the timed events; EVENT_DISARMED when there is none.
+/// Absolute cycle counts of the timed events; EVENT_DISARMED when there is none. A screenshot waits
+/// for a canvas.
 constexpr int64_t EVENT_DISARMED = INT64_MAX;
 extern int64_t event_shutdown_timout;
 extern int64_t event_screenshot_timout;
@@ -46,6 +47,9 @@ int machine_run();
 void machine_step();
 /// Runs frames and shows each, without pacing. Ends early at the breakpoint.
 void do_some_frames(int count);
+/// Takes a timed screenshot that fell due before there was a canvas, unless the shutdown came
+/// first.
+void take_late_screenshot();
 /// One frame, waiting and screen update included: the body of the idle loop.
 void paced_frame_step();
 

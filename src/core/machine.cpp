@@ -29,7 +29,41 @@ constexpr machine_configuration standard_models[STANDARD_MODELS] = {
 };
 constexpr uint32_t CUSTOM_TEMPLATE = 1;
 
+/// Cells of BASIC, the same in every ROM of this machine.
+enum : uint16_t {
+    PROGRAM_START = 0x40A4,
+    MEMORY_TOP = 0x40B1,
+    PROGRAM_END = 0x40F9, ///< also start of the variables
+    ARRAYS = 0x40FB,
+    FREE_SPACE = 0x40FD
+};
+constexpr uint16_t LINK_SIZE = 2; ///< a link of 0000 ends a program
+constexpr uint16_t RAM_END = 0xC000;
+
+/// Past wait cycles and whatever a program has put behind an address.
+uint16_t cell(uint16_t address) { return uint16_t(memory[address] | memory[address + 1] << 8); }
+
+/// Once MEM SIZE? has been answered, BASIC makes an empty program and goes to its prompt. Until
+/// then these cells hold what the memory is filled with at power-on, or zeros: neither is in order,
+/// and of random bytes one filling in millions.
+bool there_is_a_basic_program() {
+    const uint16_t end = cell(PROGRAM_END);
+    return cell(PROGRAM_START) > RAM_START && cell(PROGRAM_START) + LINK_SIZE <= end &&
+           end <= cell(ARRAYS) && cell(ARRAYS) <= cell(FREE_SPACE) &&
+           cell(FREE_SPACE) <= cell(MEMORY_TOP) && cell(MEMORY_TOP) < RAM_END &&
+           cell(uint16_t(end - LINK_SIZE)) == 0;
+}
+
+/// RAM as at power-on, and the processor at its start.
+void start_cold() {
+    memory_reset();
+    z80_reset();
+    machine_run_now.prompt_reached = false;
+}
+
 } // namespace
+
+machine_run_state machine_run_now;
 
 machine_configuration machine_cfg[MACHINE_CONFIGURATIONS];
 uint32_t active_machine_cfg = 0;
@@ -78,11 +112,25 @@ void machine_change_cfg(const machine_configuration& configuration, int full) {
         memory_set_active_setup(configuration.ram_size);
         memory_set_basic_rom(configuration.basic_rom);
         memory_set_eprom(configuration.expansion_rom);
-        memory_reset();
         memory_init();
-        z80_reset();
+        start_cold();
     }
     machine_show_cfg();
+}
+
+void machine_restart() {
+    start_cold();
+    memory_remove_bas_trap();
+    keyboard_type_reset();
+    wd1771_reset_all();
+    ym2149_reset();
+}
+
+// Nothing that the firmware does at the prompt can be caught without a look at every instruction.
+// The memory tells it as well, also with a ROM of the user's, and once a frame costs nothing.
+void machine_look_for_prompt() {
+    if (!machine_run_now.prompt_reached)
+        machine_run_now.prompt_reached = there_is_a_basic_program();
 }
 
 void machine_reset() {

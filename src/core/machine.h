@@ -25,6 +25,14 @@ constexpr uint32_t FASTEST_CLOCK = 100'000'000;
 extern machine_configuration machine_cfg[MACHINE_CONFIGURATIONS];
 extern uint32_t active_machine_cfg;
 
+/// What has come about in this run; no setting keeps it.
+struct machine_run_state {
+    /// BASIC has come to its prompt since the last cold start: power-on, restart, or a
+    /// configuration that restarts the machine.
+    bool prompt_reached = false;
+};
+extern machine_run_state machine_run_now;
+
 // The choices of the configuration dialog, in the order of their values.
 extern const char* const models[STANDARD_MODELS];
 extern const char* const basic_roms[4];
@@ -41,6 +49,10 @@ void machine_init();
 /// Applies a configuration. With `full` 0 only the character set and the palette change; otherwise
 /// the machine restarts cold with fresh RAM. The cycle counter never goes back.
 void machine_change_cfg(const machine_configuration& configuration, int full);
+/// As after switching off and on: fresh RAM, the processor at its start, disks and sound at rest.
+void machine_restart();
+/// Notes when BASIC has come to its prompt; the frame driver asks for it after each frame.
+void machine_look_for_prompt();
 /// The reset key: an NMI. Memory and registers stay; typing stops, the heads go to track 0, the
 /// sound and the picture are cleared, and the base name of screenshots is forgotten.
 void machine_reset();

@@ -11,6 +11,7 @@
 #include "media/snapshot.h"
 #include "media/tape.h"
 #include "media/traps.h"
+#include "media/wd1771.h"
 #include "platform/file_handle.h"
 #include "platform/file_names.h"
 #include "platform/host_services.h"
@@ -33,26 +34,23 @@ namespace fs = std::filesystem;
 
 /// Until the firmware has started and waits for input.
 constexpr int BOOT_FRAMES = 100;
+/// Typing skips the byte behind a carriage return, as that of a pair.
+constexpr const char* ENTER = "\r\n";
 
-// The loaders return false when nothing is to be reported.
+bool is_starting_up() { return !machine_run_now.prompt_reached; }
 
-bool start_cmd(const std::string& path) {
-    const FileHandle file = open_file(path, "rb");
-    if (!file) return true;
-    uint16_t entry = 0;
-    load_cmd(file.get(), &entry);
-    if (g_bAutoStart) z80_state.pc = entry;
-    return is_whole(path, load_module_damage, path + " is damaged");
+void run_start_up_frames() {
+    // A breakpoint is for the program that comes: the start has to be complete.
+    const int32_t armed = std::exchange(z80_state.breakpoint_enabled, 0);
+    do_some_frames(BOOT_FRAMES);
+    z80_state.breakpoint_enabled = armed;
 }
 
 /// Enter answers the question of a machine that has just been switched on.
 void answer_start_question() {
     memory_place_bas_trap();
     keyboard_open_from_buffer("\r");
-    // A breakpoint is for the program that comes: the start has to be complete.
-    const int32_t armed = std::exchange(z80_state.breakpoint_enabled, 0);
-    do_some_frames(BOOT_FRAMES);
-    z80_state.breakpoint_enabled = armed;
+    run_start_up_frames();
 }
 
 /// The reset key then brings any program back to BASIC.
@@ -61,7 +59,22 @@ void boot_to_basic() {
     machine_reset();
 }
 
-bool just_switched_on() { return z80_state.t_count < int64_t(BOOT_FRAMES) * frame_budget(); }
+// What a file is loaded by. False when it was not loaded, which has been reported, or when nothing
+// is to be said.
+
+bool start_cmd(const std::string& path) {
+    const FileHandle file = open_file(path, "rb");
+    if (!file) {
+        report({.text = path + ": cannot be read"});
+        return false;
+    }
+    // The program may call the firmware, which needs its vectors for that.
+    if (g_bAutoStart && is_starting_up()) run_start_up_frames();
+    uint16_t entry = 0;
+    load_cmd(file.get(), &entry);
+    if (g_bAutoStart) z80_state.pc = entry;
+    return is_whole(path, load_module_damage, path + " is damaged");
+}
 
 bool start_cassette(const std::string& path) {
     if (!tape_attach_cas(path)) {
@@ -82,16 +95,25 @@ bool start_cassette(const std::string& path) {
 
 bool start_disk(const std::string& path) {
     main_disk_image_attach(0, path);
-    if (platform().keyboard().is_down(KEY_CONTROL)) z80_state.pc = 0;
-    return true;
+    if (platform().keyboard().is_down(KEY_CONTROL)) {
+        z80_state.pc = 0;
+        machine_run_now.prompt_reached = false;
+    }
+    return diskimg_inserted(wd1771_disk(0)) && wd1771_disk(0).path == path;
 }
 
 bool start_snapshot(const std::string& path) { return load_snapshot(path); }
 
-bool start_basic(const std::string& path) {
+/// `keys` follow the loading of a tokenized program.
+bool give_basic(const std::string& path, const std::string& keys) {
+    if (g_bAutoStart && is_starting_up()) answer_start_question(); // or it takes the first lines
     if (!is_tokenized_bas(path)) {
-        if (just_switched_on()) answer_start_question(); // or it takes the first lines
-        if (keyboard_open_bas_file(path)) memory_place_bas_trap();
+        // A machine that is slow, or was not let start up, still has its question to come.
+        if (!keyboard_open_bas_file(path, is_starting_up() ? ENTER : "")) {
+            report({.text = path + ": cannot be read"});
+            return false;
+        }
+        memory_place_bas_trap();
         return true;
     }
     // Without the cassette, CLOAD would wait for ever.
@@ -100,9 +122,11 @@ bool start_basic(const std::string& path) {
         return false;
     }
     memory_place_bas_trap();
-    keyboard_open_from_buffer("\r\r\r\rCLOAD\r\rRUN\r");
+    keyboard_open_from_buffer("\r\r\r\rCLOAD\r\r" + keys);
     return true;
 }
+
+bool start_basic(const std::string& path) { return give_basic(path, "RUN\r"); }
 
 struct Loader {
     std::string_view extension;
@@ -150,6 +174,8 @@ bool load_snapshot(const std::string& path) {
     const std::string problem = file_problem(path);
     if (!problem.empty()) return report({.text = problem}), false;
     if (!is_whole(path, snapshot_damage, path + " is not a snapshot")) return false;
+    // A snapshot does not hold what the firmware has set the picture's controller to.
+    if (is_starting_up()) run_start_up_frames();
     return snapshot_load(path.c_str(), memory_get_ram()) != 0;
 }
 
@@ -164,12 +190,16 @@ std::string start_problem(const std::string& path) {
 void autostart_file(const std::string& given) {
     const std::string path = given.substr(0, given.find('\0')); // as the host takes it
     const size_t point = extension_point(path);
-    const bool has_extension = point != std::string::npos;
-    last_file_name = has_extension ? path.substr(0, point) : std::string();
+    last_file_name = point == std::string::npos ? std::string() : path.substr(0, point);
 
-    const std::string problem = has_extension ? start_problem(path) : file_problem(path);
+    const std::string problem = start_problem(path);
     if (!problem.empty()) return report({.text = problem});
-    const Loader* loader = loader_of(path);
-    if (loader && !loader->start(path)) return;
+    if (!loader_of(path)->start(path)) return;
     StatusBarText("Autoloaded: %s", path.c_str());
+}
+
+void main_load_bas_file(const std::string& path) {
+    const std::string problem = file_problem(path);
+    if (!problem.empty()) return report({.text = problem});
+    give_basic(path, "");
 }

@@ -10,9 +10,13 @@ extern bool g_bAutoStart;
 
 /// Loads and starts the file, and says so in the status bar. Its name without the extension becomes
 /// the base name of screenshots, until a reset, with which the start of a cassette begins. A file
-/// that is missing, cannot be read or is of no known type leaves the machine as it is, and the
-/// status bar tells why.
+/// that is missing, cannot be read or is of no known type leaves the machine as it is; this and
+/// what goes wrong later is reported. BASIC, a load module and a snapshot that come before the
+/// machine's prompt let it start up first.
 void autostart_file(const std::string& path);
+/// Tokenized BASIC becomes a cassette that CLOAD is typed for; text is typed in. Before the
+/// machine's prompt its question is answered first.
+void main_load_bas_file(const std::string& path);
 /// Why the file cannot be read as a program or an image, in one line; empty when nothing is in the
 /// way.
 std::string file_problem(const std::string& path);

@@ -74,12 +74,7 @@ void pause_machine() {
 
 void restart_machine() {
     platform().clock().sleep_ms(RESTART_WAIT);
-    memory_reset();
-    memory_remove_bas_trap();
-    keyboard_type_reset();
-    z80_reset();
-    wd1771_reset_all();
-    ym2149_reset();
+    machine_restart();
 }
 
 void enter_monitor() {
@@ -371,18 +366,6 @@ void handle_command(int id) {
 }
 
 void tell_bad_image(const std::string& path) { report({.text = "Error opening image: " + path}); }
-
-void main_load_bas_file(const std::string& path) {
-    const std::string problem = file_problem(path);
-    if (!problem.empty()) return report({.text = problem});
-    if (!is_tokenized_bas(path)) {
-        if (keyboard_open_bas_file(path)) memory_place_bas_trap();
-        return;
-    }
-    if (!bas_to_cas_open(path)) return tell_bad_image(path);
-    memory_place_bas_trap();
-    keyboard_open_from_buffer("\r\r\r\rCLOAD\r\r");
-}
 
 void start_sound_recording(const std::string& path) {
     if (!sound_create_wav(path)) return report({.text = path + ": cannot be written"});

@@ -8,8 +8,6 @@ void handle_command(int id);
 /// A key-down that no accelerator took.
 void handle_key(const Event& event);
 
-/// Tokenized BASIC becomes a cassette that CLOAD is typed for; text is typed in.
-void main_load_bas_file(const std::string& path);
 /// Says in the status bar that a tape could not be put in.
 void tell_bad_image(const std::string& path);
 /// Starts or stops the AVI capture. 0 when the file dialog was cancelled or no picture can be made.

@@ -279,6 +279,7 @@ void emu_init(const CommandLine& line) {
     if (!g_bSound) sound_null_driver_init(); // the command line may have switched it off
     set_check_marks();
     set_screen_params(g_GiantScreen, canvas_bits());
+    take_late_screenshot();
     if (!avi_name.empty()) video_save_to_avi(false, &avi_name);
     StatusBarText("%s", "");
     if (g_bSound && g_Timer) sound_init();

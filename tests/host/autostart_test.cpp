@@ -14,6 +14,7 @@
 #include "support/typed_text.h"
 #include "z80/z80.h"
 
+#include <algorithm>
 #include <cstdlib>
 
 #include <sys/stat.h>
@@ -47,6 +48,7 @@ protected:
         StatusBarText("before");
         last_file_name = "base";
         z80_state.pc = 0x1234;
+        machine_run_now.prompt_reached = true;
         autostart_file(path);
     }
 };
@@ -106,18 +108,82 @@ TEST_F(AutostartTest, WhatCannotBeStartedChangesNothing) {
     }
 }
 
-TEST_F(AutostartTest, FilesThatAreThereAreReportedEvenWhenTheyHoldNothing) {
-    for (const std::string path : {"DEMO", "short.jzs", "bad.dsk", "bad.CGD"}) {
-        write_text(path, "x");
+TEST_F(AutostartTest, OnlyWhatWasLoadedIsSaidToBe) {
+    const std::string block("\x01\x05\x00\x90\xF3\x76\x00", 7);
+    const struct {
+        std::string path, bytes, problem;
+    } cases[] = {{"DEMO", "x", "DEMO: files of this type cannot be started"},
+                 {"short.jzs", "x", "short.jzs is not a snapshot"},
+                 {"bad.dsk", "x", "Unsupported disk image.\n"},
+                 {"bad.CGD", "x", "Unsupported disk image.\n"},
+                 {"whole.cmd", block + std::string("\x02\x02\x00\x90", 4), ""},
+                 {"cut.cmd", block.substr(0, 5), "cut.cmd is damaged"},
+                 {"cut2.cmd", block, "cut2.cmd is damaged"}};
+    for (const auto& [path, bytes, problem] : cases) {
+        write_text(path, bytes);
         run(path);
-        EXPECT_EQ(host->status_text(3),
-                  path == "short.jzs" ? path + " is not a snapshot" : "Autoloaded: " + path);
-        EXPECT_EQ(last_file_name, path == "DEMO" ? "" : path.substr(0, path.size() - 4));
-        EXPECT_EQ(z80_state.pc, 0x1234);
+        EXPECT_EQ(host->status_text(3), problem.empty() ? "Autoloaded: " + path : problem);
+        EXPECT_EQ(last_file_name, path == "DEMO" ? "" : path.substr(0, path.find('.')));
+        const bool module = path.ends_with("cmd");
+        EXPECT_EQ(z80_state.pc, !module ? 0x1234 : problem.empty() ? 0x9000 : 0) << path;
     }
     host->set_key(KEY_CONTROL, true);
     run("bad.dsk");
     EXPECT_EQ(z80_state.pc, 0) << "Control starts the machine afresh, from the disk";
+}
+
+/// Prints a star by the firmware, which goes by vectors in RAM.
+const std::string STAR = std::string("\x01\x09\x00\x90\x3E*\xCD\x33\x00\x18\xFE", 11) +
+                         std::string("\x02\x02\x00\x90", 4);
+
+TEST_F(AutostartTest, AMachineBeforeItsPromptStartsUpFirst) {
+    write_text("listing.bas", "10 CLS\n20 END\n");
+    write_text("star.cmd", STAR);
+    const std::string snapshot = "state.jzs";
+    write_text(snapshot, std::string(49702, '\0'));
+    const auto cold_starts =
+        std::to_array<void (*)()>({machine_restart, [] { machine_change_cfg(machine_cfg[2], 1); },
+                                   [] {
+                                       memory_set_startup_pattern(255);
+                                       machine_restart();
+                                       memory_set_startup_pattern(0);
+                                   }});
+    for (size_t n = 0; n < 2 * cold_starts.size(); ++n) {
+        SCOPED_TRACE(n);
+        const int frames_before = n % 2 ? 150 : 0; // at its question for a second, or at power-on
+        const auto start = [&](void (*load)(const std::string&), const char* path) {
+            cold_starts[n / 2]();
+            keyboard_type_reset();
+            do_some_frames(frames_before);
+            load(path);
+            do_some_frames(100);
+        };
+        for (void (*load)(const std::string&) : {autostart_file, main_load_bas_file}) {
+            for (const bool start_it : {true, false}) {
+                g_bAutoStart = start_it;
+                start(load, "listing.bas");
+                EXPECT_TRUE(machine_run_now.prompt_reached);
+                EXPECT_EQ(memory[0x5803], 10) << "the first line";
+                EXPECT_EQ(memory[0x5809], 20);
+            }
+        }
+        g_bAutoStart = true;
+        start(autostart_file, "star.cmd");
+        EXPECT_EQ(z80_state.pc & 0xFF00, 0x9000);
+        EXPECT_NE(std::find(memory + 0x4400, memory + 0x4800, '*'), memory + 0x4800);
+    }
+    for (const bool prompt : {true, false}) {
+        machine_run_now.prompt_reached = prompt;
+        for (const std::string& path : {std::string("star.cmd"), snapshot}) {
+            for (const bool start_it : {true, false}) {
+                g_bAutoStart = start_it;
+                const int64_t before = z80_state.t_count;
+                autostart_file(path);
+                const bool starts_up = !prompt && (start_it || path == snapshot);
+                EXPECT_NEAR(double(z80_state.t_count - before), starts_up ? 4'433'500 : 0, 40);
+            }
+        }
+    }
 }
 
 TEST_F(AutostartTest, CassettesBootTheMachineFirst) {

@@ -80,7 +80,7 @@ TEST_F(CommandLineTest, FilesAreLoadedNamedAndStarted) {
         {{"/b", "one.cmd", "two.cmd"}, 2, "two.cmd", "two"},
         {{"/m2", "/b", "one.cmd"}, 1, "one.cmd", "one"},
         // Nothing to load, but a name.
-        {{"v1.0/plain"}, 0, "v1.0/plain", ""},
+        {{"v1.0/plain"}, 0, "v1.0/plain: files of this type cannot be started", ""},
         {{"v1.0/"}, 0, "v1.0/: is a folder", ""},
         {{"text.doc"}, 0, "text.doc: files of this type cannot be started", "text"},
         {{"v1.0/gone.cmd"}, 0, "v1.0/gone.cmd: no such file", "v1.0/gone"},

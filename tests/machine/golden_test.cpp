@@ -69,10 +69,10 @@ TEST(GoldenPictures, AreReachedPixelByPixel) {
     } runs[] = {
         // By way of the typed commands and the firmware's cassette routines.
         {"colours-cassette", {"colours.cas"}, 6},
-        {"colours", {"colours.cmd"}},
-        {"colours-beam", {beam[0], beam[1], "colours.cmd"}},
-        {"bounce", {"bounce.cmd"}},
-        {"bounce-beam", {beam[0], beam[1], "bounce.cmd"}},
+        {"colours", {"colours.cmd"}, 4},
+        {"colours-beam", {beam[0], beam[1], "colours.cmd"}, 4},
+        {"bounce", {"bounce.cmd"}, 4},
+        {"bounce-beam", {beam[0], beam[1], "bounce.cmd"}, 4},
         {"bootdisk",
          {"--setting", "ActiveConfig=4", "--setting", "CustomRomExpansion=0", "bootdisk.dsk"}},
         {"sign-on-1", {"/m1"}},

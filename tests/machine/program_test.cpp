@@ -80,7 +80,7 @@ TEST_F(ProgramTest, PrintsRegistersAndDisassemblyAfterTheRun) {
     write_text(folder_ / "halt.cmd",
                std::string("\x01\x05\x00\x50\xF3\x76\x00", 7) + std::string("\x02\x02\x00\x50", 4));
     const ProgramResult result =
-        run({"/w", "/t", "1", "--regs", "--disassemble", "FFFe-ffff", "halt.cmd"});
+        run({"/w", "/t", "3", "--regs", "--disassemble", "FFFe-ffff", "halt.cmd"});
     EXPECT_EQ(result.exit_code, 0);
     EXPECT_NE(result.output.find(",IP:5001,R:"), std::string::npos) << result.output;
     EXPECT_TRUE(result.output.ends_with(" FFFE FF          rst 38h\n FFFF FF          rst 38h\n"));
