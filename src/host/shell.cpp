@@ -15,6 +15,7 @@
 #include "host/dialogs.h"
 #include "host/disks.h"
 #include "host/display.h"
+#include "host/interrupted_writes.h"
 #include "host/menu.h"
 #include "host/messages.h"
 #include "host/prefs.h"
@@ -27,6 +28,7 @@
 #include "monitor/monitor.h"
 #include "platform/host_services.h"
 #include "platform/platform.h"
+#include "platform/unfinished_writes.h"
 #include "sound/sound_core.h"
 #include "sound/sound_output.h"
 #include "sound/ym2149.h"
@@ -347,6 +349,7 @@ int run_shell(const CommandLine& line) {
     Window& window = platform().window();
     if (!window.create(WINDOW_TITLE)) return 0;
     create_menu();
+    remove_unfinished_files();
     hold_message_boxes();
     emu_init(line);
     window.show();
@@ -354,6 +357,7 @@ int run_shell(const CommandLine& line) {
     if (!complaint.empty()) report({.text = complaint, .severity = Severity::warning});
     tell_what_is_left_out(line);
     show_held_message_boxes();
+    offer_interrupted_writes();
     reset_timer(); // the start is no time to catch up
     const int exit_code = run_message_loop();
     emu_close();

@@ -7,11 +7,9 @@
 #include "support/test_files.h"
 
 #include <gtest/gtest.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
-#include <csignal>
 #include <random>
 
 namespace fs = std::filesystem;
@@ -345,28 +343,6 @@ TEST_F(DiskImage, NoHeaderLeadsOutsideTheImage) {
         SCOPED_TRACE(n);
         if (diskimg_analyze(disk)) expect_addresses_kept(disk, sector_);
     }
-}
-
-TEST_F(DiskImage, KilledWhileWritingLeavesTheOldOrTheNew) {
-    const Bytes before(204800, 0x11), after(204800, 0x22);
-    const std::string path = write(before);
-    int olds = 0;
-    for (int n = 0; n < 200; ++n) {
-        ASSERT_TRUE(n % 2 || replace_whole_file(path, before));
-        const pid_t child = fork();
-        if (child == 0) {
-            replace_whole_file(path, after);
-            _exit(0);
-        }
-        usleep(useconds_t(n % 50 * 40)); // a whole write takes about a millisecond
-        kill(child, SIGKILL);
-        waitpid(child, nullptr, 0);
-        const Bytes now = read_file(path);
-        ASSERT_TRUE(now == before || now == after) << n << ", " << now.size() << " bytes";
-        olds += now == before;
-    }
-    EXPECT_GT(olds, 4) << "killed too late to tell anything";
-    EXPECT_LT(olds, 196) << "killed too early to tell anything";
 }
 
 } // namespace

@@ -5,10 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <csignal>
-
-#include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -132,27 +128,6 @@ TEST_F(SettingsFileTest, ProgramsThatRunAtOnceKeepEachOthersValues) {
     for (const std::string name : {"x", "y", "z"})
         for (uint32_t n = 0; n < 40; ++n)
             EXPECT_EQ(two.number(name + std::to_string(n)), n) << name;
-}
-
-TEST_F(SettingsFileTest, AKillLeavesTheOldValueOrTheNew) {
-    const auto value = [](uint32_t n) { return std::string(1 + n % 9000, char('a' + n % 26)); };
-    void* shared = mmap(nullptr, 4096, PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
-    auto& written = *new (shared) std::atomic<uint32_t>(0);
-    SettingsFile store = opened();
-    for (int round = 0; round < 100; ++round) {
-        const uint32_t before = written;
-        const pid_t writer = child([&] {
-            while (store.set_text("T", value(written + 1))) ++written;
-            return false;
-        });
-        while (written == before) usleep(100);
-        usleep(useconds_t(round * 37));
-        kill(writer, SIGKILL);
-        waitpid(writer, nullptr, 0);
-        const std::string text = opened().text("T").value_or("");
-        ASSERT_TRUE(text == value(written) || text == value(written + 1)) << "round " << round;
-    }
-    munmap(shared, 4096);
 }
 
 TEST_F(SettingsFileTest, WhatCannotBeWrittenIsRefusedAndTheFileStays) {

@@ -1,0 +1,34 @@
+#include "host/interrupted_writes.h"
+
+#include "platform/platform.h"
+#include "platform/report.h"
+#include "platform/unfinished_writes.h"
+
+namespace {
+
+enum Answer : int { WRITE, LEAVE };
+
+void offer(const InterruptedWrite& write) {
+    const std::string kept = "What it was to hold is in " + write.copy + ".";
+    const int answer = platform().dialogs().choose(
+        "Interrupted save",
+        write.target + " was being written when the program was ended, and may be damaged.\n" +
+            kept,
+        {"&Write it now", "&Leave it as it is"});
+    if (answer == WRITE && !finish_write(write)) {
+        Report told = unwritable(write.target);
+        told.remedy = kept;
+        report(told);
+    }
+    if (answer == LEAVE) {
+        leave_unfinished(write);
+        report(
+            {.text = write.target + ": left as it is", .remedy = kept, .severity = Severity::note});
+    }
+}
+
+} // namespace
+
+void offer_interrupted_writes() {
+    for (const InterruptedWrite& write : interrupted_writes()) offer(write);
+}
