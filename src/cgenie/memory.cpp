@@ -4,6 +4,7 @@
 #include "media/traps.h"
 #include "platform/file_handle.h"
 #include "platform/platform.h"
+#include "platform/whole_file.h"
 
 #include <algorithm>
 #include <random>
@@ -99,9 +100,8 @@ uint8_t* memory_get_video_colorram(uint32_t offset) {
 }
 uint8_t* memory_get_charram() { return memory + CHARACTER_RAM_START; }
 
-void mem_dump() { save_binary("memdump.bin", memory, MEMORY_SIZE); }
+int mem_dump() { return save_binary("memdump.bin", memory, MEMORY_SIZE); }
 
-void save_binary(const char* path, const uint8_t* data, size_t size) {
-    const FileHandle file = open_file(path, "wb");
-    if (file) std::fwrite(data, 1, size, file.get());
+int save_binary(const char* path, const uint8_t* data, size_t size) {
+    return replace_whole_file(path, {data, size}) ? 1 : 0;
 }

@@ -57,7 +57,8 @@ uint8_t* memory_get_video_ram_ptr();
 uint8_t* memory_get_video_colorram(uint32_t offset); ///< F000 + (offset AND 3FF)
 uint8_t* memory_get_charram();                       ///< F400
 
-/// Writes the whole address space to "memdump.bin" in the current directory.
-void mem_dump();
-/// Writes `size` bytes to a new file; a failure is not reported.
-void save_binary(const char* path, const uint8_t* data, size_t size);
+/// Writes the whole address space to "memdump.bin" in the current directory. 0 when that fails,
+/// with the reason in errno.
+int mem_dump();
+/// Replaces the file by `size` bytes. 0 when that fails, with the reason in errno.
+int save_binary(const char* path, const uint8_t* data, size_t size);

@@ -1,10 +1,11 @@
 #include "host/screenshot.h"
 
-#include "platform/file_handle.h"
 #include "platform/host_services.h"
+#include "platform/whole_file.h"
 
 #include <array>
 #include <cstdlib>
+#include <vector>
 
 namespace {
 constexpr size_t FILE_HEADER_SIZE = 14;
@@ -45,22 +46,17 @@ Headers make_headers(const dib& bitmap, size_t row_bytes) {
 } // namespace
 
 int dib_save_to_file(const dib& bitmap, const std::string& path) {
-    const FileHandle file = open_file(path, "wb");
-    if (!file) {
-        return 0;
-    }
     const size_t row_bytes = size_t(bitmap.width) * bitmap.header.bits / 8;
     const Headers headers = make_headers(bitmap, row_bytes);
-    // Flushed, so that a full disk shows before the picture is announced.
-    if (std::fwrite(headers.data(), headers.size(), 1, file.get()) != 1 ||
-        std::fflush(file.get()) != 0) {
-        return 0;
-    }
-    if (!bitmap.palette.empty()) {
-        std::fwrite(bitmap.palette.data(), 1, bitmap.palette.size(), file.get());
-    }
+    std::vector<uint8_t> file(headers.begin(), headers.end());
+    file.reserve(headers.size() + bitmap.palette.size() + size_t(bitmap.height) * row_bytes);
+    file.insert(file.end(), bitmap.palette.begin(), bitmap.palette.end());
     for (size_t row = size_t(bitmap.height); row-- > 0;) {
-        std::fwrite(&bitmap.pixels[row * row_bytes], 1, row_bytes, file.get());
+        const auto first = bitmap.pixels.begin() + std::ptrdiff_t(row * row_bytes);
+        file.insert(file.end(), first, first + std::ptrdiff_t(row_bytes));
+    }
+    if (!replace_whole_file(path, file)) {
+        return 0;
     }
     StatusBarText("Screenshot saved: %s", path.c_str());
     return 1;

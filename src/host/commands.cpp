@@ -35,6 +35,8 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
+#include <cstring>
 
 namespace {
 
@@ -175,16 +177,21 @@ void save_to_wav() {
 
 void save_gif(const std::string& path) {
     if (gif_write_as(path, canvas)) return;
+    const bool wrong_depth = canvas.header.bits != 8;
     std::string text = "Error saving in GIF format.";
-    if (canvas.header.bits != 8) text += "\rNon 8-bit display can not be saved as GIF.";
-    report({.text = text, .file = path, .title = "Error!", .icon = MessageIcon::error});
+    if (wrong_depth) text += "\rNon 8-bit display can not be saved as GIF.";
+    report({.text = text,
+            .file = path,
+            .reason = wrong_depth ? "" : std::strerror(errno),
+            .title = "Error!",
+            .icon = MessageIcon::error});
 }
 
 void save_screenshot_as(const std::string& path) {
     if (lower_case_extension(path) == "gif") {
         save_gif(path);
     } else if (!dib_save_to_file(canvas, path)) {
-        report({.text = path + ": cannot be written"});
+        report(unwritable(path));
     }
     save_video_ram_when_wanted();
 }
@@ -270,7 +277,7 @@ void save_memory_as_cas(const std::string& path) {
 
 void save_snapshot(const std::string& path) {
     if (!snapshot_save(path.c_str(), memory_get_ram())) {
-        return report({.text = path + ": cannot be written"});
+        return report(unwritable(path));
     }
     tell_saved(path);
 }
@@ -368,7 +375,7 @@ void handle_command(int id) {
 void tell_bad_image(const std::string& path) { report({.text = "Error opening image: " + path}); }
 
 void start_sound_recording(const std::string& path) {
-    if (!sound_create_wav(path)) return report({.text = path + ": cannot be written"});
+    if (!sound_create_wav(path)) return report(unwritable(path));
     check_menu_item(COMMAND_SAVE_WAV, true);
     tell_recording(path);
 }

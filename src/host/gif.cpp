@@ -1,8 +1,10 @@
 #include "host/gif.h"
 
-#include "platform/file_handle.h"
+#include "platform/whole_file.h"
 
 #include <cstring>
+#include <string_view>
+#include <vector>
 
 namespace {
 constexpr uint32_t COLOURS = 256;
@@ -28,7 +30,7 @@ static_assert(FULLEST_STORE + ENTRY_OVERHEAD + LONGEST_STRING <= STORE_SIZE);
 constexpr uint32_t BLOCK_LIMIT = 250; ///< a sub-block with more bytes than this is written
 
 struct LzwState {
-    std::FILE* file = nullptr;
+    std::vector<uint8_t> file;
     uint32_t codebits = startbits;
     uint32_t entries = 0;           ///< codes written since the last clear
     uint32_t actual = 0;            ///< strings stored since the last clear
@@ -46,14 +48,16 @@ struct LzwState {
 };
 LzwState lzw;
 
-void put16(std::FILE* file, int value) {
-    std::fputc(value & 0xFF, file);
-    std::fputc(value >> 8 & 0xFF, file);
+void put(int value) { lzw.file.push_back(uint8_t(value)); }
+
+void put16(int value) {
+    put(value);
+    put(value >> 8);
 }
 
 void flush_block() {
-    std::fputc(int(lzw.nbytes), lzw.file);
-    std::fwrite(lzw.block, 1, lzw.nbytes, lzw.file);
+    put(int(lzw.nbytes));
+    lzw.file.insert(lzw.file.end(), lzw.block, lzw.block + lzw.nbytes);
     lzw.nbytes = 0;
 }
 
@@ -176,32 +180,27 @@ void encode_pixel(const uint8_t* pixel) {
     emit(slot, pixel);
 }
 
-void write_headers(std::FILE* file, int width, int height, const uint8_t* colours) {
-    std::fputs("GIF87a", file);
-    put16(file, width);
-    put16(file, height);
-    std::fputc(SCREEN_FLAGS, file);
-    put16(file, 0); // background colour, pixel aspect
-    std::fwrite(colours, 3, COLOURS, file);
-    std::fputc(',', file);
-    put16(file, 0);
-    put16(file, 0);
-    put16(file, width);
-    put16(file, height);
-    std::fputc(0, file); // no colours of its own, not interlaced
-    std::fputc(MINIMUM_CODE_SIZE, file);
+void write_headers(int width, int height, const uint8_t* colours) {
+    constexpr std::string_view SIGNATURE = "GIF87a";
+    lzw.file.assign(SIGNATURE.begin(), SIGNATURE.end());
+    put16(width);
+    put16(height);
+    put(SCREEN_FLAGS);
+    put16(0); // background colour, pixel aspect
+    lzw.file.insert(lzw.file.end(), colours, colours + size_t{3} * COLOURS);
+    put(',');
+    put16(0);
+    put16(0);
+    put16(width);
+    put16(height);
+    put(0); // no colours of its own, not interlaced
+    put(MINIMUM_CODE_SIZE);
 }
 } // namespace
 
 int gif_save(const char* path, int width, int height, const uint8_t* pixels,
              const uint8_t* colours) {
-    const FileHandle file = open_file(path, "wb");
-    if (!file) {
-        return 0;
-    }
-    write_headers(file.get(), width, height, colours);
-
-    lzw.file = file.get();
+    write_headers(width, height, colours);
     lzw.codebits = startbits;
     lzw.nbytes = 0;
     lzw.nbits = 0;
@@ -213,9 +212,7 @@ int gif_save(const char* path, int width, int height, const uint8_t* pixels,
     }
     write_last_string();
     write_code(end);
-    lzw.file = nullptr;
-
-    std::fputc(0, file.get());
-    std::fputc(';', file.get());
-    return 1;
+    put(0);
+    put(';');
+    return replace_whole_file(path, lzw.file) ? 1 : 0;
 }

@@ -47,9 +47,12 @@ void ask_for_breakpoint() {
 
 void dump_disassembly() {
     std::error_code error;
-    if (!fulldisasm(DISASSEMBLY))
-        return report({.text = std::string(DISASSEMBLY) + ": cannot be written"});
+    if (!fulldisasm(DISASSEMBLY)) return report(unwritable(DISASSEMBLY));
     StatusBarText("Disassembly dump to: %s", fs::current_path(error).c_str());
+}
+
+void dump_memory() {
+    if (!mem_dump()) report(unwritable("memdump.bin"));
 }
 
 void pause_or_next_frame() {
@@ -79,7 +82,7 @@ constexpr auto keys = std::to_array<KeyEntry>({
     {KEY_F4, toggle_breakpoint, [] { handle_command(COMMAND_VIDEO_PAGE); }},
     {KEY_F6, save_screenshot, save_screenshot},
     {KEY_F7, run_until_back, nullptr},
-    {KEY_F8, mem_dump, nullptr},
+    {KEY_F8, dump_memory, nullptr},
     {KEY_F9, dump_disassembly, dump_disassembly},
 });
 

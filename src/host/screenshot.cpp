@@ -71,13 +71,12 @@ int memory_save_video_ram(const std::string& base) {
     for (size_t i = 0; i < DUMP_SIZE; ++i) {
         dump[i] = video_ram(crtc.start_address + uint32_t(i));
     }
-    save_binary(dump_name(base).c_str(), dump.data(), dump.size());
-    return 1;
+    return save_binary(dump_name(base).c_str(), dump.data(), dump.size());
 }
 
 void save_video_ram_when_wanted() {
-    if (save_video_ram_w_screenshot) {
-        memory_save_video_ram(last_file_name);
+    if (save_video_ram_w_screenshot && !memory_save_video_ram(last_file_name)) {
+        report(unwritable(dump_name(last_file_name)));
     }
 }
 
@@ -85,7 +84,7 @@ void host_save_screenshot() {
     const int written = canvas.header.bits == 8 ? gif_write(canvas, last_file_name)
                                                 : dib_save(canvas, last_file_name);
     if (!written) {
-        report({.text = std::string("the screenshot cannot be written: ") + std::strerror(errno)});
+        report({.text = "the screenshot cannot be written", .reason = std::strerror(errno)});
     }
     save_video_ram_when_wanted();
 }

@@ -12,17 +12,20 @@ extern bool save_video_ram_w_screenshot;
 /// base stands for "Tarvelin".
 std::string get_next_fname(const std::string& extension, const std::string& base);
 
-/// BMP of any canvas under the given path. 1 when written; then the status bar names it.
+/// BMP of any canvas under the given path. 1 when written; then the status bar names it. 0 with the
+/// reason in errno.
 int dib_save_to_file(const dib& bitmap, const std::string& path);
 /// The same under the next free name after `base`.
 int dib_save(const dib& bitmap, const std::string& base);
 
-/// GIF of a canvas of 8 bits per pixel; 0 for other depths or when the file cannot be created.
+/// GIF of a canvas of 8 bits per pixel; 0 for other depths, and, with the reason in errno, when the
+/// file cannot be written.
 int gif_write_as(const std::string& path, const dib& bitmap);
 int gif_write(const dib& bitmap, const std::string& base);
 
 /// Writes the 1024 bytes of screen memory from the display start address to `base` with the
-/// extension ".v80", which replaces an extension of three characters. Always returns 1.
+/// extension ".v80", which replaces an extension of three characters. 0 when that fails,
+/// with the reason in errno.
 int memory_save_video_ram(const std::string& base);
 /// The dump that follows a screenshot, under the program's base name, where it is switched on.
 void save_video_ram_when_wanted();

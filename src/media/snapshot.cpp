@@ -2,6 +2,7 @@
 
 #include "cgenie/memory.h"
 #include "platform/file_handle.h"
+#include "platform/whole_file.h"
 #include "z80/z80.h"
 
 #include <array>
@@ -71,12 +72,7 @@ int snapshot_save(const char* path, const uint8_t* ram) {
     }
     std::memcpy(record.data() + RAM_OFFSET, ram, RAM_SIZE);
 
-    auto file = open_file(path, "wb");
-    if (!file) return 0;
-    const bool written = std::fwrite(record.data(), record.size(), 1, file.get()) == 1;
-    // The last bytes reach the disk only here, and a full disk may refuse them.
-    const bool closed = std::fclose(file.release()) == 0;
-    return written && closed ? 1 : 0;
+    return replace_whole_file(path, record) ? 1 : 0;
 }
 
 int snapshot_load(const char* path, uint8_t* ram) {

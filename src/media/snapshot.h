@@ -7,7 +7,8 @@
 
 constexpr size_t SNAPSHOT_SIZE = 49702;
 
-/// Writes the machine to a new file; `ram` is address 4000. 0 when the file cannot be written.
+/// Replaces the file by the machine; `ram` is address 4000. 0 when that fails, with the reason in
+/// errno.
 int snapshot_save(const char* path, const uint8_t* ram);
 /// Restores the machine. A missing or shorter file returns 0 and changes nothing; the magic is not
 /// looked at.

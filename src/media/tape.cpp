@@ -68,13 +68,11 @@ FileHandle open_temporary_file() {
     return stream_of(descriptor, "w+b");
 }
 
-void tell_unwritable(const std::string& path) { report({.text = path + ": cannot be written"}); }
-
 /// A saved tape survives a crash of the host from here on. Not every file system can promise it.
 void finish_saving() {
     if (!saving) return;
     saving = false;
-    if (fdatasync(fileno(cas.get())) != 0 && errno != EINVAL) tell_unwritable(casfilename);
+    if (fdatasync(fileno(cas.get())) != 0 && errno != EINVAL) report(unwritable(casfilename));
 }
 
 void put_in(FileHandle image, std::string path) {
@@ -171,12 +169,6 @@ void append_program(std::string& bytes, uint32_t first, uint32_t last, uint16_t 
     append_word(bytes, entry);
 }
 
-int write_new_file(const std::string& path, const std::string& bytes) {
-    const FileHandle file = open_regular_file(path, O_WRONLY | O_CREAT | O_TRUNC, "wb");
-    return file && std::fwrite(bytes.data(), 1, bytes.size(), file.get()) == bytes.size() &&
-           std::fflush(file.get()) == 0;
-}
-
 } // namespace
 
 int tape_attach_cas(const std::string& path) {
@@ -251,7 +243,7 @@ void tape_create_cas() {
     tape_detach_cas();
     tape_place_traps(rom_pointer());
     FileHandle image = open_regular_file(path, O_RDWR | O_CREAT | O_TRUNC | O_APPEND, "a+b");
-    if (!image) return tell_unwritable(path);
+    if (!image) return report(unwritable(path));
     std::setvbuf(image.get(), nullptr, _IONBF, 0); // a killed program has saved every byte
     put_in(std::move(image), path);
     saving = true;
@@ -266,7 +258,7 @@ void tape_write_one_byte(uint8_t value) {
     std::fseek(cas.get(), 0, SEEK_END); // wherever reading has left a rewound tape
     if (std::fputc(value, cas.get()) != EOF) return;
     saving = false;
-    tell_unwritable(casfilename);
+    report(unwritable(casfilename));
 }
 
 int is_tokenized_bas(const std::string& path) {
@@ -306,8 +298,8 @@ int tape_dump_cas(const std::string& path, const std::string& start, const std::
         append_name(bytes, std::string_view(path).substr(separator + 1));
         append_program(bytes, first, last, hexadecimal(entry));
     }
-    if (!write_new_file(path, bytes)) {
-        tell_unwritable(path);
+    if (!replace_whole_file(path, bytes)) {
+        report(unwritable(path));
         return 0;
     }
     if (!named) report({.text = path + ": is empty, since its path names no folder"});

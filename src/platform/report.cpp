@@ -1,6 +1,8 @@
 #include "platform/report.h"
 
 #include <cctype>
+#include <cerrno>
+#include <cstring>
 
 namespace {
 
@@ -35,4 +37,10 @@ std::string report_details(const Report& told) {
     std::string why = file_and_reason(told);
     if (!why.empty() && why == told.reason) why = as_sentence(why);
     return why.empty() || told.remedy.empty() ? why + told.remedy : why + "\n" + told.remedy;
+}
+
+Report unwritable(const std::string& file) {
+    return {.text = file + ": cannot be written",
+            .file = file,
+            .reason = errno ? std::strerror(errno) : ""};
 }

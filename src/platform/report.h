@@ -32,3 +32,5 @@ std::string report_details(const Report& told);
 /// comes up only for a failure of what the user has asked for at this moment, and once the window
 /// is up. Implemented by the application shell.
 void report(const Report& told);
+/// That the file could not be written just now, for the reason that is in errno.
+Report unwritable(const std::string& file);

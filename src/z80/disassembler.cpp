@@ -1,10 +1,10 @@
 #include "z80/disassembler.h"
 
+#include "platform/whole_file.h"
 #include "z80/z80.h"
 
 #include <array>
 #include <cstdio>
-#include <fstream>
 #include <initializer_list>
 #include <string_view>
 
@@ -381,7 +381,7 @@ uint16_t disassemble(uint16_t address, char* line) {
 }
 
 int fulldisasm(const std::string& path) {
-    std::ofstream file(path);
+    std::string listing;
     char line[DISASSEMBLY_LINE];
     char heading[16];
     uint16_t address = 0;
@@ -390,10 +390,9 @@ int fulldisasm(const std::string& path) {
         address = next;
         next = disassemble(address, line);
         std::snprintf(heading, sizeof heading, ". %04Xh    ", unsigned{address});
-        file << heading << line << '\n';
-    } while (next > address && file);
-    file.close();
-    return file ? 1 : 0;
+        listing.append(heading).append(line) += '\n';
+    } while (next > address);
+    return replace_whole_file(path, listing) ? 1 : 0;
 }
 
 void regdump(char* line, int kind) {

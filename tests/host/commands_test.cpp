@@ -331,7 +331,8 @@ TEST_F(CommandsTest, SnapshotsAndScreenshots) {
     EXPECT_EQ(messages[0].text,
               "Error saving in GIF format.\rNon 8-bit display can not be saved as GIF."
               "\n\nshot.gif");
-    EXPECT_EQ(messages[1].text, "Error saving in GIF format.\n\nno/way.gif");
+    EXPECT_EQ(messages[1].text,
+              "Error saving in GIF format.\n\nno/way.gif: No such file or directory");
 }
 
 TEST_F(CommandsTest, MediaAreTakenOut) {
