@@ -2,12 +2,15 @@
 #include <cstddef>
 #include <cstdint>
 #include <span>
+#include <string>
 
 /// The host's audio as a looping ring of bytes, 16-bit mono. It comes up in steps, each of which
 /// can fail on its own.
 struct Audio {
     virtual ~Audio() = default;
-    virtual bool library_available() = 0;  ///< is there an audio system at all?
+    virtual bool library_available() = 0; ///< is there an audio system at all?
+    /// Why the latest step has failed, in the audio system's words; empty when it does not say.
+    virtual std::string error() = 0;
     virtual bool create_device() = 0;      ///< open the default device
     virtual bool set_cooperative() = 0;    ///< exclusive use for the main window
     virtual bool create_primary() = 0;     ///< the device's own buffer

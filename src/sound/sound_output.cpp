@@ -22,15 +22,16 @@ int32_t unknown_position() {
 }
 
 /// The result of every step that fails.
-int failed(const char* text) {
-    report({.text = text, .title = "Error", .icon = MessageIcon::error});
+int failed(const char* text, const char* title = "Error", MessageIcon icon = MessageIcon::error) {
+    report({.text = text,
+            .reason = platform().audio().error(),
+            .remedy = "The program runs without sound; Options, Sound tries again.",
+            .title = title,
+            .icon = icon});
     return 0;
 }
 
-int library_missing() {
-    report({.text = "Missing DSOUND.DLL", .title = "Fatal error!", .icon = MessageIcon::none});
-    return 0;
-}
+int library_missing() { return failed("Missing DSOUND.DLL", "Fatal error!", MessageIcon::none); }
 
 const sound_driver_table dsound_driver = {
     "DirectSound", [] { return dsound_init(SOUND_RATE); },

@@ -53,6 +53,7 @@ TEST_F(SoundOutputTest, FirstStepThatFailsTellsAndKeepsTheNullDriver) {
                  {AudioStep::primary, "Error", "CreateSoundBuffer for primary buffer failed"},
                  {AudioStep::format, "Error", "SetFormat on primary bufer failed"}};
     for (auto step : {AudioStep::ring, AudioStep::play}) audio().fail(step);
+    audio().error_text = "no device";
     // Each case lets all later steps fail, too: the order shows.
     for (size_t first = std::size(cases); first-- > 0;) {
         const auto& c = cases[first];
@@ -63,6 +64,7 @@ TEST_F(SoundOutputTest, FirstStepThatFailsTellsAndKeepsTheNullDriver) {
         ASSERT_EQ(fake_host.reports.size(), 1U);
         EXPECT_EQ(fake_host.reports[0].title, c.title);
         EXPECT_EQ(fake_host.reports[0].text, c.text);
+        EXPECT_EQ(fake_host.reports[0].reason, "no device");
         EXPECT_FALSE(driver_is_ours());
         EXPECT_EQ(audio().device, c.step > AudioStep::device) << "what was made stays";
     }

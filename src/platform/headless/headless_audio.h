@@ -27,6 +27,7 @@ public:
     explicit HeadlessAudio(std::function<int64_t()> now) : now_(std::move(now)) {}
 
     bool library_available() override { return works(AudioStep::library); }
+    std::string error() override { return error_text; }
     bool create_device() override { return device = works(AudioStep::device); }
     bool set_cooperative() override { return works(AudioStep::cooperative); }
     bool create_primary() override { return works(AudioStep::primary); }
@@ -46,6 +47,7 @@ public:
     // For whoever drives the run.
     void fail(AudioStep step, bool fails = true) { failing_[size_t(step)] = fails; }
 
+    std::string error_text; ///< why steps fail
     std::optional<int32_t> fixed_position;
     bool lost = false; ///< the device, until it is restored
     bool device = false;

@@ -14,6 +14,8 @@ SdlAudio::~SdlAudio() { release_device(); }
 
 bool SdlAudio::library_available() { return SDL_GetNumAudioDrivers() > 0; }
 
+std::string SdlAudio::error() { return SDL_GetError(); }
+
 bool SdlAudio::create_device() {
     release_device();
     SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1"); // signals are the window's

@@ -17,6 +17,7 @@ public:
     ~SdlAudio() override;
 
     bool library_available() override;
+    std::string error() override;
     bool create_device() override;
     bool set_cooperative() override { return started_; }
     bool create_primary() override { return started_; }
