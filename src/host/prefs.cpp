@@ -1,17 +1,38 @@
 #include "host/prefs.h"
 
 #include "platform/platform.h"
+#include "platform/report.h"
+
+#include <cerrno>
+#include <cstring>
+#include <utility>
 
 namespace {
 
 constexpr size_t LONGEST_TEXT = 276; ///< bytes that a read takes
 
 bool store_open = false;
+bool told = false; ///< that something cannot be kept
+
+void tell_trouble(const char* text) {
+    report({.text = text,
+            .file = platform().paths().config_directory(),
+            .reason = errno ? std::strerror(errno) : ""});
+}
+
+/// As the result of a change. What else cannot be kept then goes without saying.
+int kept(bool stored) {
+    if (!stored && !std::exchange(told, true)) tell_trouble("The settings cannot be kept");
+    return stored;
+}
 
 } // namespace
 
 int prefs_init() {
+    told = false;
+    errno = 0;
     store_open = platform().settings().open();
+    if (!store_open) tell_trouble("The settings cannot be read or kept; the defaults are used");
     return store_open;
 }
 
@@ -31,19 +52,27 @@ int GetValueDword(const char* name, uint32_t* value) {
 }
 
 int SetValueDword(const char* name, const uint32_t* value) {
-    return store_open && platform().settings().set_number(name, *value);
+    errno = 0;
+    return store_open && kept(platform().settings().set_number(name, *value));
 }
 
 int GetValueStr(const char* name, std::string* value) {
     const auto stored = platform().settings().text(name);
-    if (!stored || stored->size() > LONGEST_TEXT) return 0;
+    if (!stored) return 0;
+    if (stored->size() > LONGEST_TEXT) {
+        report({.text = std::string(name) + ": a path of more than " +
+                        std::to_string(LONGEST_TEXT) + " bytes is not taken from the settings",
+                .file = *stored});
+        return 0;
+    }
     *value = stored->substr(0, stored->find('\0')); // a zero byte stands for no text
     return 1;
 }
 
 int SetValueStr(const char* name, const char* text) {
     if (!store_open) return 0;
-    if (text && platform().settings().set_text(name, text)) return 1;
+    errno = 0;
+    if (text && kept(platform().settings().set_text(name, text))) return 1;
     platform().settings().set_text(name, std::string(1, '\0'));
     return 0;
 }

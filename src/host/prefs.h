@@ -1,6 +1,7 @@
 #pragma once
 /// The settings store, as the program uses it. A number that is missing when it is read is created
-/// with the caller's value, so that the store fills itself with the defaults on the first run.
+/// with the caller's value, so that the store fills itself with the defaults on the first run. A
+/// store that cannot be had or changed is reported once.
 
 #include <cstdint>
 #include <string>
@@ -14,7 +15,7 @@ int GetValueDword(const char* name, uint32_t* value);
 /// 1 when stored, which is at once; 0 while the store is closed and when it cannot be kept.
 int SetValueDword(const char* name, const uint32_t* value);
 /// 1 when the value was read; a missing one changes nothing and creates nothing. Texts of more
-/// than 276 bytes are not read. Works while the store is closed, too.
+/// than 276 bytes are not read, which is reported. Works while the store is closed, too.
 int GetValueStr(const char* name, std::string* value);
 /// The same for a text. No text at all (null) stores a text of one zero byte and returns 0.
 int SetValueStr(const char* name, const char* text);

@@ -177,6 +177,7 @@ void set_check_marks() {
 }
 
 void write_settings() {
+    const UserCommand failures_open_a_box;
     write_flag("Sound", g_bSound);
     write_flag("DoubleScan", g_bDblScan);
     SetValueDword("HiResLowe", &lowe.enabled);
