@@ -3,14 +3,22 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include <pwd.h>
+#include <unistd.h>
+
 namespace {
+
+std::string home_directory() {
+    if (const char* home = std::getenv("HOME"); home && *home) return home;
+    const passwd* entry = getpwuid(getuid());
+    return entry && entry->pw_dir ? entry->pw_dir : ".";
+}
 
 std::string user_directory(const char* variable, const char* below_home) {
     if (const char* given = std::getenv(variable); given && *given == '/') {
         return std::string(given) + "/tarvelin";
     }
-    const char* home = std::getenv("HOME");
-    return std::string(home ? home : ".") + below_home + "/tarvelin";
+    return home_directory() + below_home + "/tarvelin";
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 #include <string>
 
 /// tarvelin below $XDG_DATA_HOME, which counts only as an absolute path, else below ~/.local/share.
+/// Without $HOME the folder is that of the user's password entry.
 std::string user_data_directory();
 /// The same with $XDG_CONFIG_HOME and ~/.config.
 std::string user_config_directory();
