@@ -2,12 +2,18 @@
 
 #include "platform/qt/qt_text.h"
 
+#include <QApplication>
 #include <QCloseEvent>
+#include <QDeadlineTimer>
 #include <QDropEvent>
 #include <QMimeData>
 #include <QScreen>
+#include <QWindow>
 
 namespace {
+
+constexpr int LONGEST_OPENING = 1000; ///< ms
+constexpr int OPENING_LOOK = 10;      ///< ms
 
 /// Path of the first local file of a list of URLs, in the bytes that the file system has; empty
 /// without one.
@@ -61,6 +67,11 @@ bool QtWindow::create(const std::string& title) {
 void QtWindow::show() {
     frame_.show();
     canvas_.setFocus();
+    // A box that follows at once goes by the place that the window has been given by then.
+    const QDeadlineTimer limit(LONGEST_OPENING);
+    while (!frame_.windowHandle()->isExposed() && !limit.hasExpired()) {
+        QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents, OPENING_LOOK);
+    }
 }
 
 void QtWindow::destroy() { frame_.hide(); }
