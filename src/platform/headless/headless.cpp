@@ -166,4 +166,5 @@ void HeadlessPlatform::stop_on_signals() {
     const auto stop = [](int signal) { stop_signal = signal; };
     std::signal(SIGINT, stop);
     std::signal(SIGTERM, stop);
+    std::signal(SIGHUP, stop);
 }

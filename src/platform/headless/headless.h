@@ -63,7 +63,7 @@ public:
     std::string status_text(int part) const;
     int frames_presented() const; ///< in the window and on the whole screen
 
-    /// An interrupt or termination signal ends the message loop instead of the process.
+    /// An interrupt, termination or hang-up signal ends the message loop instead of the process.
     static void stop_on_signals();
 
 private:
