@@ -95,7 +95,7 @@ bool start_cassette(const std::string& path) {
 
 bool start_disk(const std::string& path) {
     main_disk_image_attach(0, path);
-    if (platform().keyboard().is_down(KEY_CONTROL)) {
+    if (platform().keyboard().control_is_held()) {
         z80_state.pc = 0;
         machine_run_now.prompt_reached = false;
     }

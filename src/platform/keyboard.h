@@ -15,6 +15,9 @@ struct HostKeyboard {
     virtual ~HostKeyboard() = default;
     /// Is the key down at this moment? While AltGr is down, Control and Alt both are.
     virtual bool is_down(uint8_t key) = 0;
+    /// Is Control held at this moment, also while a dialog or another program has the keyboard?
+    /// Slower than is_down.
+    virtual bool control_is_held() = 0;
     /// The key that gives `character` (20 to 7E) in the active layout; nothing where it has none.
     /// The characters of AltGr need Control and Alt; a dead key counts for its own character.
     virtual std::optional<KeyForCharacter> key_for(char character) = 0;

@@ -14,6 +14,7 @@ HeadlessLayout headless_us_layout();
 
 struct HeadlessKeyboard final : public HostKeyboard {
     bool is_down(uint8_t key) override { return down[key]; }
+    bool control_is_held() override { return down[KEY_CONTROL]; }
     std::optional<KeyForCharacter> key_for(char character) override;
     void release_all() override { down.reset(); }
 

@@ -68,6 +68,11 @@ bool QtKeyboard::is_down(uint8_t key) {
     });
 }
 
+bool QtKeyboard::control_is_held() {
+    return QGuiApplication::queryKeyboardModifiers().testFlag(Qt::ControlModifier) ||
+           is_down(KEY_CONTROL);
+}
+
 std::optional<KeyForCharacter> QtKeyboard::key_for(char character) {
     return layout_.key_for(character);
 }

@@ -19,6 +19,7 @@ public:
     QtKeyboard();
 
     bool is_down(uint8_t key) override;
+    bool control_is_held() override;
     std::optional<KeyForCharacter> key_for(char character) override;
     void release_all() override;
 
