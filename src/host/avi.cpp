@@ -9,6 +9,8 @@
 #include "sound/sound_core.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <cstring>
 #include <exception>
 #include <filesystem>
 
@@ -100,13 +102,19 @@ int Video_OpenOutput(const std::string& path, const uint16_t* sound_buffer) {
     if (pfOutput.is_open()) Video_CloseOutput();
     FileHandle file = open_for_rewriting(path);
     if (!file) {
-        report({.text = "Could not open file stream!", .title = path});
+        report({.text = "Could not open file stream!",
+                .file = path,
+                .reason = std::strerror(errno),
+                .title = path});
         return 0;
     }
     if (!create_streams(std::move(file), sound_buffer != nullptr)) {
         s_psCodec.reset();
         remove_when_empty(path);
-        report({.text = "Could not create video stream!", .title = "Error"});
+        report({.text = "Could not create video stream!",
+                .file = path,
+                .reason = video_compression_problem(AVIBitmapHeader),
+                .title = "Error"});
         return 0;
     }
     AVISoundBuffer = sound_buffer;

@@ -27,6 +27,20 @@ FormDescription compression_form(const std::vector<video_codec_kind>& kinds) {
 
 void answer_video_compression(const std::string& name) { answer = name; }
 
+std::string video_compression_problem(const bitmap_header& header) {
+    if (answer.empty()) return {};
+    std::string names;
+    for (const video_codec_kind& kind : video_codecs()) {
+        if (answer == kind.name && kind.can_do(header)) return {};
+        if (answer == kind.name) {
+            return "the codec \"" + answer + "\" takes no pictures of " +
+                   std::to_string(header.bits) + " bits";
+        }
+        names += names.empty() ? kind.name : std::string(", ") + kind.name;
+    }
+    return "there is no codec \"" + answer + "\", only " + names;
+}
+
 std::optional<video_codec_kind> ui_choose_video_compression(const bitmap_header& header) {
     std::vector<video_codec_kind> kinds = video_codecs();
     std::erase_if(kinds, [&](const video_codec_kind& kind) { return !kind.can_do(header); });
