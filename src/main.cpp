@@ -1,6 +1,7 @@
 /// Picks the platform and starts the shell.
 
 #include "host/command_line.h"
+#include "host/disks.h"
 #include "host/messages.h"
 #include "host/shell.h"
 #include "host/video_codec.h"
@@ -132,6 +133,7 @@ int run_desktop(int argc, char** argv) {
     const CommandLine line = read_command_line(rest);
     if (!line.refusal.empty()) return fail(line.refusal);
     install_platform(host);
+    keep_disk_journals = true;
     const int exit_code = run_shell(line);
     print_results(line);
     return exit_code;

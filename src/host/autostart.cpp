@@ -11,7 +11,6 @@
 #include "media/snapshot.h"
 #include "media/tape.h"
 #include "media/traps.h"
-#include "media/wd1771.h"
 #include "platform/file_handle.h"
 #include "platform/file_names.h"
 #include "platform/host_services.h"
@@ -94,12 +93,12 @@ bool start_cassette(const std::string& path) {
 }
 
 bool start_disk(const std::string& path) {
-    main_disk_image_attach(0, path);
+    const bool attached = main_disk_image_attach(0, path);
     if (platform().keyboard().control_is_held()) {
         z80_state.pc = 0;
         machine_run_now.prompt_reached = false;
     }
-    return diskimg_inserted(wd1771_disk(0)) && wd1771_disk(0).path == path;
+    return attached;
 }
 
 bool start_snapshot(const std::string& path) { return load_snapshot(path); }

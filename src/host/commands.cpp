@@ -335,7 +335,7 @@ constexpr auto commands = std::to_array<CommandEntry>({
     {COMMAND_DETACH_DISK + 1, [] { main_disk_image_detach(1); }},
     {COMMAND_DETACH_DISK + 2, [] { main_disk_image_detach(2); }},
     {COMMAND_DETACH_DISK + 3, [] { main_disk_image_detach(3); }},
-    {COMMAND_DETACH_ALL, main_disk_image_detach_all},
+    {COMMAND_DETACH_ALL, [] { main_disk_image_detach_all(); }},
     {COMMAND_ATTACH_WAV,
      [] { with_file(DIALOG_ATTACH_WAV, [](const std::string& path) { tape_open_wav(path); }); }},
     {COMMAND_PASTE, paste_from_clipboard},

@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr int DIALOG_TYPES = DIALOG_SAVE_WAV + 1;
+constexpr int DIALOG_TYPES = DIALOG_SAVE_DISK + 1;
 
 const FileFilter ALL = {"All (*.*)", "*.*"};
 
@@ -65,6 +65,9 @@ const std::map<int, FileDialogText>& dialog_types() {
          {"Save video...", {{"AVI files (*.avi)", "*.avi", "avi"}, all_files("avi")}}},
         {DIALOG_SAVE_WAV,
          {"Save to WAV...", {{"16 bit; mono; 44,100 kHz PCM (*.wav)", "*.wav", "wav"}}}},
+        {DIALOG_SAVE_DISK,
+         {"Save disk image as...",
+          {{"Disk images (*.cgd,*.dsk;*.img)", "*.cgd;*.dsk;*.img", "dsk"}, all_files("dsk")}}},
     };
     return types;
 }
@@ -169,6 +172,16 @@ int ui_select_file(int type, std::string* path) {
     *path = choice->path;
     if (!save) StatusBarText("Image attached: %s.", path->c_str());
     return 1;
+}
+
+void ui_show_text(const std::string& title, const std::string& text) {
+    using enum ControlKind;
+    enum Control : int { CLOSE = 1, TEXT = 2 };
+    const FormDescription form = {
+        title,
+        {{.kind = text_view, .id = TEXT, .text = text, .name = title},
+         {.kind = buttons, .children = {{.kind = default_button, .id = CLOSE, .text = "Close"}}}}};
+    platform().forms().create(form, [](Form&, const FormEvent&) {})->run();
 }
 
 void ui_get_casdata(std::array<std::string, 3>* addresses) { *addresses = sMyData; }

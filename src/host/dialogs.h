@@ -4,7 +4,7 @@
 #include <array>
 #include <string>
 
-/// Numbers of the file dialogs. 0 to 7 open a file, 9 to 15 save one.
+/// Numbers of the file dialogs. 0 to 7 open a file, 9 to 16 save one.
 enum FileDialogType : int {
     DIALOG_LOAD_CMD = 0,
     DIALOG_LOAD_BAS = 1,
@@ -20,13 +20,16 @@ enum FileDialogType : int {
     DIALOG_SAVE_CAS = 12,
     DIALOG_SAVE_SNAPSHOT = 13,
     DIALOG_SAVE_VIDEO = 14,
-    DIALOG_SAVE_WAV = 15
+    DIALOG_SAVE_WAV = 15,
+    DIALOG_SAVE_DISK = 16
 };
 
 /// Shows the file dialog of the type. 1 with the chosen path, 0 when cancelled. The name of a file
 /// to save gets the type's extension when it has no point; an existing file is only chosen when the
 /// user agrees that it is replaced.
 int ui_select_file(int type, std::string* path);
+/// Shows lines of text in a box of their own.
+void ui_show_text(const std::string& title, const std::string& text);
 /// From, end and start address of the address panel, as typed.
 void ui_get_casdata(std::array<std::string, 3>* addresses);
 /// Name, version, and the link to the user manual: beside the program in its place of installation,

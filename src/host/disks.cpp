@@ -1,16 +1,38 @@
 #include "host/disks.h"
 
+#include "core/frame_driver.h"
 #include "host/autostart.h"
+#include "host/disk_journal.h"
+#include "host/disk_questions.h"
 #include "host/menu.h"
 #include "media/wd1771.h"
 #include "platform/host_services.h"
+#include "platform/name_claim.h"
 #include "platform/platform.h"
 
+#include <array>
+#include <cerrno>
+#include <cstring>
 #include <filesystem>
+#include <utility>
+#include <vector>
+
+bool keep_disk_journals = false;
 
 namespace {
 
 constexpr uint32_t KILOBYTE = 1024;
+
+/// What keeps the disk of a drive safe.
+struct DiskCare {
+    std::vector<NameClaim> claims; ///< on the image, as long as it may be written to
+    DiskJournal journal;
+    bool journal_failed = false; ///< which has been reported
+    bool journal_waits = false;  ///< one of an earlier run may be there, to be asked about
+};
+std::array<DiskCare, DISK_DRIVES> cares;
+bool journals_are_offered = false;
+int64_t last_kept = 0; ///< by the host's clock
 
 std::string drive_text(unsigned drive, const std::string& content) {
     std::string text = "Drive :&" + std::to_string(drive) + " - ";
@@ -28,33 +50,250 @@ void tell_unsupported(const std::string& path) {
     report({.text = "Unsupported disk image.\n", .file = path, .reason = reason});
 }
 
+std::string drive_name(unsigned drive) { return "drive :" + std::to_string(drive); }
+
+void empty_drive(unsigned drive) {
+    diskimg_detach(wd1771_disk(drive), false);
+    cares[drive] = {};
+    modify_menu_text(COMMAND_ATTACH_DISK + int(drive), drive_text(drive, "<no disk>"));
+}
+
+// ---- writing back ------------------------------------------------------------------------------
+
+/// Writes the image to its file, or wherever the user wants it. False when the disk is to stay.
+bool save_disk(unsigned drive) {
+    const disk_image& disk = wd1771_disk(drive);
+    bool keep_mine = false;
+    for (;;) {
+        TroubleAnswer answer = TroubleAnswer::none;
+        if (!keep_mine && diskimg_file_changed(disk)) {
+            answer = ask_about_changed_file(drive, disk);
+            keep_mine = answer == TroubleAnswer::mine;
+        } else {
+            if (diskimg_write_back(disk)) return true;
+            answer = ask_about_failed_write(drive, disk, std::strerror(errno));
+        }
+        if (answer == TroubleAnswer::none) return false;
+        if (answer == TroubleAnswer::theirs) return true;
+        if (answer == TroubleAnswer::elsewhere && save_disk_elsewhere(disk.image)) return true;
+    }
+}
+
+/// False when the disk is to stay.
+bool settle_changes(unsigned drive) {
+    if (!wd1771_disk(drive).modified) return true;
+    switch (ask_for_changes(drive)) {
+    case ChangesAnswer::save: return save_disk(drive);
+    case ChangesAnswer::discard: return true;
+    case ChangesAnswer::none: break;
+    }
+    return false;
+}
+
+bool take_out(unsigned drive) {
+    if (!settle_changes(drive)) return false;
+    cares[drive].journal.remove();
+    empty_drive(drive);
+    return true;
+}
+
+// ---- the same image twice ----------------------------------------------------------------------
+
+/// By the file, and by its name: the file may be replaced while it is in a drive.
+std::array<std::string, 2> claimed_names(const disk_image& disk) {
+    const std::string path = canonical_path(disk.path);
+    const uint64_t hash =
+        content_hash({reinterpret_cast<const uint8_t*>(path.data()), path.size()});
+    return {"disk " + std::to_string(disk.file.device) + " " + std::to_string(disk.file.inode),
+            "disk " + std::to_string(hash)};
+}
+
+std::string other_holder(unsigned drive) {
+    const disk_image& disk = wd1771_disk(drive);
+    for (unsigned other = 0; other < DISK_DRIVES; ++other) {
+        const disk_image& held = wd1771_disk(other);
+        const bool same =
+            diskimg_inserted(held) &&
+            (held.file == disk.file || canonical_path(held.path) == canonical_path(disk.path));
+        if (other != drive && same) return drive_name(other) + " has it too";
+    }
+    return "another running program has it in a drive";
+}
+
+void claim_image(unsigned drive) {
+    disk_image& disk = wd1771_disk(drive);
+    if (disk.write_protected) return;
+    bool taken = keep_disk_journals && journal_is_in_use(disk);
+    for (const std::string& name : claimed_names(disk)) {
+        NameClaim claim(name);
+        taken = taken || claim.result() == NameClaim::Result::taken;
+        cares[drive].claims.push_back(std::move(claim));
+    }
+    if (!taken) return;
+    cares[drive].claims.clear();
+    disk.write_protected = true;
+    report(
+        {.text = "The disk in " + drive_name(drive) + " is write-protected: " + other_holder(drive),
+         .file = disk.path,
+         .severity = Severity::warning});
+}
+
+// ---- journals ----------------------------------------------------------------------------------
+
+void take_journal(unsigned drive, const LeftJournal& left) {
+    disk_image& disk = wd1771_disk(drive);
+    disk.image = left.image;
+    diskimg_find_geometry(disk);
+    diskimg_all_kept(disk);
+    disk.modified = true;
+    if (cares[drive].journal.resume(left)) return;
+    report({.text = "The journal of " + drive_name(drive) + " cannot be written",
+            .file = left.path,
+            .reason = std::strerror(errno),
+            .severity = Severity::warning});
+}
+
+/// Asks about the journal that an earlier run has left, if there is one.
+void offer_journal(unsigned drive) {
+    disk_image& disk = wd1771_disk(drive);
+    DiskCare& care = cares[drive];
+    if (!std::exchange(care.journal_waits, false) || !diskimg_inserted(disk)) return;
+    disk.write_protected = false;
+    const std::optional<LeftJournal> left = find_left_journal(disk);
+    if (!left) return;
+    // Nothing is missing when the program was killed just after the image had been written back.
+    const bool saved = content_hash(left->image) == disk.file_hash;
+    switch (saved ? JournalAnswer::discard : ask_about_journal(drive, disk, *left)) {
+    case JournalAnswer::take: return take_journal(drive, *left);
+    case JournalAnswer::discard: return remove_left_journal(*left);
+    case JournalAnswer::later: break;
+    }
+    disk.write_protected = true;
+    report({.text = "The disk in " + drive_name(drive) +
+                    " is write-protected: what was not saved is still to be decided about",
+            .file = disk.path,
+            .severity = Severity::note});
+}
+
+void watch_journal(unsigned drive) {
+    disk_image& disk = wd1771_disk(drive);
+    if (!keep_disk_journals || disk.write_protected) return;
+    cares[drive].journal_waits = true;
+    disk.write_protected = true; // until it is known what the disk holds
+    if (journals_are_offered) offer_journal(drive);
+}
+
+bool keep_journal(unsigned drive) {
+    disk_image& disk = wd1771_disk(drive);
+    DiskCare& care = cares[drive];
+    if (care.journal.keep(disk)) {
+        care.journal_failed = false;
+        return true;
+    }
+    const std::string reason = std::strerror(errno);
+    if (!std::exchange(care.journal_failed, true)) {
+        report({.text = "The journal of " + drive_name(drive) + " cannot be written",
+                .reason = reason,
+                .remedy = "What is written to the disk is lost if the program is ended by force.",
+                .severity = Severity::warning});
+    }
+    return false;
+}
+
+/// The program ends and nobody has decided about the changes.
+void leave_unsaved(unsigned drive) {
+    disk_image& disk = wd1771_disk(drive);
+    const std::string disk_text = "Disk content in " + drive_name(drive) + " has changed";
+    if (!keep_disk_journals) {
+        report({.text = disk_text + " and is not saved",
+                .file = disk.path,
+                .severity = Severity::warning});
+    } else if (keep_journal(drive)) {
+        report({.text = disk_text + " and is in the journal",
+                .file = disk.path,
+                .remedy = "It is offered when the image is put into a drive again.",
+                .severity = Severity::note});
+    } else if (const auto rescue = diskimg_rescue(disk)) {
+        report({.text = disk_text + ". The disk is in " + *rescue, .file = disk.path});
+    } else {
+        report({.text = disk_text + ". No copy of it could be made: the changes are lost",
+                .file = disk.path,
+                .reason = std::strerror(errno)});
+    }
+    empty_drive(drive);
+}
+
 } // namespace
 
-void main_disk_image_attach(unsigned drive, const std::string& path) {
-    if (path.empty() || drive >= DISK_DRIVES) return;
+bool main_disk_image_attach(unsigned drive, const std::string& path) {
+    if (path.empty() || drive >= DISK_DRIVES) return false;
     disk_image& disk = wd1771_disk(drive);
-    if (diskimg_inserted(disk)) main_disk_image_detach(drive);
-    if (!diskimg_attach(disk, path)) return tell_unsupported(path);
+    if (diskimg_inserted(disk) && !main_disk_image_detach(drive)) return false;
+    for (unsigned n = 0; n < DISK_DRIVES; ++n) {
+        if (!diskimg_inserted(wd1771_disk(n))) cares[n] = {};
+    }
+    if (!diskimg_attach(disk, path)) {
+        tell_unsupported(path);
+        return false;
+    }
     wd1771_reset();
     StatusBarText("Disk: %u side(s), %u tracks, %u sectors, %u kb.", disk.side_value + 1,
                   disk.tracks, disk.sectors, disk.size / KILOBYTE);
     modify_menu_text(COMMAND_ATTACH_DISK + int(drive), drive_text(drive, path));
+    claim_image(drive);
+    watch_journal(drive);
+    return true;
 }
 
-void main_disk_image_detach(unsigned drive) {
-    if (drive >= DISK_DRIVES) return;
-    disk_image& disk = wd1771_disk(drive);
-    const bool save = disk.modified && platform().dialogs().choose(
-                                           "Warning",
-                                           "Disk content in drive :" + std::to_string(drive) +
-                                               " has changed. Do you want to save your changes?",
-                                           {"&Yes", "&No"}) == 0;
-    const int written = diskimg_detach(disk, save);
-    modify_menu_text(COMMAND_ATTACH_DISK + int(drive), drive_text(drive, "<no disk>"));
-    if (written) StatusBarText("Disk detached from drive #%u", drive);
+bool main_disk_image_detach(unsigned drive) {
+    if (drive >= DISK_DRIVES) return false;
+    if (!take_out(drive)) {
+        StatusBarText("The disk in drive :%u stays there.", drive);
+        return false;
+    }
+    StatusBarText("Disk detached from drive #%u", drive);
+    return true;
 }
 
-void main_disk_image_detach_all() {
-    for (unsigned drive = 0; drive < DISK_DRIVES; ++drive) main_disk_image_detach(drive);
+bool main_disk_image_detach_all() {
+    for (unsigned drive = 0; drive < DISK_DRIVES; ++drive) {
+        if (main_disk_image_detach(drive)) continue;
+        StatusBarText("Stopped: the disk in drive :%u stays there.", drive);
+        return false;
+    }
     StatusBarText("All disks detached.");
+    return true;
+}
+
+void main_disk_offer_journals() {
+    journals_are_offered = true;
+    for (unsigned drive = 0; drive < DISK_DRIVES; ++drive) offer_journal(drive);
+}
+
+void main_disk_keep_journals() {
+    if (!keep_disk_journals) return;
+    last_kept = platform().clock().counter();
+    for (unsigned drive = 0; drive < DISK_DRIVES; ++drive) {
+        if (diskimg_inserted(wd1771_disk(drive))) keep_journal(drive);
+    }
+}
+
+void main_disk_keep_journals_when_due() {
+    // A little less than the second, in which frames come at their own times.
+    const int64_t interval = pacing.two_seconds / 2 * 9 / 10;
+    if (!keep_disk_journals || pacing.elapsed_counter - last_kept < interval) return;
+    main_disk_keep_journals();
+}
+
+void main_disk_end() {
+    bool all_settled = true;
+    for (unsigned drive = 0; drive < DISK_DRIVES; ++drive) {
+        all_settled = all_settled && take_out(drive);
+        const disk_image& disk = wd1771_disk(drive);
+        if (!diskimg_inserted(disk)) continue;
+        if (disk.modified) leave_unsaved(drive);
+        empty_drive(drive);
+    }
+    journals_are_offered = false;
+    if (all_settled) StatusBarText("All disks detached.");
 }

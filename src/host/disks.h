@@ -1,11 +1,32 @@
 #pragma once
-/// Disk images of the drives 0 to 3, with the menu's texts and the question whether to save.
+/// Disk images of the drives 0 to 3, with the menu's texts, the questions before something is lost,
+/// and the journals of what was written.
 ///
 /// Taking a disk out asks whether to keep its changes; putting one in takes out the one before.
-/// Other drives, and an empty path, do nothing. The status bar tells what came of it.
+/// A question without an answer discards nothing: the disk stays in its drive. An image that is in
+/// another drive, or in one of another running program, is write-protected. Other drives, and an
+/// empty path, do nothing. The status bar tells what came of it.
 
 #include <string>
 
-void main_disk_image_attach(unsigned drive, const std::string& path);
-void main_disk_image_detach(unsigned drive);
-void main_disk_image_detach_all();
+/// Whether what is written to a disk is kept in a journal, and journals left behind are offered.
+extern bool keep_disk_journals;
+
+/// False when the drive has not got the image.
+bool main_disk_image_attach(unsigned drive, const std::string& path);
+/// False when the disk stays.
+bool main_disk_image_detach(unsigned drive);
+/// Ends at the first disk that stays.
+bool main_disk_image_detach_all();
+
+/// From here on a journal is offered when its image is attached; those of disks attached before are
+/// offered now. Until then, and while there is no answer, such a disk is write-protected.
+void main_disk_offer_journals();
+/// Notes in the journals what was written; does nothing when nothing was. Called between frames,
+/// whenever something may take long, `when_due` leaves it at once in a second.
+void main_disk_keep_journals();
+void main_disk_keep_journals_when_due();
+/// The program's end. Takes out all disks as above; from the first one that stays, what was written
+/// is left in the journals. Where there is none, a changed disk is rescued, or without
+/// keep_disk_journals only reported.
+void main_disk_end();

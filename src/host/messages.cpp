@@ -1,5 +1,6 @@
 #include "host/messages.h"
 
+#include "host/dialogs.h"
 #include "host/status.h"
 #include "platform/platform.h"
 #include "platform/report.h"
@@ -39,8 +40,6 @@ void show_box(const Report& told) {
     if (!details.empty()) text += (text.ends_with('\n') ? "\n" : "\n\n") + details;
     platform().dialogs().message(told.title.empty() ? PRODUCT_NAME : told.title, text, told.icon);
 }
-
-enum MessagesControl : int { MESSAGES_CLOSE = 1, MESSAGES_TEXT = 2 };
 
 } // namespace
 
@@ -82,14 +81,8 @@ void show_held_message_boxes() {
 }
 
 void ui_messages() {
-    using enum ControlKind;
     std::string lines;
     for (const auto& [time, line] : kept) lines += time + "  " + line + "\n";
     if (lines.empty()) lines = "There are no messages.";
-    const FormDescription form = {
-        "Messages",
-        {{.kind = text_view, .id = MESSAGES_TEXT, .text = lines, .name = "Messages"},
-         {.kind = buttons,
-          .children = {{.kind = default_button, .id = MESSAGES_CLOSE, .text = "Close"}}}}};
-    platform().forms().create(form, [](Form&, const FormEvent&) {})->run();
+    ui_show_text("Messages", lines);
 }

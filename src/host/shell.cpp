@@ -295,7 +295,7 @@ void emu_close() {
     if (g_bRecordingVideo) Video_CloseOutput();
     write_settings();
     sound_close();
-    main_disk_image_detach_all();
+    main_disk_end();
     tape_detach_cas();
     SetValueStr("Tape", tape_get_cas_name().c_str());
     keyboard_type_reset();
@@ -335,12 +335,16 @@ int run_message_loop() {
     Events& events = platform().events();
     for (;;) {
         const bool halted = !g_bActive;
+        if (halted) main_disk_keep_journals(); // nobody knows for how long
         const Event event = halted ? events.wait() : events.poll();
         if (event.kind == Event::Kind::quit) return event.value;
         if (event.kind == Event::Kind::none) {
-            if (!halted) paced_frame_step();
+            if (halted) continue;
+            paced_frame_step();
+            main_disk_keep_journals_when_due();
             continue;
         }
+        main_disk_keep_journals(); // the message may open a dialog
         WindowProcedure(event);
         if (halted) reset_timer();
     }
@@ -359,6 +363,7 @@ int run_shell(const CommandLine& line) {
     tell_what_is_left_out(line);
     show_held_message_boxes();
     offer_interrupted_writes();
+    main_disk_offer_journals();
     reset_timer(); // the start is no time to catch up
     const int exit_code = run_message_loop();
     emu_close();

@@ -116,7 +116,7 @@ fs::path rescue_path(const std::string& path) {
     for (int n = 0; n < MOST_RESCUES; ++n) {
         const std::string ending = (n ? "-" + std::to_string(n) : "") + extension;
         const size_t room = LONGEST_NAME - std::min(LONGEST_NAME, ending.size());
-        const fs::path rescue = folder / (stem.substr(0, room) + ending);
+        fs::path rescue = folder / (stem.substr(0, room) + ending);
         if (!fs::exists(fs::symlink_status(rescue, error))) return rescue;
     }
     return {};

@@ -1,13 +1,18 @@
 #include "core/frame_driver.h"
-#include "host/messages.h"
+#include "host/disks.h"
 #include "host/whole_program.h"
 #include "media/wd1771.h"
 #include "z80/z80.h"
 
+#include <csignal>
+
+#include <sys/wait.h>
+#include <unistd.h>
+
 namespace {
 
 constexpr int ATTACH = 40018, DETACH = 40022, DETACH_ALL = 40033, EXIT = -1;
-constexpr int YES = 0, NO = 1;
+constexpr int YES = 0, NO = 1, CANCEL = 2;
 constexpr size_t DISK_SIZE = 102400;
 constexpr const char* QUESTION = " has changed. Do you want to save your changes?";
 
@@ -171,29 +176,200 @@ TEST_F(DisksTest, ChangesAreAskedForAtEveryWayOut) {
     for (unsigned drive = 0; drive < 4; ++drive) EXPECT_EQ(stored(drive), "");
 }
 
-TEST_F(DisksTest, ADiskWithoutItsFolderIsRescued) {
-    for (const int way : {DETACH + 1, ATTACH + 1, EXIT}) {
-        SCOPED_TRACE(way);
+TEST_F(DisksTest, WithoutAnAnswerTheDiskStays) {
+    for (const int way : {DETACH + 2, DETACH_ALL, ATTACH + 2, EXIT}) {
+        for (const int answer : {NO_ANSWER, CANCEL}) {
+            SCOPED_TRACE(testing::Message() << way << " " << answer);
+            start();
+            for (const unsigned drive : {2, 3}) {
+                attach(drive, drive == 2 ? "a.dsk" : "d.dsk");
+                change(drive);
+            }
+            host->dialogs().questions.clear();
+            host->dialogs().answers = {answer};
+            if (way == ATTACH + 2) host->dialogs().choices.push_back({{"b.dsk", 0}});
+            if (way == EXIT) {
+                emu_close();
+            } else {
+                command(way);
+            }
+            EXPECT_EQ(host->dialogs().questions.size(), 1U);
+            EXPECT_FALSE(is_changed("a.dsk") || is_changed("d.dsk"));
+            EXPECT_EQ(text_of(2), text_of(2, way == EXIT ? "<no disk>" : "a.dsk"));
+            EXPECT_EQ(wd1771_disk(2).modified && wd1771_disk(3).modified, way != EXIT);
+            EXPECT_EQ(host->status_text(3),
+                      way == EXIT         ? "Disk content in drive :3 has changed and is not saved"
+                      : way == DETACH_ALL ? "Stopped: the disk in drive :2 stays there."
+                                          : "The disk in drive :2 stays there.");
+        }
+    }
+}
+
+TEST_F(DisksTest, NothingIsLostWhereTheFileIsNotAsItWas) {
+    constexpr int ELSEWHERE = 0, MINE = 1, THEIRS = 2;
+    const auto touch = [] { fill("folder/e.dsk"); };
+    const auto other = [] { write_text("folder/e.dsk", std::string(DISK_SIZE, '\x15')); };
+    const auto gone = [] { std::filesystem::remove_all("folder"); };
+    const struct {
+        const char* name;
+        void (*happens)();
+        std::deque<int> answers; ///< after Yes
+        int last_byte;           ///< of the file in the end; -1: none
+        bool elsewhere = false;
+        bool stays = false;
+    } cases[] = {{"touched", touch, {}, 0x99},
+                 {"mine", other, {MINE}, 0x99},
+                 {"theirs", other, {THEIRS}, 0x15},
+                 {"elsewhere", other, {ELSEWHERE}, 0x15, true},
+                 {"no answer", other, {}, 0x15, false, true},
+                 {"gone", gone, {MINE, MINE, ELSEWHERE}, -1, true},
+                 {"left alone", gone, {THEIRS}, -1},
+                 {"gone, no answer", gone, {NO_ANSWER}, -1, false, true}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
         fill("folder/e.dsk");
-        std::filesystem::remove_all("data/rescue");
+        std::filesystem::remove("out.dsk");
         attach(1, "folder/e.dsk");
         change(1);
-        std::filesystem::remove_all("folder");
-        host->dialogs().answers = {YES};
-        host->dialogs().messages.clear();
-        if (way == ATTACH + 1) host->dialogs().choices.push_back({{"b.dsk", 0}});
-        if (way == EXIT) {
-            emu_close();
-        } else {
-            command(way);
-        }
-        EXPECT_TRUE(is_changed("data/rescue/e.dsk"));
-        const std::string told = "folder/e.dsk cannot be written. The disk is in data/rescue/e.dsk";
-        EXPECT_EQ(kept_messages().back().line, told);
-        EXPECT_EQ(host->dialogs().messages.empty(), way == EXIT);
-        EXPECT_TRUE(way != DETACH + 1 || host->status_text(3) == told);
-        EXPECT_EQ(text_of(1), text_of(1, way == ATTACH + 1 ? "b.dsk" : "<no disk>"));
+        c.happens();
+        host->dialogs().answers = c.answers;
+        host->dialogs().answers.push_front(YES);
+        host->dialogs().choices = {{{"out.dsk", 0}}};
+        command(DETACH + 1);
+        EXPECT_EQ(diskimg_inserted(wd1771_disk(1)), c.stays);
+        EXPECT_TRUE(host->dialogs().answers.empty());
+        EXPECT_EQ(std::filesystem::exists("out.dsk"), c.elsewhere);
+        EXPECT_TRUE(!c.elsewhere || is_changed("out.dsk"));
+        const std::vector<uint8_t> bytes = read_file("folder/e.dsk");
+        EXPECT_EQ(bytes.empty() ? -1 : bytes.back(), c.last_byte);
+        host->dialogs().answers = {NO};
+        host->dialogs().choices.clear();
+        command(DETACH + 1);
     }
+}
+
+TEST_F(DisksTest, OneDriveAtATimeWritesToAnImage) {
+    std::filesystem::create_symlink("a.dsk", "link.dsk");
+    std::filesystem::create_hard_link("a.dsk", "twin.dsk");
+    attach(0, "a.dsk");
+    for (const char* name : {"a.dsk", "link.dsk", "twin.dsk", "new a.dsk"}) {
+        if (name[0] == 'n') std::filesystem::rename("b.dsk", "a.dsk"); // as editors save
+        attach(1, name[0] == 'n' ? "a.dsk" : name);
+        EXPECT_TRUE(wd1771_disk(1).write_protected) << name;
+        EXPECT_EQ(host->status_text(3),
+                  "The disk in drive :1 is write-protected: drive :0 has it too");
+    }
+    attach(0, "c.img");
+    attach(1, "a.dsk");
+    EXPECT_FALSE(wd1771_disk(1).write_protected);
+
+    int ends[2];
+    char ready = 0;
+    ASSERT_EQ(pipe(ends), 0);
+    const pid_t child = fork();
+    if (child == 0) {
+        attach(2, "d.dsk");
+        if (write(ends[1], &ready, 1) == 1) pause();
+        _exit(1);
+    }
+    ASSERT_EQ(read(ends[0], &ready, 1), 1);
+    attach(3, "d.dsk");
+    EXPECT_TRUE(wd1771_disk(3).write_protected);
+    EXPECT_NE(host->status_text(3).find("another running program"), std::string::npos);
+    kill(child, SIGKILL);
+    waitpid(child, nullptr, 0);
+    attach(3, "d.dsk");
+    EXPECT_FALSE(wd1771_disk(3).write_protected);
+}
+
+class DiskJournalTest : public DisksTest {
+protected:
+    static constexpr int TAKE = 0, LOOK = 1, DISCARD = 2;
+    /// A program that changes a disk, first another sector of it, and is killed.
+    void run_killed() {
+        fill("a.dsk");
+        std::filesystem::remove_all("data/journal");
+        const pid_t child = fork();
+        if (child == 0) {
+            begin();
+            attach(0, "a.dsk");
+            const std::vector<uint8_t> sector(256, 0x77);
+            disk_img_write_sector(wd1771_disk(0), 0, 0, 0, sector.data());
+            main_disk_keep_journals();
+            change(0);
+            main_disk_keep_journals();
+            raise(SIGKILL);
+        }
+        waitpid(child, nullptr, 0);
+        begin();
+    }
+    void begin() {
+        start();
+        keep_disk_journals = true;
+        main_disk_offer_journals();
+    }
+    void TearDown() override {
+        keep_disk_journals = false;
+        DisksTest::TearDown();
+    }
+    static std::filesystem::path journal() {
+        for (const auto& entry : std::filesystem::directory_iterator("data/journal")) return entry;
+        return {};
+    }
+    static int last_byte() {
+        const disk_image& disk = wd1771_disk(0);
+        return diskimg_inserted(disk) ? disk.image.back() : -1;
+    }
+};
+
+TEST_F(DiskJournalTest, WhatAKilledProgramHasWrittenIsOffered) {
+    for (const int answer : {YES, NO}) {
+        run_killed();
+        host->dialogs().answers = {TAKE};
+        attach(0, "a.dsk");
+        ASSERT_EQ(last_byte(), 0x99);
+        EXPECT_EQ(wd1771_disk(0).image[0], 0x77);
+        host->dialogs().answers = {NO_ANSWER}; // to the question at the end
+        emu_close();
+        begin();
+        host->dialogs().answers = {NO_ANSWER}; // to the journal
+        attach(0, "a.dsk");
+        EXPECT_TRUE(wd1771_disk(0).write_protected);
+        host->dialogs().answers = {LOOK, TAKE, answer};
+        attach(0, "a.dsk");
+        EXPECT_FALSE(wd1771_disk(0).write_protected);
+        command(DETACH);
+        EXPECT_EQ(read_file("a.dsk").back() == 0x99, answer == YES);
+        EXPECT_EQ(journal(), "");
+    }
+    run_killed(); // while the second batch was written
+    std::filesystem::resize_file(journal(), std::filesystem::file_size(journal()) - 1);
+    host->dialogs().answers = {TAKE, NO};
+    attach(0, "a.dsk");
+    EXPECT_EQ(wd1771_disk(0).image[0], 0x77);
+    EXPECT_EQ(last_byte(), 0x14);
+    command(DETACH);
+
+    run_killed(); // and then written by another program
+    write_text("a.dsk", std::string(DISK_SIZE, '\x15'));
+    host->dialogs().answers = {0};
+    host->dialogs().choices.push_back({{"a.dsk", 0}});
+    host->dialogs().choices.push_back({{"out.dsk", 0}});
+    command(ATTACH);
+    ASSERT_TRUE(std::filesystem::exists("out.dsk"));
+    EXPECT_EQ(read_file("out.dsk").back(), 0x99);
+    EXPECT_EQ(last_byte(), 0x15);
+    EXPECT_EQ(journal(), "");
+    command(DETACH);
+
+    run_killed(); // after the image had been written back
+    std::filesystem::copy_file("out.dsk", "a.dsk",
+                               std::filesystem::copy_options::overwrite_existing);
+    host->dialogs().questions.clear();
+    attach(0, "a.dsk");
+    EXPECT_TRUE(host->dialogs().questions.empty());
+    EXPECT_EQ(journal(), "");
+    emu_close();
 }
 
 TEST_F(DisksTest, DroppedDisksGoIntoDriveZero) {
@@ -210,6 +386,7 @@ TEST_F(DisksTest, DroppedDisksGoIntoDriveZero) {
     }
     EXPECT_EQ(z80_state.pc, 0x1234) << "the machine runs on";
     host->set_key(KEY_CONTROL, true);
+    host->dialogs().answers = {NO};
     WindowProcedure({Event::Kind::drop, 0, 0, "bad.dsk"});
     host->release_all_keys();
     EXPECT_EQ(z80_state.pc, 0);

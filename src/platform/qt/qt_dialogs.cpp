@@ -86,6 +86,7 @@ void QtDialogs::message(const std::string& title, const std::string& text, Messa
 
 int QtDialogs::choose(const std::string& title, const std::string& text,
                       const std::vector<std::string>& answers) {
+    if (signals_.ending()) return NO_ANSWER;
     QMessageBox box(QMessageBox::Question, to_qt(title), message_text(text), QMessageBox::NoButton,
                     window_.owner());
     box.setTextFormat(Qt::PlainText);
@@ -105,6 +106,7 @@ int QtDialogs::choose(const std::string& title, const std::string& text,
 }
 
 std::optional<FileChoice> QtDialogs::choose_file(const FileDialog& dialog) {
+    if (signals_.ending()) return std::nullopt;
     QWidget* form = QApplication::activeModalWidget(); // a form's button may have asked for it
     QFileDialog box(form ? form : window_.owner(), to_qt(dialog.title));
     // The desktop's own dialog has no place for fields; this comes before all other settings.

@@ -1,0 +1,235 @@
+#include "host/disk_journal.h"
+
+#include "platform/platform.h"
+#include "platform/whole_file.h"
+
+#include <array>
+#include <cerrno>
+#include <cinttypes>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <span>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+namespace {
+
+namespace fs = std::filesystem;
+using Bytes = std::vector<uint8_t>;
+
+constexpr std::array<char, 8> MARK = {'T', 'V', 'N', 'J', 'R', 'N', 'L', '1'};
+constexpr const char* EXTENSION = ".journal";
+constexpr size_t LARGEST_JOURNAL = 4 * LARGEST_FILE;
+constexpr uint64_t GROWTH = 2; ///< images' worth of batches before the journal is written anew
+
+struct Head {
+    std::array<char, 8> mark = MARK;
+    uint64_t file_hash = 0;
+    FileIdentity file;
+    uint64_t path_bytes = 0;
+    uint64_t path_hash = 0;
+};
+struct Batch {
+    uint64_t bytes = 0; ///< of its pieces
+    uint64_t hash = 0;  ///< of the same
+};
+struct Piece {
+    uint32_t offset = 0; ///< in the image
+    uint32_t bytes = 0;
+};
+
+template <typename Record>
+void put(Bytes& to, const Record& record) {
+    const auto* const bytes = reinterpret_cast<const uint8_t*>(&record);
+    to.insert(to.end(), bytes, bytes + sizeof record);
+}
+
+/// Takes a record, or `count` bytes, off the front. False when there are not so many.
+template <typename Record>
+bool take(std::span<const uint8_t>& from, Record& record) {
+    if (from.size() < sizeof record) return false;
+    std::memcpy(&record, from.data(), sizeof record);
+    from = from.subspan(sizeof record);
+    return true;
+}
+bool take(std::span<const uint8_t>& from, uint64_t count, std::span<const uint8_t>& bytes) {
+    if (from.size() < count) return false;
+    bytes = from.first(count);
+    from = from.subspan(count);
+    return true;
+}
+
+void put_batch(Bytes& to, const disk_image& disk,
+               const std::vector<std::span<const uint8_t>>& pieces) {
+    Bytes content;
+    for (const auto& piece : pieces) {
+        put(content, Piece{uint32_t(piece.data() - disk.image.data()), uint32_t(piece.size())});
+        content.insert(content.end(), piece.begin(), piece.end());
+    }
+    put(to, Batch{content.size(), content_hash(content)});
+    to.insert(to.end(), content.begin(), content.end());
+}
+
+/// Puts a batch onto the image; the first one makes it. False where the journal ends.
+bool take_batch(std::span<const uint8_t>& from, Bytes& image) {
+    Batch batch;
+    std::span<const uint8_t> content;
+    if (!take(from, batch) || !take(from, batch.bytes, content)) return false;
+    if (content_hash(content) != batch.hash) return false;
+    Piece piece;
+    std::span<const uint8_t> bytes;
+    while (take(content, piece) && take(content, piece.bytes, bytes)) {
+        if (image.empty() && piece.offset == 0) image.resize(piece.bytes);
+        if (uint64_t(piece.offset) + piece.bytes > image.size()) return false;
+        std::ranges::copy(bytes, image.begin() + piece.offset);
+    }
+    return content.empty();
+}
+
+fs::path journal_folder() { return fs::path(platform().paths().data_directory()) / "journal"; }
+
+std::string journal_path(const disk_image& disk) {
+    const std::string path = canonical_path(disk.path);
+    char name[17];
+    std::snprintf(name, sizeof name, "%016" PRIx64,
+                  content_hash({reinterpret_cast<const uint8_t*>(path.data()), path.size()}));
+    return (journal_folder() / (std::string(name) + EXTENSION)).string();
+}
+
+/// One program at a time writes to a journal.
+bool lock(int descriptor) { return flock(descriptor, LOCK_EX | LOCK_NB) == 0; }
+
+bool is_in_use(const std::string& path) {
+    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (descriptor < 0) return false;
+    const bool in_use = !lock(descriptor);
+    ::close(descriptor);
+    return in_use;
+}
+
+std::optional<LeftJournal> read_journal(const std::string& path) {
+    if (is_in_use(path)) return {};
+    const auto bytes = read_whole_file(path, LARGEST_JOURNAL);
+    if (!bytes) return {};
+    std::span<const uint8_t> rest = *bytes;
+    Head head;
+    std::span<const uint8_t> image_path;
+    if (!take(rest, head) || head.mark != MARK || !take(rest, head.path_bytes, image_path)) {
+        return {};
+    }
+    if (content_hash(image_path) != head.path_hash) return {};
+    LeftJournal left{path, {}, head.file_hash, head.file, 0};
+    while (take_batch(rest, left.image)) left.end = bytes->size() - rest.size();
+    return left.image.empty() ? std::nullopt : std::optional(left);
+}
+
+bool write_at(int descriptor, const Bytes& bytes, uint64_t offset) {
+    const ssize_t count = pwrite(descriptor, bytes.data(), bytes.size(), off_t(offset));
+    if (count >= 0 && size_t(count) < bytes.size()) errno = ENOSPC;
+    return count == ssize_t(bytes.size());
+}
+
+} // namespace
+
+DiskJournal& DiskJournal::operator=(DiskJournal&& other) noexcept {
+    std::swap(path_, other.path_);
+    std::swap(descriptor_, other.descriptor_);
+    std::swap(length_, other.length_);
+    std::swap(limit_, other.limit_);
+    return *this;
+}
+
+bool DiskJournal::resume(const LeftJournal& left) {
+    close();
+    descriptor_ = open(left.path.c_str(), O_RDWR | O_CLOEXEC);
+    if (descriptor_ < 0) return false;
+    path_ = left.path;
+    length_ = left.end;
+    limit_ = left.end + GROWTH * left.image.size();
+    if (lock(descriptor_) && ftruncate(descriptor_, off_t(length_)) == 0) return true;
+    close();
+    return false;
+}
+
+bool DiskJournal::keep(disk_image& disk) {
+    const auto written = diskimg_written(disk);
+    if (written.empty()) return true;
+    const bool anew = descriptor_ < 0 || length_ > limit_;
+    if (!(anew ? write_anew(disk) : append(disk))) return false;
+    diskimg_all_kept(disk);
+    return true;
+}
+
+/// The new journal takes the place of the old one at one stroke.
+bool DiskJournal::write_anew(const disk_image& disk) {
+    if (path_.empty()) path_ = journal_path(disk);
+    std::error_code error;
+    fs::create_directories(journal_folder(), error);
+    const std::string image_path = canonical_path(disk.path);
+    Bytes bytes;
+    const std::span path_bytes(reinterpret_cast<const uint8_t*>(image_path.data()),
+                               image_path.size());
+    Head head;
+    head.file_hash = disk.file_hash;
+    head.file = disk.file;
+    head.path_bytes = path_bytes.size();
+    head.path_hash = content_hash(path_bytes);
+    put(bytes, head);
+    bytes.insert(bytes.end(), path_bytes.begin(), path_bytes.end());
+    put_batch(bytes, disk, {disk.image});
+
+    const std::string next = path_ + ".next";
+    const int descriptor =
+        open(next.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, S_IRUSR | S_IWUSR);
+    if (descriptor < 0) return false;
+    if (!lock(descriptor) || !write_at(descriptor, bytes, 0) ||
+        std::rename(next.c_str(), path_.c_str()) != 0) {
+        const int reason = errno;
+        unlink(next.c_str());
+        ::close(descriptor);
+        errno = reason;
+        return false;
+    }
+    if (descriptor_ >= 0) ::close(descriptor_);
+    descriptor_ = descriptor;
+    length_ = bytes.size();
+    limit_ = length_ + GROWTH * disk.image.size();
+    return true;
+}
+
+bool DiskJournal::append(const disk_image& disk) {
+    Bytes bytes;
+    put_batch(bytes, disk, diskimg_written(disk));
+    if (!write_at(descriptor_, bytes, length_)) return false;
+    length_ += bytes.size();
+    return true;
+}
+
+void DiskJournal::remove() {
+    if (descriptor_ >= 0) unlink(path_.c_str());
+    close();
+}
+
+void DiskJournal::close() {
+    if (descriptor_ >= 0) ::close(std::exchange(descriptor_, -1));
+    path_.clear();
+}
+
+std::optional<LeftJournal> find_left_journal(const disk_image& disk) {
+    if (auto left = read_journal(journal_path(disk))) return left;
+    std::error_code error; // the image may have been moved
+    for (const auto& entry : fs::directory_iterator(journal_folder(), error)) {
+        if (entry.path().extension() != EXTENSION) continue;
+        auto left = read_journal(entry.path().string());
+        if (left && left->file == disk.file && left->file_hash == disk.file_hash) return left;
+    }
+    return {};
+}
+
+bool journal_is_in_use(const disk_image& disk) { return is_in_use(journal_path(disk)); }
+
+void remove_left_journal(const LeftJournal& left) { unlink(left.path.c_str()); }

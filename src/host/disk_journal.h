@@ -1,0 +1,60 @@
+#pragma once
+/// The journal of a disk in a drive: a file in the user's data directory with the whole image as it
+/// was some time ago, and after it what was written since. A program that is killed leaves it
+/// behind. Nothing is synchronized with the storage device, so a power cut may cost it.
+///
+/// The file: a head, which names the image and its contents at the time of the attach, the image's
+/// path, and batches. A batch is what was written up to the end of one frame, as pieces of the
+/// image; the first batch is the whole image. All numbers are as the host's processor has them. A
+/// batch that is not complete, or whose check sum is wrong, ends the journal.
+
+#include "media/disk_image.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+/// What a program that has gone has left.
+struct LeftJournal {
+    std::string path;           ///< of the journal
+    std::vector<uint8_t> image; ///< as the disk was last
+    uint64_t file_hash = 0;     ///< of the image's file when it was attached
+    FileIdentity file;
+    uint64_t end = 0; ///< bytes of the journal up to its last whole batch
+};
+
+class DiskJournal {
+public:
+    DiskJournal() = default;
+    ~DiskJournal() { close(); }
+    DiskJournal(DiskJournal&& other) noexcept { *this = std::move(other); }
+    DiskJournal& operator=(DiskJournal&& other) noexcept;
+
+    /// Goes on with the journal of another run, from whose image the disk has its contents.
+    /// False, with the reason in errno, when it cannot be written to.
+    bool resume(const LeftJournal& left);
+    /// Notes what was written to the disk since the last call; nothing to note makes no file.
+    /// False, with the reason in errno, when that fails. The next call tries again.
+    bool keep(disk_image& disk);
+    /// The journal is needed no more: removes its file.
+    void remove();
+    /// Leaves the file for the next run.
+    void close();
+
+private:
+    bool write_anew(const disk_image& disk);
+    bool append(const disk_image& disk);
+
+    std::string path_;
+    int descriptor_ = -1;
+    uint64_t length_ = 0;
+    uint64_t limit_ = 0; ///< a longer journal is written anew
+};
+
+/// The journal that belongs to the disk, by its path or else by the file itself, unless a running
+/// program writes to it.
+std::optional<LeftJournal> find_left_journal(const disk_image& disk);
+/// Whether a running program writes to it.
+bool journal_is_in_use(const disk_image& disk);
+void remove_left_journal(const LeftJournal& left);

@@ -1,0 +1,143 @@
+#include "host/disk_questions.h"
+
+#include "host/dialogs.h"
+#include "host/disk_journal.h"
+#include "media/disk_system.h"
+#include "platform/platform.h"
+#include "platform/report.h"
+#include "platform/whole_file.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+
+namespace {
+
+std::string in_drive(const std::string& path, unsigned drive) {
+    return path + " in drive :" + std::to_string(drive);
+}
+
+constexpr const char* ELSEWHERE_EXPLAINED =
+    "Save mine elsewhere: the disk in the drive goes into another file.\n";
+constexpr const char* CANCEL_EXPLAINED = "Cancel: the disk stays in the drive.";
+
+TroubleAnswer ask_about_trouble(const std::string& text, const char* my_answer) {
+    using enum TroubleAnswer;
+    switch (platform().dialogs().choose(
+        "Warning", text, {"&Save mine elsewhere...", my_answer, "Keep t&heirs", "Cancel"})) {
+    case 0: return elsewhere;
+    case 1: return mine;
+    case 2: return theirs;
+    default: return none;
+    }
+}
+
+/// The files of both disks, and how each differs. Where there is no directory to read, how much.
+std::string differences(const disk_image& before, const disk_image& after) {
+    std::string problem;
+    const auto old_disk = disk_mount(before, problem);
+    const auto new_disk = disk_mount(after, problem);
+    if (!new_disk) return "The disk's directory cannot be read: " + problem + ".";
+    std::string lines;
+    for (const DiskFile& file : disk_files(*new_disk)) {
+        const std::string name = disk_name_text(file.name);
+        const auto old_file = old_disk ? disk_find(*old_disk, name) : std::nullopt;
+        const bool same = old_file && old_file->type == file.type &&
+                          disk_contents(*old_disk, *old_file) == disk_contents(*new_disk, file);
+        lines += name + std::string(name.size() < 14 ? 14 - name.size() : 1, ' ');
+        lines += std::to_string(file.bytes) + " bytes";
+        lines += !old_file ? ", new" : same ? "" : ", changed";
+        lines += file.whole ? "\n" : ", damaged\n";
+    }
+    for (const DiskFile& file : old_disk ? disk_files(*old_disk) : std::vector<DiskFile>()) {
+        const std::string name = disk_name_text(file.name);
+        if (!disk_find(*new_disk, name)) lines += name + ", deleted\n";
+    }
+    return lines.empty() ? "There are no files on the disk." : lines;
+}
+
+void look_at_names(const disk_image& disk, const LeftJournal& left) {
+    disk_image after = disk;
+    after.image = left.image;
+    after.size = uint32_t(left.image.size());
+    diskimg_find_geometry(after);
+    ui_show_text("Files on the disk", differences(disk, after));
+}
+
+} // namespace
+
+ChangesAnswer ask_for_changes(unsigned drive) {
+    using enum ChangesAnswer;
+    const int answer =
+        platform().dialogs().choose("Warning",
+                                    "Disk content in drive :" + std::to_string(drive) +
+                                        " has changed. Do you want to save your changes?",
+                                    {"&Yes", "&No", "Cancel"});
+    return answer == 0 ? save : answer == 1 ? discard : none;
+}
+
+TroubleAnswer ask_about_changed_file(unsigned drive, const disk_image& disk) {
+    return ask_about_trouble(
+        in_drive(disk.path, drive) + " was changed by another program meanwhile.\n\n" +
+            ELSEWHERE_EXPLAINED +
+            "Keep mine: the disk in the drive replaces what the other program has written.\n"
+            "Keep theirs: what you have written to the disk is lost.\n" +
+            CANCEL_EXPLAINED,
+        "Keep &mine");
+}
+
+TroubleAnswer ask_about_failed_write(unsigned drive, const disk_image& disk,
+                                     const std::string& reason) {
+    return ask_about_trouble(
+        in_drive(disk.path, drive) + " cannot be written: " + reason + ".\n\n" +
+            ELSEWHERE_EXPLAINED +
+            "Try again: when there is room, or the folder is there again.\n"
+            "Keep theirs: the file stays as it is; what you have written to the disk is lost.\n" +
+            CANCEL_EXPLAINED,
+        "&Try again");
+}
+
+JournalAnswer ask_about_journal(unsigned drive, const disk_image& disk, const LeftJournal& left) {
+    const bool fits = left.file_hash == disk.file_hash && left.image.size() == disk.image.size();
+    const std::string text =
+        fits
+            ? "When the program ended, what was written to " + in_drive(disk.path, drive) +
+                  " was not saved. It is still there.\n\n"
+                  "Take it: it is on the disk in the drive again. You are asked about saving it "
+                  "when the disk is taken out.\n"
+                  "Look at the names: shows the files that the disk has then.\n"
+                  "Discard it: the disk is as its file is, and what was not saved is lost.\n"
+                  "Later: nothing is decided. The disk is write-protected until it is put in again."
+            : "When the program ended, what was written to " + in_drive(disk.path, drive) +
+                  " was not saved. It is still there, but the file was changed since, and the two "
+                  "do not fit together.\n\n"
+                  "Save it elsewhere: the disk as it was then goes into another file.\n"
+                  "Look at the names: shows the files that are on that disk.\n"
+                  "Discard it: what was not saved is lost.\n"
+                  "Later: nothing is decided. The disk is write-protected until it is put in "
+                  "again.";
+    const char* const first = fits ? "&Take it" : "&Save it elsewhere...";
+    for (;;) {
+        switch (platform().dialogs().choose(
+            "Warning", text, {first, "&Look at the names...", "&Discard it", "Later"})) {
+        case 0:
+            if (fits) return JournalAnswer::take;
+            if (save_disk_elsewhere(left.image)) return JournalAnswer::discard;
+            break;
+        case 1: look_at_names(disk, left); break;
+        case 2: return JournalAnswer::discard;
+        default: return JournalAnswer::later;
+        }
+    }
+}
+
+bool save_disk_elsewhere(const std::vector<uint8_t>& image) {
+    std::string path;
+    if (!ui_select_file(DIALOG_SAVE_DISK, &path)) return false;
+    if (replace_whole_file(path, image)) {
+        report({.text = "The disk is saved: " + path, .severity = Severity::note});
+        return true;
+    }
+    report({.text = path + " cannot be written", .reason = std::strerror(errno)});
+    return false;
+}
