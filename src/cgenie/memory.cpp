@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <random>
+#include <span>
 #include <string>
 
 uint8_t memory[MEMORY_SIZE];
@@ -64,6 +65,11 @@ void memory_set_eprom(uint32_t index) {
     }
     const std::string path = path_setting("ExpansionROMPath");
     if (!path.empty()) memory_load_rom(current_eprom, 0, EXPANSION_SIZE - 1, path.c_str());
+}
+
+int memory_has_eprom() {
+    const std::span visible(current_eprom, DISK_ROM_SIZE);
+    return std::ranges::any_of(visible, [](uint8_t byte) { return byte != UNPROGRAMMED; });
 }
 
 void memory_set_active_setup(uint32_t /*ram_size*/) {}

@@ -33,6 +33,8 @@ void memory_set_basic_rom(uint32_t index);
 /// 0 the disk ROM, 1 and 3 nothing (all FF), 2 the file named by "ExpansionROMPath", which leaves
 /// the buffer as it is when there is none.
 void memory_set_eprom(uint32_t index);
+/// 0 when C000-DFFF hold nothing.
+int memory_has_eprom();
 /// Keeps nothing: the RAM limit is read from the custom configuration.
 void memory_set_active_setup(uint32_t ram_size);
 /// Tells where the RAM size of the custom configuration stands (0 = 16 KB). Until then 32 KB.

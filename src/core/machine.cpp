@@ -28,6 +28,7 @@ constexpr machine_configuration standard_models[STANDARD_MODELS] = {
     {1, 1, 0, 2, STANDARD_CLOCK, STANDARD_FRAMES, 1, 1, "CG EUR"},
 };
 constexpr uint32_t CUSTOM_TEMPLATE = 1;
+constexpr uint32_t DISK_ROM = 0; ///< as an expansion ROM
 
 /// Cells of BASIC, the same in every ROM of this machine.
 enum : uint16_t {
@@ -92,6 +93,7 @@ void machine_init() {
     custom = standard_models[CUSTOM_TEMPLATE];
     memory_set_ram_size_source(&custom.ram_size);
     machine_specific_init();
+    machine_run_now = {};
     active_machine_cfg = 0;
     machine_set_main_clock(machine_cfg[0].cpu_clock);
     machine_change_cfg(machine_cfg[0], 1);
@@ -111,7 +113,7 @@ void machine_change_cfg(const machine_configuration& configuration, int full) {
         machine_set_main_clock(configuration.cpu_clock);
         memory_set_active_setup(configuration.ram_size);
         memory_set_basic_rom(configuration.basic_rom);
-        memory_set_eprom(configuration.expansion_rom);
+        memory_set_eprom(machine_run_now.disk_rom ? DISK_ROM : configuration.expansion_rom);
         memory_init();
         start_cold();
     }
@@ -124,6 +126,12 @@ void machine_restart() {
     keyboard_type_reset();
     wd1771_reset_all();
     ym2149_reset();
+}
+
+void machine_restart_with_disk_rom() {
+    machine_run_now.disk_rom = true;
+    memory_set_eprom(DISK_ROM);
+    machine_restart();
 }
 
 // Nothing that the firmware does at the prompt can be caught without a look at every instruction.

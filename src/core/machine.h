@@ -30,6 +30,8 @@ struct machine_run_state {
     /// BASIC has come to its prompt since the last cold start: power-on, restart, or a
     /// configuration that restarts the machine.
     bool prompt_reached = false;
+    /// The disk ROM is in the machine, whatever expansion ROM a configuration names.
+    bool disk_rom = false;
 };
 extern machine_run_state machine_run_now;
 
@@ -51,6 +53,9 @@ void machine_init();
 void machine_change_cfg(const machine_configuration& configuration, int full);
 /// As after switching off and on: fresh RAM, the processor at its start, disks and sound at rest.
 void machine_restart();
+/// Puts the disk ROM in until the program ends or machine_run_now.disk_rom is cleared, and
+/// restarts.
+void machine_restart_with_disk_rom();
 /// Notes when BASIC has come to its prompt; the frame driver asks for it after each frame.
 void machine_look_for_prompt();
 /// The reset key: an NMI. Memory and registers stay; typing stops, the heads go to track 0, the

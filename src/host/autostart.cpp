@@ -5,7 +5,7 @@
 #include "core/frame_driver.h"
 #include "core/machine.h"
 #include "host/commands.h"
-#include "host/disks.h"
+#include "host/disk_rom.h"
 #include "media/cmd_loader.h"
 #include "media/damage.h"
 #include "media/snapshot.h"
@@ -93,8 +93,9 @@ bool start_cassette(const std::string& path) {
 }
 
 bool start_disk(const std::string& path) {
-    const bool attached = main_disk_image_attach(0, path);
-    if (platform().keyboard().control_is_held()) {
+    const bool control = platform().keyboard().control_is_held(); // before a question
+    const bool attached = give_disk(0, path);
+    if (control) {
         z80_state.pc = 0;
         machine_run_now.prompt_reached = false;
     }

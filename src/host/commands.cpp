@@ -9,6 +9,7 @@
 #include "host/avi.h"
 #include "host/canvas.h"
 #include "host/dialogs.h"
+#include "host/disk_rom.h"
 #include "host/disks.h"
 #include "host/display.h"
 #include "host/menu.h"
@@ -286,7 +287,7 @@ void save_snapshot(const std::string& path) {
 
 void select_disk(unsigned drive) {
     std::string path;
-    if (ui_select_file(DIALOG_ATTACH_DISK, &path)) main_disk_image_attach(drive, path);
+    if (ui_select_file(DIALOG_ATTACH_DISK, &path)) give_disk(drive, path);
 }
 
 // ---- the table ---------------------------------------------------------------------------------

@@ -250,6 +250,8 @@ void take_over(Form& form) {
     if (new_cfg != active_machine_cfg) restart_reqd = true;
     active_machine_cfg = new_cfg;
     machine_configuration& custom = machine_cfg[CUSTOM_CONFIGURATION];
+    // What the user chooses here takes the place of the disk ROM that was put in for a disk.
+    if (custom.expansion_rom != new_custom_cfg.expansion_rom) machine_run_now.disk_rom = false;
     custom = new_custom_cfg;
     for (const RomChoice& rom : rom_choices) {
         SetValueStr(rom.setting, form.text(rom.path).c_str());

@@ -72,6 +72,8 @@ void hold_message_boxes() {
     starting = true;
 }
 
+bool message_boxes_are_held() { return starting; }
+
 void show_held_message_boxes() {
     starting = false;
     for (const Report& told : std::exchange(held, {})) {

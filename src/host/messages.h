@@ -25,6 +25,8 @@ public:
 
 /// From here on boxes wait, since there is no window yet to stand over. Forgets earlier messages.
 void hold_message_boxes();
+/// True until those that wait are shown.
+bool message_boxes_are_held();
 /// Shows those that wait, one after the other. Start-up itself counts as the user's command.
 void show_held_message_boxes();
 

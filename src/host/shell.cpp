@@ -13,6 +13,7 @@
 #include "host/canvas.h"
 #include "host/commands.h"
 #include "host/dialogs.h"
+#include "host/disk_rom.h"
 #include "host/disks.h"
 #include "host/display.h"
 #include "host/interrupted_writes.h"
@@ -364,6 +365,7 @@ int run_shell(const CommandLine& line) {
     show_held_message_boxes();
     offer_interrupted_writes();
     main_disk_offer_journals();
+    offer_disk_rom_late();
     reset_timer(); // the start is no time to catch up
     const int exit_code = run_message_loop();
     emu_close();

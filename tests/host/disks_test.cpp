@@ -1,4 +1,6 @@
+#include "cgenie/memory.h"
 #include "core/frame_driver.h"
+#include "core/machine.h"
 #include "host/disks.h"
 #include "host/whole_program.h"
 #include "media/wd1771.h"
@@ -305,6 +307,7 @@ protected:
     }
     void begin() {
         start();
+        memory_set_eprom(0); // nothing to offer
         keep_disk_journals = true;
         main_disk_offer_journals();
     }
@@ -376,7 +379,8 @@ TEST_F(DisksTest, DroppedDisksGoIntoDriveZero) {
     std::filesystem::rename("b.dsk", "B.CGD");
     z80_state.pc = 0x1234;
     for (const std::string path : {"a.dsk", "B.CGD"}) {
-        host->dialogs().answers = {YES};
+        host->dialogs().answers = {NO_ANSWER}; // to the disk ROM
+        if (path != "a.dsk") host->dialogs().answers.push_front(YES);
         WindowProcedure({Event::Kind::drop, 0, 0, path});
         EXPECT_EQ(host->status_text(3), "Autoloaded: " + path);
         EXPECT_EQ(text_of(0), text_of(0, path));
@@ -391,6 +395,30 @@ TEST_F(DisksTest, DroppedDisksGoIntoDriveZero) {
     host->release_all_keys();
     EXPECT_EQ(z80_state.pc, 0);
     EXPECT_EQ(text_of(0), text_of(0, "<no disk>"));
+    emu_close();
+}
+
+TEST_F(DisksTest, AMachineWithoutTheDiskRomIsOfferedItForThisRun) {
+    const auto& questions = host->dialogs().questions;
+    attach(0, "bad.dsk");
+    EXPECT_TRUE(questions.empty());
+    for (const int answer : {NO, YES}) {
+        z80_state.pc = 0x1234;
+        host->dialogs().answers = {answer};
+        attach(1, "d.dsk");
+        EXPECT_EQ(questions.back().text, "Restart with the disk ROM?");
+        EXPECT_EQ(z80_state.pc, answer == YES ? 0 : 0x1234);
+        EXPECT_EQ(mem_read(0xC000), answer == YES ? 'D' : 0xFF);
+    }
+    attach(0, "a.dsk");
+    EXPECT_EQ(questions.size(), 2U) << "it has one now";
+    machine_change_cfg(machine_cfg[2], 1);
+    EXPECT_EQ(mem_read(0xC000), 'D') << "another model of the same run, too";
+    emu_close();
+    start();
+    EXPECT_EQ(text_of(1), text_of(1, std::filesystem::absolute("d.dsk")));
+    EXPECT_TRUE(host->dialogs().questions.empty()) << "nobody has given the disk";
+    EXPECT_EQ(mem_read(0xC000), 0xFF) << "in no configuration";
     emu_close();
 }
 

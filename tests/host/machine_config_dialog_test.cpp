@@ -204,6 +204,7 @@ TEST_F(MachineConfigDialogTest, OkAppliesAndRestartsWhenNeeded) {
 
 TEST_F(MachineConfigDialogTest, KeepsTheCustomConfiguration) {
     start(CUSTOM_CONFIGURATION);
+    machine_restart_with_disk_rom(); // as for a disk; the file chosen below takes its place
     for (const char* name : {"basic.rom", "dos.rom"}) {
         std::ofstream(name) << name;
         host->dialogs().choices.push_back({{name, 0}});
