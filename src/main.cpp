@@ -117,6 +117,7 @@ int run_headless(const CommandLine& line) {
     // There is nobody to choose.
     answer_video_compression(host.settings().text("VideoCodec").value_or("uncompressed"));
     breakpoint_opens_monitor = false;
+    save_changed_disks = line.save_disks;
     const int exit_code = run_shell(line);
     print_results(line);
     return exit_code == 0 && failure_was_reported() ? 1 : exit_code;

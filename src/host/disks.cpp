@@ -18,6 +18,7 @@
 #include <vector>
 
 bool keep_disk_journals = false;
+bool save_changed_disks = false;
 
 namespace {
 
@@ -31,6 +32,7 @@ struct DiskCare {
     bool journal_waits = false;  ///< one of an earlier run may be there, to be asked about
 };
 std::array<DiskCare, DISK_DRIVES> cares;
+std::array<std::string, DISK_DRIVES> absent; ///< what the drives had, and cannot have in this run
 bool journals_are_offered = false;
 int64_t last_kept = 0; ///< by the host's clock
 
@@ -40,14 +42,13 @@ std::string drive_text(unsigned drive, const std::string& content) {
     return text;
 }
 
-void tell_unsupported(const std::string& path) {
-    std::string reason = file_problem(path);
-    if (reason.empty()) {
-        std::error_code error;
-        const auto size = std::filesystem::file_size(path, error);
-        reason = "its " + std::to_string(size) + " bytes are no layout that is known";
-    }
-    report({.text = "Unsupported disk image.\n", .file = path, .reason = reason});
+/// Path and why there is no such image.
+std::string image_problem(const std::string& path) {
+    std::string problem = file_problem(path);
+    if (!problem.empty()) return problem;
+    std::error_code error;
+    const auto size = std::filesystem::file_size(path, error);
+    return path + ": its " + std::to_string(size) + " bytes are no layout that is known";
 }
 
 std::string drive_name(unsigned drive) { return "drive :" + std::to_string(drive); }
@@ -82,6 +83,7 @@ bool save_disk(unsigned drive) {
 /// False when the disk is to stay.
 bool settle_changes(unsigned drive) {
     if (!wd1771_disk(drive).modified) return true;
+    if (save_changed_disks) return save_disk(drive);
     switch (ask_for_changes(drive)) {
     case ChangesAnswer::save: return save_disk(drive);
     case ChangesAnswer::discard: return true;
@@ -204,9 +206,15 @@ bool keep_journal(unsigned drive) {
 void leave_unsaved(unsigned drive) {
     disk_image& disk = wd1771_disk(drive);
     const std::string disk_text = "Disk content in " + drive_name(drive) + " has changed";
-    if (!keep_disk_journals) {
+    if (save_changed_disks) {
+        report({.text = disk_text + " and cannot be saved",
+                .file = disk.path,
+                .reason = diskimg_file_changed(disk) ? "another program has changed the file"
+                                                     : "the file cannot be written"});
+    } else if (!keep_disk_journals) {
         report({.text = disk_text + " and is not saved",
                 .file = disk.path,
+                .remedy = "--save-disks saves it.",
                 .severity = Severity::warning});
     } else if (keep_journal(drive)) {
         report({.text = disk_text + " and is in the journal",
@@ -223,19 +231,14 @@ void leave_unsaved(unsigned drive) {
     empty_drive(drive);
 }
 
-} // namespace
-
-bool main_disk_image_attach(unsigned drive, const std::string& path) {
-    if (path.empty() || drive >= DISK_DRIVES) return false;
+/// False when there is no such image; the drive is empty then.
+bool put_in(unsigned drive, const std::string& path) {
     disk_image& disk = wd1771_disk(drive);
-    if (diskimg_inserted(disk) && !main_disk_image_detach(drive)) return false;
     for (unsigned n = 0; n < DISK_DRIVES; ++n) {
         if (!diskimg_inserted(wd1771_disk(n))) cares[n] = {};
     }
-    if (!diskimg_attach(disk, path)) {
-        tell_unsupported(path);
-        return false;
-    }
+    if (!diskimg_attach(disk, path)) return false;
+    absent[drive].clear();
     wd1771_reset();
     StatusBarText("Disk: %u side(s), %u tracks, %u sectors, %u kb.", disk.side_value + 1,
                   disk.tracks, disk.sectors, disk.size / KILOBYTE);
@@ -245,8 +248,39 @@ bool main_disk_image_attach(unsigned drive, const std::string& path) {
     return true;
 }
 
+} // namespace
+
+bool main_disk_image_attach(unsigned drive, const std::string& path) {
+    if (path.empty() || drive >= DISK_DRIVES) return false;
+    if (diskimg_inserted(wd1771_disk(drive)) && !main_disk_image_detach(drive)) return false;
+    if (put_in(drive, path)) return true;
+    report({.text = "Unsupported disk image.\n", .reason = image_problem(path)});
+    return false;
+}
+
+void main_disk_image_attach_again(std::span<const std::string> paths) {
+    std::string missing;
+    for (unsigned drive = 0; drive < DISK_DRIVES; ++drive) {
+        const std::string& path = paths[drive];
+        if (path.empty() || put_in(drive, path)) continue;
+        absent[drive] = path;
+        if (!missing.empty()) missing += "; ";
+        missing += drive_name(drive) + ", " + image_problem(path);
+    }
+    if (missing.empty()) return;
+    report({.text = "Disks of the last run are missing",
+            .reason = missing,
+            .remedy = "Their names are kept for the next run."});
+}
+
+std::string main_disk_image_remembered(unsigned drive) {
+    const disk_image& disk = wd1771_disk(drive);
+    return diskimg_inserted(disk) ? disk.path : absent[drive];
+}
+
 bool main_disk_image_detach(unsigned drive) {
     if (drive >= DISK_DRIVES) return false;
+    absent[drive].clear();
     if (!take_out(drive)) {
         StatusBarText("The disk in drive :%u stays there.", drive);
         return false;

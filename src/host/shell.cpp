@@ -141,11 +141,11 @@ void read_options(uint32_t& bit_depth) {
 }
 
 void attach_remembered_disks() {
+    std::array<std::string, DISK_DRIVES> paths;
     for (unsigned drive = 0; drive < DISK_DRIVES; ++drive) {
-        std::string path;
-        GetValueStr(disk_setting(drive).c_str(), &path);
-        main_disk_image_attach(drive, path);
+        GetValueStr(disk_setting(drive).c_str(), &paths[drive]);
     }
+    main_disk_image_attach_again(paths);
 }
 
 void correct_options(uint32_t bit_depth) {
@@ -195,7 +195,8 @@ void write_settings() {
     SetValueDword("CustomRamStartupPattern", &pattern);
     write_flag("CycleBasedEmulation", g_bCycleBasedEngine);
     for (unsigned drive = 0; drive < DISK_DRIVES; ++drive) {
-        SetValueStr(disk_setting(drive).c_str(), lasting_path(wd1771_disk(drive).path).c_str());
+        SetValueStr(disk_setting(drive).c_str(),
+                    lasting_path(main_disk_image_remembered(drive)).c_str());
     }
 }
 

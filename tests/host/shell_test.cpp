@@ -4,7 +4,9 @@
 #include "core/frame_driver.h"
 #include "core/machine.h"
 #include "host/canvas.h"
+#include "host/disks.h"
 #include "host/display.h"
+#include "host/messages.h"
 #include "host/whole_program.h"
 #include "media/tape.h"
 #include "media/traps.h"
@@ -89,6 +91,26 @@ TEST_F(ShellTest, TheTapeOfTheLastRunIsOnlyAName) {
         EXPECT_EQ(stored_text("Tape"), kept) << "a tape that was taken out is forgotten";
         EXPECT_EQ(tape_cas_is_attached(), 0);
     }
+}
+
+TEST_F(ShellTest, DisksThatAreMissingAreToldTogetherAndRemembered) {
+    {
+        SettingsFile store(SETTINGS);
+        store.open();
+        for (const char* disk : {"Disk1", "Disk2", "Disk3"}) store.set_text(disk, "/gone/a.dsk");
+    }
+    std::ofstream("ok.dsk") << std::string(89600, '\0');
+    hold_message_boxes();
+    start();
+    ASSERT_EQ(kept_messages().size(), 1U);
+    EXPECT_NE(kept_messages()[0].line.find("drive :1, /gone/a.dsk: no such file; drive :2"),
+              std::string::npos);
+    EXPECT_TRUE(main_disk_image_attach(2, "ok.dsk") && main_disk_image_detach(2));
+    EXPECT_FALSE(main_disk_image_attach(3, "no.dsk"));
+    emu_close();
+    EXPECT_EQ(stored_text("Disk1"), "/gone/a.dsk");
+    EXPECT_EQ(stored_text("Disk2"), "") << "taken out by the user";
+    EXPECT_EQ(stored_text("Disk3"), "/gone/a.dsk");
 }
 
 TEST_F(ShellTest, BadValuesAreCorrected) {
