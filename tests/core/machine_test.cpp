@@ -184,11 +184,4 @@ TEST_F(Machine, ResetKeyIsOneNmi) {
     EXPECT_EQ(z80_run(0), -17) << "the next press, a NOP in ROM";
     EXPECT_EQ(mem_read_word(0x4FFC), 0x0068);
 }
-
-TEST_F(Machine, MainClock) {
-    machine_set_main_clock(50'000);
-    EXPECT_EQ(z80_state.clock_hz, 50'000u);
-    EXPECT_EQ(z80_state.cycles_per_line, 141u);
-    EXPECT_EQ(frame_budget(), 1000);
-}
 } // namespace

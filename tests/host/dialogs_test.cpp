@@ -89,18 +89,13 @@ TEST_F(DialogsTest, AsksWhereTheDialogCouldNot) {
     write_text(game + ".cas", "precious");
     EXPECT_EQ(choose(DIALOG_SAVE_CAS, game + ".cas"), game + ".cas") << "the dialog has asked";
     EXPECT_TRUE(dialogs.questions.empty());
-    const struct {
-        int answer;
-        std::string expected; ///< after a No the user names another one
-    } cases[] = {{0, game + "2.cas"}, {NO_ANSWER, game + "2.cas"}, {1, game + ".cas"}};
-    for (const auto& [answer, expected] : cases) {
+    for (const int answer : {0, NO_ANSWER, 1}) {
         dialogs.answers = {answer};
-        dialogs.choices = {FileChoice{game, 0}, FileChoice{game + "2", 0}};
+        dialogs.choices = {FileChoice{game}, FileChoice{game + "2"}}; // another one after a No
         std::string path;
         EXPECT_EQ(ui_select_file(DIALOG_MEMORY_AS_CAS, &path), 1);
-        EXPECT_EQ(path, expected);
+        EXPECT_EQ(path, game + (answer == 1 ? ".cas" : "2.cas"));
     }
-    EXPECT_EQ(dialogs.questions.size(), 3U);
 }
 
 TEST_F(DialogsTest, AddressesOfTheProgram) {
