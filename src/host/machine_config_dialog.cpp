@@ -253,6 +253,7 @@ void take_over(Form& form) {
     // What the user chooses here takes the place of the disk ROM that was put in for a disk.
     if (custom.expansion_rom != new_custom_cfg.expansion_rom) machine_run_now.disk_rom = false;
     custom = new_custom_cfg;
+    prefs_hold();
     for (const RomChoice& rom : rom_choices) {
         SetValueStr(rom.setting, form.text(rom.path).c_str());
     }
@@ -263,6 +264,7 @@ void take_over(Form& form) {
     }
     const uint32_t cycle_based = form.value(MACHINE_CYCLE_BASED) ? 1 : 0;
     SetValueDword("CycleBasedEmulation", &cycle_based);
+    prefs_flush();
     g_bCycleBasedEngine = cycle_based != 0;
     memory_set_startup_pattern(pattern_from(form.text(MACHINE_PATTERN)));
     custom.palette = uint32_t(form.value(MACHINE_PALETTE));

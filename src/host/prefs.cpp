@@ -41,6 +41,10 @@ void prefs_done() {
     store_open = false;
 }
 
+void prefs_hold() { platform().settings().hold(); }
+
+int prefs_flush() { return kept(platform().settings().flush()); }
+
 int GetValueDword(const char* name, uint32_t* value) {
     if (!store_open) return 0;
     if (const auto stored = platform().settings().number(name)) {

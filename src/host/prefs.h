@@ -10,9 +10,14 @@
 int prefs_init();
 /// Closes the store; numbers are then neither read nor kept.
 void prefs_done();
+/// What is stored from here to prefs_flush is written to the store at once. 0 when it cannot be
+/// kept.
+void prefs_hold();
+int prefs_flush();
 /// 1 when the value existed; else `value` stays and is stored as the default.
 int GetValueDword(const char* name, uint32_t* value);
-/// 1 when stored, which is at once; 0 while the store is closed and when it cannot be kept.
+/// 1 when stored, which is at once unless it is held; 0 while the store is closed and when it
+/// cannot be kept.
 int SetValueDword(const char* name, const uint32_t* value);
 /// 1 when the value was read; a missing one changes nothing and creates nothing. Texts of more
 /// than 276 bytes are not read, which is reported. Works while the store is closed, too.

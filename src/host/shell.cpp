@@ -179,6 +179,7 @@ void set_check_marks() {
 
 void write_settings() {
     const UserCommand failures_open_a_box;
+    prefs_hold();
     write_flag("Sound", g_bSound);
     write_flag("DoubleScan", g_bDblScan);
     SetValueDword("HiResLowe", &lowe.enabled);
@@ -198,6 +199,9 @@ void write_settings() {
         SetValueStr(disk_setting(drive).c_str(),
                     lasting_path(main_disk_image_remembered(drive)).c_str());
     }
+    // One that is in is taken out next.
+    SetValueStr("Tape", tape_cas_is_attached() ? "" : tape_get_cas_name().c_str());
+    prefs_flush();
 }
 
 /// Run-in-background keeps the machine going while another program is active.
@@ -259,6 +263,7 @@ void emu_init(const CommandLine& line) {
     CreateStatusBar();
     emu_path = platform().paths().program_directory() + "/";
     prefs_init();
+    prefs_hold();
     read_flag("Sound", g_bSound);
     if (g_bSound) {
         dsound_init(SOUND_RATE);
@@ -279,6 +284,7 @@ void emu_init(const CommandLine& line) {
     GetValueStr("Tape", &tape_get_cas_name());
     read_flag("CycleBasedEmulation", g_bCycleBasedEngine);
     keyboard_change_mapping(g_KeyMapping);
+    prefs_flush();
     if (!line.wav.empty()) start_sound_recording(line.wav); // from the first frame on
     get_command_line(line);
     if (!g_bSound) sound_null_driver_init(); // the command line may have switched it off
@@ -299,7 +305,6 @@ void emu_close() {
     sound_close();
     main_disk_end();
     tape_detach_cas();
-    SetValueStr("Tape", tape_get_cas_name().c_str());
     keyboard_type_reset();
     dib_destroy(canvas);
     prefs_done();

@@ -15,7 +15,11 @@ struct Settings {
     /// Nothing when the value is missing or has another type.
     virtual std::optional<uint32_t> number(const std::string& name) = 0;
     virtual std::optional<std::string> text(const std::string& name) = 0;
-    /// Each is on disk when it returns; false when it cannot be kept.
+    /// Each is on disk when it returns, unless it is held back; false when it cannot be kept.
     virtual bool set_number(const std::string& name, uint32_t value) = 0;
     virtual bool set_text(const std::string& name, const std::string& value) = 0;
+    /// Holds changes back from here on, so that many of them are one write. Reading finds them.
+    virtual void hold() {}
+    /// Writes what is held back, and holds no longer; so does close. False when it cannot be kept.
+    virtual bool flush() { return true; }
 };

@@ -77,16 +77,6 @@ std::optional<uint32_t> number_in(const toml::table& table, const std::string& n
     return uint32_t(value->get());
 }
 
-void put_text(toml::table& table, const std::string& name, const std::string& value) {
-    if (is_utf8(value)) {
-        table.insert_or_assign(name, value);
-        return;
-    }
-    toml::table coded{{BYTES_KEY, to_hex(value)}};
-    coded.is_inline(true);
-    table.insert_or_assign(name, std::move(coded));
-}
-
 // Where the library looks for white space, it takes some characters outside of ASCII for
 // impossible, with no telling what it does then. So it gets to see none: a mark and two hexadecimal
 // digits stand for each of their bytes. The mark begins nothing in TOML, and is right in texts and
@@ -125,12 +115,13 @@ std::string show_bytes(std::string_view hidden, const std::string& mark) {
     return text.append(hidden);
 }
 
-/// What stands in the file. A missing file is an empty table.
+/// What stands in the file. A missing file is empty.
 struct Contents {
     enum class State { good, missing, unreadable, damaged };
     State state = State::unreadable;
+    std::string text; ///< with hidden bytes, as the table has them
     toml::table table;
-    std::string mark; ///< of hidden bytes in the table
+    std::string mark; ///< of hidden bytes
     std::string damage;
 };
 
@@ -148,7 +139,8 @@ Contents parse(std::string_view text, std::string_view addition) {
     if (text.starts_with(BYTE_ORDER_MARK)) text.remove_prefix(BYTE_ORDER_MARK.size());
     Contents contents;
     contents.mark = free_mark(text, addition);
-    toml::parse_result parsed = toml::parse(hide_bytes(text, contents.mark));
+    contents.text = hide_bytes(text, contents.mark);
+    toml::parse_result parsed = toml::parse(contents.text);
     if (parsed) {
         contents.state = Contents::State::good;
         contents.table = std::move(parsed).table();
@@ -200,14 +192,80 @@ private:
     FileHandle file_;
 };
 
-/// Replaces the file at one stroke. Under the lock.
-bool store(const std::string& path, const Contents& contents) {
+void put(toml::table& table, const std::string& name, const SettingsFile::Value& value,
+         const std::string& mark) {
+    if (const uint32_t* number = std::get_if<uint32_t>(&value)) {
+        table.insert_or_assign(name, int64_t{*number});
+        return;
+    }
+    const std::string& text = std::get<std::string>(value);
+    if (is_utf8(text)) {
+        table.insert_or_assign(name, hide_bytes(text, mark));
+        return;
+    }
+    toml::table coded{{BYTES_KEY, to_hex(text)}};
+    coded.is_inline(true);
+    table.insert_or_assign(name, std::move(coded));
+}
+
+std::string lines_of(const toml::table& table) {
     std::ostringstream text;
-    text << toml::toml_formatter(contents.table, toml::format_flags::allow_unicode_strings |
-                                                     toml::format_flags::indentation)
-         << '\n';
-    const std::string bytes = show_bytes(text.str(), contents.mark);
-    return replace_whole_file(path, {reinterpret_cast<const uint8_t*>(bytes.data()), bytes.size()});
+    text << toml::toml_formatter(table, toml::format_flags::allow_unicode_strings |
+                                            toml::format_flags::indentation);
+    return text.str();
+}
+
+size_t offset_of(std::string_view text, const toml::source_position& place) {
+    size_t at = 0;
+    for (toml::source_index line = 1; line < place.line; ++line) at = text.find('\n', at) + 1;
+    return at + place.column - 1;
+}
+
+/// Whether the node follows its own heading, behind which there is no room for other keys.
+bool has_heading(const toml::node& node) {
+    const auto* array = node.as_array();
+    if (array) return !array->empty() && has_heading(*array->get(0));
+    return node.is_table() && !node.as_table()->is_inline();
+}
+
+/// Puts "name = value" where the name stands, else behind the last key that is under no heading.
+std::string with_line(const Contents& contents, const std::string& name, const std::string& line) {
+    std::string text = contents.text;
+    if (const auto found = contents.table.find(name); found != contents.table.end()) {
+        const size_t start = offset_of(text, found->first.source().begin);
+        const size_t end = offset_of(text, found->second.source().end);
+        return start < end && end <= text.size() ? text.replace(start, end - start, line) : text;
+    }
+    size_t place = 0;
+    bool headings = false;
+    for (const auto& [key, node] : contents.table) {
+        headings = headings || has_heading(node);
+        if (!has_heading(node)) place = std::max(place, offset_of(text, node.source().end));
+    }
+    if (!headings) place = text.size();
+    if (place > 0 && place < text.size()) place = std::min(text.find('\n', place), text.size());
+    if (place < text.size()) place += place > 0;
+    const bool open_line = place > 0 && text[place - 1] != '\n';
+    return text.insert(place, (open_line ? "\n" : "") + line + "\n");
+}
+
+/// Changes the value and leaves all other text as it is. Where that does not come out, as with a
+/// name that has a table of its own, the library writes everything anew.
+void change(Contents& contents, const std::string& name, const SettingsFile::Value& value) {
+    toml::table line;
+    put(line, name, value, contents.mark);
+    const std::string text = with_line(contents, name, lines_of(line));
+    put(contents.table, name, value, contents.mark);
+    toml::parse_result parsed = toml::parse(text);
+    const bool as_wished = parsed && parsed.table() == contents.table;
+    contents.text = as_wished ? text : lines_of(contents.table) + "\n";
+    contents.table = toml::parse(contents.text).table(); // with the places in the new text
+}
+
+bool has(const Contents& contents, const std::string& name, const SettingsFile::Value& value) {
+    if (const uint32_t* number = std::get_if<uint32_t>(&value))
+        return number_in(contents.table, name) == *number;
+    return text_in(contents, name) == std::get<std::string>(value);
 }
 
 /// Moves a damaged file out of the way. Returns its new name, or nothing. Under the lock.
@@ -220,23 +278,31 @@ std::string put_aside(const std::string& path) {
     return std::rename(path.c_str(), name.c_str()) == 0 ? name : std::string();
 }
 
-/// Changes the file, which is created when it is missing, to one that may have `addition` in it. A
-/// damaged one is put aside and complained about.
-template <typename Change>
-bool update(const std::string& path, std::string& complaint, std::string_view addition,
-            Change change) {
+/// Makes the changes in the file, which is created when it is missing. A damaged one is put aside
+/// and complained about.
+bool update(const std::string& path, std::string& complaint, const SettingsFile::Changes& changes) {
     const Lock lock(path);
     if (!lock.held()) return false;
-    Contents contents = load(path, addition);
+    std::string additions;
+    for (const auto& [name, value] : changes) {
+        if (const auto* text = std::get_if<std::string>(&value)) additions += *text;
+    }
+    Contents contents = load(path, additions);
     if (contents.state == Contents::State::unreadable) return false;
     if (contents.state == Contents::State::damaged) {
         const std::string aside = put_aside(path);
         if (aside.empty()) return false;
         complaint = "The settings in \"" + path + "\" are damaged (" + contents.damage +
                     "). The file was kept as \"" + aside + "\"; the defaults are used.";
+        contents.text.clear();
     }
-    const bool changed = change(contents);
-    return contents.state == Contents::State::good && !changed ? true : store(path, contents);
+    bool changed = false;
+    for (const auto& [name, value] : changes) {
+        if (has(contents, name, value)) continue;
+        change(contents, name, value);
+        changed = true;
+    }
+    return !changed || replace_whole_file(path, show_bytes(contents.text, contents.mark));
 }
 
 } // namespace
@@ -249,34 +315,46 @@ SettingsFile::SettingsFile(std::string path) : path_(std::move(path)) {
 }
 
 bool SettingsFile::open() {
-    open_ = load(path_).state == Contents::State::good ||
-            update(path_, complaint_, {}, [](Contents&) { return false; });
+    open_ = load(path_).state == Contents::State::good || update(path_, complaint_, {});
     return open_;
+}
+
+void SettingsFile::close() {
+    flush();
+    open_ = false;
 }
 
 std::string SettingsFile::complaint() { return std::exchange(complaint_, {}); }
 
 std::optional<uint32_t> SettingsFile::number(const std::string& name) {
     if (!open_) return {};
-    return number_in(load(path_).table, name);
+    const auto held = changes_.find(name);
+    if (held == changes_.end()) return number_in(load(path_).table, name);
+    const uint32_t* number = std::get_if<uint32_t>(&held->second);
+    return number ? std::optional(*number) : std::nullopt;
 }
 
 std::optional<std::string> SettingsFile::text(const std::string& name) {
-    return text_in(load(path_), name);
+    const auto held = changes_.find(name);
+    if (held == changes_.end()) return text_in(load(path_), name);
+    const std::string* text = std::get_if<std::string>(&held->second);
+    return text ? std::optional(*text) : std::nullopt;
 }
 
-bool SettingsFile::set_number(const std::string& name, uint32_t value) {
-    return open_ && update(path_, complaint_, {}, [&](Contents& contents) {
-               if (number_in(contents.table, name) == value) return false;
-               contents.table.insert_or_assign(name, int64_t{value});
-               return true;
-           });
+bool SettingsFile::set(const std::string& name, Value value) {
+    if (!open_) return false;
+    changes_[name] = std::move(value);
+    return holding_ || flush();
 }
+
+bool SettingsFile::set_number(const std::string& name, uint32_t value) { return set(name, value); }
 
 bool SettingsFile::set_text(const std::string& name, const std::string& value) {
-    return open_ && update(path_, complaint_, value, [&](Contents& contents) {
-               if (text_in(contents, name) == value) return false;
-               put_text(contents.table, name, value);
-               return true;
-           });
+    return set(name, value);
+}
+
+bool SettingsFile::flush() {
+    holding_ = false;
+    const Changes changes = std::exchange(changes_, {});
+    return changes.empty() || (open_ && update(path_, complaint_, changes));
 }
