@@ -117,9 +117,16 @@ std::string other_holder(unsigned drive) {
         const bool same =
             diskimg_inserted(held) &&
             (held.file == disk.file || canonical_path(held.path) == canonical_path(disk.path));
-        if (other != drive && same) return drive_name(other) + " has it too";
+        if (other != drive && same) return drive_name(other) + " has the same image";
     }
-    return "another running program has it in a drive";
+    return "another running program has the image in a drive";
+}
+
+void tell_protected(unsigned drive, const std::string& reason, Severity severity) {
+    report({.text = "Drive :" + std::to_string(drive) + " is write-protected",
+            .file = wd1771_disk(drive).path,
+            .reason = reason,
+            .severity = severity});
 }
 
 void claim_image(unsigned drive) {
@@ -134,10 +141,7 @@ void claim_image(unsigned drive) {
     if (!taken) return;
     cares[drive].claims.clear();
     disk.write_protected = true;
-    report(
-        {.text = "The disk in " + drive_name(drive) + " is write-protected: " + other_holder(drive),
-         .file = disk.path,
-         .severity = Severity::warning});
+    tell_protected(drive, other_holder(drive), Severity::warning);
 }
 
 // ---- journals ----------------------------------------------------------------------------------
@@ -171,10 +175,7 @@ void offer_journal(unsigned drive) {
     case JournalAnswer::later: break;
     }
     disk.write_protected = true;
-    report({.text = "The disk in " + drive_name(drive) +
-                    " is write-protected: what was not saved is still to be decided about",
-            .file = disk.path,
-            .severity = Severity::note});
+    tell_protected(drive, "what was not saved before is still to be decided about", Severity::note);
 }
 
 void watch_journal(unsigned drive) {

@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # A disk given to the program as a double click gives it: the machine starts from it and shows the
-# same picture as without a display. A program saved to it is in the file after the question at the
-# window's end.
+# same picture as without a display. A program saved to it outlives a kill, and is in the file after
+# the question at the window's end.
 program=$1
 image=$(realpath "$2")
 source "$(dirname "$0")/desktop.sh"
@@ -35,7 +35,16 @@ cmp disk0000.gif expected.gif || fail "not the picture of a machine started from
 
 xdotool type --delay 120 'save"a"'
 xdotool key Return
-sleep 1
+sleep 2
+kill -KILL "$program_pid"
+wait "$program_pid" 2>/dev/null && fail "the program was not killed"
+start_program "$PWD/disk.dsk"
+question=$(find_window '^Warning$') # whether to take what was not saved
+while xdotool search --all --onlyvisible --pid "$program_pid" --name '^Warning$' >/dev/null; do
+    xdotool windowfocus --sync "$question" key alt+t || true # it may just have gone
+    sleep 0.3
+done
+xdotool windowfocus --sync "$(find_window '^Tarvelin')"
 xdotool key alt+F4 # the window manager's close
 question=$(find_window '^Warning$') # whether to save the disk
 cmp -s "$image" disk.dsk || fail "the file changed before the answer"

@@ -1,13 +1,24 @@
+#include "cgenie/keyboard.h"
 #include "cgenie/memory.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"
+#include "host/disk_journal.h"
 #include "host/disks.h"
+#include "host/messages.h"
 #include "host/whole_program.h"
+#include "media/disk_system.h"
+#include "media/traps.h"
 #include "media/wd1771.h"
 #include "z80/z80.h"
 
+#include <algorithm>
+#include <array>
 #include <csignal>
+#include <cstdlib>
+#include <random>
+#include <set>
 
+#include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -258,8 +269,8 @@ TEST_F(DisksTest, OneDriveAtATimeWritesToAnImage) {
         if (name[0] == 'n') std::filesystem::rename("b.dsk", "a.dsk"); // as editors save
         attach(1, name[0] == 'n' ? "a.dsk" : name);
         EXPECT_TRUE(wd1771_disk(1).write_protected) << name;
-        EXPECT_EQ(host->status_text(3),
-                  "The disk in drive :1 is write-protected: drive :0 has it too");
+        EXPECT_EQ(host->status_text(3), "Drive :1 is write-protected");
+        EXPECT_TRUE(kept_messages().back().line.ends_with(": drive :0 has the same image"));
     }
     attach(0, "c.img");
     attach(1, "a.dsk");
@@ -277,7 +288,7 @@ TEST_F(DisksTest, OneDriveAtATimeWritesToAnImage) {
     ASSERT_EQ(read(ends[0], &ready, 1), 1);
     attach(3, "d.dsk");
     EXPECT_TRUE(wd1771_disk(3).write_protected);
-    EXPECT_NE(host->status_text(3).find("another running program"), std::string::npos);
+    EXPECT_NE(kept_messages().back().line.find("another running program"), std::string::npos);
     kill(child, SIGKILL);
     waitpid(child, nullptr, 0);
     attach(3, "d.dsk");
@@ -373,6 +384,68 @@ TEST_F(DiskJournalTest, WhatAKilledProgramHasWrittenIsOffered) {
     EXPECT_TRUE(host->dialogs().questions.empty());
     EXPECT_EQ(journal(), "");
     emu_close();
+}
+
+/// What a disk held after each frame, seen by other processes.
+struct DiskHistory {
+    size_t count = 0;
+    std::array<std::pair<int64_t, uint64_t>, 100000> states = {}; ///< time and content
+};
+
+TEST_F(DiskJournalTest, KilledAtAnyMomentOnlyTheLastSecondIsMissing) {
+    const char* const wanted = std::getenv("TARVELIN_KILLS");
+    const int kills = wanted ? std::atoi(wanted) : 20;
+    std::string problem;
+    auto blank = disk_blank(DISK_PLAIN, 40, 10, problem);
+    ASSERT_TRUE(blank && disk_format(*blank, problem)) << problem;
+    write_file("a.dsk", blank->image);
+    write_text(SETTINGS, "ActiveConfig = 4\nCustomRomExpansion = 0\n");
+    begin();
+    attach(0, "a.dsk");
+    do_some_frames(200);
+    const auto type = [](const char* text) {
+        memory_place_bas_trap();
+        keyboard_open_from_buffer(text);
+    };
+    type("\r\r10 OPEN\"O\",1,\"A\":FOR I=1 TO 99:N=N+1:PRINT#1,N:NEXT:CLOSE:GOTO 10\r");
+    do_some_frames(500);
+    auto* const history = static_cast<DiskHistory*>(mmap(
+        nullptr, sizeof(DiskHistory), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
+    std::mt19937 random{std::random_device{}()};
+    const int64_t second = host->clock().frequency();
+    size_t most_states = 0;
+    for (int n = 0; n < kills; ++n) {
+        std::filesystem::remove_all("data/journal");
+        history->count = 0;
+        const pid_t child = fork();
+        if (child == 0) {
+            type("RUN\r");
+            for (size_t frame = 0; frame < history->states.size(); ++frame) {
+                paced_frame_step();
+                history->states[frame] = {pacing.elapsed_counter,
+                                          content_hash(wd1771_disk(0).image)};
+                history->count = frame + 1;
+                main_disk_keep_journals_when_due();
+            }
+            _exit(1);
+        }
+        while (*static_cast<volatile size_t*>(&history->count) == 0) usleep(100);
+        usleep(useconds_t(random() % 200000));
+        kill(child, SIGKILL);
+        waitpid(child, nullptr, 0);
+        const auto left = find_left_journal(wd1771_disk(0));
+        const uint64_t kept = content_hash(left ? left->image : wd1771_disk(0).image);
+        const std::span states(history->states.data(), history->count);
+        const auto same = [&](const auto& state) {
+            return state.second == kept && states.back().first - state.first <= second;
+        };
+        ASSERT_TRUE(std::ranges::any_of(states, same)) << n << ", " << states.size() << " frames";
+        std::set<uint64_t> different;
+        for (const auto& state : states) different.insert(state.second);
+        most_states = std::max(most_states, different.size());
+    }
+    EXPECT_GT(most_states, 20U) << "the disk was hardly written to";
+    munmap(history, sizeof(DiskHistory));
 }
 
 TEST_F(DisksTest, DroppedDisksGoIntoDriveZero) {
