@@ -56,8 +56,8 @@ version=$("$program" --version | cut -d' ' -f2)
 grep -q "<release version=\"$version\"" tarvelin.metainfo.xml || fail "no release $version"
 [[ $(head -n1 changelog) == "tarvelin ($version) "* ]] || fail "changelog does not begin with $version"
 explained() {
-    silent groff -ww -man -Tutf8 -z "$2"
-    groff -man -Tascii -P-c -P-b -P-u "$2" >"$work/page"
+    silent groff -t -ww -man -Tutf8 -z "$2"
+    groff -t -man -Tascii -P-c -P-b -P-u "$2" >"$work/page"
     "$1" --help | sed -nE 's/^  (--[a-z-]+|\/[a-z]N?|[a-z]+ ).*/\1/p' >"$work/options"
     [[ -s $work/options ]] || fail "$1 --help lists no options"
     while read -r option; do

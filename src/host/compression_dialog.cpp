@@ -29,16 +29,12 @@ void answer_video_compression(const std::string& name) { answer = name; }
 
 std::string video_compression_problem(const bitmap_header& header) {
     if (answer.empty()) return {};
-    std::string names;
-    for (const video_codec_kind& kind : video_codecs()) {
-        if (answer == kind.name && kind.can_do(header)) return {};
-        if (answer == kind.name) {
-            return "the codec \"" + answer + "\" takes no pictures of " +
-                   std::to_string(header.bits) + " bits";
-        }
-        names += names.empty() ? kind.name : std::string(", ") + kind.name;
-    }
-    return "there is no codec \"" + answer + "\", only " + names;
+    const std::vector<video_codec_kind> kinds = video_codecs();
+    const auto kind = std::ranges::find(kinds, answer, &video_codec_kind::name);
+    const std::string name = "\"" + answer + "\"";
+    if (kind == kinds.end()) return "there is no codec " + name;
+    if (kind->can_do(header)) return {};
+    return "the codec " + name + " takes no pictures of " + std::to_string(header.bits) + " bits";
 }
 
 std::optional<video_codec_kind> ui_choose_video_compression(const bitmap_header& header) {
