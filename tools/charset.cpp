@@ -9,6 +9,8 @@
 // the glyphs of an earlier one; within a sheet no glyph may come twice, and in the end each of the
 // 256 must be there.
 
+#include "platform/whole_file.h"
+
 #include <array>
 #include <bitset>
 #include <cstdint>
@@ -130,8 +132,6 @@ int main(int argc, char** argv) {
     for (unsigned code = 0; code < CHARACTERS; ++code)
         if (!set.drawn[code])
             return fail(argv[1], "no drawing for code " + std::to_string(code)), 1;
-    std::ofstream file(argv[argc - 1], std::ios::binary);
-    file.write(reinterpret_cast<const char*>(set.image.data()), std::streamsize(set.image.size()));
-    file.close();
-    return file ? 0 : (fail(argv[argc - 1], "cannot write"), 1);
+    if (replace_whole_file(argv[argc - 1], set.image)) return 0;
+    return fail(argv[argc - 1], "cannot write"), 1;
 }

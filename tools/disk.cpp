@@ -2,8 +2,10 @@
 #include "media/disk_system.h"
 #include "platform/file_names.h"
 #include "platform/host_services.h"
+#include "platform/unfinished_writes.h"
 #include "platform/whole_file.h"
 #include "tools/basic_tokens.h"
+#include "tools/host_files.h"
 
 #include <algorithm>
 #include <cctype>
@@ -106,35 +108,9 @@ int fail(const std::string& message, int status = FAILED) {
 
 // Files of the host.
 
-std::optional<DiskBytes> read_file(const std::string& path) {
-    if (path != "-") return read_whole_file(path, LARGEST_CONTENTS);
-    DiskBytes bytes;
-    uint8_t block[4096];
-    while (const size_t count = std::fread(block, 1, sizeof block, stdin)) {
-        bytes.insert(bytes.end(), block, block + count);
-        if (bytes.size() > LARGEST_CONTENTS) return {};
-    }
-    return std::ferror(stdin) ? std::nullopt : std::optional(bytes);
-}
-
-/// Whether a file may be made, or replaced.
-int may_write(const std::string& path, bool force) {
-    std::error_code error;
-    const std::filesystem::file_status status = std::filesystem::status(path, error);
-    if (!std::filesystem::exists(status)) return 1;
-    if (!std::filesystem::is_regular_file(status)) return fail(path + " is no file"), 0;
-    if (!force) return fail(path + " exists; --force replaces it"), 0;
-    return 1;
-}
-
 int write_file(const std::string& path, const DiskBytes& bytes, bool force) {
-    if (path == "-") {
-        for (const uint8_t byte : bytes) std::putchar(byte);
-        if (std::fflush(stdout) == 0) return DONE;
-        return fail("cannot write the standard output");
-    }
-    if (!may_write(path, force)) return FAILED;
-    return replace_whole_file(path, bytes) ? DONE : fail("cannot write " + path);
+    const std::string problem = write_host_file(path, bytes, force);
+    return problem.empty() ? DONE : fail(problem);
 }
 
 /// Mounts the disk in an image file, or tells why not.
@@ -153,8 +129,7 @@ std::optional<DiskSystem> open_disk(const std::string& path) {
 }
 
 int save_disk(const DiskSystem& disk, const std::string& path) {
-    if (replace_whole_file(path, disk.image.image)) return DONE;
-    return fail("cannot write " + path);
+    return write_file(path, disk.image.image, true);
 }
 
 std::optional<DiskFile> find_file(const DiskSystem& disk, const Arguments& given) {
@@ -290,7 +265,7 @@ int put(const Arguments& given) {
     const std::vector<DiskFile> files = disk_files(*disk);
     if (!given.has(FORCE) && std::ranges::count(files, *name, &DiskFile::name))
         return fail(given.words[0] + ": " + disk_name_text(*name) + " exists; --force replaces it");
-    auto bytes = read_file(path);
+    auto bytes = read_host_file(path, LARGEST_CONTENTS);
     if (!bytes) return fail("cannot read " + path);
     const std::string extension = lower_case_extension(path == "-" ? host_name(*name) : path);
     const DiskFileType type = given.type.value_or(type_of(extension));
@@ -433,6 +408,7 @@ int main(int count, char** words) {
     if (given.words.size() < found->least || given.words.size() > found->most)
         return refuse("wrong number of names for " + name);
     if (given.given & ~found->options) return refuse("an option is not for " + name);
+    remove_unfinished_files();
     const int status = found->run(given);
     if (std::fflush(stdout) != 0) return fail("cannot write the standard output");
     return status;

@@ -5,11 +5,14 @@
 // The image must have exactly SIZE bytes: an assembler that leaves a gap or runs over makes
 // another size, and the build must stop there.
 
+#include "platform/whole_file.h"
+
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
+#include <sstream>
 #include <string>
 #include <vector>
 
@@ -35,19 +38,18 @@ int read_image(const std::string& path, size_t size, std::vector<uint8_t>& image
 
 int write_source(const std::string& path, const std::string& header, const std::string& name,
                  const std::vector<uint8_t>& image) {
-    std::ofstream file(path);
+    std::ostringstream file;
     file << "#include \"" << header << "\"\n\nconst uint8_t " << name << "[" << image.size()
          << "] = {";
     for (size_t i = 0; i < image.size(); ++i)
         file << (i % 20 == 0 ? "\n    " : "") << unsigned(image[i]) << ',';
     file << "\n};\n";
-    file.close();
-    return file ? 1 : fail("cannot write " + path);
+    return replace_whole_file(path, file.str()) ? 1 : fail("cannot write " + path);
 }
 
 /// One line for each unused run: first and last address, length; then the sum.
 int write_map(const std::string& path, size_t origin, const std::vector<uint8_t>& image) {
-    std::ofstream file(path);
+    std::ostringstream file;
     size_t sum = 0;
     for (size_t start = 0; start < image.size();) {
         size_t end = start;
@@ -62,8 +64,7 @@ int write_map(const std::string& path, size_t origin, const std::vector<uint8_t>
         start = end + 1;
     }
     file << "free      " << sum << '\n';
-    file.close();
-    return file ? 1 : fail("cannot write " + path);
+    return replace_whole_file(path, file.str()) ? 1 : fail("cannot write " + path);
 }
 
 } // namespace

@@ -6,6 +6,8 @@
 /// and the entry block (type 2). The cassette has a leader, the mark of machine code and the name,
 /// blocks of at most 256 bytes with a checksum, and the entry block.
 
+#include "platform/whole_file.h"
+
 #include <algorithm>
 #include <cctype>
 #include <cstdint>
@@ -96,13 +98,6 @@ void add_entry(Bytes& out, uint16_t entry, bool cassette) {
     add_word(out, entry);
 }
 
-bool write_file(const char* path, const Bytes& bytes) {
-    std::ofstream out(path, std::ios::binary | std::ios::trunc);
-    out.write(reinterpret_cast<const char*>(bytes.data()), std::streamsize(bytes.size()));
-    out.close();
-    return out.good();
-}
-
 } // namespace
 
 int main(int argc, char** argv) {
@@ -128,6 +123,6 @@ int main(int argc, char** argv) {
         add_load_blocks(module, {*address, *data}, cassette);
     }
     add_entry(module, *entry, cassette);
-    if (!write_file(argv[1], module)) return fail(std::string("cannot write ") + argv[1]);
+    if (!replace_whole_file(argv[1], module)) return fail(std::string("cannot write ") + argv[1]);
     return 0;
 }

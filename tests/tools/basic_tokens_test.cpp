@@ -174,11 +174,17 @@ TEST(BasProgramTest, ConvertsFilesAndKeepsWhatIsThereOnFailure) {
     EXPECT_EQ(run("decode text tokens"), 1);
     EXPECT_EQ(run("encode missing tokens"), 1);
     EXPECT_EQ(run("encode in.bas missing/tokens"), 1);
-    EXPECT_EQ(run("encode in.bas"), 2);
-    EXPECT_EQ(run("code in.bas tokens"), 2);
+    for (const char* wrong : {"encode in.bas", "code in.bas tokens", "encode --no in.bas tokens"})
+        EXPECT_EQ(run(wrong), 2) << wrong;
+    EXPECT_EQ(run("encode in.bas text"), 1);
+    EXPECT_EQ(read_text(folder / "err"), "tarvelin-bas: text exists; --force replaces it\n");
+    std::filesystem::create_symlink("text", folder / "link");
+    EXPECT_EQ(run("encode --force -- in.bas link"), 0);
+    EXPECT_EQ(read_text(folder / "text"), kept);
+    for (const char* endless : {"encode /dev/zero x", "encode - x </dev/zero"})
+        EXPECT_EQ(run(endless), 1) << endless;
     EXPECT_EQ(run("--help"), 0);
     EXPECT_EQ(read_text(folder / "out").substr(0, 6), "usage:");
-    EXPECT_FALSE(std::filesystem::exists(folder / "tokens.part"));
 }
 
 } // namespace

@@ -141,7 +141,7 @@ TEST_F(DiskProgram, BringsFilesToTheDiskAndBack) {
         {"put d long A:1", 2, "\"A:1\" is no name for a file of the disk"},
         {"get d none", 1, "d: no file none"},
         {"get d raw/x long", 1, "long exists; --force replaces it"},
-        {"get d raw/x /dev/null --force", 1, "/dev/null is no file"},
+        {"get d raw/x /dev/full", 1, "cannot write /dev/full: No space left on device"},
         {"get d game/cmd - --text", 1, "d: GAME/CMD: no text"},
         {"delete d none", 1, "d: no file none"},
         {"rename d raw/x game/cmd", 1, "d: GAME/CMD is there already"},
@@ -157,7 +157,7 @@ TEST_F(DiskProgram, BringsFilesToTheDiskAndBack) {
     for (const char* wrong : {"", "list", "list d d", "explode d", "list --force d", "--nothing"})
         EXPECT_EQ(run(wrong), 2) << wrong;
     EXPECT_EQ(read("d"), before);
-    EXPECT_EQ(run("--help"), 0);
+    EXPECT_EQ(run("get d raw/x /dev/null") + run("--help"), 0);
 }
 
 /// A disk with files of one block and of more.
