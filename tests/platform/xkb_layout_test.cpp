@@ -11,101 +11,32 @@ namespace {
 
 constexpr uint8_t ALT_GR = MODIFIER_CONTROL | MODIFIER_ALT;
 
-/// What a key types alone, with Shift and with AltGr; a space where that is nothing in ASCII, or a
-/// character that another key gives more easily.
-struct Keycap {
-    uint8_t key;
-    std::string_view characters;
-};
-
+/// What the keys type alone, with Shift and with AltGr, in the order of PLACES; a space where that
+/// is nothing in ASCII, or a character that another key gives more easily.
 struct LayoutCase {
     const char* layout;
     bool letters; // each letter is the character of its own key
-    std::vector<Keycap> keycaps;
+    std::string_view levels[3];
 };
 
+constexpr uint8_t PLACES[] = {
+    '1',       '2',       '3',       '4',           '5',          '6',           '7',
+    '8',       '9',       '0',       KEY_OEM_MINUS, KEY_OEM_PLUS, KEY_OEM_3,     KEY_OEM_4,
+    KEY_OEM_6, KEY_OEM_1, KEY_OEM_7, KEY_OEM_5,     KEY_OEM_102,  KEY_OEM_COMMA, KEY_OEM_PERIOD,
+    KEY_OEM_2, 'Q'};
+
 const LayoutCase LAYOUTS[] = {
-    {"us",
-     true,
-     {{'1', "1!"},        {'2', "2@"},        {'3', "3#"},           {'4', "4$"},
-      {'5', "5%"},        {'6', "6^"},        {'7', "7&"},           {'8', "8*"},
-      {'9', "9("},        {'0', "0)"},        {KEY_OEM_MINUS, "-_"}, {KEY_OEM_PLUS, "=+"},
-      {KEY_OEM_3, "`~"},  {KEY_OEM_4, "[{"},  {KEY_OEM_6, "]}"},     {KEY_OEM_1, ";:"},
-      {KEY_OEM_7, "'\""}, {KEY_OEM_5, "\\|"}, {KEY_OEM_COMMA, ",<"}, {KEY_OEM_PERIOD, ".>"},
-      {KEY_OEM_2, "/?"}}},
-    {"gb", true, {{'1', "1!"},          {'2', "2\""},          {'3', "3"},
-                  {'4', "4$"},          {'5', "5%"},           {'6', "6^"},
-                  {'7', "7&"},          {'8', "8*"},           {'9', "9("},
-                  {'0', "0)"},          {KEY_OEM_MINUS, "-_"}, {KEY_OEM_PLUS, "=+"},
-                  {KEY_OEM_3, "`"},     {KEY_OEM_4, "[{"},     {KEY_OEM_6, "]}"},
-                  {KEY_OEM_1, ";:"},    {KEY_OEM_7, "'@"},     {KEY_OEM_5, "#~"},
-                  {KEY_OEM_102, "\\|"}, {KEY_OEM_COMMA, ",<"}, {KEY_OEM_PERIOD, ".>"},
-                  {KEY_OEM_2, "/?"}}},
+    {"us", true, {R"(1234567890-=`[];'\ ,./ )", R"(!@#$%^&*()_+~{}:"| <>? )", ""}},
+    {"gb", true, {R"(1234567890-=`[];'#\,./ )", R"(!" $%^&*()_+ {}:@~|<>? )", ""}},
     // The accents ^ and ` are dead keys; the acute is not the apostrophe, which has a key.
     {"de",
      true,
-     {{'1', "1!"},
-      {'2', "2\""},
-      {'3', "3"},
-      {'4', "4$"},
-      {'5', "5%"},
-      {'6', "6&"},
-      {'7', "7/{"},
-      {'8', "8(["},
-      {'9', "9)]"},
-      {'0', "0=}"},
-      {KEY_OEM_MINUS, " ?\\"},
-      {KEY_OEM_PLUS, " `"},
-      {KEY_OEM_3, "^"},
-      {'Q', "  @"},
-      {KEY_OEM_6, "+*~"},
-      {KEY_OEM_5, "#'"},
-      {KEY_OEM_102, "<>|"},
-      {KEY_OEM_COMMA, ",;"},
-      {KEY_OEM_PERIOD, ".:"},
-      {KEY_OEM_2, "-_"}}},
+     {R"(1234567890  ^ +  #<,.- )", R"(!" $%&/()=?`  *  '>;:_ )", R"(      {[]}\   ~   |   @)"}},
     // M is right of L, and the key in its place counts for the one there.
     {"fr",
      true,
-     {{'1', "&1"},
-      {'2', " 2"},
-      {'3', "\"3#"},
-      {'4', "'4{"},
-      {'5', "(5["},
-      {'6', "-6|"},
-      {'7', " 7`"},
-      {'8', "_8\\"},
-      {'9', " 9"},
-      {'0', " 0@"},
-      {KEY_OEM_MINUS, ") ]"},
-      {KEY_OEM_PLUS, "=+}"},
-      {KEY_OEM_3, " ~"},
-      {KEY_OEM_4, "^"},
-      {KEY_OEM_6, "$"},
-      {KEY_OEM_7, " %"},
-      {KEY_OEM_5, "*"},
-      {KEY_OEM_102, "<>"},
-      {KEY_OEM_1, ",?"},
-      {KEY_OEM_COMMA, ";."},
-      {KEY_OEM_PERIOD, ":/"},
-      {KEY_OEM_2, "!"}}},
-    {"ru",
-     false,
-     {{'1', "1!"},
-      {'2', "2\""},
-      {'3', "3"},
-      {'4', "4;"},
-      {'5', "5%"},
-      {'6', "6:"},
-      {'7', "7?"},
-      {'8', "8*"},
-      {'9', "9("},
-      {'0', "0)"},
-      {KEY_OEM_MINUS, "-_"},
-      {KEY_OEM_PLUS, "=+"},
-      {KEY_OEM_5, "\\/"},
-      {KEY_OEM_102, " |"},
-      {KEY_OEM_2, ".,"}}},
+     {R"(& "'(- _  )= ^$, *<;:! )", R"(1234567890 +~  ?% >./  )", R"(  #{[|`\ @]}           )"}},
+    {"ru", false, {R"(1234567890-=     \   . )", R"(!" ;%:?*()_+     /|  , )", ""}},
 };
 
 std::string name(const std::optional<KeyForCharacter>& key) {
@@ -124,10 +55,10 @@ TEST(XkbLayout, KeyOfEveryCharacter) {
             expected[letter] = {letter, MODIFIER_SHIFT};
             expected[letter + 32U] = {letter, 0};
         }
-        for (const Keycap& keycap : test.keycaps)
-            for (size_t level = 0; level < keycap.characters.size(); ++level)
-                if (const char character = keycap.characters[level]; character != ' ')
-                    expected[size_t(character)] = {keycap.key, LEVELS[level]};
+        for (size_t level = 0; level < 3; ++level)
+            for (size_t i = 0; i < test.levels[level].size(); ++i)
+                if (const char character = test.levels[level][i]; character != ' ')
+                    expected[size_t(character)] = {PLACES[i], LEVELS[level]};
 
         const XkbLayout layout = XkbLayout::from_names(test.layout, nullptr);
         for (int code = -128; code < 128; ++code)
