@@ -110,27 +110,6 @@ TEST_F(Arithmetic, AccumulatorAloneWithEveryFlagRegister) {
     }
 }
 
-TEST_F(Arithmetic, DecimalAdjustKeepsDecimalSumsAndDifferences) {
-    const auto decimal = [](int n) { return n / 10 << 4 | n % 10; };
-    for (int n = 0; n < 20000; n++) {
-        const int x = n / 200, y = n / 2 % 100, c = n % 2;
-        for (const int sign : {1, -1}) {
-            const int result = x + sign * (y + c);
-            set_af(decimal(x), c);
-            (sign > 0 ? do_adc_byte : do_sbc_byte)(uint8_t(decimal(y)));
-            do_daa();
-            const bool carry = (flags() & FLAG_C) != 0;
-            const bool as_expected =
-                af().value == decimal((result + 100) % 100) && carry == outside(result, 0, 99);
-            ASSERT_TRUE(as_expected) << x << ", " << y << ", carry " << c << ", sign " << sign;
-        }
-    }
-    set_af(0x9A, FLAG_N);
-    do_daa();
-    EXPECT_EQ(af().value, 0x34);
-    EXPECT_EQ(flags() & FLAG_C, FLAG_C);
-}
-
 TEST_F(Arithmetic, OneOperandHelpers) {
     using Rotate = uint8_t (*)(uint8_t);
     constexpr Rotate rotates[8] = {rlc_byte, rrc_byte, rl_byte,   rr_byte,
@@ -220,56 +199,6 @@ TEST_F(Arithmetic, WordAdditionAndSubtraction) {
                            << want.value << " F " << int(want.flags);
                 }
             }
-        }
-    }
-}
-
-TEST_F(Arithmetic, NibbleRotatesBetweenAccumulatorAndMemory) {
-    for (const int opcode : {0x67, 0x6F}) { // RRD, RLD
-        const bool right = opcode == 0x67;
-        flat_bus.load(code, {0xED, opcode});
-        for (int n = 0; n < 4 * 0x10000; n++) {
-            const int a = n >> 8 & 0xFF, m = n & 0xFF, f = old_flags[n >> 16];
-            const int chain = right ? (m & 0x0F) << 8 | (a & 0x0F) << 4 | m >> 4 // A, then memory
-                                    : m << 4 | (a & 0x0F);
-            const int result = (a & 0xF0) | chain >> 8;
-            const ByteResult want = {uint8_t(result), uint8_t(sign_zero_53(result) |
-                                                              parity_flag(result) | (f & FLAG_C))};
-            set_af(a, f);
-            flat_bus.memory[data] = uint8_t(m);
-            if ((n ^ n >> 8) & 1) {
-                run_code();
-            } else {
-                (right ? do_rrd : do_rld)();
-            }
-            if (af() != want || flat_bus.memory[data] != (chain & 0xFF)) {
-                FAIL() << show("nibbles", opcode, a, m, f, af(), want);
-            }
-        }
-    }
-}
-
-TEST_F(Arithmetic, BlockTransferAndCompareFlags) {
-    for (const int opcode : {0xA0, 0xA1, 0xA8, 0xA9}) { // LDI, CPI, LDD, CPD
-        flat_bus.load(code, {0xED, opcode});
-        for (int n = 0; n < 4 * 0x10000; n++) {
-            const int a = n >> 8 & 0xFF, m = n & 0xFF, f = old_flags[n >> 16], left = a % 3;
-            int kept = f & (FLAG_S | FLAG_Z | FLAG_C), sum = a + m;
-            if (opcode & 1) {
-                const int compared = reference_alu(7, a, m, f).flags;
-                kept = (compared & (FLAG_S | FLAG_Z | FLAG_H | FLAG_N)) | (f & FLAG_C);
-                sum = a - m - flag_if((compared & FLAG_H) != 0, 1);
-            }
-            const int want = kept | flag_if(left != 0, FLAG_PV) | (sum & FLAG_3) |
-                             flag_if((sum & 2) != 0, FLAG_5);
-            set_af(a, f);
-            z80_state.hl = data;
-            z80_state.de = data + 0x100;
-            z80_state.bc = uint16_t(left + 1);
-            flat_bus.memory[data] = uint8_t(m);
-            run_code();
-            const ByteResult wanted = {uint8_t(a), uint8_t(want)};
-            if (af() != wanted) FAIL() << show("block", opcode, a, m, f, af(), wanted);
         }
     }
 }

@@ -94,7 +94,6 @@ void run_cases(std::span<const Case> cases) {
 }
 
 constexpr Case unprefixed[] = {
-    {"NOP", "00", "", "", ""},
     {"NOP at the top of memory", "00", "PC=FFFF", "PC=0000", ""},
     {"LD HL,nn across the top", "21 34 12", "PC=FFFE", "HL=1234 PC=0001", ""},
     {"LD BC,nn", "01 34 12", "", "BC=1234", ""},
@@ -104,9 +103,7 @@ constexpr Case unprefixed[] = {
     {"LD (DE),A", "12", "", "", "wD3E4=A5"},
     {"LD A,(BC)", "0A", "(B1C2)=77", "A=77", "rB1C2"},
     {"LD A,(DE)", "1A", "(D3E4)=77", "A=77", "rD3E4"},
-    {"LD (nn),HL", "22 34 12", "", "", "w1234=67 w1235=45"},
     {"LD (nn),HL at FFFF", "22 FF FF", "", "", "wFFFF=67 w00=45"},
-    {"LD HL,(nn)", "2A 34 12", "(1234)=78 (1235)=56", "HL=5678", "r1234 r1235"},
     {"LD HL,(nn) at FFFF", "2A FF FF", "(FFFF)=78 (0)=56", "HL=5678", "rFFFF r00"},
     {"LD (nn),A", "32 34 12", "", "", "w1234=A5"},
     {"LD A,(nn)", "3A 34 12", "(1234)=77", "A=77", "r1234"},
@@ -126,28 +123,18 @@ constexpr Case unprefixed[] = {
     {"EX DE,HL", "EB", "", "DE=4567 HL=D3E4", ""},
     {"EX (SP),HL", "E3", "(7F00)=34 (7F01)=12", "HL=1234", "r7F00 r7F01 w7F00=67 w7F01=45"},
     {"LD SP,HL", "F9", "", "SP=4567", ""},
-    {"JR forward", "18 7F", "", "PC=8081", ""},
     {"JR backward", "18 80", "", "PC=7F82", ""},
     {"JR across zero", "18 FC", "PC=0000", "PC=FFFE", ""},
-    {"DJNZ falls through", "10 10", "BC=01C2", "BC=00C2", ""},
     {"DJNZ from zero", "10 FE", "BC=00C2", "BC=FFC2 PC=8000", ""},
-    {"JP nn", "C3 34 12", "", "PC=1234", ""},
-    {"JP (HL)", "E9", "", "PC=4567", ""},
-    {"CALL nn", "CD 34 12", "", "PC=1234 SP=7EFE", "w7EFE=03 w7EFF=80"},
     {"CALL, stack wraps", "CD 34 12", "SP=0001", "PC=1234 SP=FFFF", "wFFFF=03 w00=80"},
     {"RET", "C9", "(7F00)=34 (7F01)=12", "PC=1234 SP=7F02", "r7F00 r7F01"},
     {"CALL NZ taken", "C4 34 12", "F=BF", "PC=1234 SP=7EFE", "w7EFE=03 w7EFF=80"},
-    {"CALL Z not taken", "CC 34 12", "F=BF", "", ""},
     {"RET NC taken", "D0", "F=FE (7F00)=34 (7F01)=12", "PC=1234 SP=7F02", "r7F00 r7F01"},
-    {"RET C not taken", "D8", "F=FE", "", ""},
-    {"JP PO not taken", "E2 34 12", "F=04", "", ""},
-    {"JR NC not taken", "30 34", "F=01", "", ""},
     {"RST 38", "FF", "", "PC=0038 SP=7EFE", "w7EFE=01 w7EFF=80"},
     {"PUSH BC", "C5", "", "SP=7EFE", "w7EFE=C2 w7EFF=B1"},
     {"PUSH DE", "D5", "", "SP=7EFE", "w7EFE=E4 w7EFF=D3"},
     {"PUSH HL", "E5", "", "SP=7EFE", "w7EFE=67 w7EFF=45"},
     {"PUSH AF", "F5", "AF=1234", "SP=7EFE", "w7EFE=34 w7EFF=12"},
-    {"POP BC", "C1", "(7F00)=34 (7F01)=12", "BC=1234 SP=7F02", "r7F00 r7F01"},
     {"POP DE", "D1", "(7F00)=34 (7F01)=12", "DE=1234 SP=7F02", "r7F00 r7F01"},
     {"POP HL", "E1", "(7F00)=34 (7F01)=12", "HL=1234 SP=7F02", "r7F00 r7F01"},
     {"POP AF", "F1", "(7F00)=FF (7F01)=12", "AF=12FF SP=7F02", "r7F00 r7F01"},
@@ -157,9 +144,6 @@ constexpr Case unprefixed[] = {
     {"DI", "F3", "IFF1=1", "IFF1=0 IFF2=0", ""},
     {"EI", "FB", "IFF2=0", "IFF1=1 IFF2=1", ""},
     {"HALT", "76", "", "PC=8000", ""},
-    {"CP 28 with 00", "FE 28", "AF=0000", "AF=00BB", ""},
-    {"BIT 7,(HL)", "CB 7E", "F=00 (4567)=A8", "F=90", "r4567"},
-    {"BIT 7,H", "CB 7C", "F=00 HL=A800", "F=B8", ""},
 };
 
 TEST(InstructionEffect, Unprefixed) { run_cases(unprefixed); }
@@ -219,7 +203,7 @@ TEST(InstructionEffect, Extended) {
 constexpr Case blocks[] = {
     // Transfers: n = value + A gives bits 3 and 5.
     {"LDI", "ED A0", "F=FF BC=0002 (4567)=08", "F=CD BC=0001 DE=D3E5 HL=4568", "r4567 wD3E4=08"},
-    {"LDI wraps", "ED A0", "F=FF BC=0001 HL=FFFF DE=FFFF (FFFF)=05", "F=E9 BC=0000 DE=0000 HL=0000",
+    {"LDI wraps", "ED A0", "F=00 BC=0001 HL=FFFF DE=FFFF (FFFF)=05", "F=28 BC=0000 DE=0000 HL=0000",
      "rFFFF wFFFF=05"},
     {"LDD wraps", "ED A8", "F=00 BC=0000 HL=0000 DE=0000 (0)=00", "F=04 BC=FFFF DE=FFFF HL=FFFF",
      "r00 w00=00"},
@@ -227,7 +211,6 @@ constexpr Case blocks[] = {
      "r4567 wD3E4=77"},
     {"LDIR ends", "ED B0", "F=FF BC=0001 (4567)=08", "F=C9 BC=0000 DE=D3E5 HL=4568",
      "r4567 wD3E4=08"},
-    {"LDIR", "ED B0", "BC=0000", "BC=FFFF DE=D3E5 HL=4568 PC=8000", "r4567 wD3E4=00"},
     {"LDDR repeats", "ED B8", "BC=0101", "BC=0100 DE=D3E3 HL=4566 PC=8000", "r4567 wD3E4=00"},
     {"LDDR ends", "ED B8", "F=00 BC=0001 (4567)=5D", "F=20 BC=0000 DE=D3E3 HL=4566",
      "r4567 wD3E4=5D"},
@@ -236,7 +219,6 @@ constexpr Case blocks[] = {
     {"CPI borrows", "ED A1", "AF=0000 BC=0002 (4567)=01", "F=BE BC=0001 HL=4568", "r4567"},
     {"CPD matches", "ED A9", "F=FF BC=0001 (4567)=A5", "F=43 BC=0000 HL=4566", "r4567"},
     {"CPIR fails", "ED B1", "F=01 BC=0003", "F=83 BC=0000 HL=456A", "r4567 r4568 r4569"},
-    {"CPIR finds", "ED B1", "F=00 BC=0003 (4568)=A5", "F=46 BC=0001 HL=4569", "r4567 r4568"},
     {"CPIR finds", "ED B1", "F=00 BC=0001 (4567)=A5", "F=42 BC=0000 HL=4568", "r4567"},
     {"CPDR wraps", "ED B9", "F=00 BC=0000 HL=0000 (FFFF)=A5", "F=46 BC=FFFE HL=FFFE", "r00 rFFFF"},
     // Input and output: B counts, the port is C.
@@ -275,9 +257,6 @@ constexpr Case indexed[] = {
     {"ADD IX,DE", "DD 19", "F=00 IX=2700 DE=0100", "IX=2800 F=28", ""},
     {"ADD IX,IX", "DD 29", "F=00 IX=8800", "IX=1000 F=11", ""},
     {"ADD IX,SP", "DD 39", "F=00 IX=FFFF SP=0001", "IX=0000 F=11", ""},
-    {"RLC (IX+1)", "DD CB 01 00", "F=00 IX=1000 (1001)=81", "BC=03C2 F=05", "r1001 w1001=03"},
-    {"BIT 0,(IX+d)", "DD CB FF 46", "F=00 IX=0000 (FFFF)=29", "F=10", "rFFFF"},
-    {"BIT 0,(IX+d)", "DD CB FF 40", "F=00 IX=0000 (FFFF)=29", "F=38", "rFFFF"},
 };
 
 TEST(InstructionEffect, Indexed) { run_cases(indexed); }

@@ -55,18 +55,6 @@ TEST_F(Interrupt, BudgetRunsWholeInstructions) {
     }
 }
 
-TEST_F(Interrupt, RefreshKeepsItsTopBit) {
-    put_code({0x3E, 0x80, 0xED, 0x4F});
-    z80_run(7 + 9 + 200 * 4);
-    EXPECT_EQ(z80_state.pc, origin + 204);
-    EXPECT_EQ(z80_state.r, 0x80 | (200 & 0x7F));
-    fresh_processor(); // DD 00 counts two, the NOP behind the prefix its own
-    put_code({0xDD, 0x00});
-    EXPECT_EQ(z80_run(8), 0);
-    EXPECT_EQ(z80_state.r, 0x35);
-    EXPECT_EQ(z80_state.pc, origin + 2);
-}
-
 TEST_F(Interrupt, ResetAndInit) {
     z80_state.t_count = 1234;
     z80_state.breakpoint_enabled = 1;
@@ -186,22 +174,6 @@ TEST_F(Interrupt, DevicesSeeTheStartOfTheInstructionAndRaiseTheLine) {
         EXPECT_EQ(z80_state.pc, 0x0038) << hex_bytes(code);
         EXPECT_EQ(pushed(), origin + 2) << hex_bytes(code);
     }
-}
-
-TEST_F(Interrupt, HeldLineInterruptsAgainOnceEnabled) {
-    assert_irq(1);
-    flat_bus.load(0x0038, {0xFB, 0xC9}); // EI, RET
-    EXPECT_EQ(z80_run(0), -(4 + 13));
-    EXPECT_EQ(z80_run(0), -4);
-    EXPECT_EQ(z80_run(0), -(10 + 13)); // the RET runs, then the line is seen again
-    EXPECT_EQ(pushed(), origin + 1);
-    EXPECT_EQ(z80_state.sp, 0x7EFE);
-    z80_state.irq = 0;
-    z80_run(4 + 10);
-    EXPECT_EQ(z80_state.pc, origin + 1);
-    z80_state.irq = 1;
-    do_di();
-    EXPECT_EQ(z80_run(0), -4); // disabled
 }
 
 TEST_F(Interrupt, SoftResetGivesExactlyOneNmi) {
