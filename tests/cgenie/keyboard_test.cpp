@@ -207,47 +207,4 @@ TEST_F(Keyboard, TrapStandsInForTheRoutineUntilTheTextEnds) {
     }
 }
 
-TEST_F(Keyboard, FirmwareTakesTypedTextAndSymbolicKeys) {
-    machine_init();
-    const auto run = [](int frames) {
-        while (frames-- > 0) machine_run();
-    };
-    const auto typed_rows = [] { // what stands behind a prompt
-        std::vector<std::string> rows;
-        for (unsigned y = 0; y < 24; ++y) {
-            std::string text(reinterpret_cast<const char*>(memory) + 0x4400 + y * 40, 40);
-            text.resize(text.find_last_not_of(' ') + 1);
-            if (text.starts_with('>')) rows.push_back(text);
-        }
-        return rows;
-    };
-    run(30);
-    for (const char* text : {"\r\nPRINT 2^3\r\nLIST\r\n", "NEW\nRUN\n"}) {
-        keyboard_open_from_buffer(text);
-        memory_place_bas_trap();
-        run(40);
-    }
-    using Rows = std::vector<std::string>;
-    EXPECT_EQ(typed_rows(), (Rows{">PRINT 2[3", ">LIST", ">NEW", ">RUN", ">"}));
-    for (const std::vector<int>& keys :
-         {std::vector<int>{KEY_SHIFT, '1'}, {'1'}, {KEY_SHIFT, '2'}, {KEY_OEM_7}, {'A'}}) {
-        hold(keys);
-        run(5);
-        host->release_all_keys();
-        run(3);
-    }
-    EXPECT_EQ(typed_rows().back(), ">!1@'A");
-
-    // The call that ends the text still returns like the others.
-    const std::vector<uint8_t> program = {0xCD, 0x2B, 0x00, // CALL 002B
-                                          0x32, 0x00, 0x91, // LD (9100),A
-                                          0x18, 0xFE};      // JR to itself
-    std::ranges::copy(program, memory + 0x9000);
-    memory[0x9100] = 0xAA;
-    memory_place_bas_trap();
-    z80_state.pc = 0x9000;
-    run(2);
-    EXPECT_EQ(z80_state.pc, 0x9006);
-    EXPECT_EQ(memory[0x9100], 0x00);
-}
 } // namespace

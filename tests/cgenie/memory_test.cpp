@@ -60,17 +60,6 @@ protected:
     }
 };
 
-TEST_F(Memory, BasicRomOfEveryModel) {
-    load_marked_firmware();
-    for (const uint32_t index : {1U, 2U, 0U}) {
-        memory_set_basic_rom(index);
-        const Bytes expected(16384, uint8_t(0x11 * (index + 1)));
-        EXPECT_EQ(copy(rom_pointer(), 16384), expected) << index;
-        EXPECT_EQ(copy(source_rom_pointer(), 16384), expected) << index;
-    }
-    EXPECT_EQ(memory[0x4000], 0x99);
-}
-
 TEST_F(Memory, CustomBasicRomLiesOverTheFirstOne) {
     load_marked_firmware();
     const CustomRom cases[] = {
@@ -138,24 +127,6 @@ TEST_F(Memory, RamStartsWithThePattern) {
         contents.insert(ram);
     }
     EXPECT_EQ(contents.size(), 3u) << "fresh contents every time";
-}
-
-TEST_F(Memory, RomFileFillsTheRangeAsFarAsItGoes) {
-    struct {
-        size_t size, first, last, taken;
-    } const cases[] = {
-        {4, 10, 19, 4}, {10, 10, 19, 10}, {100, 10, 19, 10}, {5, 0, 0, 1}, {0, 3, 9, 0}};
-    for (const auto& c : cases) {
-        write_file("image", pattern(c.size));
-        Bytes area(32, 0xEE);
-        EXPECT_EQ(memory_load_rom(area.data(), c.first, c.last, "image"), c.taken);
-        Bytes expected(32, 0xEE);
-        std::ranges::copy(pattern(c.taken), expected.begin() + std::ptrdiff_t(c.first));
-        EXPECT_EQ(area, expected) << c.size << " bytes to " << c.first << "-" << c.last;
-    }
-    uint8_t untouched = 0xEE;
-    EXPECT_EQ(memory_load_rom(&untouched, 0, 0, "missing"), 0u);
-    EXPECT_EQ(untouched, 0xEE);
 }
 
 TEST_F(Memory, DumpIsTheWholeAddressSpace) {

@@ -60,32 +60,6 @@ TEST(Palette, EntriesFollowFromPhaseAndLevel) {
     }
 }
 
-TEST(CompositeFilter, SmearsEdges) {
-    palette_set_saturation(75);
-    calculate_palette(1); // 1: V = -95, 2: V = 96, both U = 0; 15: Y = 255; 16: Y = 5
-    struct {
-        uint8_t two_lines[2][6];
-        int y[6], v[6];
-    } const cases[] = {
-        {{{16, 15, 15, 15, 15, 15}, {16}}, {5, 168, 225, 245, 252, 254}, {}},
-        {{{15, 16, 16, 16, 16, 16}, {16}}, {255, 92, 35, 15, 8, 6}, {}},
-        {{{16, 16, 16, 16, 16, 16}, {2, 2, 2, 2, 2, 2}},
-         {5, 5, 5, 5, 5, 5},
-         {48, 48, 48, 48, 48, 48}},
-        {{{16, 16, 16, 16, 16, 16}, {16, 16, 1, 16, 16, 1}},
-         {5, 5, 5, 5, 5, 5},
-         {0, 0, -12, -12, -36, -36}},
-    };
-    for (const auto& c : cases) {
-        yuv_pixel result[6];
-        video_yuv_filter(c.two_lines[0], result, 6, 1, 6);
-        for (int x = 0; x < 6; ++x) {
-            EXPECT_EQ(result[x].y, c.y[x]) << &c - cases << ": " << x;
-            EXPECT_EQ(result[x].v, c.v[x]) << &c - cases << ": " << x;
-        }
-    }
-}
-
 TEST(CompositeFilter, WholePictureFollowsTheFormula) {
     constexpr int WIDTH = 32, HEIGHT = 40, STRIDE = 35;
     calculate_palette(0);

@@ -72,31 +72,6 @@ TEST(Video, CharacterPatternSources) {
     }
 }
 
-TEST(Video, RendersTextFromStartAddress) {
-    program({{14, 0}});
-    latch(0x84);
-    std::fill(std::begin(memory), std::end(memory), uint8_t(0));
-    std::fill(std::begin(current_charset), std::end(current_charset), uint8_t(0));
-    current_charset['A' * 8] = 0xC1;
-    memory[0x4100] = memory[0x4100 + 40 * 24 - 1] = 'A'; // the first and the last cell
-    memory[0xF000] = 0x53;                               // the colour of the place, four bits
-    memory[0xF100] = 9;
-    memory[0xF3BF] = 12;
-    video_render_frame();
-    // R7: the sync is 31 x 8 = 248 lines after the picture's top.
-    ASSERT_EQ(crtc.top_border, 288u - 248u + 1u);
-    const int top = 41;
-    const int row[] = {6, 3, 3, 6, 6, 6, 6, 6, 3, 6};
-    for (int x = 0; x < 10; ++x) EXPECT_EQ(pixel(31 + x, top), row[x]) << x;
-    EXPECT_EQ(pixel(344, top + 23 * 8), 12);
-    EXPECT_EQ(pixel(351, top + 23 * 8), 12);
-    EXPECT_EQ(pixel(352, top + 23 * 8), 6);
-    EXPECT_EQ(std::count(frame_buffer, frame_buffer + 384 * 289, 6), 384 * 289 - 6);
-    EXPECT_EQ(video_get_rows(), 24);
-    EXPECT_EQ(video_get_columns(), 40);
-    EXPECT_EQ(video_get_screen_ram(), memory + 0x4100);
-}
-
 TEST(Video, RendersEveryGeometryInsideTheFrame) {
     const std::pair<const char*, Changes> cases[] = {
         {"text", {}},
@@ -117,6 +92,9 @@ TEST(Video, RendersEveryGeometryInsideTheFrame) {
     for (const uint8_t mode : {0x04, 0x4C, 0x90, 0x38, 0x24, 0x20}) {
         for (const auto& [name, changes] : cases) {
             program(changes);
+            EXPECT_EQ(video_get_screen_ram(), memory + 0x4000 + crtc.start_address);
+            EXPECT_EQ(video_get_rows(), int(crtc.vertical_displayed));
+            EXPECT_EQ(video_get_columns(), int(crtc.horizontal_displayed));
             latch(mode);
             std::fill(std::begin(frame_buffer), std::end(frame_buffer), uint8_t(0xAA));
             video_render_frame();

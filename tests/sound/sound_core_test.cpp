@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <numeric>
 
 namespace {
 using Fragment = std::array<int16_t, FRAGMENT_SAMPLES>;
@@ -95,18 +94,6 @@ TEST_F(SoundCore, LongUpdateLosesWholeFragments) {
     EXPECT_LE(largest_block, 960U);
 }
 
-TEST_F(SoundCore, WriteOffsetGoesRoundTheRing) {
-    for (int fragment = 0; fragment < 101; ++fragment) advance(FRAGMENT_SAMPLES);
-    EXPECT_EQ(scripted.offsets[1], 1920U);
-    EXPECT_EQ(scripted.offsets[49], 94080U);
-    EXPECT_EQ(scripted.offsets[50], 0U);
-    EXPECT_EQ(scripted.offsets[100], 0U);
-    sound_init();
-    scripted.next_offset = 0;
-    advance(FRAGMENT_SAMPLES);
-    EXPECT_EQ(scripted.offsets.back(), 0U);
-}
-
 // The history holds 14 times 5 before. A poll's answer 0 takes effect on the update after it.
 TEST_F(SoundCore, LeadIsHeldBetweenFourAndSixFragments) {
     struct {
@@ -159,11 +146,6 @@ TEST_F(SoundCore, DiscardedTimeIsNotRendered) {
     advance(950);
     ASSERT_EQ(scripted.fragments.size(), 3U);
     for (size_t i = 0; i < 960; ++i) ASSERT_EQ(scripted.fragments[2][i], int16_t(1920 + i));
-}
-
-TEST_F(SoundCore, UnknownPositionIsOneForOne) {
-    scripted.position = [] { return -1; };
-    EXPECT_EQ(written_by_steps(30), std::vector<size_t>(30, 1));
 }
 
 TEST_F(SoundCore, RecordingIsContinuous) {
@@ -261,11 +243,4 @@ TEST_F(SoundCore, DeviceClockOffByHalfAPercentNeitherStarvesNorOverruns) {
     }
 }
 
-TEST_F(SoundCore, StoppedDeviceIsNotOverwritten) {
-    scripted.position = [] { return 0; };
-    const auto written = written_by_steps(200);
-    // In the first half turn the lead is measured as such, and the average stops it there.
-    EXPECT_LE(std::accumulate(written.begin(), written.end(), size_t(0)), 24U);
-    EXPECT_EQ(written.back(), 0U);
-}
 } // namespace

@@ -42,30 +42,10 @@ protected:
     static int dump(uint8_t value) {
         return sound_dump_wav_data(std::vector<uint8_t>(FRAGMENT, value).data(), FRAGMENT);
     }
-    uint32_t number_at(long offset) const {
-        uint8_t bytes[4] = {};
-        std::ifstream file(path, std::ios::binary);
-        file.seekg(offset).read(reinterpret_cast<char*>(bytes), 4);
-        return bytes[0] | bytes[1] << 8 | bytes[2] << 16 | uint32_t(bytes[3]) << 24;
-    }
 
     const Folder folder;
     const std::string path = folder / "sound.wav";
 };
-
-TEST_F(WavCaptureTest, LengthsOfShortFiles) {
-    for (const uint32_t fragments : {0U, 1U}) {
-        EXPECT_EQ(dump(0), 0) << "no file";
-        ASSERT_EQ(sound_create_wav(path), 1);
-        EXPECT_EQ(number_at(4), 0U);
-        for (uint32_t n = 0; n < fragments; ++n) EXPECT_EQ(dump(7), 1);
-        sound_close_wav();
-        EXPECT_EQ(std::filesystem::file_size(path), fragments ? 1964U : 44U);
-        EXPECT_EQ(number_at(4), fragments ? 1956U : 36U);
-        EXPECT_EQ(number_at(40), fragments ? 1920U : 0U);
-        EXPECT_EQ(samples_of(path), std::vector<uint8_t>(fragments * FRAGMENT, 7));
-    }
-}
 
 TEST_F(WavCaptureTest, CountGoesOnFromFileToFile) {
     int64_t before = -1;
