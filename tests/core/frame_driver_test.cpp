@@ -82,18 +82,6 @@ TEST_F(FrameDriver, BudgetIsClockByFrequencyAndOvershootIsCarried) {
     }
 }
 
-TEST_F(FrameDriver, SevenCyclesOvershotMakeABudgetOf44328) {
-    memory[0x4000] = memory[0x4001] = 0; // NOPs of 5 cycles up to C000
-    machine_run();
-    EXPECT_EQ(z80_state.t_count, 44335) << "8867 x 5, nothing over";
-    EXPECT_EQ(leftover, 0);
-    z80_state.pc = 0x4000;
-    leftover = -7;
-    machine_run();
-    EXPECT_EQ(z80_state.t_count, 44335 + 44330);
-    EXPECT_EQ(leftover, -2);
-}
-
 TEST_F(FrameDriver, BeamEngineCarriesNothing) {
     leftover = -9;
     g_bCycleBasedEngine = true;
@@ -243,14 +231,4 @@ TEST_F(FrameDriver, LateHostCatchesUpUnlessTheTimersAreReset) {
     EXPECT_EQ(pacing.ticks, 3);
 }
 
-TEST_F(FrameDriver, FramePeriodFollowsTheFrequency) {
-    for (const auto& [frequency, period] :
-         {std::pair{50U, 20'000'000}, {60U, 16'666'666}, {5U, 200'000'000}}) {
-        timer_recalibrate_fps(frequency);
-        EXPECT_EQ(pacing.frame_period, period);
-    }
-    machine_cfg[0].screen_frequency = 0;
-    init_timers();
-    EXPECT_EQ(pacing.frame_period, 20'000'000) << "50 Hz when there is none";
-}
 } // namespace

@@ -6,6 +6,7 @@
 #include "cgenie/video.h"
 #include "core/frame_driver.h"
 #include "platform/headless/headless.h"
+#include "sound/sound_core.h"
 #include "sound/ym2149.h"
 #include "support/fake_host.h"
 #include "z80/z80.h"
@@ -14,6 +15,7 @@
 
 #include <algorithm>
 #include <span>
+#include <vector>
 
 namespace {
 class Machine : public testing::Test {
@@ -33,6 +35,18 @@ protected:
     static bool ram_is(uint8_t value) {
         return std::all_of(memory + 0x4000, memory + 0x10000,
                            [=](uint8_t b) { return b == value; });
+    }
+
+    /// Steps of a tone with period 254 in a second; the chip's clock is eight times as fast.
+    static int tone_steps() {
+        for (const auto& [reg, value] : {std::pair{0, 254}, {1, 0}, {7, 0x3E}, {8, 15}}) {
+            ym2149_write_register(uint32_t(reg), uint8_t(value));
+        }
+        std::vector<uint16_t> samples(SOUND_RATE);
+        ym2149_calc_output(samples.data(), SOUND_RATE);
+        int steps = 0;
+        for (size_t n = 1; n < samples.size(); ++n) steps += samples[n] != samples[n - 1];
+        return steps;
     }
 
     static inline HeadlessPlatform host{HeadlessOptions{}};
@@ -76,6 +90,7 @@ TEST_F(Machine, PowerOn) {
     EXPECT_EQ(z80_state.cycles_per_line, 141u); // 2216750 / 15625 = 141.87
     EXPECT_EQ(z80_state.pc, 0);
     EXPECT_EQ(z80_state.sp, 0xFFFF);
+    EXPECT_NEAR(tone_steps(), 2216750 / 8 / 254, 2);
     ym2149_write_register(7, 0);
     ym2149_register_select(15);
     EXPECT_EQ(ym2149_read(), 0xFF) << "port B: joysticks at rest, level 0";
@@ -133,6 +148,7 @@ TEST_F(Machine, FullChangeRestartsTheMachine) {
     EXPECT_EQ(z80_state.clock_hz, 4'000'000u);
     EXPECT_EQ(z80_state.cycles_per_line, 141u) << "as at power-on";
     EXPECT_EQ(frame_budget(), 66666);
+    EXPECT_NEAR(tone_steps(), 4'000'000 / 8 / 254, 2);
     EXPECT_EQ(ports[0x42], 0x24);
     EXPECT_EQ(fake_host.status[0], "Custom");
 
