@@ -58,15 +58,16 @@ std::vector<double> calculate(BasicMachine& machine, const std::vector<std::stri
 struct Sum {
     std::string text;
     double value, tolerance; ///< the tolerance is relative
-    int digits = 6;          ///< that PRINT shows
 
+    /// PRINT shows 16 digits.
     double allowed() const {
-        const double last = std::pow(10, std::floor(std::log10(std::abs(value))) + 1 - digits);
+        const double last = std::pow(10, std::floor(std::log10(std::abs(value))) - 15);
         return std::abs(value) * tolerance + last * 0.51 + 3e-39;
     }
 };
 
-/// Sums of random numbers, and functions over the range where programs use them.
+/// Sums of random numbers, and functions over the range where programs use them. What is single is
+/// shown as double: all of its digits count.
 Sum random_sum(std::mt19937& random) {
     const auto number = [&](int digits, int least, int greatest) {
         std::string text = std::to_string(1 + random() % 9);
@@ -74,31 +75,41 @@ Sum random_sum(std::mt19937& random) {
         const int exponent = least + int(random() % unsigned(greatest - least + 1));
         return text + "E" + std::to_string(exponent);
     };
-    constexpr double SINGLE = 2e-7, DOUBLE = 4e-16; // what the formats can hold
-    const unsigned kind = random() % 12;
+    const auto single = [](const std::string& text) {
+        return double(std::strtof(text.c_str(), nullptr));
+    };
+    constexpr double PLACE = 1.2e-7, DOUBLE = 4e-16; // what the formats can hold
+    const unsigned kind = random() % 16;
     if (kind < 8) {
         const bool is_double = kind >= 4;
-        std::string a = number(is_double ? 15 : 6, -14, is_double ? 0 : 8),
-                    b = number(is_double ? 15 : 6, -14, is_double ? 0 : 8);
-        const double x = std::strtod(a.c_str(), nullptr), y = std::strtod(b.c_str(), nullptr);
+        std::string a = number(is_double ? 15 : 6, -14, 0), b = number(is_double ? 15 : 6, -14, 0);
+        const double x = is_double ? std::strtod(a.c_str(), nullptr) : single(a),
+                     y = is_double ? std::strtod(b.c_str(), nullptr) : single(b);
         if (is_double) std::ranges::replace(a, 'E', 'D'), std::ranges::replace(b, 'E', 'D');
         const char* sign[] = {"+", "-", "*", "/"};
         const double result[] = {x + y, x - y, x * y, x / y};
-        // A difference loses what its operands do not have.
-        const double lost = kind % 4 == 1 ? (x + y) / std::abs(x - y) : 1;
-        return {a + sign[kind % 4] + b, result[kind % 4], (is_double ? DOUBLE : SINGLE) * lost,
-                is_double ? 16 : 6};
+        // A difference of doubles loses what its operands do not have.
+        const double lost = kind == 5 ? (x + y) / std::abs(x - y) : 1;
+        return {"CDBL(" + a + sign[kind % 4] + b + ")", result[kind % 4],
+                is_double ? DOUBLE * lost : PLACE * 0.51};
     }
-    const std::string a = number(5, -6, -3);
-    const double x = std::strtod(a.c_str(), nullptr);
-    switch (kind) {
-    case 8: return {"SQR(" + a + ")", std::sqrt(x), SINGLE};
-    case 9: return {"LOG(" + a + ")", std::log(x), SINGLE + 1e-7 / std::abs(std::log(x))};
-    case 10: return {"EXP(-" + a + ")", std::exp(-x), SINGLE * (1 + x)};
-    default:
-        return {"ATN(" + a + ")+SIN(" + a + ")", std::atan(x) + std::sin(x),
-                SINGLE + 1e-6 * (1 + x) / std::abs(std::atan(x) + std::sin(x))};
-    }
+    const struct {
+        const char* name;
+        double (*function)(double);
+        int least; ///< of the exponent
+    } functions[] = {{"SQR(", [](double x) { return std::sqrt(x); }, -6},
+                     {"LOG(", [](double x) { return std::log(x); }, -6},
+                     {"EXP(", [](double x) { return std::exp(x); }, -6},
+                     {"EXP(-", [](double x) { return std::exp(-x); }, -6},
+                     {"SIN(-", [](double x) { return std::sin(-x); }, -4},
+                     {"COS(", [](double x) { return std::cos(x); }, -4},
+                     {"TAN(", [](double x) { return std::tan(x); }, -5},
+                     {"ATN(", [](double x) { return std::atan(x); }, -6}};
+    const auto& [name, function, least] = functions[kind - 8];
+    const std::string a = number(5, least, least + 2);
+    const bool power = random() % 8 == 0;
+    if (power) return {"CDBL(" + a + "^1.375)", std::pow(single(a), 1.375), 2 * PLACE};
+    return {"CDBL(" + (name + a) + "))", function(single(a)), 2 * PLACE};
 }
 
 TEST(BasicArithmetic, AgreesWithTheHost) {

@@ -247,15 +247,4 @@ TEST_F(Firmware, SwitchesBetweenTheScreens) {
     }
 }
 
-TEST_F(Firmware, KeepsOutOfThePatchedPlaces) {
-    boot(MODELS[1]);
-    // HALT wherever cassette traps may stand, and a keyboard entry that is always Enter.
-    std::fill(memory + 0x01ED, memory + 0x0281, 0x76);
-    const uint8_t always_enter[] = {0x3E, 0x0D, 0x00, 0x00, 0xC9};
-    std::ranges::copy(always_enter, memory + 0x002B);
-    z80_reset();
-    run(30);
-    for (unsigned y : {0u, rows_ - 2}) EXPECT_EQ(row(y), ">") << y;
-}
-
 } // namespace

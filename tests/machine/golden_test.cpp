@@ -88,17 +88,6 @@ TEST(GoldenPictures, AreReachedPixelByPixel) {
     }
 }
 
-TEST(GoldenPictures, ADifferenceInIndexOrColourIsFoundAndMarked) {
-    Picture expected{2, 2, {0, 1, 1, 2}, {}};
-    Picture actual = expected;
-    EXPECT_EQ(count_differences(expected, actual), 0U);
-    actual.pixels[0] = 3;      // another index of the same colour
-    actual.colours[2 * 3] = 9; // another colour of the same index
-    EXPECT_EQ(count_differences(expected, actual), 2U);
-    EXPECT_EQ(difference(expected, actual).pixels, (std::vector<uint8_t>{255, 1, 1, 255}));
-    EXPECT_NE(count_differences(expected, read_gif("/no/such.gif")), 0U);
-}
-
 // ---- changes while the beam runs ---------------------------------------------------------------
 
 constexpr uint16_t PROGRAM = 0x9000;

@@ -102,20 +102,6 @@ TEST_F(ProgramTest, WritesTheSamePictureInEveryRun) {
     EXPECT_FALSE(std::filesystem::exists(folder_ / "colours0003.gif")) << "the end comes first";
 }
 
-TEST_F(ProgramTest, SettingsChooseTheCanvas) {
-    struct {
-        const char* setting;
-        const char* file;
-        size_t size; ///< in pixels, or of the file
-    } const cases[] = {{"GiantScreen=1", "Tarvelin0000.gif", 768U * 576U},
-                       {"CompositeBlur=50", "Tarvelin0000.bmp", 442422}};
-    for (const auto& c : cases) {
-        ASSERT_EQ(run({"--setting", c.setting, "/w", "/s", "1", "/t", "2"}).exit_code, 0);
-        const bool gif = std::string(c.file).ends_with("gif");
-        EXPECT_EQ(gif ? picture(c.file).pixels.size() : read_text(folder_ / c.file).size(), c.size);
-    }
-}
-
 TEST_F(ProgramTest, AScreenshotThatCannotBeWrittenIsAnError) {
     // Nobody, not even the superuser, can make files there.
     const ProgramResult result = run_tarvelin({"/w", "/s", "1", "/t", "2"}, "/proc");
