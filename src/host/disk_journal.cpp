@@ -63,15 +63,21 @@ bool take(std::span<const uint8_t>& from, uint64_t count, std::span<const uint8_
     return true;
 }
 
-void put_batch(Bytes& to, const disk_image& disk,
-               const std::vector<std::span<const uint8_t>>& pieces) {
-    Bytes content;
+using Pieces = std::vector<std::span<const uint8_t>>;
+
+void put_batch(Bytes& to, const disk_image& disk, const Pieces& pieces) {
+    const size_t start = to.size();
+    size_t size = start + sizeof(Batch);
+    for (const auto& piece : pieces) size += sizeof(Piece) + piece.size();
+    to.reserve(size);
+    put(to, Batch());
     for (const auto& piece : pieces) {
-        put(content, Piece{uint32_t(piece.data() - disk.image.data()), uint32_t(piece.size())});
-        content.insert(content.end(), piece.begin(), piece.end());
+        put(to, Piece{uint32_t(piece.data() - disk.image.data()), uint32_t(piece.size())});
+        to.insert(to.end(), piece.begin(), piece.end());
     }
-    put(to, Batch{content.size(), content_hash(content)});
-    to.insert(to.end(), content.begin(), content.end());
+    const auto content = std::span(to).subspan(start + sizeof(Batch));
+    const Batch head = {content.size(), content_hash(content)};
+    std::memcpy(to.data() + start, &head, sizeof head);
 }
 
 /// Puts a batch onto the image; the first one makes it. False where the journal ends.
@@ -159,7 +165,7 @@ bool DiskJournal::keep(disk_image& disk) {
     const auto written = diskimg_written(disk);
     if (written.empty()) return true;
     const bool anew = descriptor_ < 0 || length_ > limit_;
-    if (!(anew ? write_anew(disk) : append(disk))) return false;
+    if (!(anew ? write_anew(disk) : append(disk, written))) return false;
     diskimg_all_kept(disk);
     return true;
 }
@@ -201,9 +207,10 @@ bool DiskJournal::write_anew(const disk_image& disk) {
     return true;
 }
 
-bool DiskJournal::append(const disk_image& disk) {
+bool DiskJournal::append(const disk_image& disk,
+                         const std::vector<std::span<const uint8_t>>& written) {
     Bytes bytes;
-    put_batch(bytes, disk, diskimg_written(disk));
+    put_batch(bytes, disk, written);
     if (!write_at(descriptor_, bytes, length_)) return false;
     length_ += bytes.size();
     return true;

@@ -12,6 +12,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -44,7 +45,7 @@ public:
 
 private:
     bool write_anew(const disk_image& disk);
-    bool append(const disk_image& disk);
+    bool append(const disk_image& disk, const std::vector<std::span<const uint8_t>>& written);
 
     std::string path_;
     int descriptor_ = -1;

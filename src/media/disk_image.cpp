@@ -200,8 +200,10 @@ int disk_img_write_sector(disk_image& disk, uint32_t /*side*/, uint32_t track, u
 
 std::vector<std::span<const uint8_t>> diskimg_written(const disk_image& disk) {
     std::vector<std::span<const uint8_t>> sectors;
-    for (size_t n = 0; n < disk.written.size(); ++n) {
-        if (!disk.written[n]) continue;
+    const auto first = disk.written.begin();
+    for (auto at = first; (at = std::find(at, disk.written.end(), true)) != disk.written.end();
+         ++at) {
+        const auto n = size_t(at - first);
         sectors.push_back(
             std::span(disk.image)
                 .subspan(disk.data_offset + n * disk.bytes_per_sector, disk.bytes_per_sector));
