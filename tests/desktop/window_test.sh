@@ -17,6 +17,10 @@ becomes() {
     fail "$what: $("$@"), not $expected"
 }
 
+status=0
+DISPLAY=:nowhere "$program" 2>display.log || status=$?
+[[ $status == 1 && $(wc -l <display.log) == 1 ]] || fail "without a display: $status, $(cat display.log)"
+
 start_server
 start_window_manager
 start_program
@@ -52,5 +56,11 @@ grep -q 'GiantScreen = 1' config/tarvelin/settings.toml || fail "the settings we
 start_program
 xdotool key alt+q
 find_window 'Machine configuration' >/dev/null
+kill "$program_pid"
+wait "$program_pid" || fail "the exit code after a signal is $?"
+
+# Nor for the boxes that wait behind the first one.
+start_program /s x /t x
+find_window '^Tarvelin$' >/dev/null
 kill "$program_pid"
 wait "$program_pid" || fail "the exit code after a signal is $?"

