@@ -17,6 +17,7 @@
 #include <QDebug>
 #include <QIcon>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <utility>
@@ -24,8 +25,20 @@
 
 namespace {
 
+/// Takes "--platform=NAME" out: of its options with a value, Qt knows only -style in this form.
+void take_platform_name(int& argc, char** argv) {
+    const auto is_platform = [](const char* word) {
+        const QByteArrayView text(word);
+        if (!text.startsWith("-platform=") && !text.startsWith("--platform=")) return false;
+        qputenv("QT_QPA_PLATFORM", text.sliced(text.indexOf('=') + 1).toByteArray());
+        return true;
+    };
+    argc = int(std::remove_if(argv + 1, argv + argc, is_platform) - argv);
+}
+
 /// Qt's set-up that has to precede the application object.
-int& prepare_qt(int& argc) {
+int& prepare_qt(int& argc, char** argv) {
+    take_platform_name(argc, argv);
     // An X server tells its keymap, in a Wayland session too; a Wayland client would have to guess.
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "xcb;wayland");
     QCoreApplication::setAttribute(Qt::AA_DontUseNativeMenuBar);
@@ -79,7 +92,7 @@ QIcon program_icon() {
 } // namespace
 
 struct QtPlatform::Services {
-    Services(int& argc, char** argv) : application(prepare_qt(argc), argv) {
+    Services(int& argc, char** argv) : application(prepare_qt(argc, argv), argv) {
         QApplication::setApplicationName("tarvelin");
         QApplication::setWindowIcon(program_icon());
         // Questions come after the window has gone.
