@@ -81,7 +81,12 @@ std::vector<LeftNote> left_notes() {
     return notes;
 }
 
-void remove_notes_folder_when_empty() { rmdir(notes_folder().c_str()); }
+/// Those that are in use stay.
+void remove_empty_folders() {
+    for (const std::string& folder : {notes_folder(), rescue_folder(), user_data_directory()}) {
+        rmdir(folder.c_str());
+    }
+}
 
 bool is_rescue_copy(const std::string& path) {
     return fs::path(path).parent_path() == fs::path(rescue_folder());
@@ -143,7 +148,7 @@ void remove_unfinished_files() {
         if (note.text.kind == COMPLETE || !remove_temporary(note.text.temporary)) continue;
         unlink(note.path.c_str());
     }
-    remove_notes_folder_when_empty();
+    remove_empty_folders();
 }
 
 std::vector<InterruptedWrite> interrupted_writes() {
@@ -166,12 +171,11 @@ bool finish_write(const InterruptedWrite& write) {
     const auto copy = read_whole_file(write.copy);
     if (!copy || !replace_whole_file(write.target, *copy)) return false;
     unlink(write.copy.c_str());
-    rmdir(rescue_folder().c_str());
     leave_unfinished(write);
     return true;
 }
 
 void leave_unfinished(const InterruptedWrite& write) {
     unlink(write.note.c_str());
-    remove_notes_folder_when_empty();
+    remove_empty_folders();
 }
