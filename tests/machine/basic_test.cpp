@@ -70,7 +70,7 @@ struct Sum {
 /// shown as double: all of its digits count.
 Sum random_sum(std::mt19937& random) {
     const auto number = [&](int digits, int least, int greatest) {
-        std::string text = std::to_string(1 + random() % 9);
+        std::string text = (random() % 2 ? "-" : "") + std::to_string(1 + random() % 9);
         while (digits-- > 1) text += char('0' + random() % 10);
         const int exponent = least + int(random() % unsigned(greatest - least + 1));
         return text + "E" + std::to_string(exponent);
@@ -89,9 +89,10 @@ Sum random_sum(std::mt19937& random) {
         const char* sign[] = {"+", "-", "*", "/"};
         const double result[] = {x + y, x - y, x * y, x / y};
         // A difference of doubles loses what its operands do not have.
-        const double lost = kind == 5 ? (x + y) / std::abs(x - y) : 1;
+        const double lost =
+            kind < 6 ? std::max(std::abs(x), std::abs(y)) / std::abs(result[kind % 4]) : 0;
         return {"CDBL(" + a + sign[kind % 4] + b + ")", result[kind % 4],
-                is_double ? DOUBLE * lost : PLACE * 0.51};
+                is_double ? DOUBLE * (1 + lost) : PLACE * 0.51};
     }
     const struct {
         const char* name;
@@ -106,7 +107,8 @@ Sum random_sum(std::mt19937& random) {
                      {"TAN(", [](double x) { return std::tan(x); }, -5},
                      {"ATN(", [](double x) { return std::atan(x); }, -6}};
     const auto& [name, function, least] = functions[kind - 8];
-    const std::string a = number(5, least, least + 2);
+    std::string a = number(5, least, least + 2);
+    if (a[0] == '-') a.erase(0, 1); // the names have their signs
     const bool power = random() % 8 == 0;
     if (power) return {"CDBL(" + a + "^1.375)", std::pow(single(a), 1.375), 2 * PLACE};
     return {"CDBL(" + (name + a) + "))", function(single(a)), 2 * PLACE};
