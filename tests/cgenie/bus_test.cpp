@@ -1,7 +1,6 @@
 #include "cgenie/bus.h"
 
 #include "cgenie/crtc.h"
-#include "cgenie/joystick.h"
 #include "cgenie/keyboard.h"
 #include "cgenie/memory.h"
 #include "cgenie/video.h"

@@ -1,7 +1,6 @@
 #include "cgenie/keyboard.h"
 
 #include "cgenie/memory.h"
-#include "core/frame_driver.h"
 #include "core/machine.h"
 #include "media/traps.h"
 #include "support/host_files.h"

@@ -19,13 +19,19 @@ Bytes pattern(size_t size) {
 
 Bytes copy(const uint8_t* from, size_t size) { return {from, from + size}; }
 
-/// A file that stands in for a custom ROM, and what happens with it.
+/// A file that stands in for a custom ROM.
 struct CustomRom {
     const char* name;
     int size; ///< of the file; -1: there is none, -2: it is a directory
     const char* setting;
-    size_t taken; ///< bytes
+
+    /// The bytes of it that an area takes.
+    size_t taken(int area) const { return *setting ? size_t(std::clamp(size, 0, area)) : 0; }
 };
+constexpr CustomRom CUSTOM_ROMS[] = {
+    {"exact", 16384, "custom.rom"},  {"short", 4096, "custom.rom"}, {"empty file", 0, "custom.rom"},
+    {"longer", 20000, "custom.rom"}, {"no file", -1, "custom.rom"}, {"directory", -2, "custom.rom"},
+    {"no setting", 16384, ""}};
 
 class Memory : public HostFilesTest {
 protected:
@@ -62,18 +68,12 @@ protected:
 
 TEST_F(Memory, CustomBasicRomLiesOverTheFirstOne) {
     load_marked_firmware();
-    const CustomRom cases[] = {
-        {"exact", 16384, "custom.rom", 16384}, {"short", 4096, "custom.rom", 4096},
-        {"empty file", 0, "custom.rom", 0},    {"longer", 20000, "custom.rom", 16384},
-        {"no file", -1, "custom.rom", 0},      {"directory", -2, "custom.rom", 0},
-        {"no setting", 16384, "", 0},
-    };
-    for (const CustomRom& rom : cases) {
+    for (const CustomRom& rom : CUSTOM_ROMS) {
         place(rom, "BasicROMPath");
         memory_set_basic_rom(1); // nothing of it may stay
         memory_set_basic_rom(3);
         Bytes expected(16384, 0x11);
-        std::ranges::copy(pattern(rom.taken), expected.begin());
+        std::ranges::copy(pattern(rom.taken(16384)), expected.begin());
         EXPECT_EQ(copy(memory, 16384), expected) << rom.name;
         EXPECT_EQ(copy(active_rom, 16384), expected) << rom.name;
         EXPECT_EQ(memory[0x4000], 0x99) << rom.name;
@@ -91,17 +91,12 @@ TEST_F(Memory, ExpansionRom) {
         memory_set_eprom(index);
         EXPECT_EQ(copy(current_eprom, 12288), Bytes(12288, 0xFF)) << index;
     }
-    const CustomRom cases[] = {
-        {"short", 4096, "custom.rom", 4096},    {"exact", 12288, "custom.rom", 12288},
-        {"longer", 16384, "custom.rom", 12288}, {"no file", -1, "custom.rom", 0},
-        {"directory", -2, "custom.rom", 0},     {"no setting", 4096, "", 0},
-    };
-    for (const CustomRom& rom : cases) {
+    for (const CustomRom& rom : CUSTOM_ROMS) {
         place(rom, "ExpansionROMPath");
         std::fill(std::begin(current_eprom), std::end(current_eprom), 0x99);
         memory_set_eprom(2);
         expected.assign(12288, 0x99);
-        std::ranges::copy(pattern(rom.taken), expected.begin());
+        std::ranges::copy(pattern(rom.taken(12288)), expected.begin());
         EXPECT_EQ(copy(current_eprom, 12288), expected) << rom.name;
     }
     EXPECT_EQ(copy(memory, 65536), Bytes(65536, 0x99));

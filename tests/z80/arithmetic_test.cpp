@@ -154,6 +154,14 @@ TEST_F(Arithmetic, OneOperandHelpers) {
             }
         }
     }
+    set_af(0x84, FLAG_C);
+    flat_bus.memory[data] = 0x20;
+    do_rrd();
+    EXPECT_EQ(af(), (ByteResult{0x80, 0x81}));
+    EXPECT_EQ(flat_bus.memory[data], 0x42);
+    do_rld();
+    EXPECT_EQ(af(), (ByteResult{0x84, 0x85}));
+    EXPECT_EQ(flat_bus.memory[data], 0x20);
 }
 
 TEST_F(Arithmetic, WordAdditionAndSubtraction) {

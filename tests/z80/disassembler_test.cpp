@@ -1,4 +1,4 @@
-// The disassembler against the processor, an assembler, and texts written out.
+// The disassembler against an assembler, and texts written out.
 
 #include "z80/disassembler.h"
 
