@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Kills a program while it saves, and looks at what is left: the old or the new file as a whole, and
-# nothing else after the next start. Then a full disk, a folder without permission, the longest name.
+# nothing else after the next start; of a disk, what its journal has. Then a full disk, a folder without permission, the longest name.
 # usage: scripts/kills.sh [TIMES] [KIND...]         300 times each kind without arguments
 # BUILD_DIR names another build folder than build/release, which must be built. The full disk needs
 # root for a small file system, the folder without permission another user; else they are left out.
@@ -9,7 +9,7 @@ cd "$(dirname "$0")/.."
 build=$(realpath "${BUILD_DIR:-build/release}")
 times=${1:-300}
 kinds=("${@:2}")
-[[ ${#kinds[@]} -gt 0 ]] || kinds=(snapshot export screenshot bitmap)
+[[ ${#kinds[@]} -gt 0 ]] || kinds=(snapshot export screenshot bitmap disk)
 save=$build/tests/support/save_loop
 if [[ ! -x $save ]]; then cmake --build "$build" --target save_loop tarvelin >/dev/null; fi
 
@@ -31,6 +31,18 @@ reference() { # KIND: the sums of its two contents
     "$save" "$1" "$work/reference/file" 2 && second=$(sum "$work/reference/file")
 }
 is_whole() { [[ $(sum "$1") == "$first" || $(sum "$1") == "$second" ]]; }
+
+files=()
+for kind in "${kinds[@]}"; do
+    [[ $kind == disk ]] || files+=("$kind")
+    [[ $kind == disk ]] || continue
+    # BASIC writes to it all the time; the journal must have what it held in the last second.
+    cmake --build "$build" --target test_host >/dev/null
+    TARVELIN_KILLS=$times "$build/tests/host/test_host" --gtest_filter='*KilledAtAny*' \
+        >"$work/told" 2>&1 || complain "disk: $(grep -v IMAGE "$work/told")"
+    echo "disk: killed $times times"
+done
+kinds=("${files[@]}")
 
 for kind in "${kinds[@]}"; do
     reference "$kind"

@@ -208,10 +208,14 @@ void leave_unsaved(unsigned drive) {
     disk_image& disk = wd1771_disk(drive);
     const std::string disk_text = "Disk content in " + drive_name(drive) + " has changed";
     if (save_changed_disks) {
+        const bool changed = diskimg_file_changed(disk);
+        const auto rescue = diskimg_rescue(disk);
         report({.text = disk_text + " and cannot be saved",
                 .file = disk.path,
-                .reason = diskimg_file_changed(disk) ? "another program has changed the file"
-                                                     : "the file cannot be written"});
+                .reason =
+                    changed ? "another program has changed the file" : "the file cannot be written",
+                .remedy = rescue ? "The disk is in " + *rescue + "."
+                                 : "No copy of it could be made: the changes are lost."});
     } else if (!keep_disk_journals) {
         report({.text = disk_text + " and is not saved",
                 .file = disk.path,
