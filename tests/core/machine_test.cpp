@@ -1,11 +1,14 @@
 #include "core/machine.h"
 
 #include "cgenie/firmware_images.h"
+#include "cgenie/keyboard.h"
 #include "cgenie/memory.h"
 #include "cgenie/palette.h"
 #include "cgenie/video.h"
 #include "core/frame_driver.h"
+#include "media/traps.h"
 #include "platform/headless/headless.h"
+#include "sound/beeper.h"
 #include "sound/sound_core.h"
 #include "sound/ym2149.h"
 #include "support/fake_host.h"
@@ -171,12 +174,18 @@ TEST_F(Machine, ResetKeyIsOneNmi) {
     z80_state.iff1 = z80_state.iff2 = 1;
     z80_state.irq = 1;
     memory[0x6000] = 0x77;
-    z80_out(0xFF, 0x20);
+    z80_out(0xFF, 0x21);
+    frame_buffer[5] = 3;
+    keyboard_open_from_buffer("RUN");
+    memory_place_bas_trap();
     z80_out(0xF8, 3);
     z80_out(0xF9, 9);
     last_file_name = "game";
     machine_reset();
     EXPECT_EQ(last_file_name, "");
+    EXPECT_EQ(beeper_level(), 0);
+    EXPECT_EQ(frame_buffer[5], 16) << "black";
+    EXPECT_NE(memory[0x2B], 0xED) << "nothing is typed any more";
     EXPECT_EQ(z80_state.irq, 0) << "the request is gone";
     EXPECT_EQ(z80_state.pc, 0x4000) << "taken by the processor, not here";
     EXPECT_EQ(ym2149_peek_reg(3), 9);
