@@ -222,6 +222,7 @@ TEST_F(DisksTest, NothingIsLostWhereTheFileIsNotAsItWas) {
     constexpr int ELSEWHERE = 0, MINE = 1, THEIRS = 2;
     const auto touch = [] { fill("folder/e.dsk"); };
     const auto other = [] { write_text("folder/e.dsk", std::string(DISK_SIZE, '\x15')); };
+    const auto removed = [] { std::filesystem::remove("folder/e.dsk"); };
     const auto gone = [] { std::filesystem::remove_all("folder"); };
     const struct {
         const char* name;
@@ -231,6 +232,7 @@ TEST_F(DisksTest, NothingIsLostWhereTheFileIsNotAsItWas) {
         bool elsewhere = false;
         bool stays = false;
     } cases[] = {{"touched", touch, {}, 0x99},
+                 {"removed", removed, {}, 0x99},
                  {"mine", other, {MINE}, 0x99},
                  {"theirs", other, {THEIRS}, 0x15},
                  {"elsewhere", other, {ELSEWHERE}, 0x15, true},

@@ -227,31 +227,6 @@ TEST_F(DiskImage, ADiskThatCannotBeWrittenIsRescued) {
     EXPECT_NE(fake_host.status[3].find("its contents are lost"), std::string::npos);
 }
 
-TEST_F(DiskImage, FilesThatShrinkOrVanishWhileTheyAreAttached) {
-    for (const bool vanishes : {false, true}) {
-        for (const bool save : {false, true}) {
-            SCOPED_TRACE(testing::Message() << vanishes << save);
-            const std::string path = write(plain(102400));
-            disk_image disk;
-            ASSERT_EQ(diskimg_attach(disk, path), 1);
-            ASSERT_EQ(disk_img_write_sector(disk, 0, 39, 9, sector_.data()), 1);
-            const Bytes expected = disk.image;
-            if (vanishes) {
-                fs::remove(path);
-            } else {
-                fs::resize_file(path, 100);
-            }
-            ASSERT_EQ(disk_img_read_sector(disk, 0, 39, 8, sector_.data()), 1);
-            EXPECT_EQ(sector_[0] | sector_[1] << 8, 398) << "the whole file is in memory";
-            sector_ = {};
-            EXPECT_EQ(diskimg_detach(disk, save), 1);
-            EXPECT_EQ(fs::exists(path), save || !vanishes);
-            EXPECT_TRUE(!save || read_file(path) == expected);
-            EXPECT_TRUE(save || vanishes || fs::file_size(path) == 100);
-        }
-    }
-}
-
 TEST_F(DiskImage, AFileThatMayOnlyBeReadIsWriteProtected) {
     const std::string path = write(plain(102400));
     fs::permissions(folder_.path(), fs::perms(0755));
