@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Kills a program while it saves, and looks at what is left: the old or the new file as a whole, and
-# nothing else after the next start; of a disk, what its journal has. Then a full disk, a folder without permission, the longest name.
+# nothing else after the next start; of a disk, what its journal has; of a tape, what it was given.
+# Then a full disk, a folder without permission, the longest name.
 # usage: scripts/kills.sh [TIMES] [KIND...]         300 times each kind without arguments
 # BUILD_DIR names another build folder than build/release, which must be built. The full disk needs
 # root for a small file system, the folder without permission another user; else they are left out.
@@ -9,7 +10,7 @@ cd "$(dirname "$0")/.."
 build=$(realpath "${BUILD_DIR:-build/release}")
 times=${1:-300}
 kinds=("${@:2}")
-[[ ${#kinds[@]} -gt 0 ]] || kinds=(snapshot export screenshot bitmap disk)
+[[ ${#kinds[@]} -gt 0 ]] || kinds=(snapshot export screenshot bitmap disk cassette)
 save=$build/tests/support/save_loop
 if [[ ! -x $save ]]; then cmake --build "$build" --target save_loop tarvelin >/dev/null; fi
 
@@ -32,15 +33,20 @@ reference() { # KIND: the sums of its two contents
 }
 is_whole() { [[ $(sum "$1") == "$first" || $(sum "$1") == "$second" ]]; }
 
+# What is written bit by bit has tests of its own: BASIC writes to a disk all the time, and the
+# journal must have what it held in the last second; a tape must have every byte that it was given.
+declare -A tests=([disk]='host *KilledAtAny*' [cassette]='media Tape.AKilled*')
 files=()
 for kind in "${kinds[@]}"; do
-    [[ $kind == disk ]] || files+=("$kind")
-    [[ $kind == disk ]] || continue
-    # BASIC writes to it all the time; the journal must have what it held in the last second.
-    cmake --build "$build" --target test_host >/dev/null
-    TARVELIN_KILLS=$times "$build/tests/host/test_host" --gtest_filter='*KilledAtAny*' \
-        >"$work/told" 2>&1 || complain "disk: $(grep -v IMAGE "$work/told")"
-    echo "disk: killed $times times"
+    read -r folder filter <<<"${tests[$kind]:-}"
+    if [[ -z $folder ]]; then
+        files+=("$kind")
+        continue
+    fi
+    cmake --build "$build" --target "test_$folder" >/dev/null
+    TARVELIN_KILLS=$times "$build/tests/$folder/test_$folder" --gtest_filter="$filter" \
+        >"$work/told" 2>&1 || complain "$kind: $(grep -v IMAGE "$work/told")"
+    echo "$kind: killed $times times"
 done
 kinds=("${files[@]}")
 

@@ -395,8 +395,7 @@ struct DiskHistory {
 };
 
 TEST_F(DiskJournalTest, KilledAtAnyMomentOnlyTheLastSecondIsMissing) {
-    const char* const wanted = std::getenv("TARVELIN_KILLS");
-    const int kills = wanted ? std::atoi(wanted) : 20;
+    const int kills = kills_wanted();
     std::string problem;
     auto blank = disk_blank(DISK_PLAIN, 40, 10, problem);
     ASSERT_TRUE(blank && disk_format(*blank, problem)) << problem;

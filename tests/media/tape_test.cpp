@@ -273,7 +273,7 @@ TEST_F(Tape, SavesThatFailAreToldOnce) {
 TEST_F(Tape, AKilledProgramHasSavedWhatItWasGiven) {
     fake_host.save_path = "killed.cas";
     unsigned seed = 1;
-    for (int round = 0; round < 20; ++round) {
+    for (int round = 0; round < kills_wanted(); ++round) {
         seed = seed * 1103515245 + 12345;
         const size_t count = kill_after(1 + seed / 65536 % 3000, [](int pipe) {
             tape_create_cas();

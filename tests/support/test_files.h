@@ -9,6 +9,12 @@
 #include <string>
 #include <vector>
 
+/// How often a test kills what it looks at; scripts/kills.sh asks for more.
+inline int kills_wanted() {
+    const char* const wanted = std::getenv("TARVELIN_KILLS");
+    return wanted ? std::atoi(wanted) : 20;
+}
+
 /// A new folder that goes with the object.
 class Folder {
 public:
