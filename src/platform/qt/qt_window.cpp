@@ -167,8 +167,10 @@ void QtWindow::set_full_screen(bool on) {
         lift_limits();
         frame_.setWindowState(frame_.windowState() | Qt::WindowFullScreen);
     } else {
-        apply_limits();
+        // Before the limits: a size that is set takes Qt's mark of the full screen away, and then
+        // a Wayland compositor is never asked to leave it.
         frame_.setWindowState(frame_.windowState() & ~Qt::WindowFullScreen);
+        apply_limits();
         place(windowed_);
     }
     canvas_.setFocus();
