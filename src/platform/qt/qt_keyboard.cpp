@@ -1,6 +1,9 @@
 #include "platform/qt/qt_keyboard.h"
 
 #include "platform/events.h"
+#include "platform/qt/qt_wayland.h"
+#include "platform/qt/wayland_keymap.h"
+#include "platform/qt/xkb_server.h"
 
 #include <QGuiApplication>
 #include <QKeyEvent>
@@ -26,7 +29,6 @@ constexpr NamedKey NAMED_KEYS[] = {
 
 constexpr bool is_printable(int code) { return code >= 0x20 && code <= 0x7E; }
 constexpr bool is_capital(int code) { return code >= 'A' && code <= 'Z'; }
-constexpr bool is_small(int code) { return code >= 'a' && code <= 'z'; }
 
 /// For the platforms that deliver no scan codes.
 uint8_t key_by_meaning(const QKeyEvent& event, const XkbLayout& layout) {
@@ -53,12 +55,13 @@ uint64_t key_source(const QKeyEvent& event) {
 }
 
 QtKeyboard::QtKeyboard() {
+    if (wl_display* display = qt_wayland_display()) source_ = WaylandKeymap::connect(display);
     if (QGuiApplication::platformName() == "xcb") {
-        server_ = XkbServer::connect();
+        source_ = XkbServer::connect();
         if (const auto* x11 = qGuiApp->nativeInterface<QNativeInterface::QX11Application>())
             XkbServer::repeat_presses_only(x11->connection());
     }
-    layout_ = server_ ? server_->layout() : XkbLayout::from_names(nullptr, nullptr);
+    layout_ = source_ ? source_->layout() : XkbLayout::from_names(nullptr, nullptr);
 }
 
 bool QtKeyboard::is_down(uint8_t key) {
@@ -85,8 +88,8 @@ bool QtKeyboard::refresh() {
 }
 
 void QtKeyboard::update_layout() {
-    if (!server_ || !server_->poll()) return;
-    const XkbLayout layout = server_->layout();
+    if (!source_ || !source_->poll()) return;
+    const XkbLayout layout = source_->layout();
     // Another keyboard of the same layout gives notice too.
     if (layout == layout_) return;
     layout_ = layout;
@@ -118,7 +121,6 @@ void QtKeyboard::key_event(const QKeyEvent& event, bool down) {
 
 void QtKeyboard::press(const QKeyEvent& event) {
     update_layout();
-    if (!server_ && event.nativeScanCode() != 0) learn(event);
     const uint8_t key = key_of(event);
     if (key == KEY_NONE) return;
     pressed_.push_back({key_source(event), key});
@@ -136,51 +138,4 @@ void QtKeyboard::release(const QKeyEvent& event) {
                              [=](const Pressed& pressed) { return pressed.key == key; });
     }
     if (found != pressed_.end()) pressed_.erase(found);
-}
-
-uint8_t QtKeyboard::modifiers() const {
-    uint8_t bits = 0;
-    for (const Pressed& pressed : pressed_) {
-        if (pressed.key == KEY_SHIFT) bits |= MODIFIER_SHIFT;
-        if (pressed.key == KEY_CONTROL) bits |= MODIFIER_CONTROL;
-        if (pressed.key == KEY_ALT) bits |= MODIFIER_ALT;
-        if (pressed.key == KEY_ALT_GR) bits |= MODIFIER_CONTROL | MODIFIER_ALT;
-    }
-    return bits;
-}
-
-void QtKeyboard::learn(const QKeyEvent& event) {
-    const uint32_t scan = event.nativeScanCode();
-    const int code = event.key();
-    if (code == Qt::Key_AltGr) learn_key(scan, KEY_ALT_GR);
-    const uint8_t held = modifiers();
-    if ((held & (MODIFIER_CONTROL | MODIFIER_ALT)) == 0 && is_capital(code))
-        learn_key(scan, uint8_t(code));
-    const QString text = event.text();
-    if (text.size() != 1 || event.modifiers().testFlag(Qt::KeypadModifier)) return;
-    const int character = text.front().unicode();
-    if (is_printable(character)) learn_character(char(character), layout_.virtual_key(scan));
-}
-
-/// The key that had the letter before gets what this one had.
-void QtKeyboard::learn_key(uint32_t keycode, uint8_t key) {
-    if (keycode >= layout_.keys.size() || layout_.keys[keycode] == key) return;
-    const auto before = std::find(layout_.keys.begin(), layout_.keys.end(), key);
-    if (before != layout_.keys.end()) *before = layout_.keys[keycode];
-    layout_.keys[keycode] = key;
-    changed_ = true;
-}
-
-void QtKeyboard::learn_character(char character, uint8_t key) {
-    const uint8_t held = modifiers();
-    const uint8_t chord = held & (MODIFIER_CONTROL | MODIFIER_ALT);
-    if (key == KEY_NONE || chord == MODIFIER_CONTROL || chord == MODIFIER_ALT) return;
-    KeyForCharacter found{key, held};
-    // Caps Lock may have made the letter what it is.
-    if (is_capital(character)) found.modifiers = MODIFIER_SHIFT;
-    if (is_small(character)) found.modifiers = 0;
-    auto& known = layout_.characters[size_t(character - 0x20)];
-    if (known == found) return;
-    known = found;
-    changed_ = true;
 }

@@ -1,10 +1,10 @@
 #pragma once
 /// The keyboard of a Qt program. Keys are told apart by scan code, which xcb and wayland deliver as
-/// an X keycode. On X the layout is the server's. Elsewhere nobody tells it: there it starts with
-/// the one that the environment names, and is corrected by what the keys are seen to type.
+/// an X keycode. The layout is the one of the X server or the Wayland compositor; on platforms that
+/// have none, it is what the environment names.
 
-#include "platform/qt/xkb_layout.h"
-#include "platform/qt/xkb_server.h"
+#include "platform/keyboard.h"
+#include "platform/qt/layout_source.h"
 
 #include <vector>
 
@@ -39,15 +39,11 @@ private:
 
     bool is_held(const QKeyEvent& event) const;
     uint8_t key_of(const QKeyEvent& event) const;
-    uint8_t modifiers() const;
     void update_layout();
     void press(const QKeyEvent& event);
     void release(const QKeyEvent& event);
-    void learn(const QKeyEvent& event);
-    void learn_key(uint32_t keycode, uint8_t key);
-    void learn_character(char character, uint8_t key);
 
-    std::unique_ptr<XkbServer> server_;
+    std::unique_ptr<LayoutSource> source_; ///< null: nobody tells the layout
     XkbLayout layout_;
     bool changed_ = false;
     std::vector<Pressed> pressed_;

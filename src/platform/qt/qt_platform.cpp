@@ -39,7 +39,7 @@ void take_platform_name(int& argc, char** argv) {
 /// Qt's set-up that has to precede the application object.
 int& prepare_qt(int& argc, char** argv) {
     take_platform_name(argc, argv);
-    // An X server tells its keymap, in a Wayland session too; a Wayland client would have to guess.
+    // In a Wayland session, too, a window keeps its place only on X.
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "xcb;wayland");
     QCoreApplication::setAttribute(Qt::AA_DontUseNativeMenuBar);
     QGuiApplication::setDesktopFileName("tarvelin");

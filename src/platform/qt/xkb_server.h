@@ -1,11 +1,11 @@
 #pragma once
 /// The keyboard map that an X server has in force, over a connection of its own.
 
-#include "platform/qt/xkb_layout.h"
+#include "platform/qt/layout_source.h"
 
 #include <xcb/xcb.h>
 
-class XkbServer {
+class XkbServer final : public LayoutSource {
 public:
     /// Connects to the display of the environment; nothing where that fails.
     static std::unique_ptr<XkbServer> connect();
@@ -14,11 +14,8 @@ public:
     /// in between that a tapped key has too.
     static void repeat_presses_only(xcb_connection_t* connection);
 
-    /// Takes the server's notices, without a round trip. True when there was one about the map or
-    /// the layout in force, which then may be another one.
-    bool poll();
-    /// The layout in force, as of the last poll.
-    XkbLayout layout() const;
+    bool poll() override;
+    XkbLayout layout() const override;
 
 private:
     struct Disconnect {
