@@ -21,7 +21,7 @@ printf 'leak:libdbus-1\nleak:libfontconfig\n' >lsan.supp
 export LSAN_OPTIONS=suppressions=$work/lsan.supp:print_suppressions=0
 
 clean_up() {
-    kill ${program_pid:-} ${server_pid:-} 2>/dev/null || true
+    kill ${program_pid:-} ${compositor_pid:-} ${server_pid:-} 2>/dev/null || true
     wait 2>/dev/null || true
     rm -rf "$work"
 }
@@ -98,4 +98,31 @@ shows() {
         sleep 0.2
     done
     return 1
+}
+
+# becomes WHAT EXPECTED COMMAND...: the command's output within a few seconds
+becomes() {
+    local what=$1 expected=$2
+    shift 2
+    for _ in $(seq 40); do
+        if [[ $("$@") == "$expected" ]]; then return; fi
+        sleep 0.1
+    done
+    fail "$what: $("$@"), not $expected"
+}
+
+# types TEXT EXPECTED: what the machine's first prompt makes of it
+types() {
+    shows "MEM SIZE?" || fail "the firmware did not start"
+    xdotool key Return
+    shows READY || fail "the firmware did not take the answer"
+    # A busy host may miss a key that is down for a moment: another line is another try.
+    for _ in 1 2 3; do
+        xdotool type --delay 120 "$1"
+        if shows ">$2"; then return; fi
+        xdotool key Return
+        sleep 0.5
+    done
+    fail "expected >$2 on
+$(screen)"
 }

@@ -25,15 +25,4 @@ SETTINGS
 start_server
 setxkbmap "$layout"
 start_program
-shows "MEM SIZE?" || fail "the firmware did not start"
-xdotool key Return
-shows READY || fail "the firmware did not take the answer"
-# A busy host may miss a key that is down for a moment: another line is another try.
-for _ in 1 2 3; do
-    xdotool type --delay 120 "$typed"
-    if shows ">$expected"; then exit 0; fi
-    xdotool key Return
-    sleep 0.5
-done
-fail "expected >$expected on
-$(screen)"
+types "$typed" "$expected"

@@ -6,17 +6,6 @@ source "$(dirname "$0")/desktop.sh"
 geometry() { xdotool getwindowgeometry "$window" | tr -s ' \n' ' ' | cut -d' ' -f4-; }
 size() { geometry | sed 's/.*Geometry: \([0-9x]*\).*/\1/'; }
 
-# becomes WHAT EXPECTED COMMAND...: the command's output within a few seconds
-becomes() {
-    local what=$1 expected=$2
-    shift 2
-    for _ in $(seq 40); do
-        if [[ $("$@") == "$expected" ]]; then return; fi
-        sleep 0.1
-    done
-    fail "$what: $("$@"), not $expected"
-}
-
 status=0
 DISPLAY=:nowhere "$program" 2>display.log || status=$?
 [[ $status == 1 && $(wc -l <display.log) == 1 ]] || fail "without a display: $status, $(cat display.log)"

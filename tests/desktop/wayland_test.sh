@@ -1,0 +1,45 @@
+#!/usr/bin/env bash
+# The window under a Wayland compositor whose screen is a virtual X server's: characters of a German
+# keyboard, full screen and back.
+program=$1
+source "$(dirname "$0")/desktop.sh"
+
+# covered PIXELS: do windows take so much of the compositor's screen, whose background is one grey?
+covered() {
+    ffmpeg -loglevel error -f x11grab -video_size 1280x1024 -draw_mouse 0 -i "$DISPLAY" \
+        -frames:v 1 -f rawvideo -pix_fmt gray - | tr -cd '\253' | wc -c |
+        awk -v least="$1" '{print 1280 * 1024 - $1 < least ? "no" : "yes"}'
+}
+window=$((392 * 339)) everything=$((1280 * 1024 - 1000))
+
+cat >config/tarvelin/settings.toml <<SETTINGS
+KeyMapping = 1
+SaveVideoRamWithScreenShots = 1
+Sound = 0
+SETTINGS
+cat >config/weston.ini <<SETTINGS
+[core]
+backend=x11-backend.so
+use-pixman=true
+idle-time=0
+[shell]
+panel-position=none
+background-color=0xffababab
+startup-animation=none
+SETTINGS
+start_server
+setxkbmap de
+export XDG_RUNTIME_DIR=$work WAYLAND_DISPLAY=compositor QT_QPA_PLATFORM=wayland
+weston --socket=compositor --width=1280 --height=1024 >weston.log 2>&1 &
+compositor_pid=$!
+becomes "the compositor's screen" no covered 1000 # the mouse cursor is less
+"$program" >program.log 2>&1 &
+program_pid=$!
+becomes "the window" yes covered $window
+types 'zy-+#/"?*@' 'ZY-+#/"?*@'
+
+xdotool key alt+Return
+becomes "full screen" yes covered $everything
+xdotool key alt+Return
+becomes "back from full screen" no covered $((2 * window))
+becomes "the window again" yes covered $window
