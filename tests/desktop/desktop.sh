@@ -20,6 +20,11 @@ cd "$work"
 printf 'leak:libdbus-1\nleak:libfontconfig\n' >lsan.supp
 export LSAN_OPTIONS=suppressions=$work/lsan.supp:print_suppressions=0
 
+# settings LINE...: of the settings file; silent, and with what screen needs
+settings() {
+    printf '%s\n' 'SaveVideoRamWithScreenShots = 1' 'Sound = 0' "$@" >config/tarvelin/settings.toml
+}
+
 clean_up() {
     kill ${program_pid:-} ${compositor_pid:-} ${server_pid:-} 2>/dev/null || true
     wait 2>/dev/null || true
@@ -81,8 +86,7 @@ wait_for() {
     fail "$1 was not written"
 }
 
-# screen [NAME]: the text in the machine's memory. NAME is what screenshots are called; the setting
-# SaveVideoRamWithScreenShots must be on.
+# screen [NAME]: the text in the machine's memory. NAME is what screenshots are called.
 screen() {
     local memory=${1:-Tarvelin}.v80
     rm -f "$memory"

@@ -6,13 +6,7 @@ program=$1
 image=$(realpath "$2")
 source "$(dirname "$0")/desktop.sh"
 
-cat >config/tarvelin/settings.toml <<SETTINGS
-ActiveConfig = 4
-CustomRomExpansion = 0
-KeyMapping = 1
-SaveVideoRamWithScreenShots = 1
-Sound = 0
-SETTINGS
+settings 'ActiveConfig = 4' 'CustomRomExpansion = 0' 'KeyMapping = 1'
 cp "$image" disk.dsk
 "$program" --headless --setting ActiveConfig=4 --setting CustomRomExpansion=0 /w /s 6 /t 7 \
     disk.dsk 2>headless.log || fail "$(cat headless.log)"

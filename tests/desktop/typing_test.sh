@@ -16,11 +16,7 @@ fr-symbolic) typed="hello zaqwm 12!(3)*/:;?#@" expected="HELLO ZAQWM 12!(3)*/:;?
 de-positional) typed='hello zy1' expected='HELLO ZY1' ;;
 de-symbolic) typed="hello zy (2)/3=+:;!\"#%@" expected="HELLO ZY (2)/3=+:;!\"#%@" ;;
 esac
-cat >config/tarvelin/settings.toml <<SETTINGS
-KeyMapping = $([[ $mapping == symbolic ]] && echo 1 || echo 0)
-SaveVideoRamWithScreenShots = 1
-Sound = 0
-SETTINGS
+settings "KeyMapping = $([[ $mapping == symbolic ]] && echo 1 || echo 0)"
 
 start_server
 setxkbmap "$layout"

@@ -12,11 +12,7 @@ covered() {
 }
 window=$((392 * 339)) everything=$((1280 * 1024 - 1000))
 
-cat >config/tarvelin/settings.toml <<SETTINGS
-KeyMapping = 1
-SaveVideoRamWithScreenShots = 1
-Sound = 0
-SETTINGS
+settings 'KeyMapping = 1'
 cat >config/weston.ini <<SETTINGS
 [core]
 backend=x11-backend.so
@@ -44,6 +40,5 @@ xdotool key alt+Return
 becomes "full screen" yes covered $everything
 xdotool key alt+Return
 becomes "back from full screen" no covered $((2 * window))
-becomes "the window again" yes covered $window
 kill "$program_pid"
 wait "$program_pid" || fail "the exit code is $?: $(cat program.log)"
