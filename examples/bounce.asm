@@ -1,7 +1,7 @@
 ; Bounce: five balls over a chequered floor, in the four-colour graphics mode.
 ;
 ; The picture is 160 x 102 pixels in lines of 40 bytes, four pixels a byte, the leftmost in bits
-; 7-6. There are two such pictures, at 4800h and 6800h: one shows while the next step is drawn into
+; 7-6. There are two such pictures, at 4400h and 6400h: one shows while the next step is drawn into
 ; the other, and the CRT controller's start address swaps them, so that nobody sees a ball half
 ; drawn. Both lie in the 16 KB that the video circuit can reach.
 ;
@@ -9,15 +9,16 @@
 
         include "machine.asm"
 
-PAGE_1  equ     4800h
-PAGE_2  equ     6800h
+PAGE_1  equ     6400h
+PAGE_2  equ     4400h
 BYTES   equ     40              ; of a line
 LINES   equ     102
+SHOWN   equ     123             ; lines of a page: the picture, and black ones below it
 STACK   equ     8000h
 
 ; What lies under the sprites of each page, to be put back: address, then the bytes.
-UNDER_1 equ     4400h
-UNDER_2 equ     4600h
+UNDER_1 equ     6000h
+UNDER_2 equ     6200h
 
 ; Bits of an address' high byte that lead from one page to the other.
 PAGE_SWAP       equ     20h
@@ -79,11 +80,11 @@ start:  di
         ld      (hl),0
         ldir
         call    draw_scene
+        call    set_up_video
         ld      hl,PAGE_1
         ld      de,PAGE_2
-        ld      bc,BYTES*LINES
+        ld      bc,BYTES*SHOWN
         ldir
-        call    set_up_video
 
 ; One step: draw into the hidden page, show it, and wait until the beam has left the other one.
 step:   call    restore_sprites
@@ -108,12 +109,18 @@ set_up_video:
 
 ; Rows of two scan lines, as each graphics line is two scan lines high. 127 is the most that the
 ; row counter takes; that makes about 60 frames a second.
+;
+; A frame of 254 lines is short, and the ways to draw it differ in where they put it. One drawn at
+; once ends on the 288th line of the screen with its last row shown: 288 - 2*123 = 42 lines stand
+; above it. Drawn along with the beam, it comes 254 - 216 - 13 = 25 lines after the sync of 14
+; lines from row 108 on, and is centred by 17 more: 42 as well. That is why rows are shown which
+; have nothing in them.
 crtc_values:
-        db      70,40,52,0F5h   ; a line of 71 characters, 40 of them shown, sync
-        db      127,0,LINES,114 ; 102 rows shown, sync at row 115
+        db      70,40,52,0E5h   ; a line of 71 characters, 40 of them shown, sync
+        db      127,0,SHOWN,107 ; rows in all and shown, the sync at row 108
         db      0,1             ; no interlace, 2 lines a row
         db      20h,0           ; no cursor
-        db      08h,00h         ; the picture starts at 4800h
+        db      24h,00h         ; the picture starts at 6400h
         db      0,0
 
 ; Shows the page that was drawn and makes the other one the next to draw into. The pages differ

@@ -3,7 +3,7 @@
 draw_scene:
         ld      hl,PAGE_1
         ld      de,PAGE_1+1
-        ld      bc,BYTES*LINES-1
+        ld      bc,BYTES*SHOWN-1
         ld      (hl),0
         ldir
         call    draw_stars
