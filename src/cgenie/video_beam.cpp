@@ -16,7 +16,7 @@ constexpr uint8_t HORIZONTAL = 2;
 constexpr uint32_t LONGEST_LINE = 256;      ///< clocks; the column has eight bits
 constexpr uint32_t RETRACE_CLOCK = 16;      ///< of the horizontal sync counter
 constexpr uint32_t VERTICAL_SYNC_MASK = 15; ///< width 0 means 16 lines
-constexpr int SHORTEST_FRAME = 244;         ///< lines; a sync before them presents nothing
+constexpr int SHORTEST_FRAME = 245;         ///< lines; a sync before them presents nothing
 constexpr int LAST_LINE = 379;              ///< a frame without a sync ends after it
 constexpr double CENTRING_WEIGHT = 0.2;
 constexpr uint32_t VIDEO_RAM_END = VIDEO_RAM_START + VIDEO_RAM_MASK + 1;
@@ -39,7 +39,7 @@ struct beam_state {
 };
 beam_state state;
 
-int video_update_line = -1; ///< line under the beam since the last frame end
+int video_update_line = -1; ///< number of the line under the beam, from 0 after a frame's end
 
 /// Where the next eight pixels go: always a multiple of eight pixels into the storage, which is one
 /// itself. A line starts at 379 + 144 at most: a frame misses 289 lines at most, and half of them
@@ -100,7 +100,7 @@ void step_vertical_sync() {
     if (state.vertical_sync_counter != crtc.sync_widths >> 4) return;
     state.blanking &= uint8_t(~VERTICAL);
     state.vertical_sync_counter = 0;
-    if (video_update_line > SHORTEST_FRAME) end_frame();
+    if (video_update_line + 1 >= SHORTEST_FRAME) end_frame();
 }
 
 void end_scan_line() {

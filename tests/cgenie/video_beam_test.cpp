@@ -78,7 +78,7 @@ struct Circuit {
         if (vertical_sync != int(crtc.sync_widths / 16)) return;
         row_blank = false;
         vertical_sync = 0;
-        if (line > 244) end_frame();
+        if (line + 1 > 244) end_frame();
     }
 
     void step_sync() {
@@ -178,6 +178,8 @@ TEST(VideoBeam, FrameTiming) {
     EXPECT_EQ(run_to_frame_end(), FRAME_CLOCKS);
     program({{4, 32}, {5, 6}, {7, 27}}); // 32 rows and 6 lines
     EXPECT_EQ(run_to_frame_end(), 262 * LINE_CLOCKS);
+    program({{4, 30}, {5, 5}, {7, 27}}); // the shortest that a sync ends
+    EXPECT_EQ(run_to_frame_end(), 245 * LINE_CLOCKS);
     program({{0, 62}}); // R0 + 2 clocks a line
     EXPECT_EQ(run_to_frame_end(), 304 * 64);
     program({{7, 100}}); // no vertical sync: 381 lines until the beam is back
