@@ -75,7 +75,7 @@ void build_yuv_tables() {
 
 void filter_line(const uint8_t* line, const uint8_t* below, yuv_pixel* destination, int width) {
     uint8_t level = yuv_palette[line[0]].y;
-    uint32_t previous = chroma_words[line[0]] + chroma_words[below[0]];
+    uint32_t previous = 2 * chroma_words[line[0]]; // the first pixel stands for both lines
     for (int x = 0; x < width; x += 2) {
         const uint8_t left = line[x], right = line[x + 1];
         const uint32_t left_chroma = chroma_words[left] + chroma_words[below[x]];
