@@ -42,7 +42,7 @@ constexpr const char* USAGE =
     "  /a        load FILE, but do not start it\n"
     "  /b FILE   start FILE at once\n"
     "  /d        giant picture: leave every second line black\n"
-    "  /g        with the high-resolution graphics board\n"
+    "  /g        with the high-resolution graphics board, which changes nothing\n"
     "  /h        without sound\n"
     "  /i FILE   put a disk image into drive 0\n"
     "  /mN       standard model N, 1 to 3\n"
