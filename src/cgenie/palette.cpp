@@ -47,6 +47,27 @@ colour_signal signal_of(uint32_t standard, int entry, uint32_t amplitude) {
     return {y, amplitude * std::cos(hue * PI / 180), amplitude * std::sin(hue * PI / 180)};
 }
 
+constexpr double NEUTRAL = 50.0; ///< of brightness, gamma and contrast
+constexpr double WHITE = 255.0;
+constexpr double MIDDLE = WHITE / 2;
+constexpr uint32_t FULL_LIGHT = 80; ///< of the interlaced line
+
+/// What the knobs make of a signal, the way of a television: chroma is amplified with the luminance
+/// under it, so that a colour keeps its hue. At 50 every factor is 1 and every term 0, which leaves
+/// each bit as it was.
+colour_signal adjusted(colour_signal signal) {
+    const double exponent = std::exp2((NEUTRAL - display_params.gamma) / NEUTRAL);
+    const double bend = std::pow(signal.y / WHITE, exponent - 1);
+    const double contrast = display_params.contrast / NEUTRAL;
+    const double shift = (display_params.brightness - NEUTRAL) / NEUTRAL * MIDDLE;
+    const double gain = bend * contrast;
+    return {signal.y * gain + MIDDLE * (1 - contrast) + shift, signal.u * gain, signal.v * gain};
+}
+
+uint8_t dimmed(uint32_t component) {
+    return uint8_t(component * std::min(display_params.interlaced_line, FULL_LIGHT) / FULL_LIGHT);
+}
+
 uint8_t to_byte(double value) { return uint8_t(std::clamp(value + 0.5, 0.0, 255.0)); }
 int8_t to_signed_byte(double value) { return int8_t(std::clamp(value + 0.5, -128.0, 127.0)); }
 
@@ -137,11 +158,13 @@ void calculate_palette(uint32_t standard) {
     current_pal_index = standard;
     std::memset(cgpalette, UNUSED_COMPONENT, sizeof cgpalette);
     for (int i = 0; i < PALETTE_ENTRIES; ++i) {
-        const auto [y, u, v] = signal_of(standard, i, amplitude);
+        const auto [y, u, v] = adjusted(signal_of(standard, i, amplitude));
         yuv_palette[i] = {to_byte(y), to_signed_byte(u), to_signed_byte(v), 0};
         cgpalette[i][0] = to_byte(y + v / 0.877283);
         cgpalette[i][1] = to_byte(y - 0.39465 * u - 0.5806 * v);
         cgpalette[i][2] = to_byte(y + u / 0.492111);
+        if (!palette_dims_lines()) continue;
+        std::transform(cgpalette[i], cgpalette[i] + 3, cgpalette[PALETTE_ENTRIES + i], dimmed);
     }
     build_yuv_tables();
 }
@@ -163,6 +186,17 @@ uint32_t palette_get_default_saturation() { return DEFAULT_PARAMETERS.saturation
 
 void palette_get_default_config(display_parameters* parameters) {
     *parameters = DEFAULT_PARAMETERS;
+}
+
+bool palette_dims_lines() { return display_params.interlaced_line < FULL_LIGHT; }
+
+void palette_dim(uint32_t* colours, size_t count) {
+    for (size_t i = 0; i < count; ++i) {
+        const uint32_t colour = colours[i];
+        const uint32_t red = dimmed(colour >> 16 & 0xFF);
+        const uint32_t green = dimmed(colour >> 8 & 0xFF);
+        colours[i] = red << 16 | green << 8 | dimmed(colour & 0xFF);
+    }
 }
 
 uint8_t video_get_palette_value(int entry, int component) { return cgpalette[entry][component]; }

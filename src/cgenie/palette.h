@@ -5,7 +5,10 @@
 #include <cstddef>
 #include <cstdint>
 
-constexpr int PALETTE_ENTRIES = 17; ///< sixteen colours and black
+/// Sixteen colours and black. Behind them stand the same dimmed, for every second line of the giant
+/// picture, while the interlaced line is set to dim.
+constexpr int PALETTE_ENTRIES = 17;
+constexpr uint32_t HIGHEST_DISPLAY_PARAMETER = 100;
 
 struct yuv_pixel {
     uint8_t y;
@@ -13,12 +16,16 @@ struct yuv_pixel {
     uint8_t pad;
 };
 
-/// Six fields; only the saturation (percent) enters the palette.
+/// The knobs of the television, each 0 to 100, and a field that is not used. Brightness, gamma and
+/// contrast leave the picture as it is at 50: brightness makes it darker or brighter as a whole,
+/// gamma its colours between black and white, contrast how far they stand from grey. The
+/// interlaced line is the light of every second line of the giant picture with double scan: all of
+/// it from 80 on, none at 0.
 struct display_parameters {
     uint32_t saturation, brightness, gamma, contrast, interlaced_line, reserved;
 };
 
-extern uint8_t cgpalette[256][3]; ///< red, green, blue; 16 beyond the used entries
+extern uint8_t cgpalette[256][3]; ///< red, green, blue; 16 in all of an entry that is not used
 extern yuv_pixel yuv_palette[256];
 extern uint32_t current_pal_index; ///< 0 Southern, 1 Northern
 extern display_parameters display_params;
@@ -33,6 +40,10 @@ uint32_t palette_get_saturation();
 uint32_t palette_get_default_saturation();
 /// Fills all six fields with the values at start.
 void palette_get_default_config(display_parameters* parameters);
+/// Whether every second line is dimmed, and the dimmed entries with it are used.
+bool palette_dims_lines();
+/// Dims `count` 00RRGGBB words as the dimmed entries are.
+void palette_dim(uint32_t* colours, size_t count);
 /// Component 0 red, 1 green, 2 blue of an entry.
 uint8_t video_get_palette_value(int entry, int component);
 

@@ -8,20 +8,33 @@
 #include <iterator>
 
 namespace {
-/// Writes one line of the frame: as it is, or as two lines of double width, of which the second
-/// may be all `black`. Returns the place of the next line.
+constexpr size_t WIDE_LINE = 2 * SCREEN_WIDTH;
+
+void blacken(uint8_t* indices) { std::fill_n(indices, WIDE_LINE, uint8_t(BLACK_INDEX)); }
+void blacken(uint32_t* colours) { std::fill_n(colours, WIDE_LINE, 0); }
+
+void dim(uint8_t* indices) {
+    for (size_t x = 0; x < WIDE_LINE; ++x) indices[x] = uint8_t(indices[x] + PALETTE_ENTRIES);
+}
+void dim(uint32_t* colours) { palette_dim(colours, WIDE_LINE); }
+
+/// Writes one line of the frame: as it is, or as two lines of double width, of which the second may
+/// be black or dimmed. Returns the place of the next line.
 template <typename Pixel>
-uint8_t* write_line(uint8_t* destination, const Pixel* line, bool doubled, bool black_odd_line,
-                    Pixel black) {
+uint8_t* write_line(uint8_t* destination, const Pixel* line, bool doubled, bool black_odd_line) {
     constexpr size_t LINE_BYTES = SCREEN_WIDTH * sizeof(Pixel);
     if (!doubled) {
         std::memcpy(destination, line, LINE_BYTES);
         return destination + LINE_BYTES;
     }
-    Pixel wide[2 * SCREEN_WIDTH];
+    Pixel wide[WIDE_LINE];
     for (int x = 0; x < SCREEN_WIDTH; ++x) wide[2 * x] = wide[2 * x + 1] = line[x];
     std::memcpy(destination, wide, sizeof wide);
-    if (black_odd_line) std::fill(std::begin(wide), std::end(wide), black);
+    if (black_odd_line) {
+        blacken(wide);
+    } else if (palette_dims_lines()) {
+        dim(wide);
+    }
     std::memcpy(destination + sizeof wide, wide, sizeof wide);
     return destination + 2 * sizeof wide;
 }
@@ -65,11 +78,10 @@ void video_resize_frame(uint8_t* destination, int, int width, int blur, int blac
     if (blur) filter_changed_lines();
     for (int y = 0; y < SCREEN_HEIGHT; ++y) {
         if (blur) {
-            destination =
-                write_line(destination, television.colours[y], doubled, black_odd, uint32_t(0));
+            destination = write_line(destination, television.colours[y], doubled, black_odd);
         } else {
-            destination = write_line(destination, frame_buffer + y * SCREEN_WIDTH, doubled,
-                                     black_odd, uint8_t(BLACK_INDEX));
+            destination =
+                write_line(destination, frame_buffer + y * SCREEN_WIDTH, doubled, black_odd);
         }
     }
 }

@@ -1,5 +1,6 @@
 #include "host/avi.h"
 
+#include "cgenie/palette.h"
 #include "core/frame_driver.h"
 #include "host/menu.h"
 #include "host/shell.h"
@@ -20,6 +21,7 @@ uint32_t s_dwSoundFrame = 0;
 namespace {
 
 constexpr uint32_t MESSAGE_INTERVAL = 100; ///< frames
+constexpr int PALETTE_BITS = 8;            ///< per pixel
 constexpr const char* SUBJECT = "Vesk's emulators";
 
 AviWriter pfOutput;
@@ -30,6 +32,7 @@ const uint16_t* AVISoundBuffer = nullptr; ///< none when no sound is recorded
 bitmap_header AVIBitmapHeader;
 std::vector<uint8_t> AVIPalette;
 std::vector<uint8_t> AVIFrameBuffer; ///< bottom row first
+bool film_has_dimmed_colours = false;
 
 /// Opens a file for writing without touching what is in it: the user may still cancel. Nothing for
 /// what cannot be written anywhere but at its end.
@@ -38,6 +41,16 @@ FileHandle open_for_rewriting(const std::string& path) {
     if (!file) file = open_file(path, "wb");
     if (file && std::fseek(file.get(), 0, SEEK_END) != 0) file.reset();
     return file;
+}
+
+/// A film keeps the colours that it began with. Lines dimmed since then stay bright in it, for want
+/// of their colours.
+void brighten_dimmed_lines() {
+    if (AVIBitmapHeader.bits != PALETTE_BITS) return;
+    if (film_has_dimmed_colours || !palette_dims_lines()) return;
+    for (uint8_t& index : AVIFrameBuffer) {
+        if (index >= PALETTE_ENTRIES) index = uint8_t(index - PALETTE_ENTRIES);
+    }
 }
 
 /// A capture that came to nothing leaves no empty file.
@@ -83,6 +96,7 @@ int Video_CreateBitmap() {
     AVIBitmapHeader.planes = canvas.header.planes;
     AVIBitmapHeader.bits = canvas.header.bits;
     AVIBitmapHeader.colours_used = canvas.header.bits <= 8 ? 1U << canvas.header.bits : 1;
+    film_has_dimmed_colours = palette_dims_lines();
     try {
         AVIPalette = canvas.palette;
         AVIFrameBuffer.assign(canvas.pixels.size(), 0);
@@ -158,6 +172,7 @@ void Video_ConvertBitmap() {
             std::copy_n(canvas.pixels.end() - (row + 1) * row_bytes, row_bytes,
                         AVIFrameBuffer.begin() + row * row_bytes);
         }
+        brighten_dimmed_lines();
     }
     Video_SaveFrame(AVIFrameBuffer.data(), uint32_t(AVIFrameBuffer.size()),
                     reinterpret_cast<const uint8_t*>(sound_get_buffer_ptr()), FRAGMENT_BYTES);

@@ -5,6 +5,7 @@
 #include "cgenie/joystick.h"
 #include "cgenie/keyboard.h"
 #include "cgenie/memory.h"
+#include "cgenie/palette.h"
 #include "cgenie/video.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"
@@ -35,6 +36,7 @@
 #include "sound/ym2149.h"
 #include "z80/z80.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <filesystem>
@@ -107,6 +109,23 @@ const std::array<FlagSetting, 4> input_and_view_settings = {{
     {"GiantScreen", &g_GiantScreen},
 }};
 
+/// The display parameters, none above 100.
+const std::array<NumberSetting, 5> display_settings = {{
+    {"Saturation", &display_params.saturation},
+    {"Brightness", &display_params.brightness},
+    {"Gamma", &display_params.gamma},
+    {"Contrast", &display_params.contrast},
+    {"InterlacedLine", &display_params.interlaced_line},
+}};
+
+void read_display_settings() {
+    palette_get_saturation(); // is unset until somebody asks
+    for (const auto& [name, number] : display_settings) {
+        GetValueDword(name, number);
+        *number = std::min(*number, HIGHEST_DISPLAY_PARAMETER);
+    }
+}
+
 /// The path as it is from wherever the next run starts.
 std::string lasting_path(const std::string& path) {
     std::error_code error;
@@ -137,6 +156,7 @@ void read_options(uint32_t& bit_depth) {
     GetValueDword("CustomRamStartupPattern", &pattern);
     memory_set_startup_pattern(pattern);
     for (const auto& [name, flag] : input_and_view_settings) read_flag(name, *flag);
+    read_display_settings();
     read_flag("EnablePrinter", printer_enabled);
 }
 
@@ -190,6 +210,7 @@ void write_settings() {
     SetValueDword("CompositeBlur", &g_CompositeBlur);
     for (const auto& [name, number] : configuration_settings) SetValueDword(name, number);
     for (const auto& [name, flag] : input_and_view_settings) write_flag(name, *flag);
+    for (const auto& [name, number] : display_settings) SetValueDword(name, number);
     write_flag("EnablePrinter", printer_enabled);
     write_flag("SaveVideoRamWithScreenShots", save_video_ram_w_screenshot);
     const uint32_t pattern = memory_get_startup_pattern();

@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr uint32_t HIGHEST = 100;
+constexpr uint32_t HIGHEST = HIGHEST_DISPLAY_PARAMETER;
 constexpr int PAGE = 7;
 constexpr int DIGITS = 3;
 

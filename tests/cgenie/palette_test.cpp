@@ -60,6 +60,44 @@ TEST(Palette, EntriesFollowFromPhaseAndLevel) {
     }
 }
 
+/// Red of an entry, all knobs neutral but the one given.
+int adjusted_red(uint32_t display_parameters::*knob, uint32_t value, int entry) {
+    palette_get_default_config(&display_params);
+    display_params.*knob = value;
+    calculate_palette(0);
+    return video_get_palette_value(entry, 0);
+}
+
+TEST(Palette, KnobsOfTheTelevision) {
+    using P = display_parameters;
+    // White of luminance 233.75, dark grey of 37.4, black of 5: all without chroma.
+    const struct {
+        uint32_t P::*knob;
+        uint32_t value;
+        int white, grey, black;
+    } cases[] = {{&P::brightness, 50, 234, 37, 5},    {&P::brightness, 60, 255, 63, 31},
+                 {&P::brightness, 0, 106, 0, 0},      {&P::contrast, 0, 128, 128, 128},
+                 {&P::contrast, 25, 181, 82, 66},     {&P::contrast, 100, 255, 0, 0},
+                 {&P::gamma, 0, 214, 5, 0},           {&P::gamma, 100, 244, 98, 36},
+                 {&P::interlaced_line, 0, 234, 37, 5}};
+    for (const auto& c : cases) {
+        SCOPED_TRACE(testing::Message() << &c - cases);
+        EXPECT_EQ(adjusted_red(c.knob, c.value, 0), c.white);
+        EXPECT_EQ(adjusted_red(c.knob, c.value, 15), c.grey);
+        EXPECT_EQ(adjusted_red(c.knob, c.value, 16), c.black);
+        EXPECT_EQ(yuv_palette[15].y, c.grey) << "the filter sees the same";
+    }
+    for (const uint32_t v : {0u, 20u, 79u, 80u, 100u}) {
+        for (int i = 0; i < PALETTE_ENTRIES; ++i) {
+            const int red = adjusted_red(&P::interlaced_line, v, i);
+            EXPECT_EQ(cgpalette[17 + i][0], v < 80 ? red * int(v) / 80 : 16) << v << " " << i;
+        }
+        EXPECT_EQ(cgpalette[34][0], 16);
+    }
+    palette_get_default_config(&display_params);
+    calculate_palette(0);
+}
+
 TEST(CompositeFilter, WholePictureFollowsTheFormula) {
     constexpr int WIDTH = 32, HEIGHT = 40, STRIDE = 35;
     calculate_palette(0);

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <random>
 #include <string>
@@ -28,6 +29,19 @@ std::vector<uint32_t> composite_picture() {
     return colours;
 }
 
+/// A pixel of a second line, as bright as the interlaced line of this moment.
+uint8_t dimmed(uint8_t index) {
+    return uint8_t(index + (display_params.interlaced_line < 80) * 17);
+}
+uint32_t dimmed(uint32_t colour) {
+    uint32_t result = 0;
+    for (const int shift : {16, 8, 0}) {
+        const uint32_t part = colour >> shift & 0xFF;
+        result |= part * std::min(display_params.interlaced_line, 80u) / 80 << shift;
+    }
+    return result;
+}
+
 /// Checks one form of the output against the pixel of the frame that each of its pixels shows.
 template <typename Pixel>
 void expect_scaled(const std::vector<Pixel>& source, int width, bool black_odd, Pixel black) {
@@ -39,7 +53,7 @@ void expect_scaled(const std::vector<Pixel>& source, int width, bool black_odd, 
     for (size_t i = 0; i < count; ++i) {
         const size_t x = i % size_t(width), y = i / size_t(width);
         Pixel expected = source[y / scale * SCREEN_WIDTH + x / scale];
-        if (scale == 2 && black_odd && y % 2 == 1) expected = black;
+        if (scale == 2 && y % 2 == 1) expected = black_odd ? black : dimmed(expected);
         Pixel pixel;
         std::memcpy(&pixel, &canvas[i * sizeof pixel], sizeof pixel);
         wrong += pixel != expected;
@@ -55,12 +69,16 @@ TEST(VideoOutput, ScalesTheFrame) {
     draw_noise();
     const std::vector<uint8_t> plain(frame_buffer, frame_buffer + SCREEN_WIDTH * SCREEN_HEIGHT);
     const std::vector<uint32_t> blurred = composite_picture();
-    for (const bool black_odd : {false, true}) {
-        for (const int width : {384, 768}) {
+    for (const uint32_t light : {80u, 100u, 33u, 0u}) {
+        display_params.interlaced_line = light;
+        for (const int form : {0, 1, 2, 3}) {
+            const bool black_odd = form & 1;
+            const int width = form & 2 ? 768 : 384;
             expect_scaled<uint8_t>(plain, width, black_odd, 16);
             expect_scaled<uint32_t>(blurred, width, black_odd, 0);
         }
     }
+    palette_get_default_config(&display_params);
 }
 
 TEST(VideoOutput, FiltersWhateverHasChanged) {

@@ -54,6 +54,11 @@ constexpr struct {
                 {"VideoPage", 0},
                 {"KeyMapping", 0},
                 {"GiantScreen", 0},
+                {"Saturation", 75},
+                {"Brightness", 50},
+                {"Gamma", 50},
+                {"Contrast", 50},
+                {"InterlacedLine", 80},
                 {"EnablePrinter", 0},
                 {"SaveVideoRamWithScreenShots", 0},
                 {"CycleBasedEmulation", 0}};
@@ -119,6 +124,7 @@ TEST_F(ShellTest, BadValuesAreCorrected) {
     store_number("CustomScreenFreq", 151);
     store_number("CustomPalette", 7);
     store_number("CustomCpuClockFreq", 49'999);
+    store_number("Contrast", 0xFFFFFFFF);
     start();
     EXPECT_EQ(stored("CompositeBlur"), 0U) << "at once";
     EXPECT_EQ(active_machine_cfg, 0U);
@@ -128,6 +134,7 @@ TEST_F(ShellTest, BadValuesAreCorrected) {
     EXPECT_EQ(stored("CustomScreenFreq"), 50U);
     EXPECT_EQ(stored("CustomPalette"), 1U);
     EXPECT_EQ(stored("CustomCpuClockFreq"), 2'216'750U);
+    EXPECT_EQ(stored("Contrast"), 100U);
 }
 
 TEST_F(ShellTest, StoredOptionsReachTheProgram) {

@@ -73,18 +73,22 @@ TEST_F(VideoSetupDialogTest, EveryActChangesParametersControlsAndPicture) {
         {"edit", [](Form& f) { f.type(EDITS[1], "7"); }, {20, 7, 50, 50, 80}},
         {"gamma", [](Form& f) { f.choose(SLIDERS[2], 33); }, {20, 7, 33, 50, 80}},
         {"contrast", [](Form& f) { f.choose(SLIDERS[3], 100); }, {20, 7, 33, 100, 80}},
+        {"interlaced", [](Form& f) { f.choose(SLIDERS[4], 20); }, {20, 7, 33, 100, 20}},
         {"above the range", [](Form& f) { f.type(EDITS[4], "150"); }, {20, 7, 33, 100, 100}},
         {"default", [](Form& f) { f.press(DEFAULT); }, DEFAULTS},
         {"four digits", [](Form& f) { f.type(EDITS[3], "0123"); }, {75, 50, 50, 12, 80}},
     };
     for (const auto& step : steps) {
+        const auto picture = canvas.palette;
         step.user(form);
         EXPECT_EQ(values(), step.values) << step.name;
+        EXPECT_NE(canvas.palette, picture) << step.name;
         if (step.values[3] != 12) {
             EXPECT_EQ(shown(form), step.values) << step.name;
         }
         EXPECT_TRUE(form.is_open()) << step.name;
     }
+    form.press(DEFAULT);
     form.type(SATURATION_EDIT, ""); // on the way to another number
     EXPECT_EQ(values()[0] + uint32_t(form.value(SATURATION)), 0U);
     EXPECT_EQ(form.text(SATURATION_EDIT), "");
