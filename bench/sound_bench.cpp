@@ -24,6 +24,7 @@ constexpr sound_driver_table driver = {
     [] {},   unknown_position};
 
 void power_on() {
+    ym2149_clean = false;
     z80_init(CLOCK);
     ym2149_init(CLOCK);
     beeper_init();
@@ -31,12 +32,16 @@ void power_on() {
     sound_init();
 }
 
-/// Three tones with noise, one at a fixed volume and two under a fast triangle.
-void all_busy() {
+void power_on_with(const std::array<uint8_t, 14>& values) {
     power_on();
-    constexpr uint8_t values[] = {0x1C, 1, 0x7B, 0, 9, 0, 3, 0, 0x1F, 0x10, 0x1F, 200, 0, 0x0E};
-    for (uint32_t reg = 0; reg < sizeof values; ++reg) ym2149_write_register(reg, values[reg]);
+    for (uint32_t reg = 0; reg < values.size(); ++reg) ym2149_write_register(reg, values[reg]);
 }
+
+/// Three tones with noise under a fast triangle.
+void all_busy() { power_on_with({0x1C, 1, 0x7B, 0, 9, 0, 3, 0, 0x1F, 0x10, 0x1F, 200, 0, 0x0E}); }
+
+/// The most changes in a second: every generator as fast as it is heard.
+void all_fastest() { power_on_with({6, 0, 6, 0, 6, 0, 0, 0, 0x10, 0x10, 0x10, 0, 0, 0x0E}); }
 
 void one_voice() {
     power_on();
@@ -57,6 +62,12 @@ BENCHMARK_CAPTURE(one_second_of_samples, busy, all_busy)->Unit(benchmark::kMicro
 BENCHMARK_CAPTURE(one_second_of_samples, one_voice, one_voice)->Unit(benchmark::kMicrosecond);
 BENCHMARK_CAPTURE(one_second_of_samples, silent, power_on)->Unit(benchmark::kMicrosecond);
 
+template <void (*play)()>
+void clean() {
+    play();
+    ym2149_clean = true;
+}
+
 void one_second_through_the_core(benchmark::State& state, void (*play)()) {
     play();
     for (auto _ : state) {
@@ -66,10 +77,16 @@ void one_second_through_the_core(benchmark::State& state, void (*play)()) {
 BENCHMARK_CAPTURE(one_second_through_the_core, busy, all_busy)->Unit(benchmark::kMicrosecond);
 BENCHMARK_CAPTURE(one_second_through_the_core, one_voice, one_voice)->Unit(benchmark::kMicrosecond);
 BENCHMARK_CAPTURE(one_second_through_the_core, silent, power_on)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(one_second_through_the_core, clean_busy, clean<all_busy>)
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(one_second_through_the_core, clean_fastest, clean<all_fastest>)
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(one_second_through_the_core, clean_silent, clean<power_on>)
+    ->Unit(benchmark::kMicrosecond);
 
 /// A register written every 50 T-states.
-void one_second_of_digital_samples(benchmark::State& state) {
-    all_busy();
+void one_second_of_digital_samples(benchmark::State& state, void (*play)()) {
+    play();
     for (auto _ : state) {
         for (const int64_t end = z80_state.t_count + CLOCK; z80_state.t_count < end;
              z80_state.t_count += 50) {
@@ -77,7 +94,9 @@ void one_second_of_digital_samples(benchmark::State& state) {
         }
     }
 }
-BENCHMARK(one_second_of_digital_samples)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(one_second_of_digital_samples, busy, all_busy)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(one_second_of_digital_samples, clean_busy, clean<all_busy>)
+    ->Unit(benchmark::kMicrosecond);
 
 void update_with_nothing_to_do(benchmark::State& state) {
     power_on();

@@ -46,6 +46,8 @@ ROWS = [
     ("presentation, giant", "present", "present/giant", FRAME),
     ("presentation, giant with TV blur", "present", "present/giant_blur", FRAME),
     ("sound, all voices busy: a second", "sound", "one_second_through_the_core/busy", SECOND),
+    ("sound, all voices busy, clean: a second", "sound", "one_second_through_the_core/clean_busy",
+     SECOND),
     ("sound, silence: a second", "sound", "one_second_through_the_core/silent", SECOND),
     ("GIF screenshot", "machine", "gif_of_example", FRAME),
 ]

@@ -6,13 +6,23 @@
 /// register shifts every 8 x period; one envelope ramp of 31 steps lasts 256 x period.
 ///
 /// The chip is rendered at 48000 samples a second without filtering: a tone toggles at most once a
-/// sample, a generator is heard in the state it has at the sample. Both are inaudible at the
-/// pitches that music uses. Levels are unsigned; the sound core removes the offset.
+/// sample, and a generator is heard in the state it has at the sample. What the tones have above
+/// 24 kHz is folded into the range that is heard: an energy of -21 dB of the tone at 440 Hz, and
+/// of -7 dB at 8.7 kHz. Levels are unsigned; the sound core removes the offset.
+///
+/// Clean sound renders the same generators with band-limited steps, and leaves no more of it than
+/// the rounding of a sample does. Pitches, levels and the state of the generators are the same, and
+/// one can take over from the other at any time; every change is heard 15.5 samples later, a third
+/// of a millisecond. A tone above 24 kHz is then a constant half of its level, and noise loses what
+/// was folded: the shorter its period, the softer it is.
 ///
 /// Registers keep what was written; a read masks the bits that the chip does not have. Registers
 /// 14 and 15 are the two ports; bits 6 and 7 of register 7 make them outputs.
 
 #include <cstdint>
+
+/// Clean sound, from the next sample on.
+extern bool ym2149_clean;
 
 /// Sets the chip's clock in Hz and resets it; disconnects the port A input. From the first call on
 /// the chip is one of the sound core's sources.
@@ -40,5 +50,5 @@ uint8_t ym2149_peek_reg(uint32_t reg);
 void ym2149_set_port_write_callback(uint32_t port, void (*callback)(uint8_t value));
 void ym2149_set_port_read_callback(uint32_t port, uint8_t (*callback)());
 
-/// Renders the next `count` samples, 0 to 24573.
+/// Renders the next `count` samples, 0 to 24573; with clean sound they overshoot, and are signed.
 void ym2149_calc_output(uint16_t* buffer, uint32_t count);

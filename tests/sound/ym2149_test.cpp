@@ -6,6 +6,9 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <complex>
+#include <numeric>
+#include <random>
 
 namespace {
 constexpr uint32_t CLOCK = 2216750;
@@ -18,6 +21,7 @@ constexpr uint32_t LEVELS[32] = {0,     0,     190,   286,   375,   470,   560, 
                                  4844,  6058,  7290,  8559,  10474, 12878, 15297, 17787,
                                  21500, 26172, 30866, 35676, 42664, 50986, 58842, 65535};
 constexpr uint16_t FULL = 7355; // 58842 / 8
+constexpr double TWO_PI = 6.283185307179586;
 
 class Ym2149 : public testing::Test {
 protected:
@@ -40,11 +44,20 @@ protected:
         for (size_t i = 1; i < stream.size(); ++i) count += stream[i] != stream[i - 1];
         return count;
     }
+    /// No reset does it: runs to the only 16 steps of silence in a row.
+    static void start_noise_anew() {
+        power_on(192000);
+        write({{6, 0}, {7, 0x37}, {8, 15}});
+        for (uint32_t silent = 0; silent < 16;) silent = samples(1)[0] ? 0 : silent + 1;
+    }
     static uint8_t read(uint8_t reg) {
         ym2149_register_select(reg);
         return ym2149_read();
     }
-    void TearDown() override { power_on(CLOCK); }
+    void TearDown() override {
+        ym2149_clean = false;
+        power_on(CLOCK);
+    }
 };
 
 TEST_F(Ym2149, TonePitchIsClockOver16Periods) {
@@ -240,5 +253,92 @@ TEST_F(Ym2149, WriteTakesEffectAtItsSample) {
                 << "cycle " << offset << ", sample " << i;
         }
     }
+}
+
+TEST_F(Ym2149, CleanSoundHasTheHarmonicsOnlyAndTheSameLoudness) {
+    for (const auto& [period, before] : {std::pair(315U, -20.0), {16U, -7.0}}) {
+        const uint32_t length = 256 * period; // 739 cycles of 1478 / 48000 x 16 clocks each
+        double loudness[2];
+        for (const bool clean : {false, true}) {
+            power_on(CLOCK);
+            ym2149_clean = clean;
+            write({{0, period & 0xFF}, {1, period >> 8}, {7, 0x3E}, {8, 15}});
+            samples(100);
+            std::vector<double> rest;
+            for (const uint16_t sample : samples(length)) rest.push_back(int16_t(sample));
+            const auto energy = [&] {
+                return std::inner_product(rest.begin(), rest.end(), rest.begin(), 0.0);
+            };
+            for (double& sample : rest) sample -= FULL / 2.0;
+            const double whole = energy();
+            for (uint32_t line = 0; line < length / 2; line += 739) {
+                std::complex<double> sum = 0;
+                const auto turn = [&](size_t i) {
+                    return std::polar(1.0, TWO_PI / length * double(i * line % length));
+                };
+                for (size_t i = 0; i < length; ++i) sum += rest[i] * std::conj(turn(i));
+                sum *= (line ? 2.0 : 1.0) / length;
+                for (size_t i = 0; i < length; ++i) rest[i] -= std::real(sum * turn(i));
+                if (line == 739) loudness[clean] = std::abs(sum);
+            }
+            EXPECT_LT(10 * std::log10(energy() / whole), clean ? -75 : before) << period;
+        }
+        EXPECT_NEAR(loudness[1], loudness[0], 0.001 * loudness[0]) << period;
+    }
+}
+
+/// Tones, noise and envelope as the chip has them sampled 16 times as often, below 8 kHz. All
+/// periods, and the 31 parts of the ramp, are whole numbers of those samples.
+TEST_F(Ym2149, CleanSoundIsTheChipBetweenTheSamples) {
+    constexpr uint32_t FINE_CLOCK = 1536000; ///< 1024 units of the counters in a sample
+    constexpr uint32_t LENGTH = 3000;
+    /// The level at `time` through a low-pass; sample n was at n x distance + first.
+    const auto low_pass = [](const std::vector<uint16_t>& stream, double distance, double first,
+                             double time) {
+        double sum = 0;
+        for (size_t n = 0; n < stream.size(); ++n) {
+            const double x = TWO_PI * (double(n) * distance + first - time) / 6 + 1e-9;
+            if (std::abs(x) >= 8 * TWO_PI) continue;
+            sum += int16_t(stream[n]) * std::sin(x) / x * std::pow(std::cos(x / 32), 4);
+        }
+        return sum * distance / 3;
+    };
+    const std::pair<uint32_t, uint32_t> chip[] = {{0, 7},  {2, 41},   {4, 3},    {5, 1},
+                                                  {6, 5},  {7, 0x0A}, {8, 16},   {9, 15},
+                                                  {10, 9}, {11, 31},  {13, 0x0A}};
+    std::vector<uint16_t> streams[2];
+    for (const bool clean : {false, true}) {
+        start_noise_anew();
+        power_on(FINE_CLOCK);
+        if (!clean) ym2149_set_clock(FINE_CLOCK, 16 * SOUND_RATE);
+        ym2149_clean = clean;
+        for (const auto& [reg, value] : chip) write({{reg, value}});
+        streams[clean] = samples(clean ? LENGTH : 16 * LENGTH);
+    }
+    for (double time = 100; time < LENGTH - 100; time += 7.3) {
+        EXPECT_NEAR(low_pass(streams[1], 1, 1 - 15.5, time),
+                    low_pass(streams[0], 1 / 16.0, 1.5 / 16, time), 2)
+            << time;
+    }
+}
+
+TEST_F(Ym2149, CleanSoundLeavesTheGeneratorsAsTheyWouldBe) {
+    std::vector<uint16_t> streams[2];
+    for (const bool clean : {false, true}) {
+        start_noise_anew();
+        std::mt19937 random(1);
+        for (const uint32_t clock : {CLOCK, SLOW_CLOCK, 8388607U, 50000U}) {
+            power_on(clock);
+            for (int n = 0; n < 3000; ++n) {
+                write({{random() % 14, random() & (n & 1 ? 0xFF : 0x0F)}});
+                ym2149_clean = clean && n % 3;
+                const auto stream = samples(random() % (n % 7 ? 40 : 2000));
+                if (n % 3 == 0)
+                    streams[clean].insert(streams[clean].end(), stream.begin(), stream.end());
+            }
+        }
+        ym2149_clean = false;
+    }
+    EXPECT_EQ(streams[0], streams[1]);
 }
 } // namespace
