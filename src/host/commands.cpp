@@ -309,6 +309,7 @@ constexpr auto commands = std::to_array<CommandEntry>({
     {COMMAND_LOAD_BAS, [] { with_file(DIALOG_LOAD_BAS, main_load_bas_file); }},
     {COMMAND_SCREENSHOT, host_save_screenshot},
     {COMMAND_SOUND, toggle_sound},
+    {COMMAND_CLEAN_SOUND, [] { toggle(ym2149_clean, COMMAND_CLEAN_SOUND); }},
     {COMMAND_CREATE_WAV, [] { with_file(DIALOG_CREATE_WAV, create_wav); }},
     {COMMAND_CLOSE_WAV, close_wav},
     {COMMAND_PLAY_RECORD, play_or_record},

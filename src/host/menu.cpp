@@ -78,6 +78,7 @@ MenuEntry tape_menu() {
 MenuEntry options_menu() {
     return submenu("&Options", {checked_item(COMMAND_50HZ_TIMER, "&50 Hz timer\tAlt+F3"),
                                 checked_item(COMMAND_SOUND, "&Sound"),
+                                item(COMMAND_CLEAN_SOUND, "&Clean sound"),
                                 item(COMMAND_SYMBOLIC_KEYS, "&Symbolic keymapping"),
                                 item(COMMAND_PRINTER, "&Enable printer (no joypad)"), SEPARATOR,
                                 checked_item(COMMAND_DOUBLE_SCAN, "&Double scan"),

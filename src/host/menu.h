@@ -57,7 +57,8 @@ enum Command : int {
     COMMAND_ADJUST_HEAD = 40121,
     COMMAND_BACKGROUND = 40122,
     COMMAND_SAVE_VIDEO_RAM = 40123,
-    COMMAND_MESSAGES = 40130
+    COMMAND_MESSAGES = 40130,
+    COMMAND_CLEAN_SOUND = 40131
 };
 
 /// The menu as the program starts with it.

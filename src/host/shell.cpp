@@ -102,11 +102,12 @@ const std::array<NumberSetting, 8> configuration_settings = {{
 constexpr size_t PALETTE_SETTING = 7; ///< read later than the others
 
 /// The options read before the disks, and written together at the end.
-const std::array<FlagSetting, 4> input_and_view_settings = {{
+const std::array<FlagSetting, 5> options_read_early = {{
     {"VideoCut", &video_cut},
     {"VideoPage", &video_page},
     {"KeyMapping", &g_KeyMapping},
     {"GiantScreen", &g_GiantScreen},
+    {"CleanSound", &ym2149_clean},
 }};
 
 /// The display parameters, none above 100.
@@ -155,8 +156,8 @@ void read_options(uint32_t& bit_depth) {
     uint32_t pattern = 0;
     GetValueDword("CustomRamStartupPattern", &pattern);
     memory_set_startup_pattern(pattern);
-    for (const auto& [name, flag] : input_and_view_settings) read_flag(name, *flag);
     read_display_settings();
+    for (const auto& [name, flag] : options_read_early) read_flag(name, *flag);
     read_flag("EnablePrinter", printer_enabled);
 }
 
@@ -182,6 +183,7 @@ void correct_options(uint32_t bit_depth) {
 
 void set_check_marks() {
     check_menu_item(COMMAND_SOUND, g_bSound);
+    check_menu_item(COMMAND_CLEAN_SOUND, ym2149_clean);
     check_menu_item(COMMAND_DOUBLE_SCAN, g_bDblScan);
     check_menu_item(COMMAND_1BIT_DISPLAY, g_1bitDisplay);
     check_menu_item(COMMAND_TV_BLUR, g_CompositeBlur != 0);
@@ -209,8 +211,8 @@ void write_settings() {
     write_flag("RunInBackground", g_bRunInBackground);
     SetValueDword("CompositeBlur", &g_CompositeBlur);
     for (const auto& [name, number] : configuration_settings) SetValueDword(name, number);
-    for (const auto& [name, flag] : input_and_view_settings) write_flag(name, *flag);
     for (const auto& [name, number] : display_settings) SetValueDword(name, number);
+    for (const auto& [name, flag] : options_read_early) write_flag(name, *flag);
     write_flag("EnablePrinter", printer_enabled);
     write_flag("SaveVideoRamWithScreenShots", save_video_ram_w_screenshot);
     const uint32_t pattern = memory_get_startup_pattern();

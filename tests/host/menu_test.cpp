@@ -78,6 +78,7 @@ constexpr const char* MENU = R"(0 &File
 0 &Options
   106* &50 Hz timer|Alt+F3
   118* &Sound
+  40131 &Clean sound
   40057 &Symbolic keymapping
   40060 &Enable printer (no joypad)
   0 

@@ -61,7 +61,8 @@ constexpr struct {
                 {"InterlacedLine", 80},
                 {"EnablePrinter", 0},
                 {"SaveVideoRamWithScreenShots", 0},
-                {"CycleBasedEmulation", 0}};
+                {"CycleBasedEmulation", 0},
+                {"CleanSound", 0}};
 
 TEST_F(ShellTest, FirstStartStoresTheDefaultsAndTheExitTheDisks) {
     start();
@@ -139,7 +140,7 @@ TEST_F(ShellTest, BadValuesAreCorrected) {
 
 TEST_F(ShellTest, StoredOptionsReachTheProgram) {
     for (const char* name : {"GiantScreen", "KeyMapping", "EnablePrinter", "RunInBackground",
-                             "SaveVideoRamWithScreenShots", "VideoPage"}) {
+                             "SaveVideoRamWithScreenShots", "VideoPage", "CleanSound"}) {
         store_number(name, 1);
     }
     store_number("DoubleScan", 0);
@@ -153,7 +154,8 @@ TEST_F(ShellTest, StoredOptionsReachTheProgram) {
         {COMMAND_SOUND, true},      {COMMAND_DOUBLE_SCAN, false},  {COMMAND_TV_BLUR, true},
         {COMMAND_LOWE_OFF, true},   {COMMAND_LOWE_ON, false},      {COMMAND_50HZ_TIMER, true},
         {COMMAND_VIDEO_PAGE, true}, {COMMAND_SYMBOLIC_KEYS, true}, {COMMAND_GIANT_SCREEN, true},
-        {COMMAND_PRINTER, true},    {COMMAND_BACKGROUND, true},    {COMMAND_SAVE_VIDEO_RAM, true}};
+        {COMMAND_PRINTER, true},    {COMMAND_BACKGROUND, true},    {COMMAND_SAVE_VIDEO_RAM, true},
+        {COMMAND_CLEAN_SOUND, true}};
     for (const auto& [item, checked] : marks) {
         EXPECT_EQ(is_menu_item_checked(item), checked) << item;
     }
