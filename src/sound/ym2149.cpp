@@ -272,7 +272,8 @@ struct clean_block {
     uint32_t count = 0;
     int32_t sample = 0; ///< length of a sample
     int32_t end = 0;
-    uint32_t tones = 0; ///< bit n: channel n is open as far as its tone goes
+    uint32_t tones = 0;  ///< bit n: channel n is open as far as its tone goes,
+    uint32_t halves = 0; ///< and by half, since the tone is too fast to be heard
     std::array<int32_t, CHANNELS> tone_due = {NEVER, NEVER, NEVER};
     std::array<int32_t, CHANNELS> tone_period = {}; ///< of a settled tone that is heard, else 0
     uint32_t unsettled_tones = 0;
@@ -293,9 +294,10 @@ void sum_levels(clean_block& block) {
         const tone_channel& channel = ay.channel[number];
         const uint32_t height =
             channel.envelope_mode ? block.envelope : amplitude[2 * channel.volume];
+        const uint32_t shift = MIX_SHIFT + (block.halves >> number & 1);
         const uint32_t bit = 1U << number;
         for (uint32_t set = bit; set < 2 * bit; ++set) {
-            block.sums[set] = block.sums[set - bit] + int32_t(height >> MIX_SHIFT);
+            block.sums[set] = block.sums[set - bit] + int32_t(height >> shift);
         }
     }
 }
@@ -319,8 +321,10 @@ void follow_tone(clean_block& block, uint32_t number, int32_t from) {
 void start_tone(clean_block& block, uint32_t number) {
     tone_channel& channel = ay.channel[number];
     const uint32_t tone_off = ay.mixer >> number & 1;
-    block.tones |= (channel.output | tone_off) << number;
-    if (tone_off || !is_heard(channel)) return skip_tone(channel, block.count);
+    const uint32_t too_fast = channel.period <= cycles_per_sample && !tone_off;
+    block.tones |= (channel.output | tone_off | too_fast) << number;
+    block.halves |= too_fast << number;
+    if (tone_off || too_fast || !is_heard(channel)) return skip_tone(channel, block.count);
     follow_tone(block, number, 0);
 }
 

@@ -303,16 +303,14 @@ TEST_F(Ym2149, CleanSoundIsTheChipBetweenTheSamples) {
         }
         return sum * distance / 3;
     };
-    const std::pair<uint32_t, uint32_t> chip[] = {{0, 7},  {2, 41},   {4, 3},    {5, 1},
-                                                  {6, 5},  {7, 0x0A}, {8, 16},   {9, 15},
-                                                  {10, 9}, {11, 31},  {13, 0x0A}};
     std::vector<uint16_t> streams[2];
     for (const bool clean : {false, true}) {
         start_noise_anew();
         power_on(FINE_CLOCK);
         if (!clean) ym2149_set_clock(FINE_CLOCK, 16 * SOUND_RATE);
         ym2149_clean = clean;
-        for (const auto& [reg, value] : chip) write({{reg, value}});
+        write({{0, 7}, {2, 1}, {4, 3}, {5, 1}, {6, 5}, {7, 0x18}, {8, 16}, {9, 15}, {10, 9}});
+        write({{11, 31}, {13, 0x0A}}); // channel B has a tone that toggles four times a sample
         streams[clean] = samples(clean ? LENGTH : 16 * LENGTH);
     }
     for (double time = 100; time < LENGTH - 100; time += 7.3) {
@@ -333,8 +331,8 @@ TEST_F(Ym2149, CleanSoundLeavesTheGeneratorsAsTheyWouldBe) {
                 write({{random() % 14, random() & (n & 1 ? 0xFF : 0x0F)}});
                 ym2149_clean = clean && n % 3;
                 const auto stream = samples(random() % (n % 7 ? 40 : 2000));
-                if (n % 3 == 0)
-                    streams[clean].insert(streams[clean].end(), stream.begin(), stream.end());
+                if (n % 3) continue;
+                streams[clean].insert(streams[clean].end(), stream.begin(), stream.end());
             }
         }
         ym2149_clean = false;
