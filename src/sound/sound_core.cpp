@@ -24,10 +24,10 @@ constexpr int32_t LONGEST_LEAD = 6;
 int accept_init() { return 0; }
 int accept_samples(const uint16_t*, uint32_t, uint32_t) { return 0; }
 void do_nothing() {}
-int32_t stay_at_start() { return 0; }
+int32_t unknown_position() { return POSITION_UNKNOWN; }
 
 constexpr sound_driver_table null_driver = {"No sound", accept_init, do_nothing, accept_samples,
-                                            do_nothing, do_nothing,  do_nothing, stay_at_start};
+                                            do_nothing, do_nothing,  do_nothing, unknown_position};
 
 const sound_driver_table* sound_driver = &null_driver;
 sound_source* snd_src_root = nullptr;

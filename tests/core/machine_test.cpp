@@ -42,6 +42,8 @@ protected:
 
     /// Steps of a tone with period 254 in a second; the chip's clock is eight times as fast.
     static int tone_steps() {
+        sound_update(z80_state.t_count);
+        ym2149_reset(); // from no fraction of an earlier tone
         for (const auto& [reg, value] : {std::pair{0, 254}, {1, 0}, {7, 0x3E}, {8, 15}}) {
             ym2149_write_register(uint32_t(reg), uint8_t(value));
         }
