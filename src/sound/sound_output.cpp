@@ -12,9 +12,11 @@ namespace {
 
 constexpr int LOCK_FAILED = 1; ///< results of a write
 constexpr int UNLOCK_FAILED = 2;
+constexpr int RETRY_INTERVAL = SOUND_RATE / FRAGMENT_SAMPLES; ///< fragments, one second
 
 bool device_exists = false;
 bool registered = false;
+int lost_fragments = 0; ///< since the device was there, or was tried again
 
 int32_t unknown_position() {
     std::fputs("Warning: DSound secondary buffer is null.\n", stderr);
@@ -45,6 +47,14 @@ const sound_driver_table dsound_driver = {
 void forget_earlier_output() {
     if (registered) sound_null_driver_init();
     dsound_close();
+}
+
+int lose_fragment(Audio& audio) {
+    if (++lost_fragments >= RETRY_INTERVAL) {
+        lost_fragments = 0;
+        audio.restore();
+    }
+    return LOCK_FAILED;
 }
 
 } // namespace
@@ -79,7 +89,8 @@ int dsound_write(const uint16_t* samples, uint32_t offset, uint32_t bytes) {
     if (!audio.has_ring()) return 0;
     std::span<uint8_t> first;
     std::span<uint8_t> second;
-    if (!audio.lock(offset, bytes, first, second)) return LOCK_FAILED;
+    if (!audio.lock(offset, bytes, first, second)) return lose_fragment(audio);
+    lost_fragments = 0;
     const auto* data = reinterpret_cast<const uint8_t*>(samples);
     std::copy_n(data, first.size(), first.begin());
     std::copy_n(data + first.size(), second.size(), second.begin());

@@ -4,7 +4,7 @@
 ///
 /// A fragment is copied into the ring where the core says; the device reads on by itself. A ring
 /// that could not be made, or whose device is lost, takes nothing, and the machine goes on
-/// silently.
+/// silently. A lost device is tried again after every second of sound that it has not taken.
 
 #include <cstdint>
 

@@ -130,6 +130,11 @@ TEST_F(SoundOutputTest, LostDeviceComesBackWithAReset) {
     EXPECT_NE(dsound_write(ramp().data(), 0, FRAGMENT_BYTES), 0);
     EXPECT_EQ(dsound_get_current_position(), -1);
     EXPECT_EQ(at(0), 0);
+    for (int n = 2; n < 50; ++n) dsound_write(ramp().data(), 0, FRAGMENT_BYTES);
+    EXPECT_EQ(audio().restores, 0) << "a second is 50 fragments";
+    dsound_write(ramp().data(), 0, FRAGMENT_BYTES);
+    EXPECT_EQ(dsound_write(ramp().data(), 0, FRAGMENT_BYTES), 0) << "by itself";
+    audio().lost = true;
     sound_reset();
     EXPECT_EQ(dsound_write(ramp().data(), 0, FRAGMENT_BYTES), 0);
     EXPECT_EQ(at(0), 1);
