@@ -5,10 +5,18 @@
 
 namespace {
 
-struct Uncompressed final : VideoCodec {
+/// Players take the fourth byte of a pixel, which the canvas leaves at 0, for its opacity.
+class Uncompressed final : public VideoCodec {
+public:
     std::optional<encoded_frame> encode(std::span<const uint8_t> picture) override {
-        return encoded_frame{picture, true};
+        if (format.header.bits != 32) return encoded_frame{picture, true};
+        opaque_.assign(picture.begin(), picture.end());
+        for (size_t n = 3; n < opaque_.size(); n += 4) opaque_[n] = 0xFF;
+        return encoded_frame{opaque_, true};
     }
+
+private:
+    std::vector<uint8_t> opaque_;
 };
 
 constexpr uint32_t RUN_LENGTHS_8_BITS = 1; ///< `compression` of the bitmap header
