@@ -156,11 +156,16 @@ void choose_lowe_board(bool on) {
 
 // ---- sound -------------------------------------------------------------------------------------
 
+void end_sound_recording() {
+    sound_close_wav();
+    check_menu_item(COMMAND_SAVE_WAV, false);
+}
+
 void toggle_sound() {
     toggle(g_bSound, COMMAND_SOUND);
     if (!g_bSound || !g_Timer) {
-        sound_null_driver_init();
-        return sound_close();
+        end_sound_recording();
+        return sound_null_driver_init(); // the filter stays: a new recording may follow
     }
     dsound_init(SOUND_RATE);
     sound_init();
@@ -170,8 +175,7 @@ void save_to_wav() {
     if (!is_menu_item_checked(COMMAND_SAVE_WAV)) {
         return with_file(DIALOG_SAVE_WAV, start_sound_recording);
     }
-    sound_close_wav();
-    check_menu_item(COMMAND_SAVE_WAV, false);
+    end_sound_recording();
 }
 
 // ---- the picture -------------------------------------------------------------------------------

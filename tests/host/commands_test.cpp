@@ -15,6 +15,8 @@
 #include "media/printer.h"
 #include "media/tape.h"
 #include "platform/host_services.h"
+#include "sound/beeper.h"
+#include "sound/sound_core.h"
 #include "support/host_files.h"
 #include "support/program_options.h"
 #include "z80/z80.h"
@@ -292,8 +294,16 @@ TEST_F(CommandsTest, SoundOutputAndItsRecording) {
     EXPECT_FALSE(is_menu_item_checked(40120));
     EXPECT_EQ(read_file("sound.wav")[4], 36) << "closed";
 
+    command_with_file(40120, "sound");
     handle_command(118);
     EXPECT_FALSE(host->audio().device);
+    EXPECT_FALSE(is_menu_item_checked(40120)) << "the recording ends with the sound";
+    beeper_set_level(1);
+    command_with_file(40120, "silent");
+    for (int frame = 0; frame < 20; ++frame) sound_flush(z80_state.t_count += 44335);
+    handle_command(40120);
+    EXPECT_LT(read_file("silent.wav").back(), 2) << "a constant level is filtered to nothing";
+    beeper_set_level(0);
     g_Timer = false;
     handle_command(118);
     EXPECT_FALSE(host->audio().device) << "an unpaced machine is silent";
