@@ -14,6 +14,7 @@
 #include <cstring>
 #include <exception>
 #include <filesystem>
+#include <utility>
 
 uint32_t s_dwVideoFrame = 0;
 uint32_t s_dwSoundFrame = 0;
@@ -33,6 +34,7 @@ bitmap_header AVIBitmapHeader;
 std::vector<uint8_t> AVIPalette;
 std::vector<uint8_t> AVIFrameBuffer; ///< bottom row first
 bool film_has_dimmed_colours = false;
+bool canvas_fits = true; ///< as it was looked at last
 
 /// Opens a file for writing without touching what is in it: the user may still cancel. Nothing for
 /// what cannot be written anywhere but at its end.
@@ -70,10 +72,14 @@ avi_video_format raw_format() {
     return format;
 }
 
-bool create_streams(FileHandle file, bool with_sound) {
+bool create_streams(FileHandle file, bool with_sound, std::string& problem) {
     const auto kind = ui_choose_video_compression(AVIBitmapHeader);
-    if (!kind) return false;
+    if (!kind) {
+        problem = video_compression_problem(AVIBitmapHeader);
+        return false;
+    }
     s_psCodec = kind->start(raw_format());
+    if (!s_psCodec) problem = std::string("the codec \"") + kind->name + "\" cannot be started";
     return s_psCodec && pfOutput.open(std::move(file), s_psCodec->format, with_sound);
 }
 
@@ -84,6 +90,30 @@ void end_capture(const char* reason) {
     g_bRecordingVideo = 0;
     check_menu_item(COMMAND_SAVE_VIDEO, false);
     report({.text = text});
+}
+
+bool canvas_has_shape_of_capture() {
+    return canvas.header.width == AVIBitmapHeader.width &&
+           canvas.header.height == AVIBitmapHeader.height &&
+           canvas.header.bits == AVIBitmapHeader.bits &&
+           canvas.pixels.size() == AVIFrameBuffer.size();
+}
+
+void take_canvas() {
+    const auto rows = std::ptrdiff_t(canvas.height);
+    const auto row_bytes = std::ptrdiff_t(AVIFrameBuffer.size()) / rows;
+    for (std::ptrdiff_t row = 0; row < rows; ++row) {
+        std::copy_n(canvas.pixels.end() - (row + 1) * row_bytes, row_bytes,
+                    AVIFrameBuffer.begin() + row * row_bytes);
+    }
+}
+
+void tell_that_picture_stands() {
+    report(
+        {.text = "The video repeats its last picture, since the screen has another size or depth.",
+         .file = avi_path,
+         .remedy = "It goes on when Giant screen and TV blur are as they were at its start.",
+         .severity = Severity::warning});
 }
 
 } // namespace
@@ -122,17 +152,19 @@ int Video_OpenOutput(const std::string& path, const uint16_t* sound_buffer) {
                 .title = path});
         return 0;
     }
-    if (!create_streams(std::move(file), sound_buffer != nullptr)) {
+    if (std::string problem; !create_streams(std::move(file), sound_buffer != nullptr, problem)) {
         s_psCodec.reset();
         remove_when_empty(path);
         report({.text = "Could not create video stream!",
                 .file = path,
-                .reason = video_compression_problem(AVIBitmapHeader),
+                .reason = problem,
                 .title = "Error"});
         return 0;
     }
     AVISoundBuffer = sound_buffer;
+    if (AVISoundBuffer) sound_start_film();
     avi_path = path;
+    canvas_fits = true;
     s_dwVideoFrame = s_dwSoundFrame = 0;
     StatusBarText("Streaming video to file: %s...", path.c_str());
     return 1;
@@ -143,6 +175,7 @@ void Video_CloseOutput() {
     s_psCodec.reset();
     Video_DestroyBitmap();
     AVISoundBuffer = nullptr;
+    sound_end_film();
     StatusBarText("Video stream closed. %u frames written.", s_dwVideoFrame);
 }
 
@@ -162,20 +195,16 @@ void Video_SaveFrame(const uint8_t* frame, uint32_t frame_bytes, const uint8_t* 
 
 void Video_ConvertBitmap() {
     if (!pfOutput.is_open()) return;
-    if (canvas.header.width == AVIBitmapHeader.width &&
-        canvas.header.height == AVIBitmapHeader.height &&
-        canvas.header.bits == AVIBitmapHeader.bits &&
-        canvas.pixels.size() == AVIFrameBuffer.size()) {
-        const auto rows = std::ptrdiff_t(canvas.height);
-        const auto row_bytes = std::ptrdiff_t(AVIFrameBuffer.size()) / rows;
-        for (std::ptrdiff_t row = 0; row < rows; ++row) {
-            std::copy_n(canvas.pixels.end() - (row + 1) * row_bytes, row_bytes,
-                        AVIFrameBuffer.begin() + row * row_bytes);
-        }
+    const bool fitted = std::exchange(canvas_fits, canvas_has_shape_of_capture());
+    if (canvas_fits) {
+        take_canvas();
         brighten_dimmed_lines();
+    } else if (fitted) {
+        tell_that_picture_stands();
     }
+    const uint16_t* sound = AVISoundBuffer ? sound_take_film_fragment() : sound_get_buffer_ptr();
     Video_SaveFrame(AVIFrameBuffer.data(), uint32_t(AVIFrameBuffer.size()),
-                    reinterpret_cast<const uint8_t*>(sound_get_buffer_ptr()), FRAGMENT_BYTES);
+                    reinterpret_cast<const uint8_t*>(sound), FRAGMENT_BYTES);
 }
 
 void host_capture_frame() { Video_ConvertBitmap(); }

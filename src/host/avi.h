@@ -1,6 +1,6 @@
 #pragma once
-/// AVI capture: every emulated frame's picture, and the fragment of sound that belongs to it, go
-/// into a file. The shape of the picture is that of the canvas when the capture was prepared.
+/// AVI capture: every emulated frame's picture, and the next finished fragment of sound, go into
+/// a file. The shape of the picture is that of the canvas when the capture was prepared.
 
 #include "host/canvas.h"
 
@@ -19,7 +19,7 @@ int Video_OpenOutput(const std::string& path, const uint16_t* sound_buffer);
 /// Completes the file, frees the capture picture, and says how many frames were written.
 void Video_CloseOutput();
 /// Hands the canvas to the capture. A canvas of another shape than the capture's repeats the
-/// picture before.
+/// picture before, and the user is told when that begins.
 void Video_ConvertBitmap();
 /// Writes one frame, bottom row first, with its sound. When that fails, as on a full disk, the
 /// capture ends and the user is told.

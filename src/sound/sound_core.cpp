@@ -43,6 +43,20 @@ int next_fragment_count = 1;
 std::array<int32_t, 14> lead = {}; ///< fragments ahead of the device, measured once a fragment
 size_t leadPosition = 0;
 bool paused = false;
+int ring_writes = 1; ///< how often the driver gets the fragment; other than once in recordings
+
+/// Finished fragments that wait for the pictures of a film.
+struct FilmQueue {
+    bool runs = false;
+    /// One more than the next picture needs. Pictures that come faster than fragments need it: the
+    /// first that finds nothing makes it 1.
+    size_t reserve = 0;
+    std::array<std::array<uint16_t, FRAGMENT_SAMPLES>, 3> fragments = {};
+    size_t first = 0;
+    size_t waiting = 0;
+
+    size_t most_waiting() const { return 2 + reserve; }
+} film;
 
 /// Bytes from the device's position to the write position, by the shorter way round the ring.
 int32_t lead_over(int32_t position) {
@@ -54,16 +68,39 @@ void adjust_history(int32_t by) {
     for (int32_t& entry : lead) entry += by;
 }
 
-/// How many fragments the next completed one becomes. A correction goes into the whole history at
-/// once, or the slow average would order it again and again.
-int getNoFragsToGenerate() {
+/// Keeps the lead while a recording has the say: the driver goes without a fragment, or, beside a
+/// film alone, has one again.
+void correct_ring(int32_t average) {
+    if (average > LONGEST_LEAD) ring_writes = 0;
+    if (average < SHORTEST_LEAD && !sound_is_saving(nullptr)) ring_writes = 2;
+    adjust_history(ring_writes - 1);
+}
+
+/// What a recording wants, which sets the pace in place of the driver. A WAV file has no gaps; a
+/// film gets one fragment for each picture.
+int fragments_for_recording(size_t completed) {
+    if (sound_is_saving(nullptr)) return 1;
+    const size_t waiting = film.waiting + completed;
+    if (waiting >= film.most_waiting()) return 0;
+    return waiting < completed + film.reserve ? 2 : 1;
+}
+
+/// How many fragments the next completed one becomes, with `completed` of them being written now.
+/// A correction goes into the whole history at once, or the slow average would order it again and
+/// again.
+int getNoFragsToGenerate(size_t completed) {
+    ring_writes = 1;
     if (paused) return 0;
+    const bool recording = film.runs || sound_is_saving(nullptr);
     const int32_t position = sound_driver->get_current_position();
-    if (position == POSITION_UNKNOWN) return 1;
+    if (position == POSITION_UNKNOWN) return recording ? fragments_for_recording(completed) : 1;
     lead[leadPosition] = lead_over(position) / int32_t(FRAGMENT_BYTES);
     leadPosition = (leadPosition + 1) % lead.size();
     const int32_t average = std::accumulate(lead.begin(), lead.end(), 0) / int32_t(lead.size());
-    if (sound_is_saving(nullptr)) return 1; // a recording has no gaps
+    if (recording) {
+        correct_ring(average);
+        return fragments_for_recording(completed);
+    }
     if (average > LONGEST_LEAD) {
         adjust_history(-1);
         return 0;
@@ -88,22 +125,37 @@ void render(uint32_t position, uint32_t count) {
     }
 }
 
+void write_to_ring() {
+    for (; ring_writes > 0; --ring_writes) {
+        sound_driver->write(sound_buffer.data(), sb_pos, FRAGMENT_BYTES);
+        sb_pos = (sb_pos + FRAGMENT_BYTES) % RING_BYTES;
+    }
+    ring_writes = 1; // of a second fragment
+}
+
+void queue_for_film() {
+    if (!film.runs || film.waiting >= film.most_waiting()) return;
+    const size_t last = (film.first + film.waiting) % film.fragments.size();
+    std::copy_n(sound_buffer.data(), fragment_size, film.fragments[last].data());
+    ++film.waiting;
+}
+
 void write_fragment() {
     filter_buffer_output(hpfilter.get(), fragment_size,
                          reinterpret_cast<int16_t*>(sound_buffer.data()), SOUND_RATE);
-    sound_driver->write(sound_buffer.data(), sb_pos, FRAGMENT_BYTES);
-    sb_pos = (sb_pos + FRAGMENT_BYTES) % RING_BYTES;
+    write_to_ring();
+    queue_for_film();
     sound_dump_wav_data(reinterpret_cast<const uint8_t*>(sound_buffer.data()), FRAGMENT_BYTES);
 }
 
 void fill(uint32_t count) {
     if (next_fragment_count == 0) {
-        next_fragment_count = getNoFragsToGenerate();
+        next_fragment_count = getNoFragsToGenerate(0);
         return;
     }
     const uint64_t end = uint64_t(sound_update_pos) + count;
     if (end >= fragment_size) {
-        next_fragment_count = getNoFragsToGenerate();
+        next_fragment_count = getNoFragsToGenerate(1);
         render(sound_update_pos, fragment_size - sound_update_pos);
         write_fragment();
         count = uint32_t(end % fragment_size); // whole further fragments are lost
@@ -179,3 +231,23 @@ void sound_update(int64_t cycles) {
 void sound_flush(int64_t cycles) { sound_update(cycles); }
 
 uint16_t* sound_get_buffer_ptr() { return sound_buffer.data(); }
+
+void sound_start_film() {
+    film = {};
+    film.runs = true;
+    next_fragment_count = 1; // the first picture has its fragment
+}
+
+void sound_end_film() { film.runs = false; }
+
+const uint16_t* sound_take_film_fragment() {
+    static constexpr std::array<uint16_t, FRAGMENT_SAMPLES> silence = {};
+    if (film.waiting == 0) {
+        film.reserve = 1;
+        return silence.data();
+    }
+    const auto& fragment = film.fragments[film.first];
+    film.first = (film.first + 1) % film.fragments.size();
+    --film.waiting;
+    return fragment.data();
+}

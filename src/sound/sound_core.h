@@ -5,6 +5,9 @@
 /// The sound clock is cycles per scan line x 15625 Hz; an update renders everything up to a given
 /// processor cycle, so a source must be brought up to date before its state changes. A 50 Hz
 /// high-pass removes the offset of the unsigned mix. Nothing is allocated on the sample path.
+///
+/// A recording sets the pace itself, to miss nothing; the driver then goes without the fragments
+/// that would put it too far ahead.
 
 #include <cstdint>
 
@@ -40,7 +43,7 @@ constexpr uint32_t RING_BYTES = 96000;
 void sound_add_source(sound_source* source);
 /// Closes the active driver and makes `driver` the active one.
 void sound_register_driver(const sound_driver_table* driver);
-/// The driver that plays nothing, "No sound".
+/// The driver that plays nothing, "No sound"; its position is unknown.
 void sound_null_driver_init();
 /// An empty fragment, the driver's reset, and the high-pass.
 void sound_init();
@@ -55,5 +58,15 @@ void sound_resume();
 void sound_update(int64_t cycles);
 /// The same, at the end of a frame.
 void sound_flush(int64_t cycles);
-/// The fragment buffer, for video capture.
+/// The fragment buffer as it stands: the fragment in the making, before the filter, and behind it
+/// what is left of the one before.
 uint16_t* sound_get_buffer_ptr();
+
+/// Starts to keep finished fragments for the pictures of a film. As long as it runs, only as many
+/// are rendered as it has pictures; beside a WAV recording, which misses nothing, what is too much
+/// for the film is left out of it.
+void sound_start_film();
+void sound_end_film();
+/// The next finished fragment, for one picture, in order; silence when there is none. Stands until
+/// the next update.
+const uint16_t* sound_take_film_fragment();
