@@ -7,6 +7,7 @@ Every file is 16-bit mono at 48000 Hz, at most two seconds of silence and then t
   hertz          the frequency that the tone has
   splices        periods of the tone that are too long or too short, in a second
   mean           of all samples; a recording without an offset has 0
+  level          of the tone with its harmonics, in dB of the loudest sine wave
   off harmonics  energy beside the multiples of the tone, in dB of the whole but the offset
 """
 import array
@@ -19,6 +20,7 @@ SKIPPED = 5 * RATE // 2  # samples before the tone, and while its offset decays
 NEAR = 2  # samples that a period may differ by
 WINDOW = 1 << 15  # samples of a spectrum: 1.5 Hz a line at 48000 Hz
 SPECTRA = 8  # spread over the file
+LOUDEST = 1 << 15
 LINES = 5  # to either side of a harmonic, which the window spreads it over
 SOUND_CHUNKS = (b"data", b"01wb")  # of WAV and AVI
 
@@ -60,30 +62,33 @@ def fft(x):
 
 
 def energies(samples, start):
-    """Of each line of the spectrum, through a Blackman-Harris window."""
+    """Mean square of each line of the spectrum, through a Blackman-Harris window."""
     weights = (0.35875, -0.48829, 0.14128, -0.01168)
     angle = 2 * math.pi / WINDOW
     shape = [sum(w * math.cos(i * angle * n) for i, w in enumerate(weights)) for n in range(WINDOW)]
     lines = fft([samples[start + n] * shape[n] for n in range(WINDOW)])
-    return [abs(line) ** 2 for line in lines[: WINDOW // 2]]
+    whole = WINDOW / 2 * sum(weight * weight for weight in shape)
+    return [abs(line) ** 2 / whole for line in lines[: WINDOW // 2]]
 
 
-def off_harmonics(samples, cycles):
+def level_and_rest(samples, cycles):
     """`cycles` of the tone in a sample."""
     total = off = 0.0
     step = max(1, (len(samples) - WINDOW) // SPECTRA)
-    for start in range(0, len(samples) - WINDOW + 1, step):
+    starts = range(0, len(samples) - WINDOW + 1, step)
+    for start in starts:
         for line, energy in enumerate(energies(samples, start)):
             harmonic = round(line / (cycles * WINDOW)) * cycles * WINDOW
             if line <= LINES:
                 continue  # the offset
             total += energy
             off += energy if abs(line - harmonic) > LINES else 0
-    return 10 * math.log10(off / total)
+    level = (total - off) / len(starts) / (LOUDEST * LOUDEST / 2)
+    return 10 * math.log10(level), 10 * math.log10(off / total)
 
 
 def main(hertz, *paths):
-    print(f"{'hertz':>8} {'splices/s':>10} {'mean':>8} {'off harmonics':>14}")
+    print(f"{'hertz':>8} {'splices/s':>10} {'mean':>8} {'level':>11} {'off harmonics':>14}")
     for path in paths:
         samples = samples_of(path)[SKIPPED:]
         seconds = len(samples) / RATE
@@ -92,8 +97,9 @@ def main(hertz, *paths):
         cycles = len(good) / sum(good)
         splices = (len(periods) - len(good)) / seconds
         mean = sum(samples) / len(samples)
-        decibels = off_harmonics(samples, cycles)
-        print(f"{cycles * RATE:8.2f} {splices:10.1f} {mean:8.1f} {decibels:11.1f} dB  {path}")
+        level, rest = level_and_rest(samples, cycles)
+        row = f"{cycles * RATE:8.2f} {splices:10.1f} {mean:8.1f} {level:8.2f} dB {rest:11.1f} dB"
+        print(f"{row}  {path}")
 
 
 if __name__ == "__main__":
