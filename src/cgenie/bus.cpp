@@ -136,8 +136,11 @@ void mem_write(uint32_t address, uint8_t value) {
     assert(address < 0x10000);
     if (address >= EXPANSION_ROM) return write_upper(address, value);
     if (address < RAM_START) return;
-    if (address >= RAM_UPPER && memory_is_16k()) return;
-    if (address < video_beam_watched_end) video_beam_before_write(address);
+    if (address < RAM_UPPER) {
+        video_beam_before_write(address);
+    } else if (memory_is_16k()) {
+        return;
+    }
     store(address, value);
 }
 

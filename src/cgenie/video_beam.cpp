@@ -19,7 +19,6 @@ constexpr uint32_t VERTICAL_SYNC_MASK = 15; ///< width 0 means 16 lines
 constexpr int SHORTEST_FRAME = 245;         ///< lines; a sync before them presents nothing
 constexpr int LAST_LINE = 379;              ///< a frame without a sync ends after it
 constexpr double CENTRING_WEIGHT = 0.2;
-constexpr uint32_t VIDEO_RAM_END = VIDEO_RAM_START + VIDEO_RAM_MASK + 1;
 constexpr uint32_t CHARACTER_LINES = 8; ///< of the character tables
 constexpr uint32_t NO_CURSOR = VIDEO_RAM_MASK + 1;
 
@@ -271,9 +270,7 @@ void run_clocks(uint32_t clocks) {
     while (clocks > 0) clocks -= run_event(clocks);
 }
 
-/// The processor cycle that the beam has reached. While the processor runs, the beam lags behind,
-/// and catches up before the processor changes anything that it has still to show.
-int64_t beam_time;
+int64_t beam_time; ///< processor cycle of the last catch-up
 
 /// Runs the beam up to the processor cycle `time`.
 void catch_up(int64_t time) {
@@ -284,9 +281,9 @@ void catch_up(int64_t time) {
     if (crtc.horizontal_total != 0) run_clocks(half_clocks / 2); // programmed
 }
 
-/// May the beam have shown the byte at `address` since the time that it has reached? Whatever the
-/// registers, a clock's cell is the one after the last clock's, or the matrix goes back to the
-/// row's or the picture's first: no cell is further behind one of these than there were clocks.
+/// May the lag show the byte at `address`? Whatever the registers, a clock's cell is the one after
+/// the last clock's, or the matrix goes back to the row's or the picture's first: no cell is
+/// further behind one of these than there were clocks.
 bool lag_shows(uint32_t address) {
     if (address >= CHARACTER_RAM_START) return true;
     const uint32_t mask = address >= COLOUR_RAM_START ? COLOUR_RAM_MASK : VIDEO_RAM_MASK;
@@ -298,12 +295,12 @@ bool lag_shows(uint32_t address) {
 
 void start_following() {
     beam_time = z80_state.t_count;
-    video_beam_watched_end = VIDEO_RAM_END;
+    video_beam_follows = true;
 }
 
 void stop_following() {
     catch_up(z80_state.t_count);
-    video_beam_watched_end = 0;
+    video_beam_follows = false;
 }
 
 /// Processor and beam, instruction by instruction, until the cycles are used or `stop` answers
@@ -319,7 +316,7 @@ int32_t run_until(int32_t cycles, Stop stop) {
 }
 } // namespace
 
-uint32_t video_beam_watched_end = 0;
+bool video_beam_follows = false;
 
 int32_t video_run_cycles(int32_t cycles) {
     if (z80_state.breakpoint_enabled) return run_until(cycles, cpu_breakpoint_arrives);
@@ -338,12 +335,10 @@ void video_do_cycles(uint32_t clocks) {
     run_clocks(clocks);
 }
 
-void video_beam_before_write(uint32_t address) {
-    if (video_beam_watched_end != 0 && lag_shows(address)) catch_up(z80_state.instruction_start);
-}
+void video_beam_catch_up() { catch_up(z80_state.instruction_start); }
 
-void video_beam_before_output() {
-    if (video_beam_watched_end != 0) catch_up(z80_state.instruction_start);
+void video_beam_catch_up_with(uint32_t address) {
+    if (lag_shows(address)) video_beam_catch_up();
 }
 
 void video_beam_reset_centring() {
