@@ -186,16 +186,6 @@ TEST(VideoBeam, FrameTiming) {
     EXPECT_EQ(run_to_frame_end(), 381 * LINE_CLOCKS);
 }
 
-TEST(VideoBeam, ProcessorCyclesPerFrame) {
-    program();
-    load_program({0x3E, 0x00, 0x18, 0xFC}); // LD A,0; JR: 7 + 12 cycles, an odd number
-    const int frames = fake_host.screen_updates;
-    for (int i = 0; i < 20; ++i) video_run_cycles(2 * FRAME_CLOCKS); // 2304 rounds of 19
-    EXPECT_EQ(fake_host.screen_updates - frames, 20);
-    for (int i = 0; i < 2304; ++i) video_run_cycles(19); // many small budgets make one frame
-    EXPECT_EQ(fake_host.screen_updates - frames, 21);
-}
-
 TEST(VideoBeam, RunsOfClocksEqualSingleClocks) {
     fill_with_noise(3);
     Circuit circuit = circuit_beside_the_beam();

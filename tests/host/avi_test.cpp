@@ -328,18 +328,14 @@ TEST_F(AviTest, StreamsSegmentsAndIndexes) {
 }
 
 TEST_F(AviTest, LinesDimmedMeanwhileStayBright) {
-    for (const bool dimmed_before : {false, true}) {
-        display_params.interlaced_line = dimmed_before ? 20 : 80;
-        ASSERT_TRUE(open("film.avi"));
-        display_params.interlaced_line = 20;
-        std::copy_n("\3\24", 2, canvas.pixels.begin()); // colour 3, and dimmed
-        host_capture_frame();
-        Video_CloseOutput();
-        const Riff riff(read_file("film.avi"));
-        const size_t top_row = riff.all("AVI /movi/00db").at(0).start + size_t{384} * 287;
-        EXPECT_EQ(riff.number(top_row, 2), dimmed_before ? 0x1403U : 0x0303U);
-    }
+    ASSERT_TRUE(open("film.avi"));
+    display_params.interlaced_line = 20;
+    canvas.pixels[0] = 17 + 3;
+    host_capture_frame();
     palette_get_default_config(&display_params);
+    Video_CloseOutput();
+    const Riff riff(read_file("film.avi"));
+    EXPECT_EQ(riff.number(riff.all("AVI /movi/00db").at(0).start + size_t{384} * 287, 1), 3U);
 }
 
 TEST_F(AviTest, EachPictureHasTheNextFragmentOfTheDriver) {
