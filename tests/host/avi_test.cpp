@@ -342,21 +342,20 @@ TEST_F(AviTest, EachPictureHasTheNextFragmentOfTheDriver) {
     beeper_init();
     start_scripted_core();
     open("film.avi");
-    for (uint32_t frame = 0; frame < 400; ++frame) {
-        advance(frame % 960);
+    for (uint8_t frame = 0; frame < 50; ++frame) {
         beeper_set_level(frame & 1);
-        advance(966 - frame % 960);
+        advance(966);
         record(1);
     }
     Video_CloseOutput();
     sound_null_driver_init();
     const Riff riff(read_file("film.avi"));
-    const auto chunks = riff.all("AVI /movi/01wb");
-    ASSERT_EQ(chunks.size(), 400U);
-    for (size_t n = 0; n < chunks.size(); ++n) {
-        const auto* written = reinterpret_cast<const char*>(scripted.fragments.at(n).data());
-        ASSERT_EQ(riff.text(chunks[n].start, chunks[n].size), std::string(written, 1920)) << n;
+    size_t n = 0;
+    for (const Riff::Chunk& chunk : riff.all("AVI /movi/01wb")) {
+        const auto* written = reinterpret_cast<const char*>(scripted.fragments.at(n++).data());
+        ASSERT_EQ(riff.text(chunk.start, chunk.size), std::string(written, 1920)) << n;
     }
+    EXPECT_EQ(n, 50U);
 }
 
 TEST_F(AviTest, TheCommandStartsAndStops) {

@@ -157,12 +157,9 @@ TEST_F(SoundCore, RecordingsAreContinuousAndTheRingTakesWhatItCan) {
         int32_t lead;
         bool wav, film;
         size_t gaps; ///< in the film, of 400 pictures; each sample of silence is one
-    } const cases[] = {{"film", 966, 1, 5 * 1920, false, true, 0},
-                       {"film of music", 966, 2, 5 * 1920, false, true, 0},
+    } const cases[] = {{"film", 966, 2, 5 * 1920, false, true, 0},
                        {"film of speech", 966, 161, 20 * 1920, false, true, 0},
-                       {"film, slow device", 966, 7, 20 * 1920, false, true, 0},
                        {"film at 60 Hz", 804, 2, 0, false, true, 960},
-                       {"WAV", 966, 2, 5 * 1920, true, false, 0},
                        {"WAV, device far behind", 966, 2, 20 * 1920, true, false, 0},
                        {"WAV, device far ahead", 966, 2, 0, true, false, 0},
                        {"both", 966, 2, 5 * 1920, true, true, 1}};
@@ -187,13 +184,14 @@ TEST_F(SoundCore, RecordingsAreContinuousAndTheRingTakesWhatItCan) {
         size_t gaps = 0;
         for (size_t n = 1; n < film.size(); ++n) gaps += film[n] != uint16_t(film[n - 1] + 1);
         EXPECT_EQ(gaps, c.gaps);
+        EXPECT_EQ(scripted.fragments.size() < 300, c.lead > 6 * 1920) << "the ring is full";
+        EXPECT_EQ(scripted.fragments.size() > 500, c.lead == 0 && !c.wav) << "it runs empty";
         if (!c.wav) continue;
         const std::vector<uint8_t> wav = read_file(folder / "a.wav");
         ASSERT_EQ((wav.size() - 44) / 1920, size_t(400 * 966 / 960));
         for (size_t n = 44; n < wav.size(); n += 2) {
             ASSERT_EQ(wav[n] | wav[n + 1] << 8, (n - 44) / 2 % 65536);
         }
-        EXPECT_EQ(scripted.fragments.size() < 300, c.lead > 6 * 1920) << "the ring is full";
     }
 }
 
@@ -254,13 +252,10 @@ TEST_F(SoundCore, DeviceClockOffByHalfAPercentNeitherStarvesNorOverruns) {
         double device_rate;
         uint32_t block; ///< samples the device takes at a time
         int frames;
-        bool recording = false;
     } const cases[] = {{"slow", 48000 * 0.995, 1, 30000},
                        {"fast", 48000 * 1.005, 1, 30000},
                        {"slow, in blocks", 48000 * 0.995, 1024, 3000},
-                       {"fast, in blocks", 48000 * 1.005, 1024, 3000},
-                       {"recording", 48000, 1, 3000, true}};
-    const Folder folder;
+                       {"fast, in blocks", 48000 * 1.005, 1024, 3000}};
     for (const auto& c : cases) {
         start_scripted_core();
         counting = false;
@@ -272,10 +267,8 @@ TEST_F(SoundCore, DeviceClockOffByHalfAPercentNeitherStarvesNorOverruns) {
         };
         scripted.position = position;
         for (int frame = 1; frame <= c.frames; ++frame) {
-            sound_update(z80_state.t_count += 22167);
-            sound_flush(z80_state.t_count += 22168);
+            sound_flush(z80_state.t_count += 44335);
             if (frame < 50) continue;
-            if (frame == 50 && c.recording) sound_create_wav(folder / "a.wav");
             const int32_t ahead = (int32_t(scripted.next_offset) - position() + 96000) % 96000;
             ASSERT_GE(ahead, 1 * 1920) << c.name << ", frame " << frame;
             ASSERT_LE(ahead, 12 * 1920) << c.name << ", frame " << frame;
