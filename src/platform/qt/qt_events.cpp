@@ -1,6 +1,7 @@
 #include "platform/qt/qt_events.h"
 
 #include <QApplication>
+#include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
 
@@ -9,10 +10,18 @@
 
 namespace {
 
-/// A menu is pulled down, or the menu bar has the keyboard.
-bool menu_has_input() {
-    return qobject_cast<QMenu*>(QApplication::activePopupWidget()) ||
-           qobject_cast<QMenuBar*>(QApplication::focusWidget());
+bool menu_is_pulled_down() { return qobject_cast<QMenu*>(QApplication::activePopupWidget()); }
+
+/// The menu bar, while it has the keyboard.
+QMenuBar* focused_menu_bar() { return qobject_cast<QMenuBar*>(QApplication::focusWidget()); }
+
+/// When the user leaves the menus, Qt gives the keyboard back to the widget that had it. After a
+/// menu that was opened from the menu bar this is the bar itself, which takes no key then.
+void leave_idle_menu_bar() {
+    const QMenuBar* bar = focused_menu_bar();
+    if (!bar || bar->activeAction() || menu_is_pulled_down()) return;
+    const auto* window = qobject_cast<QMainWindow*>(bar->window());
+    if (window) window->centralWidget()->setFocus(Qt::MenuBarFocusReason);
 }
 
 } // namespace
@@ -21,7 +30,8 @@ void QtEvents::pump(QEventLoop::ProcessEventsFlags flags) {
     if (std::exchange(found_empty_, false) && idle_hook_) idle_hook_();
     if (!queue_.empty()) return;
     QCoreApplication::processEvents(flags);
-    set_menu_open(menu_has_input());
+    leave_idle_menu_bar();
+    set_menu_open(menu_is_pulled_down() || focused_menu_bar());
 }
 
 Event QtEvents::take() {
