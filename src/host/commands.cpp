@@ -128,6 +128,7 @@ void toggle_background() {
 void toggle_key_mapping() {
     toggle(g_KeyMapping, COMMAND_SYMBOLIC_KEYS);
     keyboard_change_mapping(g_KeyMapping);
+    kept_key_mapping = g_KeyMapping;
 }
 
 void paste_from_clipboard() {

@@ -49,6 +49,7 @@ bool breakpoint_opens_monitor = true;
 bool g_bRunInBackground = false;
 bool g_bSound = true;
 bool g_KeyMapping = false;
+bool kept_key_mapping = false;
 std::string emu_path;
 std::string avi_name;
 
@@ -105,7 +106,7 @@ constexpr size_t PALETTE_SETTING = 7; ///< read later than the others
 const std::array<FlagSetting, 5> options_read_early = {{
     {"VideoCut", &video_cut},
     {"VideoPage", &video_page},
-    {"KeyMapping", &g_KeyMapping},
+    {"KeyMapping", &kept_key_mapping},
     {"GiantScreen", &g_GiantScreen},
     {"CleanSound", &ym2149_clean},
 }};
@@ -258,6 +259,15 @@ void file_dropped(const std::string& path) {
     reset_timer();
 }
 
+/// Whoever chooses another layout wants its characters: the symbolic mapping is on from then on, as
+/// long as the program runs.
+void layout_changed(bool by_user) {
+    if (by_user) g_KeyMapping = true;
+    keyboard_init();
+    keyboard_change_mapping(g_KeyMapping);
+    check_menu_item(COMMAND_SYMBOLIC_KEYS, g_KeyMapping);
+}
+
 void leave_menu() {
     reset_timer();
     sound_resume();
@@ -306,6 +316,7 @@ void emu_init(const CommandLine& line) {
     if (printer_enabled) printer_init();
     GetValueStr("Tape", &tape_get_cas_name());
     read_flag("CycleBasedEmulation", g_bCycleBasedEngine);
+    g_KeyMapping = kept_key_mapping;
     keyboard_change_mapping(g_KeyMapping);
     prefs_flush();
     if (!line.wav.empty()) start_sound_recording(line.wav); // from the first frame on
@@ -347,7 +358,7 @@ void WindowProcedure(const Event& event) {
     case Event::Kind::focus: update_screen(1); break;
     case Event::Kind::paint: paint(); break;
     case Event::Kind::activate: application_activated(event.value != 0); break;
-    case Event::Kind::layout_changed: keyboard_init(); break;
+    case Event::Kind::layout_changed: layout_changed(event.value != 0); break;
     case Event::Kind::key_down: key_pressed(event); break;
     case Event::Kind::command: handle_command(event.value); break;
     case Event::Kind::double_click: handle_command(COMMAND_GIANT_SCREEN); break;

@@ -11,7 +11,8 @@ extern bool g_bDebug;                 ///< the monitor owns the window
 extern bool breakpoint_opens_monitor; ///< off where nobody could close it again
 extern bool g_bRunInBackground;       ///< run while another program is active
 extern bool g_bSound;                 ///< sound output wanted
-extern bool g_KeyMapping;             ///< symbolic
+extern bool g_KeyMapping;             ///< symbolic, at present
+extern bool kept_key_mapping;         ///< symbolic by the user's own choice, for the next run
 extern std::string emu_path;          ///< the program's directory, with a trailing separator
 extern std::string avi_name;          ///< capture to start with
 

@@ -16,7 +16,8 @@ struct Event {
         focus,           ///< the window got the keyboard
         paint,           ///< the client area has to be drawn again
         activate,        ///< value: 1 the program became the active one, 0 another did
-        layout_changed,  ///< the host's keyboard layout is another one now
+        layout_changed,  ///< the keyboard layout is another one; value: 1 the user changed it here,
+                         ///< 0 it came with the program's start or with the focus
         key_down,        ///< value: HostKey; accelerators are not taken out yet
         command,         ///< value: id of the menu item chosen
         double_click,    ///< left button, in the client area

@@ -218,17 +218,25 @@ TEST_F(ShellTest, MessagesReachTheirHandlers) {
     send(Event::Kind::menu_loop_enter);
     send(Event::Kind::menu_loop_exit);
     EXPECT_EQ(keyboard_read(1), 0) << "no key is stuck after a menu";
-    keyboard_change_mapping(0);
-    send(Event::Kind::layout_changed);
-    host->set_key(KEY_ALT, true);
-    host->set_key('A', true);
-    EXPECT_EQ(keyboard_read(1), 0);
+    using enum Event::Kind;
+    for (const auto& [kind, value, symbolic] :
+         std::vector<std::tuple<Event::Kind, int, bool>>{{layout_changed, 0, false},
+                                                         {layout_changed, 1, true},
+                                                         {layout_changed, 0, true},
+                                                         {command, COMMAND_SYMBOLIC_KEYS, false},
+                                                         {layout_changed, 1, true}}) {
+        send(kind, value);
+        host->set_key(KEY_SHIFT, true); // the symbolic mapping keeps it from the machine
+        EXPECT_EQ(keyboard_read(0x80), symbolic ? 0 : 1);
+        EXPECT_EQ(is_menu_item_checked(COMMAND_SYMBOLIC_KEYS), symbolic);
+    }
     host->release_all_keys();
     send(Event::Kind::close);
     EXPECT_TRUE(host->window().destroyed);
     EXPECT_TRUE(host->quit_posted());
     EXPECT_EQ(run_message_loop(), 0);
     emu_close();
+    EXPECT_EQ(stored("KeyMapping"), 0U) << "a change of layout is no choice for the next run";
 }
 
 TEST_F(ShellTest, RunsFromStartToExitAndSaysWhenItsSettingsWereDamaged) {

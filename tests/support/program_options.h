@@ -15,7 +15,8 @@
 /// Options, and what the command line leaves, as a new process has them.
 inline void reset_program_options() {
     g_bActive = g_Timer = g_bSound = g_bDblScan = g_bUseGDI = breakpoint_opens_monitor = true;
-    g_bPaused = g_bDebug = g_bRunInBackground = g_KeyMapping = g_GiantScreen = false;
+    g_bPaused = g_bDebug = g_bRunInBackground = g_KeyMapping = kept_key_mapping = false;
+    g_GiantScreen = false;
     g_1bitDisplay = video_cut = video_page = printer_enabled = false;
     save_video_ram_w_screenshot = g_bCycleBasedEngine = ym2149_clean = false;
     g_CompositeBlur = 0;

@@ -15,6 +15,7 @@
 
 #include <QApplication>
 #include <QDebug>
+#include <QElapsedTimer>
 #include <QIcon>
 
 #include <algorithm>
@@ -100,11 +101,16 @@ struct QtPlatform::Services {
         QCoreApplication::setQuitLockEnabled(false);
         QObject::connect(&application, &QGuiApplication::applicationStateChanged,
                          [this](Qt::ApplicationState state) {
-                             events.post(Event::Kind::activate, state == Qt::ApplicationActive);
+                             const bool active = state == Qt::ApplicationActive;
+                             active_.invalidate();
+                             if (active) active_.start();
+                             events.post(Event::Kind::activate, active);
                          });
         events.set_idle_hook([this] {
             input.release_tapped();
-            if (keyboard.refresh()) events.post(Event::Kind::layout_changed);
+            if (!keyboard.refresh()) return;
+            events.post(Event::Kind::layout_changed,
+                        active_.isValid() && active_.hasExpired(LAYOUT_SETTLES));
         });
     }
 
@@ -125,6 +131,11 @@ struct QtPlatform::Services {
     SdlJoysticks joysticks;
     QtPaths paths;
     SettingsFile settings{paths.config_directory() + "/settings.toml"};
+
+private:
+    /// A desktop may keep a layout for each window, and tells it right after the focus.
+    static constexpr int LAYOUT_SETTLES = 500; ///< ms
+    QElapsedTimer active_;                     ///< since the program got the focus
 };
 
 QtPlatform::QtPlatform(int& argc, char** argv)
