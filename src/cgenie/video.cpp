@@ -71,8 +71,7 @@ void fetch_row(const VisibleCells& cells, uint32_t row, TextCell* cell) {
 /// Inverts the lines of the cell under the cursor, if it is in this row.
 void invert_cursor(const VisibleCells& cells, uint32_t row, TextCell* cell) {
     if (!crtc.cursor_visible) return;
-    const uint32_t column = crtc.cursor_address - crtc.start_address - VIDEO_RAM_START -
-                            row * crtc.horizontal_displayed;
+    const uint32_t column = video_get_cursor() - row * crtc.horizontal_displayed;
     if (column < cells.first || column >= cells.end) return;
     const uint32_t last = std::min(crtc.cursor_end_line, crtc.maximum_scan_line);
     for (uint32_t y = crtc.cursor_start_line; y <= last; ++y) {
@@ -192,5 +191,7 @@ int video_get_columns() { return int(crtc.horizontal_displayed); }
 const uint8_t* video_get_screen_ram() {
     return memory + VIDEO_RAM_START + (crtc.start_address & VIDEO_RAM_MASK);
 }
+
+uint32_t video_get_cursor() { return crtc.cursor_address - crtc.start_address - VIDEO_RAM_START; }
 
 void video_update_frame() { update_screen(1); }

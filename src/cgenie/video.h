@@ -51,10 +51,13 @@ void video_render_1bit(uint8_t* pixels, int cut, int page);
 /// Nothing: the canvas has its lines already.
 void video_draw_interlaced(uint8_t* pixels, int bits);
 
-int video_get_windowx(int giant);      ///< 384, or 768 when giant
-int video_get_windowy(int giant);      ///< 288, or 576 when giant
-int video_get_rows();                  ///< of text displayed, 0 to 127
-int video_get_columns();               ///< of text displayed, 0 to 255
-const uint8_t* video_get_screen_ram(); ///< address 4000 + (start address AND 3FFF)
+int video_get_windowx(int giant); ///< 384, or 768 when giant
+int video_get_windowy(int giant); ///< 288, or 576 when giant
+int video_get_rows();             ///< of text displayed, 0 to 127
+int video_get_columns();          ///< of text displayed, 0 to 255
+const uint8_t* video_get_screen_ram();
+/// Where the cursor is, in characters from the top left corner of the screen, row by row. It may be
+/// outside of the screen.
+uint32_t video_get_cursor(); ///< address 4000 + (start address AND 3FFF)
 /// Presents the finished frame.
 void video_update_frame();

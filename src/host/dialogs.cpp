@@ -1,7 +1,6 @@
 #include "host/dialogs.h"
 
-#include "cgenie/keyboard.h"
-#include "cgenie/video.h"
+#include "host/screen_text.h"
 #include "platform/file_names.h"
 #include "platform/host_services.h"
 #include "platform/platform.h"
@@ -123,16 +122,6 @@ std::optional<FileChoice> choose_to_save(FileDialog dialog) {
     }
 }
 
-/// A code of the screen as a character: the control codes show what stands 64 codes higher, the
-/// graphics what the host's character set has 32 codes lower.
-uint8_t screen_character(uint8_t code) {
-    constexpr uint8_t LAST_CONTROL_CODE = 31;
-    constexpr uint8_t FIRST_GRAPHICS_CODE = 128;
-    if (code <= LAST_CONTROL_CODE) return uint8_t(code + 64);
-    if (code >= FIRST_GRAPHICS_CODE) return uint8_t(code - 32);
-    return code;
-}
-
 std::string file_url(const std::string& path) {
     std::string url = "file://";
     for (const char c : path) {
@@ -193,14 +182,4 @@ void ui_about_dialog() {
                                "User manual", manual_url());
 }
 
-void ui_copy_to_clipboard() {
-    const uint8_t* code = video_get_screen_ram();
-    std::string text;
-    for (int row = 0; row < video_get_rows(); ++row) {
-        for (int column = 0; column < video_get_columns(); ++column) {
-            text += char(convert_typed_character(screen_character(*code++)));
-        }
-        text += "\r\n";
-    }
-    platform().clipboard().set_text(text);
-}
+void ui_copy_to_clipboard() { platform().clipboard().set_text(screen_text("\r\n")); }

@@ -21,6 +21,7 @@
 #include "host/menu.h"
 #include "host/messages.h"
 #include "host/prefs.h"
+#include "host/screen_text.h"
 #include "host/screenshot.h"
 #include "host/status.h"
 #include "media/printer.h"
@@ -395,6 +396,7 @@ int run_shell(const CommandLine& line) {
     Window& window = platform().window();
     if (!window.create(WINDOW_TITLE)) return 0;
     create_menu();
+    window.set_readable("Colour Genie screen", shown_text);
     remove_unfinished_files();
     hold_message_boxes();
     emu_init(line);

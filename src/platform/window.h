@@ -1,6 +1,7 @@
 #pragma once
 #include "platform/geometry.h"
 
+#include <functional>
 #include <span>
 #include <string>
 #include <vector>
@@ -18,6 +19,13 @@ struct MenuEntry {
 struct KeyChord {
     uint8_t key = 0;
     uint8_t modifiers = 0;
+};
+
+/// Text that a screen reader finds in place of the picture.
+struct ReadableText {
+    static constexpr int NO_CURSOR = -1;
+    std::string text;       ///< in ISO 8859-1, "\n" behind every line
+    int cursor = NO_CURSOR; ///< index of the character under the cursor
 };
 
 /// The main window. Coordinates of the client area count from its top left corner, the status bar
@@ -55,4 +63,6 @@ struct Window {
     virtual void set_item_text(int id, const std::string& text) = 0;
     /// Keys that reach the program as key_down even where a menu or a control would take them.
     virtual void claim_keys(std::span<const KeyChord> chords) = 0;
+    /// Name of the client area for screen readers, and its text, asked for only while one listens.
+    virtual void set_readable(const std::string& name, std::function<ReadableText()> text) = 0;
 };

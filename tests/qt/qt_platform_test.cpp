@@ -1,8 +1,10 @@
 // The window without a screen, driven by Qt events.
 
+#include "platform/qt/qt_accessible.h"
 #include "qt/offscreen.h"
 #include "support/test_files.h"
 
+#include <QAccessible>
 #include <QAction>
 #include <QApplication>
 #include <QComboBox>
@@ -288,11 +290,40 @@ TEST_F(QtPlatformTest, ClipboardTextIsInTheMachinesBytes) {
     EXPECT_EQ(host->clipboard().text(), "A\xE4\r\nB\r\n");
 }
 
+TEST_F(QtPlatformTest, ScreenReadersFindTheTextAndHearWhatChanges) {
+    host->window().set_readable("Screen", [] { return ReadableText{"READY\n>    \n", 7}; });
+    QAccessibleInterface* reader = QAccessible::queryAccessibleInterface(&client());
+    EXPECT_EQ(reader->role(), QAccessible::Terminal);
+    EXPECT_EQ(reader->text(QAccessible::Name), "Screen");
+    QAccessibleTextInterface& text = *reader->textInterface();
+    int start = 0, end = 0;
+    EXPECT_EQ(text.textAtOffset(text.cursorPosition(), QAccessible::LineBoundary, &start, &end),
+              ">    \n");
+    for (const int offset : {0, 4, 6, 9}) {
+        EXPECT_EQ(text.offsetAtPoint(text.characterRect(offset).center()), offset);
+    }
+    host->window().set_readable("", nullptr);
+    const QString changes[][4] = {{"", "ab", "", "ab"},
+                                  {"> _", "> X_", "", "X"},
+                                  {"aab", "ab", "a", ""},
+                                  {"R 1\n", "R 2\n", "1", "2"}};
+    for (const auto& [before, after, removed, inserted] : changes) {
+        const TextChange change = text_change(before, after);
+        EXPECT_EQ(QString(before).replace(change.place, removed.size(), inserted), after);
+        EXPECT_EQ(change.removed + "|" + change.inserted, removed + "|" + inserted);
+    }
+}
+
 TEST_F(QtPlatformTest, StatusBarIsTheBottomOfTheClientArea) {
     const int edges[] = {10, 20, -1};
     StatusBar& bar = host->status_bar();
     bar.create(edges, 1);
     const int height = bar.height();
+    bar.set_text(2, "Tape & more");
+    QAccessibleInterface* reader = QAccessible::queryAccessibleInterface(&client())->child(0);
+    EXPECT_EQ(reader->role(), QAccessible::StatusBar);
+    EXPECT_EQ(reader->text(QAccessible::Name), "Status bar");
+    EXPECT_EQ(reader->child(2)->text(QAccessible::Name), "Tape & more");
     fit({40, 60});
     EXPECT_FALSE(drain(Event::Kind::draw_status).empty());
     bar.fill_rectangle({5, 6, 15, 8}, 0xFF0000);

@@ -8,7 +8,9 @@
 #include "platform/window.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 /// Pixels that the frame adds around the client area.
@@ -44,6 +46,10 @@ struct HeadlessWindow final : public Window {
     void claim_keys(std::span<const KeyChord> chords) override {
         claimed.assign(chords.begin(), chords.end());
     }
+    void set_readable(const std::string& name, std::function<ReadableText()> text) override {
+        readable_name = name;
+        readable = std::move(text);
+    }
 
     /// The menu's own state; false and empty for an id that it does not hold.
     bool checked(int id) const;
@@ -60,6 +66,8 @@ struct HeadlessWindow final : public Window {
     int invalidations = 0;
     std::vector<MenuEntry> menu;
     std::vector<KeyChord> claimed;
+    std::string readable_name;
+    std::function<ReadableText()> readable;
 };
 
 /// A picture that was presented, without its pixels.

@@ -1,7 +1,9 @@
 #include "platform/qt/qt_canvas.h"
 
+#include "platform/qt/qt_accessible.h"
 #include "platform/qt/qt_pixels.h"
 
+#include <QAccessible>
 #include <QFontDatabase>
 #include <QFontMetrics>
 #include <QGlyphRun>
@@ -102,7 +104,30 @@ void QtCanvas::end_stretch() {
     if (std::exchange(stretched_, nullptr)) update();
 }
 
+QtCanvas::Readable QtCanvas::readable() const {
+    if (!readable_) return {};
+    const ReadableText now = readable_();
+    return {QString::fromLatin1(now.text), now.cursor};
+}
+
+/// Tells screen readers what has changed since the last time.
+void QtCanvas::tell_readers() {
+    if (!QAccessible::isActive()) return;
+    const Readable before = std::exchange(told_, readable());
+    if (told_.text != before.text) {
+        const auto& [place, removed, inserted] = text_change(before.text, told_.text);
+        QAccessibleTextUpdateEvent event(this, int(place), removed, inserted);
+        event.setCursorPosition(told_.cursor);
+        QAccessible::updateAccessibility(&event);
+    }
+    if (told_.cursor != before.cursor) {
+        QAccessibleTextCursorEvent event(this, told_.cursor);
+        QAccessible::updateAccessibility(&event);
+    }
+}
+
 void QtCanvas::paintEvent(QPaintEvent* event) {
+    tell_readers();
     if (stretched_) {
         paint_stretched(event->rect());
         return;

@@ -1,12 +1,15 @@
 #pragma once
 #include "platform/geometry.h"
 #include "platform/qt/qt_events.h"
+#include "platform/window.h"
 
 #include <QImage>
 #include <QRawFont>
 #include <QWidget>
 
+#include <functional>
 #include <string>
+#include <utility>
 
 /// The client area. Shows either what was drawn into it, kept in a picture of one pixel per logical
 /// pixel, or another picture stretched over it: whatever was asked for last.
@@ -23,6 +26,14 @@ public:
     void stretch(const QImage& picture, const QRect& target);
     void end_stretch();
 
+    /// The text behind the picture, for screen readers.
+    struct Readable {
+        QString text;
+        int cursor = ReadableText::NO_CURSOR;
+    };
+    void set_readable(std::function<ReadableText()> text) { readable_ = std::move(text); }
+    Readable readable() const;
+
 protected:
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
@@ -30,6 +41,7 @@ protected:
 private:
     void drawn(const QRect& area);
     void paint_stretched(const QRect& dirty);
+    void tell_readers();
 
     QtEvents& events_;
     QImage drawing_;
@@ -37,4 +49,6 @@ private:
     Size cell_;
     const QImage* stretched_ = nullptr;
     QRect target_;
+    std::function<ReadableText()> readable_; ///< null: there is none
+    Readable told_;                          ///< to screen readers
 };

@@ -1,5 +1,6 @@
 #include "platform/qt/qt_platform.h"
 
+#include "platform/qt/qt_accessible.h"
 #include "platform/qt/qt_clipboard.h"
 #include "platform/qt/qt_clock.h"
 #include "platform/qt/qt_dialogs.h"
@@ -95,6 +96,7 @@ QIcon program_icon() {
 struct QtPlatform::Services {
     Services(int& argc, char** argv) : application(prepare_qt(argc, argv), argv) {
         QApplication::setApplicationName("tarvelin");
+        qt_install_accessibility();
         QApplication::setWindowIcon(program_icon());
         // Questions come after the window has gone.
         QApplication::setQuitOnLastWindowClosed(false);

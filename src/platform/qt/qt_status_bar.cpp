@@ -3,10 +3,9 @@
 #include "platform/qt/qt_pixels.h"
 #include "platform/qt/qt_text.h"
 
+#include <QAccessible>
 #include <QEvent>
-#include <QHelpEvent>
 #include <QPainter>
-#include <QToolTip>
 
 #include <algorithm>
 
@@ -22,7 +21,7 @@ Colour colour_of(const QColor& colour) { return colour.rgb() & 0xFFFFFF; }
 QtStatusBarWidget::QtStatusBarWidget(QtCanvas& canvas, QtEvents& events,
                                      std::span<const int> right_edges, int drawn_part)
     : QWidget(&canvas), events_(events), drawn_part_(drawn_part) {
-    for (const int edge : right_edges) parts_.push_back({edge, {}, {}});
+    for (const int edge : right_edges) parts_.push_back(std::make_unique<Part>(this, edge));
     setAttribute(Qt::WA_OpaquePaintEvent);
     setAttribute(Qt::WA_NoMousePropagation);
     canvas.installEventFilter(this);
@@ -34,24 +33,26 @@ void QtStatusBarWidget::lay_out() {
     const int height = std::max(LEAST_HEIGHT, fontMetrics().height() + 2 * TEXT_MARGIN);
     const QSize client = parentWidget()->size();
     setGeometry(0, client.height() - height, client.width(), height);
+    for (int part = 0; has(part); ++part) parts_[size_t(part)]->setGeometry(area_of(part));
     update();
     events_.post_once(Event::Kind::draw_status);
 }
 
 QRect QtStatusBarWidget::area_of(int part) const {
-    const int left = part == 0 ? 0 : parts_[size_t(part) - 1].right_edge;
-    const int edge = parts_[size_t(part)].right_edge;
+    const int left = part == 0 ? 0 : parts_[size_t(part) - 1]->right_edge;
+    const int edge = parts_[size_t(part)]->right_edge;
     return {left, 0, (edge < 0 ? width() : edge) - left, height()};
 }
 
 void QtStatusBarWidget::set_text(int part, const QString& text) {
-    if (!has(part) || parts_[size_t(part)].text == text) return;
-    parts_[size_t(part)].text = text;
-    update(area_of(part));
+    if (!has(part) || parts_[size_t(part)]->text() == text) return;
+    parts_[size_t(part)]->setText(text);
+    QAccessibleEvent event(parts_[size_t(part)].get(), QAccessible::NameChanged);
+    QAccessible::updateAccessibility(&event);
 }
 
 void QtStatusBarWidget::set_tip(int part, const QString& text) {
-    if (has(part)) parts_[size_t(part)].tip = text;
+    if (has(part)) parts_[size_t(part)]->setToolTip(text);
 }
 
 void QtStatusBarWidget::fill(const Rectangle& area, Colour colour) {
@@ -65,16 +66,6 @@ bool QtStatusBarWidget::eventFilter(QObject*, QEvent* event) {
     return false;
 }
 
-bool QtStatusBarWidget::event(QEvent* event) {
-    if (event->type() != QEvent::ToolTip) return QWidget::event(event);
-    const auto* help = static_cast<QHelpEvent*>(event);
-    for (int part = 0; has(part); ++part) {
-        if (!area_of(part).contains(help->pos())) continue;
-        QToolTip::showText(help->globalPos(), parts_[size_t(part)].tip, this);
-    }
-    return true;
-}
-
 void QtStatusBarWidget::resizeEvent(QResizeEvent*) {
     drawing_ = plain_picture(size(), palette().color(QPalette::Window));
 }
@@ -85,17 +76,20 @@ void QtStatusBarWidget::paintEvent(QPaintEvent*) {
     for (int part = 0; has(part); ++part) {
         const QRect area = area_of(part);
         if (part == drawn_part_) painter.drawImage(area, drawing_, area);
-        const QString text =
-            fontMetrics().elidedText(parts_[size_t(part)].text, Qt::ElideRight,
-                                     area.width() - 2 * TEXT_MARGIN, Qt::TextSingleLine);
-        painter.setPen(palette().color(QPalette::WindowText));
-        painter.drawText(area.adjusted(TEXT_MARGIN, 0, -TEXT_MARGIN, 0),
-                         Qt::AlignVCenter | Qt::TextSingleLine, text);
         painter.setPen(palette().color(QPalette::Mid));
         if (part > 0) painter.drawLine(area.left(), 4, area.left(), height() - 5);
     }
     painter.setPen(palette().color(QPalette::Mid));
     painter.drawLine(0, 0, width() - 1, 0);
+}
+
+void QtStatusBarWidget::Part::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    const QRect area = rect().adjusted(TEXT_MARGIN, 0, -TEXT_MARGIN, 0);
+    painter.setPen(palette().color(QPalette::WindowText));
+    painter.drawText(
+        area, Qt::AlignVCenter | Qt::TextSingleLine,
+        fontMetrics().elidedText(text(), Qt::ElideRight, area.width(), Qt::TextSingleLine));
 }
 
 bool QtStatusBar::create(std::span<const int> right_edges, int drawn_part) {

@@ -3,13 +3,14 @@
 #include "platform/status_bar.h"
 
 #include <QImage>
+#include <QLabel>
 #include <QString>
 #include <QWidget>
 
 #include <memory>
 #include <vector>
 
-/// The bar itself, at the bottom of the client area.
+/// The bar itself, at the bottom of the client area. Each part is a label over its area.
 class QtStatusBarWidget final : public QWidget {
 public:
     QtStatusBarWidget(QtCanvas& canvas, QtEvents& events, std::span<const int> right_edges,
@@ -23,22 +24,27 @@ public:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 protected:
-    bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
 private:
-    struct Part {
-        int right_edge = 0; ///< -1: the bar's
-        QString text;
-        QString tip;
+    /// A label that ends in "..." where its text is too long.
+    class Part final : public QLabel {
+    public:
+        Part(QWidget* bar, int edge) : QLabel(bar), right_edge(edge) {
+            setTextFormat(Qt::PlainText);
+        }
+        const int right_edge; ///< -1: the bar's
+
+    protected:
+        void paintEvent(QPaintEvent* event) override;
     };
 
     bool has(int part) const { return part >= 0 && size_t(part) < parts_.size(); }
     QRect area_of(int part) const;
 
     QtEvents& events_;
-    std::vector<Part> parts_;
+    std::vector<std::unique_ptr<Part>> parts_;
     int drawn_part_;
     QImage drawing_; ///< of the whole bar; its drawn part is shown
 };

@@ -10,6 +10,8 @@
 #include <QScreen>
 #include <QWindow>
 
+#include <utility>
+
 namespace {
 
 constexpr int LONGEST_OPENING = 1000; ///< ms
@@ -185,3 +187,8 @@ void QtWindow::check_item(int id, bool checked) { menu_.check(id, checked); }
 void QtWindow::set_item_text(int id, const std::string& text) { menu_.set_text(id, text); }
 
 void QtWindow::claim_keys(std::span<const KeyChord> chords) { input_.claim(chords); }
+
+void QtWindow::set_readable(const std::string& name, std::function<ReadableText()> text) {
+    canvas_.setAccessibleName(to_qt(name));
+    canvas_.set_readable(std::move(text));
+}

@@ -32,6 +32,7 @@ public:
     void check_item(int id, bool checked) override;
     void set_item_text(int id, const std::string& text) override;
     void claim_keys(std::span<const KeyChord> chords) override;
+    void set_readable(const std::string& name, std::function<ReadableText()> text) override;
 
     QtCanvas& canvas() { return canvas_; }
     QScreen* screen() const { return frame_.screen(); }

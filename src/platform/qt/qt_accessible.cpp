@@ -1,0 +1,112 @@
+#include "platform/qt/qt_accessible.h"
+
+#include "platform/qt/qt_canvas.h"
+#include "platform/qt/qt_status_bar.h"
+
+#include <QAccessibleWidget>
+
+#include <algorithm>
+#include <iterator>
+#include <memory>
+
+namespace {
+
+/// The canvas as a terminal that is only read.
+class CanvasReader final : public QAccessibleWidget, public QAccessibleTextInterface {
+public:
+    explicit CanvasReader(QtCanvas& canvas)
+        : QAccessibleWidget(&canvas, QAccessible::Terminal), canvas_(canvas) {}
+
+    QAccessible::State state() const override {
+        QAccessible::State state = QAccessibleWidget::state();
+        state.readOnly = state.multiLine = true;
+        return state;
+    }
+    void* interface_cast(QAccessible::InterfaceType type) override {
+        if (type == QAccessible::TextInterface) return static_cast<QAccessibleTextInterface*>(this);
+        return QAccessibleWidget::interface_cast(type);
+    }
+    using QAccessibleWidget::text;
+
+    QString text(int start, int end) const override {
+        return canvas_.readable().text.mid(start, end - start);
+    }
+    int characterCount() const override { return int(canvas_.readable().text.size()); }
+    int cursorPosition() const override { return canvas_.readable().cursor; }
+
+    // Close enough for a magnifier: as if the cells filled the area above the status bar.
+    QRect characterRect(int offset) const override {
+        const QStringList before = text(0, offset).split('\n');
+        const QSize cell = cell_size();
+        return {text_area().topLeft() + QPoint(int(before.back().size()) * cell.width(),
+                                               int(before.size() - 1) * cell.height()),
+                cell};
+    }
+    int offsetAtPoint(const QPoint& point) const override {
+        const QPoint inside = point - text_area().topLeft();
+        const int row = inside.y() / cell_size().height();
+        const int column = inside.x() / cell_size().width();
+        const QStringList lines = canvas_.readable().text.split('\n');
+        if (inside.x() < 0 || inside.y() < 0 || row >= lines.size()) return -1;
+        if (column >= lines[row].size()) return -1;
+        return int(lines.first(row).join('\n').size()) + (row > 0 ? 1 : 0) + column;
+    }
+    QString attributes(int, int* start, int* end) const override {
+        *start = 0;
+        *end = characterCount();
+        return {};
+    }
+
+    // Nothing can be marked or changed, and all of it is in view.
+    void selection(int, int* start, int* end) const override { *start = *end = 0; }
+    int selectionCount() const override { return 0; }
+    void addSelection(int, int) override {}
+    void removeSelection(int) override {}
+    void setSelection(int, int, int) override {}
+    void setCursorPosition(int) override {}
+    void scrollToSubstring(int, int) override {}
+
+private:
+    QRect text_area() const { return rect().adjusted(0, 0, 0, -canvas_.childrenRect().height()); }
+    QSize cell_size() const {
+        const QStringList lines = canvas_.readable().text.split('\n');
+        qsizetype columns = 1;
+        for (const QString& line : lines) columns = std::max(columns, line.size());
+        const qsizetype rows = std::max<qsizetype>(lines.size() - 1, 1);
+        return {std::max(text_area().width() / int(columns), 1),
+                std::max(text_area().height() / int(rows), 1)};
+    }
+
+    QtCanvas& canvas_;
+};
+
+class StatusBarReader final : public QAccessibleWidget {
+public:
+    explicit StatusBarReader(QtStatusBarWidget& bar)
+        : QAccessibleWidget(&bar, QAccessible::StatusBar, "Status bar") {}
+};
+
+/// Qt owns what it gets.
+QAccessibleInterface* make_reader(const QString&, QObject* object) {
+    if (auto* canvas = dynamic_cast<QtCanvas*>(object)) {
+        return std::make_unique<CanvasReader>(*canvas).release();
+    }
+    if (auto* bar = dynamic_cast<QtStatusBarWidget*>(object)) {
+        return std::make_unique<StatusBarReader>(*bar).release();
+    }
+    return nullptr;
+}
+
+} // namespace
+
+TextChange text_change(const QString& before, const QString& after) {
+    const auto [first_before, first_after] = std::ranges::mismatch(before, after);
+    const auto [last_before, last_after] =
+        std::mismatch(before.rbegin(), std::reverse_iterator(first_before), after.rbegin(),
+                      std::reverse_iterator(first_after));
+    const qsizetype place = first_after - after.begin();
+    return {place, before.mid(place, last_before.base() - first_before),
+            after.mid(place, last_after.base() - first_after)};
+}
+
+void qt_install_accessibility() { QAccessible::installFactory(make_reader); }

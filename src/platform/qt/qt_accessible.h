@@ -1,0 +1,15 @@
+#pragma once
+/// What screen readers find in the main window beside Qt's own widgets: the client area as a
+/// terminal with its text, the status bar with a label for each part.
+
+#include <QString>
+
+/// What turns one text into another: all from the first difference to the last.
+struct TextChange {
+    qsizetype place = 0;
+    QString removed, inserted;
+};
+TextChange text_change(const QString& before, const QString& after);
+
+/// Makes both known to Qt. Before a window is made.
+void qt_install_accessibility();
