@@ -282,7 +282,8 @@ TEST_F(CommandsTest, SoundOutputAndItsRecording) {
     EXPECT_FALSE(is_menu_item_checked(40120));
     EXPECT_EQ(read_file("sound.wav")[4], 36) << "closed";
 
-    command_with_file(40120, "sound");
+    command_with_file(40120, "other");
+    EXPECT_TRUE(is_menu_item_checked(40120));
     handle_command(118);
     EXPECT_FALSE(host->audio().device);
     EXPECT_FALSE(is_menu_item_checked(40120)) << "the recording ends with the sound";
