@@ -338,15 +338,17 @@ const Entry& find_entry(uint16_t& next) {
     return (*minor[size_t(second.kind)])[peek_memory(next++)];
 }
 
-/// The first and the second number that the text of the entry asks for.
+/// The first and the second number that the text of the entry asks for. No byte beyond them is
+/// read: it may be a device's, and reading the disk controller's status ends its interrupt request.
 std::array<unsigned, 2> operands_of(const Entry& entry, uint16_t next) {
-    const uint8_t first = peek_memory(next);
-    const uint8_t second = peek_memory(uint16_t(next + 1));
+    const auto behind = uint16_t(next + 1);
     switch (entry.kind) {
-    case WORD: return {second, first};
-    case JUMP_DISTANCE: return {uint16_t(next + 1 + int8_t(first)), 0};
+    case BYTE: return {peek_memory(next), 0};
+    case WORD: return {peek_memory(behind), peek_memory(next)};
+    case TWO_BYTES: return {peek_memory(next), peek_memory(behind)};
+    case JUMP_DISTANCE: return {uint16_t(behind + int8_t(peek_memory(next))), 0};
     case BYTE_BEFORE_OPCODE: return {peek_memory(uint16_t(next - 2)), 0};
-    default: return {first, second};
+    default: return {0, 0};
     }
 }
 
