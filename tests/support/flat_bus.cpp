@@ -10,35 +10,33 @@ void FlatBus::load(uint16_t address, std::initializer_list<int> bytes) {
     for (const int byte : bytes) memory[address++] = uint8_t(byte);
 }
 
+void FlatBus::note(Access access, uint32_t address, uint8_t value) {
+    if (!record) return;
+    events.push_back({access, uint16_t(address), value});
+    times.push_back(z80_state.t_count);
+}
+
 uint8_t mem_read(uint32_t address) {
     z80_state.t_count += flat_bus.wait_cycles;
     const uint8_t value = flat_bus.memory[address];
-    if (flat_bus.record) {
-        flat_bus.events.push_back({FlatBus::Access::read, uint16_t(address), value});
-    }
+    flat_bus.note(FlatBus::Access::read, address, value);
     return value;
 }
 
 void mem_write(uint32_t address, uint8_t value) {
     z80_state.t_count += flat_bus.wait_cycles;
     flat_bus.memory[address] = value;
-    if (flat_bus.record) {
-        flat_bus.events.push_back({FlatBus::Access::write, uint16_t(address), value});
-    }
+    flat_bus.note(FlatBus::Access::write, address, value);
 }
 
 uint8_t z80_in(uint32_t port) {
     const uint8_t value = flat_bus.input[port];
-    if (flat_bus.record) {
-        flat_bus.events.push_back({FlatBus::Access::in, uint16_t(port), value});
-    }
+    flat_bus.note(FlatBus::Access::in, port, value);
     return value;
 }
 
 void z80_out(uint32_t port, uint8_t value) {
-    if (flat_bus.record) {
-        flat_bus.events.push_back({FlatBus::Access::out, uint16_t(port), value});
-    }
+    flat_bus.note(FlatBus::Access::out, port, value);
     if (flat_bus.on_out) flat_bus.on_out(uint8_t(port), value);
 }
 

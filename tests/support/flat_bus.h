@@ -19,6 +19,7 @@ struct FlatBus {
     std::array<uint8_t, 256> input = {}; ///< what each port reads
     bool record = false;                 ///< keep `events`
     std::vector<Event> events;           ///< every access in order
+    std::vector<int64_t> times;          ///< t_count of each, with its wait cycles
     int wait_cycles = 0;                 ///< added to t_count by every memory access
     std::vector<int> traps;              ///< numbers of the traps taken
     void (*on_trap)(int number) = nullptr;
@@ -26,6 +27,8 @@ struct FlatBus {
 
     /// Back to zeroed memory and no recording.
     void clear();
+    /// Keeps an access, when that is asked for.
+    void note(Access access, uint32_t address, uint8_t value);
     /// Places bytes at an address.
     void load(uint16_t address, std::initializer_list<int> bytes);
 };

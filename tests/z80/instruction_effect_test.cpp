@@ -129,6 +129,7 @@ constexpr Case unprefixed[] = {
     {"CALL, stack wraps", "CD 34 12", "SP=0001", "PC=1234 SP=FFFF", "wFFFF=03 w00=80"},
     {"RET", "C9", "(7F00)=34 (7F01)=12", "PC=1234 SP=7F02", "r7F00 r7F01"},
     {"CALL NZ taken", "C4 34 12", "F=BF", "PC=1234 SP=7EFE", "w7EFE=03 w7EFF=80"},
+    {"CALL NZ not taken", "C4 34 12", "F=40", "", ""}, // reads its operand all the same
     {"RET NC taken", "D0", "F=FE (7F00)=34 (7F01)=12", "PC=1234 SP=7F02", "r7F00 r7F01"},
     {"RST 38", "FF", "", "PC=0038 SP=7EFE", "w7EFE=01 w7EFF=80"},
     {"PUSH BC", "C5", "", "SP=7EFE", "w7EFE=C2 w7EFF=B1"},

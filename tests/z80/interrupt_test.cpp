@@ -6,6 +6,9 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <span>
+
 namespace {
 
 struct Interrupt : testing::Test {
@@ -93,6 +96,8 @@ TEST_F(Interrupt, AcceptanceByMode) {
         flat_bus.record = true;
         EXPECT_EQ(z80_run(0), -(4 + cost)) << mode;
         EXPECT_EQ(data_accesses(origin, 1), accesses) << mode;
+        const std::vector<int64_t> times = {0, 11, 14, 14, 14}; // the NOP's 4, then 7 and 3
+        EXPECT_TRUE(std::ranges::equal(flat_bus.times, std::span(times).first(mode == 2 ? 5 : 3)));
         EXPECT_EQ(z80_state.pc, vector) << mode;
         EXPECT_EQ(z80_state.r, 0x80) << mode; // one count for the NOP, one for the acceptance
         EXPECT_EQ(z80_state.iff1 | z80_state.iff2, 0) << mode;
@@ -186,6 +191,7 @@ TEST_F(Interrupt, SoftResetGivesExactlyOneNmi) {
     flat_bus.record = true;
     EXPECT_EQ(z80_run(0), -(4 + 11));
     EXPECT_EQ(data_accesses(origin, 1), "w7EFE=01 w7EFF=80");
+    EXPECT_EQ(flat_bus.times, (std::vector<int64_t>{0, 4, 4})); // its cost is added at the end
     EXPECT_EQ(z80_state.pc, 0x0066);
     EXPECT_EQ(z80_state.r, 0x34);
     EXPECT_EQ(z80_state.iff1, 0);

@@ -48,10 +48,11 @@ inline std::string describe(const z80_record& s) {
 }
 
 /// The recorded accesses behind the fetch of `length` bytes from `start`, as "r4000 w4001=12 i10
-/// o10=34". A fetch out of order shows up among them.
+/// o10=34". A fetch out of order shows up among them, a fetch too few is told.
 inline std::string data_accesses(uint16_t start, size_t length) {
     std::string text;
     char entry[16];
+    if (flat_bus.events.size() < length) return "not read whole";
     for (size_t n = 0; n < flat_bus.events.size(); n++) {
         const auto& [access, address, value] = flat_bus.events[n];
         const bool fetch = access == FlatBus::Access::read && address == uint16_t(start + n);
