@@ -1,8 +1,6 @@
 #include "z80/z80.h"
 
-#include "z80/z80_operations.h"
-#include "z80/z80_prefixed.h"
-#include "z80/z80_unprefixed.h"
+#include "z80/z80_instruction.h"
 
 z80_record z80_state;
 
@@ -10,33 +8,9 @@ namespace {
 
 namespace op = z80_operations;
 
-constexpr uint8_t OPCODE_HALT = 0x76;
-constexpr uint8_t OPCODE_EI = 0xFB;
 constexpr uint64_t SCAN_LINES_PER_SECOND = 15625;
 
 bool stood_on_breakpoint = false; ///< at the last look
-
-/// After an instruction that began with `opcode`: the NMI goes before the maskable interrupt, which
-/// is not accepted directly behind EI. The address pushed for a HALT is the one behind it.
-void offer_interrupts(z80_registers& s, uint8_t opcode) {
-    const bool take_nmi = z80_state.nmi && !z80_state.nmi_in_progress;
-    const bool take_irq = z80_state.irq && s.iff1 && opcode != OPCODE_EI;
-    if (!take_nmi && !take_irq) return;
-    if (opcode == OPCODE_HALT) ++s.pc;
-    if (take_nmi) {
-        op::accept_nmi(s);
-    } else {
-        op::accept_irq(s);
-    }
-}
-
-/// One instruction on `s`, and the interrupt after it.
-inline void step(z80_registers& s) {
-    const uint8_t opcode = op::fetch(s);
-    op::count_refresh(s);
-    z80_state.t_count += op::execute(s, opcode);
-    if (z80_state.irq | z80_state.nmi) offer_interrupts(s, opcode);
-}
 
 /// Two loops, since noting the starts takes some percent of the processor's speed. Both are
 /// flattened: with every operation inside, the host keeps the registers in its own.
@@ -46,7 +20,7 @@ inline int32_t run_budget(int32_t budget) {
     z80_registers s = z80_state;
     do {
         if constexpr (NOTES_STARTS) z80_state.instruction_start = z80_state.t_count;
-        step(s);
+        op::run_instruction(s);
     } while (z80_state.t_count < end);
     static_cast<z80_registers&>(z80_state) = s;
     return int32_t(end - z80_state.t_count);
@@ -59,7 +33,7 @@ inline int32_t run_budget(int32_t budget) {
 }
 
 [[gnu::flatten]] int32_t z80_run(int32_t budget) {
-    return budget == 0 ? z80_run_noting_starts(0) : run_budget<false>(budget);
+    return budget == 0 ? op::run_single_instruction() : run_budget<false>(budget);
 }
 
 void cpu_run() { z80_run(1); }
