@@ -12,7 +12,7 @@ if [[ -n ${WAYLAND_DISPLAY:-} ]]; then run_packages+=(qt6-wayland); fi
 test_packages=(libgtest-dev libgif-dev libbenchmark-dev libz80ex-dev clang libclang-rt-dev
                clang-format clang-tidy python3 xvfb xdotool x11-xkb-utils x11-utils appstream
                desktop-file-utils groff-base libxml2-utils shared-mime-info openbox ffmpeg
-               libavcodec-dev libswscale-dev weston qt6-wayland)
+               libavcodec-dev libswscale-dev weston qt6-wayland nlohmann-json3-dev)
 package_packages=(debootstrap dpkg-dev)
 picture_packages=(xvfb xdotool x11-utils openbox imagemagick)
 

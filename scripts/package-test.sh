@@ -157,7 +157,7 @@ for page in tarvelin tarvelin-bas tarvelin-disk; do
 done
 for name in copyright changelog.gz; do check "$name" test -s "$root$documents/$name"; done
 # Every picture and page that the manuals show or lead to is there.
-for page in manual firmware benchmarks; do
+for page in manual firmware benchmarks accuracy; do
     check "$page.html" test -s "$root$documents/$page.html"
     while read -r target; do
         check "$page.html: $target" test -s "$root$documents/$target"

@@ -2,18 +2,43 @@
 /// Zilog Z80, modelled instruction by instruction.
 ///
 /// One processor, one global record. The run loop executes whole instructions; every instruction
-/// adds its T-states to the cycle counter, and the bus functions add the machine's wait cycles to
-/// the same counter while they run, so a device that reads `t_count` during an access sees the
-/// time of that access.
+/// adds its T-states to the cycle counter when its work is done, and the bus functions add the
+/// machine's wait cycles to the same counter while they run. A device that reads `t_count` during
+/// an access thus sees the start of the instruction and the wait cycles since; only an accepted
+/// interrupt and the passes of CPIR and CPDR count as they go.
 ///
 /// Modelled: all documented instructions, SLL, the halves of IX and IY, the register copies of the
 /// DDCB and FDCB groups, the mirrored ED opcodes, flag bits 5 and 3, the refresh register,
 /// interrupt modes 0 to 2, the NMI, HALT and the delay of one instruction after EI.
-/// Left out: the hidden WZ register and the Q latch behind bits 5 and 3 of BIT n,(HL), SCF and
-/// CCF; software of this machine does not look at them.
-/// Differences from the chip, kept on purpose: IN A,(n) costs 10 and IN r,(C) costs 11 T-states,
-/// undefined ED opcodes cost nothing, CPIR and CPDR search in one step, modes 0 and 1 both enter
-/// at 0038, and only the low eight address bits of a port exist.
+///
+/// Every difference from the chip; software of this machine does not look at them, and
+/// docs/accuracy.html shows them against the public exercisers.
+/// Flags
+/// - No WZ register: BIT n,(HL) and BIT n,(IX+d) clear bits 5 and 3, the undocumented opcodes of
+///   BIT n,(IX+d) copy them from the byte. No Q latch: SCF and CCF take them from A alone.
+/// - IN r,(C) keeps bits 5 and 3.
+/// - INI, IND, OUTI and OUTD change Z and N only; N is always set.
+/// - A repeated pass of a block instruction leaves all flags as they were.
+/// - LD A,I and LD A,R show IFF2 also when an interrupt is accepted behind them.
+/// Times
+/// - IN A,(n) costs 10 and IN r,(C) 11 T-states, one less than on the chip.
+/// - CPIR and CPDR search in one step: no interrupt comes between two passes, and R counts two in
+///   all.
+/// - The holes of the ED group cost nothing. ED 4E and 6E are holes and do not set mode 0; ED 00 to
+///   0C are traps.
+/// - DD or FD before an opcode without an index form is an instruction of its own, which counts two
+///   refreshes: three with the opcode behind, and an interrupt can come between.
+/// - HALT keeps no state: PC stays on it, and it is fetched again every 4 T-states.
+/// Interrupts
+/// - Mode 0 enters at 0038 as mode 1 does, in 13 T-states. The vector of mode 2 is at I:FF, since
+/// no
+///   device puts a byte on the bus.
+/// - RETI and the mirrors of RETN leave IFF1 alone; the chip copies IFF2 as RETN does.
+/// - A request for the NMI stays: it is taken once until z80_ack_nmi, and RETN does not end it.
+/// Bus
+/// - PUSH, CALL, RST, EX (SP) and the NMI write the low byte first, the chip the high byte.
+/// - A prefix that stands alone has the opcode behind it read twice.
+/// - Ports have the low eight address bits only. There are no refresh addresses.
 ///
 /// All times are T-states of the machine's main clock.
 
