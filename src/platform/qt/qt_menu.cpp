@@ -3,9 +3,21 @@
 #include "platform/qt/qt_text.h"
 
 #include <QMenu>
+#include <QStyleOption>
 
 QtMenu::QtMenu(QMenuBar& bar, QtEvents& events) : bar_(bar), events_(events) {
     bar_.setNativeMenuBar(false);
+    bar_.setStyle(&style_);
+}
+
+void QtMenu::Style::drawControl(ControlElement element, const QStyleOption* option,
+                                QPainter* painter, const QWidget* widget) const {
+    const auto* item = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
+    if (element != CE_MenuBarItem || !item || !(item->state & State_Selected))
+        return QProxyStyle::drawControl(element, option, painter, widget);
+    QStyleOptionMenuItem marked = *item;
+    marked.state |= State_Sunken;
+    QProxyStyle::drawControl(element, &marked, painter, widget);
 }
 
 void QtMenu::set(const std::vector<MenuEntry>& menus) {

@@ -4,6 +4,7 @@
 
 #include <QAction>
 #include <QMenuBar>
+#include <QProxyStyle>
 
 #include <map>
 
@@ -18,9 +19,18 @@ public:
     void set_text(int id, const std::string& text);
 
 private:
+    /// Marks the chosen menu also while none is pulled down: the bar has the keyboard then, and the
+    /// machine stands still.
+    class Style final : public QProxyStyle {
+    public:
+        void drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
+                         const QWidget* widget) const override;
+    };
+
     void add(QMenu& menu, const MenuEntry& entry);
     void choose(int id, QAction& action);
 
+    Style style_;
     QMenuBar& bar_;
     QtEvents& events_;
     std::map<int, QAction*> items_;
