@@ -1,22 +1,24 @@
 #!/usr/bin/env bash
-# Measures the desktop program at normal speed while it plays a chord on a virtual X server: speed by
-# the clock, gaps in the sound, processor time, and processor time while it is paused.
-# usage: scripts/pacing.sh [MINUTES]        ten without an argument
+# Measures the desktop program at normal speed while it plays a tone on a virtual X server: speed by
+# the clock, gaps in the sound, processor time, and processor time while it is paused. Then, without a
+# window, the time from the write of a sound register to the device at three settings of SoundLatency,
+# and beside four busy processes.
+# usage: scripts/pacing.sh [MINUTES]        of each run; ten without an argument
 # BUILD_DIR names another build folder than build/release. The host should have nothing else to do.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 build=${BUILD_DIR:-build/release}
 minutes=${1:-10}
-device=$PWD/tests/soak/sound_device.py
 
 scripts/dependencies.sh test
 [[ -f $build/build.ninja ]] || cmake --preset release -B "$build" >/dev/null
-cmake --build "$build" --target tarvelin mkcmd
+cmake --build "$build" --target tarvelin mkcmd sound_device sound_latency
 program=$build/src/tarvelin
-chord=$PWD/tests/soak/chord.asm examples=$PWD/examples
+tone=$PWD/tests/soak/sound_steps.asm examples=$PWD/examples
 mkcmd=$(realpath "$build/tools/mkcmd")
+soak=$(realpath "$build/tests/soak")
 source tests/desktop/desktop.sh
-trap 'kill -9 ${device_pid:-} ${program_pid:-} 2>/dev/null || true; clean_up' EXIT
+trap 'kill -9 ${program_pid:-} ${busy_pids:-} 2>/dev/null || true; clean_up' EXIT
 
 stolen() { awk '/^cpu /{print $9 / 100}' /proc/stat; } # seconds that a virtual host did not run
 now() { awk '{print $1}' /proc/uptime; }
@@ -32,16 +34,13 @@ row() {
 
 seconds=$(awk "BEGIN {print int($minutes * 60)}")
 first=5 # second of machine time where measuring begins
-pasmo --bin -I "$examples" "$chord" chord.bin
-"$mkcmd" chord.cmd 5800 5800 chord.bin
-mkfifo sound
-python3 "$device" sound >device.log &
-device_pid=$!
+pasmo --bin -I "$examples" "$tone" tone.bin
+"$mkcmd" tone.cmd 5800 5800 tone.bin
 start_server
-export SDL_AUDIODRIVER=disk SDL_DISKAUDIOFILE=$work/sound SDL_DISKAUDIODELAY=0
+export SDL_AUDIODRIVER=disk SDL_DISKAUDIOFILE=by-the-clock SDL_DISKAUDIODELAY=0
 
-start_program /s "$first" /t $((first + seconds)) chord.cmd
-wait_for chord0000.gif
+LD_PRELOAD=$soak/sound_device.so SOUND_DEVICE_LOG=device.log start_program /s "$first" /t $((first + seconds)) tone.cmd
+wait_for tone0000.gif
 used=$(ticks) then=$(now) stolen=$(stolen)
 slow=0
 while kill -0 "$program_pid" 2>/dev/null; do
@@ -51,15 +50,14 @@ while kill -0 "$program_pid" 2>/dev/null; do
     sleep 1
 done
 wait "$program_pid" || fail "the program ended badly: $(cat program.log)"
-wait "$device_pid" || fail "the sound device"
 stolen=$(awk "BEGIN {print $(stolen) - $stolen}")
 # The settings are written as soon as the machine stops.
-took=$(awk "BEGIN {print $(stat -c %.6Y config/tarvelin/settings.toml) - $(stat -c %.6Y chord0000.gif)}")
-read -r played late gaps < <(sed -n '1s/[a-z]*=//gp' device.log)
+took=$(awk "BEGIN {print $(stat -c %.6Y config/tarvelin/settings.toml) - $(stat -c %.6Y tone0000.gif)}")
+read -r played late gaps <device.log
 
 unset SDL_DISKAUDIOFILE SDL_DISKAUDIODELAY
 export SDL_AUDIODRIVER=dummy
-start_program chord.cmd
+start_program tone.cmd
 sleep 3
 xdotool key Pause
 sleep 1
@@ -78,4 +76,25 @@ row "processor time" "$(of_core "$used" "$used_last" "$then" "$last")" % 0 15
 row "processor time while paused" "$paused_load" % 0 1
 sed 1d device.log
 if [[ $gaps != 0 ]]; then echo "  a virtual host stood still for $stolen s in all, which may be why"; fi
+
+unset SDL_AUDIODRIVER
+# latency SETTING: what is said of a run, into latency.log
+latency() { "$soak/sound_latency" "$minutes" "$1" >latency.log 2>messages.log; }
+median() { sed -n 's/.*median \([0-9.]*\).*/\1/p' latency.log; }
+# gaps_after SECONDS
+gaps_after() { awk -v after="$1" '$2 == "gap" && $(NF - 1) >= after' latency.log | wc -l; }
+for setting in 30 60 150; do
+    latency "$setting"
+    row "latency set to $setting ms" "$(median)" ms $((setting * 9 / 10)) $((setting * 11 / 10))
+    row "gaps" "$(gaps_after 0)" "" 0 $((seconds / 600 + 1))
+done
+busy_pids=
+for _ in 1 2 3 4; do
+    while :; do :; done &
+    busy_pids+=" $!"
+done
+latency 60
+row "latency beside busy processes" "$(median)" ms 54 300
+grep -o 'Sound latency raised to [0-9]* ms' messages.log | sed 's/^/  /' || true
+row "gaps in the second half" "$(gaps_after $((seconds / 2)))" "" 0 0
 exit "$problems"

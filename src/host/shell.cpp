@@ -129,6 +129,13 @@ void read_display_settings() {
     }
 }
 
+void read_sound_latency() {
+    uint32_t latency = DEFAULT_LATENCY;
+    GetValueDword("SoundLatency", &latency);
+    const uint32_t possible = dsound_set_latency(latency);
+    if (possible != latency) SetValueDword("SoundLatency", &possible);
+}
+
 /// The path as it is from wherever the next run starts.
 std::string lasting_path(const std::string& path) {
     std::error_code error;
@@ -299,6 +306,7 @@ void emu_init(const CommandLine& line) {
     prefs_init();
     prefs_hold();
     read_flag("Sound", g_bSound);
+    read_sound_latency();
     if (g_bSound) {
         dsound_init(SOUND_RATE);
         ym2149_reset();

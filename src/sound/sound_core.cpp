@@ -36,7 +36,8 @@ std::unique_ptr<iir_filter> hpfilter;
 std::array<uint16_t, 2 * FRAGMENT_SAMPLES> sound_buffer;
 std::array<uint16_t, MIX_ROOM> mix_buffer;
 uint32_t sound_update_pos = 0; ///< samples of the fragment that stand
-uint32_t sb_pos = 0;           ///< byte offset of the next fragment in the ring
+uint32_t begun_at_frame_end = 0;
+uint32_t sb_pos = 0; ///< byte offset of the next fragment in the ring
 uint32_t last_sample_pos = 0;
 
 int next_fragment_count = 1;
@@ -228,7 +229,12 @@ void sound_update(int64_t cycles) {
     last_sample_pos = position;
 }
 
-void sound_flush(int64_t cycles) { sound_update(cycles); }
+void sound_flush(int64_t cycles) {
+    sound_update(cycles);
+    begun_at_frame_end = sound_update_pos;
+}
+
+uint32_t sound_samples_begun() { return begun_at_frame_end; }
 
 uint16_t* sound_get_buffer_ptr() { return sound_buffer.data(); }
 

@@ -58,6 +58,8 @@ void sound_resume();
 void sound_update(int64_t cycles);
 /// The same, at the end of a frame.
 void sound_flush(int64_t cycles);
+/// Samples that the fragment in the making had at the end of the last frame, 0 to 959.
+uint32_t sound_samples_begun();
 /// The fragment buffer as it stands: the fragment in the making, before the filter, and behind it
 /// what is left of the one before.
 uint16_t* sound_get_buffer_ptr();

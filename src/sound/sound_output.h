@@ -8,6 +8,14 @@
 
 #include <cstdint>
 
+constexpr uint32_t SHORTEST_LATENCY = 30; ///< ms, from a register's write to the device
+constexpr uint32_t DEFAULT_LATENCY = 60;
+constexpr uint32_t LONGEST_SET_LATENCY = 150;
+
+/// The median time from the write of a sound register to the device's taking the sample, for the
+/// next dsound_init: `ms` or the nearest possible value, which is the result. When the device has
+/// run dry twice within a minute, the latency grows and the user is told.
+uint32_t dsound_set_latency(uint32_t ms);
 /// Builds the output at `rate` samples per second and registers the driver; 1 on success. A step
 /// that fails shows its message, and the null driver stays.
 int dsound_init(int rate);
@@ -16,7 +24,8 @@ int dsound_init(int rate);
 int dsound_create_secondary_buffer(int rate);
 /// 0 when written, and without a ring; else what failed.
 int dsound_write(const uint16_t* samples, uint32_t offset, uint32_t bytes);
-/// Byte offset up to which the device has taken data, or -1 when unknown.
+/// Byte offset up to which the device has taken data, or -1 when unknown. With a device that is
+/// heard, shifted by what keeps the latency.
 int32_t dsound_get_current_position();
 /// Stops the ring, and starts it again.
 void dsound_pause();

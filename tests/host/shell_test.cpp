@@ -35,6 +35,7 @@ constexpr struct {
     const char* name;
     uint32_t value;
 } DEFAULTS[] = {{"Sound", 1},
+                {"SoundLatency", 60},
                 {"DoubleScan", 1},
                 {"HiResLowe", 0},
                 {"BitDepth", 8},
@@ -121,6 +122,7 @@ TEST_F(ShellTest, DisksThatAreMissingAreToldTogetherAndRemembered) {
 
 TEST_F(ShellTest, BadValuesAreCorrected) {
     store_number("CompositeBlur", 150);
+    store_number("SoundLatency", 29);
     store_number("ActiveConfig", 3);
     store_number("CustomScreenFreq", 151);
     store_number("CustomPalette", 7);
@@ -128,6 +130,7 @@ TEST_F(ShellTest, BadValuesAreCorrected) {
     store_number("Contrast", 0xFFFFFFFF);
     start();
     EXPECT_EQ(stored("CompositeBlur"), 0U) << "at once";
+    EXPECT_EQ(stored("SoundLatency"), 30U);
     EXPECT_EQ(active_machine_cfg, 0U);
     EXPECT_EQ(canvas.header.bits, 8);
     emu_close();

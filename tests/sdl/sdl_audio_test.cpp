@@ -21,7 +21,7 @@ constexpr uint32_t FRAGMENT = 1920;
 
 bool start(SdlAudio& audio) {
     return audio.library_available() && audio.create_device() && audio.set_cooperative() &&
-           audio.create_primary() && audio.set_format(RATE) && audio.create_ring(RING, RATE);
+           audio.create_primary() && audio.set_format(RATE, 512) && audio.create_ring(RING, RATE);
 }
 
 /// Something that keeps every core busy.
@@ -134,7 +134,7 @@ TEST(SdlAudioTest, WithoutADeviceTheStepFails) {
     SdlAudio audio;
     EXPECT_TRUE(audio.library_available());
     EXPECT_FALSE(audio.create_device());
-    EXPECT_FALSE(audio.set_format(RATE));
+    EXPECT_FALSE(audio.set_format(RATE, 512));
     EXPECT_FALSE(audio.create_ring(RING, RATE));
     EXPECT_EQ(audio.position(), -1);
 }

@@ -54,7 +54,7 @@ constexpr sound_driver_table watch = {"watch",      opened,       stays_open,   
 void sound_watch_install() {
     sound_register_driver(&watch); // the output before it has closed its device
     platform().audio().create_device();
-    platform().audio().set_format(SOUND_RATE);
+    platform().audio().set_format(SOUND_RATE, 0);
     dsound_create_secondary_buffer(SOUND_RATE);
     sound_watch_take();
 }

@@ -1,13 +1,18 @@
 // The ring and the steps that make it, on an audio device whose every step can fail.
 
 #include "platform/headless/headless.h"
+#include "sound/beeper.h"
 #include "sound/sound_core.h"
 #include "sound/sound_output.h"
 #include "support/fake_host.h"
+#include "z80/z80.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <array>
+#include <cstdlib>
+#include <vector>
 
 namespace {
 
@@ -153,6 +158,58 @@ TEST_F(SoundOutputTest, ReplacedAndClosedDriversLeaveNothingBehind) {
     EXPECT_FALSE(audio().device);
     EXPECT_TRUE(audio().ring.empty());
     EXPECT_FALSE(driver_is_ours());
+}
+
+/// Milliseconds from a change of the beeper, anywhere in a frame that is run at once, to the
+/// device's taking the step.
+double median_latency(HeadlessPlatform& host) {
+    constexpr int64_t FRAME = 44335;
+    std::vector<double> found;
+    std::vector<uint8_t>& ring = host.audio().ring;
+    int64_t changed = 0; ///< ms
+    int16_t last = 0;
+    auto taken = uint32_t(host.audio().position());
+    for (int64_t now = 0; now < 30'000; now += 20) {
+        if (now > 10'000 && now % 240 == 0) {
+            const int64_t before = now * 7919 % FRAME;
+            sound_update(z80_state.t_count += before);
+            beeper_set_level(now / 240 % 2);
+            z80_state.t_count -= before;
+            changed = now;
+        }
+        sound_flush(z80_state.t_count += FRAME);
+        for (int64_t later = 1; later <= 20; ++later) {
+            host.advance_ns(1'000'000);
+            const auto until = uint32_t(host.audio().position());
+            for (; taken != until; taken = (taken + 2) % RING_BYTES) {
+                const auto sample = int16_t(ring[taken] | ring[taken + 1] << 8);
+                ring[taken] = ring[taken + 1] = 0;
+                if (std::abs(sample - last) > 2000) found.push_back(double(now + later - changed));
+                last = sample;
+            }
+        }
+    }
+    std::ranges::sort(found);
+    return found.empty() ? 0 : found[found.size() / 2];
+}
+
+TEST_F(SoundOutputTest, LatencyIsWhatIsSetAndGrowsAfterTwoGaps) {
+    z80_init(2216750);
+    beeper_init();
+    audio().block = 480;
+    for (const uint32_t set : {150U, 30U, 60U}) {
+        EXPECT_EQ(dsound_set_latency(set), set);
+        ASSERT_EQ(dsound_init(SOUND_RATE), 1);
+        sound_init();
+        EXPECT_NEAR(median_latency(host), set, set * 0.1);
+    }
+    ++audio().times_run_dry;
+    EXPECT_NEAR(median_latency(host), 60, 6);
+    EXPECT_TRUE(fake_host.reports.empty());
+    ++audio().times_run_dry;
+    EXPECT_NEAR(median_latency(host), 80, 8);
+    ASSERT_EQ(fake_host.reports.size(), 1U);
+    EXPECT_EQ(fake_host.reports[0].text, "Sound latency raised to 80 ms");
 }
 
 } // namespace

@@ -7,7 +7,7 @@ constexpr int64_t NS_PER_SECOND = 1'000'000'000;
 constexpr int64_t SAMPLE_BYTES = 2;
 } // namespace
 
-bool HeadlessAudio::set_format(int samples_per_second) {
+bool HeadlessAudio::set_format(int samples_per_second, int) {
     if (!works(AudioStep::format)) return false;
     rate = samples_per_second;
     return true;
@@ -58,6 +58,11 @@ int64_t HeadlessAudio::played_bytes() const {
 int32_t HeadlessAudio::position() {
     if (lost || ring.empty()) return -1;
     return fixed_position ? *fixed_position : int32_t(played_bytes() % int64_t(ring.size()));
+}
+
+void HeadlessAudio::seek(uint32_t offset) {
+    before_ = offset;
+    started_ = now_();
 }
 
 void HeadlessAudio::restore() {

@@ -31,7 +31,8 @@ public:
     bool create_device() override { return device = works(AudioStep::device); }
     bool set_cooperative() override { return works(AudioStep::cooperative); }
     bool create_primary() override { return works(AudioStep::primary); }
-    bool set_format(int rate) override;
+    bool set_format(int rate, int block) override;
+    uint32_t block_bytes() override { return block; }
     bool create_ring(uint32_t bytes, int rate) override;
     bool has_ring() override { return !ring.empty(); }
     bool lock(uint32_t offset, uint32_t bytes, std::span<uint8_t>& first,
@@ -40,6 +41,8 @@ public:
     bool play() override;
     void stop() override;
     int32_t position() override;
+    void seek(uint32_t offset) override;
+    uint32_t underruns() override { return times_run_dry; }
     void restore() override;
     void release_ring() override { ring.clear(); }
     void release_device() override { device = false; }
@@ -53,6 +56,8 @@ public:
     bool device = false;
     bool playing = false;
     int rate = 0;
+    uint32_t block = 0; ///< as if a device took so many bytes at a time
+    uint32_t times_run_dry = 0;
     int plays = 0; ///< starts
     int stops = 0;
     int restores = 0;

@@ -6,8 +6,7 @@
 #include <utility>
 
 namespace {
-/// 11 ms: half a fragment, so that the position moves on between two looks at it.
-constexpr uint16_t DEVICE_SAMPLES = 512;
+constexpr uint32_t SAMPLE_BYTES = 2;
 } // namespace
 
 SdlAudio::~SdlAudio() { release_device(); }
@@ -24,9 +23,10 @@ bool SdlAudio::create_device() {
     return started_;
 }
 
-bool SdlAudio::set_format(int rate) {
+bool SdlAudio::set_format(int rate, int block) {
     close();
     rate_ = rate;
+    block_ = block;
     return open();
 }
 
@@ -35,7 +35,7 @@ bool SdlAudio::open() {
     wanted.freq = rate_;
     wanted.format = AUDIO_S16SYS;
     wanted.channels = 1;
-    wanted.samples = DEVICE_SAMPLES;
+    wanted.samples = uint16_t(block_);
     wanted.callback = fill;
     wanted.userdata = this;
     if (started_) device_ = SDL_OpenAudioDevice(nullptr, 0, &wanted, nullptr, 0);
@@ -62,6 +62,7 @@ void SdlAudio::replace_ring(std::vector<uint8_t> ring) {
     if (device_) SDL_LockAudioDevice(device_);
     ring_ = std::move(ring);
     read_ = 0;
+    written_ = 0;
     if (device_) SDL_UnlockAudioDevice(device_);
 }
 
@@ -73,6 +74,7 @@ bool SdlAudio::lock(uint32_t offset, uint32_t bytes, std::span<uint8_t>& first,
     const size_t before_end = std::min<size_t>(bytes, ring_.size() - offset);
     first = whole.subspan(offset, before_end);
     second = whole.first(bytes - before_end);
+    written_ = (offset + bytes) % ring_.size();
     return true;
 }
 
@@ -94,6 +96,14 @@ void SdlAudio::stop() {
 }
 
 int32_t SdlAudio::position() { return lost() || ring_.empty() ? -1 : int32_t(read_); }
+
+uint32_t SdlAudio::block_bytes() { return lost() ? 0 : uint32_t(block_) * SAMPLE_BYTES; }
+
+void SdlAudio::seek(uint32_t offset) {
+    SDL_LockAudioDevice(device_);
+    if (offset < ring_.size()) read_ = offset;
+    SDL_UnlockAudioDevice(device_);
+}
 
 void SdlAudio::restore() {
     if (!lost()) return;
@@ -122,6 +132,8 @@ void SdlAudio::take(std::span<uint8_t> stream) {
         return;
     }
     size_t at = read_;
+    const size_t written_ahead = (written_ + ring_.size() - at) % ring_.size();
+    if (written_ahead < stream.size()) ++underruns_;
     while (!stream.empty()) {
         const size_t run = std::min(stream.size(), ring_.size() - at);
         const std::span<uint8_t> taken = std::span(ring_).subspan(at, run);

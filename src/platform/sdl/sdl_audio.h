@@ -21,7 +21,8 @@ public:
     bool create_device() override;
     bool set_cooperative() override { return started_; }
     bool create_primary() override { return started_; }
-    bool set_format(int rate) override;
+    bool set_format(int rate, int block) override;
+    uint32_t block_bytes() override;
     bool create_ring(uint32_t bytes, int rate) override;
     bool has_ring() override { return !ring_.empty(); }
     /// Until unlock the device waits; the regions are the ring itself.
@@ -31,6 +32,8 @@ public:
     bool play() override;
     void stop() override;
     int32_t position() override;
+    void seek(uint32_t offset) override;
+    uint32_t underruns() override { return underruns_; }
     void restore() override;
     void release_ring() override;
     void release_device() override;
@@ -46,7 +49,10 @@ private:
     bool started_ = false; ///< SDL's audio
     bool playing_ = false;
     int rate_ = 0;
+    int block_ = 0; ///< samples
     uint32_t device_ = 0;
     std::vector<uint8_t> ring_;
     std::atomic<uint32_t> read_ = 0; ///< byte offset up to which the device has taken data
+    size_t written_ = 0;             ///< byte offset up to which the ring was written last
+    std::atomic<uint32_t> underruns_ = 0;
 };
