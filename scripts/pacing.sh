@@ -90,7 +90,7 @@ for setting in 30 60 150; do
 done
 busy_pids=
 for _ in 1 2 3 4; do
-    while :; do :; done &
+    timeout "$((seconds + 60))" sh -c 'while :; do :; done' &
     busy_pids+=" $!"
 done
 latency 60
