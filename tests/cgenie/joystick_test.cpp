@@ -12,7 +12,6 @@
 
 namespace {
 
-constexpr uint8_t NO_COLUMN = 0x3F; // and the highest level
 constexpr int FIRE_1 = 10, FIRE_2 = 11;
 
 class JoystickTest : public testing::Test {
