@@ -299,7 +299,7 @@ TEST_F(DisksTest, OneDriveAtATimeWritesToAnImage) {
 
 class DiskJournalTest : public DisksTest {
 protected:
-    static constexpr int TAKE = 0, LOOK = 1, DISCARD = 2;
+    static constexpr int TAKE = 0, LOOK = 1;
     /// A program that changes a disk, first another sector of it, and is killed.
     void run_killed() {
         fill("a.dsk");
