@@ -252,9 +252,9 @@ TEST_F(QtPlatformTest, AQuestionCanBeLeftWithoutAnAnswer) {
         {2, [](QWidget& box) { box.findChildren<QPushButton*>().last()->click(); }},
         {NO_ANSWER, [&](QWidget& box) { press(box, Qt::Key_Escape); }},
         {NO_ANSWER, [](QWidget& box) { box.close(); }}};
-    for (const auto& [expected, leave] : ways) {
-        QTimer::singleShot(0, [&leave] { leave(*QApplication::activeModalWidget()); });
-        EXPECT_EQ(host->dialogs().choose("Title", "Text", {"&One", "&Two", "&Last"}), expected);
+    for (const auto& way : ways) {
+        QTimer::singleShot(0, [&way] { way.second(*QApplication::activeModalWidget()); });
+        EXPECT_EQ(host->dialogs().choose("Title", "Text", {"&One", "&Two", "&Last"}), way.first);
     }
 }
 
