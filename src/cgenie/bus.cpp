@@ -144,7 +144,10 @@ void mem_write(uint32_t address, uint8_t value) {
     store(address, value);
 }
 
-uint8_t z80_in(uint32_t port) {
+// Out of line, since the run loop takes in whatever it calls: with the devices behind every port
+// instruction it would be many times as large, and take minutes to link.
+
+[[gnu::noinline]] uint8_t z80_in(uint32_t port) {
     assert(port < 0x100);
     switch (port) {
     case PORT_SOUND_SELECT: return ports[port];
@@ -156,7 +159,7 @@ uint8_t z80_in(uint32_t port) {
     }
 }
 
-void z80_out(uint32_t port, uint8_t value) {
+[[gnu::noinline]] void z80_out(uint32_t port, uint8_t value) {
     assert(port < 0x100);
     const uint8_t previous = ports[port];
     ports[port] = value;

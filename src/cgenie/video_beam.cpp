@@ -335,9 +335,10 @@ void video_do_cycles(uint32_t clocks) {
     run_clocks(clocks);
 }
 
-void video_beam_catch_up() { catch_up(z80_state.instruction_start); }
+// Out of line, for the same reason as the ports of the bus.
+[[gnu::noinline]] void video_beam_catch_up() { catch_up(z80_state.instruction_start); }
 
-void video_beam_catch_up_with(uint32_t address) {
+[[gnu::noinline]] void video_beam_catch_up_with(uint32_t address) {
     if (lag_shows(address)) video_beam_catch_up();
 }
 

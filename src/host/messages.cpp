@@ -84,7 +84,7 @@ void show_held_message_boxes() {
 
 void ui_messages() {
     std::string lines;
-    for (const auto& [time, line] : kept) lines += time + "  " + line + "\n";
+    for (const auto& [time, line] : kept) lines.append(time).append("  ").append(line) += '\n';
     if (lines.empty()) lines = "There are no messages.";
     ui_show_text("Messages", lines);
 }

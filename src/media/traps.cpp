@@ -134,7 +134,8 @@ void memory_place_bas_trap() { std::ranges::copy(TYPING_PATCH, rom_pointer() + K
 
 void memory_remove_bas_trap() { restore(KEYBOARD_ROUTINE, TYPING_PATCH.size()); }
 
-void trap_handle(int number) {
+/// Out of line, or the run loop would take in the cassettes and all that they call.
+[[gnu::noinline]] void trap_handle(int number) {
     let_frame_end();
     switch (number) {
     case TRAP_READ_BIT: return read_bit();
