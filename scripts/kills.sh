@@ -64,13 +64,13 @@ for kind in "${kinds[@]}"; do
             kill -KILL $! && wait $! 2>/dev/null || true
             left=$((left + $(find "$folder" -name '.tarvelin-*' | wc -l)))
             start
-            is_whole "$folder/file" && continue
             copies=("$XDG_DATA_HOME"/tarvelin/rescue/*)
-            if [[ $names == two ]] && is_whole "${copies[-1]}"; then
+            if [[ $names == two && -e ${copies[0]} ]]; then # the file may be old, new or damaged
+                is_whole "${copies[-1]}" || complain "$kind, $names: the copy is not whole"
                 offered=$((offered + 1))
                 rm -r "$XDG_DATA_HOME/tarvelin" # as after the answer
                 "$save" "$kind" "$folder/file" 1
-            else
+            elif ! is_whole "$folder/file"; then
                 complain "$kind, $names: neither old nor new"
             fi
         done 2>/dev/null
