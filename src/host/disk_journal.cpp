@@ -99,10 +99,8 @@ bool take_batch(std::span<const uint8_t>& from, Bytes& image) {
 fs::path journal_folder() { return fs::path(platform().paths().data_directory()) / "journal"; }
 
 std::string journal_path(const disk_image& disk) {
-    const std::string path = canonical_path(disk.path);
     char name[17];
-    std::snprintf(name, sizeof name, "%016" PRIx64,
-                  content_hash({reinterpret_cast<const uint8_t*>(path.data()), path.size()}));
+    std::snprintf(name, sizeof name, "%016" PRIx64, content_hash(canonical_path(disk.path)));
     return (journal_folder() / (std::string(name) + EXTENSION)).string();
 }
 

@@ -103,9 +103,7 @@ bool take_out(unsigned drive) {
 
 /// By the file, and by its name: the file may be replaced while it is in a drive.
 std::array<std::string, 2> claimed_names(const disk_image& disk) {
-    const std::string path = canonical_path(disk.path);
-    const uint64_t hash =
-        content_hash({reinterpret_cast<const uint8_t*>(path.data()), path.size()});
+    const uint64_t hash = content_hash(canonical_path(disk.path));
     return {"disk " + std::to_string(disk.file.device) + " " + std::to_string(disk.file.inode),
             "disk " + std::to_string(hash)};
 }

@@ -33,3 +33,7 @@ uint64_t content_hash(std::span<const uint8_t> bytes) {
     }
     return hash;
 }
+
+uint64_t content_hash(std::string_view text) {
+    return content_hash({reinterpret_cast<const uint8_t*>(text.data()), text.size()});
+}

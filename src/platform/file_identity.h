@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <string_view>
 
 /// The same for all names of a file. Both 0 where there is no file.
 struct FileIdentity {
@@ -18,3 +19,4 @@ std::string canonical_path(const std::string& path);
 
 /// Tells one run of bytes from another. Quick, and no protection against someone who means harm.
 uint64_t content_hash(std::span<const uint8_t> bytes);
+uint64_t content_hash(std::string_view text);
