@@ -1,8 +1,8 @@
 /// Video capture: what one frame costs with each codec, written to a file included. Half of the
 /// frames stand still, as on a screen that a person looks at; every other one has text that moves.
 
-#include "host/avi_writer.h"
-#include "host/video_codec.h"
+#include "host/recording/avi_writer.h"
+#include "host/recording/video_codec.h"
 
 #include <benchmark/benchmark.h>
 

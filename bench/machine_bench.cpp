@@ -2,19 +2,20 @@
 /// scaling into the canvas, the GIF writer. "emulated s/s" is emulated seconds per second of the
 /// host.
 
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
 #include "cgenie/palette.h"
 #include "cgenie/video.h"
 #include "cgenie/video_output.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"
+#include "core/pacing/pacing.h"
+#include "files/file_handle.h"
 #include "host/canvas.h"
 #include "host/display.h"
-#include "host/gif.h"
+#include "host/recording/gif.h"
 #include "media/cmd_loader.h"
-#include "platform/file_handle.h"
 #include "platform/headless/headless.h"
-#include "platform/host_services.h"
+#include "wall/machine_host.h"
 #include "z80/z80.h"
 
 #include <benchmark/benchmark.h>

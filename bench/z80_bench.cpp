@@ -1,7 +1,7 @@
 /// The processor on flat memory: T-states per second on a mixed workload, beside the distribution's
 /// general Z80 library in the same run.
 
-#include "platform/file_handle.h"
+#include "files/file_handle.h"
 #include "z80/z80.h"
 
 #include <benchmark/benchmark.h>

@@ -1,9 +1,9 @@
 /// Load modules: read into the machine, then started where they say.
 
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
 #include "core/frame_driver.h"
+#include "files/file_handle.h"
 #include "media/cmd_loader.h"
-#include "platform/file_handle.h"
 #include "support/fake_host.h"
 #include "support/machine.h"
 #include "z80/z80.h"

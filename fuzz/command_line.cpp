@@ -3,6 +3,7 @@
 #include "host/command_line.h"
 
 #include "core/frame_driver.h"
+#include "core/pacing/pacing.h"
 #include "media/snapshot.h"
 #include "support/files.h"
 #include "support/input.h"

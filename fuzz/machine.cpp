@@ -4,7 +4,7 @@
 
 #include "core/machine.h"
 #include "cgenie/crtc.h"
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
 #include "cgenie/video.h"
 #include "core/frame_driver.h"
 #include "media/printer.h"

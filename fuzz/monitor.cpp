@@ -2,7 +2,7 @@
 
 #include "monitor/monitor.h"
 
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
 #include "host/commands.h"
 #include "host/menu.h"
 #include "host/shell.h"

@@ -4,10 +4,10 @@
 #include "platform/settings_file.h"
 
 #include "core/frame_driver.h"
-#include "platform/host_services.h"
 #include "support/files.h"
 #include "support/input.h"
 #include "support/shell.h"
+#include "wall/machine_host.h"
 
 #include <filesystem>
 #include <iterator>

@@ -1,7 +1,7 @@
 /// Snapshots: a file as it is, or made up to the full length; then a frame of each engine.
 
 #include "media/snapshot.h"
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
 #include "cgenie/video.h"
 #include "core/frame_driver.h"
 #include "support/fake_host.h"

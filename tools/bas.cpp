@@ -1,6 +1,6 @@
 /// tarvelin-bas: converts programs of the machine's BASIC between text and tokenized files.
-#include "platform/unfinished_writes.h"
-#include "platform/whole_file.h"
+#include "files/unfinished_writes.h"
+#include "files/whole_file.h"
 #include "tools/basic_tokens.h"
 #include "tools/host_files.h"
 

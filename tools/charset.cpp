@@ -9,7 +9,7 @@
 // the glyphs of an earlier one; within a sheet no glyph may come twice, and in the end each of the
 // 256 must be there.
 
-#include "platform/whole_file.h"
+#include "files/whole_file.h"
 
 #include <array>
 #include <bitset>

@@ -1,9 +1,8 @@
 /// tarvelin-disk: looks into disk images and brings files to and from them.
+#include "files/file_names.h"
+#include "files/unfinished_writes.h"
+#include "files/whole_file.h"
 #include "media/disk_system.h"
-#include "platform/file_names.h"
-#include "platform/host_services.h"
-#include "platform/unfinished_writes.h"
-#include "platform/whole_file.h"
 #include "tools/basic_tokens.h"
 #include "tools/host_files.h"
 
@@ -16,10 +15,6 @@
 
 #include <getopt.h>
 #include <unistd.h>
-
-// The images of the emulator report to it; here nothing of that is called.
-void StatusBarText(const char* /*format*/, ...) {}
-void report(const Report& /*told*/) {}
 
 namespace {
 

@@ -5,7 +5,7 @@
 // The image must have exactly SIZE bytes: an assembler that leaves a gap or runs over makes
 // another size, and the build must stop there.
 
-#include "platform/whole_file.h"
+#include "files/whole_file.h"
 
 #include <cstdint>
 #include <cstdio>

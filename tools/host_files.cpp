@@ -1,6 +1,6 @@
 #include "tools/host_files.h"
 
-#include "platform/whole_file.h"
+#include "files/whole_file.h"
 
 #include <cerrno>
 #include <cstdio>

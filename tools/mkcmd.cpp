@@ -6,7 +6,7 @@
 /// and the entry block (type 2). The cassette has a leader, the mark of machine code and the name,
 /// blocks of at most 256 bytes with a checksum, and the entry block.
 
-#include "platform/whole_file.h"
+#include "files/whole_file.h"
 
 #include <algorithm>
 #include <cctype>

@@ -1,6 +1,6 @@
 #include "support/files.h"
 
-#include "platform/whole_file.h"
+#include "files/whole_file.h"
 
 #include <cstdio>
 #include <cstdlib>

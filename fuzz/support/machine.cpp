@@ -2,7 +2,7 @@
 
 #include "cgenie/crtc.h"
 #include "cgenie/keyboard.h"
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
 #include "cgenie/video.h"
 #include "cgenie/video_beam.h"
 #include "core/frame_driver.h"

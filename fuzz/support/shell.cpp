@@ -1,8 +1,8 @@
 #include "support/shell.h"
 
 #include "cgenie/crtc.h"
-#include "cgenie/memory.h"
-#include "core/frame_driver.h"
+#include "cgenie/memory/memory.h"
+#include "core/pacing/pacing.h"
 #include "host/menu.h"
 #include "host/shell.h"
 #include "support/files.h"

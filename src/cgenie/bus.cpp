@@ -3,7 +3,7 @@
 #include "cgenie/crtc.h"
 #include "cgenie/joystick.h"
 #include "cgenie/keyboard.h"
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
 #include "cgenie/video.h"
 #include "cgenie/video_beam.h"
 #include "media/printer.h"

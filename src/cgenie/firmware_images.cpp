@@ -1,9 +1,9 @@
 #include "cgenie/firmware_images.h"
 
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
+#include "files/file_handle.h"
 #include "firmware/firmware_data.h"
-#include "platform/file_handle.h"
-#include "platform/host_services.h"
+#include "wall/machine_host.h"
 
 #include <array>
 #include <cerrno>

@@ -2,12 +2,12 @@
 
 #include "cgenie/crtc.h"
 #include "cgenie/firmware_images.h"
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
 #include "cgenie/palette.h"
 #include "cgenie/video_beam.h"
 #include "cgenie/video_cell.h"
-#include "platform/host_services.h"
 #include "platform/platform.h"
+#include "wall/machine_host.h"
 
 #include <algorithm>
 #include <cstring>

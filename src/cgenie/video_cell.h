@@ -3,7 +3,7 @@
 /// circuit. A pattern byte selects between two colours that stand in all eight bytes of a word; a
 /// graphics byte becomes four pairs of equal pixels.
 
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
 #include "cgenie/video.h"
 
 #include <array>

@@ -3,16 +3,15 @@
 #include "cgenie/bus.h"
 #include "cgenie/crtc.h"
 #include "cgenie/keyboard.h"
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
 #include "cgenie/palette.h"
 #include "cgenie/video.h"
-#include "core/frame_driver.h"
 #include "media/traps.h"
 #include "media/wd1771.h"
-#include "platform/host_services.h"
 #include "sound/beeper.h"
 #include "sound/sound_core.h"
 #include "sound/ym2149.h"
+#include "wall/machine_host.h"
 #include "z80/z80.h"
 
 #include <cstring>
@@ -152,7 +151,7 @@ void machine_reset() {
     ym2149_reset();
     sound_reset();
     video_reset();
-    last_file_name.clear();
+    machine_host.was_reset();
 }
 
 void machine_set_main_clock(uint32_t hz) {

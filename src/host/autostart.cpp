@@ -1,9 +1,12 @@
 #include "host/autostart.h"
 
 #include "cgenie/keyboard.h"
-#include "cgenie/memory.h"
-#include "core/frame_driver.h"
+#include "cgenie/memory/memory.h"
 #include "core/machine.h"
+#include "core/pacing/pacing.h"
+#include "files/file_handle.h"
+#include "files/file_names.h"
+#include "files/whole_file.h"
 #include "host/commands.h"
 #include "host/disk_rom.h"
 #include "media/cmd_loader.h"
@@ -11,11 +14,8 @@
 #include "media/snapshot.h"
 #include "media/tape.h"
 #include "media/traps.h"
-#include "platform/file_handle.h"
-#include "platform/file_names.h"
-#include "platform/host_services.h"
 #include "platform/platform.h"
-#include "platform/whole_file.h"
+#include "wall/machine_host.h"
 #include "z80/z80.h"
 
 #include <algorithm>

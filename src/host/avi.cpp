@@ -1,13 +1,14 @@
 #include "host/avi.h"
 
 #include "cgenie/palette.h"
-#include "core/frame_driver.h"
+#include "core/pacing/pacing.h"
+#include "host/display.h"
 #include "host/menu.h"
+#include "host/recording/video_codec.h"
 #include "host/shell.h"
-#include "host/video_codec.h"
-#include "platform/host_services.h"
 #include "platform/platform.h"
 #include "sound/sound_core.h"
+#include "wall/machine_host.h"
 
 #include <algorithm>
 #include <cerrno>

@@ -25,3 +25,5 @@ void Video_ConvertBitmap();
 /// capture ends and the user is told.
 void Video_SaveFrame(const uint8_t* frame, uint32_t frame_bytes, const uint8_t* sound,
                      uint32_t sound_bytes);
+/// Hands the canvas to the running video capture.
+void host_capture_frame();

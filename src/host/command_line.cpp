@@ -1,8 +1,8 @@
 #include "host/command_line.h"
 
 #include "cgenie/hires_lowe.h"
-#include "core/frame_driver.h"
 #include "core/machine.h"
+#include "core/pacing/pacing.h"
 #include "host/autostart.h"
 #include "host/commands.h"
 #include "host/disks.h"

@@ -14,3 +14,8 @@ void tell_bad_image(const std::string& path);
 int video_save_to_avi(bool ask, std::string* name);
 /// Records the sound from now on; a status text tells when the file cannot be written.
 void start_sound_recording(const std::string& path);
+/// The program counter has reached the armed breakpoint. 1 when the machine is to stand there, 0
+/// when it is to go on.
+int host_breakpoint_reached();
+/// Asks for the name of a cassette image to save to; 1 when there is one.
+int get_ui_save_tape_filename(std::string* path);

@@ -1,7 +1,7 @@
 #include "host/disk_journal.h"
 
+#include "files/whole_file.h"
 #include "platform/platform.h"
-#include "platform/whole_file.h"
 
 #include <array>
 #include <cerrno>

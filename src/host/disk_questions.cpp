@@ -1,11 +1,11 @@
 #include "host/disk_questions.h"
 
-#include "host/dialogs.h"
+#include "files/whole_file.h"
+#include "host/dialogs/dialogs.h"
 #include "host/disk_journal.h"
 #include "media/disk_system.h"
 #include "platform/platform.h"
-#include "platform/report.h"
-#include "platform/whole_file.h"
+#include "wall/report.h"
 
 #include <algorithm>
 #include <cerrno>

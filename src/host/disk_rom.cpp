@@ -1,6 +1,6 @@
 #include "host/disk_rom.h"
 
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
 #include "core/machine.h"
 #include "host/disks.h"
 #include "host/messages.h"

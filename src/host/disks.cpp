@@ -1,14 +1,14 @@
 #include "host/disks.h"
 
-#include "core/frame_driver.h"
+#include "core/pacing/pacing.h"
+#include "files/name_claim.h"
 #include "host/autostart.h"
 #include "host/disk_journal.h"
 #include "host/disk_questions.h"
 #include "host/menu.h"
 #include "media/wd1771.h"
-#include "platform/host_services.h"
-#include "platform/name_claim.h"
 #include "platform/platform.h"
+#include "wall/machine_host.h"
 
 #include <array>
 #include <cerrno>

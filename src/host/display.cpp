@@ -4,13 +4,14 @@
 #include "cgenie/video_output.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"
+#include "core/pacing/pacing.h"
 #include "host/canvas.h"
 #include "host/shell.h"
 #include "host/status.h"
 #include "monitor/monitor.h"
-#include "platform/host_services.h"
 #include "platform/platform.h"
 #include "sound/sound_core.h"
+#include "wall/machine_host.h"
 
 #include <string>
 
@@ -177,7 +178,7 @@ void set_screen_params(bool giant, int bits) {
 
 int host_has_canvas() { return canvas.pixels.empty() ? 0 : 1; }
 
-void update_screen(int flag) {
+void show_frame(int flag) {
     if (g_bDebug) return monitor_update();
     if (!flag || !host_has_canvas()) return;
     draw_frame();

@@ -1,8 +1,8 @@
 #include "host/interrupted_writes.h"
 
+#include "files/unfinished_writes.h"
 #include "platform/platform.h"
-#include "platform/report.h"
-#include "platform/unfinished_writes.h"
+#include "wall/report.h"
 
 namespace {
 

@@ -1,12 +1,13 @@
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
 #include "core/frame_driver.h"
+#include "core/pacing/pacing.h"
 #include "host/commands.h"
-#include "host/dialogs.h"
+#include "host/dialogs/dialogs.h"
 #include "host/menu.h"
 #include "host/shell.h"
 #include "monitor/monitor.h"
-#include "platform/host_services.h"
 #include "platform/keyboard.h"
+#include "wall/machine_host.h"
 #include "z80/disassembler.h"
 #include "z80/z80.h"
 
@@ -21,8 +22,12 @@ namespace fs = std::filesystem;
 constexpr int LONGEST_RUN = 10001; ///< instructions of one F7
 constexpr const char* DISASSEMBLY = "eaca_disass.txt";
 
+void step() {
+    if (machine_step()) run_timed_events();
+}
+
 void single_step() {
-    machine_step();
+    step();
     monitor_select_page(MONITOR_DISASSEMBLY);
     debug();
 }
@@ -30,7 +35,7 @@ void single_step() {
 void run_until_back() {
     const uint16_t start = z80_state.pc;
     for (int count = 0; count < LONGEST_RUN; ++count) {
-        machine_step();
+        step();
         step_dir(1);
         if (z80_state.pc == start) return;
     }

@@ -1,9 +1,9 @@
 #include "host/messages.h"
 
-#include "host/dialogs.h"
+#include "host/dialogs/dialogs.h"
 #include "host/status.h"
 #include "platform/platform.h"
-#include "platform/report.h"
+#include "wall/report.h"
 
 #include <cstdio>
 #include <ctime>
@@ -43,7 +43,7 @@ void show_box(const Report& told) {
 
 } // namespace
 
-void report(const Report& told) {
+void tell(const Report& told) {
     const std::string line = report_line(told);
     show_status(told.text, report_details(told));
     keep(line);

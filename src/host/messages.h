@@ -1,6 +1,8 @@
 #pragma once
 /// The list of messages: what was reported in this run, newest last, and when a message box is due.
 
+#include "wall/report.h"
+
 #include <deque>
 #include <string>
 
@@ -9,6 +11,11 @@ struct KeptMessage {
     std::string line;
 };
 
+/// What `report` does in this program. The status bar shows the text, with the details in its tool
+/// tip; the list of messages keeps it; warnings and failures also go to the standard error stream.
+/// A message box comes up only for a failure of what the user has asked for at this moment, and
+/// once the window is up.
+void tell(const Report& told);
 /// The latest reports of this run; old ones make room.
 const std::deque<KeptMessage>& kept_messages();
 /// True once a failure has been reported.

@@ -1,7 +1,7 @@
 #include "host/prefs.h"
 
 #include "platform/platform.h"
-#include "platform/report.h"
+#include "wall/report.h"
 
 #include <cerrno>
 #include <cstring>

@@ -1,12 +1,12 @@
 #include "host/screenshot.h"
 
 #include "cgenie/crtc.h"
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
 #include "cgenie/video_cell.h"
-#include "core/frame_driver.h"
-#include "host/gif.h"
-#include "platform/file_handle.h"
-#include "platform/host_services.h"
+#include "core/pacing/pacing.h"
+#include "files/file_handle.h"
+#include "host/recording/gif.h"
+#include "wall/machine_host.h"
 
 #include <array>
 #include <cerrno>

@@ -1,6 +1,7 @@
 #pragma once
 /// Screenshots of a canvas and dumps of the emulated screen memory.
 
+#include "core/pacing/pacing.h"
 #include "host/canvas.h"
 
 #include <string>
@@ -29,3 +30,6 @@ int gif_write(const dib& bitmap, const std::string& base);
 int memory_save_video_ram(const std::string& base);
 /// The dump that follows a screenshot, under the program's base name, where it is switched on.
 void save_video_ram_when_wanted();
+/// Saves the canvas under the next free name after `last_file_name`, GIF or BMP by its depth, and
+/// the video-RAM dump where that is switched on.
+void host_save_screenshot();

@@ -4,20 +4,23 @@
 #include "cgenie/hires_lowe.h"
 #include "cgenie/joystick.h"
 #include "cgenie/keyboard.h"
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
 #include "cgenie/palette.h"
 #include "cgenie/video.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"
+#include "core/pacing/pacing.h"
+#include "files/unfinished_writes.h"
 #include "host/autostart.h"
 #include "host/avi.h"
 #include "host/canvas.h"
 #include "host/commands.h"
-#include "host/dialogs.h"
+#include "host/dialogs/dialogs.h"
 #include "host/disk_rom.h"
 #include "host/disks.h"
 #include "host/display.h"
 #include "host/interrupted_writes.h"
+#include "host/machine_callbacks.h"
 #include "host/menu.h"
 #include "host/messages.h"
 #include "host/prefs.h"
@@ -29,12 +32,11 @@
 #include "media/traps.h"
 #include "media/wd1771.h"
 #include "monitor/monitor.h"
-#include "platform/host_services.h"
 #include "platform/platform.h"
-#include "platform/unfinished_writes.h"
+#include "sound/output/sound_output.h"
 #include "sound/sound_core.h"
-#include "sound/sound_output.h"
 #include "sound/ym2149.h"
+#include "wall/machine_host.h"
 #include "z80/z80.h"
 
 #include <algorithm>
@@ -299,6 +301,7 @@ void activate_after_toggle() { g_bActive = !g_bActive && !g_bDebug && !g_bPaused
 void activate_unless_held() { g_bActive = !g_bPaused && !g_bDebug; }
 
 void emu_init(const CommandLine& line) {
+    connect_machine();
     uint32_t bit_depth = COLOUR_DEPTH;
     const std::string data_directory = platform().paths().data_directory();
     CreateStatusBar();
@@ -401,6 +404,7 @@ int run_message_loop() {
 }
 
 int run_shell(const CommandLine& line) {
+    connect_machine();
     Window& window = platform().window();
     if (!window.create(WINDOW_TITLE)) return 0;
     create_menu();

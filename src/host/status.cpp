@@ -1,7 +1,7 @@
 #include "host/status.h"
 
-#include "platform/host_services.h"
 #include "platform/platform.h"
+#include "wall/machine_host.h"
 
 #include <array>
 #include <cstdarg>
@@ -94,20 +94,7 @@ void show_status(const std::string& text, const std::string& details) {
     show_text(PART_MESSAGES, text, details.empty() ? text : text + "\n" + details);
 }
 
-void StatusBarText(const char* format, ...) {
-    va_list arguments;
-    va_start(arguments, format);
-    show_status(format_text(format, arguments), {});
-    va_end(arguments);
-}
-
-void StatusBarPartText(int part, const char* format, ...) {
-    va_list arguments;
-    va_start(arguments, format);
-    const std::string text = format_text(format, arguments);
-    show_text(part, text, text);
-    va_end(arguments);
-}
+void show_status_part(int part, const char* text) { show_text(part, text, text); }
 
 void ui_set_window_title(const char* format, ...) {
     va_list arguments;
@@ -117,7 +104,7 @@ void ui_set_window_title(const char* format, ...) {
     platform().window().set_title(std::string(PRODUCT_NAME) + " - " + text);
 }
 
-void led_update(int drive) {
+void light_lamp(int drive) {
     // Called for every frame: there is something to draw only when another lamp is to be lit.
     if (drive == led_state) return;
     led_state = drive;

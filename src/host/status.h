@@ -16,3 +16,9 @@ int StatusBarHeight(); ///< 0 without a bar
 void StatusBarRedraw();
 /// Draws the lamps' bevels, and the lamps too when `lamps` is set.
 void led_redraw(int lamps);
+/// Shows a text in a StatusPart; nothing for the lamps.
+void show_status_part(int part, const char* text);
+/// Sets the window title to the product name, " - " and the text.
+[[gnu::format(printf, 1, 2)]] void ui_set_window_title(const char* format, ...);
+/// Lights the lamp of `drive` (0 to 3); any other value lights none.
+void light_lamp(int drive);

@@ -1,8 +1,8 @@
 #include "media/disk_image.h"
 
-#include "platform/host_services.h"
+#include "files/whole_file.h"
 #include "platform/platform.h"
-#include "platform/whole_file.h"
+#include "wall/machine_host.h"
 
 #include <algorithm>
 #include <array>

@@ -6,7 +6,7 @@
 /// with a small geometry header (CGD). Sectors count from 0. The side is not part of an address:
 /// only the first side can be reached.
 
-#include "platform/file_identity.h"
+#include "files/file_identity.h"
 
 #include <cstddef>
 #include <cstdint>

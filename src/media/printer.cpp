@@ -1,7 +1,7 @@
 #include "media/printer.h"
 
-#include "platform/file_handle.h"
-#include "platform/report.h"
+#include "files/file_handle.h"
+#include "wall/report.h"
 
 #include <cerrno>
 #include <cstring>

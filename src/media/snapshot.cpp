@@ -1,8 +1,8 @@
 #include "media/snapshot.h"
 
-#include "cgenie/memory.h"
-#include "platform/file_handle.h"
-#include "platform/whole_file.h"
+#include "cgenie/memory/memory.h"
+#include "files/file_handle.h"
+#include "files/whole_file.h"
 #include "z80/z80.h"
 
 #include <array>

@@ -1,11 +1,11 @@
 #include "media/tape.h"
 
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
+#include "files/file_handle.h"
+#include "files/whole_file.h"
 #include "media/tape_audio.h"
 #include "media/traps.h"
-#include "platform/file_handle.h"
-#include "platform/host_services.h"
-#include "platform/whole_file.h"
+#include "wall/machine_host.h"
 #include "z80/z80.h"
 
 #include <algorithm>
@@ -238,7 +238,7 @@ uint8_t tape_read_one_byte() {
 
 void tape_create_cas() {
     std::string path;
-    if (!get_ui_save_tape_filename(&path) || path.empty()) return;
+    if (!machine_host.save_file_name(&path) || path.empty()) return;
     tape_close_wav();
     tape_detach_cas();
     tape_place_traps(rom_pointer());

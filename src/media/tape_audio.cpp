@@ -1,15 +1,15 @@
 #include "media/tape_audio.h"
 
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
+#include "files/file_handle.h"
 #include "media/tape.h"
 #include "media/traps.h"
 #include "media/wav_reader.h"
-#include "platform/file_handle.h"
-#include "platform/host_services.h"
 #include "sound/beeper.h"
 #include "sound/filter.h"
 #include "sound/sound_core.h"
 #include "sound/wav_header.h"
+#include "wall/machine_host.h"
 #include "z80/z80.h"
 
 #include <unistd.h>

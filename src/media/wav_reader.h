@@ -6,7 +6,7 @@
 /// The file is read through a window in memory: reaching any sample costs the same, and neighbours
 /// cost no system call.
 
-#include "platform/file_handle.h"
+#include "files/file_handle.h"
 
 #include <array>
 #include <cstdint>

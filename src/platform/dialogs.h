@@ -1,5 +1,5 @@
 #pragma once
-#include "platform/report.h"
+#include "wall/report.h"
 
 #include <optional>
 #include <string>

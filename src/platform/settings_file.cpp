@@ -1,7 +1,7 @@
 #include "platform/settings_file.h"
 
-#include "platform/file_handle.h"
-#include "platform/whole_file.h"
+#include "files/file_handle.h"
+#include "files/whole_file.h"
 
 #define TOML_EXCEPTIONS 0
 /// The library asserts what a damaged file may break, and reports it as an error just behind that.

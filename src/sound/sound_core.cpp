@@ -1,7 +1,7 @@
 #include "sound/sound_core.h"
 
 #include "sound/filter.h"
-#include "sound/wav_capture.h"
+#include "sound/output/wav_capture.h"
 #include "z80/z80.h"
 
 #include <algorithm>

@@ -1,6 +1,6 @@
 #include "z80/disassembler.h"
 
-#include "platform/whole_file.h"
+#include "files/whole_file.h"
 #include "z80/z80.h"
 
 #include <array>

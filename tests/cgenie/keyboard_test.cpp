@@ -1,6 +1,6 @@
 #include "cgenie/keyboard.h"
 
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
 #include "core/machine.h"
 #include "media/traps.h"
 #include "support/host_files.h"

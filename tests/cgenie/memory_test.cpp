@@ -1,4 +1,4 @@
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
 
 #include "cgenie/firmware_images.h"
 #include "support/fake_host.h"

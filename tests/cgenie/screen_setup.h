@@ -1,7 +1,7 @@
 #pragma once
 /// What both picture engines are tried with.
 
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
 #include "cgenie/video.h"
 
 #include <array>

@@ -1,7 +1,7 @@
 #include "cgenie/video_beam.h"
 
 #include "cgenie/crtc.h"
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
 #include "cgenie/screen_setup.h"
 #include "cgenie/video.h"
 #include "support/fake_host.h"

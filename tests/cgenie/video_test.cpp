@@ -2,7 +2,7 @@
 
 #include "cgenie/crtc.h"
 #include "cgenie/firmware_images.h"
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
 #include "cgenie/screen_setup.h"
 #include "platform/headless/headless.h"
 #include "support/test_files.h"

@@ -1,8 +1,9 @@
 #include "core/frame_driver.h"
 
 #include "cgenie/crtc.h"
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
 #include "core/machine.h"
+#include "core/pacing/pacing.h"
 #include "platform/headless/headless.h"
 #include "support/fake_host.h"
 #include "z80/z80.h"

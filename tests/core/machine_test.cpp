@@ -2,10 +2,11 @@
 
 #include "cgenie/firmware_images.h"
 #include "cgenie/keyboard.h"
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
 #include "cgenie/palette.h"
 #include "cgenie/video.h"
 #include "core/frame_driver.h"
+#include "core/pacing/pacing.h"
 #include "media/traps.h"
 #include "platform/headless/headless.h"
 #include "sound/beeper.h"

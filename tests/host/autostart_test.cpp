@@ -1,17 +1,17 @@
 #include "host/autostart.h"
 
 #include "cgenie/keyboard.h"
-#include "cgenie/memory.h"
-#include "core/frame_driver.h"
+#include "cgenie/memory/memory.h"
 #include "core/machine.h"
+#include "core/pacing/pacing.h"
 #include "host/commands.h"
 #include "host/menu.h"
 #include "host/status.h"
 #include "media/tape.h"
 #include "media/traps.h"
-#include "platform/host_services.h"
 #include "support/host_files.h"
 #include "support/typed_text.h"
+#include "wall/machine_host.h"
 #include "z80/z80.h"
 
 #include <algorithm>

@@ -1,18 +1,18 @@
 #include "host/avi.h"
 
 #include "cgenie/palette.h"
-#include "core/frame_driver.h"
+#include "core/pacing/pacing.h"
 #include "host/commands.h"
 #include "host/menu.h"
 #include "host/messages.h"
+#include "host/recording/video_codec.h"
 #include "host/status.h"
-#include "host/video_codec.h"
-#include "platform/host_services.h"
 #include "sound/beeper.h"
 #include "sound/scripted_driver.h"
 #include "sound/sound_core.h"
 #include "support/full_disk.h"
 #include "support/host_files.h"
+#include "wall/machine_host.h"
 
 #include <csignal>
 #include <cstdlib>

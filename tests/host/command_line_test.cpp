@@ -1,15 +1,15 @@
 #include "host/command_line.h"
 
 #include "cgenie/hires_lowe.h"
-#include "cgenie/memory.h"
-#include "core/frame_driver.h"
+#include "cgenie/memory/memory.h"
 #include "core/machine.h"
+#include "core/pacing/pacing.h"
 #include "host/autostart.h"
 #include "host/display.h"
 #include "host/shell.h"
 #include "host/status.h"
-#include "platform/host_services.h"
 #include "support/host_files.h"
+#include "wall/machine_host.h"
 #include "z80/z80.h"
 
 namespace {

@@ -3,9 +3,9 @@
 
 #include "cgenie/hires_lowe.h"
 #include "cgenie/keyboard.h"
-#include "cgenie/memory.h"
-#include "core/frame_driver.h"
+#include "cgenie/memory/memory.h"
 #include "core/machine.h"
+#include "core/pacing/pacing.h"
 #include "host/canvas.h"
 #include "host/display.h"
 #include "host/menu.h"
@@ -14,11 +14,11 @@
 #include "host/status.h"
 #include "media/printer.h"
 #include "media/tape.h"
-#include "platform/host_services.h"
 #include "sound/beeper.h"
 #include "sound/sound_core.h"
 #include "support/host_files.h"
 #include "support/program_options.h"
+#include "wall/machine_host.h"
 #include "z80/z80.h"
 
 #include <algorithm>

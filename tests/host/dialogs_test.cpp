@@ -1,11 +1,11 @@
-#include "host/dialogs.h"
+#include "host/dialogs/dialogs.h"
 
 #include "cgenie/crtc.h"
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
 #include "host/status.h"
 #include "platform/headless/headless.h"
-#include "platform/host_services.h"
 #include "support/test_files.h"
+#include "wall/machine_host.h"
 
 #include <gtest/gtest.h>
 

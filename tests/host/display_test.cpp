@@ -8,8 +8,8 @@
 #include "host/shell.h"
 #include "host/status.h"
 #include "platform/headless/headless.h"
-#include "platform/host_services.h"
 #include "support/program_options.h"
+#include "wall/machine_host.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "host/gif.h"
+#include "host/recording/gif.h"
 
 #include "support/host_files.h"
 #include "support/picture.h"

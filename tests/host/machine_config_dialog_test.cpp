@@ -1,11 +1,11 @@
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"
-#include "host/dialogs.h"
+#include "host/dialogs/dialogs.h"
 #include "host/prefs.h"
 #include "host/status.h"
-#include "platform/host_services.h"
 #include "support/host_files.h"
+#include "wall/machine_host.h"
 #include "z80/z80.h"
 
 #include <functional>

@@ -1,7 +1,7 @@
 #include "host/screenshot.h"
 
 #include "cgenie/crtc.h"
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
 #include "cgenie/video.h"
 #include "host/status.h"
 #include "support/host_files.h"

@@ -3,6 +3,7 @@
 #include "cgenie/keyboard.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"
+#include "core/pacing/pacing.h"
 #include "host/canvas.h"
 #include "host/disks.h"
 #include "host/display.h"
@@ -10,7 +11,7 @@
 #include "host/whole_program.h"
 #include "media/tape.h"
 #include "media/traps.h"
-#include "platform/host_services.h"
+#include "wall/machine_host.h"
 #include "z80/z80.h"
 
 namespace {

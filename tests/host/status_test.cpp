@@ -1,7 +1,7 @@
 #include "host/status.h"
 
 #include "platform/headless/headless.h"
-#include "platform/host_services.h"
+#include "wall/machine_host.h"
 
 #include <gtest/gtest.h>
 

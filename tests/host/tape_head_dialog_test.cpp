@@ -1,4 +1,4 @@
-#include "host/dialogs.h"
+#include "host/dialogs/dialogs.h"
 #include "media/tape_audio.h"
 #include "platform/headless/headless.h"
 

@@ -3,9 +3,9 @@
 
 #include "cgenie/hires_lowe.h"
 #include "cgenie/keyboard.h"
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
 #include "cgenie/video.h"
-#include "core/frame_driver.h"
+#include "core/pacing/pacing.h"
 #include "host/canvas.h"
 #include "host/display.h"
 #include "host/screenshot.h"

@@ -1,7 +1,7 @@
 #include "cgenie/palette.h"
 #include "core/machine.h"
 #include "host/canvas.h"
-#include "host/dialogs.h"
+#include "host/dialogs/dialogs.h"
 #include "host/display.h"
 #include "host/shell.h"
 #include "platform/headless/headless.h"

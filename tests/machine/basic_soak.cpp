@@ -3,7 +3,7 @@
 /// BASIC_SOAK_SEED another one.
 
 #include "cgenie/keyboard.h"
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"
 #include "media/traps.h"

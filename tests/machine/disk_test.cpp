@@ -1,4 +1,4 @@
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
 #include "core/machine.h"
 #include "media/disk_system.h"
 #include "media/wd1771.h"

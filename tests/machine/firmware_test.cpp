@@ -1,6 +1,6 @@
 #include "cgenie/crtc.h"
 #include "cgenie/keyboard.h"
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"
 #include "platform/headless/headless.h"

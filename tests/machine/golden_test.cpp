@@ -1,15 +1,15 @@
 #include "program_run.h"
 
 #include "cgenie/crtc.h"
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
 #include "cgenie/video.h"
 #include "core/frame_driver.h"
 #include "host/canvas.h"
-#include "host/gif.h"
+#include "host/recording/gif.h"
 #include "host/shell.h"
 #include "platform/headless/headless.h"
-#include "platform/host_services.h"
 #include "support/picture.h"
+#include "wall/machine_host.h"
 #include "z80/z80.h"
 
 #include <gtest/gtest.h>

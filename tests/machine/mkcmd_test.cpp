@@ -1,8 +1,8 @@
 #include "program_run.h"
 
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
+#include "files/file_handle.h"
 #include "media/cmd_loader.h"
-#include "platform/file_handle.h"
 
 #include <gtest/gtest.h>
 

@@ -1,8 +1,9 @@
 #include "core/frame_driver.h"
+#include "core/pacing/pacing.h"
 #include "host/display.h"
 #include "host/shell.h"
 #include "platform/headless/headless.h"
-#include "platform/host_services.h"
+#include "wall/machine_host.h"
 
 #include <gtest/gtest.h>
 

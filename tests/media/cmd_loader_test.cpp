@@ -1,6 +1,6 @@
 #include "media/cmd_loader.h"
 
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
 #include "media/damage.h"
 
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
 #include "media/disk_image.h"
 #include "media/wd1771.h"
 
+#include "files/whole_file.h"
 #include "platform/headless/headless.h"
-#include "platform/whole_file.h"
 #include "support/fake_host.h"
 #include "support/test_files.h"
 

@@ -1,6 +1,6 @@
 #include "media/snapshot.h"
 
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
 #include "support/test_files.h"
 #include "z80/z80.h"
 

@@ -1,9 +1,9 @@
 #include "media/damage.h"
 #include "media/tape.h"
 
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
+#include "files/file_handle.h"
 #include "media/tape_audio.h"
-#include "platform/file_handle.h"
 #include "support/fake_host.h"
 #include "support/full_disk.h"
 #include "support/host_files.h"

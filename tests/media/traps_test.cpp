@@ -1,6 +1,6 @@
 #include "media/traps.h"
 
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"
 #include "media/tape.h"

@@ -1,6 +1,6 @@
 #include "media/wd1771.h"
 
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
 #include "core/machine.h"
 #include "platform/headless/headless.h"
 #include "z80/z80.h"

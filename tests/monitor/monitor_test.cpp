@@ -1,17 +1,18 @@
 #include "monitor/monitor.h"
 
 #include "cgenie/crtc.h"
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
 #include "cgenie/video.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"
+#include "core/pacing/pacing.h"
 #include "host/display.h"
 #include "host/menu.h"
 #include "host/shell.h"
 #include "host/status.h"
 #include "platform/headless/headless.h"
-#include "platform/host_services.h"
 #include "support/program_options.h"
+#include "wall/machine_host.h"
 #include "z80/z80.h"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
-#include "platform/unfinished_writes.h"
-#include "platform/whole_file.h"
+#include "files/unfinished_writes.h"
+#include "files/whole_file.h"
 
 #include "support/full_disk.h"
 #include "support/test_files.h"

@@ -8,9 +8,11 @@
 
 #include "soak/sound_watch.h"
 
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
 #include "cgenie/video.h"
 #include "core/frame_driver.h"
+#include "core/pacing/pacing.h"
+#include "files/file_handle.h"
 #include "host/commands.h"
 #include "host/disks.h"
 #include "host/menu.h"
@@ -18,7 +20,6 @@
 #include "media/printer.h"
 #include "media/tape_audio.h"
 #include "media/wd1771.h"
-#include "platform/file_handle.h"
 #include "platform/headless/headless.h"
 #include "sound/sound_core.h"
 #include "z80/z80.h"

@@ -8,11 +8,11 @@
 
 #include "soak/sound_device.h"
 
-#include "cgenie/memory.h"
-#include "core/frame_driver.h"
+#include "cgenie/memory/memory.h"
+#include "core/pacing/pacing.h"
+#include "files/file_handle.h"
 #include "host/menu.h"
 #include "host/shell.h"
-#include "platform/file_handle.h"
 #include "platform/headless/headless.h"
 #include "platform/sdl/sdl_audio.h"
 #include "sound/ym2149.h"

@@ -1,8 +1,8 @@
 #include "soak/sound_watch.h"
 
 #include "platform/platform.h"
+#include "sound/output/sound_output.h"
 #include "sound/sound_core.h"
-#include "sound/sound_output.h"
 
 #include <algorithm>
 

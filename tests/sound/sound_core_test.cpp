@@ -1,8 +1,8 @@
 #include "sound/sound_core.h"
 
 #include "sound/beeper.h"
+#include "sound/output/wav_capture.h"
 #include "sound/scripted_driver.h"
-#include "sound/wav_capture.h"
 #include "support/test_files.h"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
 // Recorded files, read back by a reader of RIFF that knows nothing of the writer.
 
-#include "sound/wav_capture.h"
+#include "sound/output/wav_capture.h"
 
 #include "support/full_disk.h"
 #include "support/test_files.h"

@@ -1,7 +1,7 @@
 #include "support/basic_machine.h"
 
 #include "cgenie/keyboard.h"
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"
 #include "media/traps.h"

@@ -3,7 +3,7 @@
 /// bytes of the memory behind it. Ends with 1 when the machine was still busy.
 #include "support/basic_machine.h"
 
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
 #include "support/test_files.h"
 
 #include <cstdio>

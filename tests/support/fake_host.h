@@ -1,7 +1,7 @@
 #pragma once
 /// Stand-in for the application shell: records what the machine tells it.
 
-#include "platform/report.h"
+#include "wall/report.h"
 
 #include <string>
 #include <vector>

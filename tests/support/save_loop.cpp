@@ -1,7 +1,7 @@
 /// save_loop KIND PATH [TIMES]: saves a file of that kind over and over, or so many times, with the
 /// one contents and the other by turns, so that it can be killed while it saves.
 
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
 #include "host/screenshot.h"
 #include "media/snapshot.h"
 #include "media/tape.h"

@@ -1,6 +1,6 @@
 #include "tools/basic_tokens.h"
 
-#include "cgenie/memory.h"
+#include "cgenie/memory/memory.h"
 #include "support/basic_machine.h"
 #include "support/test_files.h"
 

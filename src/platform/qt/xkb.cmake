@@ -6,4 +6,4 @@ add_library(tarvelin_xkb STATIC
   ${CMAKE_CURRENT_LIST_DIR}/wayland_keymap.cpp
   ${CMAKE_CURRENT_LIST_DIR}/xkb_layout.cpp
   ${CMAKE_CURRENT_LIST_DIR}/xkb_server.cpp)
-target_link_libraries(tarvelin_xkb PUBLIC tarvelin_flags PkgConfig::XKB)
+target_link_libraries(tarvelin_xkb PUBLIC tarvelin_flags tarvelin_platform PkgConfig::XKB)

@@ -1,0 +1,65 @@
+#pragma once
+/// Pacing: keeps the machine in step with the host's clock, limits screen updates to the display's
+/// refresh rate, and serves the timed events of the command line.
+
+#include <cstdint>
+#include <string>
+
+/// Wait for real time.
+extern bool g_Timer;
+/// A video capture is running: every frame is presented and handed to it (0 or 2).
+extern int g_bRecordingVideo;
+/// Base name, without extension, of screenshots; empty after a reset.
+extern std::string last_file_name;
+
+/// Absolute cycle counts of the timed events; EVENT_DISARMED when there is none. A screenshot waits
+/// for a canvas.
+constexpr int64_t EVENT_DISARMED = INT64_MAX;
+extern int64_t event_shutdown_timout;
+extern int64_t event_screenshot_timout;
+
+/// Pacing state, in counts of the host's clock.
+struct pacing_state {
+    int64_t two_seconds;      ///< the measuring period
+    int64_t frame_period;     ///< per emulated frame
+    uint32_t frame_interval;  ///< per refresh of the display
+    uint32_t monitor_refresh; ///< Hz
+    int64_t elapsed_counter;  ///< "now": read after each frame
+    int64_t elapsed_temp;     ///< where the emulated time stands
+    int64_t next_frame;       ///< when the next screen update is due
+    int64_t next_measure;     ///< when the next speed report is due
+    int32_t ticks;            ///< frames since the last report
+    int32_t total_frames;     ///< screen updates
+    int32_t last_total_frames;
+};
+extern pacing_state pacing;
+
+/// What pacing tells and asks the program around it.
+struct pacing_calls {
+    void (*title)(const char* text); ///< of the window, behind the product's name
+    bool (*has_canvas)();            ///< there is one to draw into
+    void (*save_screenshot)();       ///< of the canvas, under the next free name
+    void (*capture_frame)();         ///< hands the canvas to the running video capture
+};
+/// Without a host nothing is shown, and there is no canvas.
+extern pacing_calls pacing_host;
+
+/// After a frame that was not paced: the timed events that are due.
+void run_timed_events();
+/// Runs frames and shows each, without pacing. Ends early at the breakpoint.
+void do_some_frames(int count);
+/// Takes a timed screenshot that fell due before there was a canvas, unless the shutdown came
+/// first.
+void take_late_screenshot();
+/// One frame, waiting and screen update included: the body of the idle loop.
+void paced_frame_step();
+
+/// Reads the clock's frequency and the display's refresh rate, and starts pacing for the active
+/// configuration; once, when the platform is there.
+void init_timers();
+/// Starts pacing for so many frames per second, above 0.
+void timer_recalibrate_fps(uint32_t screen_frequency);
+/// Restarts pacing from now, so that halted time is not caught up.
+void reset_timer();
+/// Speed report into the window title.
+void show_frame_rate();

@@ -1,0 +1,185 @@
+#include "host/dialogs/dialogs.h"
+
+#include "files/file_names.h"
+#include "host/screen_text.h"
+#include "platform/platform.h"
+#include "wall/machine_host.h"
+#include "z80/z80.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <map>
+#include <system_error>
+
+namespace {
+
+constexpr int DIALOG_TYPES = DIALOG_SAVE_DISK + 1;
+
+const FileFilter ALL = {"All (*.*)", "*.*"};
+
+FileFilter all_files(const char* extension) { return {"All Files (*.*)", "*.*", extension}; }
+
+/// Filters with an extension are those of a save dialog.
+struct FileDialogText {
+    const char* title;
+    std::vector<FileFilter> filters;
+};
+
+const std::map<int, FileDialogText>& dialog_types() {
+    static const std::map<int, FileDialogText> types = {
+        {DIALOG_LOAD_CMD, {"Load CMD image", {{"CMD files (*.cmd)", "*.cmd"}, ALL}}},
+        {DIALOG_LOAD_BAS, {"Load BAS file", {{"BAS files (*.bas;*.txt)", "*.bas;*.txt"}, ALL}}},
+        {DIALOG_ATTACH_WAV,
+         {"Attach tape sample file", {{"44.1 kHz, 8 bit mono WAV (*.wav)", "*.wav"}, ALL}}},
+        {DIALOG_ATTACH_CAS,
+         {"Attach CAS file", {{"CAS files (*.cas; *.cgt)", "*.cas;*.cgt"}, ALL}}},
+        {DIALOG_AUTOSTART,
+         {"Autostart emulator image...",
+          {{"EACA Genie files (*.bas,*.cas,*.cmd,*.dsk,*.jzs,*.txt)",
+            "*.bas;*.cas;*.cmd;*.dsk;*.jzs;*.txt"},
+           ALL}}},
+        {DIALOG_ATTACH_DISK,
+         {"Attach disk image...", {{"Disk images (*.cgd,*.dsk;*.img)", "*.cgd;*.dsk;*.img"}, ALL}}},
+        {DIALOG_SELECT_ROM, {"Select ROM image", {{"ROM images (*.rom)", "*.rom"}, ALL}}},
+        {DIALOG_LOAD_SNAPSHOT,
+         {"Load emulator snaphsot file", {{"JZS files (*.jzs)", "*.jzs"}, ALL}}},
+        {DIALOG_CREATE_WAV,
+         {"Save WAV file",
+          {{"WAV files (*.wav)", "*.wav", "wav"}, {ALL.text, ALL.pattern, "wav"}}}},
+        {DIALOG_MEMORY_AS_CAS,
+         {"Save memory as CAS file", {{"CAS files (*.cas)", "*.cas", "cas"}, all_files("cas")}}},
+        {DIALOG_SCREENSHOT_AS,
+         {"Save screen as...",
+          {{"GIF files (*.gif)", "*.gif", "gif"},
+           {"BMP files (*.bmp)", "*.bmp", "bmp"},
+           {ALL.text, ALL.pattern, "bmp"}}}},
+        {DIALOG_SAVE_CAS,
+         {"Save CAS tape file under name...",
+          {{"CAS files (*.cas)", "*.cas", "cas"}, all_files("cas")}}},
+        {DIALOG_SAVE_SNAPSHOT,
+         {"Save emulator snapshot as...",
+          {{"JZS files (*.jzs)", "*.jzs", "jzs"}, all_files("jzs")}}},
+        {DIALOG_SAVE_VIDEO,
+         {"Save video...", {{"AVI files (*.avi)", "*.avi", "avi"}, all_files("avi")}}},
+        {DIALOG_SAVE_WAV,
+         {"Save to WAV...", {{"16 bit; mono; 44,100 kHz PCM (*.wav)", "*.wav", "wav"}}}},
+        {DIALOG_SAVE_DISK,
+         {"Save disk image as...",
+          {{"Disk images (*.cgd,*.dsk;*.img)", "*.cgd;*.dsk;*.img", "dsk"}, all_files("dsk")}}},
+    };
+    return types;
+}
+
+std::array<int, DIALOG_TYPES> filter_index = {};
+
+/// What the address panel offers: the BASIC program, and the address of the NMI, which the reset
+/// key raises, to start at.
+constexpr uint32_t BASIC_START_POINTER = 0x40A4;
+constexpr uint32_t BASIC_END_POINTER = 0x40F9;
+constexpr uint16_t START_ADDRESS = 0x0066;
+constexpr int ADDRESS_LENGTH = 5;
+std::array<std::string, 3> sMyData;
+
+std::string four_digits(uint16_t value) {
+    char text[8];
+    std::snprintf(text, sizeof text, "%04X", unsigned(value));
+    return text;
+}
+
+std::vector<FileDialogField> address_panel() {
+    return {
+        {"From address:", ADDRESS_LENGTH, four_digits(mem_read_word(BASIC_START_POINTER))},
+        {"End address:", ADDRESS_LENGTH, four_digits(mem_read_word(BASIC_END_POINTER))},
+        {"Start address:", ADDRESS_LENGTH, four_digits(START_ADDRESS)},
+    };
+}
+
+/// The dialog asks before a file is replaced, but it may have asked about the name that was typed
+/// while the file is the one with the extension.
+bool may_save(const FileDialog& dialog, const std::string& typed, const std::string& path) {
+    std::error_code error;
+    if (path == typed || !std::filesystem::exists(path, error)) return true;
+    constexpr int REPLACE = 1; // Enter keeps the file
+    return platform().dialogs().choose(dialog.title,
+                                       path + " already exists. Do you want to replace it?",
+                                       {"&No", "&Yes"}) == REPLACE;
+}
+
+/// Asks until there is a file that may be replaced, or none at all.
+std::optional<FileChoice> choose_to_save(FileDialog dialog) {
+    for (;;) {
+        auto choice = platform().dialogs().choose_file(dialog);
+        if (!choice) return choice;
+        const std::string typed = choice->path;
+        choice->path =
+            with_extension(typed, dialog.filters[size_t(choice->filter_index)].extension);
+        if (may_save(dialog, typed, choice->path)) return choice;
+        dialog.filter_index = choice->filter_index;
+        for (size_t n = 0; n < dialog.fields.size(); ++n) {
+            dialog.fields[n].text = choice->field_texts[n];
+        }
+    }
+}
+
+std::string file_url(const std::string& path) {
+    std::string url = "file://";
+    for (const char c : path) {
+        switch (c) { // what would end or change the path
+        case '%': url += "%25"; break;
+        case '#': url += "%23"; break;
+        case '?': url += "%3F"; break;
+        default: url += c;
+        }
+    }
+    return url;
+}
+
+/// The installed manual, or the program's folder when there is none.
+std::string manual_url() {
+    std::error_code error;
+    const std::string program = platform().paths().program_directory();
+    const std::string manual = program + "/" TARVELIN_MANUAL;
+    return file_url(std::filesystem::exists(manual, error) ? manual : program);
+}
+
+} // namespace
+
+int ui_select_file(int type, std::string* path) {
+    const auto found = dialog_types().find(type);
+    if (found == dialog_types().end()) return 0;
+    const auto& [title, filters] = found->second;
+    const bool save = !filters.front().extension.empty();
+    const bool with_panel = type == DIALOG_MEMORY_AS_CAS;
+    int& filter = filter_index[size_t(type)];
+    const FileDialog dialog = {title, filters, filter, save,
+                               with_panel ? address_panel() : std::vector<FileDialogField>()};
+    const auto choice = save ? choose_to_save(dialog) : platform().dialogs().choose_file(dialog);
+    if (!choice) return 0;
+    if (with_panel) std::copy_n(choice->field_texts.begin(), sMyData.size(), sMyData.begin());
+    filter = choice->filter_index;
+    *path = choice->path;
+    if (!save) StatusBarText("Image attached: %s.", path->c_str());
+    return 1;
+}
+
+void ui_show_text(const std::string& title, const std::string& text) {
+    using enum ControlKind;
+    enum Control : int { CLOSE = 1, TEXT = 2 };
+    const FormDescription form = {
+        title,
+        {{.kind = text_view, .id = TEXT, .text = text, .name = title},
+         {.kind = buttons, .children = {{.kind = default_button, .id = CLOSE, .text = "Close"}}}}};
+    platform().forms().create(form, [](Form&, const FormEvent&) {})->run();
+}
+
+void ui_get_casdata(std::array<std::string, 3>* addresses) { *addresses = sMyData; }
+
+void ui_about_dialog() {
+    platform().dialogs().about("About Tarvelin",
+                               {"Tarvelin", "EACA EG2000 Colour Genie emulator",
+                                std::string("Version ") + TARVELIN_VERSION},
+                               "User manual", manual_url());
+}
+
+void ui_copy_to_clipboard() { platform().clipboard().set_text(screen_text("\r\n")); }

@@ -1,0 +1,27 @@
+#include "host/machine_callbacks.h"
+
+#include "core/pacing/pacing.h"
+#include "host/avi.h"
+#include "host/commands.h"
+#include "host/display.h"
+#include "host/messages.h"
+#include "host/screenshot.h"
+#include "host/status.h"
+#include "wall/machine_host.h"
+
+void connect_machine() {
+    machine_host.status_text = [](const char* text) { show_status(text, {}); };
+    machine_host.part_text = show_status_part;
+    machine_host.report = tell;
+    machine_host.lamp = light_lamp;
+    machine_host.frame = show_frame;
+    machine_host.was_reset = [] { last_file_name.clear(); };
+    machine_host.save_file_name = get_ui_save_tape_filename;
+    machine_host.breakpoint_reached = host_breakpoint_reached;
+    pacing_host = {
+        .title = [](const char* text) { ui_set_window_title("%s", text); },
+        .has_canvas = [] { return host_has_canvas() != 0; },
+        .save_screenshot = host_save_screenshot,
+        .capture_frame = host_capture_frame,
+    };
+}

@@ -1,0 +1,47 @@
+#pragma once
+/// What a video can be compressed with: nothing, run lengths, and the codecs of libavcodec where
+/// the program was built with it.
+
+#include "host/recording/avi_writer.h"
+
+#include <memory>
+#include <optional>
+
+struct encoded_frame {
+    std::span<const uint8_t> data; ///< stands until the next frame is encoded
+    bool key_frame = true;         ///< can be decoded without the frames before
+};
+
+/// A codec at work on one video. The sound is no business of it.
+struct VideoCodec {
+    virtual ~VideoCodec() = default;
+    /// `picture`: the bottom row first, rows of width x bits / 8 bytes. Nothing when the codec
+    /// fails.
+    virtual std::optional<encoded_frame> encode(std::span<const uint8_t> picture) = 0;
+
+    avi_video_format format; ///< of the stream
+};
+
+struct video_codec_kind {
+    const char* name;  ///< in settings
+    const char* title; ///< for the user
+    /// Starts the codec for pictures of the format, which is that of uncompressed ones; nothing
+    /// when it cannot do them.
+    std::unique_ptr<VideoCodec> (*start)(const avi_video_format& format);
+    bool (*can_do)(const bitmap_header& header);
+};
+
+constexpr int KEY_FRAME_INTERVAL = 50; ///< frames from one key frame to the next, at most
+
+/// All there are; uncompressed comes first.
+std::vector<video_codec_kind> video_codecs();
+/// Those of libavcodec; none in a program that was built without it.
+std::vector<video_codec_kind> libav_codecs();
+
+/// Answers the question below in advance, for the rest of the run, with the name of a codec.
+void answer_video_compression(const std::string& name);
+/// Why that codec cannot be had for such pictures; empty when it can, and without an answer.
+std::string video_compression_problem(const bitmap_header& header);
+/// Lets the user choose a codec for such pictures; the choice is offered again the next time.
+/// Nothing when cancelled, or when an answer in advance names no such codec.
+std::optional<video_codec_kind> ui_choose_video_compression(const bitmap_header& header);

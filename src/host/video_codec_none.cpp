@@ -1,3 +1,0 @@
-#include "host/video_codec.h"
-
-std::vector<video_codec_kind> libav_codecs() { return {}; }

@@ -1,0 +1,272 @@
+#include "sound/output/sound_output.h"
+
+#include "platform/platform.h"
+#include "sound/sound_core.h"
+#include "wall/report.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <span>
+#include <string>
+
+namespace {
+
+constexpr int LOCK_FAILED = 1; ///< results of a write
+constexpr int UNLOCK_FAILED = 2;
+constexpr int RETRY_INTERVAL = SOUND_RATE / FRAGMENT_SAMPLES; ///< fragments, one second
+
+bool device_exists = false;
+bool registered = false;
+int lost_fragments = 0; ///< since the device was there, or was tried again
+
+constexpr int32_t MS_BYTES = SOUND_RATE * 2 / 1000;
+constexpr int32_t FRAGMENT = FRAGMENT_BYTES;
+constexpr int32_t HALF_FRAGMENT = FRAGMENT / 2;
+constexpr int32_t SHORTAGE = -FRAGMENT * 3 / 4; ///< an error that the core is to mend
+constexpr uint32_t SHORTEST_BLOCK = 3;          ///< ms
+constexpr uint32_t BLOCKS = 12;                 ///< in the latency
+/// What the core is told to be ahead, in fragments: what it leaves alone, what makes it leave a
+/// fragment out at the seventh time, and what makes it double one at the fourth. Its average must
+/// be rid of that before it is told so again.
+constexpr int32_t JUST_RIGHT = 5;
+constexpr int32_t TOO_FAR = 9;
+constexpr int32_t TOO_NEAR = 1;
+constexpr int AVERAGED = 14;
+constexpr double ERROR_WEIGHT = 1.0 / 512;     ///< of one look in the correction: ten seconds
+constexpr int32_t ASTRAY = 100 * MS_BYTES;     ///< too far off for the core to mend soon
+constexpr int32_t STANDSTILL = 200 * MS_BYTES; ///< the program itself waited for something
+constexpr int PASSING = 5;                     ///< looks; a late frame is made up for by then
+constexpr int32_t SCHEDULING = 3 * MS_BYTES;   ///< that a fragment may come late
+constexpr uint32_t LONGEST_LATENCY = 300;      ///< ms; the core's measure is half a second
+constexpr uint32_t GROWTH = 20;                ///< ms
+constexpr uint32_t ONE_GAP = 25;               ///< fragments: half a second
+constexpr uint32_t GAPS_APART = 3000;          ///< fragments: a minute
+
+uint32_t set_latency = DEFAULT_LATENCY; ///< ms
+
+/// How far the ring is ahead of the device, and what it should be.
+struct Latency {
+    uint32_t ms = 0;
+    uint32_t write_offset = 0; ///< of the next fragment
+    bool placed = false;       ///< the device, behind it
+    int waiting = AVERAGED;    ///< looks until the core's average is what it was told
+    int32_t asking = JUST_RIGHT;
+    double asked_at = 0;   ///< this error
+    double correction = 0; ///< of the error by what it has been on average
+    int displaced = 0;     ///< looks in a row
+    int astray = 0;
+    uint32_t underruns = 0;
+    uint32_t fragments = 0; ///< written
+    uint32_t last_gap = 0;  ///< in fragments written
+    bool gap_before = false;
+} latency;
+
+int32_t unknown_position() {
+    std::fputs("Warning: DSound secondary buffer is null.\n", stderr);
+    return -1;
+}
+
+/// The result of every step that fails.
+int failed(const char* text, const char* title = "Error", MessageIcon icon = MessageIcon::error) {
+    report({.text = text,
+            .reason = platform().audio().error(),
+            .remedy = "The program runs without sound; Options, Sound tries again.",
+            .title = title,
+            .icon = icon});
+    return 0;
+}
+
+int library_missing() { return failed("Missing DSOUND.DLL", "Fatal error!", MessageIcon::none); }
+
+/// Of a ring offset over another, by the shorter way.
+int32_t ahead(uint32_t offset, int32_t of) {
+    const auto distance = int32_t((offset + RING_BYTES - uint32_t(of)) % RING_BYTES);
+    return distance - (distance >= int32_t(RING_BYTES / 2) ? int32_t(RING_BYTES) : 0);
+}
+
+uint32_t behind_write_offset(int32_t bytes) {
+    return (latency.write_offset + RING_BYTES - uint32_t(bytes)) % RING_BYTES;
+}
+
+void place_device() {
+    platform().audio().seek(behind_write_offset(int32_t(latency.ms) * MS_BYTES - FRAGMENT));
+    latency.placed = true;
+    latency.displaced = 0;
+    latency.correction = 0;
+    latency.underruns = platform().audio().underruns();
+}
+
+/// After the program stood still for a while.
+void start_again() {
+    latency.placed = false;
+    latency.waiting = AVERAGED;
+    latency.asking = JUST_RIGHT;
+    latency.astray = 0;
+}
+
+/// One gap can have any reason; two within a minute say that the latency is too short for what else
+/// the computer does. It grows by what was missing.
+void grow_after_gaps(int32_t lead) {
+    const uint32_t underruns = platform().audio().underruns();
+    if (underruns == latency.underruns) return;
+    latency.underruns = underruns;
+    const uint32_t since = latency.fragments - latency.last_gap;
+    if (latency.gap_before && since < ONE_GAP) return;
+    const bool again = latency.gap_before && since < GAPS_APART;
+    latency.gap_before = true;
+    latency.last_gap = latency.fragments;
+    if (!again || lead < -STANDSTILL || latency.ms >= LONGEST_LATENCY) return;
+    const uint32_t missing = lead < 0 ? uint32_t(-lead) / MS_BYTES : 0;
+    latency.ms = std::min(latency.ms + GROWTH + missing, LONGEST_LATENCY);
+    report({.text = "Sound latency raised to " + std::to_string(latency.ms) + " ms",
+            .reason = "The computer is too busy to play the sound without gaps.",
+            .remedy = "Options, Sound, off and on again goes back to the setting SoundLatency.",
+            .severity = Severity::warning});
+}
+
+/// What to tell the core. A change is asked for until it shows: the core may leave out less than a
+/// fragment at a time.
+int32_t what_to_ask(double error, bool can_spare) {
+    int32_t& asking = latency.asking;
+    if (asking == JUST_RIGHT) {
+        if (error > HALF_FRAGMENT && can_spare) asking = TOO_FAR;
+        if (error < SHORTAGE) asking = TOO_NEAR;
+        latency.asked_at = error;
+    } else if (asking == TOO_FAR ? error < latency.asked_at - HALF_FRAGMENT
+                                 : error > latency.asked_at + HALF_FRAGMENT) {
+        asking = JUST_RIGHT;
+        latency.waiting = AVERAGED;
+    }
+    return asking;
+}
+
+/// Where the device is, shifted so that the core keeps the time from a register's write to the
+/// device at the latency. Just before a fragment is written, a sample that follows it is a fragment
+/// further from the device than the lead; half a frame is the middle of when registers are written.
+int32_t cursor(int32_t position) {
+    Audio& audio = platform().audio();
+    const int32_t lead = ahead(latency.write_offset, position);
+    const int32_t wanted = int32_t(latency.ms) * MS_BYTES;
+    const int32_t error = lead + int32_t(sound_samples_begun()) * 2 + HALF_FRAGMENT - wanted;
+    int32_t told = JUST_RIGHT;
+    if (latency.waiting > 0) {
+        --latency.waiting;
+    } else if (!latency.placed) {
+        place_device();
+    } else {
+        // Without a fragment the device must not run dry until the next one. A short latency
+        // leaves that to one place in the frame, from which the device's clock slowly moves away.
+        const int32_t least = int32_t(audio.block_bytes()) + SCHEDULING;
+        const bool can_spare = lead >= least + FRAGMENT;
+        told = what_to_ask(error + latency.correction, can_spare);
+        const bool displaced =
+            (lead < least && error > SHORTAGE) || (!can_spare && error > HALF_FRAGMENT * 5 / 4);
+        latency.displaced = displaced ? latency.displaced + 1 : 0;
+        if (latency.displaced >= PASSING) place_device();
+    }
+    if (latency.placed) {
+        grow_after_gaps(lead);
+        latency.correction = std::clamp<double>(latency.correction + error * ERROR_WEIGHT,
+                                                -HALF_FRAGMENT, HALF_FRAGMENT);
+        latency.astray = std::abs(error) > ASTRAY ? latency.astray + 1 : 0;
+        if (latency.astray >= PASSING) start_again();
+    }
+    return int32_t(behind_write_offset(told * FRAGMENT));
+}
+
+const sound_driver_table dsound_driver = {
+    "DirectSound", [] { return dsound_init(SOUND_RATE); },
+    dsound_close,  dsound_write,
+    dsound_reset,  dsound_pause,
+    dsound_resume, dsound_get_current_position,
+};
+
+/// What an earlier start has left. The driver must not be the active one when it is registered
+/// again: the core would close what has just been made.
+void forget_earlier_output() {
+    if (registered) sound_null_driver_init();
+    dsound_close();
+}
+
+int lose_fragment(Audio& audio) {
+    if (++lost_fragments >= RETRY_INTERVAL) {
+        lost_fragments = 0;
+        audio.restore();
+    }
+    return LOCK_FAILED;
+}
+
+} // namespace
+
+int dsound_init(int rate) {
+    Audio& audio = platform().audio();
+    forget_earlier_output();
+    if (!audio.library_available()) return library_missing();
+    if (!audio.create_device()) return failed("DirectSoundCreate failed");
+    device_exists = true;
+    if (!audio.set_cooperative()) return failed("SetCooperativeLevel failed");
+    if (!audio.create_primary()) return failed("CreateSoundBuffer for primary buffer failed");
+    latency = {.ms = set_latency};
+    const int block = int(std::max(set_latency / BLOCKS, SHORTEST_BLOCK)) * rate / 1000;
+    if (!audio.set_format(rate, block)) return failed("SetFormat on primary bufer failed");
+    dsound_create_secondary_buffer(rate);
+    sound_register_driver(&dsound_driver);
+    registered = true;
+    if (!audio.play()) return failed("Play primary buffer failed");
+    return 1;
+}
+
+int dsound_create_secondary_buffer(int rate) {
+    Audio& audio = platform().audio();
+    audio.stop();
+    audio.release_ring();
+    if (!audio.create_ring(RING_BYTES, rate)) return failed("CreateSoundBuffer failed");
+    dsound_resume();
+    return 1;
+}
+
+uint32_t dsound_set_latency(uint32_t ms) {
+    return set_latency = std::clamp(ms, SHORTEST_LATENCY, LONGEST_SET_LATENCY);
+}
+
+int dsound_write(const uint16_t* samples, uint32_t offset, uint32_t bytes) {
+    latency.write_offset = (offset + bytes) % RING_BYTES;
+    ++latency.fragments;
+    Audio& audio = platform().audio();
+    if (!audio.has_ring()) return 0;
+    std::span<uint8_t> first;
+    std::span<uint8_t> second;
+    if (!audio.lock(offset, bytes, first, second)) return lose_fragment(audio);
+    lost_fragments = 0;
+    const auto* data = reinterpret_cast<const uint8_t*>(samples);
+    std::copy_n(data, first.size(), first.begin());
+    std::copy_n(data + first.size(), second.size(), second.begin());
+    if (!audio.unlock()) return UNLOCK_FAILED;
+    audio.play();
+    return 0;
+}
+
+int32_t dsound_get_current_position() {
+    Audio& audio = platform().audio();
+    if (!audio.has_ring()) return unknown_position();
+    const int32_t position = audio.position();
+    return position < 0 || audio.block_bytes() == 0 ? position : cursor(position);
+}
+
+void dsound_pause() { platform().audio().stop(); }
+void dsound_resume() { platform().audio().play(); }
+
+void dsound_reset() {
+    Audio& audio = platform().audio();
+    if (audio.has_ring()) audio.restore();
+}
+
+void dsound_close() {
+    registered = false;
+    if (!device_exists) return;
+    Audio& audio = platform().audio();
+    audio.release_ring();
+    audio.release_device();
+    device_exists = false;
+}

@@ -1,0 +1,75 @@
+#pragma once
+/// The wall around the machine, and its one door: a record of callbacks, through which the machine
+/// tells and asks whatever program it runs in. Each has a default that does nothing, so that the
+/// machine runs in any program, also in one that knows nothing of it.
+
+#include "wall/report.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+struct machine_input;
+
+/// Parts of the status bar.
+enum StatusPart : int { PART_CONFIGURATION, PART_LAMPS, PART_CASSETTE, PART_MESSAGES };
+
+/// Where bytes leave the machine.
+enum output_stream : int { STREAM_PRINTER, STREAM_TAPE, STREAM_TAPE_SOUND };
+/// The contents of a file that a configuration names.
+enum rom_file : int { ROM_BASIC, ROM_EXPANSION, ROM_CHARACTERS };
+/// Whether a cassette image has been made for what the firmware is about to save.
+enum save_answer : int { SAVE_REFUSED, SAVE_READY, SAVE_NOT_YET };
+
+struct machine_host_calls {
+    // ---- told ----
+    /// A message for the status bar.
+    void (*status_text)(const char* text);
+    /// The text of a StatusPart.
+    void (*part_text)(int part, const char* text);
+    void (*report)(const Report& told);
+    /// The drive whose lamp is lit, 0 to 3; any other value lights none.
+    void (*lamp)(int drive);
+    /// A frame is there to be shown; 0 does nothing.
+    void (*frame)(int flag);
+    /// A finished sound fragment of FRAGMENT_SAMPLES samples.
+    void (*fragment)(const uint16_t* samples);
+    /// The reset key has been pressed.
+    void (*was_reset)();
+    /// Another state has been loaded: everything shown of the machine is stale.
+    void (*stale)();
+
+    // ---- asked; every answer is an input of the machine ----
+    /// How many fragments the next completed one becomes: 0, 1 or 2. `completed` of them, 0 or 1,
+    /// are finished at this moment. Default 1.
+    int (*fragment_decision)(int completed);
+    /// Bytes of a stream from `position` on. 0 when they cannot be taken. Default 1.
+    int (*write)(output_stream stream, uint64_t position, const uint8_t* bytes, size_t count);
+    /// Fills `size` bytes as far as the file goes. Returns how many there were. Default 0.
+    size_t (*read_rom)(rom_file which, uint8_t* to, size_t size);
+    /// Bytes at `offset` of the WAV file that plays. Returns how many there were. Default 0.
+    size_t (*read_tape)(uint64_t offset, uint8_t* to, size_t bytes);
+    /// What keyboard, joysticks and keypads hold at this moment. Default: as it was.
+    void (*read_input)(machine_input& input);
+    /// The cassette image for a save of the firmware. Default SAVE_REFUSED.
+    save_answer (*save_question)();
+    /// Asks for the name of a cassette image to save to; 1 when there is one.
+    int (*save_file_name)(std::string* path);
+    /// The program counter has come to the armed breakpoint: 1 when the machine is to stand there,
+    /// 0 when it is to go on. Default 0.
+    int (*breakpoint_reached)();
+};
+
+/// The callbacks in use. A null pointer is not allowed.
+extern machine_host_calls machine_host;
+/// The record of defaults.
+machine_host_calls machine_without_host();
+
+/// Shows a message in the status bar (printf rules).
+[[gnu::format(printf, 1, 2)]] void StatusBarText(const char* format, ...);
+/// Shows a text in a StatusPart; nothing for the lamps.
+[[gnu::format(printf, 2, 3)]] void StatusBarPartText(int part, const char* format, ...);
+/// Lights the lamp of `drive` (0 to 3); any other value lights none.
+void led_update(int drive);
+/// Shows the frame; 0 does nothing.
+void update_screen(int flag);
