@@ -288,7 +288,10 @@ protected:
         event_shutdown_timout = z80_state.t_count + 6 * 44335 - 1000;
         int stops = 0;
         while (!host->quit_posted()) {
-            if (machine_run()) continue;
+            if (machine_run()) {
+                run_timed_events();
+                continue;
+            }
             if (++stops == most_stops) press(KEY_F4); // the listing begins at the breakpoint
             const bool as_promised = g_bDebug && host->title() == "Tarvelin - (Monitor)" &&
                                      z80_state.pc == breakpoint && local_pc == breakpoint &&
