@@ -8,27 +8,30 @@
 #include "wall/machine_host.h"
 #include "z80/z80.h"
 
-int32_t leftover = 0;
-bool g_bCycleBasedEngine = false;
+frame_record frame_state;
 
 namespace {
 
 constexpr uint32_t FALLBACK_FRAMES = 50; ///< per second
 
-/// The frame that stands at the breakpoint or between single steps.
-bool frame_begun = false;
-int32_t frame_left = 0; ///< cycles
+constexpr state_field fields[] = {
+    {"leftover", sizeof(frame_record::leftover)},
+    {"left", sizeof(frame_record::left)},
+    {"begun", sizeof(frame_record::begun)},
+    {"cycle_based", sizeof(frame_record::cycle_based)},
+    {"unused", sizeof(frame_record::unused)},
+};
 
 void begin_frame() {
-    if (frame_begun) return;
-    frame_begun = true;
-    frame_left = frame_budget() + (g_bCycleBasedEngine ? 0 : leftover);
+    if (frame_state.begun) return;
+    frame_state.begun = 1;
+    frame_state.left = frame_budget() + (g_bCycleBasedEngine ? 0 : leftover);
 }
 
 void end_frame() {
-    frame_begun = false;
+    frame_state.begun = 0;
     if (!g_bCycleBasedEngine) {
-        leftover = frame_left;
+        leftover = frame_state.left;
         crtc_vblank();
     }
     machine_look_for_prompt();
@@ -49,6 +52,9 @@ int32_t run_cycles(int32_t cycles) {
 
 } // namespace
 
+constexpr state_record frame_state_record = {"frame_state", &frame_state, sizeof frame_state,
+                                             fields};
+
 uint32_t frames_per_second() {
     const uint32_t frequency = machine_cfg[active_machine_cfg].screen_frequency;
     return frequency ? frequency : FALLBACK_FRAMES;
@@ -62,8 +68,8 @@ int machine_run() {
     bool reached = z80_state.breakpoint_enabled && cpu_breakpoint_arrives();
     do {
         if (reached && machine_host.breakpoint_reached()) return 0;
-        frame_left = run_cycles(frame_left);
-        reached = frame_left > 0;
+        frame_state.left = run_cycles(frame_state.left);
+        reached = frame_state.left > 0;
     } while (reached);
     end_frame();
     return 1;
@@ -71,8 +77,9 @@ int machine_run() {
 
 int machine_step() {
     begin_frame();
-    frame_left = g_bCycleBasedEngine ? video_step(frame_left) : frame_left + z80_run(0);
-    if (frame_left > 0) return 0;
+    frame_state.left =
+        g_bCycleBasedEngine ? video_step(frame_state.left) : frame_state.left + z80_run(0);
+    if (frame_state.left > 0) return 0;
     end_frame();
     return 1;
 }

@@ -1,12 +1,25 @@
 #pragma once
 /// Frame driver: runs the machine by one video frame at a time, or by one instruction of a frame.
 
+#include "wall/state_record.h"
+
 #include <cstdint>
 
-/// Cycles by which the last frame overshot, 0 or negative; only the instruction engine carries it.
-extern int32_t leftover;
-/// The cycle-based beam engine instead of the instruction engine.
-extern bool g_bCycleBasedEngine;
+struct frame_record {
+    /// Cycles by which the last frame overshot, 0 or negative; only the instruction engine carries
+    /// it.
+    int32_t leftover = 0;
+    int32_t left = 0; ///< cycles of the frame that has begun
+    uint8_t begun = 0;
+    bool cycle_based = false;
+    uint8_t unused[2] = {};
+};
+extern frame_record frame_state;
+extern const state_record frame_state_record;
+
+inline int32_t& leftover = frame_state.leftover;
+/// The cycle-based beam engine instead of the instruction engine. Changed between frames only.
+inline bool& g_bCycleBasedEngine = frame_state.cycle_based;
 
 /// Cycles of one frame of the active configuration.
 int32_t frame_budget();

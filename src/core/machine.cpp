@@ -18,6 +18,12 @@
 
 namespace {
 
+constexpr state_field fields[] = {
+    {"configurations", sizeof(machine_setup_record::configurations)},
+    {"active", sizeof(machine_setup_record::active)},
+    {"run", sizeof(machine_setup_record::run)},
+};
+
 constexpr uint32_t STANDARD_CLOCK = 2216750; ///< Hz
 constexpr uint32_t STANDARD_FRAMES = 50;     ///< per second
 
@@ -58,15 +64,14 @@ bool there_is_a_basic_program() {
 void start_cold() {
     memory_reset();
     z80_reset();
-    machine_run_now.prompt_reached = false;
+    machine_run_now.prompt_reached = 0;
 }
 
 } // namespace
 
-machine_run_state machine_run_now;
-
-machine_configuration machine_cfg[MACHINE_CONFIGURATIONS];
-uint32_t active_machine_cfg = 0;
+machine_setup_record machine_setup;
+constexpr state_record machine_setup_state = {"machine_setup", &machine_setup, sizeof machine_setup,
+                                              fields};
 
 const char* const models[STANDARD_MODELS] = {"Colour Genie EG2000 South (24 rows)",
                                              "Colour Genie EG2000 South (25 rows)",
@@ -128,7 +133,7 @@ void machine_restart() {
 }
 
 void machine_restart_with_disk_rom() {
-    machine_run_now.disk_rom = true;
+    machine_run_now.disk_rom = 1;
     memory_set_eprom(DISK_ROM);
     machine_restart();
 }
@@ -137,7 +142,7 @@ void machine_restart_with_disk_rom() {
 // The memory tells it as well, also with a ROM of the user's, and once a frame costs nothing.
 void machine_look_for_prompt() {
     if (!machine_run_now.prompt_reached)
-        machine_run_now.prompt_reached = there_is_a_basic_program();
+        machine_run_now.prompt_reached = there_is_a_basic_program() ? 1 : 0;
 }
 
 void machine_reset() {

@@ -2,6 +2,8 @@
 /// Machine configurations: three standard models and one of the user's own, in one table, and the
 /// operations on the whole machine.
 
+#include "wall/state_record.h"
+
 #include <cstdint>
 
 struct machine_configuration {
@@ -22,18 +24,27 @@ constexpr uint32_t MACHINE_CONFIGURATIONS = 5; ///< slot 3 stays empty
 constexpr uint32_t SLOWEST_CLOCK = 50'000;     ///< Hz, of a custom configuration
 constexpr uint32_t FASTEST_CLOCK = 100'000'000;
 
-extern machine_configuration machine_cfg[MACHINE_CONFIGURATIONS];
-extern uint32_t active_machine_cfg;
-
 /// What has come about in this run; no setting keeps it.
 struct machine_run_state {
-    /// BASIC has come to its prompt since the last cold start: power-on, restart, or a
+    /// 1 when BASIC has come to its prompt since the last cold start: power-on, restart, or a
     /// configuration that restarts the machine.
-    bool prompt_reached = false;
-    /// The disk ROM is in the machine, whatever expansion ROM a configuration names.
-    bool disk_rom = false;
+    uint8_t prompt_reached = 0;
+    /// 1 when the disk ROM is in the machine, whatever expansion ROM a configuration names.
+    uint8_t disk_rom = 0;
+    uint8_t unused[2] = {};
 };
-extern machine_run_state machine_run_now;
+
+struct machine_setup_record {
+    machine_configuration configurations[MACHINE_CONFIGURATIONS];
+    uint32_t active;
+    machine_run_state run;
+};
+extern machine_setup_record machine_setup;
+extern const state_record machine_setup_state;
+
+inline auto& machine_cfg = machine_setup.configurations;
+inline uint32_t& active_machine_cfg = machine_setup.active;
+inline machine_run_state& machine_run_now = machine_setup.run;
 
 // The choices of the configuration dialog, in the order of their values.
 extern const char* const models[STANDARD_MODELS];

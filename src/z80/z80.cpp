@@ -8,9 +8,42 @@ namespace {
 
 namespace op = z80_operations;
 
-constexpr uint64_t SCAN_LINES_PER_SECOND = 15625;
+/// The breakpoint is the debugger's, and the start of an instruction is noted only where somebody
+/// asks for it.
+constexpr state_field fields[] = {
+    {"af", sizeof(z80_record::af)},
+    {"bc", sizeof(z80_record::bc)},
+    {"de", sizeof(z80_record::de)},
+    {"hl", sizeof(z80_record::hl)},
+    {"ix", sizeof(z80_record::ix)},
+    {"iy", sizeof(z80_record::iy)},
+    {"sp", sizeof(z80_record::sp)},
+    {"pc", sizeof(z80_record::pc)},
+    {"af_alt", sizeof(z80_record::af_alt)},
+    {"bc_alt", sizeof(z80_record::bc_alt)},
+    {"de_alt", sizeof(z80_record::de_alt)},
+    {"hl_alt", sizeof(z80_record::hl_alt)},
+    {"i", sizeof(z80_record::i)},
+    {"r", sizeof(z80_record::r)},
+    {"iff1", sizeof(z80_record::iff1)},
+    {"iff2", sizeof(z80_record::iff2)},
+    {"interrupt_mode", sizeof(z80_record::interrupt_mode)},
+    {"unused", sizeof(z80_record::unused)},
+    {"irq", sizeof(z80_record::irq)},
+    {"nmi", sizeof(z80_record::nmi)},
+    {"nmi_in_progress", sizeof(z80_record::nmi_in_progress)},
+    {"t_count", sizeof(z80_record::t_count)},
+    {"instruction_start", sizeof(z80_record::instruction_start), field_kind::other},
+    {"clock_hz", sizeof(z80_record::clock_hz)},
+    {"cycles_per_line", sizeof(z80_record::cycles_per_line)},
+    {"breakpoint", sizeof(z80_record::breakpoint), field_kind::other},
+    {"unused_2", sizeof(z80_record::unused_2)},
+    {"breakpoint_enabled", sizeof(z80_record::breakpoint_enabled), field_kind::other},
+    {"breakpoint_reached", sizeof(z80_record::breakpoint_reached), field_kind::other},
+    {"stood_on_breakpoint", sizeof(z80_record::stood_on_breakpoint), field_kind::other},
+};
 
-bool stood_on_breakpoint = false; ///< at the last look
+constexpr uint64_t SCAN_LINES_PER_SECOND = 15625;
 
 /// Two loops, since noting the starts takes some percent of the processor's speed. Both are
 /// flattened: with every operation inside, the host keeps the registers in its own.
@@ -27,6 +60,8 @@ inline int32_t run_budget(int32_t budget) {
 }
 
 } // namespace
+
+constexpr state_record z80_state_record = {"z80_state", &z80_state, sizeof z80_state, fields};
 
 [[gnu::noinline, gnu::flatten]] int32_t z80_run_noting_starts(int32_t budget) {
     return run_budget<true>(budget);
@@ -92,9 +127,9 @@ int cpu_check_breakpoint() {
 }
 
 int cpu_breakpoint_arrives() {
-    const bool was_there = stood_on_breakpoint;
-    stood_on_breakpoint = z80_state.pc == z80_state.breakpoint;
-    return z80_state.breakpoint_enabled && stood_on_breakpoint && !was_there ? 1 : 0;
+    const int32_t was_there = z80_state.stood_on_breakpoint;
+    z80_state.stood_on_breakpoint = cpu_is_breakpoint_reached();
+    return z80_state.breakpoint_enabled && z80_state.stood_on_breakpoint && !was_there ? 1 : 0;
 }
 
 void do_CB_instruction() { z80_state.t_count += op::cb_instruction(z80_state); }

@@ -42,6 +42,8 @@
 ///
 /// All times are T-states of the machine's main clock.
 
+#include "wall/state_record.h"
+
 #include <array>
 #include <cstdint>
 
@@ -57,6 +59,7 @@ struct z80_registers {
     uint8_t r; ///< low seven bits count fetches; bit 7 changes only through LD R,A
     uint8_t iff1, iff2;
     uint8_t interrupt_mode; ///< 0, 1 or 2
+    uint8_t unused[3] = {};
 };
 
 /// The registers, the interrupt lines, the machine clock and the breakpoint. While an instruction
@@ -71,11 +74,14 @@ struct z80_record : z80_registers {
     uint64_t clock_hz;         ///< main clock in Hz
     uint64_t cycles_per_line;  ///< clock_hz / 15625 as of z80_init
     uint16_t breakpoint;
+    uint16_t unused_2;
     int32_t breakpoint_enabled;
     int32_t breakpoint_reached;
+    int32_t stood_on_breakpoint; ///< at the last look
 };
 
 extern z80_record z80_state;
+extern const state_record z80_state_record;
 
 /// Bits of F.
 enum : uint8_t {

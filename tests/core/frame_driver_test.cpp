@@ -108,7 +108,7 @@ TEST_F(FrameDriver, ScreenshotFiresOnceAtTheFirstFrameEndThatReachesIt) {
         z80_state.t_count = c.start;
         event_screenshot_timout = c.event;
         for (int frame = 1; frame <= 5; ++frame) {
-            machine_run();
+            do_some_frames(1);
             EXPECT_EQ(fake_host.screenshots, frame >= c.frame ? 1 : 0)
                 << c.event << " frame " << frame;
         }
@@ -122,9 +122,9 @@ TEST_F(FrameDriver, ShutdownWinsOverTheScreenshot) {
     fake_host.lamp = 3;
     event_screenshot_timout = 44339;
     event_shutdown_timout = 44339;
-    machine_run();
+    do_some_frames(1);
     EXPECT_FALSE(host->quit_posted());
-    machine_run();
+    do_some_frames(1);
     EXPECT_EQ(fake_host.screenshots, 0);
     const Event event = host->events().poll();
     EXPECT_EQ(event.kind, Event::Kind::quit);

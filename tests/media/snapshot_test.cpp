@@ -28,7 +28,7 @@ void expect_same(const Machine& want, const std::string& name) {
 struct Snapshot : testing::Test {
     /// A machine in which no two neighbours are equal.
     void SetUp() override {
-        std::memset(&z80_state, 0, sizeof z80_state);
+        z80_state = {};
         z80_state.bc = 0x0102;
         z80_state.de = 0x0304;
         z80_state.hl = 0x0506;

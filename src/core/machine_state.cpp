@@ -1,0 +1,134 @@
+#include "core/machine_state.h"
+
+#include "core/frame_driver.h"
+#include "core/machine.h"
+#include "wall/machine_host.h"
+#include "z80/z80.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+
+namespace {
+
+/// A device has one line here.
+constexpr const state_record* records[] = {
+    &z80_state_record,
+    &frame_state_record,
+    &machine_setup_state,
+};
+
+struct medium {
+    const char* name;
+    shared_bytes* contents;
+};
+constexpr std::array<medium, 0> media = {};
+
+bool is_state(const state_field& field) { return field.kind == field_kind::state; }
+
+/// Calls `act` (record, field, offset of the field among all records).
+template <typename Act>
+void for_each_field(Act act) {
+    size_t start = 0;
+    for (const state_record* record : records) {
+        size_t offset = 0;
+        for (const state_field& field : record->fields) {
+            act(*record, field, start + offset);
+            offset += field.size;
+        }
+        start += record->size;
+    }
+}
+
+std::string value_of(const uint8_t* bytes, size_t size) {
+    std::string text;
+    for (size_t n = size; n > 0; --n) {
+        char digits[3];
+        std::snprintf(digits, sizeof digits, "%02X", bytes[n - 1]);
+        text += digits;
+    }
+    return text;
+}
+
+/// A number is shown whole; of an array, the first byte that differs.
+std::string difference_in(const state_field& field, const uint8_t* a, const uint8_t* b) {
+    constexpr size_t LONGEST_NUMBER = 8;
+    if (field.size <= LONGEST_NUMBER) {
+        return ": " + value_of(a, field.size) + " and " + value_of(b, field.size);
+    }
+    const auto at = size_t(std::mismatch(a, a + field.size, b).first - a);
+    return "[" + std::to_string(at) + "]: " + value_of(a + at, 1) + " and " + value_of(b + at, 1);
+}
+
+} // namespace
+
+size_t machine_state_size() {
+    size_t size = 0;
+    for (const state_record* record : records) size += record->size;
+    return size;
+}
+
+void machine_save(machine_state& to) {
+    to.records.resize(machine_state_size());
+    uint8_t* target = to.records.data();
+    for (const state_record* record : records) {
+        std::memcpy(target, record->data, record->size);
+        target += record->size;
+    }
+    for (size_t n = 0; n < media.size(); ++n) to.media[n] = *media[n].contents;
+}
+
+int machine_load(const machine_state& from) {
+    if (from.records.size() != machine_state_size()) return 0;
+    const uint8_t* source = from.records.data();
+    for (const state_record* record : records) {
+        auto* const target = static_cast<uint8_t*>(record->data);
+        if (std::ranges::all_of(record->fields, is_state)) {
+            std::memcpy(target, source, record->size);
+        } else {
+            size_t offset = 0;
+            for (const state_field& field : record->fields) {
+                if (is_state(field)) std::memcpy(target + offset, source + offset, field.size);
+                offset += field.size;
+            }
+        }
+        source += record->size;
+    }
+    for (size_t n = 0; n < media.size(); ++n) *media[n].contents = from.media[n];
+    machine_host.stale();
+    return 1;
+}
+
+std::string machine_difference(const machine_state& a, const machine_state& b) {
+    if (a.records.size() != b.records.size()) return "one has not been saved";
+    std::string difference;
+    if (!a.records.empty()) {
+        for_each_field([&](const state_record& record, const state_field& field, size_t at) {
+            if (!difference.empty() || !is_state(field)) return;
+            const uint8_t* const bytes = &a.records[at];
+            const uint8_t* const others = &b.records[at];
+            if (std::memcmp(bytes, others, field.size) == 0) return;
+            difference =
+                std::string(record.name) + "." + field.name + difference_in(field, bytes, others);
+        });
+    }
+    for (size_t n = 0; n < media.size() && difference.empty(); ++n) {
+        if (!(a.media[n] == b.media[n])) difference = media[n].name;
+    }
+    return difference;
+}
+
+int machine_equal(const machine_state& a, const machine_state& b) {
+    return machine_difference(a, b).empty() ? 1 : 0;
+}
+
+std::string machine_layout() {
+    std::string text;
+    for_each_field([&](const state_record& record, const state_field& field, size_t at) {
+        char line[120];
+        std::snprintf(line, sizeof line, "%7zu %6u %s.%s%s\n", at, unsigned(field.size),
+                      record.name, field.name, is_state(field) ? "" : " (not state)");
+        text += line;
+    });
+    return text + std::to_string(machine_state_size()) + " bytes\n";
+}

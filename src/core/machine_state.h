@@ -1,0 +1,35 @@
+#pragma once
+/// The machine as a value: a copy of every record and a share of every medium. One machine lives;
+/// others are parked copies of it, and take turns.
+///
+/// What is not in it, is the same for the whole run (firmware images, tables), follows from it
+/// (caches), or belongs to the host (files, the sound device, breakpoints).
+
+#include "wall/shared_bytes.h"
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+constexpr size_t MACHINE_MEDIA = 6; ///< four disks, the cassette, the text that is being typed
+
+struct machine_state {
+    std::vector<uint8_t> records; ///< one behind the other; empty before the first save
+    std::array<shared_bytes, MACHINE_MEDIA> media;
+};
+
+/// Bytes of all records together.
+size_t machine_state_size();
+/// Parks a copy of the live machine.
+void machine_save(machine_state& to);
+/// The parked machine becomes the live one, and the host is told that all it shows is stale. What
+/// is not state stays as it is. 0 when there is no saved state in `from`, and nothing changes.
+int machine_load(const machine_state& from);
+/// The first field in which the two differ, as "record.field", with both values of a short one;
+/// empty when they are equal.
+std::string machine_difference(const machine_state& a, const machine_state& b);
+/// 1 when the two are equal to the byte, media included.
+int machine_equal(const machine_state& a, const machine_state& b);
+/// Offset, size and name of every field, one to a line: the same on every host.
+std::string machine_layout();
