@@ -1,6 +1,6 @@
 #pragma once
-/// What a video can be compressed with: nothing, run lengths, and the codecs of libavcodec where
-/// the program was built with it.
+/// What a video can be compressed with: nothing, run lengths, and the codecs of libavcodec where it
+/// is installed.
 
 #include "host/recording/avi_writer.h"
 
@@ -35,7 +35,8 @@ constexpr int KEY_FRAME_INTERVAL = 50; ///< frames from one key frame to the nex
 
 /// All there are; uncompressed comes first.
 std::vector<video_codec_kind> video_codecs();
-/// Those of libavcodec; none in a program that was built without it.
+/// Those of libavcodec, which the first call loads; none where it is not installed, and in a
+/// program that was built without it.
 std::vector<video_codec_kind> libav_codecs();
 
 /// Answers the question below in advance, for the rest of the run, with the name of a codec.
