@@ -114,7 +114,9 @@ def program_rows(program):
                            QT_QPA_PLATFORM="xcb", SDL_AUDIODRIVER="dummy")
         environment.pop("WAYLAND_DISPLAY", None)
         until_first_frame = ["/w", "/t", "0"]
-        yield program_row("without a display", [program, "--headless", *until_first_frame],
+        yield program_row("tarvelin-headless", [f"{program}-headless", *until_first_frame],
+                          environment)
+        yield program_row("tarvelin --headless", [program, "--headless", *until_first_frame],
                           environment)
         if not shutil.which("Xvfb"):
             return
@@ -174,7 +176,7 @@ def as_html(tables):
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("--programs", type=pathlib.Path, required=True, help="folder of bench_*")
-    parser.add_argument("--tarvelin", required=True, help="the program")
+    parser.add_argument("--tarvelin", required=True, help="the desktop program; the other one is beside it")
     parser.add_argument("--compiler", default="unknown")
     parser.add_argument("--flags", default="unknown")
     parser.add_argument("--output", type=pathlib.Path, required=True)

@@ -1,0 +1,132 @@
+#include "apps/program.h"
+
+#include "files/user_paths.h"
+#include "host/disks.h"
+#include "host/messages.h"
+#include "host/recording/video_codec.h"
+#include "host/shell.h"
+#include "platform/headless/headless.h"
+#include "z80/disassembler.h"
+
+#include <charconv>
+#include <cstdio>
+
+namespace {
+
+constexpr const char* USAGE =
+    "Tarvelin - EACA EG2000 Colour Genie emulator\n"
+    "\n"
+    "usage: tarvelin [options] [switches] [FILE]\n"
+    "       tarvelin-headless [options] [switches] [FILE]\n"
+    "\n"
+    "FILE is started by its type: a load module (.cmd), a cassette (.cas, .cgt), a disk (.dsk,\n"
+    ".cgd), a snapshot (.jzs) or BASIC, tokenized or as text (.bas, .txt).\n"
+    "\n"
+    "options:\n"
+    "  --headless            run without a display, as tarvelin-headless always does\n"
+    "  --real-time           headless: keep to real time instead of virtual time\n"
+    "  --setting NAME=VALUE  headless: a setting for this run, a number or a text\n"
+    "  --save-disks          headless: write changed disks back at the end\n"
+    "  --wav FILE            record the sound from the start\n"
+    "  --regs                print the processor's registers after the run\n"
+    "  --disassemble FIRST-LAST\n"
+    "                        print the disassembly of these hexadecimal addresses after the run\n"
+    "  --help                print this text\n"
+    "  --version             print the version\n"
+    "  --                    what follows are files\n"
+    "\n"
+    "switches:\n"
+    "  /a        load FILE, but do not start it\n"
+    "  /b FILE   start FILE at once\n"
+    "  /d        giant picture: leave every second line black\n"
+    "  /g        with the high-resolution graphics board, which changes nothing\n"
+    "  /h        without sound\n"
+    "  /i FILE   put a disk image into drive 0\n"
+    "  /mN       standard model N, 1 to 3\n"
+    "  /s N      take a screenshot after N seconds of machine time\n"
+    "  /t N      quit after N seconds of machine time\n"
+    "  /v FILE   record a video\n"
+    "  /w        do not wait for real time\n"
+    "\n"
+    "An argument that names an existing file, or has a point or a second slash, is a file.\n"
+    "Without --headless, options of Qt such as -style and -platform are taken as well.\n"
+    "A screenshot is written beside FILE, as FILE0000.gif and so on.\n";
+
+HeadlessOptions headless_options() {
+    HeadlessOptions options;
+    options.data_directory = user_data_directory();
+    options.config_directory = user_config_directory();
+    options.program_directory = executable_directory();
+    return options;
+}
+
+/// A setting is a number where its text is one in full.
+void apply_setting(Settings& settings, const std::string& name, const std::string& value) {
+    uint32_t number = 0;
+    const char* end = value.data() + value.size();
+    const auto [stop, error] = std::from_chars(value.data(), end, number);
+    if (error == std::errc() && stop == end) {
+        settings.set_number(name, number);
+    } else {
+        settings.set_text(name, value);
+    }
+}
+
+void print_registers() {
+    char line[DISASSEMBLY_LINE];
+    for (int kind = 0; kind < 3; ++kind) {
+        regdump(line, kind);
+        std::puts(line);
+    }
+}
+
+/// The last instruction is the one that reaches the last address or the end of the memory.
+void print_disassembly(const AddressRange& range) {
+    char line[DISASSEMBLY_LINE];
+    uint16_t address = 0;
+    uint16_t next = range.first;
+    do {
+        address = next;
+        next = disassemble(address, line);
+        std::puts(line);
+    } while (next > address && next <= range.last);
+}
+
+} // namespace
+
+bool print_information(const CommandLine& line) {
+    if (line.help) {
+        std::fputs(USAGE, stdout);
+    } else if (line.version) {
+        std::puts("Tarvelin " TARVELIN_VERSION);
+    }
+    return line.help || line.version;
+}
+
+int fail(const std::string& problem) {
+    std::fprintf(stderr, "tarvelin: %s\n", problem.c_str());
+    return 1;
+}
+
+void print_results(const CommandLine& line) {
+    if (line.print_registers) print_registers();
+    if (line.disassemble) print_disassembly(*line.disassemble);
+}
+
+int run_headless(const CommandLine& line) {
+    const std::string problem = command_line_problem(line);
+    if (!problem.empty()) return fail(problem);
+    HeadlessOptions headless = headless_options();
+    headless.real_time = line.real_time;
+    HeadlessPlatform host(headless);
+    HeadlessPlatform::stop_on_signals();
+    install_platform(host);
+    for (const auto& [name, value] : line.settings) apply_setting(host.settings(), name, value);
+    // There is nobody to choose.
+    answer_video_compression(host.settings().text("VideoCodec").value_or("uncompressed"));
+    breakpoint_opens_monitor = false;
+    save_changed_disks = line.save_disks;
+    const int exit_code = run_shell(line);
+    print_results(line);
+    return exit_code == 0 && failure_was_reported() ? 1 : exit_code;
+}

@@ -1,0 +1,16 @@
+#pragma once
+/// What the programs have in common: the run without a display, and what is printed before and
+/// after any run.
+
+#include "host/command_line.h"
+
+#include <string>
+
+/// Prints help or version where the line asks for it; true when it did.
+bool print_information(const CommandLine& line);
+/// Prints what keeps the program from running. Returns its exit status.
+int fail(const std::string& problem);
+/// Prints the registers and the disassembly that the line asks for.
+void print_results(const CommandLine& line);
+/// Runs the machine without a display as the line says. Returns the exit status.
+int run_headless(const CommandLine& line);
