@@ -1,6 +1,8 @@
 /// Keys, layouts, and text that is pasted or typed from a file.
 
 #include "cgenie/keyboard.h"
+#include "cgenie/typing/typing.h"
+#include "media/files/typed_text.h"
 #include "support/fake_host.h"
 #include "support/files.h"
 #include "support/machine.h"

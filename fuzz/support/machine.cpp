@@ -1,8 +1,8 @@
 #include "support/machine.h"
 
 #include "cgenie/crtc.h"
-#include "cgenie/keyboard.h"
 #include "cgenie/memory/memory.h"
+#include "cgenie/typing/typing.h"
 #include "cgenie/video.h"
 #include "cgenie/video_beam.h"
 #include "core/frame_driver.h"

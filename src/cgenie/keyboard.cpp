@@ -1,11 +1,9 @@
 #include "cgenie/keyboard.h"
 
-#include "files/whole_file.h"
 #include "platform/platform.h"
 
 #include <array>
 #include <bit>
-#include <utility>
 
 namespace {
 
@@ -71,11 +69,6 @@ int keyboard_mapping = 0;
 constexpr int SHIFT_READS = 3;
 /// Reads of row 7 to come that report SHIFT as down.
 int next_shift_state = 0;
-
-constexpr uint8_t CARRIAGE_RETURN = 13;
-
-std::string buffer;     ///< text to type
-size_t bas_pointer = 0; ///< next byte to type
 
 bool is_host_key(unsigned position) {
     return position >= HOST_KEYS || (position >= FUNCTION_KEYS && position < FUNCTION_KEYS_END);
@@ -147,11 +140,6 @@ uint8_t symbolic_row(unsigned row) {
     return columns;
 }
 
-void start_typing(std::string text) {
-    buffer = std::move(text);
-    bas_pointer = 0;
-}
-
 } // namespace
 
 uint8_t keyboard_read(uint8_t address_low) {
@@ -174,40 +162,3 @@ void keyboard_reset() {
 }
 
 void keyboard_change_mapping(int mapping) { keyboard_mapping = mapping; }
-
-int keyboard_open_from_buffer(const std::string& text) {
-    start_typing(text.substr(0, text.find('\0')));
-    return 1;
-}
-
-int keyboard_open_bas_file(const std::string& path, const std::string& keys_before) {
-    const auto text = read_whole_file(path);
-    if (!text) return 0;
-    start_typing(keys_before + std::string(text->begin(), text->end()));
-    return 1;
-}
-
-void gui_paste_from_clipboard() {
-    if (const auto text = platform().clipboard().text()) keyboard_open_from_buffer(*text);
-}
-
-uint8_t keyboard_type_bas_file(int* done) {
-    *done = bas_pointer >= buffer.size();
-    if (*done) return 0;
-    const auto character = uint8_t(buffer[bas_pointer++]);
-    if (character == CARRIAGE_RETURN) ++bas_pointer;
-    return convert_typed_character(character);
-}
-
-void keyboard_type_reset() {
-    std::string().swap(buffer);
-    bas_pointer = 0;
-}
-
-uint8_t convert_typed_character(uint8_t character) {
-    switch (character) {
-    case '^': return '[';
-    case '`': return '\'';
-    default: return character;
-    }
-}

@@ -1,5 +1,6 @@
 #include "core/machine_state.h"
 
+#include "cgenie/typing/typing.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"
 #include "wall/machine_host.h"
@@ -16,13 +17,14 @@ constexpr const state_record* records[] = {
     &z80_state_record,
     &frame_state_record,
     &machine_setup_state,
+    &typing_record,
 };
 
 struct medium {
     const char* name;
     shared_bytes* contents;
 };
-constexpr std::array<medium, 0> media = {};
+constexpr auto media = std::to_array<medium>({{"typing_text", &typing_text}});
 
 bool is_state(const state_field& field) { return field.kind == field_kind::state; }
 

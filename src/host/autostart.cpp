@@ -1,7 +1,7 @@
 #include "host/autostart.h"
 
-#include "cgenie/keyboard.h"
 #include "cgenie/memory/memory.h"
+#include "cgenie/typing/typing.h"
 #include "core/machine.h"
 #include "core/pacing/pacing.h"
 #include "files/file_handle.h"
@@ -11,6 +11,7 @@
 #include "host/disk_rom.h"
 #include "media/cmd_loader.h"
 #include "media/damage.h"
+#include "media/files/typed_text.h"
 #include "media/snapshot.h"
 #include "media/tape.h"
 #include "media/traps.h"

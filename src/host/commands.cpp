@@ -19,6 +19,7 @@
 #include "host/shell.h"
 #include "host/status.h"
 #include "media/damage.h"
+#include "media/files/typed_text.h"
 #include "media/printer.h"
 #include "media/snapshot.h"
 #include "media/tape.h"

@@ -1,6 +1,6 @@
 #include "host/screen_text.h"
 
-#include "cgenie/keyboard.h"
+#include "cgenie/typing/typing.h"
 #include "cgenie/video.h"
 #include "host/shell.h"
 #include "monitor/monitor.h"

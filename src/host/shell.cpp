@@ -6,6 +6,7 @@
 #include "cgenie/keyboard.h"
 #include "cgenie/memory/memory.h"
 #include "cgenie/palette.h"
+#include "cgenie/typing/typing.h"
 #include "cgenie/video.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"

@@ -1,7 +1,7 @@
 #include "media/traps.h"
 
-#include "cgenie/keyboard.h"
 #include "cgenie/memory/memory.h"
+#include "cgenie/typing/typing.h"
 #include "media/tape.h"
 #include "media/tape_audio.h"
 #include "z80/z80.h"

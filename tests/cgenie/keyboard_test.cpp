@@ -1,4 +1,6 @@
 #include "cgenie/keyboard.h"
+#include "cgenie/typing/typing.h"
+#include "media/files/typed_text.h"
 
 #include "cgenie/memory/memory.h"
 #include "core/machine.h"

@@ -1,9 +1,9 @@
 #include "core/machine.h"
 
 #include "cgenie/firmware_images.h"
-#include "cgenie/keyboard.h"
 #include "cgenie/memory/memory.h"
 #include "cgenie/palette.h"
+#include "cgenie/typing/typing.h"
 #include "cgenie/video.h"
 #include "core/frame_driver.h"
 #include "core/pacing/pacing.h"

@@ -1,7 +1,7 @@
 #include "host/autostart.h"
 
-#include "cgenie/keyboard.h"
 #include "cgenie/memory/memory.h"
+#include "cgenie/typing/typing.h"
 #include "core/machine.h"
 #include "core/pacing/pacing.h"
 #include "host/commands.h"

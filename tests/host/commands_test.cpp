@@ -2,8 +2,8 @@
 #include "host/disks.h"
 
 #include "cgenie/hires_lowe.h"
-#include "cgenie/keyboard.h"
 #include "cgenie/memory/memory.h"
+#include "cgenie/typing/typing.h"
 #include "core/machine.h"
 #include "core/pacing/pacing.h"
 #include "host/canvas.h"

@@ -2,8 +2,8 @@
 // is given once to a running machine, and its effect is looked for.
 
 #include "cgenie/hires_lowe.h"
-#include "cgenie/keyboard.h"
 #include "cgenie/memory/memory.h"
+#include "cgenie/typing/typing.h"
 #include "cgenie/video.h"
 #include "core/pacing/pacing.h"
 #include "host/canvas.h"

@@ -2,8 +2,8 @@
 /// program. The normal run is short; BASIC_SOAK=<bursts> in the environment makes it longer and
 /// BASIC_SOAK_SEED another one.
 
-#include "cgenie/keyboard.h"
 #include "cgenie/memory/memory.h"
+#include "cgenie/typing/typing.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"
 #include "media/traps.h"

@@ -1,5 +1,6 @@
 #include "cgenie/keyboard.h"
 #include "cgenie/memory/memory.h"
+#include "cgenie/typing/typing.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"
 #include "host/autostart.h"

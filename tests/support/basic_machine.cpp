@@ -2,6 +2,7 @@
 
 #include "cgenie/keyboard.h"
 #include "cgenie/memory/memory.h"
+#include "cgenie/typing/typing.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"
 #include "media/traps.h"

@@ -2,7 +2,7 @@
 /// For tests that start the program more than once in a process.
 
 #include "cgenie/hires_lowe.h"
-#include "cgenie/keyboard.h"
+#include "cgenie/typing/typing.h"
 #include "core/frame_driver.h"
 #include "core/pacing/pacing.h"
 #include "host/display.h"

@@ -1,7 +1,7 @@
 #pragma once
 /// The text that the machine is about to be given as if it were typed.
 
-#include "cgenie/keyboard.h"
+#include "cgenie/typing/typing.h"
 
 #include <string>
 

@@ -1,0 +1,44 @@
+#include "cgenie/typing/typing.h"
+
+#include <utility>
+
+namespace {
+
+constexpr uint8_t CARRIAGE_RETURN = 13;
+
+constexpr state_field typing_fields[] = {{"position", sizeof(typing_state::position)}};
+
+} // namespace
+
+typing_state typing;
+constexpr state_record typing_record = {"typing", &typing, sizeof typing, typing_fields};
+shared_bytes typing_text;
+
+void keyboard_open_from_bytes(shared_bytes text) {
+    typing_text = std::move(text);
+    typing = {};
+}
+
+int keyboard_open_from_buffer(const std::string& text) {
+    const std::string typed = text.substr(0, text.find('\0'));
+    keyboard_open_from_bytes(shared_bytes({typed.begin(), typed.end()}));
+    return 1;
+}
+
+uint8_t keyboard_type_bas_file(int* done) {
+    *done = typing.position >= typing_text.size();
+    if (*done) return 0;
+    const uint8_t character = typing_text.view()[typing.position++];
+    if (character == CARRIAGE_RETURN) ++typing.position;
+    return convert_typed_character(character);
+}
+
+void keyboard_type_reset() { keyboard_open_from_bytes({}); }
+
+uint8_t convert_typed_character(uint8_t character) {
+    switch (character) {
+    case '^': return '[';
+    case '`': return '\'';
+    default: return character;
+    }
+}

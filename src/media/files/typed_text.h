@@ -1,0 +1,10 @@
+#pragma once
+/// Where the text that the machine types (cgenie/typing/typing.h) comes from.
+
+#include <string>
+
+/// Starts typing the whole file, behind the keys in front of it; 0 when it cannot be read, is no
+/// regular file or is larger than LARGEST_FILE.
+int keyboard_open_bas_file(const std::string& path, const std::string& keys_before = {});
+/// Starts typing the clipboard's text, where there is one.
+void gui_paste_from_clipboard();
