@@ -1,11 +1,10 @@
 #include "sound/band_limited_steps.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace {
 
-constexpr uint32_t TAPS = 32;
+constexpr uint32_t TAPS = STEP_TAPS;
 constexpr uint32_t LENGTH = TAPS - 1; ///< of a step, in samples
 constexpr uint32_t PHASES = 64;       ///< places between two samples; between them, interpolation
 constexpr uint32_t PHASE_SHIFT = 10;  ///< a fraction of a sample in phases
@@ -18,20 +17,57 @@ constexpr double PI = 3.141592653589793;
 constexpr double CUTOFF = 0.419;
 constexpr double KAISER_BETA = 7.857;
 
-/// Modified Bessel function of the first kind, order 0.
-double bessel_i0(double x) {
+// The table is made by the compiler, so that it is the same on every host: mathematical libraries
+// differ in the last bit.
+
+/// Modified Bessel function of the first kind, order 0, of twice the root of `x`, 0 to 16.
+constexpr double bessel_i0(double x) {
     double sum = 1, term = 1;
-    for (int n = 1; n < 50; ++n) sum += term *= (x / (2 * n)) * (x / (2 * n));
+    for (int n = 1; n < 32; ++n) sum += term *= x / (n * n);
     return sum;
 }
 
-/// The impulse whose integral the step is; `x` in samples from its middle.
-double impulse(double x) {
-    const double edge = 2 * x / LENGTH;
-    if (std::abs(edge) >= 1) return 0;
-    const double angle = 2 * PI * CUTOFF * x;
-    const double sinc = std::abs(angle) < 1e-9 ? 1 : std::sin(angle) / angle;
-    return sinc * bessel_i0(KAISER_BETA * std::sqrt(1 - edge * edge));
+/// For angles up to 1.
+constexpr double sine(double angle) {
+    double sum = angle, term = angle;
+    for (int n = 2; n < 22; n += 2) sum += term *= -angle * angle / (n * (n + 1));
+    return sum;
+}
+
+constexpr int POINTS = LENGTH * PHASES;
+constexpr int HALVES = 2 * POINTS; ///< half the distance of two points
+
+/// The impulse whose integral the step is, at every half distance from its beginning.
+constexpr std::array<double, HALVES + 1> impulse() {
+    std::array<double, HALVES + 1> result = {};
+    constexpr double angle = 2 * PI * CUTOFF / (2 * PHASES);
+    constexpr double half = sine(angle / 2);
+    constexpr double turn = 4 * half * half; // 2 - 2 cos (angle)
+    double sin = 0, growth = sine(angle);
+    result[POINTS] = bessel_i0(KAISER_BETA * KAISER_BETA / 4);
+    for (int n = 1; n < POINTS; ++n) {
+        sin += growth;
+        growth -= turn * sin;
+        const double edge = double(n) / POINTS;
+        const double window = bessel_i0(KAISER_BETA * KAISER_BETA / 4 * (1 - edge * edge));
+        result[POINTS + n] = result[POINTS - n] = sin / (n * angle) * window;
+    }
+    return result;
+}
+
+/// The step at every point, in units.
+constexpr std::array<int, POINTS + 1> step_points() {
+    constexpr std::array<double, HALVES + 1> from = impulse();
+    std::array<double, POINTS + 1> integral = {};
+    for (int n = 0; n < POINTS; ++n) { // Simpson's rule
+        integral[n + 1] = integral[n] + from[2 * n] + 4 * from[2 * n + 1] + from[2 * n + 2];
+    }
+    std::array<int, POINTS + 1> result = {};
+    for (int n = 0; n <= POINTS; ++n) {
+        const double part = integral[n] / integral[POINTS] * (1 << UNIT_SHIFT);
+        result[n] = int(part + (part < 0 ? -0.5 : 0.5));
+    }
+    return result;
 }
 
 /// By how much a step changes each sample, and by how much more in the next phase.
@@ -41,25 +77,14 @@ struct Taps {
 };
 using StepTable = std::array<Taps, PHASES>;
 
-StepTable build_table() {
-    constexpr int POINTS = LENGTH * PHASES;
-    constexpr double DISTANCE = 1.0 / PHASES;
-    std::array<double, POINTS + 1> integral = {};
-    for (int n = 0; n < POINTS; ++n) { // Simpson's rule
-        const double x = n * DISTANCE - LENGTH / 2.0;
-        integral[n + 1] =
-            integral[n] + impulse(x) + 4 * impulse(x + DISTANCE / 2) + impulse(x + DISTANCE);
-    }
-    const auto step = [&](int point) {
-        if (point <= 0) return 0;
-        const double part = integral[std::min(point, POINTS)] / integral[POINTS];
-        return int(std::lround(part * (1 << UNIT_SHIFT)));
-    };
+constexpr StepTable build_table() {
+    constexpr std::array<int, POINTS + 1> points = step_points();
     const auto change = [&](int phase, int tap) {
         const int end = (tap + 1) * int(PHASES) - phase;
-        return step(end) - step(end - int(PHASES));
+        return points[std::clamp(end, 0, POINTS)] -
+               points[std::clamp(end - int(PHASES), 0, POINTS)];
     };
-    StepTable table;
+    StepTable table = {};
     for (int phase = 0; phase < int(PHASES); ++phase) {
         for (int tap = 0; tap < int(TAPS); ++tap) {
             const int here = change(phase, tap);
@@ -70,10 +95,7 @@ StepTable build_table() {
     return table;
 }
 
-const StepTable& step_table() {
-    static const StepTable table = build_table();
-    return table;
-}
+constexpr StepTable step_table = build_table();
 
 } // namespace
 
@@ -82,27 +104,27 @@ void steps_start(step_line& line, int32_t level) {
     line.level = level << UNIT_SHIFT;
 }
 
-void steps_add(step_line& line, uint32_t time, int32_t change) {
-    const Taps& taps = step_table()[(time % STEPS_SAMPLE) >> PHASE_SHIFT];
+void steps_begin(const step_line& line, step_block& block, uint32_t count) {
+    block.count = count;
+    std::ranges::copy(line.changes, block.changes.begin());
+    std::fill_n(block.changes.begin() + TAPS, count, 0);
+}
+
+void steps_add(step_block& block, uint32_t time, int32_t change) {
+    const Taps& taps = step_table[(time % STEPS_SAMPLE) >> PHASE_SHIFT];
     const int32_t beyond = (change * int32_t(time & PHASE_MASK)) >> PHASE_SHIFT;
-    int32_t* const target = &line.changes[line.position + time / STEPS_SAMPLE];
+    int32_t* const target = &block.changes[time / STEPS_SAMPLE];
     for (uint32_t n = 0; n < TAPS; ++n) {
         target[n] += taps.change[n] * int16_t(change) + taps.slope[n] * int16_t(beyond);
     }
 }
 
-void steps_take(step_line& line, uint16_t* buffer, uint32_t count, int32_t top) {
-    int32_t* const changes = &line.changes[line.position];
+void steps_take(step_line& line, const step_block& block, uint16_t* buffer, int32_t top) {
     int32_t level = line.level; // in a register
-    for (uint32_t n = 0; n < count; ++n) {
-        level += changes[n];
+    for (uint32_t n = 0; n < block.count; ++n) {
+        level += block.changes[n];
         buffer[n] = uint16_t(std::min((level + (1 << (UNIT_SHIFT - 1))) >> UNIT_SHIFT, top));
     }
     line.level = level;
-    line.position += count;
-    if (line.position + STEPS_BLOCK + TAPS < line.changes.size()) return;
-    const auto pending = line.changes.begin() + line.position;
-    std::copy_n(pending, TAPS, line.changes.begin());
-    std::fill(line.changes.begin() + TAPS, line.changes.end(), 0);
-    line.position = 0;
+    std::copy_n(block.changes.begin() + block.count, TAPS, line.changes.begin());
 }

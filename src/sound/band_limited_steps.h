@@ -10,22 +10,32 @@
 #include <array>
 #include <cstdint>
 
-struct step_line {
-    std::array<int32_t, 2048> changes = {}; ///< of each sample to come, in 1/32768
-    uint32_t position = 0;                  ///< of the next sample in `changes`
-    int32_t level = 0;                      ///< of the last sample, in 1/32768
-};
-
-/// Most samples of one `steps_take`.
+/// Samples that a step changes.
+constexpr uint32_t STEP_TAPS = 32;
+/// Most samples of one block.
 constexpr uint32_t STEPS_BLOCK = 1024;
 /// The times of a step have 16 fraction bits.
 constexpr uint32_t STEPS_SAMPLE = 0x10000;
 
+/// What is left of the steps so far.
+struct step_line {
+    std::array<int32_t, STEP_TAPS> changes = {}; ///< of each sample to come, in 1/32768
+    int32_t level = 0;                           ///< of the last sample, in 1/32768
+};
+
+/// The next samples of a line, in the making.
+struct step_block {
+    uint32_t count;
+    std::array<int32_t, STEPS_BLOCK + STEP_TAPS> changes;
+};
+
 /// A line that has stood at `level` for ever.
 void steps_start(step_line& line, int32_t level);
-/// Adds a step by `change`, -32767 to 32767, at `time` after the last sample taken, at most
-/// STEPS_BLOCK samples. The levels that the line comes to must stay within 0 to 32767.
-void steps_add(step_line& line, uint32_t time, int32_t change);
-/// The next `count` samples, as signed numbers: a step overshoots by up to a tenth, and several at
+/// The line's next `count` samples, at most STEPS_BLOCK.
+void steps_begin(const step_line& line, step_block& block, uint32_t count);
+/// Adds a step by `change`, -32767 to 32767, at `time` within the block. The levels that the line
+/// comes to must stay within 0 to 32767.
+void steps_add(step_block& block, uint32_t time, int32_t change);
+/// The samples of the block, as signed numbers: a step overshoots by up to a tenth, and several at
 /// once by more. None is above `top`.
-void steps_take(step_line& line, uint16_t* buffer, uint32_t count, int32_t top);
+void steps_take(step_line& line, const step_block& block, uint16_t* buffer, int32_t top);

@@ -19,10 +19,53 @@
 /// Registers keep what was written; a read masks the bits that the chip does not have. Registers
 /// 14 and 15 are the two ports; bits 6 and 7 of register 7 make them outputs.
 
+#include "sound/band_limited_steps.h"
+#include "wall/state_record.h"
+
+#include <array>
 #include <cstdint>
 
-/// Clean sound, from the next sample on.
-extern bool ym2149_clean;
+constexpr uint32_t CHANNELS = 3;
+
+/// Periods and counters have eight fraction bits.
+struct tone_channel {
+    uint32_t period = 0;
+    uint8_t volume = 0;
+    uint8_t envelope_mode = 0;
+    std::array<uint8_t, 2> unused = {};
+    uint32_t counter = 0;
+    uint32_t output = 0; ///< the flip-flop
+};
+
+struct ay_state {
+    std::array<tone_channel, CHANNELS> channel;
+    uint32_t noise_period = 0x100;
+    uint32_t noise_counter = 0x100;
+    uint32_t noise_output = 0;
+    uint32_t mixer = 0x3F; ///< bit n: no tone on channel n, bit n + 3: no noise
+    uint32_t envelope_period = 0x100;
+    uint32_t envelope_counter = 0;
+    int32_t direction = 1; ///< of the envelope
+    int32_t base = 0;      ///< its level
+    uint8_t shape = 0;
+    uint8_t selected = 0;
+    std::array<uint8_t, 2> input_latch = {};
+    std::array<uint8_t, 16> registers = {};
+
+    uint32_t cycles_per_sample = 0;         ///< tone and noise, in 1/32 chip clock
+    uint32_t envelopecycles_per_sample = 0; ///< in chip clocks
+    uint32_t shift_reg = 0xFFFF;            ///< noise; only bits 13, 15 and 16 matter
+
+    bool clean_sound = false; ///< from the next sample on
+    bool clean_runs = false;  ///< the line stands where the last sample was
+    std::array<uint8_t, 2> unused = {};
+    int32_t clean_level = 0; ///< of the mix, after the last step
+    step_line clean_line;
+};
+extern ay_state ay;
+extern const state_record ay_record;
+
+inline bool& ym2149_clean = ay.clean_sound;
 
 /// Sets the chip's clock in Hz and resets it; disconnects the port A input. From the first call on
 /// the chip is one of the sound core's sources.

@@ -44,18 +44,12 @@ protected:
         for (size_t i = 1; i < stream.size(); ++i) count += stream[i] != stream[i - 1];
         return count;
     }
-    /// No reset does it: runs to the only 16 steps of silence in a row.
-    static void start_noise_anew() {
-        power_on(192000);
-        write({{6, 0}, {7, 0x37}, {8, 15}});
-        for (uint32_t silent = 0; silent < 16;) silent = samples(1)[0] ? 0 : silent + 1;
-    }
     static uint8_t read(uint8_t reg) {
         ym2149_register_select(reg);
         return ym2149_read();
     }
     void TearDown() override {
-        ym2149_clean = false;
+        ay = {};
         power_on(CLOCK);
     }
 };
@@ -305,7 +299,7 @@ TEST_F(Ym2149, CleanSoundIsTheChipBetweenTheSamples) {
     };
     std::vector<uint16_t> streams[2];
     for (const bool clean : {false, true}) {
-        start_noise_anew();
+        ay = {};
         power_on(FINE_CLOCK);
         if (!clean) ym2149_set_clock(FINE_CLOCK, 16 * SOUND_RATE);
         ym2149_clean = clean;
@@ -323,7 +317,7 @@ TEST_F(Ym2149, CleanSoundIsTheChipBetweenTheSamples) {
 TEST_F(Ym2149, CleanSoundLeavesTheGeneratorsAsTheyWouldBe) {
     std::vector<uint16_t> streams[2];
     for (const bool clean : {false, true}) {
-        start_noise_anew();
+        ay = {};
         std::mt19937 random(1);
         for (const uint32_t clock : {CLOCK, SLOW_CLOCK, 8388607U, 50000U}) {
             power_on(clock);
@@ -335,7 +329,6 @@ TEST_F(Ym2149, CleanSoundLeavesTheGeneratorsAsTheyWouldBe) {
                 streams[clean].insert(streams[clean].end(), stream.begin(), stream.end());
             }
         }
-        ym2149_clean = false;
     }
     EXPECT_EQ(streams[0], streams[1]);
 }
