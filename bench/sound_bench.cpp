@@ -16,19 +16,11 @@ constexpr uint32_t CLOCK = 2216750; ///< Hz
 constexpr int64_t FRAME = 44335;    ///< T-states
 constexpr int FRAMES = 50;
 
-int32_t unknown_position() { return -1; } // every fragment is rendered
-constexpr sound_driver_table driver = {
-    "bench", [] { return 0; },
-    [] {},   [](const uint16_t*, uint32_t, uint32_t) { return 0; },
-    [] {},   [] {},
-    [] {},   unknown_position};
-
 void power_on() {
-    ym2149_clean = false;
+    ay = {};
     z80_init(CLOCK);
     ym2149_init(CLOCK);
     beeper_init();
-    sound_register_driver(&driver);
     sound_init();
 }
 

@@ -26,7 +26,6 @@ namespace {
 uint32_t beam_parity = 0;
 
 constexpr int UNSERVED_TRAP = 0x0C;
-constexpr uint32_t SOUND_REGISTERS = 16;
 
 void count_beam(int32_t cycles) { beam_parity ^= uint32_t(cycles) & 1; }
 
@@ -112,6 +111,8 @@ void fresh_machine(uint32_t configuration) {
 
     z80_state = {};
     crtc = {};
+    ay = {};
+    sound_core = {};
     machine_init();
     clear_sector_buffer();
     std::ranges::fill(ports, uint8_t(0));
@@ -119,8 +120,6 @@ void fresh_machine(uint32_t configuration) {
     active_machine_cfg = machine_is_valid_cfg(configuration) ? configuration : CUSTOM_CONFIGURATION;
     if (active_machine_cfg != 0) machine_change_cfg(machine_cfg[active_machine_cfg], 1);
     tape_init();
-    for (uint32_t reg = 0; reg < SOUND_REGISTERS; ++reg) ym2149_write_register(reg, 0);
-    ym2149_reset(); // leaves the registers as they are
     printer_reset();
     // The first trap of the run follows none at the same time, and neither do these.
     for (const int64_t before : {-2, -1}) {

@@ -7,7 +7,7 @@
 #include "host/recording/video_codec.h"
 #include "host/shell.h"
 #include "platform/platform.h"
-#include "sound/sound_core.h"
+#include "sound/output/sound_ring.h"
 #include "wall/machine_host.h"
 
 #include <algorithm>

@@ -10,7 +10,7 @@
 #include "host/status.h"
 #include "monitor/monitor.h"
 #include "platform/platform.h"
-#include "sound/sound_core.h"
+#include "sound/output/sound_ring.h"
 #include "wall/machine_host.h"
 
 #include <string>

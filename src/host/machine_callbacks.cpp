@@ -7,6 +7,7 @@
 #include "host/messages.h"
 #include "host/screenshot.h"
 #include "host/status.h"
+#include "sound/output/sound_ring.h"
 #include "wall/machine_host.h"
 
 void connect_machine() {
@@ -18,6 +19,7 @@ void connect_machine() {
     machine_host.was_reset = [] { last_file_name.clear(); };
     machine_host.save_file_name = get_ui_save_tape_filename;
     machine_host.breakpoint_reached = host_breakpoint_reached;
+    sound_output_connect();
     pacing_host = {
         .title = [](const char* text) { ui_set_window_title("%s", text); },
         .has_canvas = [] { return host_has_canvas() != 0; },

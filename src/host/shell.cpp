@@ -35,7 +35,7 @@
 #include "monitor/monitor.h"
 #include "platform/platform.h"
 #include "sound/output/sound_output.h"
-#include "sound/sound_core.h"
+#include "sound/output/sound_ring.h"
 #include "sound/ym2149.h"
 #include "wall/machine_host.h"
 #include "z80/z80.h"

@@ -33,7 +33,7 @@ double samples_per_clk = 0; ///< of the tape that plays
 int64_t tape_last_read_cycle = 0;
 int tape_compare_level = 0;
 uint8_t tape_signal_inverted = 0; ///< FF turns recordings upside down
-std::unique_ptr<iir_filter> tape_filter;
+iir_filter tape_filter;
 int tape_last_level = 1;     ///< the output bit last passed to the recorder
 int64_t prev_save_clock = 0; ///< recorded up to this cycle
 int64_t shown_counter = NOTHING_SHOWN;
@@ -140,7 +140,7 @@ void complete_recording() {
 bool record(int64_t count) {
     const int32_t level = tape_last_level ? SAMPLE_HIGH : 0;
     for (; count > 0; --count) {
-        const int32_t sample = filter_output(tape_filter.get(), level, recording.rate);
+        const int32_t sample = filter_output(&tape_filter, level, recording.rate);
         recording.pending[recording.pending_count++] =
             uint8_t(sample - SAMPLE_MIDDLE) ^ tape_signal_inverted;
         if (recording.pending_count == recording.pending.size() && !write_pending()) return false;
@@ -261,7 +261,7 @@ int tape_create_wav(const std::string& path, int rate) {
     recording.rate = uint32_t(rate);
     shown_counter = NOTHING_SHOWN;
     prev_save_clock = z80_state.t_count;
-    if (!tape_filter) tape_filter = filter_iir_create(FILTER_HIGH_PASS, HIGH_PASS_CUTOFF);
+    if (!tape_filter.cutoff) tape_filter = filter_iir_create(FILTER_HIGH_PASS, HIGH_PASS_CUTOFF);
     return 1;
 }
 

@@ -7,19 +7,23 @@
 namespace {
 
 constexpr uint16_t BEEPER_AMPLITUDE = 4096;
-uint16_t sound_level = 0;
 
-void render(uint16_t* buffer, uint32_t count) { std::fill_n(buffer, count, sound_level); }
+void render(uint16_t* buffer, uint32_t count) { std::fill_n(buffer, count, beeper.sound_level); }
 
-sound_source beeper = {"beeper", nullptr, render, beeper_reset};
+sound_source source = {"beeper", nullptr, render, beeper_reset};
+
+constexpr state_field beeper_fields[] = {{"sound_level", sizeof(beeper_state::sound_level)}};
 
 } // namespace
 
+beeper_state beeper;
+const state_record beeper_record = {"beeper", &beeper, sizeof beeper, beeper_fields};
+
 void beeper_init() {
     beeper_reset();
-    sound_add_source(&beeper);
+    sound_add_source(&source);
 }
 
-void beeper_reset() { sound_level = 0; }
-void beeper_set_level(uint32_t bit) { sound_level = uint16_t(bit * BEEPER_AMPLITUDE); }
-uint16_t beeper_level() { return sound_level; }
+void beeper_reset() { beeper = {}; }
+void beeper_set_level(uint32_t bit) { beeper.sound_level = uint16_t(bit * BEEPER_AMPLITUDE); }
+uint16_t beeper_level() { return beeper.sound_level; }

@@ -1,7 +1,15 @@
 #pragma once
 /// The cassette port as a sound source: its level is what is heard of a tape.
 
+#include "wall/state_record.h"
+
 #include <cstdint>
+
+struct beeper_state {
+    uint16_t sound_level = 0; ///< the present sample
+};
+extern beeper_state beeper;
+extern const state_record beeper_record;
 
 /// Silent; from the first call on the beeper is one of the sound core's sources.
 void beeper_init();

@@ -10,6 +10,14 @@ constexpr double TWO_PI = 6.283185307179586;
 /// a subnormal number, which costs the host a hundred times as much.
 constexpr double INAUDIBLE = 1e-30;
 
+/// e^(-2 pi cutoff / rate). What the machine itself has is written out: mathematical libraries
+/// differ in the last bit of it.
+double feedback(uint32_t cutoff, uint32_t rate) {
+    if (cutoff == 50 && rate == 48000) return 0x1.fca8efdf97df7p-1;
+    if (cutoff == 100 && rate == 44100) return 0x1.f8c1c7e7e4e11p-1;
+    return std::exp(-TWO_PI * double(cutoff) / double(rate));
+}
+
 void use_rate(iir_filter& filter, uint32_t rate) {
     if (filter.rate == rate) return;
     filter.rate = rate;
@@ -29,24 +37,24 @@ int32_t step(iir_filter& filter, int32_t sample) {
 
 } // namespace
 
-std::unique_ptr<iir_filter> filter_iir_create(uint32_t type, uint32_t cutoff) {
-    auto filter = std::make_unique<iir_filter>();
-    filter->type = type;
-    filter->cutoff = cutoff;
+iir_filter filter_iir_create(uint32_t type, uint32_t cutoff) {
+    iir_filter filter;
+    filter.type = type;
+    filter.cutoff = cutoff;
     return filter;
 }
 
-void filter_destroy(std::unique_ptr<iir_filter>* filter) {
-    if (filter) filter->reset();
+void filter_destroy(iir_filter* filter) {
+    if (filter) *filter = {};
 }
 
 void filter_calc_coeff(iir_filter* filter) {
-    filter->a = std::exp(-TWO_PI * double(filter->cutoff) / double(filter->rate));
+    filter->a = feedback(filter->cutoff, filter->rate);
     filter->b = 1.0 - filter->a;
 }
 
 int32_t filter_output(iir_filter* filter, int32_t sample, uint32_t rate) {
-    if (!filter) return sample;
+    if (!filter || filter->cutoff == 0) return sample;
     use_rate(*filter, rate);
     const int32_t result = step(*filter, sample);
     cut_tail(*filter);
@@ -54,7 +62,7 @@ int32_t filter_output(iir_filter* filter, int32_t sample, uint32_t rate) {
 }
 
 void filter_buffer_output(iir_filter* filter, size_t count, int16_t* samples, uint32_t rate) {
-    if (!filter) return;
+    if (!filter || filter->cutoff == 0) return;
     use_rate(*filter, rate);
     const bool silent = std::all_of(samples, samples + count, [](int16_t x) { return x == 0; });
     if (silent && filter->y == 0) return; // and stays so

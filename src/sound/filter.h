@@ -4,23 +4,24 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 
 enum : uint32_t { FILTER_HIGH_PASS = 0, FILTER_LOW_PASS = 1 };
 
+/// Without a cutoff there is no filter: every sample passes as it is.
 struct iir_filter {
     uint32_t rate = 0;   ///< the coefficients' sample rate; 0 until the first sample
+    uint32_t cutoff = 0; ///< Hz
     double b = 0;        ///< 1 - a
     double a = 0;        ///< feedback
-    uint32_t cutoff = 0; ///< Hz
     double y = 0;        ///< low-pass output
     uint32_t type = FILTER_HIGH_PASS;
+    uint32_t unused = 0;
 };
 
 /// A filter at rest of one of the two types; `cutoff` in Hz.
-std::unique_ptr<iir_filter> filter_iir_create(uint32_t type, uint32_t cutoff);
-/// Frees the filter and empties the pointer.
-void filter_destroy(std::unique_ptr<iir_filter>* filter);
+iir_filter filter_iir_create(uint32_t type, uint32_t cutoff);
+/// No filter any more; nothing without a pointer.
+void filter_destroy(iir_filter* filter);
 /// Coefficients for the record's `rate`, above 0, and `cutoff`; the filters below do it themselves
 /// when the rate changes.
 void filter_calc_coeff(iir_filter* filter);

@@ -1,14 +1,16 @@
 #pragma once
-/// Sound core: turns the machine's sound sources into 16-bit mono samples at 48000 Hz and hands
-/// them to the output driver in fragments of 960, a few fragments ahead of what is being heard.
+/// Sound core: turns the machine's sound sources into 16-bit mono samples at 48000 Hz, and hands
+/// them to the host in fragments of 960. For each fragment it asks the host whether to leave the
+/// next one out, or to make two of it.
 ///
 /// The sound clock is cycles per scan line x 15625 Hz; an update renders everything up to a given
 /// processor cycle, so a source must be brought up to date before its state changes. A 50 Hz
-/// high-pass removes the offset of the unsigned mix. Nothing is allocated on the sample path.
-///
-/// A recording sets the pace itself, to miss nothing; the driver then goes without the fragments
-/// that would put it too far ahead.
+/// high-pass removes the offset of the unsigned mix.
 
+#include "sound/filter.h"
+#include "wall/state_record.h"
+
+#include <array>
 #include <cstdint>
 
 /// One source; allocated by its owner, linked by the core.
@@ -20,55 +22,39 @@ struct sound_source {
     void (*reset)();
 };
 
-/// What an output driver offers. Its ring holds 96000 bytes, one second.
-struct sound_driver_table {
-    const char* name;
-    int (*init)();
-    void (*close)();
-    /// Puts `bytes` bytes of samples at byte `offset` of the ring, which wraps. 0 on success.
-    int (*write)(const uint16_t* samples, uint32_t offset, uint32_t bytes);
-    void (*reset)();
-    void (*pause)();
-    void (*resume)();
-    /// Byte offset up to which the device has taken data, or -1 when unknown.
-    int32_t (*get_current_position)();
-};
-
 constexpr int SOUND_RATE = 48000; ///< samples per second
 constexpr uint32_t FRAGMENT_SAMPLES = 960;
 constexpr uint32_t FRAGMENT_BYTES = FRAGMENT_SAMPLES * 2;
-constexpr uint32_t RING_BYTES = 96000;
+
+struct sound_core_state {
+    /// The fragment in the making, before the filter, and behind it what is left of the one before.
+    std::array<uint16_t, 2 * FRAGMENT_SAMPLES> sound_buffer = {};
+    uint32_t sound_update_pos = 0; ///< samples of the fragment that stand
+    uint32_t last_sample_pos = 0;  ///< reached by the last update
+    /// Samples that the fragment in the making had at the end of the last frame, 0 to 959.
+    uint32_t begun_at_frame_end = 0;
+    int32_t next_fragment_count = 1; ///< the last decision: 0, 1 or 2
+    iir_filter hpfilter;
+};
+extern sound_core_state sound_core;
+extern const state_record sound_core_record;
 
 /// Appends a source; the list keeps its order.
 void sound_add_source(sound_source* source);
-/// Closes the active driver and makes `driver` the active one.
-void sound_register_driver(const sound_driver_table* driver);
-/// The driver that plays nothing, "No sound"; its position is unknown.
-void sound_null_driver_init();
-/// An empty fragment, the driver's reset, and the high-pass.
+/// An empty fragment, and the high-pass.
 void sound_init();
-/// The driver's reset, then every source's.
+/// Resets every source.
 void sound_reset();
-/// Ends WAV capture, closes the driver, frees the filters.
-void sound_close();
-/// Silence while the program stands still.
-void sound_pause();
-void sound_resume();
 /// Renders up to the given processor cycle.
 void sound_update(int64_t cycles);
 /// The same, at the end of a frame.
 void sound_flush(int64_t cycles);
-/// Samples that the fragment in the making had at the end of the last frame, 0 to 959.
-uint32_t sound_samples_begun();
-/// The fragment buffer as it stands: the fragment in the making, before the filter, and behind it
-/// what is left of the one before.
+/// The fragment buffer as it stands.
 uint16_t* sound_get_buffer_ptr();
 
-/// Starts to keep finished fragments for the pictures of a film. As long as it runs, only as many
-/// are rendered as it has pictures; beside a WAV recording, which misses nothing, what is too much
-/// for the film is left out of it.
-void sound_start_film();
-void sound_end_film();
-/// The next finished fragment, for one picture, in order; silence when there is none. Stands until
-/// the next update.
-const uint16_t* sound_take_film_fragment();
+// What the host changes beside its decisions.
+
+/// As if the last decision had been `count`, 0 to 2.
+void sound_set_fragment_count(int count);
+/// No high-pass until the next sound_init.
+void sound_remove_filter();

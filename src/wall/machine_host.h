@@ -34,6 +34,10 @@ struct machine_host_calls {
     void (*frame)(int flag);
     /// A finished sound fragment of FRAGMENT_SAMPLES samples.
     void (*fragment)(const uint16_t* samples);
+    /// The next fragment is the first of all.
+    void (*sound_begins)();
+    /// The sound has been reset.
+    void (*sound_was_reset)();
     /// The reset key has been pressed.
     void (*was_reset)();
     /// Another state has been loaded: everything shown of the machine is stale.

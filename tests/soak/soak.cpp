@@ -21,7 +21,7 @@
 #include "media/tape_audio.h"
 #include "media/wd1771.h"
 #include "platform/headless/headless.h"
-#include "sound/sound_core.h"
+#include "sound/output/sound_ring.h"
 #include "z80/z80.h"
 
 #include <unistd.h>

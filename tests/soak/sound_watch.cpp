@@ -2,7 +2,7 @@
 
 #include "platform/platform.h"
 #include "sound/output/sound_output.h"
-#include "sound/sound_core.h"
+#include "sound/output/sound_ring.h"
 
 #include <algorithm>
 

@@ -1,7 +1,8 @@
 #pragma once
 /// An output driver that records what it gets and answers positions as it is told.
 
-#include "sound/sound_core.h"
+#include "sound/output/sound_ring.h"
+#include "wall/machine_host.h"
 #include "z80/z80.h"
 
 #include <gtest/gtest.h>
@@ -49,28 +50,20 @@ inline int64_t sample_at(int64_t cycle) {
     return (2 * cycle * SOUND_RATE + SOUND_CLOCK) / (2 * SOUND_CLOCK);
 }
 
-/// A core at the start of a fragment, 5 fragments ahead ever since, with an empty record.
-inline void start_scripted_core() {
-    const int64_t now = z80_state.t_count;
-    z80_init(2216750);
-    z80_state.t_count = cycle_of_sample(sample_at(now) + 1);
-    sound_resume();
-    sound_register_driver(&scripted_driver);
-    sound_close(); // no filter
-    sound_init();
-    scripted = {};
-    scripted.position = [] { return int32_t((scripted.next_offset + 96000 - 5 * 1920) % 96000); };
-    for (int fragment = 0; fragment < 100; ++fragment) {
-        sound_update(z80_state.t_count = cycle_of_sample(sample_at(z80_state.t_count) + 960));
-    }
-    sound_init();
-    scripted.next_offset = 0;
-    scripted.fragments.clear();
-    scripted.offsets.clear();
-    scripted.calls.clear();
-}
-
 /// Lets `samples` samples of time pass.
 inline void advance(int64_t samples) {
     sound_update(z80_state.t_count = cycle_of_sample(sample_at(z80_state.t_count) + samples));
+}
+
+/// A core at the start of time, 5 fragments ahead ever since, with an empty record.
+inline void start_scripted_core() {
+    z80_init(2216750);
+    z80_state.t_count = 0;
+    sound_core = {};
+    sound_resume();
+    sound_register_driver(&scripted_driver);
+    sound_init();
+    scripted = {};
+    scripted.position = [] { return int32_t((scripted.next_offset + 96000 - 5 * 1920) % 96000); };
+    for (int poll = 0; poll < 100; ++poll) machine_host.fragment_decision(1);
 }

@@ -3,7 +3,7 @@
 #include "platform/headless/headless.h"
 #include "sound/beeper.h"
 #include "sound/output/sound_output.h"
-#include "sound/sound_core.h"
+#include "sound/output/sound_ring.h"
 #include "support/fake_host.h"
 #include "z80/z80.h"
 

@@ -235,7 +235,7 @@ TEST_F(Ym2149, WriteTakesEffectAtItsSample) {
         beeper_reset();
         write({{8, 15}});
         start_scripted_core();
-        sound_close(); // no filter
+        sound_remove_filter();
         const int64_t start = sample_at(z80_state.t_count);
         z80_state.t_count += offset;
         const int64_t change = sample_at(z80_state.t_count) - start;

@@ -1,6 +1,7 @@
 #include "support/fake_host.h"
 
 #include "core/pacing/pacing.h"
+#include "sound/output/sound_ring.h"
 #include "wall/machine_host.h"
 
 FakeHost fake_host;
@@ -27,6 +28,7 @@ const bool connected = [] {
         ++fake_host.breakpoints;
         return fake_host.stands_still ? 1 : 0;
     };
+    sound_output_connect();
     pacing_host = {
         .title = [](const char* text) { fake_host.title = text; },
         .has_canvas = [] { return fake_host.canvas; },

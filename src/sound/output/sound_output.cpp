@@ -1,7 +1,7 @@
 #include "sound/output/sound_output.h"
 
 #include "platform/platform.h"
-#include "sound/sound_core.h"
+#include "sound/output/sound_ring.h"
 #include "wall/report.h"
 
 #include <algorithm>
@@ -148,7 +148,8 @@ int32_t cursor(int32_t position) {
     Audio& audio = platform().audio();
     const int32_t lead = ahead(latency.write_offset, position);
     const int32_t wanted = int32_t(latency.ms) * MS_BYTES;
-    const int32_t error = lead + int32_t(sound_samples_begun()) * 2 + HALF_FRAGMENT - wanted;
+    const int32_t error =
+        lead + int32_t(sound_core.begun_at_frame_end) * 2 + HALF_FRAGMENT - wanted;
     int32_t told = JUST_RIGHT;
     if (latency.waiting > 0) {
         --latency.waiting;

@@ -1,0 +1,48 @@
+#pragma once
+/// Where the machine's sound goes: the output driver's ring, the sound of a film, and the WAV
+/// recording. Decides whether the machine leaves a fragment out or doubles one, so that it stays a
+/// few fragments ahead of what is being heard.
+///
+/// A recording sets the pace itself, to miss nothing; the driver then goes without the fragments
+/// that would put it too far ahead.
+
+#include "sound/sound_core.h"
+
+#include <cstdint>
+
+/// What an output driver offers. Its ring holds 96000 bytes, one second.
+struct sound_driver_table {
+    const char* name;
+    int (*init)();
+    void (*close)();
+    /// Puts `bytes` bytes of samples at byte `offset` of the ring, which wraps. 0 on success.
+    int (*write)(const uint16_t* samples, uint32_t offset, uint32_t bytes);
+    void (*reset)();
+    void (*pause)();
+    void (*resume)();
+    /// Byte offset up to which the device has taken data, or -1 when unknown.
+    int32_t (*get_current_position)();
+};
+
+constexpr uint32_t RING_BYTES = 96000;
+
+/// Makes this the output of the machine's sound.
+void sound_output_connect();
+/// Closes the active driver and makes `driver` the active one.
+void sound_register_driver(const sound_driver_table* driver);
+/// The driver that plays nothing, "No sound"; its position is unknown.
+void sound_null_driver_init();
+/// Ends WAV capture, closes the driver, takes the core's filter away.
+void sound_close();
+/// Silence while the program stands still.
+void sound_pause();
+void sound_resume();
+
+/// Starts to keep finished fragments for the pictures of a film. As long as it runs, only as many
+/// are rendered as it has pictures; beside a WAV recording, which misses nothing, what is too much
+/// for the film is left out of it.
+void sound_start_film();
+void sound_end_film();
+/// The next finished fragment, for one picture, in order; silence when there is none. Stands until
+/// the next update.
+const uint16_t* sound_take_film_fragment();
