@@ -3,6 +3,9 @@
 #include "cgenie/typing/typing.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"
+#include "sound/beeper.h"
+#include "sound/sound_core.h"
+#include "sound/ym2149.h"
 #include "wall/machine_host.h"
 #include "z80/z80.h"
 
@@ -13,12 +16,17 @@
 namespace {
 
 /// A device has one line here.
+// clang-format off
 constexpr const state_record* records[] = {
     &z80_state_record,
     &frame_state_record,
     &machine_setup_state,
     &typing_record,
+    &ay_record,
+    &beeper_record,
+    &sound_core_record,
 };
+// clang-format on
 
 struct medium {
     const char* name;
