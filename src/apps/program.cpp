@@ -3,12 +3,12 @@
 #include "files/user_paths.h"
 #include "host/disks.h"
 #include "host/messages.h"
+#include "host/options.h"
 #include "host/recording/video_codec.h"
 #include "host/shell.h"
 #include "platform/headless/headless.h"
 #include "z80/disassembler.h"
 
-#include <charconv>
 #include <cstdio>
 
 namespace {
@@ -35,18 +35,8 @@ constexpr const char* USAGE =
     "  --version             print the version\n"
     "  --                    what follows are files\n"
     "\n"
-    "switches:\n"
-    "  /a        load FILE, but do not start it\n"
-    "  /b FILE   start FILE at once\n"
-    "  /d        giant picture: leave every second line black\n"
-    "  /g        with the high-resolution graphics board, which changes nothing\n"
-    "  /h        without sound\n"
-    "  /i FILE   put a disk image into drive 0\n"
-    "  /mN       standard model N, 1 to 3\n"
-    "  /s N      take a screenshot after N seconds of machine time\n"
-    "  /t N      quit after N seconds of machine time\n"
-    "  /v FILE   record a video\n"
-    "  /w        do not wait for real time\n"
+    "switches:\n";
+constexpr const char* USAGE_OF_FILES =
     "\n"
     "An argument that names an existing file, or has a point or a second slash, is a file.\n"
     "Without --headless, options of Qt such as -style and -platform are taken as well.\n"
@@ -58,18 +48,6 @@ HeadlessOptions headless_options() {
     options.config_directory = user_config_directory();
     options.program_directory = executable_directory();
     return options;
-}
-
-/// A setting is a number where its text is one in full.
-void apply_setting(Settings& settings, const std::string& name, const std::string& value) {
-    uint32_t number = 0;
-    const char* end = value.data() + value.size();
-    const auto [stop, error] = std::from_chars(value.data(), end, number);
-    if (error == std::errc() && stop == end) {
-        settings.set_number(name, number);
-    } else {
-        settings.set_text(name, value);
-    }
 }
 
 void print_registers() {
@@ -96,7 +74,7 @@ void print_disassembly(const AddressRange& range) {
 
 bool print_information(const CommandLine& line) {
     if (line.help) {
-        std::fputs(USAGE, stdout);
+        std::fputs((USAGE + switches_help() + USAGE_OF_FILES).c_str(), stdout);
     } else if (line.version) {
         std::puts("Tarvelin " TARVELIN_VERSION);
     }
@@ -121,7 +99,7 @@ int run_headless(const CommandLine& line) {
     HeadlessPlatform host(headless);
     HeadlessPlatform::stop_on_signals();
     install_platform(host);
-    for (const auto& [name, value] : line.settings) apply_setting(host.settings(), name, value);
+    for (const auto& [name, value] : line.settings) store_setting(name, value);
     // There is nobody to choose.
     answer_video_compression(host.settings().text("VideoCodec").value_or("uncompressed"));
     breakpoint_opens_monitor = false;

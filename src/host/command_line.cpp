@@ -1,17 +1,11 @@
 #include "host/command_line.h"
 
-#include "cgenie/hires_lowe.h"
 #include "core/machine.h"
-#include "core/pacing/pacing.h"
 #include "host/autostart.h"
-#include "host/commands.h"
-#include "host/disks.h"
-#include "host/display.h"
-#include "host/shell.h"
-#include "z80/z80.h"
+#include "host/command_table.h"
 
+#include <algorithm>
 #include <charconv>
-#include <cstdlib>
 #include <filesystem>
 #include <limits>
 #include <string_view>
@@ -20,8 +14,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-constexpr std::string_view SWITCHES_WITH_VALUE = "birstv";
-constexpr std::string_view TIMED_SWITCHES = "st";
 /// So that a time in cycles fits into 64 bits with any clock.
 constexpr int64_t MOST_SECONDS = std::numeric_limits<int64_t>::max() / FASTEST_CLOCK;
 constexpr int DECIMAL = 10;
@@ -127,19 +119,21 @@ private:
     }
 
     void read_switch(const std::string& word) {
+        using enum LineSwitch::Value;
         CommandLine::Switch read{word[1], word.substr(2)};
-        if (SWITCHES_WITH_VALUE.find(read.letter) != std::string_view::npos) {
+        const LineSwitch* known = find_switch(read.letter);
+        if (known && (known->value == text || known->value == seconds)) {
             const auto given = value();
             if (!given) return line_.problems.push_back(word + ": the value is missing");
             read.value = *given;
         }
-        if (TIMED_SWITCHES.find(read.letter) != std::string_view::npos) {
-            const auto seconds = number_of<int64_t>(read.value, DECIMAL);
-            if (!seconds || *seconds > MOST_SECONDS) {
+        if (known && known->value == seconds) {
+            const auto number = number_of<int64_t>(read.value, DECIMAL);
+            if (!number || *number > MOST_SECONDS) {
                 return line_.problems.push_back(word + " " + read.value +
                                                 ": not a number of whole seconds");
             }
-            read.seconds = *seconds;
+            read.seconds = *number;
         }
         line_.switches.push_back(read);
     }
@@ -156,37 +150,9 @@ private:
     CommandLine line_;
 };
 
-int64_t seconds_to_cycles(int64_t seconds) { return seconds * int64_t(z80_state.clock_hz); }
-
-void apply_model(const std::string& digits) {
-    const auto number = uint32_t(std::atoi(digits.c_str()));
-    const bool known = number >= 1 && number <= STANDARD_MODELS;
-    machine_change_cfg(machine_cfg[known ? number - 1 : 0], 1);
-}
-
-void apply_switch(const CommandLine::Switch& given) {
-    switch (given.letter) {
-    case 'a': g_bAutoStart = false; break;
-    case 'b': autostart_file(given.value); break;
-    case 'd': g_bDblScan = false; break;
-    case 'g': hires_lowe_init(); break;
-    case 'h': g_bSound = false; break;
-    case 'i': main_disk_image_attach(0, given.value); break;
-    case 'm': apply_model(given.value); break;
-    case 's': event_screenshot_timout = seconds_to_cycles(given.seconds); break;
-    case 't': event_shutdown_timout = seconds_to_cycles(given.seconds); break;
-    case 'v': avi_name = given.value; break;
-    case 'w': g_Timer = false; break;
-    default: break; // and 'r', whose value selects nothing
-    }
-}
-
 std::string value_problem(const CommandLine::Switch& given) {
-    switch (given.letter) {
-    case 'b': return start_problem(given.value);
-    case 'i': return file_problem(given.value);
-    default: return {};
-    }
+    const LineSwitch* known = find_switch(given.letter);
+    return known && known->problem ? known->problem(given.value) : std::string();
 }
 
 } // namespace
@@ -194,7 +160,9 @@ std::string value_problem(const CommandLine::Switch& given) {
 CommandLine read_command_line(const Arguments& arguments) { return Reader(arguments).read(); }
 
 void get_command_line(const CommandLine& line) {
-    for (const CommandLine::Switch& given : line.switches) apply_switch(given);
+    for (const CommandLine::Switch& given : line.switches) {
+        if (const LineSwitch* known = find_switch(given.letter)) known->obey(given);
+    }
     if (line.starts_file) autostart_file(line.files.back());
     g_bAutoStart = true;
 }
@@ -210,4 +178,17 @@ std::string command_line_problem(const CommandLine& line) {
         if (problem.empty()) problem = start_problem(file);
     }
     return problem;
+}
+
+std::string switches_help() {
+    std::vector<const LineSwitch*> shown;
+    for (const CommandRow& row : command_table()) {
+        if (row.line_switch.usage) shown.push_back(&row.line_switch);
+    }
+    std::ranges::sort(shown, {}, &LineSwitch::letter);
+    std::string text;
+    for (const LineSwitch* known : shown) {
+        text += std::string("  /") + known->letter + known->usage + "\n";
+    }
+    return text;
 }

@@ -52,3 +52,5 @@ void get_command_line(const CommandLine& line);
 /// What is wrong with the line and with the files that it names, in one line; empty when nothing
 /// is. Looks at files, changes nothing.
 std::string command_line_problem(const CommandLine& line);
+/// All switches with their meanings, a line for each.
+std::string switches_help();

@@ -9,6 +9,7 @@
 #include "host/autostart.h"
 #include "host/avi.h"
 #include "host/canvas.h"
+#include "host/command_table.h"
 #include "host/dialogs/dialogs.h"
 #include "host/disk_rom.h"
 #include "host/disks.h"
@@ -47,20 +48,52 @@ constexpr uint32_t RESTART_WAIT = 500;  ///< ms
 constexpr uint32_t BLUR_LEVEL = 66;
 constexpr int CAPTURE_RUNS = 2; ///< value of g_bRecordingVideo
 
-void toggle(bool& flag, int id) {
-    flag = !flag;
-    check_menu_item(id, flag);
+void tell_saved(const std::string& path) { StatusBarText("Saved: %s", path.c_str()); }
+
+void tell_recording(const std::string& path) { StatusBarText("Saving to: %s", path.c_str()); }
+
+void enter_monitor() {
+    ui_set_window_title("(Monitor)");
+    monitor_update();
 }
 
-/// Asks for a file and hands it over; nothing happens when the user cancels.
+void leave_monitor() {
+    cpu_breakpoint_arrives(); // where the processor stands has been seen
+    const Size client = platform().window().client_size();
+    platform().drawing().fill_rectangle({0, 0, client.width, client.height}, 0);
+    ui_set_window_title("%s", g_bActive ? "(Restarting)" : "(Suspended)");
+    // No frame of a halted machine comes to cover the black.
+    if (!g_bActive) platform().window().invalidate();
+}
+
+void end_sound_recording() {
+    sound_close_wav();
+    check_menu_item(COMMAND_SAVE_WAV, false);
+}
+
+void save_gif(const std::string& path) {
+    if (gif_write_as(path, canvas)) return;
+    const bool wrong_depth = canvas.header.bits != 8;
+    std::string text = "Error saving in GIF format.";
+    if (wrong_depth) text += "\rNon 8-bit display can not be saved as GIF.";
+    report({.text = text,
+            .file = path,
+            .reason = wrong_depth ? "" : std::strerror(errno),
+            .title = "Error!",
+            .icon = MessageIcon::error});
+}
+
+void tell_tape_is_out() {
+    StatusBarText("Tape image detached.");
+    StatusBarPartText(PART_CASSETTE, "%s", "");
+}
+
+} // namespace
+
 void with_file(int dialog, void (*act)(const std::string& path)) {
     std::string path;
     if (ui_select_file(dialog, &path)) act(path);
 }
-
-void tell_saved(const std::string& path) { StatusBarText("Saved: %s", path.c_str()); }
-
-void tell_recording(const std::string& path) { StatusBarText("Saving to: %s", path.c_str()); }
 
 // ---- the machine -------------------------------------------------------------------------------
 
@@ -81,20 +114,6 @@ void restart_machine() {
     machine_restart();
 }
 
-void enter_monitor() {
-    ui_set_window_title("(Monitor)");
-    monitor_update();
-}
-
-void leave_monitor() {
-    cpu_breakpoint_arrives(); // where the processor stands has been seen
-    const Size client = platform().window().client_size();
-    platform().drawing().fill_rectangle({0, 0, client.width, client.height}, 0);
-    ui_set_window_title("%s", g_bActive ? "(Restarting)" : "(Suspended)");
-    // No frame of a halted machine comes to cover the black.
-    if (!g_bActive) platform().window().invalidate();
-}
-
 void toggle_monitor() {
     g_bDebug = !g_bDebug;
     activate_after_toggle();
@@ -112,22 +131,14 @@ void configure_machine() {
     recreate_bitmap(g_GiantScreen, 8);
 }
 
-void toggle_50hz_timer() {
-    toggle(g_Timer, COMMAND_50HZ_TIMER);
+void pacing_switched() {
     if (!g_Timer) return sound_pause();
     if (!g_bSound) return;
     sound_resume();
     sound_reset();
 }
 
-void toggle_background() {
-    g_bRunInBackground = !g_bRunInBackground;
-    activate_unless_held();
-    check_menu_item(COMMAND_BACKGROUND, g_bRunInBackground);
-}
-
-void toggle_key_mapping() {
-    toggle(g_KeyMapping, COMMAND_SYMBOLIC_KEYS);
+void key_mapping_switched() {
     keyboard_change_mapping(g_KeyMapping);
     kept_key_mapping = g_KeyMapping;
 }
@@ -137,8 +148,7 @@ void paste_from_clipboard() {
     gui_paste_from_clipboard();
 }
 
-void toggle_printer() {
-    toggle(printer_enabled, COMMAND_PRINTER);
+void printer_switched() {
     if (printer_enabled) {
         printer_init();
     } else {
@@ -156,21 +166,27 @@ void choose_lowe_board(bool on) {
     check_menu_item(COMMAND_LOWE_ON, on);
 }
 
-// ---- sound -------------------------------------------------------------------------------------
-
-void end_sound_recording() {
-    sound_close_wav();
-    check_menu_item(COMMAND_SAVE_WAV, false);
+void exit_program() {
+    Event close;
+    close.kind = Event::Kind::close;
+    platform().events().post(close);
 }
 
-void toggle_sound() {
-    toggle(g_bSound, COMMAND_SOUND);
+// ---- sound -------------------------------------------------------------------------------------
+
+void sound_switched() {
     if (!g_bSound || !g_Timer) {
         end_sound_recording();
         return sound_null_driver_init(); // the filter stays: a new recording may follow
     }
     dsound_init(SOUND_RATE);
     sound_init();
+}
+
+void start_sound_recording(const std::string& path) {
+    if (!sound_create_wav(path)) return report(unwritable(path));
+    check_menu_item(COMMAND_SAVE_WAV, true);
+    tell_recording(path);
 }
 
 void save_to_wav() {
@@ -182,18 +198,6 @@ void save_to_wav() {
 
 // ---- the picture -------------------------------------------------------------------------------
 
-void save_gif(const std::string& path) {
-    if (gif_write_as(path, canvas)) return;
-    const bool wrong_depth = canvas.header.bits != 8;
-    std::string text = "Error saving in GIF format.";
-    if (wrong_depth) text += "\rNon 8-bit display can not be saved as GIF.";
-    report({.text = text,
-            .file = path,
-            .reason = wrong_depth ? "" : std::strerror(errno),
-            .title = "Error!",
-            .icon = MessageIcon::error});
-}
-
 void save_screenshot_as(const std::string& path) {
     if (lower_case_extension(path) == "gif") {
         save_gif(path);
@@ -203,15 +207,11 @@ void save_screenshot_as(const std::string& path) {
     save_video_ram_when_wanted();
 }
 
-void toggle_double_scan() {
-    toggle(g_bDblScan, COMMAND_DOUBLE_SCAN);
+void double_scan_switched() {
     if (!g_bDblScan) dib_clear_buffer(canvas);
 }
 
-void toggle_1bit_display() {
-    toggle(g_1bitDisplay, COMMAND_1BIT_DISPLAY);
-    recreate_bitmap(g_GiantScreen, canvas_bits());
-}
+void canvas_depth_switched() { recreate_bitmap(g_GiantScreen, canvas_bits()); }
 
 void toggle_tv_blur() {
     g_CompositeBlur = g_CompositeBlur ? 0 : BLUR_LEVEL;
@@ -219,11 +219,29 @@ void toggle_tv_blur() {
     check_menu_item(COMMAND_TV_BLUR, g_CompositeBlur != 0);
 }
 
-void toggle_giant_screen() {
-    toggle(g_GiantScreen, COMMAND_GIANT_SCREEN);
+void giant_screen_switched() {
     set_screen_params(g_GiantScreen, canvas_bits());
     if (g_bDebug) return monitor_update();
     platform().window().invalidate();
+}
+
+int video_save_to_avi(bool ask, std::string* name) {
+    if (g_bRecordingVideo) {
+        Video_CloseOutput();
+        g_bRecordingVideo = 0;
+        check_menu_item(COMMAND_SAVE_VIDEO, false);
+        return 1;
+    }
+    if (ask && !ui_select_file(DIALOG_SAVE_VIDEO, name)) return 0;
+    if (!Video_CreateBitmap()) {
+        report({.text = "AVI: an error occured."});
+        check_menu_item(COMMAND_SAVE_VIDEO, false);
+        return 0;
+    }
+    const uint16_t* sound = g_bSound ? sound_get_buffer_ptr() : nullptr;
+    if (Video_OpenOutput(*name, sound)) g_bRecordingVideo = CAPTURE_RUNS;
+    check_menu_item(COMMAND_SAVE_VIDEO, g_bRecordingVideo != 0);
+    return 1;
 }
 
 void save_to_video() {
@@ -231,17 +249,14 @@ void save_to_video() {
     video_save_to_avi(true, &name);
 }
 
-// ---- tapes, snapshots, programs ----------------------------------------------------------------
+// ---- tapes, snapshots, disks -------------------------------------------------------------------
+
+void tell_bad_image(const std::string& path) { report({.text = "Error opening image: " + path}); }
 
 void attach_cas(const std::string& path) {
     if (!tape_attach_cas(path)) return tell_bad_image(path);
     const std::string text = "CAS image attached: " + path;
     if (is_whole(path, tape_damage, text)) StatusBarText("%s", text.c_str());
-}
-
-void tell_tape_is_out() {
-    StatusBarText("Tape image detached.");
-    StatusBarPartText(PART_CASSETTE, "%s", "");
 }
 
 void detach_cas() {
@@ -276,6 +291,13 @@ void adjust_head() {
     tape_set_compare_level(level);
 }
 
+int get_ui_save_tape_filename(std::string* path) {
+    const int chosen = ui_select_file(DIALOG_SAVE_CAS, path);
+    if (chosen) tell_recording(*path);
+    reset_timer();
+    return chosen;
+}
+
 void save_memory_as_cas(const std::string& path) {
     std::array<std::string, 3> addresses;
     ui_get_casdata(&addresses);
@@ -289,122 +311,26 @@ void save_snapshot(const std::string& path) {
     tell_saved(path);
 }
 
-// ---- disks -------------------------------------------------------------------------------------
-
 void select_disk(unsigned drive) {
     std::string path;
     if (ui_select_file(DIALOG_ATTACH_DISK, &path)) give_disk(drive, path);
 }
 
-// ---- the table ---------------------------------------------------------------------------------
-
-struct CommandEntry {
-    int id;
-    void (*run)();
-};
-
-constexpr auto commands = std::to_array<CommandEntry>({
-    {COMMAND_ABOUT, ui_about_dialog},
-    {COMMAND_MESSAGES, ui_messages},
-    {COMMAND_PAUSE, pause_machine},
-    {COMMAND_RESET, machine_reset},
-    {COMMAND_50HZ_TIMER, toggle_50hz_timer},
-    {COMMAND_MONITOR, toggle_monitor},
-    {COMMAND_RESTART, restart_machine},
-    {COMMAND_LOAD_CMD, [] { with_file(DIALOG_LOAD_CMD, autostart_file); }},
-    {COMMAND_LOAD_BAS, [] { with_file(DIALOG_LOAD_BAS, main_load_bas_file); }},
-    {COMMAND_SCREENSHOT, host_save_screenshot},
-    {COMMAND_SOUND, toggle_sound},
-    {COMMAND_CLEAN_SOUND, [] { toggle(ym2149_clean, COMMAND_CLEAN_SOUND); }},
-    {COMMAND_CREATE_WAV, [] { with_file(DIALOG_CREATE_WAV, create_wav); }},
-    {COMMAND_CLOSE_WAV, close_wav},
-    {COMMAND_PLAY_RECORD, play_or_record},
-    {COMMAND_ATTACH_CAS, [] { with_file(DIALOG_ATTACH_CAS, attach_cas); }},
-    {COMMAND_DETACH_CAS, detach_cas},
-    {COMMAND_REWIND, rewind_tape},
-    {COMMAND_SCREENSHOT_AS, [] { with_file(DIALOG_SCREENSHOT_AS, save_screenshot_as); }},
-    {COMMAND_MEMORY_AS_CAS, [] { with_file(DIALOG_MEMORY_AS_CAS, save_memory_as_cas); }},
-    {COMMAND_VIDEO_CUT, [] { toggle(video_cut, COMMAND_VIDEO_CUT); }},
-    {COMMAND_VIDEO_PAGE, [] { toggle(video_page, COMMAND_VIDEO_PAGE); }},
-    {COMMAND_LOAD_SNAPSHOT,
-     [] { with_file(DIALOG_LOAD_SNAPSHOT, [](const std::string& path) { load_snapshot(path); }); }},
-    {COMMAND_SAVE_SNAPSHOT, [] { with_file(DIALOG_SAVE_SNAPSHOT, save_snapshot); }},
-    {COMMAND_DOUBLE_SCAN, toggle_double_scan},
-    {COMMAND_AUTOSTART, [] { with_file(DIALOG_AUTOSTART, autostart_file); }},
-    {COMMAND_CONFIGURATION, configure_machine},
-    {COMMAND_COPY, ui_copy_to_clipboard},
-    {COMMAND_PLACE_TRAPS, [] { tape_place_traps(rom_pointer()); }},
-    {COMMAND_FULL_SCREEN, toggle_full_screen},
-    {COMMAND_ATTACH_DISK, [] { select_disk(0); }},
-    {COMMAND_ATTACH_DISK + 1, [] { select_disk(1); }},
-    {COMMAND_ATTACH_DISK + 2, [] { select_disk(2); }},
-    {COMMAND_ATTACH_DISK + 3, [] { select_disk(3); }},
-    {COMMAND_DETACH_DISK, [] { main_disk_image_detach(0); }},
-    {COMMAND_DETACH_DISK + 1, [] { main_disk_image_detach(1); }},
-    {COMMAND_DETACH_DISK + 2, [] { main_disk_image_detach(2); }},
-    {COMMAND_DETACH_DISK + 3, [] { main_disk_image_detach(3); }},
-    {COMMAND_DETACH_ALL, [] { main_disk_image_detach_all(); }},
-    {COMMAND_ATTACH_WAV,
-     [] { with_file(DIALOG_ATTACH_WAV, [](const std::string& path) { tape_open_wav(path); }); }},
-    {COMMAND_PASTE, paste_from_clipboard},
-    {COMMAND_LOWE_OFF, [] { choose_lowe_board(false); }},
-    {COMMAND_LOWE_ON, [] { choose_lowe_board(true); }},
-    {COMMAND_1BIT_DISPLAY, toggle_1bit_display},
-    {COMMAND_TV_BLUR, toggle_tv_blur},
-    {COMMAND_SAVE_VIDEO, save_to_video},
-    {COMMAND_SYMBOLIC_KEYS, toggle_key_mapping},
-    {COMMAND_GIANT_SCREEN, toggle_giant_screen},
-    {COMMAND_DISPLAY_SETTINGS, ui_display_setup},
-    {COMMAND_PRINTER, toggle_printer},
-    {COMMAND_SAVE_WAV, save_to_wav},
-    {COMMAND_ADJUST_HEAD, adjust_head},
-    {COMMAND_BACKGROUND, toggle_background},
-    {COMMAND_SAVE_VIDEO_RAM, [] { toggle(save_video_ram_w_screenshot, COMMAND_SAVE_VIDEO_RAM); }},
-});
-
-} // namespace
+// ---- commands ----------------------------------------------------------------------------------
 
 void handle_command(int id) {
-    if (id == COMMAND_EXIT) {
-        sound_pause();
-        Event close;
-        close.kind = Event::Kind::close;
-        return platform().events().post(close);
-    }
-    const auto* command = std::ranges::find(commands, id, &CommandEntry::id);
-    if (command == commands.end()) return;
+    const CommandRow* row = find_command(id);
+    if (!row) return;
     const UserCommand failures_open_a_box;
     sound_pause();
-    command->run();
+    if (row->flag) {
+        *row->flag = !*row->flag;
+        check_menu_item(id, *row->flag);
+    }
+    if (row->run) row->run();
+    if (id == COMMAND_EXIT) return;
     if (g_bActive) sound_resume();
     reset_timer();
-}
-
-void tell_bad_image(const std::string& path) { report({.text = "Error opening image: " + path}); }
-
-void start_sound_recording(const std::string& path) {
-    if (!sound_create_wav(path)) return report(unwritable(path));
-    check_menu_item(COMMAND_SAVE_WAV, true);
-    tell_recording(path);
-}
-
-int video_save_to_avi(bool ask, std::string* name) {
-    if (g_bRecordingVideo) {
-        Video_CloseOutput();
-        g_bRecordingVideo = 0;
-        check_menu_item(COMMAND_SAVE_VIDEO, false);
-        return 1;
-    }
-    if (ask && !ui_select_file(DIALOG_SAVE_VIDEO, name)) return 0;
-    if (!Video_CreateBitmap()) {
-        report({.text = "AVI: an error occured."});
-        check_menu_item(COMMAND_SAVE_VIDEO, false);
-        return 0;
-    }
-    const uint16_t* sound = g_bSound ? sound_get_buffer_ptr() : nullptr;
-    if (Video_OpenOutput(*name, sound)) g_bRecordingVideo = CAPTURE_RUNS;
-    check_menu_item(COMMAND_SAVE_VIDEO, g_bRecordingVideo != 0);
-    return 1;
 }
 
 int host_breakpoint_reached() {
@@ -413,11 +339,4 @@ int host_breakpoint_reached() {
     monitor_select_page(MONITOR_DISASSEMBLY);
     debug();
     return 1;
-}
-
-int get_ui_save_tape_filename(std::string* path) {
-    const int chosen = ui_select_file(DIALOG_SAVE_CAS, path);
-    if (chosen) tell_recording(*path);
-    reset_timer();
-    return chosen;
 }

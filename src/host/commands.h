@@ -3,6 +3,8 @@
 
 #include "platform/events.h"
 
+#include <string>
+
 /// Runs the command; the sound pauses meanwhile, and pacing starts afresh after it.
 void handle_command(int id);
 /// A key-down that no accelerator took.
@@ -19,3 +21,40 @@ void start_sound_recording(const std::string& path);
 int host_breakpoint_reached();
 /// Asks for the name of a cassette image to save to; 1 when there is one.
 int get_ui_save_tape_filename(std::string* path);
+
+// What the rows of the command table do. "Switched": the row's flag has just been toggled.
+
+/// Asks for a file and hands it over; nothing happens when the user cancels.
+void with_file(int dialog, void (*act)(const std::string& path));
+
+void pause_machine();
+void restart_machine();
+void toggle_monitor();
+void configure_machine();
+void pacing_switched();
+void key_mapping_switched();
+void paste_from_clipboard();
+void printer_switched();
+void choose_lowe_board(bool on);
+void exit_program();
+
+void sound_switched();
+void save_to_wav();
+
+void save_screenshot_as(const std::string& path);
+void double_scan_switched();
+void canvas_depth_switched();
+void toggle_tv_blur();
+void giant_screen_switched();
+void save_to_video();
+
+void attach_cas(const std::string& path);
+void detach_cas();
+void close_wav();
+void create_wav(const std::string& path);
+void play_or_record();
+void rewind_tape();
+void adjust_head();
+void save_memory_as_cas(const std::string& path);
+void save_snapshot(const std::string& path);
+void select_disk(unsigned drive);

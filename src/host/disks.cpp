@@ -261,12 +261,13 @@ bool main_disk_image_attach(unsigned drive, const std::string& path) {
     return false;
 }
 
-void main_disk_image_attach_again(std::span<const std::string> paths) {
+void main_disk_image_remember(unsigned drive, const std::string& path) { absent[drive] = path; }
+
+void main_disk_image_attach_remembered() {
     std::string missing;
     for (unsigned drive = 0; drive < DISK_DRIVES; ++drive) {
-        const std::string& path = paths[drive];
+        const std::string path = absent[drive];
         if (path.empty() || put_in(drive, path)) continue;
-        absent[drive] = path;
         if (!missing.empty()) missing += "; ";
         missing += drive_name(drive) + ", " + image_problem(path);
     }

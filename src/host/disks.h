@@ -7,7 +7,6 @@
 /// another drive, or in one of another running program, is write-protected. Other drives, and an
 /// empty path, do nothing. The status bar tells what came of it.
 
-#include <span>
 #include <string>
 
 /// Whether what is written to a disk is kept in a journal, and journals left behind are offered.
@@ -17,10 +16,11 @@ extern bool save_changed_disks;
 
 /// False when the drive has not got the image.
 bool main_disk_image_attach(unsigned drive, const std::string& path);
-/// Puts in what the drives had at the end of the last run; an empty path for none. Those that
-/// cannot be had are told together, and their drives remember them until a disk is put in or taken
-/// out.
-void main_disk_image_attach_again(std::span<const std::string> paths);
+/// What the drive had at the end of the last run; an empty path for nothing.
+void main_disk_image_remember(unsigned drive, const std::string& path);
+/// Puts those in. Those that cannot be had are told together, and their drives remember them until
+/// a disk is put in or taken out.
+void main_disk_image_attach_remembered();
 /// The path of the disk in the drive, or of the one that it remembers.
 std::string main_disk_image_remembered(unsigned drive);
 /// False when the disk stays.

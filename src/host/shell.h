@@ -13,6 +13,7 @@ extern bool g_bRunInBackground;       ///< run while another program is active
 extern bool g_bSound;                 ///< sound output wanted
 extern bool g_KeyMapping;             ///< symbolic, at present
 extern bool kept_key_mapping;         ///< symbolic by the user's own choice, for the next run
+extern uint32_t sound_latency;        ///< ms, as it was read
 extern std::string emu_path;          ///< the program's directory, with a trailing separator
 extern std::string avi_name;          ///< capture to start with
 

@@ -82,6 +82,36 @@ TEST_F(ShellTest, FirstStartStoresTheDefaultsAndTheExitTheDisks) {
     EXPECT_FALSE(host_has_canvas());
 }
 
+TEST_F(ShellTest, SettingsAreReadAndWrittenInTheirOrder) {
+    install_host({});
+    std::string& uses = host->settings_in_memory().uses;
+    for (const bool first : {true, false}) {
+        host->window().create("start");
+        create_menu();
+        host->settings_in_memory().values["CompositeBlur"] = 100U;
+        uses.clear();
+        emu_init();
+        if (!first) {
+            EXPECT_EQ(uses, "Sound SoundLatency DoubleScan HiResLowe BitDepth SyncSpeed "
+                            "RunInBackground CompositeBlur ActiveConfig CustomRomBASIC "
+                            "CustomRomChar CustomRomExpansion CustomRamSize CustomCpuClockFreq "
+                            "CustomScreenFreq CustomRamStartupPattern Saturation Brightness Gamma "
+                            "Contrast InterlacedLine VideoCut VideoPage KeyMapping GiantScreen "
+                            "CleanSound EnablePrinter Disk0 Disk1 Disk2 Disk3 =CompositeBlur "
+                            "SaveVideoRamWithScreenShots CustomPalette Tape CycleBasedEmulation ");
+        }
+        uses.clear();
+        emu_close();
+    }
+    EXPECT_EQ(uses, "=Sound =DoubleScan =HiResLowe =BitDepth =SyncSpeed =RunInBackground "
+                    "=CompositeBlur =ActiveConfig =CustomRomBASIC =CustomRomChar "
+                    "=CustomRomExpansion =CustomRamSize =CustomCpuClockFreq =CustomScreenFreq "
+                    "=CustomPalette =Saturation =Brightness =Gamma =Contrast =InterlacedLine "
+                    "=VideoCut =VideoPage =KeyMapping =GiantScreen =CleanSound =EnablePrinter "
+                    "=SaveVideoRamWithScreenShots =CustomRamStartupPattern =CycleBasedEmulation "
+                    "=Disk0 =Disk1 =Disk2 =Disk3 =Tape ");
+}
+
 TEST_F(ShellTest, TheTapeOfTheLastRunIsOnlyAName) {
     {
         SettingsFile store(SETTINGS);

@@ -19,23 +19,26 @@ struct HeadlessSettings final : public Settings {
     std::optional<std::string> text(const std::string& name) override {
         return value_of<std::string>(name);
     }
-    bool set_number(const std::string& name, uint32_t value) override {
-        if (available) values[name] = value;
-        return available;
-    }
+    bool set_number(const std::string& name, uint32_t value) override { return set(name, value); }
     bool set_text(const std::string& name, const std::string& value) override {
-        if (available) values[name] = value;
-        return available;
+        return set(name, value);
     }
 
     std::map<std::string, std::variant<uint32_t, std::string>> values;
     bool available = true; ///< off: it cannot be opened
     bool opened = false;
     std::string complaint_text; ///< told once
+    std::string uses;           ///< what was looked for, and "=" before what was set, in order
 
 private:
+    bool set(const std::string& name, const std::variant<uint32_t, std::string>& value) {
+        uses += "=" + name + " ";
+        if (available) values[name] = value;
+        return available;
+    }
     template <typename Type>
-    std::optional<Type> value_of(const std::string& name) const {
+    std::optional<Type> value_of(const std::string& name) {
+        uses += name + " ";
         const auto found = values.find(name);
         if (!available || found == values.end()) return {};
         const Type* value = std::get_if<Type>(&found->second);

@@ -1,0 +1,445 @@
+#include "host/command_table.h"
+
+#include "cgenie/hires_lowe.h"
+#include "cgenie/memory/memory.h"
+#include "cgenie/palette.h"
+#include "core/frame_driver.h"
+#include "core/machine.h"
+#include "core/pacing/pacing.h"
+#include "host/autostart.h"
+#include "host/commands.h"
+#include "host/dialogs/dialogs.h"
+#include "host/disk_rom.h"
+#include "host/disks.h"
+#include "host/display.h"
+#include "host/menu.h"
+#include "host/messages.h"
+#include "host/screenshot.h"
+#include "host/shell.h"
+#include "media/printer.h"
+#include "media/tape.h"
+#include "media/tape_audio.h"
+#include "media/traps.h"
+#include "sound/output/sound_output.h"
+#include "sound/ym2149.h"
+#include "z80/z80.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+
+namespace {
+
+constexpr uint32_t MONOCHROME = 1; ///< "BitDepth" of the 1-bit canvas
+constexpr uint32_t COLOUR_DEPTH = 8;
+constexpr uint32_t LOWEST_SCREEN_FREQUENCY = 5; ///< Hz
+constexpr uint32_t HIGHEST_SCREEN_FREQUENCY = 150;
+constexpr uint32_t DEFAULT_SCREEN_FREQUENCY = 50;
+constexpr uint32_t DEFAULT_CLOCK = 2'216'750; ///< Hz, of a custom configuration
+constexpr uint32_t STRONGEST_BLUR = 99;
+
+constexpr uint8_t ALT = MODIFIER_ALT;
+constexpr uint8_t SHIFT = MODIFIER_SHIFT;
+
+constexpr SettingPlace OF_THE_DIALOG = TextAccess{};
+
+/// The path as it is from wherever the next run starts.
+std::string lasting_path(const std::string& path) {
+    std::error_code error;
+    const auto absolute =
+        path.empty() ? std::filesystem::path() : std::filesystem::absolute(path, error);
+    return error ? path : absolute.string();
+}
+
+// ---- settings ----------------------------------------------------------------------------------
+
+/// A display parameter, none above 100.
+Setting display_setting(const char* name, uint32_t* parameter) {
+    return {.name = name,
+            .place = parameter,
+            .read = StartStep::picture,
+            .possible = [](uint32_t n) { return std::min(n, HIGHEST_DISPLAY_PARAMETER); }};
+}
+
+Setting custom_setting(const char* name, uint32_t machine_configuration::*choice) {
+    return {.name = name,
+            .place = &(machine_cfg[CUSTOM_CONFIGURATION].*choice),
+            .read = StartStep::options};
+}
+
+template <unsigned DRIVE>
+Setting disk_setting(const char* name) {
+    return {.name = name,
+            .place =
+                TextAccess{[] { return lasting_path(main_disk_image_remembered(DRIVE)); },
+                           [](const std::string& path) { main_disk_image_remember(DRIVE, path); }},
+            .read = StartStep::disks};
+}
+
+uint32_t possible_clock(uint32_t hz) {
+    return hz < SLOWEST_CLOCK || hz > FASTEST_CLOCK ? DEFAULT_CLOCK : hz;
+}
+
+uint32_t possible_screen_frequency(uint32_t hz) {
+    const bool possible = hz >= LOWEST_SCREEN_FREQUENCY && hz <= HIGHEST_SCREEN_FREQUENCY;
+    return possible ? hz : DEFAULT_SCREEN_FREQUENCY;
+}
+
+uint32_t possible_configuration(uint32_t index) { return machine_is_valid_cfg(index) ? index : 0; }
+
+constexpr NumberAccess lowe_board = {[] { return uint32_t(lowe.enabled); },
+                                     [](uint32_t on) { lowe.enabled = on; }};
+constexpr NumberAccess bit_depth = {[] { return g_1bitDisplay ? MONOCHROME : COLOUR_DEPTH; },
+                                    [](uint32_t bits) { g_1bitDisplay = bits == MONOCHROME; }};
+/// The parameter is unset until somebody asks.
+constexpr NumberAccess saturation = {palette_get_saturation,
+                                     [](uint32_t n) { display_params.saturation = n; }};
+constexpr NumberAccess startup_pattern = {memory_get_startup_pattern, memory_set_startup_pattern};
+/// A tape that is in is taken out next.
+constexpr TextAccess tape_name = {
+    [] { return tape_cas_is_attached() ? std::string() : tape_get_cas_name(); },
+    [](const std::string& name) { tape_get_cas_name() = name; }};
+
+// ---- switches ----------------------------------------------------------------------------------
+
+using Given = CommandLine::Switch;
+using Value = LineSwitch::Value;
+
+int64_t cycles(const Given& given) { return given.seconds * int64_t(z80_state.clock_hz); }
+
+void apply_model(const Given& given) {
+    const auto number = uint32_t(std::atoi(given.value.c_str()));
+    const bool known = number >= 1 && number <= STANDARD_MODELS;
+    machine_change_cfg(machine_cfg[known ? number - 1 : 0], 1);
+}
+
+// ---- rows --------------------------------------------------------------------------------------
+
+const CommandRow rows[] = {
+    // Options with a setting.
+    {.id = COMMAND_SOUND,
+     .label = "&Sound",
+     .flag = &g_bSound,
+     .run = sound_switched,
+     .setting = {.name = "Sound", .initial = 1, .read = StartStep::sound_device},
+     .line_switch = {.letter = 'h',
+                     .usage = "        without sound",
+                     .obey = [](const Given&) { g_bSound = false; }}},
+    {.setting = {.name = "SoundLatency",
+                 .place = &sound_latency,
+                 .initial = DEFAULT_LATENCY,
+                 .read = StartStep::sound_device,
+                 .written = false,
+                 .possible = dsound_set_latency,
+                 .mended = StartStep::sound_device}},
+    {.id = COMMAND_DOUBLE_SCAN,
+     .label = "&Double scan",
+     .flag = &g_bDblScan,
+     .run = double_scan_switched,
+     .setting = {.name = "DoubleScan", .initial = 1, .read = StartStep::options},
+     .line_switch = {.letter = 'd',
+                     .usage = "        giant picture: leave every second line black",
+                     .obey = [](const Given&) { g_bDblScan = false; }}},
+    {.id = COMMAND_LOWE_ON,
+     .run = [] { choose_lowe_board(true); },
+     .marked = [] { return lowe.enabled != 0; },
+     .setting =
+         {.name = "HiResLowe", .place = lowe_board, .initial = 0, .read = StartStep::options},
+     .line_switch = {.letter = 'g',
+                     .usage = "        with the high-resolution graphics board, which changes"
+                              " nothing",
+                     .obey = [](const Given&) { hires_lowe_init(); }}},
+    {.id = COMMAND_1BIT_DISPLAY,
+     .flag = &g_1bitDisplay,
+     .run = canvas_depth_switched,
+     .setting = {.name = "BitDepth",
+                 .place = bit_depth,
+                 .initial = COLOUR_DEPTH,
+                 .read = StartStep::options}},
+    {.id = COMMAND_50HZ_TIMER,
+     .label = "&50 Hz timer",
+     .hint = "Alt+F3",
+     .keys = {{{KEY_F3, ALT}}},
+     .flag = &g_Timer,
+     .run = pacing_switched,
+     .setting = {.name = "SyncSpeed", .initial = 1, .read = StartStep::options},
+     .line_switch = {.letter = 'w',
+                     .usage = "        do not wait for real time",
+                     .obey = [](const Given&) { g_Timer = false; }}},
+    {.id = COMMAND_BACKGROUND,
+     .flag = &g_bRunInBackground,
+     .run = activate_unless_held,
+     .setting = {.name = "RunInBackground", .initial = 0, .read = StartStep::options}},
+    {.id = COMMAND_TV_BLUR,
+     .label = "&TV blur",
+     .run = toggle_tv_blur,
+     .marked = [] { return g_CompositeBlur != 0; },
+     .setting = {.name = "CompositeBlur",
+                 .place = &g_CompositeBlur,
+                 .initial = 0,
+                 .read = StartStep::options,
+                 .possible = [](uint32_t blur) { return blur > STRONGEST_BLUR ? 0 : blur; },
+                 .mended = StartStep::screenshots}},
+    {.setting = {.name = "ActiveConfig",
+                 .place = &active_machine_cfg,
+                 .initial = 0,
+                 .read = StartStep::options,
+                 .possible = possible_configuration}},
+    {.setting = custom_setting("CustomRomBASIC", &machine_configuration::basic_rom)},
+    {.setting = custom_setting("CustomRomChar", &machine_configuration::character_rom)},
+    {.setting = custom_setting("CustomRomExpansion", &machine_configuration::expansion_rom)},
+    {.setting = custom_setting("CustomRamSize", &machine_configuration::ram_size)},
+    {.setting = {.name = "CustomCpuClockFreq",
+                 .place = &machine_cfg[CUSTOM_CONFIGURATION].cpu_clock,
+                 .initial = DEFAULT_CLOCK,
+                 .read = StartStep::options,
+                 .possible = possible_clock}},
+    {.setting = {.name = "CustomScreenFreq",
+                 .place = &machine_cfg[CUSTOM_CONFIGURATION].screen_frequency,
+                 .initial = DEFAULT_SCREEN_FREQUENCY,
+                 .read = StartStep::options,
+                 .possible = possible_screen_frequency}},
+    {.setting = {.name = "CustomPalette",
+                 .place = &machine_cfg[CUSTOM_CONFIGURATION].palette,
+                 .initial = 0,
+                 .read = StartStep::palette,
+                 .possible = [](uint32_t palette) { return palette & 1; }}},
+    {.setting = {.name = "Saturation",
+                 .place = saturation,
+                 .read = StartStep::picture,
+                 .possible = [](uint32_t n) { return std::min(n, HIGHEST_DISPLAY_PARAMETER); }}},
+    {.setting = display_setting("Brightness", &display_params.brightness)},
+    {.setting = display_setting("Gamma", &display_params.gamma)},
+    {.setting = display_setting("Contrast", &display_params.contrast)},
+    {.setting = display_setting("InterlacedLine", &display_params.interlaced_line)},
+    {.id = COMMAND_VIDEO_CUT,
+     .flag = &video_cut,
+     .setting = {.name = "VideoCut", .initial = 0, .read = StartStep::picture}},
+    {.id = COMMAND_VIDEO_PAGE,
+     .flag = &video_page,
+     .setting = {.name = "VideoPage", .initial = 0, .read = StartStep::picture}},
+    {.id = COMMAND_SYMBOLIC_KEYS,
+     .label = "&Symbolic keymapping",
+     .flag = &g_KeyMapping,
+     .run = key_mapping_switched,
+     .setting = {.name = "KeyMapping",
+                 .place = &kept_key_mapping,
+                 .initial = 0,
+                 .read = StartStep::picture}},
+    {.id = COMMAND_GIANT_SCREEN,
+     .label = "&Giant screen",
+     .hint = "Alt+F2",
+     .keys = {{{KEY_F2, ALT}}},
+     .flag = &g_GiantScreen,
+     .run = giant_screen_switched,
+     .setting = {.name = "GiantScreen", .initial = 0, .read = StartStep::picture}},
+    {.id = COMMAND_CLEAN_SOUND,
+     .label = "&Clean sound",
+     .flag = &ym2149_clean,
+     .setting = {.name = "CleanSound", .initial = 0, .read = StartStep::picture}},
+    {.id = COMMAND_PRINTER,
+     .label = "&Enable printer (no joypad)",
+     .flag = &printer_enabled,
+     .run = printer_switched,
+     .setting = {.name = "EnablePrinter", .initial = 0, .read = StartStep::picture}},
+    {.id = COMMAND_SAVE_VIDEO_RAM,
+     .label = "Save video memory with screenshots (.V80)",
+     .flag = &save_video_ram_w_screenshot,
+     .setting = {.name = "SaveVideoRamWithScreenShots",
+                 .initial = 0,
+                 .read = StartStep::screenshots}},
+    {.setting = {.name = "CustomRamStartupPattern",
+                 .place = startup_pattern,
+                 .initial = 0,
+                 .read = StartStep::startup_pattern}},
+    {.setting = {.name = "CycleBasedEmulation",
+                 .place = &g_bCycleBasedEngine,
+                 .initial = 0,
+                 .read = StartStep::engine}},
+    {.id = COMMAND_ATTACH_DISK,
+     .label = "Drive :&0 - <no disk>",
+     .keys = {{{'0', ALT}}},
+     .run = [] { select_disk(0); },
+     .setting = disk_setting<0>("Disk0"),
+     .line_switch = {.letter = 'i',
+                     .value = Value::text,
+                     .usage = " FILE   put a disk image into drive 0",
+                     .obey = [](const Given& given) { main_disk_image_attach(0, given.value); },
+                     .problem = file_problem}},
+    {.id = COMMAND_ATTACH_DISK + 1,
+     .label = "Drive :&1 - <no disk>",
+     .keys = {{{'1', ALT}}},
+     .run = [] { select_disk(1); },
+     .setting = disk_setting<1>("Disk1")},
+    {.id = COMMAND_ATTACH_DISK + 2,
+     .label = "Drive :&2 - <no disk>",
+     .keys = {{{'2', ALT}}},
+     .run = [] { select_disk(2); },
+     .setting = disk_setting<2>("Disk2")},
+    {.id = COMMAND_ATTACH_DISK + 3,
+     .label = "Drive :&3 - <no disk>",
+     .keys = {{{'3', ALT}}},
+     .run = [] { select_disk(3); },
+     .setting = disk_setting<3>("Disk3")},
+    {.id = COMMAND_ATTACH_CAS,
+     .label = "&Attach CAS...",
+     .hint = "Alt+T",
+     .keys = {{{'T', ALT}}},
+     .run = [] { with_file(DIALOG_ATTACH_CAS, attach_cas); },
+     .setting = {.name = "Tape", .place = tape_name, .read = StartStep::tape}},
+    {.setting = {.name = "BasicROMPath", .place = OF_THE_DIALOG, .written = false}},
+    {.setting = {.name = "ExpansionROMPath", .place = OF_THE_DIALOG, .written = false}},
+    {.setting = {.name = "CharROMPath", .place = OF_THE_DIALOG, .written = false}},
+    {.setting = {.name = "VideoCodec", .place = OF_THE_DIALOG, .written = false}},
+
+    // File.
+    {.id = COMMAND_AUTOSTART,
+     .label = "&Autostart file...",
+     .run = [] { with_file(DIALOG_AUTOSTART, autostart_file); },
+     .line_switch = {.letter = 'b',
+                     .value = Value::text,
+                     .usage = " FILE   start FILE at once",
+                     .obey = [](const Given& given) { autostart_file(given.value); },
+                     .problem = start_problem}},
+    {.line_switch = {.letter = 'a',
+                     .usage = "        load FILE, but do not start it",
+                     .obey = [](const Given&) { g_bAutoStart = false; }}},
+    {.id = COMMAND_LOAD_CMD, .run = [] { with_file(DIALOG_LOAD_CMD, autostart_file); }},
+    {.id = COMMAND_LOAD_BAS,
+     .label = "Load or type &BAS/TXT...",
+     .run = [] { with_file(DIALOG_LOAD_BAS, main_load_bas_file); }},
+    {.id = COMMAND_MEMORY_AS_CAS,
+     .label = "Save &memory as CAS...",
+     .run = [] { with_file(DIALOG_MEMORY_AS_CAS, save_memory_as_cas); }},
+    {.id = COMMAND_DETACH_DISK, .label = "Drive :&0", .run = [] { main_disk_image_detach(0); }},
+    {.id = COMMAND_DETACH_DISK + 1, .label = "Drive :&1", .run = [] { main_disk_image_detach(1); }},
+    {.id = COMMAND_DETACH_DISK + 2, .label = "Drive :&2", .run = [] { main_disk_image_detach(2); }},
+    {.id = COMMAND_DETACH_DISK + 3, .label = "Drive :&3", .run = [] { main_disk_image_detach(3); }},
+    {.id = COMMAND_DETACH_ALL, .label = "&All", .run = [] { main_disk_image_detach_all(); }},
+    {.id = COMMAND_LOAD_SNAPSHOT,
+     .label = "&Load snapshot ...",
+     .run =
+         [] { with_file(DIALOG_LOAD_SNAPSHOT, [](const std::string& s) { load_snapshot(s); }); }},
+    {.id = COMMAND_SAVE_SNAPSHOT,
+     .label = "Sa&ve snapshot as ...",
+     .run = [] { with_file(DIALOG_SAVE_SNAPSHOT, save_snapshot); }},
+    {.id = COMMAND_SCREENSHOT,
+     .label = "&Save screenshot",
+     .hint = "F6",
+     .run = host_save_screenshot,
+     .line_switch = {.letter = 's',
+                     .value = Value::seconds,
+                     .usage = " N      take a screenshot after N seconds of machine time",
+                     .obey = [](const Given& given) { event_screenshot_timout = cycles(given); }}},
+    {.id = COMMAND_SCREENSHOT_AS,
+     .label = "S&ave screenshot as...",
+     .run = [] { with_file(DIALOG_SCREENSHOT_AS, save_screenshot_as); }},
+    {.id = COMMAND_SAVE_VIDEO,
+     .label = "Sa&ve to video...",
+     .hint = "Alt+I",
+     .keys = {{{'I', ALT}}},
+     .run = save_to_video,
+     .line_switch = {.letter = 'v',
+                     .value = Value::text,
+                     .usage = " FILE   record a video",
+                     .obey = [](const Given& given) { avi_name = given.value; }}},
+    {.id = COMMAND_SAVE_WAV,
+     .label = "Sa&ve to WAV...",
+     .hint = "Alt+U",
+     .keys = {{{'U', ALT}}},
+     .run = save_to_wav},
+    {.id = COMMAND_EXIT,
+     .label = "E&xit",
+     .run = exit_program,
+     .line_switch = {.letter = 't',
+                     .value = Value::seconds,
+                     .usage = " N      quit after N seconds of machine time",
+                     .obey = [](const Given& given) { event_shutdown_timout = cycles(given); }}},
+
+    // Machine.
+    {.id = COMMAND_PAUSE,
+     .label = "&Pause",
+     .hint = "Pause",
+     .keys = {{{KEY_PAUSE, 0}}},
+     .run = pause_machine},
+    {.id = COMMAND_RESET,
+     .label = "&Reset",
+     .hint = "F11",
+     .keys = {{{KEY_F11, 0}}},
+     .run = machine_reset},
+    {.id = COMMAND_RESTART,
+     .label = "R&estart",
+     .hint = "Alt+F1",
+     .keys = {{{KEY_F1, ALT}, {KEY_F11, SHIFT}}},
+     .run = restart_machine},
+    {.id = COMMAND_COPY,
+     .label = "C&opy to clipboard",
+     .hint = "Alt+C",
+     .keys = {{{'C', ALT}}},
+     .run = ui_copy_to_clipboard},
+    {.id = COMMAND_PASTE,
+     .label = "P&aste from clipboard",
+     .hint = "Alt+V",
+     .keys = {{{'V', ALT}}},
+     .run = paste_from_clipboard},
+    {.id = COMMAND_MONITOR, .label = "&Monitor", .hint = "ESC", .run = toggle_monitor},
+    {.id = COMMAND_CONFIGURATION,
+     .label = "&Configuration...",
+     .hint = "Alt+Q",
+     .keys = {{{'Q', ALT}}},
+     .run = configure_machine,
+     .line_switch = {.letter = 'm',
+                     .value = Value::digits,
+                     .usage = "N       standard model N, 1 to 3",
+                     .obey = apply_model}},
+    {.id = COMMAND_PLACE_TRAPS, .run = [] { tape_place_traps(rom_pointer()); }},
+    {.id = COMMAND_LOWE_OFF,
+     .run = [] { choose_lowe_board(false); },
+     .marked = [] { return lowe.enabled == 0; }},
+    // Its value selects nothing.
+    {.line_switch = {.letter = 'r', .value = Value::text, .obey = [](const Given&) {}}},
+
+    // Tape.
+    {.id = COMMAND_DETACH_CAS, .label = "Detach &CAS", .run = detach_cas},
+    {.id = COMMAND_ATTACH_WAV,
+     .label = "Attach &WAV...",
+     .keys = {{{'W', ALT}}},
+     .run =
+         [] { with_file(DIALOG_ATTACH_WAV, [](const std::string& wav) { tape_open_wav(wav); }); }},
+    {.id = COMMAND_CREATE_WAV,
+     .label = "&Create WAV...",
+     .run = [] { with_file(DIALOG_CREATE_WAV, create_wav); }},
+    {.id = COMMAND_CLOSE_WAV, .label = "C&lose WAV", .run = close_wav},
+    {.id = COMMAND_PLAY_RECORD,
+     .label = "&Play/Record",
+     .hint = "F5",
+     .keys = {{{KEY_F5, 0}}},
+     .run = play_or_record},
+    {.id = COMMAND_REWIND, .label = "&Rewind tape", .run = rewind_tape},
+    {.id = COMMAND_ADJUST_HEAD, .label = "Adj&ust head...", .run = adjust_head},
+
+    // Options without a setting, and Help.
+    {.id = COMMAND_DISPLAY_SETTINGS, .label = "&Display settings...", .run = ui_display_setup},
+    {.id = COMMAND_FULL_SCREEN,
+     .label = "Toggle fullscreen",
+     .hint = "Alt+Enter",
+     .keys = {{{KEY_RETURN, ALT}}},
+     .run = toggle_full_screen},
+    {.id = COMMAND_ABOUT, .label = "&About...", .run = ui_about_dialog},
+    {.id = COMMAND_MESSAGES, .label = "&Messages...", .run = ui_messages},
+};
+
+} // namespace
+
+std::span<const CommandRow> command_table() { return rows; }
+
+const CommandRow* find_command(int id) {
+    const auto* found = std::ranges::find(rows, id, &CommandRow::id);
+    return id == 0 || found == std::end(rows) ? nullptr : found;
+}
+
+const LineSwitch* find_switch(char letter) {
+    const auto* found = std::ranges::find_if(
+        rows, [letter](const CommandRow& row) { return row.line_switch.letter == letter; });
+    return letter == 0 || found == std::end(rows) ? nullptr : &found->line_switch;
+}
