@@ -1,7 +1,7 @@
 /// Disk images of every size that selects a layout, through the image module and through the
 /// controller's registers.
 
-#include "media/wd1771.h"
+#include "media/files/drive_files.h"
 #include "support/fake_host.h"
 #include "support/files.h"
 #include "support/machine.h"
@@ -32,22 +32,27 @@ void make_file(Input& input) {
     write_file(NAME, file);
 }
 
-void turn_sector(disk_image& disk, uint32_t track, uint32_t sector) {
+void turn_sector(uint32_t track, uint32_t sector) {
+    disk_record& disk = wd1771.disks[0];
+    const std::span<uint8_t> image = drive_contents[0].change();
     Sector bytes = {}, back = {};
-    if (!disk_img_read_sector(disk, 0, track, sector, bytes.data())) return;
+    if (!disk_img_read_sector(disk, image, 0, track, sector, bytes.data())) return;
     for (uint8_t& byte : bytes) byte = uint8_t(~byte);
-    require(disk_img_write_sector(disk, 0, track, sector, bytes.data()) == 1, "it is written");
-    require(disk_img_read_sector(disk, 0, track, sector, back.data()) == 1, "it is read again");
+    require(disk_img_write_sector(disk, image, 0, track, sector, bytes.data()) == 1,
+            "it is written");
+    require(disk_img_read_sector(disk, image, 0, track, sector, back.data()) == 1,
+            "it is read again");
     const auto count = ptrdiff_t(disk.bytes_per_sector);
     require(std::equal(bytes.begin(), bytes.begin() + count, back.begin()), "as it was written");
 }
 
-void turn_sectors(disk_image& disk) {
+void turn_sectors() {
+    const disk_record& disk = wd1771.disks[0];
     require(disk.bytes_per_sector <= LARGEST_SECTOR, "a sector fits into its buffer");
     const uint32_t tracks = std::min(disk.tracks, MOST_TRACKS);
     for (uint32_t track = 0; track < tracks + 2; track += 1 + track / 2) {
         for (uint32_t sector = 0; sector < std::min(disk.sectors, MOST_SECTORS) + 2; ++sector) {
-            turn_sector(disk, track, sector);
+            turn_sector(track, sector);
         }
     }
 }
@@ -77,14 +82,14 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     fresh_machine();
     const uint8_t flags = input.byte();
     make_file(input);
-    disk_image& disk = wd1771_disk(0);
-    const int attached = diskimg_attach(disk, NAME);
-    require((attached == 1) == diskimg_inserted(disk), "what is attached is in the drive");
-    if (flags & 1) turn_sectors(disk);
-    turn_sector(disk, input.dword(), input.dword());
+    const int attached = diskimg_attach(0, NAME);
+    require((attached == 1) == diskimg_inserted(wd1771.disks[0]),
+            "what is attached is in the drive");
+    if (flags & 1) turn_sectors();
+    turn_sector(input.dword(), input.dword());
     use_controller(input);
-    const std::vector<uint8_t> image = disk.image;
-    require(diskimg_detach(disk, (flags & 2) != 0) == 1, "it is written back");
+    const std::vector<uint8_t> image = wd1771_disk(0).image;
+    require(diskimg_detach(0, (flags & 2) != 0) == 1, "it is written back");
     if (attached && (flags & 2)) require(read_file(NAME) == image, "the file is the image");
     return 0;
 }

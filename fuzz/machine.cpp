@@ -14,6 +14,7 @@
 #include "z80/z80.h"
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -30,11 +31,9 @@ constexpr size_t DISK_SIZE = 89600;
 constexpr uint32_t CRTC_REGISTERS = 16;
 
 void insert_disk(std::span<const uint8_t> pattern) {
-    disk_image& disk = wd1771_disk(0);
-    disk.image.resize(DISK_SIZE);
-    disk.size = DISK_SIZE;
-    tile(disk.image, pattern);
-    diskimg_analyze(disk);
+    std::vector<uint8_t> image(DISK_SIZE);
+    tile(image, pattern);
+    wd1771_attach(0, std::move(image), false);
 }
 
 void load(const uint8_t* data, size_t size) {

@@ -67,19 +67,6 @@ void bring_beam_home() {
     video_reset();
 }
 
-/// The controller's buffer survives a reset; a track of zeros that is written to no sector clears
-/// it.
-void clear_sector_buffer() {
-    constexpr uint8_t WRITE_TRACK = 0xF0;
-    constexpr int BUFFER = 1024;
-    wd1771_disk(0).image.resize(1);
-    wd1771_device_select(1);
-    wd1771_write_reg(0, WRITE_TRACK);
-    wd1771_write_reg(3, 0xF7); // to the start of the buffer
-    for (int n = 0; n < BUFFER; ++n) wd1771_write_reg(3, 0);
-    wd1771_init();
-}
-
 } // namespace
 
 HeadlessPlatform& fuzz_platform() {
@@ -114,7 +101,6 @@ void fresh_machine(uint32_t configuration) {
     ay = {};
     sound_core = {};
     machine_init();
-    clear_sector_buffer();
     std::ranges::fill(ports, uint8_t(0));
     z80_out(0xFF, 0);
     active_machine_cfg = machine_is_valid_cfg(configuration) ? configuration : CUSTOM_CONFIGURATION;

@@ -3,6 +3,7 @@
 #include "cgenie/typing/typing.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"
+#include "media/wd1771.h"
 #include "sound/beeper.h"
 #include "sound/sound_core.h"
 #include "sound/ym2149.h"
@@ -25,6 +26,7 @@ constexpr const state_record* records[] = {
     &ay_record,
     &beeper_record,
     &sound_core_record,
+    &wd1771_record,
 };
 // clang-format on
 
@@ -32,7 +34,13 @@ struct medium {
     const char* name;
     shared_bytes* contents;
 };
-constexpr auto media = std::to_array<medium>({{"typing_text", &typing_text}});
+constexpr auto media = std::to_array<medium>({
+    {"disk 0", &drive_contents[0]},
+    {"disk 1", &drive_contents[1]},
+    {"disk 2", &drive_contents[2]},
+    {"disk 3", &drive_contents[3]},
+    {"typing_text", &typing_text},
+});
 
 bool is_state(const state_field& field) { return field.kind == field_kind::state; }
 

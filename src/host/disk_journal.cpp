@@ -3,6 +3,7 @@
 #include "files/whole_file.h"
 #include "platform/platform.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cinttypes>
@@ -65,19 +66,30 @@ bool take(std::span<const uint8_t>& from, uint64_t count, std::span<const uint8_
 
 using Pieces = std::vector<std::span<const uint8_t>>;
 
-void put_batch(Bytes& to, const disk_image& disk, const Pieces& pieces) {
+void put_batch(Bytes& to, std::span<const uint8_t> image, const Pieces& pieces) {
     const size_t start = to.size();
     size_t size = start + sizeof(Batch);
     for (const auto& piece : pieces) size += sizeof(Piece) + piece.size();
     to.reserve(size);
     put(to, Batch());
     for (const auto& piece : pieces) {
-        put(to, Piece{uint32_t(piece.data() - disk.image.data()), uint32_t(piece.size())});
+        put(to, Piece{uint32_t(piece.data() - image.data()), uint32_t(piece.size())});
         to.insert(to.end(), piece.begin(), piece.end());
     }
     const auto content = std::span(to).subspan(start + sizeof(Batch));
     const Batch head = {content.size(), content_hash(content)};
     std::memcpy(to.data() + start, &head, sizeof head);
+}
+
+/// The parts of the image that are not as before, a sector or what is as long.
+Pieces differences(std::span<const uint8_t> before, std::span<const uint8_t> image) {
+    Pieces pieces;
+    for (size_t at = 0; at < image.size(); at += SECTOR_SIZE) {
+        const size_t count = std::min<size_t>(SECTOR_SIZE, image.size() - at);
+        const auto piece = image.subspan(at, count);
+        if (!std::ranges::equal(piece, before.subspan(at, count))) pieces.push_back(piece);
+    }
+    return pieces;
 }
 
 /// Puts a batch onto the image; the first one makes it. False where the journal ends.
@@ -98,9 +110,9 @@ bool take_batch(std::span<const uint8_t>& from, Bytes& image) {
 
 fs::path journal_folder() { return fs::path(platform().paths().data_directory()) / "journal"; }
 
-std::string journal_path(const disk_image& disk) {
+std::string journal_path(const disk_file& file) {
     char name[17];
-    std::snprintf(name, sizeof name, "%016" PRIx64, content_hash(canonical_path(disk.path)));
+    std::snprintf(name, sizeof name, "%016" PRIx64, content_hash(canonical_path(file.path)));
     return (journal_folder() / (std::string(name) + EXTENSION)).string();
 }
 
@@ -140,6 +152,7 @@ bool write_at(int descriptor, const Bytes& bytes, uint64_t offset) {
 } // namespace
 
 DiskJournal& DiskJournal::operator=(DiskJournal&& other) noexcept {
+    std::swap(kept_, other.kept_);
     std::swap(path_, other.path_);
     std::swap(descriptor_, other.descriptor_);
     std::swap(length_, other.length_);
@@ -159,32 +172,32 @@ bool DiskJournal::resume(const LeftJournal& left) {
     return false;
 }
 
-bool DiskJournal::keep(disk_image& disk) {
-    const auto written = diskimg_written(disk);
-    if (written.empty()) return true;
-    const bool anew = descriptor_ < 0 || length_ > limit_;
-    if (!(anew ? write_anew(disk) : append(disk, written))) return false;
-    diskimg_all_kept(disk);
+bool DiskJournal::keep(const disk_file& file, const shared_bytes& contents) {
+    if (contents == kept_) return true;
+    const auto image = contents.view();
+    const bool anew = descriptor_ < 0 || length_ > limit_ || image.size() != kept_.size();
+    if (!(anew ? write_anew(file, image) : append(image))) return false;
+    kept_ = contents;
     return true;
 }
 
 /// The new journal takes the place of the old one at one stroke.
-bool DiskJournal::write_anew(const disk_image& disk) {
-    if (path_.empty()) path_ = journal_path(disk);
+bool DiskJournal::write_anew(const disk_file& file, std::span<const uint8_t> image) {
+    if (path_.empty()) path_ = journal_path(file);
     std::error_code error;
     fs::create_directories(journal_folder(), error);
-    const std::string image_path = canonical_path(disk.path);
+    const std::string image_path = canonical_path(file.path);
     Bytes bytes;
     const std::span path_bytes(reinterpret_cast<const uint8_t*>(image_path.data()),
                                image_path.size());
     Head head;
-    head.file_hash = disk.file_hash;
-    head.file = disk.file;
+    head.file_hash = file.hash;
+    head.file = file.identity;
     head.path_bytes = path_bytes.size();
     head.path_hash = content_hash(path_bytes);
     put(bytes, head);
     bytes.insert(bytes.end(), path_bytes.begin(), path_bytes.end());
-    put_batch(bytes, disk, {disk.image});
+    put_batch(bytes, image, {image});
 
     const std::string next = path_ + ".next";
     const int descriptor =
@@ -201,14 +214,13 @@ bool DiskJournal::write_anew(const disk_image& disk) {
     if (descriptor_ >= 0) ::close(descriptor_);
     descriptor_ = descriptor;
     length_ = bytes.size();
-    limit_ = length_ + GROWTH * disk.image.size();
+    limit_ = length_ + GROWTH * image.size();
     return true;
 }
 
-bool DiskJournal::append(const disk_image& disk,
-                         const std::vector<std::span<const uint8_t>>& written) {
+bool DiskJournal::append(std::span<const uint8_t> image) {
     Bytes bytes;
-    put_batch(bytes, disk, written);
+    put_batch(bytes, image, differences(kept_.view(), image));
     if (!write_at(descriptor_, bytes, length_)) return false;
     length_ += bytes.size();
     return true;
@@ -224,17 +236,17 @@ void DiskJournal::close() {
     path_.clear();
 }
 
-std::optional<LeftJournal> find_left_journal(const disk_image& disk) {
-    if (auto left = read_journal(journal_path(disk))) return left;
+std::optional<LeftJournal> find_left_journal(const disk_file& file) {
+    if (auto left = read_journal(journal_path(file))) return left;
     std::error_code error; // the image may have been moved
     for (const auto& entry : fs::directory_iterator(journal_folder(), error)) {
         if (entry.path().extension() != EXTENSION) continue;
         auto left = read_journal(entry.path().string());
-        if (left && left->file == disk.file && left->file_hash == disk.file_hash) return left;
+        if (left && left->file == file.identity && left->file_hash == file.hash) return left;
     }
     return {};
 }
 
-bool journal_is_in_use(const disk_image& disk) { return is_in_use(journal_path(disk)); }
+bool journal_is_in_use(const disk_file& file) { return is_in_use(journal_path(file)); }
 
 void remove_left_journal(const LeftJournal& left) { unlink(left.path.c_str()); }

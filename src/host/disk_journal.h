@@ -8,7 +8,8 @@
 /// image; the first batch is the whole image. All numbers are as the host's processor has them. A
 /// batch that is not complete, or whose check sum is wrong, ends the journal.
 
-#include "media/disk_image.h"
+#include "media/files/drive_files.h"
+#include "wall/shared_bytes.h"
 
 #include <cstdint>
 #include <optional>
@@ -32,30 +33,34 @@ public:
     DiskJournal(DiskJournal&& other) noexcept { *this = std::move(other); }
     DiskJournal& operator=(DiskJournal&& other) noexcept;
 
+    /// The disk has these contents, of which nothing need be kept.
+    void begin(const shared_bytes& contents) { kept_ = contents; }
     /// Goes on with the journal of another run, from whose image the disk has its contents.
     /// False, with the reason in errno, when it cannot be written to.
     bool resume(const LeftJournal& left);
-    /// Notes what was written to the disk since the last call; nothing to note makes no file.
+    /// Notes what is different on the disk since the last call, whether it was written there or the
+    /// machine's state was replaced; nothing to note makes no file.
     /// False, with the reason in errno, when that fails. The next call tries again.
-    bool keep(disk_image& disk);
+    bool keep(const disk_file& file, const shared_bytes& contents);
     /// The journal is needed no more: removes its file.
     void remove();
     /// Leaves the file for the next run.
     void close();
 
 private:
-    bool write_anew(const disk_image& disk);
-    bool append(const disk_image& disk, const std::vector<std::span<const uint8_t>>& written);
+    bool write_anew(const disk_file& file, std::span<const uint8_t> image);
+    bool append(std::span<const uint8_t> image);
 
+    shared_bytes kept_; ///< the disk at the last call
     std::string path_;
     int descriptor_ = -1;
     uint64_t length_ = 0;
     uint64_t limit_ = 0; ///< a longer journal is written anew
 };
 
-/// The journal that belongs to the disk, by its path or else by the file itself, unless a running
+/// The journal that belongs to the file, by its path or else by the file itself, unless a running
 /// program writes to it.
-std::optional<LeftJournal> find_left_journal(const disk_image& disk);
+std::optional<LeftJournal> find_left_journal(const disk_file& file);
 /// Whether a running program writes to it.
-bool journal_is_in_use(const disk_image& disk);
+bool journal_is_in_use(const disk_file& file);
 void remove_left_journal(const LeftJournal& left);

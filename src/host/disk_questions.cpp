@@ -4,6 +4,7 @@
 #include "host/dialogs/dialogs.h"
 #include "host/disk_journal.h"
 #include "media/disk_system.h"
+#include "media/files/drive_files.h"
 #include "platform/platform.h"
 #include "wall/report.h"
 
@@ -13,8 +14,8 @@
 
 namespace {
 
-std::string in_drive(const std::string& path, unsigned drive) {
-    return path + " in drive :" + std::to_string(drive);
+std::string in_drive(unsigned drive) {
+    return drive_files[drive].path + " in drive :" + std::to_string(drive);
 }
 
 constexpr const char* ELSEWHERE_EXPLAINED =
@@ -56,12 +57,12 @@ std::string differences(const disk_image& before, const disk_image& after) {
     return lines.empty() ? "There are no files on the disk." : lines;
 }
 
-void look_at_names(const disk_image& disk, const LeftJournal& left) {
-    disk_image after = disk;
+void look_at_names(unsigned drive, const LeftJournal& left) {
+    const disk_image before = wd1771_disk(drive);
+    disk_image after = before;
     after.image = left.image;
-    after.size = uint32_t(left.image.size());
     diskimg_find_geometry(after);
-    ui_show_text("Files on the disk", differences(disk, after));
+    ui_show_text("Files on the disk", differences(before, after));
 }
 
 } // namespace
@@ -76,39 +77,37 @@ ChangesAnswer ask_for_changes(unsigned drive) {
     return answer == 0 ? save : answer == 1 ? discard : none;
 }
 
-TroubleAnswer ask_about_changed_file(unsigned drive, const disk_image& disk) {
+TroubleAnswer ask_about_changed_file(unsigned drive) {
     return ask_about_trouble(
-        in_drive(disk.path, drive) + " was changed by another program meanwhile.\n\n" +
-            ELSEWHERE_EXPLAINED +
+        in_drive(drive) + " was changed by another program meanwhile.\n\n" + ELSEWHERE_EXPLAINED +
             "Keep mine: the disk in the drive replaces what the other program has written.\n"
             "Keep theirs: what you have written to the disk is lost.\n" +
             CANCEL_EXPLAINED,
         "Keep &mine");
 }
 
-TroubleAnswer ask_about_failed_write(unsigned drive, const disk_image& disk,
-                                     const std::string& reason) {
+TroubleAnswer ask_about_failed_write(unsigned drive, const std::string& reason) {
     return ask_about_trouble(
-        in_drive(disk.path, drive) + " cannot be written: " + reason + ".\n\n" +
-            ELSEWHERE_EXPLAINED +
+        in_drive(drive) + " cannot be written: " + reason + ".\n\n" + ELSEWHERE_EXPLAINED +
             "Try again: when there is room, or the folder is there again.\n"
             "Keep theirs: the file stays as it is; what you have written to the disk is lost.\n" +
             CANCEL_EXPLAINED,
         "&Try again");
 }
 
-JournalAnswer ask_about_journal(unsigned drive, const disk_image& disk, const LeftJournal& left) {
-    const bool fits = left.file_hash == disk.file_hash && left.image.size() == disk.image.size();
+JournalAnswer ask_about_journal(unsigned drive, const LeftJournal& left) {
+    const bool fits = left.file_hash == drive_files[drive].hash &&
+                      left.image.size() == drive_contents[drive].size();
     const std::string text =
         fits
-            ? "When the program ended, what was written to " + in_drive(disk.path, drive) +
+            ? "When the program ended, what was written to " + in_drive(drive) +
                   " was not saved. It is still there.\n\n"
                   "Take it: it is on the disk in the drive again. You are asked about saving it "
                   "when the disk is taken out.\n"
                   "Look at the names: shows the files that the disk has then.\n"
                   "Discard it: the disk is as its file is, and what was not saved is lost.\n"
                   "Later: nothing is decided. The disk is write-protected until it is put in again."
-            : "When the program ended, what was written to " + in_drive(disk.path, drive) +
+            : "When the program ended, what was written to " + in_drive(drive) +
                   " was not saved. It is still there, but the file was changed since, and the two "
                   "do not fit together.\n\n"
                   "Save it elsewhere: the disk as it was then goes into another file.\n"
@@ -124,14 +123,14 @@ JournalAnswer ask_about_journal(unsigned drive, const disk_image& disk, const Le
             if (fits) return JournalAnswer::take;
             if (save_disk_elsewhere(left.image)) return JournalAnswer::discard;
             break;
-        case 1: look_at_names(disk, left); break;
+        case 1: look_at_names(drive, left); break;
         case 2: return JournalAnswer::discard;
         default: return JournalAnswer::later;
         }
     }
 }
 
-bool save_disk_elsewhere(const std::vector<uint8_t>& image) {
+bool save_disk_elsewhere(std::span<const uint8_t> image) {
     std::string path;
     if (!ui_select_file(DIALOG_SAVE_DISK, &path)) return false;
     if (replace_whole_file(path, image)) {

@@ -6,7 +6,7 @@
 #include "host/disk_journal.h"
 #include "host/disk_questions.h"
 #include "host/menu.h"
-#include "media/wd1771.h"
+#include "media/files/drive_files.h"
 #include "platform/platform.h"
 #include "wall/machine_host.h"
 
@@ -28,6 +28,7 @@ constexpr uint32_t KILOBYTE = 1024;
 struct DiskCare {
     std::vector<NameClaim> claims; ///< on the image, as long as it may be written to
     DiskJournal journal;
+    bool is_protected = false;   ///< the disk, for whatever reason
     bool journal_failed = false; ///< which has been reported
     bool journal_waits = false;  ///< one of an earlier run may be there, to be asked about
 };
@@ -54,35 +55,40 @@ std::string image_problem(const std::string& path) {
 std::string drive_name(unsigned drive) { return "drive :" + std::to_string(drive); }
 
 void empty_drive(unsigned drive) {
-    diskimg_detach(wd1771_disk(drive), false);
+    diskimg_detach(drive, false);
     cares[drive] = {};
     modify_menu_text(COMMAND_ATTACH_DISK + int(drive), drive_text(drive, "<no disk>"));
+}
+
+void protect(unsigned drive, bool level) {
+    cares[drive].is_protected = level;
+    wd1771_write_protect(drive, level);
 }
 
 // ---- writing back ------------------------------------------------------------------------------
 
 /// Writes the image to its file, or wherever the user wants it. False when the disk is to stay.
 bool save_disk(unsigned drive) {
-    const disk_image& disk = wd1771_disk(drive);
     bool keep_mine = false;
     for (;;) {
         TroubleAnswer answer = TroubleAnswer::none;
-        if (!keep_mine && diskimg_file_changed(disk)) {
-            answer = ask_about_changed_file(drive, disk);
+        if (!keep_mine && diskimg_file_changed(drive)) {
+            answer = ask_about_changed_file(drive);
             keep_mine = answer == TroubleAnswer::mine;
         } else {
-            if (diskimg_write_back(disk)) return true;
-            answer = ask_about_failed_write(drive, disk, std::strerror(errno));
+            if (diskimg_write_back(drive)) return true;
+            answer = ask_about_failed_write(drive, std::strerror(errno));
         }
         if (answer == TroubleAnswer::none) return false;
         if (answer == TroubleAnswer::theirs) return true;
-        if (answer == TroubleAnswer::elsewhere && save_disk_elsewhere(disk.image)) return true;
+        if (answer != TroubleAnswer::elsewhere) continue;
+        if (save_disk_elsewhere(drive_contents[drive].view())) return true;
     }
 }
 
 /// False when the disk is to stay.
 bool settle_changes(unsigned drive) {
-    if (!wd1771_disk(drive).modified) return true;
+    if (!wd1771.disks[drive].modified) return true;
     if (save_changed_disks) return save_disk(drive);
     switch (ask_for_changes(drive)) {
     case ChangesAnswer::save: return save_disk(drive);
@@ -102,19 +108,20 @@ bool take_out(unsigned drive) {
 // ---- the same image twice ----------------------------------------------------------------------
 
 /// By the file, and by its name: the file may be replaced while it is in a drive.
-std::array<std::string, 2> claimed_names(const disk_image& disk) {
-    const uint64_t hash = content_hash(canonical_path(disk.path));
-    return {"disk " + std::to_string(disk.file.device) + " " + std::to_string(disk.file.inode),
+std::array<std::string, 2> claimed_names(const disk_file& file) {
+    const uint64_t hash = content_hash(canonical_path(file.path));
+    const auto& [device, inode] = file.identity;
+    return {"disk " + std::to_string(device) + " " + std::to_string(inode),
             "disk " + std::to_string(hash)};
 }
 
 std::string other_holder(unsigned drive) {
-    const disk_image& disk = wd1771_disk(drive);
+    const disk_file& file = drive_files[drive];
     for (unsigned other = 0; other < DISK_DRIVES; ++other) {
-        const disk_image& held = wd1771_disk(other);
-        const bool same =
-            diskimg_inserted(held) &&
-            (held.file == disk.file || canonical_path(held.path) == canonical_path(disk.path));
+        const disk_file& held = drive_files[other];
+        const bool same = diskimg_inserted(wd1771.disks[other]) &&
+                          (held.identity == file.identity ||
+                           canonical_path(held.path) == canonical_path(file.path));
         if (other != drive && same) return drive_name(other) + " has the same image";
     }
     return "another running program has the image in a drive";
@@ -122,34 +129,31 @@ std::string other_holder(unsigned drive) {
 
 void tell_protected(unsigned drive, const std::string& reason, Severity severity) {
     report({.text = "Drive :" + std::to_string(drive) + " is write-protected",
-            .file = wd1771_disk(drive).path,
+            .file = drive_files[drive].path,
             .reason = reason,
             .severity = severity});
 }
 
 void claim_image(unsigned drive) {
-    disk_image& disk = wd1771_disk(drive);
-    if (disk.write_protected) return;
-    bool taken = keep_disk_journals && journal_is_in_use(disk);
-    for (const std::string& name : claimed_names(disk)) {
+    if (wd1771.disks[drive].write_protected) return;
+    const disk_file& file = drive_files[drive];
+    bool taken = keep_disk_journals && journal_is_in_use(file);
+    for (const std::string& name : claimed_names(file)) {
         NameClaim claim(name);
         taken = taken || claim.result() == NameClaim::Result::taken;
         cares[drive].claims.push_back(std::move(claim));
     }
     if (!taken) return;
     cares[drive].claims.clear();
-    disk.write_protected = true;
+    protect(drive, true);
     tell_protected(drive, other_holder(drive), Severity::warning);
 }
 
 // ---- journals ----------------------------------------------------------------------------------
 
 void take_journal(unsigned drive, const LeftJournal& left) {
-    disk_image& disk = wd1771_disk(drive);
-    disk.image = left.image;
-    diskimg_find_geometry(disk);
-    diskimg_all_kept(disk);
-    disk.modified = true;
+    wd1771_replace(drive, left.image);
+    cares[drive].journal.begin(drive_contents[drive]);
     if (cares[drive].journal.resume(left)) return;
     report({.text = "The journal of " + drive_name(drive) + " cannot be written",
             .file = left.path,
@@ -159,35 +163,34 @@ void take_journal(unsigned drive, const LeftJournal& left) {
 
 /// Asks about the journal that an earlier run has left, if there is one.
 void offer_journal(unsigned drive) {
-    disk_image& disk = wd1771_disk(drive);
-    DiskCare& care = cares[drive];
-    if (!std::exchange(care.journal_waits, false) || !diskimg_inserted(disk)) return;
-    disk.write_protected = false;
-    const std::optional<LeftJournal> left = find_left_journal(disk);
+    const bool waits = std::exchange(cares[drive].journal_waits, false);
+    if (!waits || !diskimg_inserted(wd1771.disks[drive])) return;
+    protect(drive, false);
+    const disk_file& file = drive_files[drive];
+    const std::optional<LeftJournal> left = find_left_journal(file);
     if (!left) return;
     // Nothing is missing when the program was killed just after the image had been written back.
-    const bool saved = content_hash(left->image) == disk.file_hash;
-    switch (saved ? JournalAnswer::discard : ask_about_journal(drive, disk, *left)) {
+    const bool saved = content_hash(left->image) == file.hash;
+    switch (saved ? JournalAnswer::discard : ask_about_journal(drive, *left)) {
     case JournalAnswer::take: return take_journal(drive, *left);
     case JournalAnswer::discard: return remove_left_journal(*left);
     case JournalAnswer::later: break;
     }
-    disk.write_protected = true;
+    protect(drive, true);
     tell_protected(drive, "what was not saved before is still to be decided about", Severity::note);
 }
 
 void watch_journal(unsigned drive) {
-    disk_image& disk = wd1771_disk(drive);
-    if (!keep_disk_journals || disk.write_protected) return;
+    if (!keep_disk_journals || wd1771.disks[drive].write_protected) return;
     cares[drive].journal_waits = true;
-    disk.write_protected = true; // until it is known what the disk holds
+    protect(drive, true); // until it is known what the disk holds
     if (journals_are_offered) offer_journal(drive);
 }
 
 bool keep_journal(unsigned drive) {
-    disk_image& disk = wd1771_disk(drive);
     DiskCare& care = cares[drive];
-    if (care.journal.keep(disk)) {
+    if (drive_files[drive].path.empty()) return false; // a disk of a loaded state
+    if (care.journal.keep(drive_files[drive], drive_contents[drive])) {
         care.journal_failed = false;
         return true;
     }
@@ -203,32 +206,32 @@ bool keep_journal(unsigned drive) {
 
 /// The program ends and nobody has decided about the changes.
 void leave_unsaved(unsigned drive) {
-    disk_image& disk = wd1771_disk(drive);
+    const std::string path = drive_files[drive].path;
     const std::string disk_text = "Disk content in " + drive_name(drive) + " has changed";
     if (save_changed_disks) {
-        const bool changed = diskimg_file_changed(disk);
-        const auto rescue = diskimg_rescue(disk);
+        const bool changed = diskimg_file_changed(drive);
+        const auto rescue = diskimg_rescue(drive);
         report({.text = disk_text + " and cannot be saved",
-                .file = disk.path,
+                .file = path,
                 .reason =
                     changed ? "another program has changed the file" : "the file cannot be written",
                 .remedy = rescue ? "The disk is in " + *rescue + "."
                                  : "No copy of it could be made: the changes are lost."});
     } else if (!keep_disk_journals) {
         report({.text = disk_text + " and is not saved",
-                .file = disk.path,
+                .file = path,
                 .remedy = "--save-disks saves it.",
                 .severity = Severity::warning});
     } else if (keep_journal(drive)) {
         report({.text = disk_text + " and is in the journal",
-                .file = disk.path,
+                .file = path,
                 .remedy = "It is offered when the image is put into a drive again.",
                 .severity = Severity::note});
-    } else if (const auto rescue = diskimg_rescue(disk)) {
-        report({.text = disk_text + ". The disk is in " + *rescue, .file = disk.path});
+    } else if (const auto rescue = diskimg_rescue(drive)) {
+        report({.text = disk_text + ". The disk is in " + *rescue, .file = path});
     } else {
         report({.text = disk_text + ". No copy of it could be made: the changes are lost",
-                .file = disk.path,
+                .file = path,
                 .reason = std::strerror(errno)});
     }
     empty_drive(drive);
@@ -236,13 +239,15 @@ void leave_unsaved(unsigned drive) {
 
 /// False when there is no such image; the drive is empty then.
 bool put_in(unsigned drive, const std::string& path) {
-    disk_image& disk = wd1771_disk(drive);
     for (unsigned n = 0; n < DISK_DRIVES; ++n) {
-        if (!diskimg_inserted(wd1771_disk(n))) cares[n] = {};
+        if (!diskimg_inserted(wd1771.disks[n])) cares[n] = {};
     }
-    if (!diskimg_attach(disk, path)) return false;
+    if (!diskimg_attach(drive, path)) return false;
     absent[drive].clear();
+    cares[drive].is_protected = wd1771.disks[drive].write_protected != 0;
+    cares[drive].journal.begin(drive_contents[drive]);
     wd1771_reset();
+    const disk_record& disk = wd1771.disks[drive];
     StatusBarText("Disk: %u side(s), %u tracks, %u sectors, %u kb.", disk.side_value + 1,
                   disk.tracks, disk.sectors, disk.size / KILOBYTE);
     modify_menu_text(COMMAND_ATTACH_DISK + int(drive), drive_text(drive, path));
@@ -255,7 +260,7 @@ bool put_in(unsigned drive, const std::string& path) {
 
 bool main_disk_image_attach(unsigned drive, const std::string& path) {
     if (path.empty() || drive >= DISK_DRIVES) return false;
-    if (diskimg_inserted(wd1771_disk(drive)) && !main_disk_image_detach(drive)) return false;
+    if (diskimg_inserted(wd1771.disks[drive]) && !main_disk_image_detach(drive)) return false;
     if (put_in(drive, path)) return true;
     report({.text = "Unsupported disk image.\n", .reason = image_problem(path)});
     return false;
@@ -278,8 +283,7 @@ void main_disk_image_attach_remembered() {
 }
 
 std::string main_disk_image_remembered(unsigned drive) {
-    const disk_image& disk = wd1771_disk(drive);
-    return diskimg_inserted(disk) ? disk.path : absent[drive];
+    return diskimg_inserted(wd1771.disks[drive]) ? drive_files[drive].path : absent[drive];
 }
 
 bool main_disk_image_detach(unsigned drive) {
@@ -312,7 +316,7 @@ void main_disk_keep_journals() {
     if (!keep_disk_journals) return;
     last_kept = platform().clock().counter();
     for (unsigned drive = 0; drive < DISK_DRIVES; ++drive) {
-        if (diskimg_inserted(wd1771_disk(drive))) keep_journal(drive);
+        if (diskimg_inserted(wd1771.disks[drive])) keep_journal(drive);
     }
 }
 
@@ -323,11 +327,26 @@ void main_disk_keep_journals_when_due() {
     main_disk_keep_journals();
 }
 
+void main_disk_follow_machine() {
+    for (unsigned drive = 0; drive < DISK_DRIVES; ++drive) {
+        disk_record& disk = wd1771.disks[drive];
+        const disk_file& file = drive_files[drive];
+        if (!diskimg_inserted(disk)) {
+            if (!file.path.empty()) empty_drive(drive);
+            continue;
+        }
+        modify_menu_text(COMMAND_ATTACH_DISK + int(drive),
+                         drive_text(drive, file.path.empty() ? "<no file>" : file.path));
+        wd1771_write_protect(drive, cares[drive].is_protected);
+        if (content_hash(drive_contents[drive].view()) != file.hash) disk.modified = 1;
+    }
+}
+
 void main_disk_end() {
     bool all_settled = true;
     for (unsigned drive = 0; drive < DISK_DRIVES; ++drive) {
         all_settled = all_settled && take_out(drive);
-        const disk_image& disk = wd1771_disk(drive);
+        const disk_record& disk = wd1771.disks[drive];
         if (!diskimg_inserted(disk)) continue;
         if (disk.modified) leave_unsaved(drive);
         empty_drive(drive);

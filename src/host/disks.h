@@ -35,6 +35,10 @@ void main_disk_offer_journals();
 /// whenever something may take long, `when_due` leaves it at once in a second.
 void main_disk_keep_journals();
 void main_disk_keep_journals_when_due();
+/// Another state of the machine has been loaded, with the disks of its own. Each belongs to the
+/// file that its drive had; one that is not as the file was is one with changes. A disk that is in
+/// no drive any more is left to its journal.
+void main_disk_follow_machine();
 /// The program's end. Takes out all disks as above; from the first one that stays, what was written
 /// is left in the journals. Where there is none, a changed disk is rescued, or without
 /// keep_disk_journals only reported.

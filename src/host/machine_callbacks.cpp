@@ -3,6 +3,7 @@
 #include "core/pacing/pacing.h"
 #include "host/avi.h"
 #include "host/commands.h"
+#include "host/disks.h"
 #include "host/display.h"
 #include "host/messages.h"
 #include "host/screenshot.h"
@@ -17,6 +18,7 @@ void connect_machine() {
     machine_host.lamp = light_lamp;
     machine_host.frame = show_frame;
     machine_host.was_reset = [] { last_file_name.clear(); };
+    machine_host.stale = main_disk_follow_machine;
     machine_host.save_file_name = get_ui_save_tape_filename;
     machine_host.breakpoint_reached = host_breakpoint_reached;
     sound_output_connect();

@@ -291,7 +291,6 @@ void put_cgd_header(DiskBytes& bytes, unsigned tracks, unsigned sectors) {
 std::optional<disk_image> disk_image_of(DiskBytes bytes, std::string& problem) {
     disk_image image;
     image.image = std::move(bytes);
-    image.size = uint32_t(image.image.size());
     const bool known = !image.image.empty() && diskimg_find_geometry(image);
     if (!known) fail(problem, "not the size or the header of a disk image");
     return known ? std::optional(std::move(image)) : std::nullopt;

@@ -7,6 +7,11 @@
 #include <array>
 #include <bit>
 #include <cstdio>
+#include <type_traits>
+#include <utility>
+
+wd1771_controller wd1771;
+std::array<shared_bytes, DISK_DRIVES> drive_contents;
 
 namespace {
 
@@ -50,13 +55,11 @@ constexpr int32_t HEAD_POSITIONING = 1; ///< type of a command
 
 // What the format bytes of a track say.
 enum : uint8_t { ID_MARK = 0xFE, DATA_MARK = 0xFB, WRITE_CRC = 0xF7 };
-enum write_track_state : int32_t { TRACK_IDLE = 0, TRACK_ID = 2, TRACK_DATA = 3 };
 
 constexpr uint32_t LAST_STEP_TRACK = 82; ///< from here one step further in is possible
 constexpr uint32_t SECTOR_BYTES = 256;   ///< that the processor writes
 constexpr uint32_t ID_BYTES = 6;
 constexpr uint8_t ID_LENGTH_256 = 1;
-constexpr uint32_t BUFFER_BYTES = 1024;
 constexpr uint64_t REVOLUTIONS = 6;   ///< per second
 constexpr uint64_t INDEX_SHARE = 100; ///< of a revolution: one hundredth
 constexpr int64_t POSITIONING_CYCLES = 33000;
@@ -65,37 +68,43 @@ constexpr double READY_MS = 2300;
 /// The sector behind each one as it passes under the head; dense tracks are not interleaved.
 constexpr std::array<uint32_t, 10> interleave = {0, 5, 1, 6, 2, 7, 3, 8, 4, 9};
 
-struct controller {
-    uint8_t command = 0;
-    uint8_t status = 0;
-    uint32_t track = 0;
-    uint32_t sector = 0;
-    uint8_t data = 0;
-    std::array<uint32_t, DISK_DRIVES> head_track = {};
-    std::array<uint32_t, DISK_DRIVES> rotational_sector = {};
-    bool step_in = false;
-    int32_t command_type = 0;
-    uint64_t motor_timeout = 0;
-    int32_t track_state = TRACK_IDLE;
-    bool interrupt = false;
-    std::array<disk_image, DISK_DRIVES> disks;
+static_assert(std::is_trivially_copyable_v<wd1771_controller>);
+static_assert(std::has_unique_object_representations_v<wd1771_controller>, "no padding");
+constexpr state_field wd1771_fields[] = {
+    {"command", sizeof wd1771.command},
+    {"status", sizeof wd1771.status},
+    {"data", sizeof wd1771.data},
+    {"drive_select", sizeof wd1771.drive_select},
+    {"step_in", sizeof wd1771.step_in},
+    {"interrupt", sizeof wd1771.interrupt},
+    {"unused", sizeof wd1771.unused},
+    {"track", sizeof wd1771.track},
+    {"sector", sizeof wd1771.sector},
+    {"head_track", sizeof wd1771.head_track},
+    {"rotational_sector", sizeof wd1771.rotational_sector},
+    {"command_type", sizeof wd1771.command_type},
+    {"track_state", sizeof wd1771.track_state},
+    {"buffer_offset", sizeof wd1771.buffer_offset},
+    {"sector_count", sizeof wd1771.sector_count},
+    {"motor_timeout", sizeof wd1771.motor_timeout},
+    {"index_hole_in_cycles", sizeof wd1771.index_hole_in_cycles},
+    {"last_cmd_clock", sizeof wd1771.last_cmd_clock},
+    {"sector_buffer", sizeof wd1771.sector_buffer},
+    {"disks", sizeof wd1771.disks},
 };
-controller wd1771;
 
-std::array<uint8_t, BUFFER_BYTES> sector_buffer = {};
-uint32_t buffer_offset = 0;
-uint8_t drive_select = 0;
-uint64_t index_hole_in_cycles = 0;
-uint32_t sector_count = 0; ///< data fields that the present track has got
-int64_t last_cmd_clock = 0;
+/// A state that was loaded may say anything.
+uint32_t sector_bytes(unsigned drive) {
+    return std::clamp(wd1771.disks[drive].bytes_per_sector, SMALLEST_SECTOR, LARGEST_SECTOR);
+}
 
 uint64_t now() { return uint64_t(z80_state.t_count); }
 bool motor_runs() { return now() < wd1771.motor_timeout; }
-bool is_positioning() { return z80_state.t_count - last_cmd_clock <= POSITIONING_CYCLES; }
+bool is_positioning() { return z80_state.t_count - wd1771.last_cmd_clock <= POSITIONING_CYCLES; }
 
 /// DISK_DRIVES when none is selected.
 unsigned addressed_drive() {
-    return drive_select ? unsigned(std::countr_zero(drive_select)) : DISK_DRIVES;
+    return wd1771.drive_select ? unsigned(std::countr_zero(wd1771.drive_select)) : DISK_DRIVES;
 }
 
 void end_transfer() { wd1771.status &= uint8_t(~(STATUS_BUSY | STATUS_DATA_REQUEST)); }
@@ -108,7 +117,7 @@ void fail(uint8_t reason) {
 
 void begin_transfer() {
     wd1771.status |= STATUS_BUSY | STATUS_DATA_REQUEST;
-    buffer_offset = 0;
+    wd1771.buffer_offset = 0;
 }
 
 void rotate(unsigned drive) {
@@ -131,7 +140,7 @@ void seek(unsigned drive) {
     if (!diskimg_inserted(wd1771.disks[drive])) return;
     uint32_t& head = wd1771.head_track[drive];
     const uint32_t target = wd1771.data;
-    if (target != head) wd1771.step_in = target > head;
+    if (target != head) wd1771.step_in = target > head ? 1 : 0;
     if (target > LAST_STEP_TRACK) return;
     head = target;
     wd1771.track = target;
@@ -148,9 +157,10 @@ void step(unsigned drive) {
 }
 
 void read_sector(unsigned drive) {
-    const disk_image& disk = wd1771.disks[drive];
+    const disk_record& disk = wd1771.disks[drive];
     const uint32_t head = wd1771.head_track[drive];
-    if (!disk_img_read_sector(disk, 0, head, wd1771.sector, sector_buffer.data())) {
+    if (!disk_img_read_sector(disk, drive_contents[drive].view(), 0, head, wd1771.sector,
+                              wd1771.sector_buffer.data())) {
         return fail(STATUS_NOT_FOUND);
     }
     begin_transfer();
@@ -161,7 +171,7 @@ void read_sector(unsigned drive) {
 
 /// 1 when data may be written to the disk in the drive.
 int begin_writing(unsigned drive) {
-    const disk_image& disk = wd1771.disks[drive];
+    const disk_record& disk = wd1771.disks[drive];
     if (!diskimg_inserted(disk) || disk.write_protected) {
         fail(disk.write_protected ? STATUS_PROTECTED : STATUS_NOT_FOUND);
         return 0;
@@ -178,19 +188,18 @@ void write_track(unsigned drive) {
     if (begin_writing(drive)) {
         wd1771.track_state = TRACK_IDLE;
     } else {
-        sector_count = 0;
+        wd1771.sector_count = 0;
     }
 }
 
 /// The identification of the sector that passes next comes as the end of a sector.
 void read_address(unsigned drive) {
-    const disk_image& disk = wd1771.disks[drive];
-    if (!diskimg_inserted(disk)) return fail(STATUS_NOT_FOUND);
+    if (!diskimg_inserted(wd1771.disks[drive])) return fail(STATUS_NOT_FOUND);
     const uint32_t head = wd1771.head_track[drive];
     const std::array<uint8_t, ID_BYTES> id = {
         uint8_t(head), 0, uint8_t(wd1771.rotational_sector[drive]), ID_LENGTH_256, 0xFF, 0xFF};
-    buffer_offset = disk.bytes_per_sector - ID_BYTES;
-    std::ranges::copy(id, sector_buffer.begin() + buffer_offset);
+    wd1771.buffer_offset = sector_bytes(drive) - ID_BYTES;
+    std::ranges::copy(id, wd1771.sector_buffer.begin() + wd1771.buffer_offset);
     wd1771.status |= STATUS_DATA_REQUEST;
     wd1771.sector = head;
     rotate(drive);
@@ -199,7 +208,7 @@ void read_address(unsigned drive) {
 void force_interrupt(unsigned drive) {
     wd1771.status &= uint8_t(~STATUS_BUSY);
     wd1771.track_state = TRACK_IDLE;
-    buffer_offset = SECTOR_BYTES;
+    wd1771.buffer_offset = SECTOR_BYTES;
     wd1771.command_type = HEAD_POSITIONING;
     if ((wd1771.command & CONDITIONS) && diskimg_inserted(wd1771.disks[drive])) wd1771_set_irq(1);
 }
@@ -209,9 +218,9 @@ void execute(unsigned drive, uint8_t high_nibble) {
     case RESTORE: return restore(drive);
     case SEEK: return seek(drive);
     case STEP_IN:
-    case STEP_IN + 1: wd1771.step_in = true; return step(drive);
+    case STEP_IN + 1: wd1771.step_in = 1; return step(drive);
     case STEP_OUT:
-    case STEP_OUT + 1: wd1771.step_in = false; return step(drive);
+    case STEP_OUT + 1: wd1771.step_in = 0; return step(drive);
     case STEP:
     case STEP + 1: return step(drive);
     case READ_SECTOR:
@@ -230,10 +239,10 @@ void write_command(unsigned drive, uint8_t value) {
     if ((wd1771.status & STATUS_BUSY) && high_nibble != FORCE_INTERRUPT) return;
     wd1771.command = value;
     wd1771.command_type = cmd_types[high_nibble];
-    last_cmd_clock = z80_state.t_count;
+    wd1771.last_cmd_clock = z80_state.t_count;
     const bool positions = wd1771.command_type == HEAD_POSITIONING;
     wd1771.status &= positions ? uint8_t(0) : uint8_t(STATUS_DATA_REQUEST);
-    wd1771.interrupt = false; // the processor's line keeps its level
+    wd1771.interrupt = 0; // the processor's line keeps its level
     execute(drive, high_nibble);
     if (positions) wd1771.status = STATUS_BUSY;
 }
@@ -242,10 +251,10 @@ void write_command(unsigned drive, uint8_t value) {
 
 /// Gives 0 to the last byte of a sector, and then stays where it is.
 uint8_t next_sector_byte(unsigned drive) {
-    const disk_image& disk = wd1771.disks[drive];
-    if (!diskimg_inserted(disk) || buffer_offset >= disk.bytes_per_sector) return wd1771.data;
-    const uint8_t value = sector_buffer[buffer_offset++];
-    if (buffer_offset == disk.bytes_per_sector) {
+    const uint32_t size = sector_bytes(drive);
+    if (!diskimg_inserted(wd1771.disks[drive]) || wd1771.buffer_offset >= size) return wd1771.data;
+    const uint8_t value = wd1771.sector_buffer[wd1771.buffer_offset++];
+    if (wd1771.buffer_offset == size) {
         end_transfer();
         wd1771_set_irq(1);
     }
@@ -259,8 +268,8 @@ uint8_t read_data(unsigned drive) {
     case READ_SECTOR + 1:
     case READ_ADDRESS: value = next_sector_byte(drive); break;
     case READ_TRACK:
-        value = sector_buffer[buffer_offset % BUFFER_BYTES];
-        buffer_offset = (buffer_offset + 1) % BUFFER_BYTES;
+        value = wd1771.sector_buffer[wd1771.buffer_offset % SECTOR_BUFFER_BYTES];
+        wd1771.buffer_offset = (wd1771.buffer_offset + 1) % SECTOR_BUFFER_BYTES;
         break;
     default: break;
     }
@@ -269,35 +278,36 @@ uint8_t read_data(unsigned drive) {
 }
 
 int store_sector(unsigned drive) {
-    return disk_img_write_sector(wd1771.disks[drive], 0, wd1771.head_track[drive], wd1771.sector,
-                                 sector_buffer.data());
+    return disk_img_write_sector(wd1771.disks[drive], drive_contents[drive].change(), 0,
+                                 wd1771.head_track[drive], wd1771.sector,
+                                 wd1771.sector_buffer.data());
 }
 
 void write_sector_byte(unsigned drive, uint8_t value) {
-    sector_buffer[buffer_offset++ % BUFFER_BYTES] = value;
-    if (buffer_offset < SECTOR_BYTES) return;
+    wd1771.sector_buffer[wd1771.buffer_offset++ % SECTOR_BUFFER_BYTES] = value;
+    if (wd1771.buffer_offset < SECTOR_BYTES) return;
     if (!store_sector(drive)) wd1771.status |= STATUS_WRITE_FAULT;
-    buffer_offset = 0;
+    wd1771.buffer_offset = 0;
     end_transfer();
 }
 
 void end_field(unsigned drive) {
     if (wd1771.track_state == TRACK_ID) {
-        wd1771.track = sector_buffer[0];
-        wd1771.sector = sector_buffer[2];
+        wd1771.track = wd1771.sector_buffer[0];
+        wd1771.sector = wd1771.sector_buffer[2];
     } else if (wd1771.track_state == TRACK_DATA) {
         store_sector(drive);
-        if (++sector_count >= wd1771.disks[drive].sectors) {
+        if (++wd1771.sector_count >= wd1771.disks[drive].sectors) {
             end_transfer();
             wd1771_set_irq(1);
-            sector_count = 0;
+            wd1771.sector_count = 0;
         }
     }
 }
 
 void begin_field(int32_t state) {
     wd1771.track_state = state;
-    buffer_offset = 0;
+    wd1771.buffer_offset = 0;
 }
 
 void write_track_byte(unsigned drive, uint8_t value) {
@@ -306,8 +316,8 @@ void write_track_byte(unsigned drive, uint8_t value) {
     case DATA_MARK: return begin_field(TRACK_DATA);
     case WRITE_CRC: end_field(drive); return begin_field(TRACK_IDLE);
     default:
-        sector_buffer[buffer_offset % BUFFER_BYTES] = value;
-        buffer_offset = (buffer_offset + 1) % BUFFER_BYTES;
+        wd1771.sector_buffer[wd1771.buffer_offset % SECTOR_BUFFER_BYTES] = value;
+        wd1771.buffer_offset = (wd1771.buffer_offset + 1) % SECTOR_BUFFER_BYTES;
     }
 }
 
@@ -333,7 +343,8 @@ void look_at_drive(unsigned drive) {
     uint8_t& status = wd1771.status;
     status &= STATUS_NOT_READY | STATUS_SEEK_ERROR | STATUS_CRC_ERROR | STATUS_BUSY;
     if (!is_positioning()) status &= uint8_t(~STATUS_BUSY);
-    if (now() % (z80_state.clock_hz / REVOLUTIONS) < index_hole_in_cycles) status |= STATUS_INDEX;
+    if (now() % (z80_state.clock_hz / REVOLUTIONS) < wd1771.index_hole_in_cycles)
+        status |= STATUS_INDEX;
     if (wd1771.head_track[drive] == 0) status |= STATUS_TRACK_0;
     if (motor_runs()) status |= STATUS_HEAD_LOADED;
     if (wd1771.disks[drive].write_protected) status |= STATUS_PROTECTED;
@@ -348,11 +359,19 @@ uint8_t read_status(unsigned drive) {
     return wd1771.status;
 }
 
+void insert(unsigned drive, disk_image&& disk) {
+    wd1771.disks[drive] = disk;
+    drive_contents[drive] = shared_bytes(std::move(disk.image));
+}
+
 } // namespace
+
+const state_record wd1771_record = {"wd1771", &wd1771, sizeof wd1771, wd1771_fields};
 
 void wd1771_init() {
     wd1771 = {};
-    index_hole_in_cycles = z80_state.clock_hz / (REVOLUTIONS * INDEX_SHARE);
+    drive_contents = {};
+    wd1771.index_hole_in_cycles = z80_state.clock_hz / (REVOLUTIONS * INDEX_SHARE);
     wd1771_reset_all();
 }
 
@@ -361,12 +380,12 @@ void wd1771_reset() {
     wd1771.status = 0;
     wd1771.track = 0;
     wd1771.sector = 0;
-    wd1771.step_in = false;
-    buffer_offset = SECTOR_BYTES;
+    wd1771.step_in = 0;
+    wd1771.buffer_offset = SECTOR_BYTES;
     wd1771.motor_timeout = 0;
     wd1771_device_select(1);
-    sector_count = 0;
-    last_cmd_clock = 0;
+    wd1771.sector_count = 0;
+    wd1771.last_cmd_clock = 0;
 }
 
 void wd1771_reset_all() {
@@ -377,7 +396,7 @@ void wd1771_reset_all() {
 void wd1771_write_param_reg(uint8_t value) { wd1771_device_select(value & 0x0F); }
 
 void wd1771_device_select(uint8_t bits) {
-    drive_select = bits;
+    wd1771.drive_select = bits;
     const unsigned drive = addressed_drive();
     if (drive >= DISK_DRIVES || !diskimg_inserted(wd1771.disks[drive])) return;
     wd1771.motor_timeout = now() + uint64_t(msec_to_cycles(READY_MS));
@@ -417,8 +436,36 @@ int wd1771_is_active() {
 }
 
 void wd1771_set_irq(int level) {
-    wd1771.interrupt = level != 0;
+    wd1771.interrupt = level ? 1 : 0;
     z80_state.irq = level;
 }
 
-disk_image& wd1771_disk(unsigned drive) { return wd1771.disks[drive]; }
+int wd1771_attach(unsigned drive, std::vector<uint8_t> image, bool write_protected) {
+    wd1771_detach(drive);
+    disk_image disk;
+    disk.image = std::move(image);
+    if (disk.image.empty() || !diskimg_analyze(disk)) return 0;
+    disk.write_protected = write_protected ? 1 : 0;
+    insert(drive, std::move(disk));
+    return 1;
+}
+
+void wd1771_detach(unsigned drive) { insert(drive, {}); }
+
+void wd1771_replace(unsigned drive, std::vector<uint8_t> image) {
+    disk_image disk;
+    static_cast<disk_record&>(disk) = wd1771.disks[drive];
+    disk.image = std::move(image);
+    diskimg_find_geometry(disk);
+    disk.modified = 1;
+    insert(drive, std::move(disk));
+}
+
+void wd1771_write_protect(unsigned drive, bool level) {
+    wd1771.disks[drive].write_protected = level ? 1 : 0;
+}
+
+disk_image wd1771_disk(unsigned drive) {
+    const auto contents = drive_contents[drive].view();
+    return {wd1771.disks[drive], {contents.begin(), contents.end()}};
+}

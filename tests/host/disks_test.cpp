@@ -2,6 +2,7 @@
 #include "cgenie/typing/typing.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"
+#include "core/machine_state.h"
 #include "core/pacing/pacing.h"
 #include "host/disk_journal.h"
 #include "host/disks.h"
@@ -55,7 +56,9 @@ protected:
     }
     static void change(unsigned drive) {
         const std::vector<uint8_t> sector(256, 0x99);
-        ASSERT_EQ(disk_img_write_sector(wd1771_disk(drive), 0, 39, 9, sector.data()), 1);
+        ASSERT_EQ(disk_img_write_sector(wd1771.disks[drive], drive_contents[drive].change(), 0, 39,
+                                        9, sector.data()),
+                  1);
     }
     static bool is_changed(const std::string& path) {
         const std::vector<uint8_t> bytes = read_file(path);
@@ -298,6 +301,26 @@ TEST_F(DisksTest, OneDriveAtATimeWritesToAnImage) {
     EXPECT_FALSE(wd1771_disk(3).write_protected);
 }
 
+TEST_F(DisksTest, ALoadedStateBringsItsDisks) {
+    machine_state state;
+    attach(1, "a.dsk");
+    machine_save(state);
+    change(1);
+    host->dialogs().answers = {YES, NO};
+    command(DETACH + 1);
+    attach(0, "b.dsk");
+    machine_load(state);
+    EXPECT_EQ(text_of(0), text_of(0, "<no disk>"));
+    EXPECT_EQ(text_of(1), text_of(1, "<no file>"));
+    host->dialogs().answers = {NO};
+    command(DETACH + 1);
+    attach(1, "a.dsk");
+    machine_load(state);
+    host->dialogs().answers = {YES}; // it is another than that of the file
+    command(DETACH + 1);
+    EXPECT_FALSE(is_changed("a.dsk"));
+}
+
 class DiskJournalTest : public DisksTest {
 protected:
     static constexpr int TAKE = 0, LOOK = 1;
@@ -310,7 +333,8 @@ protected:
             begin();
             attach(0, "a.dsk");
             const std::vector<uint8_t> sector(256, 0x77);
-            disk_img_write_sector(wd1771_disk(0), 0, 0, 0, sector.data());
+            disk_img_write_sector(wd1771.disks[0], drive_contents[0].change(), 0, 0, 0,
+                                  sector.data());
             main_disk_keep_journals();
             change(0);
             main_disk_keep_journals();
@@ -334,8 +358,8 @@ protected:
         return {};
     }
     static int last_byte() {
-        const disk_image& disk = wd1771_disk(0);
-        return diskimg_inserted(disk) ? disk.image.back() : -1;
+        const auto disk = drive_contents[0].view();
+        return disk.empty() ? -1 : disk.back();
     }
 };
 
@@ -425,7 +449,7 @@ TEST_F(DiskJournalTest, KilledAtAnyMomentOnlyTheLastSecondIsMissing) {
             for (size_t frame = 0; frame < history->states.size(); ++frame) {
                 paced_frame_step();
                 history->states[frame] = {pacing.elapsed_counter,
-                                          content_hash(wd1771_disk(0).image)};
+                                          content_hash(drive_contents[0].view())};
                 history->count = frame + 1;
                 main_disk_keep_journals_when_due();
             }
@@ -435,8 +459,8 @@ TEST_F(DiskJournalTest, KilledAtAnyMomentOnlyTheLastSecondIsMissing) {
         usleep(useconds_t(random() % 200000));
         kill(child, SIGKILL);
         waitpid(child, nullptr, 0);
-        const auto left = find_left_journal(wd1771_disk(0));
-        const uint64_t kept = content_hash(left ? left->image : wd1771_disk(0).image);
+        const auto left = find_left_journal(drive_files[0]);
+        const uint64_t kept = content_hash(left ? left->image : drive_contents[0].view());
         const std::span states(history->states.data(), history->count);
         const auto same = [&](const auto& state) {
             return state.second == kept && states.back().first - state.first <= second;

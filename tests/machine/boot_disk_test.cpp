@@ -1,6 +1,6 @@
 #include "core/machine.h"
 #include "host/autostart.h"
-#include "media/wd1771.h"
+#include "media/files/drive_files.h"
 #include "support/basic_machine.h"
 #include "support/test_files.h"
 
@@ -19,7 +19,7 @@ protected:
         machine_cfg[0].expansion_rom = 0;
         machine_.boot(0);
     }
-    ~BootDisk() override { diskimg_detach(wd1771_disk(0), false); }
+    ~BootDisk() override { diskimg_detach(0, false); }
     bool greets() {
         const auto rows = machine_.screen();
         return rows.size() > 2 && rows[2] == GREETING;
@@ -52,7 +52,7 @@ TEST_F(BootDisk, FilesAreOpenOnDisksOfDifferentSizes) {
     for (unsigned drive = 0; drive < 2; ++drive) {
         const std::string path = folder / std::to_string(drive);
         write_file(path, std::vector<uint8_t>(tracks[drive] * (drive + 1) * 10 * 256, 0xE5));
-        ASSERT_EQ(diskimg_attach(wd1771_disk(drive), path), 1);
+        ASSERT_EQ(diskimg_attach(drive, path), 1);
         machine_.type("FORMAT " + std::to_string(drive) + "\nY\n");
     }
     ASSERT_TRUE(machine_.type("10 OPEN\"O\",1,\"A:0\":OPEN\"O\",2,\"A:1\":FOR I=1 TO 400\n"
@@ -62,7 +62,7 @@ TEST_F(BootDisk, FilesAreOpenOnDisksOfDifferentSizes) {
                               "50 NEXT:CLOSE:CLS:PRINT \"SAME\"\nRUN\n",
                               3000));
     EXPECT_EQ(machine_.screen()[0], "SAME") << machine_.screen().back();
-    for (unsigned drive = 0; drive < 2; ++drive) diskimg_detach(wd1771_disk(drive), false);
+    for (unsigned drive = 0; drive < 2; ++drive) diskimg_detach(drive, false);
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 #include "cgenie/memory/memory.h"
 #include "core/machine.h"
 #include "media/disk_system.h"
-#include "media/wd1771.h"
+#include "media/files/drive_files.h"
 #include "support/basic_machine.h"
 #include "support/test_files.h"
 #include "tools/basic_tokens.h"
@@ -32,16 +32,16 @@ public:
         insert(bytes);
         machine.boot(model);
     }
-    ~DiskMachine() { diskimg_detach(wd1771_disk(0), false); }
+    ~DiskMachine() { diskimg_detach(0, false); }
     /// Puts a disk of these bytes into drive 0.
     void insert(const std::vector<uint8_t>& bytes) {
         write_file(path, bytes);
-        ASSERT_EQ(diskimg_attach(wd1771_disk(0), path), 1);
+        ASSERT_EQ(diskimg_attach(0, path), 1);
     }
     /// Writes the disk to its file and puts that into the drive.
     void take_out_and_back() {
-        ASSERT_EQ(diskimg_detach(wd1771_disk(0), true), 1);
-        ASSERT_EQ(diskimg_attach(wd1771_disk(0), path), 1);
+        ASSERT_EQ(diskimg_detach(0, true), 1);
+        ASSERT_EQ(diskimg_attach(0, path), 1);
     }
     /// The rows that the text leaves on an empty screen.
     std::vector<std::string> rows(const std::string& text) {
@@ -57,7 +57,7 @@ public:
         return {};
     }
     const uint8_t* sector(size_t track, size_t number) const {
-        return wd1771_disk(0).image.data() + (track * sectors + number) * SECTOR;
+        return drive_contents[0].view().data() + (track * sectors + number) * SECTOR;
     }
     /// The entry of the file, nullptr when there is none.
     const uint8_t* entry(const std::string& name) const {
@@ -131,7 +131,7 @@ struct FilledDisk : DiskMachine {
         code.insert(code.end(), {2, 2, 0, 0x70});
         auto disk = disk_mount(wd1771_disk(0), problem);
         EXPECT_EQ(disk_put(*disk, *disk_name("M"), FILE_CODE, code, problem), 1) << problem;
-        sound = wd1771_disk(0).image = disk->image.image;
+        sound = drive_contents[0].change() = disk->image.image;
     }
     DiskBytes sound;
     const size_t half = sectors / 2 * SECTOR, map = tracks / 2 * 2 * half, entries = map + SECTOR;
@@ -267,7 +267,7 @@ TEST(Disk, TellsItsErrorsInWords) {
     for (const auto& [typed, answer] : cases) EXPECT_EQ(disk.answer(typed), answer) << typed;
     EXPECT_EQ(disk.free_blocks(), 66U);
     EXPECT_EQ(disk.found(), "P 0 8");
-    wd1771_disk(0).write_protected = true;
+    wd1771_write_protect(0, true);
     for (const char* typed : {"SAVE\"P\"\n", "KILL\"P\"\n", "FORMAT\nY"})
         EXPECT_EQ(disk.answer(typed), "?WRITE PROTECTED") << typed;
 }
@@ -340,18 +340,19 @@ TEST(Disk, EveryActEndsAndKeepsToItsFileOnDamagedDisks) {
     std::mt19937 random(7);
     const auto any = [&](size_t count) { return size_t(random() % count); };
     int written = 0, refused = 0;
-    disk_image& drive = wd1771_disk(0);
+    DiskBytes& drive = drive_contents[0].change();
     for (int damage = 0; damage < 200; ++damage) {
-        drive.image = disk.sound;
-        drive.write_protected = damage % 10 == 9;
+        const bool write_protected = damage % 10 == 9;
+        drive = disk.sound;
+        wd1771_write_protect(0, write_protected);
         std::string told;
         for (size_t count = 1 + any(3); count > 0; --count) {
             const size_t places[] = {any(10), disk.map + any(12), disk.map + any(70),
                                      disk.entries + any(96), disk.entries + any(6) * ENTRY + 12};
             const size_t bytes[] = {any(256), any(12), any(70), 0xFF, 0xFE, 18, 0xC0 + any(7)};
             const size_t place = places[any(std::size(places))];
-            drive.image[place] = uint8_t(bytes[any(std::size(bytes))]);
-            told += std::to_string(place) + "=" + std::to_string(drive.image[place]) + " ";
+            drive[place] = uint8_t(bytes[any(std::size(bytes))]);
+            told += std::to_string(place) + "=" + std::to_string(drive[place]) + " ";
         }
         for (int n = 0; n < 12; ++n) {
             const size_t act = any(std::size(acts));
@@ -359,11 +360,11 @@ TEST(Disk, EveryActEndsAndKeepsToItsFileOnDamagedDisks) {
             std::string text = acts[act] + "\n";
             if (const size_t at = text.find("\"#\""); at < text.size()) text[at + 1] = name;
             told += text;
-            const DiskBytes before = drive.image;
+            const DiskBytes before = drive;
             const std::string answer = disk.answer(text);
-            ASSERT_EQ(stray(disk, before, drive.image, name), before.size()) << told << answer;
-            const bool changed = drive.image != before;
-            ASSERT_FALSE(changed && (act < FIRST_TO_WRITE || drive.write_protected)) << told;
+            ASSERT_EQ(stray(disk, before, drive, name), before.size()) << told << answer;
+            const bool changed = drive != before;
+            ASSERT_FALSE(changed && (act < FIRST_TO_WRITE || write_protected)) << told;
             written += changed;
             refused += answer == "?DISK DAMAGED";
         }
@@ -374,7 +375,7 @@ TEST(Disk, EveryActEndsAndKeepsToItsFileOnDamagedDisks) {
 
 TEST(Disk, CirclesAndBreakEndEveryAct) {
     FilledDisk disk;
-    DiskBytes& drive = wd1771_disk(0).image;
+    DiskBytes& drive = drive_contents[0].change();
     for (const char* name : {"A", "B", "C", "M"})
         drive[disk.map + disk.entry(name)[12]] = disk.entry(name)[12];
     const DiskBytes circles = drive;
@@ -416,7 +417,7 @@ TEST(Disk, CirclesAndBreakEndEveryAct) {
 
 TEST(Disk, NoFileComesToAnotherDisk) {
     FilledDisk disk;
-    DiskBytes& drive = wd1771_disk(0).image;
+    DiskBytes& drive = drive_contents[0].change();
     disk.rows("FORMAT\nY");
     const DiskBytes filled = disk.sound, empty = drive;
     DiskBytes fuller = filled;
@@ -444,7 +445,7 @@ TEST(Disk, NoFileComesToAnotherDisk) {
     // The same disk again, with another one between; files on disks of two sizes.
     drive = filled;
     std::string problem;
-    wd1771_disk(1) = *disk_blank(DISK_PLAIN, 80, 18, problem);
+    wd1771_attach(1, disk_blank(DISK_PLAIN, 80, 18, problem)->image, false);
     disk.rows("FORMAT 1\nYCLEAR 500:OPEN\"O\",1,\"N:1\":OPEN\"E\",2,\"C\":OPEN\"O\",3,\"D\"\n");
     for (int i = 0; i < 20; ++i) {
         disk.rows("PRINT#1,STRING$(254,49):PRINT#2,STRING$(254,50)\n");
@@ -457,13 +458,13 @@ TEST(Disk, NoFileComesToAnotherDisk) {
     const auto second = disk_mount(wd1771_disk(1), problem);
     EXPECT_TRUE(disk_check(*second).empty());
     EXPECT_EQ(disk_find(*second, "N")->bytes, 20 * 255U);
-    diskimg_detach(wd1771_disk(1), false);
+    diskimg_detach(1, false);
 }
 
 TEST(Disk, StartsABootableDisk) {
     DiskMachine disk(0, 40, 10);
     disk.rows("FORMAT\nY");
-    uint8_t* const boot = wd1771_disk(0).image.data();
+    uint8_t* const boot = drive_contents[0].change().data();
     const uint8_t code[] = {0x3E, 0x2A, 0x32, 0x01, 0x44, 0xC9}; // LD A,2A / LD (4401),A / RET
     std::ranges::copy(code, boot + 0x10);
     disk.machine.boot(0);

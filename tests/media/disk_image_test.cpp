@@ -1,5 +1,4 @@
-#include "media/disk_image.h"
-#include "media/wd1771.h"
+#include "media/files/drive_files.h"
 
 #include "files/whole_file.h"
 #include "platform/headless/headless.h"
@@ -26,6 +25,14 @@ protected:
         install_platform(*host_);
         testing::internal::CaptureStderr();
     }
+    int read(uint32_t track, uint32_t number) {
+        return disk_img_read_sector(disk_, drive_contents[0].view(), 0, track, number,
+                                    sector_.data());
+    }
+    int write(uint32_t track, uint32_t number) {
+        return disk_img_write_sector(disk_, drive_contents[0].change(), 0, track, number,
+                                     sector_.data());
+    }
     ~DiskImage() override { testing::internal::GetCapturedStderr(); }
     std::string write(const Bytes& bytes, const char* name = "a.dsk") {
         write_file(folder_ / name, bytes);
@@ -35,6 +42,7 @@ protected:
     Folder folder_;
     HeadlessOptions options_;
     std::unique_ptr<HeadlessPlatform> host_;
+    disk_record& disk_ = wd1771.disks[0];
     std::array<uint8_t, LARGEST_SECTOR> sector_ = {};
 };
 
@@ -113,55 +121,52 @@ TEST_F(DiskImage, GeometryFollowsFromSizeAndHeader) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        disk_image disk;
-        ASSERT_EQ(diskimg_attach(disk, write(c.bytes)), c.accepted ? 1 : 0);
-        ASSERT_EQ(diskimg_inserted(disk), c.accepted);
+        ASSERT_EQ(diskimg_attach(0, write(c.bytes)), c.accepted ? 1 : 0);
+        ASSERT_EQ(diskimg_inserted(disk_), c.accepted);
         if (!c.accepted) continue;
-        EXPECT_EQ(disk.side_value, c.side_value);
-        EXPECT_EQ(disk.tracks, c.tracks);
-        EXPECT_EQ(disk.sectors, c.sectors);
-        EXPECT_EQ(disk.bytes_per_sector, c.bytes_each);
-        EXPECT_EQ(disk.directory_track, c.directory);
-        EXPECT_EQ(disk_img_read_sector(disk, 0, 0, c.sectors, sector_.data()), 0);
+        EXPECT_EQ(disk_.side_value, c.side_value);
+        EXPECT_EQ(disk_.tracks, c.tracks);
+        EXPECT_EQ(disk_.sectors, c.sectors);
+        EXPECT_EQ(disk_.bytes_per_sector, c.bytes_each);
+        EXPECT_EQ(disk_.directory_track, c.directory);
+        EXPECT_EQ(read(0, c.sectors), 0);
     }
     for (const char* name : {"", "gone.dsk", "."}) {
-        disk_image disk;
-        EXPECT_EQ(diskimg_attach(disk, name), 0) << name;
+        EXPECT_EQ(diskimg_attach(0, name), 0) << name;
     }
 }
 
 TEST_F(DiskImage, SectorsAreWhereTheLayoutPutsThem) {
-    disk_image disk;
-    ASSERT_EQ(diskimg_attach(disk, write(plain(102400))), 1);
-    ASSERT_EQ(disk_img_read_sector(disk, 0, 39, 9, sector_.data()), 1);
+    ASSERT_EQ(diskimg_attach(0, write(plain(102400))), 1);
+    ASSERT_EQ(read(39, 9), 1);
     EXPECT_EQ(sector_[0] | sector_[1] << 8, 399);
-    EXPECT_EQ(disk_img_read_sector(disk, 0, 40, 0, sector_.data()), 0) << "behind the end";
-    EXPECT_EQ(disk_img_read_sector(disk, 0, 0xFFFFFFFF, 9, sector_.data()), 0);
+    EXPECT_EQ(read(40, 0), 0) << "behind the end";
+    EXPECT_EQ(read(0xFFFFFFFF, 9), 0);
 
-    ASSERT_EQ(diskimg_attach(disk, write(plain(92160))), 1);
-    ASSERT_EQ(disk_img_read_sector(disk, 0, 1, 17, sector_.data()), 1);
+    ASSERT_EQ(diskimg_attach(0, write(plain(92160))), 1);
+    ASSERT_EQ(read(1, 17), 1);
     EXPECT_EQ(sector_[0], 35);
 
     const std::string cut = write(plain(200448), "cut.dsk");
-    ASSERT_EQ(diskimg_attach(disk, cut), 1); // 783 sectors of 800
-    ASSERT_EQ(disk_img_read_sector(disk, 0, 78, 2, sector_.data()), 1);
+    ASSERT_EQ(diskimg_attach(0, cut), 1); // 783 sectors of 800
+    ASSERT_EQ(read(78, 2), 1);
     EXPECT_EQ(sector_[0] | sector_[1] << 8, 782);
     for (const uint32_t track : {78, 79}) {
-        ASSERT_EQ(disk_img_read_sector(disk, 0, track, 9, sector_.data()), 1);
+        ASSERT_EQ(read(track, 9), 1);
         EXPECT_EQ(sector_[0], 0xE5) << "as formatting leaves it";
     }
-    EXPECT_EQ(diskimg_detach(disk, true), 1);
+    EXPECT_EQ(diskimg_detach(0, true), 1);
     EXPECT_EQ(fs::file_size(cut), 204800U);
 
     Bytes bytes = with_headers(98304, 35);
     bytes[5 * 3] = 33; // entry 5 was sector 5 of track 34; now there are two of 33, 5
-    ASSERT_EQ(diskimg_attach(disk, write(bytes)), 1);
-    ASSERT_EQ(disk_img_read_sector(disk, 0, 33, 5, sector_.data()), 1);
+    ASSERT_EQ(diskimg_attach(0, write(bytes)), 1);
+    ASSERT_EQ(read(33, 5), 1);
     EXPECT_EQ(sector_[0], 5) << "the first of two";
-    EXPECT_EQ(disk_img_read_sector(disk, 0, 34, 5, sector_.data()), 0) << "missing";
+    EXPECT_EQ(read(34, 5), 0) << "missing";
 
-    ASSERT_EQ(diskimg_attach(disk, write(with_geometry(40, 1, 10, 512))), 1);
-    ASSERT_EQ(disk_img_read_sector(disk, 0, 0, 1, sector_.data()), 1);
+    ASSERT_EQ(diskimg_attach(0, write(with_geometry(40, 1, 10, 512))), 1);
+    ASSERT_EQ(read(0, 1), 1);
     EXPECT_EQ(sector_[256 - 80], 3) << "512 bytes behind the 80 of the header";
 }
 
@@ -170,26 +175,24 @@ TEST_F(DiskImage, ChangesGoBackToTheFileAtOneStroke) {
     const std::string path = write(before);
     fs::permissions(path, fs::perms(0640));
     fs::create_symlink(path, folder_ / "link.dsk");
-    disk_image disk;
     for (const bool save : {false, true}) {
-        ASSERT_EQ(diskimg_attach(disk, (folder_ / "link.dsk").string()), 1);
-        EXPECT_FALSE(disk.modified);
+        ASSERT_EQ(diskimg_attach(0, (folder_ / "link.dsk").string()), 1);
+        EXPECT_FALSE(disk_.modified);
         sector_.fill(0xAB);
-        ASSERT_EQ(disk_img_write_sector(disk, 0, 39, 9, sector_.data()), 1);
-        EXPECT_TRUE(disk.modified);
-        EXPECT_EQ(diskimg_detach(disk, save), 1);
-        EXPECT_FALSE(diskimg_inserted(disk));
+        ASSERT_EQ(write(39, 9), 1);
+        EXPECT_TRUE(disk_.modified);
+        EXPECT_EQ(diskimg_detach(0, save), 1);
+        EXPECT_FALSE(diskimg_inserted(disk_));
         Bytes expected = before;
         if (save) std::fill(expected.end() - 256, expected.end(), 0xAB);
         EXPECT_EQ(read_file(path), expected);
     }
     EXPECT_TRUE(fs::is_symlink(folder_ / "link.dsk"));
     EXPECT_EQ(fs::status(path).permissions(), fs::perms(0640));
-    disk.write_protected = true;
-    ASSERT_EQ(diskimg_attach(disk, path), 1);
-    disk.write_protected = true;
-    ASSERT_EQ(disk_img_write_sector(disk, 0, 0, 0, sector_.data()), 1);
-    EXPECT_FALSE(disk.modified) << "protected";
+    ASSERT_EQ(diskimg_attach(0, path), 1);
+    wd1771_write_protect(0, true);
+    ASSERT_EQ(write(0, 0), 1);
+    EXPECT_FALSE(disk_.modified) << "protected";
 }
 
 TEST_F(DiskImage, ADiskThatCannotBeWrittenIsRescued) {
@@ -206,24 +209,22 @@ TEST_F(DiskImage, ADiskThatCannotBeWrittenIsRescued) {
         {longest, cut.substr(0, 242) + "xx.dsk"},
         {longest, cut}};
     for (const auto& [name, rescue] : cases) {
-        disk_image disk;
         const std::string path = write(plain(102400), ("sub/" + name).c_str());
-        ASSERT_EQ(diskimg_attach(disk, path), 1);
-        disk_img_write_sector(disk, 0, 1, 1, sector_.data());
-        const Bytes expected = disk.image;
+        ASSERT_EQ(diskimg_attach(0, path), 1);
+        write(1, 1);
+        const Bytes expected = wd1771_disk(0).image;
         fs::remove_all(folder_ / "sub"); // vanishes while it is in the drive
-        EXPECT_EQ(diskimg_detach(disk, true), 0);
-        EXPECT_FALSE(diskimg_inserted(disk));
+        EXPECT_EQ(diskimg_detach(0, true), 0);
+        EXPECT_FALSE(diskimg_inserted(disk_));
         const fs::path file = folder_ / "data/rescue" / rescue;
         EXPECT_NE(fake_host.status[3].find(file.string()), std::string::npos)
             << fake_host.status[3];
         EXPECT_EQ(read_file(file), expected);
     }
-    disk_image disk;
-    ASSERT_EQ(diskimg_attach(disk, write(plain(102400), "sub/a.dsk")), 1);
+    ASSERT_EQ(diskimg_attach(0, write(plain(102400), "sub/a.dsk")), 1);
     fs::remove_all(folder_.path());
     write_file(folder_ / "data", {});
-    EXPECT_EQ(diskimg_detach(disk, true), 0);
+    EXPECT_EQ(diskimg_detach(0, true), 0);
     EXPECT_NE(fake_host.status[3].find("its contents are lost"), std::string::npos);
 }
 
@@ -233,11 +234,10 @@ TEST_F(DiskImage, AFileThatMayOnlyBeReadIsWriteProtected) {
     fs::permissions(path, fs::perms(0444));
     const pid_t child = fork(); // the superuser may write everything
     if (child == 0) {
-        disk_image disk;
         const bool user = geteuid() != 0 || setuid(65534) == 0;
-        const bool attached = user && diskimg_attach(disk, path) && disk.write_protected;
-        const bool stored = attached && disk_img_write_sector(disk, 0, 0, 0, sector_.data());
-        _exit(stored && !disk.modified ? 0 : 1);
+        const bool attached = user && diskimg_attach(0, path) && disk_.write_protected;
+        const bool stored = attached && write(0, 0);
+        _exit(stored && !disk_.modified ? 0 : 1);
     }
     int result = -1;
     waitpid(child, &result, 0);
@@ -260,9 +260,8 @@ TEST_F(DiskImage, TellsWhatItFound) {
         const std::string path = write(bytes);
         testing::internal::GetCapturedStderr();
         testing::internal::CaptureStderr();
-        disk_image disk;
-        diskimg_attach(disk, path);
-        disk_img_read_sector(disk, 1, 2, 3, sector_.data()); // (2 x 18 + 3) x 256 = 2700h
+        diskimg_attach(0, path);
+        disk_img_read_sector(wd1771_disk(0), 1, 2, 3, sector_.data()); // (2 x 18 + 3) x 256 = 2700h
         EXPECT_EQ(testing::internal::GetCapturedStderr(), told);
         testing::internal::CaptureStderr();
     }
@@ -299,7 +298,6 @@ TEST_F(DiskImage, NoHeaderLeadsOutsideTheImage) {
             disk_image disk;
             disk.image = with_geometry(40, 2, 10, 256);
             disk.image[at] = value;
-            disk.size = uint32_t(disk.image.size());
             if (at >= 16 && at % 16) { // not used
                 EXPECT_EQ(diskimg_analyze(disk), 1) << at;
             } else if (diskimg_analyze(disk)) {
@@ -314,7 +312,6 @@ TEST_F(DiskImage, NoHeaderLeadsOutsideTheImage) {
         disk.image = with_headers(98304, 35);
         for (int change = 0; change < (n < 6 ? 40 : 8703); ++change)
             disk.image[n < 6 ? random() % 1050 : size_t(change)] = uint8_t(random() % 40);
-        disk.size = uint32_t(disk.image.size());
         SCOPED_TRACE(n);
         if (diskimg_analyze(disk)) expect_addresses_kept(disk, sector_);
     }

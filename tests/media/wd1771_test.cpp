@@ -2,6 +2,7 @@
 
 #include "cgenie/memory/memory.h"
 #include "core/machine.h"
+#include "core/machine_state.h"
 #include "platform/headless/headless.h"
 #include "z80/z80.h"
 
@@ -30,21 +31,17 @@ protected:
         wd1771_init();
         testing::internal::GetCapturedStderr();
     }
-    static disk_image& insert(unsigned drive, uint32_t tracks, uint32_t sectors) {
-        disk_image& disk = wd1771_disk(drive);
-        disk = {};
-        disk.layout = DISK_FIXED;
-        disk.tracks = tracks;
-        disk.sectors = sectors;
-        disk.bytes_per_sector = 256;
-        disk.directory_track = 20;
-        disk.image.resize(size_t(tracks) * sectors * 256);
-        for (size_t at = 0; at < disk.image.size(); ++at) disk.image[at] = uint8_t(at);
+    static std::vector<uint8_t>& insert(unsigned drive, uint32_t tracks, uint32_t sectors) {
+        std::vector<uint8_t> image(size_t(tracks) * sectors * 256);
+        for (size_t at = 0; at < image.size(); ++at) image[at] = uint8_t(at);
         for (size_t n = 0; n < size_t(tracks) * sectors; ++n) {
-            disk.image[n * 256] = uint8_t(n / sectors);
-            disk.image[n * 256 + 1] = uint8_t(n % sectors);
+            image[n * 256] = uint8_t(n / sectors);
+            image[n * 256 + 1] = uint8_t(n % sectors);
         }
-        return disk;
+        wd1771.disks[drive] = {0, tracks,     sectors, 256, 20, uint32_t(image.size()),
+                               0, DISK_FIXED, 0,       0,   0};
+        drive_contents[drive] = shared_bytes(image);
+        return drive_contents[drive].change();
     }
     static void command(uint8_t value) { wd1771_write_reg(STATUS, value); }
     static uint8_t status() { return wd1771_read_reg(STATUS); }
@@ -120,9 +117,9 @@ TEST_F(Wd1771, StatusKeepsTime) {
     EXPECT_EQ(status(), 0x26);
     pass(1);
     EXPECT_EQ(status(), 0x24);
-    wd1771_disk(0).write_protected = true;
+    wd1771_write_protect(0, true);
     EXPECT_EQ(status(), 0x64);
-    wd1771_disk(0).write_protected = false;
+    wd1771_write_protect(0, false);
 
     wd1771_device_select(1);
     EXPECT_EQ(wd1771_is_active(), 0);
@@ -199,7 +196,7 @@ TEST_F(Wd1771, WritesSectors) {
     EXPECT_EQ(status() & 0x23, 0);
     EXPECT_EQ(z80_state.irq, 0) << "no interrupt";
     EXPECT_TRUE(wd1771_disk(0).modified);
-    const uint8_t* const stored = &wd1771_disk(0).image[(7 * 10 + 4) * 256];
+    const uint8_t* const stored = &drive_contents[0].view()[(7 * 10 + 4) * 256];
     for (int n = 0; n < 256; ++n) ASSERT_EQ(stored[n], uint8_t(n ^ 0x5A));
     wd1771_write_reg(DATA, 0x99); // nobody asked for it
     EXPECT_EQ(stored[0], 0x5A);
@@ -208,7 +205,7 @@ TEST_F(Wd1771, WritesSectors) {
     command(0xA8);
     for (int n = 0; n < 256; ++n) wd1771_write_reg(DATA, 0);
     EXPECT_EQ(status() & 0x23, 0x20) << "write fault";
-    wd1771_disk(0).write_protected = true;
+    wd1771_write_protect(0, true);
     for (const uint8_t value : {0xA8, 0xF4}) {
         command(value);
         EXPECT_NE(z80_state.irq, 0);
@@ -261,7 +258,7 @@ std::vector<uint8_t> track_bytes(int track, int sectors, int fill) {
 TEST_F(Wd1771, FormatsATrack) {
     for (const int sectors : {10, 18}) {
         SCOPED_TRACE(sectors);
-        std::vector<uint8_t> expected = insert(0, 40, uint32_t(sectors)).image;
+        std::vector<uint8_t> expected = insert(0, 40, uint32_t(sectors));
         const size_t begin = size_t(3 * sectors) * 256;
         for (size_t n = 0; n < size_t(sectors) * 256; ++n)
             expected[begin + n] = uint8_t(0x30 + n / 256);
@@ -320,7 +317,7 @@ TEST_F(Wd1771, TheLatchChoosesTheDrive) {
         uint8_t latch;
         int drive; ///< -1: none
     } cases[] = {{0x01, 0}, {0x02, 1}, {0x0C, 2}, {0x08, 3}, {0x0F, 0}, {0xF4, 2}, {0xF0, -1}};
-    for (unsigned drive = 0; drive < 4; ++drive) insert(drive, 40, 10).image[256] = uint8_t(drive);
+    for (unsigned drive = 0; drive < 4; ++drive) insert(drive, 40, 10)[256] = uint8_t(drive);
     for (const auto& c : cases) {
         SCOPED_TRACE(int(c.latch));
         wd1771_reset_all();
@@ -351,7 +348,7 @@ TEST_F(Wd1771, TheLatchChoosesTheDrive) {
     }
     // An empty drive: a seek does nothing, a step moves the head.
     wd1771_reset_all();
-    wd1771_disk(0) = {};
+    wd1771_detach(0);
     seek(5);
     EXPECT_EQ(wd1771_read_reg(TRACK), 0);
     command(0xD0); // no look at an empty drive ends the command
@@ -410,9 +407,8 @@ TEST_F(Wd1771, InterruptsAndTheirAcknowledgement) {
 TEST_F(Wd1771, SectorsOfOtherSizes) {
     for (const uint32_t size : {128U, 512U}) {
         SCOPED_TRACE(size);
-        disk_image& disk = insert(0, 40, 10);
-        disk.bytes_per_sector = size;
-        std::vector<uint8_t> expected = disk.image;
+        std::vector<uint8_t> expected = insert(0, 40, 10);
+        wd1771.disks[0].bytes_per_sector = size;
         const size_t at = size_t(12) * size; // track 1, sector 2
         seek(1);
         wd1771_write_reg(SECTOR, 2);
@@ -429,7 +425,8 @@ TEST_F(Wd1771, SectorsOfOtherSizes) {
         }
         EXPECT_EQ(status() & 0x23, 0);
         std::fill_n(expected.begin() + long(at), std::min(size, 256U), uint8_t(0xA5));
-        EXPECT_EQ(disk.image, expected) << "the rest of a long sector is what was read before";
+        EXPECT_EQ(wd1771_disk(0).image, expected)
+            << "the rest of a long sector is what was read before";
         wd1771_write_reg(SECTOR, 2);
         command(0xC0);
         for (int n = 0; n < 6; ++n) {
@@ -504,13 +501,23 @@ TEST_F(Wd1771, AProgramFormatsAndWritesThroughTheBus) {
     do_di();
     z80_state.sp = 0x8FF0;
     z80_state.pc = 0x9000;
-    z80_run(1000000);
-    EXPECT_EQ(memory[z80_state.pc], 0x76) << "on the HALT";
-    EXPECT_EQ(mem_read_word(0x9100), 0xA000 + track.size());
-    EXPECT_EQ(memory[0x9102], 0x00) << "looking at the interrupt has answered it";
-    EXPECT_EQ(memory[0x9103], 0x00) << "none behind a sector";
-    EXPECT_EQ(mem_read_word(0x9104), 0x9300) << "256 bytes";
-    EXPECT_EQ(wd1771_disk(0).image, expected);
+    // In the middle of the sector, and from there once more.
+    while (wd1771.command != 0xA8 || wd1771.buffer_offset < 99) z80_run(99);
+    machine_state state;
+    machine_save(state);
+    const std::vector<uint8_t> parked = wd1771_disk(0).image;
+    for (int run = 0; run < 2; ++run) {
+        EXPECT_NE(wd1771_disk(0).image, expected);
+        z80_run(100000);
+        EXPECT_EQ(memory[z80_state.pc], 0x76) << "on the HALT";
+        EXPECT_EQ(mem_read_word(0x9100), 0xA000 + track.size());
+        EXPECT_EQ(memory[0x9102], 0x00) << "looking at the interrupt has answered it";
+        EXPECT_EQ(memory[0x9103], 0x00) << "none behind a sector";
+        EXPECT_EQ(mem_read_word(0x9104), 0x9300) << "256 bytes";
+        EXPECT_EQ(wd1771_disk(0).image, expected);
+        EXPECT_TRUE(machine_load(state));
+        EXPECT_EQ(wd1771_disk(0).image, parked) << "which the other has not written to";
+    }
 }
 
 } // namespace

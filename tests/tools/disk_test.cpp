@@ -1,5 +1,5 @@
-#include "media/disk_image.h"
 #include "media/disk_system.h"
+#include "media/files/drive_files.h"
 #include "support/test_files.h"
 
 #include <gtest/gtest.h>
@@ -64,8 +64,8 @@ TEST_F(DiskProgram, MakesTheImagesThatTheEmulatorKnows) {
         ASSERT_EQ(run(std::string("create disk.dsk ") + options), size ? 0 : 1) << read("err");
         ASSERT_EQ(std::filesystem::exists(file), size != 0);
         if (!size) continue;
-        disk_image disk;
-        ASSERT_EQ(diskimg_attach(disk, file), 1);
+        ASSERT_EQ(diskimg_attach(0, file), 1);
+        const disk_image disk = wd1771_disk(0);
         EXPECT_EQ(disk.size, size);
         EXPECT_EQ(disk.tracks, tracks);
         uint8_t boot[256];

@@ -1,0 +1,87 @@
+#include "media/files/drive_files.h"
+
+#include "files/whole_file.h"
+#include "media/wd1771.h"
+#include "platform/platform.h"
+#include "wall/report.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <utility>
+
+#include <unistd.h>
+
+std::array<disk_file, DISK_DRIVES> drive_files;
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr int MOST_RESCUES = 1000;       ///< of one name
+constexpr size_t LONGEST_NAME = 255 - 7; ///< leaves room for the end that a file being written has
+
+/// A name in the user's data directory that no file has yet; empty when all are taken.
+fs::path rescue_path(const std::string& path) {
+    const fs::path folder = fs::path(platform().paths().data_directory()) / "rescue";
+    const std::string name = fs::path(path).filename().string();
+    const std::string extension = fs::path(name).extension().string();
+    const std::string stem = name.substr(0, name.size() - extension.size());
+    std::error_code error;
+    fs::create_directories(folder, error);
+    for (int n = 0; n < MOST_RESCUES; ++n) {
+        const std::string ending = (n ? "-" + std::to_string(n) : "") + extension;
+        const size_t room = LONGEST_NAME - std::min(LONGEST_NAME, ending.size());
+        fs::path rescue = folder / (stem.substr(0, room) + ending);
+        if (!fs::exists(fs::symlink_status(rescue, error))) return rescue;
+    }
+    return {};
+}
+
+} // namespace
+
+int diskimg_attach(unsigned drive, const std::string& path) {
+    diskimg_detach(drive, false);
+    const FileIdentity identity = file_identity(path);
+    std::optional<std::vector<uint8_t>> bytes = read_whole_file(path);
+    if (!bytes || bytes->empty()) return 0;
+    const uint64_t hash = content_hash(*bytes);
+    if (!wd1771_attach(drive, std::move(*bytes), access(path.c_str(), W_OK) != 0)) return 0;
+    drive_files[drive] = {path, identity, hash};
+    return 1;
+}
+
+bool diskimg_file_changed(unsigned drive) {
+    const disk_file& file = drive_files[drive];
+    std::error_code error;
+    if (!fs::exists(file.path, error)) return false;
+    const auto bytes = read_whole_file(file.path);
+    return !bytes || content_hash(*bytes) != file.hash;
+}
+
+int diskimg_write_back(unsigned drive) {
+    return replace_whole_file(drive_files[drive].path, drive_contents[drive].view()) ? 1 : 0;
+}
+
+std::optional<std::string> diskimg_rescue(unsigned drive) {
+    const std::string rescue = rescue_path(drive_files[drive].path).string();
+    if (rescue.empty() || !replace_whole_file(rescue, drive_contents[drive].view())) return {};
+    return rescue;
+}
+
+int diskimg_detach(unsigned drive, bool write_back) {
+    int result = 1;
+    if (write_back && diskimg_inserted(wd1771.disks[drive]) && !diskimg_write_back(drive)) {
+        const std::string reason = std::strerror(errno);
+        const std::optional<std::string> rescue = diskimg_rescue(drive);
+        report({.text = drive_files[drive].path + " cannot be written. " +
+                        (rescue ? "The disk is in " + *rescue
+                                : "No copy of the disk could be made: its contents are lost"),
+                .reason = reason});
+        result = 0;
+    }
+    wd1771_detach(drive);
+    drive_files[drive] = {};
+    return result;
+}
