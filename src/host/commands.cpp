@@ -14,11 +14,13 @@
 #include "host/disk_rom.h"
 #include "host/disks.h"
 #include "host/display.h"
+#include "host/hold.h"
 #include "host/menu.h"
 #include "host/messages.h"
 #include "host/screenshot.h"
 #include "host/shell.h"
 #include "host/status.h"
+#include "host/turn.h"
 #include "media/damage.h"
 #include "media/files/typed_text.h"
 #include "media/printer.h"
@@ -40,6 +42,7 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
+#include <memory>
 
 namespace {
 
@@ -110,8 +113,7 @@ void pause_machine() {
 }
 
 void restart_machine() {
-    platform().clock().sleep_ms(RESTART_WAIT);
-    machine_restart();
+    rest_shell(RESTART_WAIT, machine_restart);
 }
 
 void toggle_monitor() {
@@ -321,7 +323,7 @@ void select_disk(unsigned drive) {
 void handle_command(int id) {
     const CommandRow* row = find_command(id);
     if (!row) return;
-    const UserCommand failures_open_a_box;
+    const auto failures_open_a_box = std::make_shared<UserCommand>();
     sound_pause();
     if (row->flag) {
         *row->flag = !*row->flag;
@@ -329,8 +331,10 @@ void handle_command(int id) {
     }
     if (row->run) row->run();
     if (id == COMMAND_EXIT) return;
-    if (g_bActive) sound_resume();
-    reset_timer();
+    when_free([failures_open_a_box] {
+        if (g_bActive) sound_resume();
+        reset_timer();
+    });
 }
 
 int host_breakpoint_reached() {

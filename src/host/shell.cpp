@@ -24,17 +24,16 @@
 #include "host/prefs.h"
 #include "host/screen_text.h"
 #include "host/status.h"
+#include "host/turn.h"
 #include "media/printer.h"
 #include "media/tape.h"
 #include "media/traps.h"
-#include "monitor/monitor.h"
 #include "platform/platform.h"
 #include "sound/output/sound_output.h"
 #include "sound/output/sound_ring.h"
 #include "sound/ym2149.h"
 #include "wall/machine_host.h"
 
-#include <cstdlib>
 #include <string>
 
 bool g_bActive = true;
@@ -52,54 +51,6 @@ std::string avi_name;
 namespace {
 
 constexpr const char* WINDOW_TITLE = "Tarvelin - EACA EG2000 Colour Genie emulator";
-constexpr int WHEEL_NOTCH = 120;
-constexpr int WHEEL_SCALE = 256;
-
-/// Run-in-background keeps the machine going while another program is active.
-void application_activated(bool active) {
-    g_bActive = !g_bPaused && !g_bDebug && (g_bRunInBackground || active);
-    reset_timer();
-}
-
-void paint() {
-    if (g_bDebug) return monitor_update();
-    update_screen(1);
-    reset_timer();
-}
-
-void wheel_turned(int delta) {
-    if (!g_bDebug) return;
-    const int notches = delta / WHEEL_NOTCH;
-    step_dir_rows(notches < 0 ? 1 : -1, std::abs(notches * WHEEL_SCALE / WHEEL_NOTCH));
-}
-
-void key_pressed(const Event& event) {
-    const UserCommand failures_open_a_box;
-    const int command = accelerator_command(event.value, event.modifiers);
-    if (command) return handle_command(command);
-    handle_key(event);
-}
-
-void file_dropped(const std::string& path) {
-    const UserCommand failures_open_a_box;
-    autostart_file(path);
-    reset_timer();
-}
-
-/// Whoever chooses another layout wants its characters: the symbolic mapping is on from then on, as
-/// long as the program runs.
-void layout_changed(bool by_user) {
-    if (by_user) g_KeyMapping = true;
-    keyboard_init();
-    keyboard_change_mapping(g_KeyMapping);
-    check_menu_item(COMMAND_SYMBOLIC_KEYS, g_KeyMapping);
-}
-
-void leave_menu() {
-    reset_timer();
-    sound_resume();
-    keyboard_reset();
-}
 
 /// A file that is started tells by itself what is wrong with it.
 void tell_what_is_left_out(const CommandLine& line) {
@@ -119,6 +70,7 @@ void activate_unless_held() { g_bActive = !g_bPaused && !g_bDebug; }
 
 void emu_init(const CommandLine& line) {
     connect_machine();
+    take_immediate_events();
     const std::string data_directory = platform().paths().data_directory();
     CreateStatusBar();
     emu_path = platform().paths().program_directory() + "/";
@@ -176,53 +128,6 @@ void emu_close() {
     keyboard_type_reset();
     dib_destroy(canvas);
     prefs_done();
-}
-
-void WindowProcedure(const Event& event) {
-    switch (event.kind) {
-    case Event::Kind::close:
-        platform().window().destroy();
-        platform().events().post_quit(0);
-        break;
-    case Event::Kind::moved: reset_timer(); break;
-    case Event::Kind::resized:
-        StatusBarRedraw();
-        reset_timer();
-        break;
-    case Event::Kind::focus: update_screen(1); break;
-    case Event::Kind::paint: paint(); break;
-    case Event::Kind::activate: application_activated(event.value != 0); break;
-    case Event::Kind::layout_changed: layout_changed(event.value != 0); break;
-    case Event::Kind::key_down: key_pressed(event); break;
-    case Event::Kind::command: handle_command(event.value); break;
-    case Event::Kind::double_click: handle_command(COMMAND_GIANT_SCREEN); break;
-    case Event::Kind::wheel: wheel_turned(event.value); break;
-    case Event::Kind::menu_loop_enter: sound_pause(); break;
-    case Event::Kind::menu_loop_exit: leave_menu(); break;
-    case Event::Kind::drop: file_dropped(event.text); break;
-    case Event::Kind::draw_status: led_redraw(1); break;
-    case Event::Kind::none:
-    case Event::Kind::quit: break;
-    }
-}
-
-int run_message_loop() {
-    Events& events = platform().events();
-    for (;;) {
-        const bool halted = !g_bActive;
-        if (halted) main_disk_keep_journals(); // nobody knows for how long
-        const Event event = halted ? events.wait() : events.poll();
-        if (event.kind == Event::Kind::quit) return event.value;
-        if (event.kind == Event::Kind::none) {
-            if (halted) continue;
-            paced_frame_step();
-            main_disk_keep_journals_when_due();
-            continue;
-        }
-        main_disk_keep_journals(); // the message may open a dialog
-        WindowProcedure(event);
-        if (halted) reset_timer();
-    }
 }
 
 int run_shell(const CommandLine& line) {

@@ -1,9 +1,9 @@
 #pragma once
-/// The application shell: start-up in a fixed order, the message loop, the window procedure,
-/// shutdown.
+/// The application shell: start-up in a fixed order, shutdown, and whether the machine runs.
 
 #include "host/command_line.h"
-#include "platform/events.h"
+
+#include <string>
 
 extern bool g_bActive;                ///< frames are run in idle time
 extern bool g_bPaused;                ///< by the user
@@ -22,12 +22,8 @@ int run_shell(const CommandLine& line);
 
 /// Starts everything that needs the window, up to the command line's file.
 void emu_init(const CommandLine& line = {});
-/// Messages first, a paced frame in every idle moment. Returns the exit code.
-int run_message_loop();
 /// Ends recordings, keeps the settings, asks for changed disks, and closes what emu_init opened.
 void emu_close();
-/// Handles one message. The quit message is the loop's.
-void WindowProcedure(const Event& event);
 
 /// Pause and monitor have toggled their flag: run when the machine stood still before and neither
 /// holds it now.

@@ -8,8 +8,6 @@ struct Clock {
     virtual int64_t counter() = 0;
     /// Counts per second.
     virtual int64_t frequency() = 0;
-    /// Gives the processor up for at least so long.
-    virtual void sleep_ms(uint32_t milliseconds) = 0;
     /// Hz, or 0 when the host does not know.
     virtual uint32_t refresh_rate() = 0;
 };

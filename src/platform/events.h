@@ -8,24 +8,21 @@ enum Modifier : uint8_t { MODIFIER_SHIFT = 1, MODIFIER_CONTROL = 2, MODIFIER_ALT
 /// A message for the main loop.
 struct Event {
     enum class Kind : uint8_t {
-        none,            ///< there was no message
-        quit,            ///< value: exit code
-        close,           ///< the user wants to close the window
-        moved,           ///< the window was moved
-        resized,         ///< the window's size changed
-        focus,           ///< the window got the keyboard
-        paint,           ///< the client area has to be drawn again
-        activate,        ///< value: 1 the program became the active one, 0 another did
-        layout_changed,  ///< the keyboard layout is another one; value: 1 the user changed it here,
-                         ///< 0 it came with the program's start or with the focus
-        key_down,        ///< value: HostKey; accelerators are not taken out yet
-        command,         ///< value: id of the menu item chosen
-        double_click,    ///< left button, in the client area
-        wheel,           ///< value: 120 per notch, positive away from the user
-        menu_loop_enter, ///< a menu was opened: the program stands still meanwhile
-        menu_loop_exit,
-        drop,       ///< text: path of the first file dropped
-        draw_status ///< the owner-drawn part of the status bar has to be drawn again
+        none,           ///< there was no message
+        quit,           ///< value: exit code
+        close,          ///< the user wants to close the window
+        moved,          ///< the window was moved
+        resized,        ///< the window's size changed
+        focus,          ///< the window got the keyboard
+        paint,          ///< the client area has to be drawn again
+        activate,       ///< value: 1 the program became the active one, 0 another did
+        layout_changed, ///< the keyboard layout is another one; value: 1 the user changed it here,
+                        ///< 0 it came with the program's start or with the focus
+        key_down,       ///< value: HostKey; accelerators are not taken out yet
+        command,        ///< value: id of the menu item chosen
+        double_click,   ///< left button, in the client area
+        wheel,          ///< value: 120 per notch, positive away from the user
+        drop            ///< text: path of the first file dropped
     };
     Kind kind = Kind::none;
     int value = 0;
@@ -33,13 +30,29 @@ struct Event {
     std::string text;
 };
 
+/// What the host tells at once, from whatever it does at that moment. Nothing here runs or changes
+/// the machine.
+struct EventSink {
+    virtual ~EventSink() = default;
+    /// A menu was opened: the program stands still until it is closed again. A host may run a loop
+    /// of its own meanwhile.
+    virtual void loop_begins() = 0;
+    virtual void loop_ends() = 0;
+    /// The drawn part of the status bar is blank.
+    virtual void draw_status() = 0;
+};
+
 /// The message queue of the program's one thread.
 struct Events {
     virtual ~Events() = default;
-    /// Takes a waiting message; kind none when there is none.
+    /// Who is told at once, from now on. It must outlive the platform.
+    virtual void set_sink(EventSink& sink) = 0;
+    /// Takes a waiting message; kind none when there is none. Never blocks.
     virtual Event poll() = 0;
-    /// Blocks, without using processor time, until a message comes.
-    virtual Event wait() = 0;
+    /// Blocks, without using processor time, until something may have happened, or for so many
+    /// microseconds, or NO_LIMIT. Takes no message.
+    virtual void wait(int64_t microseconds) = 0;
+    static constexpr int64_t NO_LIMIT = -1;
     /// A quit message behind all that wait.
     virtual void post_quit(int exit_code) = 0;
     /// Any other message behind all that wait.

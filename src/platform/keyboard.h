@@ -23,6 +23,9 @@ struct HostKeyboard {
     virtual std::optional<KeyForCharacter> key_for(char character) = 0;
     /// Takes every key for released.
     virtual void release_all() = 0;
+    /// A key that was let go since it was pressed counts as down until here: the machine, which
+    /// looks at the keys while it runs, has had its chance.
+    virtual void release_tapped() = 0;
 };
 
 /// Virtual-key codes. Letters and digits are their ASCII codes.

@@ -5,7 +5,7 @@
 #include <string>
 
 /// The bar at the bottom of the client area. One part is drawn by the program, on request of a
-/// draw_status message; coordinates count from the bar's top left corner.
+/// draw_status event; coordinates count from the bar's top left corner.
 struct StatusBar {
     virtual ~StatusBar() = default;
     /// Creates the bar with parts that end at `right_edges`; -1 reaches to the window's edge. False

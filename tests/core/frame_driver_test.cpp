@@ -6,6 +6,7 @@
 #include "core/pacing/pacing.h"
 #include "platform/headless/headless.h"
 #include "support/fake_host.h"
+#include "support/paced_frames.h"
 #include "z80/z80.h"
 
 #include <gtest/gtest.h>
@@ -50,7 +51,7 @@ protected:
     void step(int frames, int64_t ns) {
         for (int frame = 0; frame < frames; ++frame) {
             host->advance_ns(ns);
-            paced_frame_step();
+            run_paced_frame();
         }
     }
 

@@ -447,7 +447,7 @@ TEST_F(DiskJournalTest, KilledAtAnyMomentOnlyTheLastSecondIsMissing) {
         if (child == 0) {
             type("RUN\r");
             for (size_t frame = 0; frame < history->states.size(); ++frame) {
-                paced_frame_step();
+                run_paced_frame();
                 history->states[frame] = {pacing.elapsed_counter,
                                           content_hash(drive_contents[0].view())};
                 history->count = frame + 1;

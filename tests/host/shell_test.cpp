@@ -217,7 +217,7 @@ TEST_F(ShellTest, ActivationRule) {
 TEST_F(ShellTest, HaltedTimeIsNotCaughtUp) {
     start();
     const int64_t frame = frame_budget();
-    for (int n = 0; n < 10; ++n) paced_frame_step();
+    for (int n = 0; n < 10; ++n) run_paced_frame();
     const int64_t cycles = z80_state.t_count;
     const int64_t slept = host->slept_ms();
     EXPECT_EQ(slept, 161) << "the tenth frame began at 180 ms less one frame's lead";
@@ -227,7 +227,7 @@ TEST_F(ShellTest, HaltedTimeIsNotCaughtUp) {
     EXPECT_EQ(run_message_loop(), 0);
     EXPECT_EQ(z80_state.t_count, cycles);
     send(Event::Kind::activate, 1);
-    for (int n = 0; n < 10; ++n) paced_frame_step();
+    for (int n = 0; n < 10; ++n) run_paced_frame();
     EXPECT_NEAR(double(z80_state.t_count - cycles), double(10 * frame), 40);
     EXPECT_EQ(host->slept_ms() - slept, 161) << "no burst after a minute";
     emu_close();
@@ -249,8 +249,10 @@ TEST_F(ShellTest, MessagesReachTheirHandlers) {
     EXPECT_TRUE(g_GiantScreen);
     send(Event::Kind::double_click);
     host->set_key('A', true);
-    send(Event::Kind::menu_loop_enter);
-    send(Event::Kind::menu_loop_exit);
+    host->sink().loop_begins();
+    EXPECT_EQ(shell_turn().next, ShellTurn::Next::on_event) << "no frame while a menu is open";
+    host->sink().loop_ends();
+    EXPECT_EQ(shell_turn().next, ShellTurn::Next::now);
     EXPECT_EQ(keyboard_read(1), 0) << "no key is stuck after a menu";
     using enum Event::Kind;
     for (const auto& [kind, value, symbolic] :

@@ -39,7 +39,7 @@ protected:
         run_frames(3);
     }
     static void run_frames(int count) {
-        for (int n = 0; n < count; ++n) paced_frame_step();
+        for (int n = 0; n < count; ++n) run_paced_frame();
     }
 
     void choose(const std::string& path) { host->dialogs().choices.push_back({{path, 0}}); }
@@ -95,7 +95,7 @@ std::vector<Stop> TourTest::stops() {
         for (int n = 0; n < 100; ++n) tape_set_motor(n % 2 == 0, z80_state.t_count + n * 1000);
     };
     std::vector<Stop> list = {
-        {102, nothing, [this] { EXPECT_EQ(host->events().wait().kind, Event::Kind::close); }},
+        {102, nothing, [this] { EXPECT_EQ(host->events().poll().kind, Event::Kind::close); }},
         {40130,
          [this] {
              report({.text = "lost", .file = "a.cas", .reason = "cut short"});
@@ -294,12 +294,13 @@ void TourTest::visit(const Stop& stop, const Event& event) {
     start();
     stop.prepare();
     WindowProcedure(event);
+    turn_until_free();
     stop.check();
     EXPECT_EQ(host->status_text(3).find("not available"), std::string::npos);
     EXPECT_TRUE(host->dialogs().choices.empty() && host->forms().acts.empty()) << "nobody asked";
     EXPECT_EQ(g_bActive, !stop.halts);
     const int64_t cycles = z80_state.t_count;
-    paced_frame_step();
+    run_paced_frame();
     EXPECT_GT(z80_state.t_count, cycles) << "it runs on";
     if (g_bFullScreen) toggle_full_screen();
     tape_close_wav();

@@ -1,10 +1,13 @@
 #pragma once
 /// The whole program, with its settings in a file.
 
+#include "host/hold.h"
 #include "host/menu.h"
 #include "host/shell.h"
+#include "host/turn.h"
 #include "platform/settings_file.h"
 #include "support/host_files.h"
+#include "support/paced_frames.h"
 #include "support/program_options.h"
 
 #include <optional>
@@ -28,6 +31,10 @@ protected:
         ASSERT_TRUE(host->window().create("start"));
         create_menu();
         emu_init(read_command_line(arguments));
+    }
+    /// Turns until nothing holds the shell any more.
+    void turn_until_free() {
+        while (shell_is_held()) host->events().wait(shell_turn().microseconds);
     }
     /// What the settings file holds, read by a store of its own.
     static std::optional<std::string> stored_text(const std::string& name) {

@@ -10,7 +10,9 @@
 #include "host/menu.h"
 #include "host/shell.h"
 #include "host/status.h"
+#include "host/turn.h"
 #include "platform/headless/headless.h"
+#include "support/paced_frames.h"
 #include "support/program_options.h"
 #include "wall/machine_host.h"
 #include "z80/z80.h"
@@ -404,12 +406,12 @@ TEST_F(Breakpoint, StopsPausedFramesAndThePacedOnes) {
     z80_state.pc = 0xA000; // something else than an instruction leads to the breakpoint
     z80_cpu_set_breakpoint(0xA000);
     const int32_t ticks = pacing.ticks;
-    paced_frame_step();
+    run_paced_frame();
     EXPECT_EQ(z80_state.pc, 0xA000);
     EXPECT_TRUE(g_bDebug);
     EXPECT_EQ(pacing.ticks, ticks);
     press(KEY_ESCAPE);
-    paced_frame_step();
+    run_paced_frame();
     EXPECT_NE(z80_state.pc, 0xA000);
     EXPECT_EQ(pacing.ticks, ticks + 1);
 

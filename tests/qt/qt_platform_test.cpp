@@ -26,10 +26,19 @@ namespace {
 
 constexpr Qt::KeyboardModifiers NO_MODIFIERS;
 
+struct Told final : EventSink {
+    void loop_begins() override { menus += "("; }
+    void loop_ends() override { menus += ")"; }
+    void draw_status() override { ++status_draws; }
+    std::string menus;
+    int status_draws = 0;
+} told;
+
 class QtPlatformTest : public OffscreenTest {
 protected:
     static void SetUpTestSuite() {
         OffscreenTest::SetUpTestSuite();
+        host->events().set_sink(told);
         host->window().set_menu(
             {{0, "&Menu", {{7, "&Item\tAlt+T", {}, true}, {8, "Other", {}, false}}, false}});
         for (QWidget* widget : QApplication::topLevelWidgets()) {
@@ -190,8 +199,8 @@ TEST_F(QtPlatformTest, TapIsDownUntilTheProgramHasRun) {
     }
     EXPECT_EQ(host->events().poll().kind, Event::Kind::key_down);
     EXPECT_EQ(host->events().poll().kind, Event::Kind::none);
-    EXPECT_TRUE(host->keyboard().is_down('A')); // the machine runs now
-    host->events().poll();
+    EXPECT_TRUE(host->keyboard().is_down('A'));
+    host->keyboard().release_tapped();
     EXPECT_FALSE(host->keyboard().is_down('A'));
 
     send_key(QEvent::KeyPress, Qt::Key_B);
@@ -236,8 +245,8 @@ TEST_F(QtPlatformTest, ClosingIsTheProgramsDecision) {
     frame->close();
     EXPECT_TRUE(frame->isVisible());
     host->events().post_quit(3);
-    EXPECT_EQ(host->events().wait().kind, Event::Kind::close);
-    const Event quit = host->events().wait();
+    EXPECT_EQ(host->events().poll().kind, Event::Kind::close);
+    const Event quit = host->events().poll();
     EXPECT_EQ(quit.kind, Event::Kind::quit);
     EXPECT_EQ(quit.value, 3);
 }
@@ -325,7 +334,7 @@ TEST_F(QtPlatformTest, StatusBarIsTheBottomOfTheClientArea) {
     EXPECT_EQ(reader->text(QAccessible::Name), "Status bar");
     EXPECT_EQ(reader->child(2)->text(QAccessible::Name), "Tape & more");
     fit({40, 60});
-    EXPECT_FALSE(drain(Event::Kind::draw_status).empty());
+    EXPECT_GT(told.status_draws, 0);
     bar.fill_rectangle({5, 6, 15, 8}, 0xFF0000);
     EXPECT_EQ(pixel(12, 60 - height + 7), 0xFF0000u);
     EXPECT_NE(pixel(7, 60 - height + 7), 0xFF0000u) << "another part";

@@ -22,6 +22,7 @@
 #include "media/wd1771.h"
 #include "platform/headless/headless.h"
 #include "sound/output/sound_ring.h"
+#include "support/paced_frames.h"
 #include "z80/z80.h"
 
 #include <unistd.h>
@@ -254,7 +255,7 @@ void Soak::check_sample_count() {
 }
 
 void Soak::paced_frame() {
-    paced_frame_step();
+    run_paced_frame();
     count_frame();
 }
 

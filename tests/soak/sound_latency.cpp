@@ -16,6 +16,7 @@
 #include "platform/headless/headless.h"
 #include "platform/sdl/sdl_audio.h"
 #include "sound/ym2149.h"
+#include "support/paced_frames.h"
 #include "z80/z80.h"
 
 #include <algorithm>
@@ -100,7 +101,7 @@ int main(int count, char** arguments) {
     start = sound_device_now();
     reset_timer();
     const double end = start + START_UP + std::atof(arguments[1]) * 60;
-    while (sound_device_now() < end) paced_frame_step();
+    while (sound_device_now() < end) run_paced_frame();
     emu_close();
 
     const std::vector<double> found = latencies();

@@ -25,16 +25,21 @@ pacing_calls pacing_host = {
 
 namespace {
 
-constexpr uint32_t FALLBACK_REFRESH = 100; ///< Hz, when the host does not know
+constexpr uint32_t FALLBACK_REFRESH = 100;  ///< Hz, when the host does not know
+constexpr int64_t MICROSECONDS = 1'000'000; ///< in a second
+
+/// How far the step of the present frame has come.
+enum class Step : uint8_t { none, run, shown };
+Step step = Step::none;
 
 void look_at_clock() { pacing.elapsed_counter = platform().clock().counter(); }
 
-/// Lets the emulation stand at most one frame period ahead of real time.
-void wait_for_real_time() {
-    while (pacing.elapsed_temp - pacing.elapsed_counter >= pacing.frame_period) {
-        platform().clock().sleep_ms(1);
-        look_at_clock();
-    }
+/// The emulation stands at most one frame period ahead of real time. 0 when it does.
+int64_t microseconds_ahead() {
+    if (!g_Timer) return 0;
+    const int64_t ahead = pacing.elapsed_temp - pacing.elapsed_counter - pacing.frame_period + 1;
+    const int64_t frequency = pacing.two_seconds / 2;
+    return ahead <= 0 ? 0 : (ahead * MICROSECONDS + frequency - 1) / frequency;
 }
 
 void report_speed_when_due() {
@@ -82,15 +87,29 @@ void do_some_frames(int count) {
     }
 }
 
-void paced_frame_step() {
-    if (!machine_run()) return;
-    run_timed_events();
+int64_t paced_frame_step() {
+    if (step == Step::none) {
+        if (!machine_run()) return 0;
+        platform().keyboard().release_tapped();
+        run_timed_events();
+        step = Step::run;
+    }
     look_at_clock();
-    if (g_Timer) wait_for_real_time();
+    if (const int64_t ahead = microseconds_ahead()) return ahead;
+    show_paced_frame();
+    step = Step::none;
+    pacing.elapsed_temp += pacing.frame_period;
+    return 0;
+}
+
+bool paced_frame_waits() { return step == Step::run; }
+
+void show_paced_frame() {
+    if (step != Step::run) return;
+    step = Step::shown;
     ++pacing.ticks;
     report_speed_when_due();
     update_screen_when_due();
-    pacing.elapsed_temp += pacing.frame_period;
     tape_update_counter(z80_state.t_count);
 }
 
@@ -114,6 +133,7 @@ void timer_recalibrate_fps(uint32_t screen_frequency) {
 }
 
 void reset_timer() {
+    step = Step::none;
     look_at_clock();
     pacing.next_frame = pacing.elapsed_counter;
     pacing.next_measure = pacing.elapsed_counter + pacing.two_seconds;

@@ -51,15 +51,22 @@ void do_some_frames(int count);
 /// Takes a timed screenshot that fell due before there was a canvas, unless the shutdown came
 /// first.
 void take_late_screenshot();
-/// One frame, waiting and screen update included: the body of the idle loop.
-void paced_frame_step();
+/// One frame, screen update included: the body of the idle loop. Runs the machine and returns the
+/// microseconds after which to call again, where real time has to catch up first; then shows the
+/// frame. 0 when the frame is complete, or the machine stands at the breakpoint.
+int64_t paced_frame_step();
+/// A frame has been run and waits for real time.
+bool paced_frame_waits();
+/// Shows the frame that waits, for whatever is to happen after it. What is left of its time still
+/// has to pass.
+void show_paced_frame();
 
 /// Reads the clock's frequency and the display's refresh rate, and starts pacing for the active
 /// configuration; once, when the platform is there.
 void init_timers();
 /// Starts pacing for so many frames per second, above 0.
 void timer_recalibrate_fps(uint32_t screen_frequency);
-/// Restarts pacing from now, so that halted time is not caught up.
+/// Restarts pacing from now, so that halted time is not caught up. A frame that waits is over.
 void reset_timer();
 /// Speed report into the window title.
 void show_frame_rate();

@@ -33,12 +33,13 @@ public:
             .count();
     }
     int64_t frequency() override { return NS_PER_SECOND; }
-    void sleep_ms(uint32_t milliseconds) override {
-        slept_ms += milliseconds;
+    /// Virtual time passes by a millisecond, and whoever waits looks at the clock again.
+    void sleep(int64_t microseconds) {
         if (real_time_) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
+            std::this_thread::sleep_for(std::chrono::microseconds(microseconds));
         } else {
-            now_ += milliseconds * NS_PER_MS;
+            ++slept_ms;
+            now_ += NS_PER_MS;
         }
     }
     uint32_t refresh_rate() override { return refresh_; }
@@ -62,6 +63,9 @@ Event quit_event(int exit_code) {
 
 class HeadlessEvents final : public Events {
 public:
+    explicit HeadlessEvents(HeadlessClock& clock) : clock_(clock) {}
+
+    void set_sink(EventSink& given) override { sink = &given; }
     Event poll() override {
         if (stop_signal) return quit_event(SIGNAL_STATUS + stop_signal);
         if (waiting.empty()) return {};
@@ -70,9 +74,9 @@ public:
         return event;
     }
     /// Nothing ever comes from outside: an empty queue that is waited for is the end of the run.
-    Event wait() override {
-        Event event = poll();
-        return event.kind == Event::Kind::none ? quit_event(0) : event;
+    void wait(int64_t microseconds) override {
+        if (microseconds != NO_LIMIT) return clock_.sleep(microseconds);
+        if (waiting.empty()) waiting.push_back(quit_event(0));
     }
     void post_quit(int exit_code) override {
         quit_posted = true;
@@ -81,7 +85,11 @@ public:
     void post(const Event& event) override { waiting.push_back(event); }
 
     std::deque<Event> waiting;
+    EventSink* sink = nullptr;
     bool quit_posted = false;
+
+private:
+    HeadlessClock& clock_;
 };
 
 class HeadlessPaths final : public Paths {
@@ -109,7 +117,7 @@ struct HeadlessPlatform::State {
     HeadlessClock clock;
     HeadlessAudio audio{[this] { return clock.now(); }};
     HeadlessDialogs dialogs;
-    HeadlessEvents events;
+    HeadlessEvents events{clock};
     HeadlessForms forms;
     HeadlessJoysticks joysticks;
     HeadlessKeyboard keyboard;
@@ -151,6 +159,7 @@ void HeadlessPlatform::release_all_keys() { state_->keyboard.release_all(); }
 void HeadlessPlatform::push_event(Event event) {
     state_->events.waiting.push_back(std::move(event));
 }
+EventSink& HeadlessPlatform::sink() { return *state_->events.sink; }
 bool HeadlessPlatform::quit_posted() const { return state_->events.quit_posted; }
 HeadlessSettings& HeadlessPlatform::settings_in_memory() { return state_->settings; }
 const std::string& HeadlessPlatform::title() const { return state_->window.caption; }

@@ -1,6 +1,6 @@
 #pragma once
 /// A host without a display: no window, the same shell. Time is virtual unless real pacing is asked
-/// for: it passes only when the program sleeps or looks at the clock, so that a run is exactly
+/// for: it passes only when the program waits or looks at the clock, so that a run is exactly
 /// repeatable. Keys, joysticks, answers to dialogs and messages are what its driver sets; each
 /// service is a record that the driver may look into.
 
@@ -56,6 +56,7 @@ public:
     void set_key(uint8_t key, bool down);
     void release_all_keys();
     void push_event(Event event);
+    EventSink& sink(); ///< once the program has given one
     bool quit_posted() const;
     HeadlessSettings& settings_in_memory(); ///< unused while there is a settings file
     const std::string& title() const;

@@ -17,6 +17,7 @@ struct HeadlessKeyboard final : public HostKeyboard {
     bool control_is_held() override { return down[KEY_CONTROL]; }
     std::optional<KeyForCharacter> key_for(char character) override;
     void release_all() override { down.reset(); }
+    void release_tapped() override {}
 
     std::bitset<256> down;
     HeadlessLayout layout = headless_us_layout();

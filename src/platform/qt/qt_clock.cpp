@@ -4,7 +4,6 @@
 
 #include <chrono>
 #include <cmath>
-#include <thread>
 
 int64_t QtClock::counter() {
     const auto since_start = std::chrono::steady_clock::now().time_since_epoch();
@@ -12,10 +11,6 @@ int64_t QtClock::counter() {
 }
 
 int64_t QtClock::frequency() { return 1'000'000'000; }
-
-void QtClock::sleep_ms(uint32_t milliseconds) {
-    std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
-}
 
 uint32_t QtClock::refresh_rate() {
     const QScreen* screen = window_.screen();

@@ -7,7 +7,6 @@ public:
     explicit QtClock(QtWindow& window) : window_(window) {}
     int64_t counter() override;
     int64_t frequency() override;
-    void sleep_ms(uint32_t milliseconds) override;
     uint32_t refresh_rate() override;
 
 private:

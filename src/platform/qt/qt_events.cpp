@@ -6,6 +6,7 @@
 #include <QMenuBar>
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 namespace {
@@ -26,34 +27,35 @@ void leave_idle_menu_bar() {
 
 } // namespace
 
+QtEvents::QtEvents() {
+    limit_.setSingleShot(true);
+    limit_.setTimerType(Qt::PreciseTimer);
+}
+
 void QtEvents::pump(QEventLoop::ProcessEventsFlags flags) {
-    if (std::exchange(found_empty_, false) && idle_hook_) idle_hook_();
+    if (pump_hook_) pump_hook_();
     if (!queue_.empty()) return;
     QCoreApplication::processEvents(flags);
     leave_idle_menu_bar();
     set_menu_open(menu_is_pulled_down() || focused_menu_bar());
 }
 
-Event QtEvents::take() {
+Event QtEvents::poll() {
+    if (queue_.empty()) pump(QEventLoop::AllEvents);
+    if (queue_.empty()) return {};
     Event event = std::move(queue_.front());
     queue_.pop_front();
     return event;
 }
 
-Event QtEvents::poll() {
-    if (queue_.empty()) pump(QEventLoop::AllEvents);
-    while (queue_.empty() && menu_open_) pump(QEventLoop::WaitForMoreEvents);
-    if (!queue_.empty()) return take();
-    found_empty_ = true;
-    return {};
-}
-
-Event QtEvents::wait() {
-    while (queue_.empty()) {
-        found_empty_ = true;
-        pump(QEventLoop::WaitForMoreEvents);
+void QtEvents::wait(int64_t microseconds) {
+    if (!queue_.empty()) return;
+    if (microseconds != NO_LIMIT) {
+        limit_.start(
+            std::chrono::ceil<std::chrono::milliseconds>(std::chrono::microseconds(microseconds)));
     }
-    return take();
+    pump(QEventLoop::WaitForMoreEvents);
+    limit_.stop();
 }
 
 void QtEvents::post_quit(int exit_code) { post(Event::Kind::quit, exit_code); }
@@ -74,7 +76,12 @@ void QtEvents::post_once(Event::Kind kind) {
 
 void QtEvents::set_menu_open(bool open) {
     if (std::exchange(menu_open_, open) == open) return;
-    post(open ? Event::Kind::menu_loop_enter : Event::Kind::menu_loop_exit);
+    if (!sink_) return;
+    open ? sink_->loop_begins() : sink_->loop_ends();
 }
 
-void QtEvents::set_idle_hook(std::function<void()> hook) { idle_hook_ = std::move(hook); }
+void QtEvents::draw_status() {
+    if (sink_) sink_->draw_status();
+}
+
+void QtEvents::set_pump_hook(std::function<void()> hook) { pump_hook_ = std::move(hook); }

@@ -2,16 +2,19 @@
 #include "platform/events.h"
 
 #include <QEventLoop>
+#include <QTimer>
 
 #include <deque>
 #include <functional>
 
-/// The program's own queue. Qt is asked for more only when it is empty. While a menu is open, poll
-/// blocks, too: the program stands still.
+/// The program's own queue. Qt is asked for more only when it is empty.
 class QtEvents final : public Events {
 public:
+    QtEvents();
+
+    void set_sink(EventSink& sink) override { sink_ = &sink; }
     Event poll() override;
-    Event wait() override;
+    void wait(int64_t microseconds) override;
     void post_quit(int exit_code) override;
     void post(const Event& event) override;
 
@@ -20,15 +23,16 @@ public:
     void post_once(Event::Kind kind);
     /// Reports a menu's opening or closing, when that is a change.
     void set_menu_open(bool open);
-    /// Called before Qt is asked again after the program has found the queue empty.
-    void set_idle_hook(std::function<void()> hook);
+    void draw_status();
+    /// Called before Qt is asked.
+    void set_pump_hook(std::function<void()> hook);
 
 private:
     void pump(QEventLoop::ProcessEventsFlags flags);
-    Event take();
 
     std::deque<Event> queue_;
-    std::function<void()> idle_hook_;
+    EventSink* sink_ = nullptr;
+    std::function<void()> pump_hook_;
+    QTimer limit_; ///< of a wait; it only wakes Qt up
     bool menu_open_ = false;
-    bool found_empty_ = false;
 };

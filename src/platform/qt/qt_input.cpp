@@ -70,11 +70,7 @@ void QtInput::key_pressed(QKeyEvent& event) {
     const bool repeat = event.isAutoRepeat() || is_held(event);
     if (!repeat && event.nativeScanCode()) held_.push_back(event.nativeScanCode());
     // A command's key is not the machine's, not even when its Alt goes up first.
-    if (!repeat && !is_claimed(event)) {
-        release_tap(key_source(event));
-        keyboard_.key_event(event, true);
-        pressed_.push_back(key_source(event));
-    }
+    if (!repeat && !is_claimed(event)) keyboard_.key_event(event, true);
     Event message;
     message.kind = Event::Kind::key_down;
     message.value = keyboard_.virtual_key(event);
@@ -87,34 +83,12 @@ void QtInput::key_pressed(QKeyEvent& event) {
 void QtInput::key_released(QKeyEvent& event) {
     if (event.isAutoRepeat()) return;
     std::erase(held_, event.nativeScanCode());
-    // The machine looks at the keys only while the program runs: a tap in between is kept for it.
-    if (std::ranges::find(pressed_, key_source(event)) != pressed_.end()) {
-        tapped_.emplace_back(event.clone());
-    } else {
-        keyboard_.key_event(event, false);
-    }
-}
-
-/// A key that was tapped and is pressed again before the machine has looked.
-void QtInput::release_tap(uint64_t source) {
-    const auto tap =
-        std::ranges::find(tapped_, source, [](const auto& event) { return key_source(*event); });
-    if (tap == tapped_.end()) return;
-    keyboard_.key_event(**tap, false);
-    tapped_.erase(tap);
-}
-
-void QtInput::release_tapped() {
-    for (const std::unique_ptr<QKeyEvent>& event : tapped_) keyboard_.key_event(*event, false);
-    tapped_.clear();
-    pressed_.clear();
+    keyboard_.key_event(event, false);
 }
 
 void QtInput::focus_changed(const QFocusEvent& event) {
     if (event.lostFocus()) {
         keyboard_.release_all();
-        tapped_.clear();
-        pressed_.clear();
         held_.clear();
     } else if (!is_of_menu(event.reason())) {
         events_.post(Event::Kind::focus);

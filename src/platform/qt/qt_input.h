@@ -6,7 +6,6 @@
 #include <QKeyEvent>
 #include <QObject>
 
-#include <memory>
 #include <span>
 #include <vector>
 
@@ -17,15 +16,12 @@ public:
     QtInput(QtEvents& events, QtKeyboard& keyboard);
 
     void claim(std::span<const KeyChord> chords);
-    /// Lets go of the keys that were tapped since the program last ran.
-    void release_tapped();
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     bool is_claimed(const QKeyEvent& event) const;
     bool is_held(const QKeyEvent& event) const;
-    void release_tap(uint64_t source);
     void key_pressed(QKeyEvent& event);
     void key_released(QKeyEvent& event);
     void focus_changed(const QFocusEvent& event);
@@ -34,8 +30,6 @@ private:
     QtEvents& events_;
     QtKeyboard& keyboard_;
     std::vector<KeyChord> claimed_;
-    std::vector<quint32> held_;     ///< scan codes of the keys that are down
-    std::vector<uint64_t> pressed_; ///< since the program last ran
-    std::vector<std::unique_ptr<QKeyEvent>> tapped_;
-    int wheel_angle_ = 0; ///< less than a notch
+    std::vector<quint32> held_; ///< scan codes of the keys that are down
+    int wheel_angle_ = 0;       ///< less than a notch
 };

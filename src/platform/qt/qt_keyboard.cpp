@@ -82,6 +82,11 @@ std::optional<KeyForCharacter> QtKeyboard::key_for(char character) {
 
 void QtKeyboard::release_all() { pressed_.clear(); }
 
+void QtKeyboard::release_tapped() {
+    std::erase_if(pressed_, [](const Pressed& pressed) { return pressed.tapped; });
+    for (Pressed& pressed : pressed_) pressed.fresh = false;
+}
+
 bool QtKeyboard::refresh() {
     update_layout();
     return std::exchange(changed_, false);
@@ -107,7 +112,8 @@ uint8_t QtKeyboard::key_of(const QKeyEvent& event) const {
 }
 
 bool QtKeyboard::is_held(const QKeyEvent& event) const {
-    return std::ranges::find(pressed_, key_source(event), &Pressed::source) != pressed_.end();
+    const auto found = std::ranges::find(pressed_, key_source(event), &Pressed::source);
+    return found != pressed_.end() && !found->tapped;
 }
 
 void QtKeyboard::key_event(const QKeyEvent& event, bool down) {
@@ -122,8 +128,9 @@ void QtKeyboard::key_event(const QKeyEvent& event, bool down) {
 void QtKeyboard::press(const QKeyEvent& event) {
     update_layout();
     const uint8_t key = key_of(event);
-    if (key == KEY_NONE) return;
-    pressed_.push_back({key_source(event), key});
+    const uint64_t source = key_source(event);
+    std::erase_if(pressed_, [=](const Pressed& tapped) { return tapped.source == source; });
+    if (key != KEY_NONE) pressed_.push_back({source, key});
 }
 
 /// A key goes up as what it went down as, even if the layout has changed since.
@@ -137,5 +144,10 @@ void QtKeyboard::release(const QKeyEvent& event) {
         found = std::find_if(pressed_.begin(), pressed_.end(),
                              [=](const Pressed& pressed) { return pressed.key == key; });
     }
-    if (found != pressed_.end()) pressed_.erase(found);
+    if (found == pressed_.end()) return;
+    if (found->fresh) {
+        found->tapped = true;
+    } else {
+        pressed_.erase(found);
+    }
 }

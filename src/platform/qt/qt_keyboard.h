@@ -22,6 +22,7 @@ public:
     bool control_is_held() override;
     std::optional<KeyForCharacter> key_for(char character) override;
     void release_all() override;
+    void release_tapped() override;
 
     /// Takes a press or a release of any window of the program; repeats are ignored.
     void key_event(const QKeyEvent& event, bool down);
@@ -33,8 +34,10 @@ public:
 
 private:
     struct Pressed {
-        uint64_t source; ///< see key_source
-        uint8_t key;     ///< what it was when it went down
+        uint64_t source;     ///< see key_source
+        uint8_t key;         ///< what it was when it went down
+        bool fresh = true;   ///< the machine has not looked since
+        bool tapped = false; ///< let go before it has
     };
 
     bool is_held(const QKeyEvent& event) const;

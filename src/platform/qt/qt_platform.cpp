@@ -108,8 +108,7 @@ struct QtPlatform::Services {
                              if (active) active_.start();
                              events.post(Event::Kind::activate, active);
                          });
-        events.set_idle_hook([this] {
-            input.release_tapped();
+        events.set_pump_hook([this] {
             if (!keyboard.refresh()) return;
             events.post(Event::Kind::layout_changed,
                         active_.isValid() && active_.hasExpired(LAYOUT_SETTLES));

@@ -35,7 +35,6 @@ void QtStatusBarWidget::lay_out() {
     setGeometry(0, client.height() - height, client.width(), height);
     for (int part = 0; has(part); ++part) parts_[size_t(part)]->setGeometry(area_of(part));
     update();
-    events_.post_once(Event::Kind::draw_status);
 }
 
 QRect QtStatusBarWidget::area_of(int part) const {
@@ -68,6 +67,7 @@ bool QtStatusBarWidget::eventFilter(QObject*, QEvent* event) {
 
 void QtStatusBarWidget::resizeEvent(QResizeEvent*) {
     drawing_ = plain_picture(size(), palette().color(QPalette::Window));
+    events_.draw_status();
 }
 
 void QtStatusBarWidget::paintEvent(QPaintEvent*) {

@@ -1,0 +1,14 @@
+#pragma once
+/// What holds the shell: while a dialog is open or the program rests, no frame is run and no
+/// message is handled. A host may open a dialog and return at once; whatever is to come behind it
+/// waits here until the shell is free.
+
+#include <functional>
+
+/// Every hold needs its release.
+void hold_shell();
+void release_shell();
+bool shell_is_held();
+/// Acts at once when nothing holds the shell, or else when it is free, in the order of the calls.
+/// What an act asks for itself comes before those that wait already.
+void when_free(std::function<void()> act);

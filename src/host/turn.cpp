@@ -1,0 +1,206 @@
+#include "host/turn.h"
+
+#include "cgenie/keyboard.h"
+#include "core/pacing/pacing.h"
+#include "host/autostart.h"
+#include "host/commands.h"
+#include "host/disks.h"
+#include "host/hold.h"
+#include "host/menu.h"
+#include "host/messages.h"
+#include "host/shell.h"
+#include "host/status.h"
+#include "monitor/monitor.h"
+#include "platform/platform.h"
+#include "sound/output/sound_ring.h"
+#include "wall/machine_host.h"
+
+#include <cstdlib>
+#include <deque>
+#include <optional>
+#include <utility>
+
+namespace {
+
+constexpr int WHEEL_NOTCH = 120;
+constexpr int WHEEL_SCALE = 256;
+constexpr int64_t MS_PER_SECOND = 1000;
+constexpr int64_t MICROSECONDS = 1'000'000; ///< in a second
+
+/// What is going on between two turns.
+struct {
+    std::deque<Event> messages;   ///< that have come and are not handled yet
+    std::optional<int> exit_code; ///< the quit message has come
+    bool menu_open = false;
+    bool menu_closed = false; ///< since the last turn
+    std::function<void()> after_rest;
+    int64_t rest_ends = 0; ///< by the host's clock
+} turn;
+
+class ShellSink final : public EventSink {
+public:
+    void loop_begins() override {
+        turn.menu_open = true;
+        sound_pause();
+    }
+    void loop_ends() override {
+        turn.menu_open = false;
+        turn.menu_closed = true;
+    }
+    void draw_status() override { led_redraw(1); }
+};
+ShellSink sink;
+
+void leave_menu() {
+    reset_timer();
+    sound_resume();
+    keyboard_reset();
+}
+
+/// Run-in-background keeps the machine going while another program is active.
+void application_activated(bool active) {
+    g_bActive = !g_bPaused && !g_bDebug && (g_bRunInBackground || active);
+    reset_timer();
+}
+
+void paint() {
+    if (g_bDebug) return monitor_update();
+    update_screen(1);
+    reset_timer();
+}
+
+void wheel_turned(int delta) {
+    if (!g_bDebug) return;
+    const int notches = delta / WHEEL_NOTCH;
+    step_dir_rows(notches < 0 ? 1 : -1, std::abs(notches * WHEEL_SCALE / WHEEL_NOTCH));
+}
+
+void key_pressed(const Event& event) {
+    const UserCommand failures_open_a_box;
+    const int command = accelerator_command(event.value, event.modifiers);
+    if (command) return handle_command(command);
+    handle_key(event);
+}
+
+void file_dropped(const std::string& path) {
+    const UserCommand failures_open_a_box;
+    autostart_file(path);
+    reset_timer();
+}
+
+/// Whoever chooses another layout wants its characters: the symbolic mapping is on from then on, as
+/// long as the program runs.
+void layout_changed(bool by_user) {
+    if (by_user) g_KeyMapping = true;
+    keyboard_init();
+    keyboard_change_mapping(g_KeyMapping);
+    check_menu_item(COMMAND_SYMBOLIC_KEYS, g_KeyMapping);
+}
+
+void handle(const Event& event) {
+    show_paced_frame();        // it came before the message
+    main_disk_keep_journals(); // the message may open a dialog
+    const bool halted = !g_bActive;
+    WindowProcedure(event);
+    if (halted) reset_timer();
+}
+
+/// While the shell is held, messages wait. Behind the quit message nothing is handled any more.
+void handle_messages() {
+    Events& events = platform().events();
+    for (;;) {
+        for (Event event = events.poll(); event.kind != Event::Kind::none; event = events.poll()) {
+            turn.messages.push_back(std::move(event));
+        }
+        if (turn.exit_code || shell_is_held() || turn.messages.empty()) return;
+        const Event event = std::move(turn.messages.front());
+        turn.messages.pop_front();
+        if (event.kind == Event::Kind::quit) {
+            turn.exit_code = event.value;
+        } else {
+            handle(event);
+        }
+    }
+}
+
+/// Microseconds, 0 when the rest is over or there is none.
+int64_t rest_left() {
+    if (!turn.after_rest) return 0;
+    const int64_t left = turn.rest_ends - platform().clock().counter();
+    return left <= 0 ? 0 : left * MICROSECONDS / platform().clock().frequency() + 1;
+}
+
+} // namespace
+
+void take_immediate_events() { platform().events().set_sink(sink); }
+
+void rest_shell(uint32_t milliseconds, std::function<void()> then) {
+    hold_shell();
+    Clock& clock = platform().clock();
+    turn.rest_ends = clock.counter() + milliseconds * clock.frequency() / MS_PER_SECOND;
+    turn.after_rest = std::move(then);
+}
+
+void WindowProcedure(const Event& event) {
+    switch (event.kind) {
+    case Event::Kind::close:
+        platform().window().destroy();
+        platform().events().post_quit(0);
+        break;
+    case Event::Kind::moved: reset_timer(); break;
+    case Event::Kind::resized:
+        StatusBarRedraw();
+        reset_timer();
+        break;
+    case Event::Kind::focus: update_screen(1); break;
+    case Event::Kind::paint: paint(); break;
+    case Event::Kind::activate: application_activated(event.value != 0); break;
+    case Event::Kind::layout_changed: layout_changed(event.value != 0); break;
+    case Event::Kind::key_down: key_pressed(event); break;
+    case Event::Kind::command: handle_command(event.value); break;
+    case Event::Kind::double_click: handle_command(COMMAND_GIANT_SCREEN); break;
+    case Event::Kind::wheel: wheel_turned(event.value); break;
+    case Event::Kind::drop: file_dropped(event.text); break;
+    case Event::Kind::none:
+    case Event::Kind::quit: break;
+    }
+}
+
+ShellTurn shell_turn() {
+    using enum ShellTurn::Next;
+    if (std::exchange(turn.menu_closed, false)) leave_menu();
+    handle_messages();
+    if (const int64_t left = rest_left()) return {.next = in_time, .microseconds = left};
+    if (turn.after_rest) {
+        std::exchange(turn.after_rest, nullptr)();
+        release_shell();
+        return {};
+    }
+    if (shell_is_held()) return {.next = on_event};
+    const bool halted = !g_bActive || turn.menu_open;
+    // The frame before the quit message is still shown at its time.
+    if (turn.exit_code && (halted || !paced_frame_waits())) {
+        return {.next = end, .exit_code = *std::exchange(turn.exit_code, {})};
+    }
+    if (!halted) {
+        const int64_t wait = paced_frame_step();
+        main_disk_keep_journals_when_due();
+        return {.next = wait ? in_time : now, .microseconds = wait};
+    }
+    main_disk_keep_journals(); // nobody knows for how long
+    platform().keyboard().release_tapped();
+    return {.next = on_event};
+}
+
+int run_message_loop() {
+    Events& events = platform().events();
+    for (;;) {
+        const ShellTurn done = shell_turn();
+        switch (done.next) {
+        case ShellTurn::Next::now: break;
+        case ShellTurn::Next::in_time: events.wait(done.microseconds); break;
+        case ShellTurn::Next::on_event: events.wait(Events::NO_LIMIT); break;
+        case ShellTurn::Next::end: return done.exit_code;
+        }
+    }
+}
