@@ -56,8 +56,8 @@ struct ay_state {
     uint32_t envelopecycles_per_sample = 0; ///< in chip clocks
     uint32_t shift_reg = 0xFFFF;            ///< noise; only bits 13, 15 and 16 matter
 
-    bool clean_sound = false; ///< from the next sample on
-    bool clean_runs = false;  ///< the line stands where the last sample was
+    bool clean_sound = false;
+    bool clean_runs = false; ///< the line stands where the last sample was
     std::array<uint8_t, 2> unused = {};
     int32_t clean_level = 0; ///< of the mix, after the last step
     step_line clean_line;
@@ -65,6 +65,7 @@ struct ay_state {
 extern ay_state ay;
 extern const state_record ay_record;
 
+/// Clean sound, from the next sample on.
 inline bool& ym2149_clean = ay.clean_sound;
 
 /// Sets the chip's clock in Hz and resets it; disconnects the port A input. From the first call on

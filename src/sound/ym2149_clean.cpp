@@ -39,16 +39,14 @@ struct clean_block {
 };
 
 void sum_levels(clean_block& block) {
-    for (uint32_t number = 0; number < CHANNELS; ++number) {
+    const auto level = [&](uint32_t number) {
         const tone_channel& channel = ay.channel[number];
         const uint32_t height =
             channel.envelope_mode ? block.envelope : amplitude[2 * channel.volume];
-        const uint32_t shift = MIX_SHIFT + (block.halves >> number & 1);
-        const uint32_t bit = 1U << number;
-        for (uint32_t set = bit; set < 2 * bit; ++set) {
-            block.sums[set] = block.sums[set - bit] + int32_t(height >> shift);
-        }
-    }
+        return int32_t(height >> (MIX_SHIFT + (block.halves >> number & 1)));
+    };
+    const int32_t a = level(0), b = level(1), c = level(2);
+    block.sums = {0, a, b, a + b, c, a + c, b + c, a + b + c};
 }
 
 int32_t level_of(const clean_block& block) {
