@@ -13,7 +13,7 @@
 #include "host/canvas.h"
 #include "host/display.h"
 #include "host/recording/gif.h"
-#include "media/cmd_loader.h"
+#include "media/files/program_files.h"
 #include "platform/headless/headless.h"
 #include "wall/machine_host.h"
 #include "z80/z80.h"

@@ -1,4 +1,4 @@
-/// Snapshots: a file as it is, or made up to the full length; then a frame of each engine.
+/// Snapshots: as they are, or made up to the full length; then a frame of each engine.
 
 #include "media/snapshot.h"
 #include "cgenie/memory/memory.h"
@@ -9,21 +9,19 @@
 #include "support/machine.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    constexpr const char* NAME = "state.jzs";
     constexpr size_t LONGEST_SHORT_FILE = 16; // a cut file needs no contents
     fake_host = {};
     std::vector<uint8_t> file(size > LONGEST_SHORT_FILE ? SNAPSHOT_SIZE : size);
     tile(file, {data, size});
-    write_file(NAME, file);
     fresh_beam();
     fresh_machine();
     program_standard_picture();
-    const int loaded = snapshot_load(NAME, memory_get_ram());
+    const int loaded = snapshot_unpack(file, memory_get_ram());
     require(loaded == (file.size() == SNAPSHOT_SIZE), "whole snapshots are taken, others are not");
     if (!loaded) return 0;
     machine_run();
     video_render_frame();
     run_beam_frame();
-    require(snapshot_save(NAME, memory_get_ram()) == 1, "a snapshot can be saved");
+    snapshot_pack(std::span<uint8_t, SNAPSHOT_SIZE>(file), memory_get_ram());
     return 0;
 }

@@ -1,13 +1,11 @@
 #include "media/snapshot.h"
 
 #include "cgenie/memory/memory.h"
-#include "files/file_handle.h"
-#include "files/whole_file.h"
 #include "z80/z80.h"
 
-#include <array>
-#include <cstdio>
+#include <algorithm>
 #include <cstring>
+#include <iterator>
 
 namespace {
 
@@ -39,9 +37,9 @@ constexpr Register REGISTERS[] = {&z80_record::bc,
                                   &z80_record::iy};
 static_assert(REGISTERS_OFFSET + 2 * std::size(REGISTERS) == PORTS_OUT_OFFSET);
 
-using Record = std::array<uint8_t, SNAPSHOT_SIZE>;
+using Record = std::span<uint8_t, SNAPSHOT_SIZE>;
 
-void pack_registers(Record& record) {
+void pack_registers(Record record) {
     size_t at = REGISTERS_OFFSET;
     for (const Register member : REGISTERS) {
         const uint16_t value = member ? z80_state.*member : uint16_t(0);
@@ -50,7 +48,7 @@ void pack_registers(Record& record) {
     }
 }
 
-void unpack_registers(const Record& record) {
+void unpack_registers(std::span<const uint8_t> record) {
     size_t at = REGISTERS_OFFSET;
     for (const Register member : REGISTERS) {
         if (member) z80_state.*member = uint16_t(record[at] | record[at + 1] << 8);
@@ -62,8 +60,8 @@ void unpack_registers(const Record& record) {
 
 uint8_t snapshot_out(uint8_t port) { return ports[port]; }
 
-int snapshot_save(const char* path, const uint8_t* ram) {
-    Record record = {};
+void snapshot_pack(Record record, const uint8_t* ram) {
+    std::ranges::fill(record, uint8_t(0));
     std::memcpy(record.data(), MAGIC, sizeof MAGIC);
     pack_registers(record);
     for (size_t i = 0; i < std::size(PORTS); ++i) {
@@ -71,16 +69,10 @@ int snapshot_save(const char* path, const uint8_t* ram) {
         record[PORTS_IN_OFFSET + i] = z80_in(PORTS[i]);
     }
     std::memcpy(record.data() + RAM_OFFSET, ram, RAM_SIZE);
-
-    return replace_whole_file(path, record) ? 1 : 0;
 }
 
-int snapshot_load(const char* path, uint8_t* ram) {
-    const auto file = open_file(path, "rb");
-    if (!file) return 0;
-    Record record;
-    if (std::fread(record.data(), record.size(), 1, file.get()) != 1) return 0;
-
+int snapshot_unpack(std::span<const uint8_t> record, uint8_t* ram) {
+    if (record.size() < SNAPSHOT_SIZE) return 0;
     unpack_registers(record);
     // Only port 00 is restored, and the input byte goes to the same latch last.
     z80_out(PORTS[0], record[PORTS_OUT_OFFSET]);

@@ -2,7 +2,7 @@
 
 #include "cgenie/memory/memory.h"
 #include "files/file_handle.h"
-#include "media/cmd_loader.h"
+#include "media/files/program_files.h"
 
 #include <gtest/gtest.h>
 

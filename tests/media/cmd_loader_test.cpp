@@ -7,7 +7,6 @@
 
 #include <cstdio>
 #include <cstring>
-#include <memory>
 #include <string>
 #include <vector>
 
@@ -18,10 +17,6 @@ using Image = std::vector<uint8_t>;
 
 /// Blocks counted by every load of this program, as the loader numbers them.
 int blocks_seen = 0;
-
-struct Close {
-    void operator()(std::FILE* f) const { std::fclose(f); }
-};
 
 struct Outcome {
     int result = 0;
@@ -98,14 +93,11 @@ struct CmdLoader : testing::Test {
     }
 
     Outcome load(const Bytes& bytes) {
-        const std::unique_ptr<std::FILE, Close> file{std::tmpfile()};
-        for (const uint8_t byte : bytes) std::putc(byte, file.get());
-        std::rewind(file.get());
         Outcome outcome;
         uint16_t entry = 0xAAAA;
         testing::internal::CaptureStdout();
         testing::internal::CaptureStderr();
-        outcome.result = load_cmd(file.get(), &entry);
+        outcome.result = load_cmd(bytes, &entry);
         outcome.entry = entry;
         outcome.out = testing::internal::GetCapturedStdout();
         outcome.err = testing::internal::GetCapturedStderr();

@@ -1,4 +1,4 @@
-#include "media/snapshot.h"
+#include "media/files/program_files.h"
 
 #include "cgenie/memory/memory.h"
 #include "support/test_files.h"

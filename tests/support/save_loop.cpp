@@ -3,7 +3,7 @@
 
 #include "cgenie/memory/memory.h"
 #include "host/screenshot.h"
-#include "media/snapshot.h"
+#include "media/files/program_files.h"
 #include "media/tape.h"
 #include "platform/headless/headless.h"
 
