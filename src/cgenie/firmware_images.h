@@ -1,11 +1,11 @@
 #pragma once
-/// The firmware that the machine starts with: seven images built into the program, each of which a
-/// file of the user's replaces when it has the right name and exactly the right size.
+/// The firmware that the machine starts with: seven images built into the program, each of which
+/// the user may replace by one of exactly the same size.
 
 #include <cstddef>
 #include <cstdint>
 #include <span>
-#include <string>
+#include <vector>
 
 enum class FirmwareImage : uint8_t {
     basic_v1,
@@ -22,8 +22,8 @@ constexpr size_t FIRMWARE_IMAGES = 7;
 const char* firmware_file_name(FirmwareImage image);
 /// The bytes in use: the user's when there are any, else the built-in ones.
 std::span<const uint8_t> firmware_bytes(FirmwareImage image);
-/// Looks for the seven names in `directory`. A file of a wrong size or one that cannot be read is
-/// refused with a warning, and the built-in image stays. Returns the number of images taken.
-int firmware_load_user_images(const std::string& directory);
+/// Takes the user's bytes in place of the image, for the rest of the run; 0 when they are not as
+/// many. The machine has them from the next time on that it loads the image.
+int firmware_use_image(FirmwareImage image, std::vector<uint8_t> bytes);
 /// Back to the built-in images.
 void firmware_forget_user_images();

@@ -6,7 +6,6 @@
 #include "cgenie/palette.h"
 #include "cgenie/video_beam.h"
 #include "cgenie/video_cell.h"
-#include "platform/platform.h"
 #include "wall/machine_host.h"
 
 #include <algorithm>
@@ -150,9 +149,8 @@ void video_set_charset(uint32_t index) {
     std::fill(std::begin(current_charset), std::end(current_charset), uint8_t(0));
     if (index < std::size(images)) return copy_charset(images[index]);
     if (index != CUSTOM_CHARSET) return;
-    const auto path = platform().settings().text("CharROMPath");
-    if (!path || path->empty()) return copy_charset(FirmwareImage::charset_original);
-    memory_load_rom(current_charset, 0, CHARSET_SIZE - 1, path->c_str());
+    const int found = machine_host.read_rom(ROM_CHARACTERS, current_charset, CHARSET_SIZE);
+    if (found == ROM_NOT_NAMED) copy_charset(FirmwareImage::charset_original);
 }
 
 void video_charset_select(uint8_t value) { video_charset_selected = value & CHARSET_SELECT; }

@@ -33,8 +33,8 @@ int video_screeny(); ///< 288
 void video_init(uint32_t palette);
 /// Clears the frame and the vertical centring; the latch stays.
 void video_reset();
-/// Loads character set 0, 1 or 2 of the firmware, or 3 from the file named by "CharROMPath":
-/// set 0 when the setting is empty, a blank set when the file cannot be opened.
+/// Loads character set 0, 1 or 2 of the firmware, or 3, the user's: set 0 when there is none, a
+/// blank set when its file cannot be read.
 void video_set_charset(uint32_t index);
 void video_charset_select(uint8_t value);     ///< value AND 18
 void video_mode_select(uint8_t value);        ///< value AND 20

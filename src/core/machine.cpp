@@ -5,6 +5,7 @@
 #include "cgenie/keyboard.h"
 #include "cgenie/memory/memory.h"
 #include "cgenie/palette.h"
+#include "cgenie/roms.h"
 #include "cgenie/typing/typing.h"
 #include "cgenie/video.h"
 #include "media/traps.h"

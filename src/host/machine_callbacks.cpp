@@ -6,6 +6,7 @@
 #include "host/disks.h"
 #include "host/display.h"
 #include "host/messages.h"
+#include "host/rom_files.h"
 #include "host/screenshot.h"
 #include "host/status.h"
 #include "sound/output/sound_ring.h"
@@ -17,6 +18,7 @@ void connect_machine() {
     machine_host.report = tell;
     machine_host.lamp = light_lamp;
     machine_host.frame = show_frame;
+    machine_host.read_rom = read_rom_file;
     machine_host.was_reset = [] { last_file_name.clear(); };
     machine_host.stale = main_disk_follow_machine;
     machine_host.save_file_name = get_ui_save_tape_filename;

@@ -6,6 +6,7 @@
 #include "core/pacing/pacing.h"
 #include "files/file_handle.h"
 #include "host/recording/gif.h"
+#include "host/rom_files.h"
 #include "wall/machine_host.h"
 
 #include <array>

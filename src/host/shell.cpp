@@ -1,8 +1,8 @@
 #include "host/shell.h"
 
-#include "cgenie/firmware_images.h"
 #include "cgenie/joystick.h"
 #include "cgenie/keyboard.h"
+#include "cgenie/memory/memory.h"
 #include "cgenie/typing/typing.h"
 #include "cgenie/video.h"
 #include "core/machine.h"
@@ -22,6 +22,7 @@
 #include "host/messages.h"
 #include "host/options.h"
 #include "host/prefs.h"
+#include "host/rom_files.h"
 #include "host/screen_text.h"
 #include "host/status.h"
 #include "host/turn.h"
@@ -34,6 +35,7 @@
 #include "sound/ym2149.h"
 #include "wall/machine_host.h"
 
+#include <random>
 #include <string>
 
 bool g_bActive = true;
@@ -82,6 +84,8 @@ void emu_init(const CommandLine& line) {
         ym2149_reset();
     }
     firmware_load_user_images(data_directory + "/firmware");
+    std::random_device seed;
+    memory_seed_random(uint64_t(seed()) << 32 | seed());
     machine_init();
     video_init(machine_cfg[active_machine_cfg].palette & 1);
     joystick_init();

@@ -18,6 +18,7 @@ enum StatusPart : int { PART_CONFIGURATION, PART_LAMPS, PART_CASSETTE, PART_MESS
 enum output_stream : int { STREAM_PRINTER, STREAM_TAPE, STREAM_TAPE_SOUND };
 /// The contents of a file that a configuration names.
 enum rom_file : int { ROM_BASIC, ROM_EXPANSION, ROM_CHARACTERS };
+constexpr int ROM_NOT_NAMED = -1;
 /// Whether a cassette image has been made for what the firmware is about to save.
 enum save_answer : int { SAVE_REFUSED, SAVE_READY, SAVE_NOT_YET };
 
@@ -49,8 +50,9 @@ struct machine_host_calls {
     int (*fragment_decision)(int completed);
     /// Bytes of a stream from `position` on. 0 when they cannot be taken. Default 1.
     int (*write)(output_stream stream, uint64_t position, const uint8_t* bytes, size_t count);
-    /// Fills `size` bytes as far as the file goes. Returns how many there were. Default 0.
-    size_t (*read_rom)(rom_file which, uint8_t* to, size_t size);
+    /// Fills `size` bytes as far as the file goes. Returns how many there were, 0 also when it
+    /// cannot be read, or ROM_NOT_NAMED, which is the default.
+    int (*read_rom)(rom_file which, uint8_t* to, size_t size);
     /// Bytes at `offset` of the WAV file that plays. Returns how many there were. Default 0.
     size_t (*read_tape)(uint64_t offset, uint8_t* to, size_t bytes);
     /// What keyboard, joysticks and keypads hold at this moment. Default: as it was.

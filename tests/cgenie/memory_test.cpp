@@ -1,11 +1,12 @@
 #include "cgenie/memory/memory.h"
 
 #include "cgenie/firmware_images.h"
-#include "support/fake_host.h"
-#include "support/host_files.h"
+#include "cgenie/roms.h"
+#include "wall/machine_host.h"
+
+#include <gtest/gtest.h>
 
 #include <algorithm>
-#include <cstring>
 #include <set>
 
 namespace {
@@ -19,87 +20,63 @@ Bytes pattern(size_t size) {
 
 Bytes copy(const uint8_t* from, size_t size) { return {from, from + size}; }
 
-/// A file that stands in for a custom ROM.
-struct CustomRom {
-    const char* name;
-    int size; ///< of the file; -1: there is none, -2: it is a directory
-    const char* setting;
-
-    /// The bytes of it that an area takes.
-    size_t taken(int area) const { return *setting ? size_t(std::clamp(size, 0, area)) : 0; }
-};
-constexpr CustomRom CUSTOM_ROMS[] = {
-    {"exact", 16384, "custom.rom"},  {"short", 4096, "custom.rom"}, {"empty file", 0, "custom.rom"},
-    {"longer", 20000, "custom.rom"}, {"no file", -1, "custom.rom"}, {"directory", -2, "custom.rom"},
-    {"no setting", 16384, ""}};
-
-class Memory : public HostFilesTest {
+class Memory : public testing::Test {
 protected:
     void SetUp() override {
-        HostFilesTest::SetUp();
-        fake_host = {};
-        firmware_forget_user_images();
-        memory_set_startup_pattern(0);
+        memory_state = {};
         std::fill(std::begin(memory), std::end(memory), 0x99);
         std::fill(std::begin(current_eprom), std::end(current_eprom), 0x99);
+        // Replaces the seven images by ones that are filled with 11, 22, ... 77.
+        const size_t sizes[] = {16384, 16384, 16384, 8192, 2048, 2048, 2048};
+        for (size_t i = 0; i < FIRMWARE_IMAGES; ++i) {
+            Bytes bytes(sizes[i], uint8_t(0x11 * (i + 1)));
+            ASSERT_EQ(firmware_use_image(FirmwareImage(i), bytes), 1);
+            bytes.push_back(0);
+            ASSERT_EQ(firmware_use_image(FirmwareImage(i), bytes), 0) << "a byte too many";
+        }
+        machine_host.read_rom = [](rom_file which, uint8_t* to, size_t size) {
+            asked = which;
+            const size_t taken = size_t(std::clamp(custom_size, 0, int(size)));
+            std::ranges::copy(pattern(taken), to);
+            return std::min(custom_size, int(size));
+        };
     }
     void TearDown() override {
         firmware_forget_user_images();
-        HostFilesTest::TearDown();
+        machine_host.read_rom = machine_without_host().read_rom;
     }
-
-    /// Replaces the seven images by ones that are filled with 11, 22, ... 77.
-    static void load_marked_firmware() {
-        const size_t sizes[] = {16384, 16384, 16384, 8192, 2048, 2048, 2048};
-        for (size_t i = 0; i < FIRMWARE_IMAGES; ++i) {
-            write_file(firmware_file_name(FirmwareImage(i)),
-                       Bytes(sizes[i], uint8_t(0x11 * (i + 1))));
-        }
-        ASSERT_EQ(firmware_load_user_images("."), 7);
-    }
-
-    void place(const CustomRom& rom, const char* setting) const {
-        std::filesystem::remove_all("custom.rom");
-        if (rom.size >= 0) write_file("custom.rom", pattern(size_t(rom.size)));
-        if (rom.size == -2) std::filesystem::create_directory("custom.rom");
-        host->settings().set_text(setting, rom.setting);
-    }
+    static inline int custom_size; ///< of the user's ROM; ROM_NOT_NAMED: there is none
+    static inline rom_file asked;
 };
 
-TEST_F(Memory, CustomBasicRomLiesOverTheFirstOne) {
-    load_marked_firmware();
-    for (const CustomRom& rom : CUSTOM_ROMS) {
-        place(rom, "BasicROMPath");
-        memory_set_basic_rom(1); // nothing of it may stay
-        memory_set_basic_rom(3);
-        Bytes expected(16384, 0x11);
-        std::ranges::copy(pattern(rom.taken(16384)), expected.begin());
-        EXPECT_EQ(copy(memory, 16384), expected) << rom.name;
-        EXPECT_EQ(copy(active_rom, 16384), expected) << rom.name;
-        EXPECT_EQ(memory[0x4000], 0x99) << rom.name;
-    }
-}
-
-TEST_F(Memory, ExpansionRom) {
-    load_marked_firmware();
+TEST_F(Memory, RomsOfTheFirmwareAndOfTheUser) {
     memory_set_eprom(0);
-    Bytes expected(12288, 0x99);
-    std::fill_n(expected.begin(), 8192, 0x44);
-    EXPECT_EQ(copy(current_eprom, 12288), expected) << "the disk ROM is 8 KB of the 12";
+    Bytes expansion(12288, 0x99);
+    std::fill_n(expansion.begin(), 8192, 0x44);
+    EXPECT_EQ(copy(current_eprom, 12288), expansion) << "the disk ROM is 8 KB of the 12";
     for (const uint32_t index : {1U, 3U}) {
         std::fill(std::begin(current_eprom), std::end(current_eprom), 0x99);
         memory_set_eprom(index);
         EXPECT_EQ(copy(current_eprom, 12288), Bytes(12288, 0xFF)) << index;
     }
-    for (const CustomRom& rom : CUSTOM_ROMS) {
-        place(rom, "ExpansionROMPath");
+    for (const int size : {16384, 12288, 4096, 0, ROM_NOT_NAMED}) {
+        custom_size = size;
+        memory_set_basic_rom(1); // nothing of it may stay
+        memory_set_basic_rom(3);
+        EXPECT_EQ(asked, ROM_BASIC);
+        Bytes basic(16384, 0x11);
+        std::ranges::copy(pattern(size_t(std::max(size, 0))), basic.begin());
+        EXPECT_EQ(copy(memory, 16384), basic) << size;
+        EXPECT_EQ(copy(active_rom, 16384), basic) << size;
+        EXPECT_EQ(memory[0x4000], 0x99) << size;
+
         std::fill(std::begin(current_eprom), std::end(current_eprom), 0x99);
         memory_set_eprom(2);
-        expected.assign(12288, 0x99);
-        std::ranges::copy(pattern(rom.taken(12288)), expected.begin());
-        EXPECT_EQ(copy(current_eprom, 12288), expected) << rom.name;
+        EXPECT_EQ(asked, ROM_EXPANSION);
+        expansion.assign(12288, 0x99);
+        std::ranges::copy(pattern(size_t(std::clamp(size, 0, 12288))), expansion.begin());
+        EXPECT_EQ(copy(current_eprom, 12288), expansion) << size;
     }
-    EXPECT_EQ(copy(memory, 65536), Bytes(65536, 0x99));
 }
 
 TEST_F(Memory, RamStartsWithThePattern) {
@@ -122,58 +99,11 @@ TEST_F(Memory, RamStartsWithThePattern) {
         contents.insert(ram);
     }
     EXPECT_EQ(contents.size(), 3u) << "fresh contents every time";
-}
-
-TEST_F(Memory, DumpIsTheWholeAddressSpace) {
-    const Bytes image = pattern(65536);
-    std::ranges::copy(image, memory);
-    write_file("memdump.bin", Bytes(70000, 1)); // an older file gives way
-    mem_dump();
-    EXPECT_EQ(read_file("memdump.bin"), image);
-    save_binary("no/such/folder", memory, 16);
-    EXPECT_EQ(memory_get_ram(), memory + 0x4000);
-    EXPECT_EQ(memory_get_video_ram_ptr(), memory + 0x4000);
-    EXPECT_EQ(memory_get_video_colorram(0x7FF), memory + 0xF3FF) << "1 KB, mirrored";
-    EXPECT_EQ(memory_get_charram(), memory + 0xF400);
-}
-
-TEST_F(Memory, UserFirmwareOfTheRightSizeReplacesTheBuiltInOne) {
-    const auto in_use = [](FirmwareImage image) {
-        const auto bytes = firmware_bytes(image);
-        return Bytes(bytes.begin(), bytes.end());
-    };
-    EXPECT_EQ(firmware_load_user_images("."), 0) << "an empty folder";
-    EXPECT_EQ(firmware_load_user_images("missing"), 0);
-    EXPECT_TRUE(fake_host.reports.empty()) << "a file that is not there is no news";
-    const Bytes basic = in_use(FirmwareImage::basic_v1), disk = in_use(FirmwareImage::disk);
-    const Bytes charset = in_use(FirmwareImage::charset_german);
-
-    write_file("firmware/basic-v2.rom", pattern(16384));
-    write_file("firmware/charset-german.rom", pattern(2049));
-    write_file("firmware/disk.rom", pattern(100));
-    write_file("firmware/charset-emulator.rom", {});
-    std::filesystem::create_directory("firmware/basic-v1.rom");
-    EXPECT_EQ(firmware_load_user_images("firmware"), 1);
-    EXPECT_EQ(in_use(FirmwareImage::basic_v2), pattern(16384));
-    EXPECT_EQ(in_use(FirmwareImage::basic_v1), basic);
-    EXPECT_EQ(in_use(FirmwareImage::disk), disk);
-    EXPECT_EQ(in_use(FirmwareImage::charset_german), charset);
-
-    // In the order of the images; the directory's line has no sizes.
-    const std::vector<std::vector<std::string>> words = {
-        {"firmware/basic-v1.rom"},
-        {"firmware/disk.rom", "100 ", "8192 "},
-        {"firmware/charset-german.rom", "2049 ", "2048 "},
-        {"firmware/charset-emulator.rom", " 0 ", "2048 "}};
-    ASSERT_EQ(fake_host.reports.size(), words.size());
-    for (size_t i = 0; i < words.size(); ++i) {
-        for (const std::string& word : words[i]) {
-            EXPECT_NE(report_line(fake_host.reports[i]).find(word), std::string::npos)
-                << report_line(fake_host.reports[i]) << " lacks " << word;
-        }
-    }
-    firmware_forget_user_images();
-    EXPECT_NE(in_use(FirmwareImage::basic_v2), pattern(16384));
-    EXPECT_EQ(in_use(FirmwareImage::basic_v2).size(), 16384u);
+    memory_seed_random(0);
+    memory_reset();
+    // The first outputs of the published generator for the seed 0 are E220A8397B1DCDAF,
+    // 6E789E6AA1B965F4 and 06C45D188009454F.
+    EXPECT_EQ(copy(memory + 0x4000, 3), (Bytes{0xAF, 0xF4, 0x4F}));
+    EXPECT_TRUE(contents.contains(copy(memory + 0x4000, 49152))) << "the same seed, the same bytes";
 }
 } // namespace

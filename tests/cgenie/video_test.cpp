@@ -4,8 +4,7 @@
 #include "cgenie/firmware_images.h"
 #include "cgenie/memory/memory.h"
 #include "cgenie/screen_setup.h"
-#include "platform/headless/headless.h"
-#include "support/test_files.h"
+#include "wall/machine_host.h"
 
 #include <gtest/gtest.h>
 
@@ -123,9 +122,6 @@ TEST(Video, ResetClearsFrameButNotLatch) {
 }
 
 TEST(Video, LoadsCharacterSets) {
-    HeadlessPlatform host{HeadlessOptions{}};
-    install_platform(host);
-    Settings& settings = host.settings();
     const auto holds = [](FirmwareImage image) {
         const auto bytes = firmware_bytes(image);
         return std::equal(bytes.begin(), bytes.end(), std::begin(current_charset),
@@ -135,21 +131,20 @@ TEST(Video, LoadsCharacterSets) {
     EXPECT_TRUE(holds(FirmwareImage::charset_german));
     video_set_charset(2);
     EXPECT_TRUE(holds(FirmwareImage::charset_emulator));
-    settings.set_text("CharROMPath", "");
     video_set_charset(3);
-    EXPECT_TRUE(holds(FirmwareImage::charset_original));
+    EXPECT_TRUE(holds(FirmwareImage::charset_original)) << "no other is named";
 
-    const Folder folder;
-    const std::string path = folder / "charset.bin";
-    write_text(path, std::string(100, '\x5A'));
-    settings.set_text("CharROMPath", path);
+    machine_host.read_rom = [](rom_file, uint8_t* to, size_t) {
+        std::fill_n(to, 100, uint8_t(0x5A));
+        return 100;
+    };
     video_set_charset(3);
     EXPECT_EQ(std::count(std::begin(current_charset), std::end(current_charset), 0x5A), 100);
     EXPECT_EQ(std::count(std::begin(current_charset), std::end(current_charset), 0), 1948);
-    settings.set_text("CharROMPath", path + ".missing");
+    machine_host.read_rom = [](rom_file, uint8_t*, size_t) { return 0; };
     video_set_charset(3);
     EXPECT_EQ(std::count(std::begin(current_charset), std::end(current_charset), 0), 2048);
-    settings.set_text("CharROMPath", "");
+    machine_host.read_rom = machine_without_host().read_rom;
     video_set_charset(0);
     EXPECT_TRUE(holds(FirmwareImage::charset_original));
 }

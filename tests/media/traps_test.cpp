@@ -1,6 +1,7 @@
 #include "media/traps.h"
 
 #include "cgenie/memory/memory.h"
+#include "cgenie/roms.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"
 #include "media/tape.h"

@@ -3,7 +3,8 @@
 /// ROM buffer and the port latches. A leaf: the bus, the video and the storage media read it
 /// directly; what an access does and costs is the bus's business.
 
-#include <cstddef>
+#include "wall/state_record.h"
+
 #include <cstdint>
 
 enum : uint32_t {
@@ -18,21 +19,29 @@ enum : uint32_t {
     CHARACTER_RAM_START = 0xF400
 };
 
+struct memory_contents {
+    uint8_t address_space[MEMORY_SIZE];
+    uint8_t basic_rom[BASIC_ROM_SIZE];
+    uint8_t expansion_rom[EXPANSION_SIZE];
+    uint8_t port_latches[256];
+    uint64_t random; ///< what the generator of random start-up contents goes on from
+    uint32_t startup_pattern;
+    uint8_t unused[4];
+};
+extern memory_contents memory_state;
+extern const state_record memory_record;
+
+// The arrays under their own names, at fixed addresses of the record.
+
 /// 0000-3FFF is the working copy of the BASIC ROM, which traps may patch; 4000-FFFF holds RAM,
 /// colour RAM, character RAM and bytes that the bus never writes.
-extern uint8_t memory[MEMORY_SIZE];
+inline constexpr auto& memory = memory_state.address_space;
 /// The selected BASIC ROM as it was loaded; patches are undone from it.
-extern uint8_t active_rom[BASIC_ROM_SIZE];
-extern uint8_t current_eprom[EXPANSION_SIZE];
+inline constexpr auto& active_rom = memory_state.basic_rom;
+inline constexpr auto& current_eprom = memory_state.expansion_rom;
 /// The last byte written to each port, devices or not.
-extern uint8_t ports[256];
+inline constexpr auto& ports = memory_state.port_latches;
 
-/// Loads BASIC ROM 0 to 2 from the firmware images, or 3 from the file that the setting
-/// "BasicROMPath" names; a missing or empty setting or an unreadable file leaves ROM 0.
-void memory_set_basic_rom(uint32_t index);
-/// 0 the disk ROM, 1 and 3 nothing (all FF), 2 the file named by "ExpansionROMPath", which leaves
-/// the buffer as it is when there is none.
-void memory_set_eprom(uint32_t index);
 /// 0 when C000-DFFF hold nothing.
 int memory_has_eprom();
 /// Keeps nothing: the RAM limit is read from the custom configuration.
@@ -47,10 +56,9 @@ void memory_reset();
 /// 0-255: the fill byte. 256 and above: random bytes.
 void memory_set_startup_pattern(uint32_t value);
 uint32_t memory_get_startup_pattern();
-
-/// Fills destination[first] to destination[last] from the file, as far as it goes. A file that
-/// cannot be opened changes nothing. Returns the number of bytes read.
-size_t memory_load_rom(uint8_t* destination, size_t first, size_t last, const char* path);
+/// What the random bytes are made of from now on; the same seed gives the same bytes. Every fill
+/// goes on where the one before it ended. At program start 0.
+void memory_seed_random(uint64_t seed);
 
 uint8_t* rom_pointer();        ///< the working copy at address 0000
 uint8_t* source_rom_pointer(); ///< the unpatched copy
@@ -58,9 +66,3 @@ uint8_t* memory_get_ram();     ///< address 4000
 uint8_t* memory_get_video_ram_ptr();
 uint8_t* memory_get_video_colorram(uint32_t offset); ///< F000 + (offset AND 3FF)
 uint8_t* memory_get_charram();                       ///< F400
-
-/// Writes the whole address space to "memdump.bin" in the current directory. 0 when that fails,
-/// with the reason in errno.
-int mem_dump();
-/// Replaces the file by `size` bytes. 0 when that fails, with the reason in errno.
-int save_binary(const char* path, const uint8_t* data, size_t size);
