@@ -6,6 +6,7 @@
 #include "cgenie/crtc.h"
 #include "cgenie/memory/memory.h"
 #include "cgenie/video.h"
+#include "cgenie/video_beam.h"
 #include "core/frame_driver.h"
 #include "media/printer.h"
 #include "media/wd1771.h"
@@ -84,10 +85,10 @@ Outcome run_lines(const uint8_t* data, size_t size) {
     return outcome();
 }
 
-Outcome run_beam(const uint8_t* data, size_t size, void (*run)()) {
-    fresh_beam();
+Outcome run_beam(const uint8_t* data, size_t size, int32_t (*run)(int32_t)) {
     load(data, size);
-    run();
+    int32_t left = frame_budget();
+    while (left > 0) left = run(left);
     return outcome();
 }
 
@@ -96,11 +97,11 @@ Outcome run_beam(const uint8_t* data, size_t size, void (*run)()) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     fake_host = {};
     const Outcome lines = run_lines(data, size);
-    const Outcome beam = run_beam(data, size, run_beam_frame);
+    const Outcome beam = run_beam(data, size, video_run_cycles);
     require(same(lines, beam), "the engines run the same program alike");
     if (size == 0 || !(data[0] & STEPPED)) return 0;
     const std::vector<uint8_t> picture(std::begin(frame_buffer), std::end(frame_buffer));
-    const Outcome steps = run_beam(data, size, step_beam_frame);
+    const Outcome steps = run_beam(data, size, video_step);
     require(same(beam, steps), "steps run the same program alike");
     require(std::ranges::equal(picture, frame_buffer), "steps draw the same picture");
     return 0;

@@ -3,6 +3,7 @@
 #include "media/snapshot.h"
 #include "cgenie/memory/memory.h"
 #include "cgenie/video.h"
+#include "cgenie/video_beam.h"
 #include "core/frame_driver.h"
 #include "support/fake_host.h"
 #include "support/files.h"
@@ -13,7 +14,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     fake_host = {};
     std::vector<uint8_t> file(size > LONGEST_SHORT_FILE ? SNAPSHOT_SIZE : size);
     tile(file, {data, size});
-    fresh_beam();
     fresh_machine();
     program_standard_picture();
     const int loaded = snapshot_unpack(file, memory_get_ram());
@@ -21,7 +21,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     if (!loaded) return 0;
     machine_run();
     video_render_frame();
-    run_beam_frame();
+    video_run_cycles(frame_budget());
     snapshot_pack(std::span<uint8_t, SNAPSHOT_SIZE>(file), memory_get_ram());
     return 0;
 }

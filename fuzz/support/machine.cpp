@@ -22,49 +22,12 @@
 
 namespace {
 
-/// Cycles that the beam engine has run, modulo 2: half a character clock may be left over in it.
-uint32_t beam_parity = 0;
-
 constexpr int UNSERVED_TRAP = 0x0C;
-
-void count_beam(int32_t cycles) { beam_parity ^= uint32_t(cycles) & 1; }
 
 void program_crtc(std::span<const uint8_t> values) {
     for (uint32_t number = 0; number < values.size(); ++number) {
         crtc_write_register(number, values[number]);
     }
-}
-
-void clear_half_clock() {
-    if (!beam_parity) return;
-    constexpr std::array<uint8_t, 2> LOAD_A = {0x3E, 0x00}; // 7 cycles in ROM
-    std::ranges::copy(LOAD_A, memory);
-    z80_reset();
-    crtc = {}; // the beam stands still
-    count_beam(1 - video_step(1));
-}
-
-/// Runs the beam alone to the end of a frame, the picture not centred.
-void end_frame(uint32_t clocks_at_once) {
-    constexpr int LONGEST_WAY = 100'000;
-    video_beam_reset_centring();
-    const uint32_t before = crtc.frame_counter;
-    for (int n = 0; n < LONGEST_WAY && crtc.frame_counter == before; ++n) {
-        video_do_cycles(clocks_at_once);
-    }
-}
-
-/// Frames of 250 lines of 20 clocks: after a few, wherever the beam comes from, they end with the
-/// vertical sync, and there all its counters are known.
-void bring_beam_home() {
-    constexpr std::array<uint8_t, 10> SHORT_FRAME = {19, 8, 0, 0x22, 124, 0, 100, 110, 0, 1};
-    constexpr int FRAMES = 4;
-    crtc = {};
-    program_crtc(SHORT_FRAME);
-    for (int n = 0; n < FRAMES; ++n) end_frame(SHORT_FRAME[0] + 1u);
-    end_frame(1);
-    crtc = {};
-    video_reset();
 }
 
 } // namespace
@@ -78,12 +41,6 @@ HeadlessPlatform& fuzz_platform() {
     }();
     (void)installed;
     return host;
-}
-
-void fresh_beam() {
-    fuzz_platform();
-    clear_half_clock();
-    bring_beam_home();
 }
 
 void fresh_machine(uint32_t configuration) {
@@ -100,8 +57,11 @@ void fresh_machine(uint32_t configuration) {
     crtc = {};
     ay = {};
     sound_core = {};
-    machine_init();
+    video_state = {};
+    beam_state = {};
     std::ranges::fill(ports, uint8_t(0));
+    machine_init();
+    video_reset();
     z80_out(0xFF, 0);
     active_machine_cfg = machine_is_valid_cfg(configuration) ? configuration : CUSTOM_CONFIGURATION;
     if (active_machine_cfg != 0) machine_change_cfg(machine_cfg[active_machine_cfg], 1);
@@ -135,16 +95,4 @@ void load_registers(Input& input) {
     z80_state.interrupt_mode = uint8_t((interrupts >> 1) % 3);
     z80_state.irq = interrupts >> 3 & 1;
     z80_state.nmi = interrupts >> 4 & 1;
-}
-
-void run_beam_frame() {
-    const int32_t budget = frame_budget();
-    count_beam(budget - video_run_cycles(budget));
-}
-
-void step_beam_frame() {
-    const int32_t budget = frame_budget();
-    int32_t left = budget;
-    while (left > 0) left = video_step(left);
-    count_beam(budget - left);
 }

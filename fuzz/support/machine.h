@@ -11,13 +11,7 @@
 HeadlessPlatform& fuzz_platform();
 /// Powers the machine on with a configuration: 0 to 2, anything else is the custom one.
 void fresh_machine(uint32_t configuration = 0);
-/// Brings the beam engine's hidden counters to where they always are, before fresh_machine.
-void fresh_beam();
 /// 40 columns, 25 rows, as the firmware programs them.
 void program_standard_picture();
 /// Takes the processor's registers from the input.
 void load_registers(Input& input);
-/// One frame's budget of the beam engine; its parity counts for fresh_beam.
-void run_beam_frame();
-/// The same an instruction at a time.
-void step_beam_frame();

@@ -57,6 +57,10 @@ enum : uint8_t {
 // Port B of the sound chip while the printer is on.
 enum : uint8_t { PRINTER_READY = 0x10, PRINTER_PAPER = 0x20, PRINTER_BUSY = 0x80 };
 
+constexpr state_field bus_fields[] = {
+    {"tape_level", sizeof(bus_latches::tape_level)},
+};
+
 void add_wait_cycle() { ++z80_state.t_count; }
 
 void store(uint32_t address, uint8_t value) {
@@ -100,11 +104,10 @@ uint8_t read_device(uint32_t address) {
 
 /// A loading cassette is heard: its level goes to the beeper as well.
 uint8_t memory_tape_read() {
-    static uint8_t previous = 0;
     const uint8_t level = tape_load_wav(z80_state.t_count) ? LATCH_CASSETTE : 0;
-    if (level != previous) {
+    if (level != bus_state.tape_level) {
         sound_update(z80_state.t_count);
-        previous = level;
+        bus_state.tape_level = level;
         beeper_set_level(level);
     }
     return level;
@@ -124,6 +127,9 @@ void write_latch(uint8_t value, uint8_t previous) {
 }
 
 } // namespace
+
+bus_latches bus_state;
+const state_record bus_record = {"bus", &bus_state, sizeof bus_state, bus_fields};
 
 uint8_t mem_read(uint32_t address) {
     assert(address < 0x10000);

@@ -5,7 +5,16 @@
 /// RAM above it and of the device page. ROM, the open bus and refused writes cost nothing. What the
 /// beam may show is announced to it before it changes.
 
+#include "wall/state_record.h"
+
 #include <cstdint>
+
+/// What the bus itself remembers; the port latches are in the memory.
+struct bus_latches {
+    uint8_t tape_level; ///< of the cassette input when it was last read: 0 or 1
+};
+extern bus_latches bus_state;
+extern const state_record bus_record;
 
 /// Connects the sound chip's two ports: A out to the printer, B in to the joysticks.
 void memory_init();

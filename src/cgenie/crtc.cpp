@@ -44,6 +44,34 @@ enum : uint32_t {
 constexpr uint32_t BLINK_FAST_BIT = 1u << 4;
 constexpr uint32_t BLINK_SLOW_BIT = 1u << 5;
 
+constexpr state_field crtc_fields[] = {
+    {"registers", sizeof(crtc_state::registers)},
+    {"selected", sizeof(crtc_state::selected)},
+    {"horizontal_total", sizeof(crtc_state::horizontal_total)},
+    {"horizontal_displayed", sizeof(crtc_state::horizontal_displayed)},
+    {"horizontal_sync_position", sizeof(crtc_state::horizontal_sync_position)},
+    {"sync_widths", sizeof(crtc_state::sync_widths)},
+    {"vertical_total", sizeof(crtc_state::vertical_total)},
+    {"vertical_total_adjust", sizeof(crtc_state::vertical_total_adjust)},
+    {"vertical_displayed", sizeof(crtc_state::vertical_displayed)},
+    {"vertical_sync_position", sizeof(crtc_state::vertical_sync_position)},
+    {"interlace_mask", sizeof(crtc_state::interlace_mask)},
+    {"maximum_scan_line", sizeof(crtc_state::maximum_scan_line)},
+    {"cursor_mode", sizeof(crtc_state::cursor_mode)},
+    {"cursor_start_line", sizeof(crtc_state::cursor_start_line)},
+    {"cursor_end_line", sizeof(crtc_state::cursor_end_line)},
+    {"start_address", sizeof(crtc_state::start_address)},
+    {"cursor_address", sizeof(crtc_state::cursor_address)},
+    {"displayed_scan_lines", sizeof(crtc_state::displayed_scan_lines)},
+    {"vertical_sync_line", sizeof(crtc_state::vertical_sync_line)},
+    {"sync_line_average", sizeof(crtc_state::sync_line_average)},
+    {"sync_offset", sizeof(crtc_state::sync_offset)},
+    {"top_border", sizeof(crtc_state::top_border)},
+    {"frame_counter", sizeof(crtc_state::frame_counter)},
+    {"cursor_visible", sizeof(crtc_state::cursor_visible)},
+    {"unused", sizeof(crtc_state::unused)},
+};
+
 uint32_t difference_or_zero(uint32_t a, uint32_t b) { return a > b ? a - b : 0; }
 uint32_t with_high_byte(uint32_t address, uint32_t high) { return high << 8 | (address & 0xFF); }
 uint32_t with_low_byte(uint32_t address, uint32_t low) { return (address & ~0xFFu) | low; }
@@ -80,6 +108,8 @@ bool cursor_lit() {
     }
 }
 } // namespace
+
+const state_record crtc_record = {"crtc", &crtc, sizeof crtc, crtc_fields};
 
 void crtc_register_select(uint8_t value) { crtc.selected = value & 0x0F; }
 void crtc_write(uint8_t value) { crtc_write_register(crtc.selected, value); }

@@ -8,6 +8,8 @@
 ///
 /// Character clocks are two processor cycles; lines are scan lines.
 
+#include "wall/state_record.h"
+
 #include <cstdint>
 
 /// Derived values, recomputed when a register is written. Register numbers in comments.
@@ -35,10 +37,12 @@ struct crtc_state {
     uint32_t sync_offset;              ///< sync_line_average - displayed_scan_lines, at least 0
     uint32_t top_border;               ///< border lines above the picture, at least 0
     uint32_t frame_counter;
-    bool cursor_visible;
+    uint8_t cursor_visible;
+    uint8_t unused[3];
 };
 
 extern crtc_state crtc;
+extern const state_record crtc_record;
 
 /// Selects the register that the next data access reaches. Only the low four bits are wired.
 void crtc_register_select(uint8_t value);

@@ -2,7 +2,8 @@
 /// Lowe high-resolution graphics board: its switch and its record. The board is not connected to
 /// the bus, so switching it on changes nothing that the machine or the user sees.
 
-#include <array>
+#include "wall/state_record.h"
+
 #include <cstdint>
 
 struct lowe_board {
@@ -10,9 +11,11 @@ struct lowe_board {
     uint32_t column = 0; ///< 0-63
     uint32_t row = 0;    ///< 0-255
     uint32_t display = 0;
-    std::array<uint8_t, 131072> pixels = {}; ///< 0 or FF each, 384 a line
+    /// 0 or FF each, 384 a line. No part of the state: nothing that the machine does reaches them.
+    uint8_t pixels[131072] = {};
 };
 extern lowe_board lowe;
+extern const state_record lowe_record;
 
 /// Clears the board and switches it on.
 void hires_lowe_init();

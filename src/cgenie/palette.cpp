@@ -12,10 +12,14 @@ constexpr display_parameters START_PARAMETERS = {UNSET, 50, 50, 50, 80, UNSET};
 
 uint8_t cgpalette[256][3];
 yuv_pixel yuv_palette[256];
-uint32_t current_pal_index = 0;
+colour_standard palette_state;
 display_parameters display_params = START_PARAMETERS;
 
 namespace {
+constexpr state_field palette_fields[] = {
+    {"index", sizeof(colour_standard::index)},
+};
+
 constexpr int COLOURS = PALETTE_ENTRIES - 1; // the last entry is black
 constexpr double BLACK_LUMINANCE = 5.0;
 constexpr uint8_t UNUSED_COMPONENT = 16;
@@ -152,6 +156,9 @@ void convert_block(const yuv_pixel* source, uint32_t* destination) {
     for (size_t i = 0; i < BLOCK; ++i) destination[i] = uint32_t(red[i]) << 16 | green_blue[i];
 }
 } // namespace
+
+const state_record palette_record = {"palette", &palette_state, sizeof palette_state,
+                                     palette_fields};
 
 void calculate_palette(uint32_t standard) {
     const uint32_t amplitude = palette_get_saturation() * 128 / 100;

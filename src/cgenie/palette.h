@@ -2,6 +2,8 @@
 /// Colours: sixteen colours of the composite signal as luminance and chroma phase, in the two
 /// standards the machine was sold with, and the composite filter for a television's picture.
 
+#include "wall/state_record.h"
+
 #include <cstddef>
 #include <cstdint>
 
@@ -27,8 +29,16 @@ struct display_parameters {
 
 extern uint8_t cgpalette[256][3]; ///< red, green, blue; 16 in all of an entry that is not used
 extern yuv_pixel yuv_palette[256];
-extern uint32_t current_pal_index; ///< 0 Southern, 1 Northern
-extern display_parameters display_params;
+extern display_parameters display_params; ///< the user's, and no part of the machine
+
+/// All that the machine has of it. The palettes follow from this and from the display parameters:
+/// after another state has been loaded, palette_update makes them anew.
+struct colour_standard {
+    uint32_t index; ///< 0 Southern, 1 Northern
+};
+extern colour_standard palette_state;
+extern const state_record palette_record;
+inline constexpr auto& current_pal_index = palette_state.index;
 
 /// Rebuilds both palettes for standard 0 or 1.
 void calculate_palette(uint32_t standard);

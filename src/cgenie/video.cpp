@@ -13,11 +13,7 @@
 #include <iterator>
 
 uint8_t frame_buffer[FRAME_STORAGE];
-uint8_t current_charset[CHARSET_SIZE];
-uint8_t video_mode;
-uint8_t video_charset_selected;
-uint8_t video_graphic_background_selected;
-uint8_t hires_palette[4] = {BLACK_INDEX, 11, 6, 13};
+video_circuit video_state = {};
 
 namespace {
 // Port FF.
@@ -25,6 +21,19 @@ constexpr uint8_t GRAPHICS_MODE = 0x20;
 constexpr uint8_t CHARSET_SELECT = 0x18;
 constexpr uint8_t BACKGROUND_ON = 0x04;
 constexpr uint8_t BACKGROUND_COLOURS[4] = {10, 13, 6, 7}; ///< by bits 7 and 6
+
+/// The shown lines and the one below them.
+constexpr size_t FRAME_READ = size_t(SCREEN_WIDTH) * (SCREEN_HEIGHT + 1);
+
+constexpr state_field frame_buffer_fields[] = {{"pixels", FRAME_READ}};
+constexpr state_field video_fields[] = {
+    {"mode", sizeof(video_circuit::mode)},
+    {"charset_selected", sizeof(video_circuit::charset_selected)},
+    {"graphic_background_selected", sizeof(video_circuit::graphic_background_selected)},
+    {"hires_palette", sizeof(video_circuit::hires_palette)},
+    {"unused", sizeof(video_circuit::unused)},
+    {"charset", sizeof(video_circuit::charset)},
+};
 
 constexpr uint32_t CUSTOM_CHARSET = 3;
 constexpr uint32_t WIDEST_ROW = SCREEN_WIDTH / CELL_WIDTH + 1; ///< cells, two of them cut in half
@@ -129,6 +138,10 @@ void copy_charset(FirmwareImage image) {
 }
 } // namespace
 
+const state_record frame_buffer_record = {"frame_buffer", frame_buffer, FRAME_READ,
+                                          frame_buffer_fields};
+const state_record video_record = {"video", &video_state, sizeof video_state, video_fields};
+
 int video_screenx() { return SCREEN_WIDTH; }
 int video_screeny() { return SCREEN_HEIGHT; }
 
@@ -168,10 +181,7 @@ uint8_t video_character_pattern(uint8_t code, uint32_t y) {
 }
 
 void video_render_frame() {
-    // The shown lines and the one below them, which the composite filter reads under the last.
-    // Nothing reads the storage beyond.
-    std::memset(frame_buffer, video_graphic_background_selected,
-                size_t(SCREEN_WIDTH) * (SCREEN_HEIGHT + 1));
+    std::memset(frame_buffer, video_graphic_background_selected, FRAME_READ);
     const VisibleCells cells = visible_cells();
     if (video_mode != 0) return render_graphics(cells);
     render_text(cells);

@@ -6,6 +6,9 @@
 /// lines high. The full-frame renderer draws from the state of the moment; the beam engine
 /// (video_beam.h) draws while the processor runs.
 
+#include "cgenie/memory/memory.h"
+#include "wall/state_record.h"
+
 #include <cstddef>
 #include <cstdint>
 
@@ -18,14 +21,29 @@ enum : int {
 constexpr size_t FRAME_STORAGE = 1769472;
 
 extern uint8_t frame_buffer[FRAME_STORAGE];
-/// 256 characters of 8 rows, bit 7 leftmost.
-extern uint8_t current_charset[2048];
+/// Of the storage only the shown lines and the one below them, which the composite filter reads
+/// under the last: nothing ever reads the rest.
+extern const state_record frame_buffer_record;
 
-// The port FF latch as it was last written.
-extern uint8_t video_mode;             ///< nonzero = graphics
-extern uint8_t video_charset_selected; ///< 00, 08, 10 or 18
-extern uint8_t video_graphic_background_selected;
-extern uint8_t hires_palette[4]; ///< indices of the 2-bit pixels; entry 0 is the background
+/// The port FF latch as it was last written, and the character generator.
+struct video_circuit {
+    uint8_t mode;
+    uint8_t charset_selected;
+    uint8_t graphic_background_selected;
+    uint8_t hires_palette[4] = {BLACK_INDEX, 11, 6, 13};
+    uint8_t unused = 0;
+    uint8_t charset[CHARSET_SIZE];
+};
+extern video_circuit video_state;
+extern const state_record video_record;
+
+inline constexpr auto& video_mode = video_state.mode;                         ///< nonzero: graphics
+inline constexpr auto& video_charset_selected = video_state.charset_selected; ///< 00, 08, 10, 18
+inline constexpr auto& video_graphic_background_selected = video_state.graphic_background_selected;
+/// Indices of the 2-bit pixels; entry 0 is the background.
+inline constexpr auto& hires_palette = video_state.hires_palette;
+/// 256 characters of 8 rows, bit 7 leftmost.
+inline constexpr auto& current_charset = video_state.charset;
 
 int video_screenx(); ///< 384
 int video_screeny(); ///< 288

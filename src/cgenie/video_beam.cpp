@@ -22,35 +22,33 @@ constexpr double CENTRING_WEIGHT = 0.2;
 constexpr uint32_t CHARACTER_LINES = 8; ///< of the character tables
 constexpr uint32_t NO_CURSOR = VIDEO_RAM_MASK + 1;
 
-/// The counters of the controller.
-struct beam_state {
-    uint8_t column = 0;
-    uint8_t row = 0;                      ///< 0-127
-    uint8_t scan_line = 0;                ///< within the row, 0-31
-    uint8_t adjust_counter = 0;           ///< 0-31
-    uint32_t matrix_address = 0;          ///< offset in the video RAM, 14 bits
-    uint32_t matrix_latch = 0;            ///< offset of the row's first cell
-    uint32_t horizontal_sync_counter = 0; ///< 0 while there is no sync
-    uint32_t vertical_sync_counter = 0;
-    uint8_t blanking = 0;
-    uint8_t border = VERTICAL;
-    uint32_t odd_cycle = 0; ///< processor cycle that is half a character clock
+constexpr beam_counters& state = beam_state;
+
+constexpr state_field beam_fields[] = {
+    {"time", sizeof(beam_counters::time)},
+    {"lp_accu", sizeof(beam_counters::lp_accu)},
+    {"beam", sizeof(beam_counters::beam)},
+    {"vert_adj_average_lines", sizeof(beam_counters::vert_adj_average_lines)},
+    {"video_update_line", sizeof(beam_counters::video_update_line)},
+    {"matrix_address", sizeof(beam_counters::matrix_address)},
+    {"matrix_latch", sizeof(beam_counters::matrix_latch)},
+    {"horizontal_sync_counter", sizeof(beam_counters::horizontal_sync_counter)},
+    {"vertical_sync_counter", sizeof(beam_counters::vertical_sync_counter)},
+    {"odd_cycle", sizeof(beam_counters::odd_cycle)},
+    {"column", sizeof(beam_counters::column)},
+    {"row", sizeof(beam_counters::row)},
+    {"scan_line", sizeof(beam_counters::scan_line)},
+    {"adjust_counter", sizeof(beam_counters::adjust_counter)},
+    {"blanking", sizeof(beam_counters::blanking)},
+    {"border", sizeof(beam_counters::border)},
+    {"follows", sizeof(beam_counters::follows)},
+    {"unused", sizeof(beam_counters::unused)},
 };
-beam_state state;
 
-int video_update_line = -1; ///< number of the line under the beam, from 0 after a frame's end
+constexpr uint32_t SHOWN_END = SCREEN_WIDTH * SCREEN_HEIGHT;
 
-/// Where the next eight pixels go: always a multiple of eight pixels into the storage, which is one
-/// itself. A line starts at 379 + 144 at most: a frame misses 289 lines at most, and half of them
-/// go above the picture. From there the beam only moves on, and goes back at the end of the
-/// storage, so that it never leaves it.
-uint8_t* beam = frame_buffer;
-uint8_t* const STORAGE_END = frame_buffer + FRAME_STORAGE;
-uint8_t* const SHOWN_END = frame_buffer + SCREEN_WIDTH * SCREEN_HEIGHT;
-
-// Short frames are centred, and follow a change of the line count smoothly.
-int vert_adj_average_lines; ///< black lines above the frame
-double lp_accu;             ///< low-pass average of the missing lines
+uint8_t* pixels_at_beam() { return frame_buffer + state.beam; }
+void start_line(int line) { state.beam = uint32_t(line) * SCREEN_WIDTH; }
 
 void fill_lines(int first, int end) {
     if (first >= end) return;
@@ -60,16 +58,17 @@ void fill_lines(int first, int end) {
 
 void end_frame() {
     crtc_vblank();
-    const int missing = SCREEN_HEIGHT - video_update_line;
-    vert_adj_average_lines = lp_accu > 1.0 ? int(lp_accu) / 2 : 0;
-    lp_accu += (missing - lp_accu) * CENTRING_WEIGHT;
-    if (vert_adj_average_lines > 0) {
-        fill_lines(0, vert_adj_average_lines);
-        fill_lines(video_update_line + vert_adj_average_lines, SCREEN_HEIGHT);
+    const int missing = SCREEN_HEIGHT - state.video_update_line;
+    const int above = state.lp_accu > 1.0 ? int(state.lp_accu) / 2 : 0;
+    state.vert_adj_average_lines = above;
+    state.lp_accu += (missing - state.lp_accu) * CENTRING_WEIGHT;
+    if (above > 0) {
+        fill_lines(0, above);
+        fill_lines(state.video_update_line + above, SCREEN_HEIGHT);
     }
-    beam = frame_buffer + vert_adj_average_lines * SCREEN_WIDTH;
+    start_line(above);
     video_update_frame();
-    video_update_line = -1;
+    state.video_update_line = -1;
 }
 
 void start_picture() {
@@ -99,7 +98,7 @@ void step_vertical_sync() {
     if (state.vertical_sync_counter != crtc.sync_widths >> 4) return;
     state.blanking &= uint8_t(~VERTICAL);
     state.vertical_sync_counter = 0;
-    if (video_update_line + 1 >= SHORTEST_FRAME) end_frame();
+    if (state.video_update_line + 1 >= SHORTEST_FRAME) end_frame();
 }
 
 void end_scan_line() {
@@ -118,8 +117,8 @@ void end_scan_line() {
 }
 
 void retrace() {
-    if (++video_update_line > LAST_LINE) return end_frame();
-    beam = frame_buffer + (video_update_line + vert_adj_average_lines) * SCREEN_WIDTH;
+    if (++state.video_update_line > LAST_LINE) return end_frame();
+    start_line(state.video_update_line + state.vert_adj_average_lines);
 }
 
 void step_horizontal_sync() {
@@ -147,7 +146,7 @@ uint32_t cursor_offset() {
 
 void draw_graphics_cells(uint32_t address, uint32_t clocks) {
     const GraphicsColours colours = graphics_colours();
-    uint8_t* pixels = beam;
+    uint8_t* pixels = pixels_at_beam();
     for (; clocks > 0; --clocks, ++address, pixels += CELL_WIDTH) {
         draw_graphics(pixels, video_ram(address), colours);
     }
@@ -157,15 +156,15 @@ void draw_graphics_cells(uint32_t address, uint32_t clocks) {
 template <typename Pattern>
 inline void draw_text_cells(uint32_t address, uint32_t clocks, Pattern pattern) {
     const uint64_t background = in_every_pixel(video_graphic_background_selected);
-    uint8_t* pixels = beam;
+    uint8_t* pixels = pixels_at_beam();
     for (uint32_t n = 0; n < clocks; ++n, pixels += CELL_WIDTH) {
         draw_pattern(pixels, pattern(video_ram(address + n)), colour_ram(address + n), background);
     }
     const uint32_t cursor = cursor_offset();
     const uint32_t n = (cursor - address) & VIDEO_RAM_MASK;
     if (cursor > VIDEO_RAM_MASK || n >= clocks) return;
-    draw_pattern(beam + n * CELL_WIDTH, pattern(video_ram(cursor)) ^ 0xFF, colour_ram(cursor),
-                 background);
+    draw_pattern(pixels_at_beam() + n * CELL_WIDTH, pattern(video_ram(cursor)) ^ 0xFF,
+                 colour_ram(cursor), background);
 }
 
 void draw_text_cells(uint32_t address, uint32_t clocks) {
@@ -192,20 +191,20 @@ void fill_cells(uint8_t* pixels, uint64_t word, size_t cells) {
 inline void output(uint32_t address, uint32_t clocks) {
     if (state.blanking) {
         // Blanked, the beam stops where the shown area ends.
-        if (beam >= SHOWN_END) return;
-        const size_t shown = std::min<size_t>(clocks, size_t(SHOWN_END - beam) / CELL_WIDTH);
-        fill_cells(beam, in_every_pixel(BLACK_INDEX), shown);
-        beam += shown * CELL_WIDTH;
+        if (state.beam >= SHOWN_END) return;
+        const uint32_t shown = std::min(clocks, (SHOWN_END - state.beam) / CELL_WIDTH);
+        fill_cells(pixels_at_beam(), in_every_pixel(BLACK_INDEX), shown);
+        state.beam += shown * CELL_WIDTH;
         return;
     }
     if (state.border) {
-        fill_cells(beam, in_every_pixel(video_graphic_background_selected), clocks);
+        fill_cells(pixels_at_beam(), in_every_pixel(video_graphic_background_selected), clocks);
     } else if (video_mode) {
         draw_graphics_cells(address, clocks);
     } else {
         draw_text_cells(address, clocks);
     }
-    beam += clocks * CELL_WIDTH;
+    state.beam += clocks * CELL_WIDTH;
 }
 
 /// Everything that a character clock does before its output.
@@ -238,7 +237,7 @@ inline uint32_t clocks_without_event() {
     const uint8_t to_end = uint8_t(crtc.horizontal_total - state.column);
     const uint8_t to_border = uint8_t(crtc.horizontal_displayed - state.column - 1);
     const uint8_t to_sync = uint8_t(crtc.horizontal_sync_position - state.column - 1);
-    const uint32_t to_storage_end = uint32_t(STORAGE_END - beam) / CELL_WIDTH - 1;
+    const uint32_t to_storage_end = uint32_t(FRAME_STORAGE - state.beam) / CELL_WIDTH - 1;
     const uint32_t to_register = std::min<uint32_t>(std::min(to_end, to_border), to_sync);
     return std::min(std::min(to_register, to_storage_end), clocks_to_sync_step());
 }
@@ -258,7 +257,7 @@ uint32_t run_event(uint32_t clocks) {
     const uint32_t run = std::min(clocks - 1, clocks_without_event());
     count(run);
     output(address, run + 1);
-    if (beam == STORAGE_END) end_frame();
+    if (state.beam == FRAME_STORAGE) end_frame();
     return run + 1;
 }
 
@@ -270,13 +269,11 @@ void run_clocks(uint32_t clocks) {
     while (clocks > 0) clocks -= run_event(clocks);
 }
 
-int64_t beam_time; ///< processor cycle of the last catch-up
-
 /// Runs the beam up to the processor cycle `time`.
 void catch_up(int64_t time) {
-    if (time == beam_time) return;
-    const auto half_clocks = uint32_t(time - beam_time) + state.odd_cycle;
-    beam_time = time;
+    if (time == state.time) return;
+    const auto half_clocks = uint32_t(time - state.time) + state.odd_cycle;
+    state.time = time;
     state.odd_cycle = half_clocks % 2;
     if (crtc.horizontal_total != 0) run_clocks(half_clocks / 2); // programmed
 }
@@ -287,20 +284,20 @@ void catch_up(int64_t time) {
 bool lag_shows(uint32_t address) {
     if (address >= CHARACTER_RAM_START) return true;
     const uint32_t mask = address >= COLOUR_RAM_START ? COLOUR_RAM_MASK : VIDEO_RAM_MASK;
-    const int64_t clocks = (z80_state.t_count - beam_time) / 2 + 1;
+    const int64_t clocks = (z80_state.t_count - state.time) / 2 + 1;
     const auto reached_from = [=](uint32_t first) { return ((address - first) & mask) <= clocks; };
     return reached_from(state.matrix_address) || reached_from(state.matrix_latch) ||
            reached_from(crtc.start_address);
 }
 
 void start_following() {
-    beam_time = z80_state.t_count;
-    video_beam_follows = true;
+    state.time = z80_state.t_count;
+    state.follows = 1;
 }
 
 void stop_following() {
     catch_up(z80_state.t_count);
-    video_beam_follows = false;
+    state.follows = 0;
 }
 
 /// Processor and beam, instruction by instruction, until the cycles are used or `stop` answers
@@ -316,7 +313,8 @@ int32_t run_until(int32_t cycles, Stop stop) {
 }
 } // namespace
 
-bool video_beam_follows = false;
+beam_counters beam_state = {};
+const state_record beam_record = {"beam", &beam_state, sizeof beam_state, beam_fields};
 
 int32_t video_run_cycles(int32_t cycles) {
     if (z80_state.breakpoint_enabled) return run_until(cycles, cpu_breakpoint_arrives);
@@ -343,6 +341,6 @@ void video_do_cycles(uint32_t clocks) {
 }
 
 void video_beam_reset_centring() {
-    vert_adj_average_lines = 0;
-    lp_accu = 0;
+    state.vert_adj_average_lines = 0;
+    state.lp_accu = 0;
 }

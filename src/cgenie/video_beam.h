@@ -25,7 +25,37 @@
 ///
 /// Between runs there is no lag: a loader or a snapshot changes memory without announcing it.
 
+#include "wall/state_record.h"
+
 #include <cstdint>
+
+/// The counters of the controller, and where the beam stands.
+struct beam_counters {
+    int64_t time;   ///< processor cycle of the last catch-up
+    double lp_accu; ///< low-pass average of the lines that a frame lacks
+    /// Where in the frame storage the next eight pixels go: always a multiple of eight, which the
+    /// storage is itself. A line starts at 379 + 144 at most: a frame lacks 289 lines at most, and
+    /// half of them go above the picture. From there the beam only moves on, and goes back at the
+    /// end of the storage, so that it never leaves it.
+    uint32_t beam;
+    int32_t vert_adj_average_lines;   ///< black lines above a short frame, which centre it
+    int32_t video_update_line = -1;   ///< the line under the beam, from 0 after a frame's end
+    uint32_t matrix_address;          ///< offset in the video RAM, 14 bits
+    uint32_t matrix_latch;            ///< offset of the row's first cell
+    uint32_t horizontal_sync_counter; ///< 0 while there is no sync
+    uint32_t vertical_sync_counter;
+    uint32_t odd_cycle; ///< processor cycle that is half a character clock
+    uint8_t column;
+    uint8_t row;            ///< 0-127
+    uint8_t scan_line;      ///< within the row, 0-31
+    uint8_t adjust_counter; ///< 0-31
+    uint8_t blanking;       ///< bit 0 vertical, bit 1 horizontal
+    uint8_t border = 1;     ///< the same
+    uint8_t follows;        ///< the processor runs, and the beam behind it
+    uint8_t unused;
+};
+extern beam_counters beam_state;
+extern const state_record beam_record;
 
 /// Runs processor and beam for one frame's budget of processor cycles. Frames are presented when
 /// the vertical sync ends, independent of the budget. Returns what is left of it: more than 0 only
@@ -36,7 +66,7 @@ int32_t video_step(int32_t cycles);
 /// Runs the beam alone for `clocks` character clocks.
 void video_do_cycles(uint32_t clocks);
 
-extern bool video_beam_follows; ///< the processor runs, and the beam behind it
+inline constexpr auto& video_beam_follows = beam_state.follows;
 /// While it follows: catches up to the start of the present instruction.
 void video_beam_catch_up();
 /// The same if the lag may show the byte at `address`, else nothing.

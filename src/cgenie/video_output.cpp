@@ -39,7 +39,8 @@ uint8_t* write_line(uint8_t* destination, const Pixel* line, bool doubled, bool 
     return destination + 2 * sizeof wide;
 }
 
-/// The last picture that has gone through the composite filter, and what came out.
+/// The last picture that has gone through the composite filter, and what came out. A cache, and no
+/// part of the machine's state: every line is compared with it before it is used.
 struct FilteredPicture {
     bool valid = false;
     yuv_pixel palette[std::size(yuv_palette)];

@@ -1,6 +1,13 @@
 #include "core/machine_state.h"
 
+#include "cgenie/bus.h"
+#include "cgenie/crtc.h"
+#include "cgenie/hires_lowe.h"
+#include "cgenie/memory/memory.h"
+#include "cgenie/palette.h"
 #include "cgenie/typing/typing.h"
+#include "cgenie/video.h"
+#include "cgenie/video_beam.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"
 #include "media/wd1771.h"
@@ -22,6 +29,14 @@ constexpr const state_record* records[] = {
     &z80_state_record,
     &frame_state_record,
     &machine_setup_state,
+    &memory_record,
+    &bus_record,
+    &crtc_record,
+    &video_record,
+    &frame_buffer_record,
+    &beam_record,
+    &palette_record,
+    &lowe_record,
     &typing_record,
     &ay_record,
     &beeper_record,

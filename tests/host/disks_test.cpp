@@ -1,4 +1,5 @@
 #include "cgenie/memory/memory.h"
+#include "cgenie/roms.h"
 #include "cgenie/typing/typing.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"

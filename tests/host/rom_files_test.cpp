@@ -23,8 +23,8 @@ TEST_F(RomFiles, TheFileThatTheSettingNamesIsReadAsFarAsItGoes) {
         const char* name;
         int size; ///< of the file; -1: there is none, -2: it is a directory
         int found;
-    } const cases[] = {{"exact", 16384, 16384}, {"short", 4096, 4096}, {"empty", 0, 0},
-                       {"longer", 20000, 16384}, {"missing", -1, 0},   {"directory", -2, 0}};
+    } const cases[] = {{"exact", 16384, 16384},  {"short", 4096, 4096}, {"empty", 0, 0},
+                       {"longer", 20000, 16384}, {"missing", -1, 0},    {"directory", -2, 0}};
     const std::pair<rom_file, const char*> settings[] = {{ROM_BASIC, "BasicROMPath"},
                                                          {ROM_EXPANSION, "ExpansionROMPath"},
                                                          {ROM_CHARACTERS, "CharROMPath"}};
