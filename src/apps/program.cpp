@@ -1,10 +1,10 @@
 #include "apps/program.h"
 
 #include "files/user_paths.h"
+#include "host/dialogs/compression_dialog.h"
 #include "host/disks.h"
 #include "host/messages.h"
 #include "host/options.h"
-#include "host/recording/video_codec.h"
 #include "host/shell.h"
 #include "platform/headless/headless.h"
 #include "z80/disassembler.h"

@@ -2,9 +2,9 @@
 
 #include "cgenie/palette.h"
 #include "core/pacing/pacing.h"
+#include "host/dialogs/compression_dialog.h"
 #include "host/display.h"
 #include "host/menu.h"
-#include "host/recording/video_codec.h"
 #include "host/shell.h"
 #include "platform/platform.h"
 #include "sound/output/sound_ring.h"

@@ -5,6 +5,7 @@
 #include "cgenie/video_cell.h"
 #include "core/pacing/pacing.h"
 #include "files/file_handle.h"
+#include "host/recording/bmp.h"
 #include "host/recording/gif.h"
 #include "host/rom_files.h"
 #include "wall/machine_host.h"
@@ -45,6 +46,16 @@ std::string get_next_fname(const std::string& extension, const std::string& base
             return name;
         }
     }
+}
+
+int dib_save_to_file(const dib& bitmap, const std::string& path) {
+    if (!bmp_save(path, bitmap)) return 0;
+    StatusBarText("Screenshot saved: %s", path.c_str());
+    return 1;
+}
+
+int dib_save(const dib& bitmap, const std::string& base) {
+    return dib_save_to_file(bitmap, get_next_fname("bmp", base));
 }
 
 int gif_write_as(const std::string& path, const dib& bitmap) {

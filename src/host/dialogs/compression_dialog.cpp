@@ -1,4 +1,5 @@
-#include "host/recording/video_codec.h"
+#include "host/dialogs/compression_dialog.h"
+
 #include "platform/platform.h"
 
 #include <algorithm>

@@ -7,7 +7,7 @@
 /// written anew every second: whatever ends the program, the file plays up to there.
 
 #include "files/file_handle.h"
-#include "host/canvas.h"
+#include "host/recording/picture.h"
 
 #include <array>
 #include <span>

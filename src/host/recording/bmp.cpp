@@ -1,7 +1,6 @@
-#include "host/screenshot.h"
+#include "host/recording/bmp.h"
 
 #include "files/whole_file.h"
-#include "wall/machine_host.h"
 
 #include <array>
 #include <cstdlib>
@@ -21,13 +20,13 @@ uint8_t* put16(uint8_t* at, uint32_t value) {
 
 uint8_t* put32(uint8_t* at, uint32_t value) { return put16(put16(at, value), value >> 16); }
 
-/// The file header and the canvas header; a positive height says that the bottom row comes first.
-Headers make_headers(const dib& bitmap, size_t row_bytes) {
-    const uint32_t pixel_offset = uint32_t(HEADERS_SIZE + bitmap.palette.size());
-    const bitmap_header& header = bitmap.header;
+/// The file header and the picture's; a positive height says that the bottom row comes first.
+Headers make_headers(const dib& picture, size_t row_bytes) {
+    const uint32_t pixel_offset = uint32_t(HEADERS_SIZE + picture.palette.size());
+    const bitmap_header& header = picture.header;
     Headers bytes;
     uint8_t* at = put16(bytes.data(), 'B' | 'M' << 8);
-    at = put32(at, uint32_t(size_t(bitmap.height) * row_bytes) + pixel_offset);
+    at = put32(at, uint32_t(size_t(picture.height) * row_bytes) + pixel_offset);
     at = put32(at, 0);
     at = put32(at, pixel_offset);
     at = put32(at, header.size);
@@ -45,23 +44,15 @@ Headers make_headers(const dib& bitmap, size_t row_bytes) {
 }
 } // namespace
 
-int dib_save_to_file(const dib& bitmap, const std::string& path) {
-    const size_t row_bytes = size_t(bitmap.width) * bitmap.header.bits / 8;
-    const Headers headers = make_headers(bitmap, row_bytes);
+bool bmp_save(const std::string& path, const dib& picture) {
+    const size_t row_bytes = size_t(picture.width) * picture.header.bits / 8;
+    const Headers headers = make_headers(picture, row_bytes);
     std::vector<uint8_t> file(headers.begin(), headers.end());
-    file.reserve(headers.size() + bitmap.palette.size() + size_t(bitmap.height) * row_bytes);
-    file.insert(file.end(), bitmap.palette.begin(), bitmap.palette.end());
-    for (size_t row = size_t(bitmap.height); row-- > 0;) {
-        const auto first = bitmap.pixels.begin() + std::ptrdiff_t(row * row_bytes);
+    file.reserve(headers.size() + picture.palette.size() + size_t(picture.height) * row_bytes);
+    file.insert(file.end(), picture.palette.begin(), picture.palette.end());
+    for (size_t row = size_t(picture.height); row-- > 0;) {
+        const auto first = picture.pixels.begin() + std::ptrdiff_t(row * row_bytes);
         file.insert(file.end(), first, first + std::ptrdiff_t(row_bytes));
     }
-    if (!replace_whole_file(path, file)) {
-        return 0;
-    }
-    StatusBarText("Screenshot saved: %s", path.c_str());
-    return 1;
-}
-
-int dib_save(const dib& bitmap, const std::string& base) {
-    return dib_save_to_file(bitmap, get_next_fname("bmp", base));
+    return replace_whole_file(path, file);
 }

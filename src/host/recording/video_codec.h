@@ -38,11 +38,3 @@ std::vector<video_codec_kind> video_codecs();
 /// Those of libavcodec, which the first call loads; none where it is not installed, and in a
 /// program that was built without it.
 std::vector<video_codec_kind> libav_codecs();
-
-/// Answers the question below in advance, for the rest of the run, with the name of a codec.
-void answer_video_compression(const std::string& name);
-/// Why that codec cannot be had for such pictures; empty when it can, and without an answer.
-std::string video_compression_problem(const bitmap_header& header);
-/// Lets the user choose a codec for such pictures; the choice is offered again the next time.
-/// Nothing when cancelled, or when an answer in advance names no such codec.
-std::optional<video_codec_kind> ui_choose_video_compression(const bitmap_header& header);
