@@ -19,7 +19,6 @@
 #include "z80/z80.h"
 
 #include <algorithm>
-#include <array>
 #include <filesystem>
 #include <string_view>
 #include <unistd.h>
@@ -58,10 +57,21 @@ void boot_to_basic() {
     machine_reset();
 }
 
-// What a file is loaded by. False when it was not loaded, which has been reported, or when nothing
-// is to be said.
+using Bytes = std::span<const uint8_t>;
 
-bool start_cmd(const std::string& path) {
+/// Tells the user when the contents are damaged, with `text` in the status bar.
+bool bytes_are_whole(const std::string& path, Bytes bytes, std::string (*damage)(Bytes),
+                     const std::string& text) {
+    const std::string reason = damage(bytes);
+    if (reason.empty()) return true;
+    report({.text = text, .file = path, .reason = reason});
+    return false;
+}
+
+// What a file is loaded by. False when it was not loaded, which has been reported, or when nothing
+// is to be said. Cassettes and disks go by their path: their files follow what the machine writes.
+
+bool start_cmd(const std::string& path, Bytes bytes) {
     const FileHandle file = open_file(path, "rb");
     if (!file) {
         report({.text = path + ": cannot be read"});
@@ -72,10 +82,10 @@ bool start_cmd(const std::string& path) {
     uint16_t entry = 0;
     load_cmd(file.get(), &entry);
     if (g_bAutoStart) z80_state.pc = entry;
-    return is_whole(path, load_module_damage, path + " is damaged");
+    return bytes_are_whole(path, bytes, load_module_damage, path + " is damaged");
 }
 
-bool start_cassette(const std::string& path) {
+bool start_cassette(const std::string& path, Bytes bytes) {
     if (!tape_attach_cas(path)) {
         tell_bad_image(path);
         return false;
@@ -89,10 +99,10 @@ bool start_cassette(const std::string& path) {
     if (kind == TAPE_MACHINE_CODE) {
         keyboard_open_from_buffer(std::string("\r\r\r\rSYSTEM\r\r") + name + "\r\r/\r");
     }
-    return is_whole(path, tape_damage, path + " is damaged");
+    return bytes_are_whole(path, bytes, tape_damage, path + " is damaged");
 }
 
-bool start_disk(const std::string& path) {
+bool start_disk(const std::string& path, Bytes /*bytes*/) {
     const bool control = platform().keyboard().control_is_held(); // before a question
     const bool attached = give_disk(0, path);
     if (control) {
@@ -102,7 +112,12 @@ bool start_disk(const std::string& path) {
     return attached;
 }
 
-bool start_snapshot(const std::string& path) { return load_snapshot(path); }
+bool start_snapshot(const std::string& path, Bytes bytes) {
+    if (!bytes_are_whole(path, bytes, snapshot_damage, path + " is not a snapshot")) return false;
+    // A snapshot does not hold what the firmware has set the picture's controller to.
+    if (is_starting_up()) run_start_up_frames();
+    return snapshot_load(path.c_str(), memory_get_ram()) != 0;
+}
 
 /// `keys` follow the loading of a tokenized program.
 bool give_basic(const std::string& path, const std::string& keys) {
@@ -126,25 +141,25 @@ bool give_basic(const std::string& path, const std::string& keys) {
     return true;
 }
 
-bool start_basic(const std::string& path) { return give_basic(path, "RUN\r"); }
+bool start_basic(const std::string& path, Bytes /*bytes*/) { return give_basic(path, "RUN\r"); }
 
-struct Loader {
-    std::string_view extension;
-    bool (*start)(const std::string& path);
+constexpr Loader loaders[] = {
+    {"bas", ROLE_START | ROLE_TYPE, start_basic},
+    {"cas", ROLE_START | ROLE_TAPE, start_cassette},
+    {"cgd", ROLE_START | ROLE_DISK, start_disk},
+    {"cgt", ROLE_START | ROLE_TAPE, start_cassette},
+    {"cmd", ROLE_START, start_cmd},
+    {"dsk", ROLE_START | ROLE_DISK, start_disk},
+    {"img", ROLE_DISK, start_disk},
+    {"jzs", ROLE_START | ROLE_STATE, start_snapshot},
+    {"txt", ROLE_START | ROLE_TYPE, start_basic},
 };
-constexpr std::array<Loader, 8> loaders = {{{"cmd", start_cmd},
-                                            {"cas", start_cassette},
-                                            {"cgt", start_cassette},
-                                            {"dsk", start_disk},
-                                            {"cgd", start_disk},
-                                            {"jzs", start_snapshot},
-                                            {"bas", start_basic},
-                                            {"txt", start_basic}}};
 
-const Loader* loader_of(const std::string& path) {
+/// Null for a file that cannot be started.
+const Loader* starter_of(const std::string& path) {
     const std::string extension = lower_case_extension(path);
     const auto* found = std::ranges::find(loaders, extension, &Loader::extension);
-    return found == loaders.end() ? nullptr : found;
+    return found != std::end(loaders) && found->roles & ROLE_START ? found : nullptr;
 }
 
 } // namespace
@@ -161,27 +176,30 @@ std::string file_problem(const std::string& path) {
     return {};
 }
 
-bool is_whole(const std::string& path, std::string (*damage)(std::span<const uint8_t>),
-              const std::string& text) {
+bool is_whole(const std::string& path, std::string (*damage)(Bytes), const std::string& text) {
     const auto bytes = read_whole_file(path);
-    const std::string reason = bytes ? damage(*bytes) : "";
-    if (reason.empty()) return true;
-    report({.text = text, .file = path, .reason = reason});
-    return false;
+    return !bytes || bytes_are_whole(path, *bytes, damage, text);
 }
 
 bool load_snapshot(const std::string& path) {
     const std::string problem = file_problem(path);
     if (!problem.empty()) return report({.text = problem}), false;
-    if (!is_whole(path, snapshot_damage, path + " is not a snapshot")) return false;
-    // A snapshot does not hold what the firmware has set the picture's controller to.
-    if (is_starting_up()) run_start_up_frames();
-    return snapshot_load(path.c_str(), memory_get_ram()) != 0;
+    const auto bytes = read_whole_file(path);
+    return bytes && start_snapshot(path, *bytes);
+}
+
+std::string patterns_of(uint8_t roles) {
+    std::string patterns;
+    for (const Loader& loader : loaders) {
+        if ((loader.roles & roles) == 0) continue;
+        patterns += (patterns.empty() ? "*." : ";*.") + std::string(loader.extension);
+    }
+    return patterns;
 }
 
 std::string start_problem(const std::string& path) {
     std::string problem = file_problem(path);
-    if (problem.empty() && !loader_of(path)) {
+    if (problem.empty() && !starter_of(path)) {
         problem = path + ": files of this type cannot be started";
     }
     return problem;
@@ -194,7 +212,9 @@ void autostart_file(const std::string& given) {
 
     const std::string problem = start_problem(path);
     if (!problem.empty()) return report({.text = problem});
-    if (!loader_of(path)->start(path)) return;
+    const auto bytes = read_whole_file(path);
+    if (!bytes) return report({.text = path + ": cannot be read"});
+    if (!starter_of(path)->load(path, *bytes)) return;
     StatusBarText("Autoloaded: %s", path.c_str());
 }
 

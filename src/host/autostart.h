@@ -4,9 +4,29 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <string_view>
 
 /// Cleared for one evaluation of the command line: load, but do not start.
 extern bool g_bAutoStart;
+
+/// What files of a type can be used for.
+enum LoaderRole : uint8_t {
+    ROLE_START = 1,
+    ROLE_DISK = 2,
+    ROLE_TAPE = 4,
+    ROLE_TYPE = 8, ///< their text is typed in
+    ROLE_STATE = 16
+};
+
+/// A type of file that the program opens.
+struct Loader {
+    std::string_view extension; ///< in small letters
+    uint8_t roles;
+    bool (*load)(const std::string& path, std::span<const uint8_t> bytes);
+};
+
+/// The file names of all types with one of the roles, as a dialog's filter: "*.a;*.b".
+std::string patterns_of(uint8_t roles);
 
 /// Loads and starts the file, and says so in the status bar. Its name without the extension becomes
 /// the base name of screenshots, until a reset, with which the start of a cassette begins. A file

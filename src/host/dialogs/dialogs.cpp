@@ -72,6 +72,7 @@ const std::map<int, FileDialogText>& dialog_types() {
 }
 
 std::array<int, DIALOG_TYPES> filter_index = {};
+std::map<int, FileFilter> offered_filters; ///< by type
 
 /// What the address panel offers: the BASIC program, and the address of the NMI, which the reset
 /// key raises, to start at.
@@ -152,8 +153,11 @@ int ui_select_file(int type, std::string* path) {
     const bool save = !filters.front().extension.empty();
     const bool with_panel = type == DIALOG_MEMORY_AS_CAS;
     int& filter = filter_index[size_t(type)];
-    const FileDialog dialog = {title, filters, filter, save,
-                               with_panel ? address_panel() : std::vector<FileDialogField>()};
+    FileDialog dialog = {title, filters, filter, save,
+                         with_panel ? address_panel() : std::vector<FileDialogField>()};
+    if (const auto offered = offered_filters.find(type); offered != offered_filters.end()) {
+        dialog.filters.insert(dialog.filters.end() - 1, offered->second);
+    }
     const auto choice = save ? choose_to_save(dialog) : platform().dialogs().choose_file(dialog);
     if (!choice) return 0;
     if (with_panel) std::copy_n(choice->field_texts.begin(), sMyData.size(), sMyData.begin());
@@ -162,6 +166,8 @@ int ui_select_file(int type, std::string* path) {
     if (!save) StatusBarText("Image attached: %s.", path->c_str());
     return 1;
 }
+
+void ui_offer_filter(int type, const FileFilter& filter) { offered_filters[type] = filter; }
 
 void ui_show_text(const std::string& title, const std::string& text) {
     using enum ControlKind;

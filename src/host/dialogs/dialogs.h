@@ -1,6 +1,8 @@
 #pragma once
 /// Dialogs' logic, the clipboard copy and the drive lamps.
 
+#include "platform/dialogs.h"
+
 #include <array>
 #include <string>
 
@@ -28,6 +30,8 @@ enum FileDialogType : int {
 /// to save gets the type's extension when it has no point; an existing file is only chosen when the
 /// user agrees that it is replaced.
 int ui_select_file(int type, std::string* path);
+/// From here on the dialogs of this type have another filter in front of that for all files.
+void ui_offer_filter(int type, const FileFilter& filter);
 /// Shows lines of text in a box of their own.
 void ui_show_text(const std::string& title, const std::string& text);
 /// From, end and start address of the address panel, as typed.
