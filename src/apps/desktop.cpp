@@ -1,7 +1,6 @@
 /// Picks the platform and starts the shell.
 
 #include "apps/program.h"
-#include "host/disks.h"
 #include "host/shell.h"
 #include "platform/qt/qt_platform.h"
 
@@ -21,8 +20,7 @@ int run_desktop(int argc, char** argv) {
     const CommandLine line = read_command_line(rest);
     if (!line.refusal.empty()) return fail(line.refusal);
     install_platform(host);
-    keep_disk_journals = true;
-    const int exit_code = run_shell(line);
+    const int exit_code = run_shell({.line = line, .keep_disk_journals = true});
     print_results(line);
     return exit_code;
 }

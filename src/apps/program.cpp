@@ -1,10 +1,7 @@
 #include "apps/program.h"
 
 #include "files/user_paths.h"
-#include "host/dialogs/compression_dialog.h"
-#include "host/disks.h"
 #include "host/messages.h"
-#include "host/options.h"
 #include "host/shell.h"
 #include "platform/headless/headless.h"
 #include "z80/disassembler.h"
@@ -99,12 +96,8 @@ int run_headless(const CommandLine& line) {
     HeadlessPlatform host(headless);
     HeadlessPlatform::stop_on_signals();
     install_platform(host);
-    for (const auto& [name, value] : line.settings) store_setting(name, value);
-    // There is nobody to choose.
-    answer_video_compression(host.settings().text("VideoCodec").value_or("uncompressed"));
-    breakpoint_opens_monitor = false;
-    save_changed_disks = line.save_disks;
-    const int exit_code = run_shell(line);
+    const int exit_code =
+        run_shell({.line = line, .unattended = true, .save_changed_disks = line.save_disks});
     print_results(line);
     return exit_code == 0 && failure_was_reported() ? 1 : exit_code;
 }

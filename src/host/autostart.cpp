@@ -24,8 +24,6 @@
 #include <unistd.h>
 #include <utility>
 
-bool g_bAutoStart = true;
-
 namespace {
 
 namespace fs = std::filesystem;

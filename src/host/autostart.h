@@ -1,13 +1,12 @@
 #pragma once
 /// Autostart: loads a file by its extension and starts it.
 
+#include "host/shell_state.h"
+
 #include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
-
-/// Cleared for one evaluation of the command line: load, but do not start.
-extern bool g_bAutoStart;
 
 /// What files of a type can be used for.
 enum LoaderRole : uint8_t {

@@ -338,7 +338,7 @@ void handle_command(int id) {
 }
 
 int host_breakpoint_reached() {
-    if (!breakpoint_opens_monitor) return 0;
+    if (shell_state.start.unattended) return 0;
     if (!g_bDebug) handle_command(COMMAND_MONITOR);
     monitor_select_page(MONITOR_DISASSEMBLY);
     debug();

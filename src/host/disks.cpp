@@ -6,6 +6,7 @@
 #include "host/disk_journal.h"
 #include "host/disk_questions.h"
 #include "host/menu.h"
+#include "host/shell_state.h"
 #include "media/files/drive_files.h"
 #include "platform/platform.h"
 #include "wall/machine_host.h"
@@ -16,9 +17,6 @@
 #include <filesystem>
 #include <utility>
 #include <vector>
-
-bool keep_disk_journals = false;
-bool save_changed_disks = false;
 
 namespace {
 
@@ -89,7 +87,7 @@ bool save_disk(unsigned drive) {
 /// False when the disk is to stay.
 bool settle_changes(unsigned drive) {
     if (!wd1771.disks[drive].modified) return true;
-    if (save_changed_disks) return save_disk(drive);
+    if (shell_state.start.save_changed_disks) return save_disk(drive);
     switch (ask_for_changes(drive)) {
     case ChangesAnswer::save: return save_disk(drive);
     case ChangesAnswer::discard: return true;
@@ -137,7 +135,7 @@ void tell_protected(unsigned drive, const std::string& reason, Severity severity
 void claim_image(unsigned drive) {
     if (wd1771.disks[drive].write_protected) return;
     const disk_file& file = drive_files[drive];
-    bool taken = keep_disk_journals && journal_is_in_use(file);
+    bool taken = shell_state.start.keep_disk_journals && journal_is_in_use(file);
     for (const std::string& name : claimed_names(file)) {
         NameClaim claim(name);
         taken = taken || claim.result() == NameClaim::Result::taken;
@@ -181,7 +179,7 @@ void offer_journal(unsigned drive) {
 }
 
 void watch_journal(unsigned drive) {
-    if (!keep_disk_journals || wd1771.disks[drive].write_protected) return;
+    if (!shell_state.start.keep_disk_journals || wd1771.disks[drive].write_protected) return;
     cares[drive].journal_waits = true;
     protect(drive, true); // until it is known what the disk holds
     if (journals_are_offered) offer_journal(drive);
@@ -208,7 +206,7 @@ bool keep_journal(unsigned drive) {
 void leave_unsaved(unsigned drive) {
     const std::string path = drive_files[drive].path;
     const std::string disk_text = "Disk content in " + drive_name(drive) + " has changed";
-    if (save_changed_disks) {
+    if (shell_state.start.save_changed_disks) {
         const bool changed = diskimg_file_changed(drive);
         const auto rescue = diskimg_rescue(drive);
         report({.text = disk_text + " and cannot be saved",
@@ -217,7 +215,7 @@ void leave_unsaved(unsigned drive) {
                     changed ? "another program has changed the file" : "the file cannot be written",
                 .remedy = rescue ? "The disk is in " + *rescue + "."
                                  : "No copy of it could be made: the changes are lost."});
-    } else if (!keep_disk_journals) {
+    } else if (!shell_state.start.keep_disk_journals) {
         report({.text = disk_text + " and is not saved",
                 .file = path,
                 .remedy = "--save-disks saves it.",
@@ -313,7 +311,7 @@ void main_disk_offer_journals() {
 }
 
 void main_disk_keep_journals() {
-    if (!keep_disk_journals) return;
+    if (!shell_state.start.keep_disk_journals) return;
     last_kept = platform().clock().counter();
     for (unsigned drive = 0; drive < DISK_DRIVES; ++drive) {
         if (diskimg_inserted(wd1771.disks[drive])) keep_journal(drive);
@@ -323,7 +321,8 @@ void main_disk_keep_journals() {
 void main_disk_keep_journals_when_due() {
     // A little less than the second, in which frames come at their own times.
     const int64_t interval = pacing.two_seconds / 2 * 9 / 10;
-    if (!keep_disk_journals || pacing.elapsed_counter - last_kept < interval) return;
+    if (!shell_state.start.keep_disk_journals || pacing.elapsed_counter - last_kept < interval)
+        return;
     main_disk_keep_journals();
 }
 

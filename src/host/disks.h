@@ -9,11 +9,6 @@
 
 #include <string>
 
-/// Whether what is written to a disk is kept in a journal, and journals left behind are offered.
-extern bool keep_disk_journals;
-/// Changes of a disk that is taken out are saved without a question.
-extern bool save_changed_disks;
-
 /// False when the drive has not got the image.
 bool main_disk_image_attach(unsigned drive, const std::string& path);
 /// What the drive had at the end of the last run; an empty path for nothing.
@@ -41,5 +36,5 @@ void main_disk_keep_journals_when_due();
 void main_disk_follow_machine();
 /// The program's end. Takes out all disks as above; from the first one that stays, what was written
 /// is left in the journals. Where there is none, a changed disk is rescued, or without
-/// keep_disk_journals only reported.
+/// journals only reported.
 void main_disk_end();

@@ -15,19 +15,10 @@
 
 #include <string>
 
-bool g_GiantScreen = false;
-bool g_bDblScan = true;
-bool g_1bitDisplay = false;
-uint32_t g_CompositeBlur = 0;
-bool video_cut = false;
-bool video_page = false;
-
 int g_iScreenX = 0;
 int g_iScreenY = 0;
 int cx = 0;
 int cy = 0;
-bool g_bUseGDI = true;
-int g_bFullScreen = 0;
 Rectangle g_rcScreen;
 Rectangle g_rcViewport;
 

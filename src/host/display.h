@@ -2,20 +2,13 @@
 /// Display output: the canvas follows the display options; one frame at a time is drawn into it and
 /// presented, 1:1 in the window or stretched over the whole screen with its 4:3 aspect kept.
 
+#include "host/shell_state.h"
 #include "platform/geometry.h"
 
 #include <cstdint>
 
-extern bool g_GiantScreen;       ///< canvas of 768 x 576 instead of 384 x 288
-extern bool g_bDblScan;          ///< repeat every line of the giant canvas; off leaves gaps
-extern bool g_1bitDisplay;       ///< monochrome canvas, only without giant screen
-extern uint32_t g_CompositeBlur; ///< nonzero: composite filter, canvas of 32 bits per pixel
-extern bool video_cut, video_page;
-
 extern int g_iScreenX, g_iScreenY; ///< canvas size, for the copy into the window
 extern int cx, cy;                 ///< outer size of the window that fits the canvas
-extern bool g_bUseGDI;             ///< the window presents; off while the whole screen does
-extern int g_bFullScreen;          ///< 0 windowed, else 1 + g_bUseGDI as it was
 extern Rectangle g_rcScreen;       ///< target of the stretch, in screen coordinates
 extern Rectangle g_rcViewport;     ///< its source: the canvas
 

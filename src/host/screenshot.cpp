@@ -14,8 +14,6 @@
 #include <cerrno>
 #include <cstring>
 
-bool save_video_ram_w_screenshot = false;
-
 namespace {
 constexpr size_t GIF_COLOURS = 256;
 constexpr size_t DUMP_SIZE = 1024;

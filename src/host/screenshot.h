@@ -3,11 +3,9 @@
 
 #include "core/pacing/pacing.h"
 #include "host/canvas.h"
+#include "host/shell_state.h"
 
 #include <string>
-
-/// Every screenshot is followed by a dump of the screen memory.
-extern bool save_video_ram_w_screenshot;
 
 /// The first name of base0000.ext, base0001.ext, ... that cannot be opened for reading. An empty
 /// base stands for "Tarvelin".

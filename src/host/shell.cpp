@@ -12,6 +12,7 @@
 #include "host/avi.h"
 #include "host/canvas.h"
 #include "host/commands.h"
+#include "host/dialogs/compression_dialog.h"
 #include "host/dialogs/dialogs.h"
 #include "host/disk_rom.h"
 #include "host/disks.h"
@@ -38,17 +39,8 @@
 #include <random>
 #include <string>
 
-bool g_bActive = true;
-bool g_bPaused = false;
-bool g_bDebug = false;
-bool breakpoint_opens_monitor = true;
-bool g_bRunInBackground = false;
-bool g_bSound = true;
-bool g_KeyMapping = false;
-bool kept_key_mapping = false;
-uint32_t sound_latency = DEFAULT_LATENCY;
+shell_record shell_state;
 std::string emu_path;
-std::string avi_name;
 
 namespace {
 
@@ -64,15 +56,24 @@ void tell_what_is_left_out(const CommandLine& line) {
     }
 }
 
+void take_over(const ShellOptions& options) {
+    shell_state.start = options;
+    for (const auto& [name, value] : options.line.settings) store_setting(name, value);
+    if (!options.unattended) return;
+    answer_video_compression(platform().settings().text("VideoCodec").value_or("uncompressed"));
+}
+
 } // namespace
 
 void activate_after_toggle() { g_bActive = !g_bActive && !g_bDebug && !g_bPaused; }
 
 void activate_unless_held() { g_bActive = !g_bPaused && !g_bDebug; }
 
-void emu_init(const CommandLine& line) {
+void emu_init(const ShellOptions& options) {
+    const CommandLine& line = options.line;
     connect_machine();
     take_immediate_events();
+    take_over(options);
     const std::string data_directory = platform().paths().data_directory();
     CreateStatusBar();
     emu_path = platform().paths().program_directory() + "/";
@@ -135,7 +136,8 @@ void emu_close() {
     prefs_done();
 }
 
-int run_shell(const CommandLine& line) {
+int run_shell(const ShellOptions& options) {
+    const CommandLine& line = options.line;
     connect_machine();
     Window& window = platform().window();
     if (!window.create(WINDOW_TITLE)) return 0;
@@ -143,7 +145,7 @@ int run_shell(const CommandLine& line) {
     window.set_readable("Colour Genie screen", shown_text);
     remove_unfinished_files();
     hold_message_boxes();
-    emu_init(line);
+    emu_init(options);
     window.show();
     const std::string complaint = platform().settings().complaint();
     if (!complaint.empty()) report({.text = complaint, .severity = Severity::warning});

@@ -1,27 +1,17 @@
 #pragma once
 /// The application shell: start-up in a fixed order, shutdown, and whether the machine runs.
 
-#include "host/command_line.h"
+#include "host/shell_state.h"
 
 #include <string>
 
-extern bool g_bActive;                ///< frames are run in idle time
-extern bool g_bPaused;                ///< by the user
-extern bool g_bDebug;                 ///< the monitor owns the window
-extern bool breakpoint_opens_monitor; ///< off where nobody could close it again
-extern bool g_bRunInBackground;       ///< run while another program is active
-extern bool g_bSound;                 ///< sound output wanted
-extern bool g_KeyMapping;             ///< symbolic, at present
-extern bool kept_key_mapping;         ///< symbolic by the user's own choice, for the next run
-extern uint32_t sound_latency;        ///< ms, as it was read
-extern std::string emu_path;          ///< the program's directory, with a trailing separator
-extern std::string avi_name;          ///< capture to start with
+extern std::string emu_path; ///< the program's directory, with a trailing separator
 
 /// Start-up, message loop, shutdown. Returns the exit code.
-int run_shell(const CommandLine& line);
+int run_shell(const ShellOptions& options);
 
 /// Starts everything that needs the window, up to the command line's file.
-void emu_init(const CommandLine& line = {});
+void emu_init(const ShellOptions& options = {});
 /// Ends recordings, keeps the settings, asks for changed disks, and closes what emu_init opened.
 void emu_close();
 

@@ -347,13 +347,10 @@ protected:
     void begin() {
         start();
         memory_set_eprom(0); // nothing to offer
-        keep_disk_journals = true;
+        shell_state.start.keep_disk_journals = true;
         main_disk_offer_journals();
     }
-    void TearDown() override {
-        keep_disk_journals = false;
-        DisksTest::TearDown();
-    }
+    void TearDown() override { DisksTest::TearDown(); }
     static std::filesystem::path journal() {
         for (const auto& entry : std::filesystem::directory_iterator("data/journal")) return entry;
         return {};

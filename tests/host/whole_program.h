@@ -30,7 +30,7 @@ protected:
         renew();
         ASSERT_TRUE(host->window().create("start"));
         create_menu();
-        emu_init(read_command_line(arguments));
+        emu_init({.line = read_command_line(arguments)});
     }
     /// Turns until nothing holds the shell any more.
     void turn_until_free() {

@@ -141,7 +141,7 @@ TEST(BeamEngine, ShowsWhereAProgramSwitchedAndTheOtherEngineDoesNot) {
     install_platform(host);
     for (const auto& c : cases) {
         SCOPED_TRACE(c.what);
-        emu_init(read_command_line({"/m1"}));
+        emu_init({.line = read_command_line({"/m1"})});
         for (int frame = 0; frame < 30; ++frame) machine_run();
         std::fill_n(memory + 0x4400, 960, uint8_t(0x80));
         std::fill_n(memory + COLOUR_RAM_START, 960, uint8_t(1));

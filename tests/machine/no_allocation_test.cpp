@@ -36,7 +36,7 @@ TEST(NoAllocation, FramesAreEmulatedDrawnAndShownWithoutAny) {
                  {EXAMPLES_DIR "/colours.cmd", true, 66},
                  {EXAMPLES_DIR "/bounce.cmd", true, 0}};
     for (const auto& c : cases) {
-        emu_init(read_command_line({c.program}));
+        emu_init({.line = read_command_line({c.program})});
         g_CompositeBlur = c.blur;
         ASSERT_EQ(recreate_bitmap(c.giant, 8), 1);
         for (const bool beam : {false, true}) {

@@ -383,7 +383,7 @@ TEST_F(Breakpoint, WhereNobodyLooksTheMachineGoesOn) {
     poke(CODE, {0x00, 0x00, 0xC3, 0x00, 0x90});
     z80_state.pc = CODE;
     z80_cpu_set_breakpoint(CODE + 1);
-    breakpoint_opens_monitor = false;
+    shell_state.start.unattended = true;
     do_some_frames(2);
     EXPECT_NEAR(double(z80_state.t_count), 2 * 44335, 40);
     EXPECT_FALSE(g_bDebug);
