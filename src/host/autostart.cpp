@@ -4,14 +4,14 @@
 #include "cgenie/typing/typing.h"
 #include "core/machine.h"
 #include "core/pacing/pacing.h"
-#include "files/file_handle.h"
 #include "files/file_names.h"
 #include "files/whole_file.h"
 #include "host/commands.h"
 #include "host/disk_rom.h"
+#include "media/cmd_loader.h"
 #include "media/damage.h"
-#include "media/files/program_files.h"
 #include "media/files/typed_text.h"
+#include "media/snapshot.h"
 #include "media/tape.h"
 #include "media/traps.h"
 #include "platform/platform.h"
@@ -70,15 +70,10 @@ bool bytes_are_whole(const std::string& path, Bytes bytes, std::string (*damage)
 // is to be said. Cassettes and disks go by their path: their files follow what the machine writes.
 
 bool start_cmd(const std::string& path, Bytes bytes) {
-    const FileHandle file = open_file(path, "rb");
-    if (!file) {
-        report({.text = path + ": cannot be read"});
-        return false;
-    }
     // The program may call the firmware, which needs its vectors for that.
     if (g_bAutoStart && is_starting_up()) run_start_up_frames();
     uint16_t entry = 0;
-    load_cmd(file.get(), &entry);
+    load_cmd(bytes, &entry);
     if (g_bAutoStart) z80_state.pc = entry;
     return bytes_are_whole(path, bytes, load_module_damage, path + " is damaged");
 }
@@ -114,7 +109,7 @@ bool start_snapshot(const std::string& path, Bytes bytes) {
     if (!bytes_are_whole(path, bytes, snapshot_damage, path + " is not a snapshot")) return false;
     // A snapshot does not hold what the firmware has set the picture's controller to.
     if (is_starting_up()) run_start_up_frames();
-    return snapshot_load(path.c_str(), memory_get_ram()) != 0;
+    return snapshot_unpack(bytes, memory_get_ram()) != 0;
 }
 
 /// `keys` follow the loading of a tokenized program.
