@@ -12,10 +12,15 @@
 #include "sound/output/sound_ring.h"
 #include "wall/machine_host.h"
 
+#include <cstdio>
+
 void connect_machine() {
     machine_host.status_text = [](const char* text) { show_status(text, {}); };
     machine_host.part_text = show_status_part;
     machine_host.report = tell;
+    machine_host.print = [](text_stream to, const char* lines) {
+        std::fputs(lines, to == TEXT_ERROR ? stderr : stdout);
+    };
     machine_host.lamp = light_lamp;
     machine_host.frame = show_frame;
     machine_host.read_rom = read_rom_file;

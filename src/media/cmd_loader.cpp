@@ -1,9 +1,9 @@
 #include "media/cmd_loader.h"
 
+#include "wall/machine_host.h"
 #include "z80/z80.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <optional>
 
 namespace {
@@ -48,7 +48,8 @@ bool load_block(Module& module, int length) {
     if (!address) return false;
     // The length counts the address as well, modulo 256: 0 to 2 stand for 254 to 256 data bytes.
     const size_t count = count_of((length - CMD_ADDRESS_SIZE) & 0xFF);
-    std::printf("load from address %04xh, %i bytes.\n", unsigned(*address), int(count));
+    machine_print(TEXT_OUTPUT, "load from address %04xh, %i bytes.\n", unsigned(*address),
+                  int(count));
     const auto data = module.bytes(count);
     for (size_t i = 0; i < data.size(); ++i) mem_write(uint16_t(*address + i), data[i]);
     return data.size() == count;
@@ -56,8 +57,8 @@ bool load_block(Module& module, int length) {
 
 void skip_block(Module& module, int type, int length) {
     const size_t count = count_of(length);
-    std::fprintf(stderr, "unsupported block type %i of size %i, at offset: %i.\n", type, int(count),
-                 int(module.offset()));
+    machine_print(TEXT_ERROR, "unsupported block type %i of size %i, at offset: %i.\n", type,
+                  int(count), int(module.offset()));
     module.bytes(count);
 }
 
@@ -66,7 +67,7 @@ int read_entry(Module& module, int length, uint16_t* entry) {
     const auto address = module.address();
     if (!address) return 1;
     *entry = *address;
-    std::fprintf(stderr, "start address at %xh.\n", unsigned(*entry));
+    machine_print(TEXT_ERROR, "start address at %xh.\n", unsigned(*entry));
     return 1;
 }
 
@@ -79,7 +80,7 @@ int load_cmd(std::span<const uint8_t> bytes, uint16_t* entry) {
     for (;;) {
         const auto type = module.byte();
         if (!type) return 0;
-        std::fprintf(stderr, "Block #%02i, type %i: \n", ++block_count, int(*type));
+        machine_print(TEXT_ERROR, "Block #%02i, type %i: \n", ++block_count, int(*type));
         const auto byte = module.byte();
         const int length = byte ? *byte : NO_LENGTH;
         if (*type == CMD_ENTRY_BLOCK) return read_entry(module, length, entry);

@@ -1,7 +1,8 @@
 #include "media/disk_image.h"
 
+#include "wall/machine_host.h"
+
 #include <algorithm>
-#include <cstdio>
 #include <iterator>
 
 namespace {
@@ -103,16 +104,17 @@ int apply_known_size(disk_image& disk, const known_size& known) {
 int diskimg_analyze(disk_image& disk) {
     if (!diskimg_find_geometry(disk)) {
         if (disk.layout == DISK_REJECTED)
-            std::fprintf(stderr, "IMAGE: Error! Unsupported image (%u) bytes.\n", disk.size);
+            machine_print(TEXT_ERROR, "IMAGE: Error! Unsupported image (%u) bytes.\n", disk.size);
         if (disk.layout == DISK_JV3)
-            std::fputs("IMAGE: Error! Could not find boot sector.\n", stderr);
+            machine_print(TEXT_ERROR, "IMAGE: Error! Could not find boot sector.\n");
         return 0;
     }
-    std::fprintf(stderr,
-                 "IMAGE: Size in bytes: %u.\nIMAGE: Tracks per side: %u.\n"
-                 "IMAGE: Bytes per sector: %u.\nIMAGE: Sectors per track: %u.\n"
-                 "IMAGE: Dir on track: %u.\n",
-                 disk.size, disk.tracks, disk.bytes_per_sector, disk.sectors, disk.directory_track);
+    machine_print(TEXT_ERROR,
+                  "IMAGE: Size in bytes: %u.\nIMAGE: Tracks per side: %u.\n"
+                  "IMAGE: Bytes per sector: %u.\nIMAGE: Sectors per track: %u.\n"
+                  "IMAGE: Dir on track: %u.\n",
+                  disk.size, disk.tracks, disk.bytes_per_sector, disk.sectors,
+                  disk.directory_track);
     return 1;
 }
 
@@ -141,8 +143,8 @@ int disk_img_read_sector(const disk_record& disk, std::span<const uint8_t> image
     const std::optional<size_t> offset = diskimg_sector_offset(disk, image, track, sector);
     if (!offset) return 0;
     std::copy_n(image.data() + *offset, disk.bytes_per_sector, buffer);
-    std::fprintf(stderr, "IMAGE. Read(%u,%u,%u) from offset %05zX.\n", side, track, sector,
-                 *offset);
+    machine_print(TEXT_ERROR, "IMAGE. Read(%u,%u,%u) from offset %05zX.\n", side, track, sector,
+                  *offset);
     return 1;
 }
 

@@ -44,8 +44,8 @@ constexpr uint32_t JV3_ENTRY_SIZE = 3; ///< of its table: track, sector, flags
 constexpr uint32_t COMMON_SECTORS = 10; ///< on a track of single density
 constexpr uint32_t DENSE_SECTORS = 18;  ///< on a track of double density
 
-/// Sets the size and the geometry from the contents of `image`. 1 on success. Tells on the standard
-/// error stream what it has found.
+/// Sets the size and the geometry from the contents of `image`. 1 on success. Prints on the
+/// standard error stream what it has found.
 int diskimg_analyze(disk_image& disk);
 /// The same without a word.
 int diskimg_find_geometry(disk_image& disk);

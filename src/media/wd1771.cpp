@@ -1,12 +1,12 @@
 #include "media/wd1771.h"
 
+#include "wall/machine_host.h"
 #include "z80/clock.h"
 #include "z80/z80.h"
 
 #include <algorithm>
 #include <array>
 #include <bit>
-#include <cstdio>
 #include <type_traits>
 #include <utility>
 
@@ -230,7 +230,8 @@ void execute(unsigned drive, uint8_t high_nibble) {
     case READ_ADDRESS: return read_address(drive);
     case FORCE_INTERRUPT: return force_interrupt(drive);
     case WRITE_TRACK: return write_track(drive);
-    default: std::fprintf(stderr, "FDC(%u). Unhandled command: %02X.\n", drive, wd1771.command);
+    default:
+        machine_print(TEXT_ERROR, "FDC(%u). Unhandled command: %02X.\n", drive, wd1771.command);
     }
 }
 

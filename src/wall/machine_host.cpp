@@ -10,6 +10,7 @@ constexpr machine_host_calls defaults = {
     .status_text = [](const char*) {},
     .part_text = [](int, const char*) {},
     .report = [](const Report&) {},
+    .print = [](text_stream, const char*) {},
     .lamp = [](int) {},
     .frame = [](int) {},
     .fragment = [](const uint16_t*) {},
@@ -54,6 +55,13 @@ void StatusBarPartText(int part, const char* format, ...) {
     va_list arguments;
     va_start(arguments, format);
     machine_host.part_text(part, format_text(format, arguments).c_str());
+    va_end(arguments);
+}
+
+void machine_print(text_stream to, const char* format, ...) {
+    va_list arguments;
+    va_start(arguments, format);
+    machine_host.print(to, format_text(format, arguments).c_str());
     va_end(arguments);
 }
 

@@ -16,6 +16,8 @@ enum StatusPart : int { PART_CONFIGURATION, PART_LAMPS, PART_CASSETTE, PART_MESS
 
 /// Where bytes leave the machine.
 enum output_stream : int { STREAM_PRINTER, STREAM_TAPE, STREAM_TAPE_SOUND };
+/// The program's standard streams, for who looks at what the machine does.
+enum text_stream : int { TEXT_OUTPUT, TEXT_ERROR };
 /// The contents of a file that a configuration names.
 enum rom_file : int { ROM_BASIC, ROM_EXPANSION, ROM_CHARACTERS };
 constexpr int ROM_NOT_NAMED = -1;
@@ -29,6 +31,8 @@ struct machine_host_calls {
     /// The text of a StatusPart.
     void (*part_text)(int part, const char* text);
     void (*report)(const Report& told);
+    /// One or more lines for a standard stream.
+    void (*print)(text_stream to, const char* lines);
     /// The drive whose lamp is lit, 0 to 3; any other value lights none.
     void (*lamp)(int drive);
     /// A frame is there to be shown; 0 does nothing.
@@ -75,6 +79,8 @@ machine_host_calls machine_without_host();
 [[gnu::format(printf, 1, 2)]] void StatusBarText(const char* format, ...);
 /// Shows a text in a StatusPart; nothing for the lamps.
 [[gnu::format(printf, 2, 3)]] void StatusBarPartText(int part, const char* format, ...);
+/// Prints lines on a standard stream.
+[[gnu::format(printf, 2, 3)]] void machine_print(text_stream to, const char* format, ...);
 /// Lights the lamp of `drive` (0 to 3); any other value lights none.
 void led_update(int drive);
 /// Shows the frame; 0 does nothing.

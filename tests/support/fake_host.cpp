@@ -4,6 +4,8 @@
 #include "sound/output/sound_ring.h"
 #include "wall/machine_host.h"
 
+#include <cstdio>
+
 FakeHost fake_host;
 
 namespace {
@@ -15,6 +17,9 @@ const bool connected = [] {
     machine_host.report = [](const Report& told) {
         fake_host.status[3] = told.text;
         fake_host.reports.push_back(told);
+    };
+    machine_host.print = [](text_stream to, const char* lines) {
+        std::fputs(lines, to == TEXT_ERROR ? stderr : stdout);
     };
     machine_host.lamp = [](int drive) { fake_host.lamp = drive; };
     machine_host.frame = [](int flag) { fake_host.screen_updates += flag != 0; };
