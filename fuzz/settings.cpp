@@ -4,48 +4,28 @@
 #include "platform/settings_file.h"
 
 #include "core/frame_driver.h"
+#include "host/command_table.h"
 #include "support/files.h"
 #include "support/input.h"
 #include "support/shell.h"
 #include "wall/machine_host.h"
 
 #include <filesystem>
-#include <iterator>
+#include <vector>
 
 namespace {
 
 constexpr const char* NAME = "settings.toml";
-/// The numbers that the program reads.
-constexpr const char* NUMBERS[] = {"ActiveConfig",
-                                   "BitDepth",
-                                   "Brightness",
-                                   "CompositeBlur",
-                                   "Contrast",
-                                   "CustomCpuClockFreq",
-                                   "CustomPalette",
-                                   "CustomRamSize",
-                                   "CustomRamStartupPattern",
-                                   "CustomRomBASIC",
-                                   "CustomRomChar",
-                                   "CustomRomExpansion",
-                                   "CustomScreenFreq",
-                                   "CycleBasedEmulation",
-                                   "DoubleScan",
-                                   "EnablePrinter",
-                                   "Gamma",
-                                   "GiantScreen",
-                                   "HiResLowe",
-                                   "InterlacedLine",
-                                   "KeyMapping",
-                                   "RunInBackground",
-                                   "Saturation",
-                                   "SaveVideoRamWithScreenShots",
-                                   "Sound",
-                                   "SyncSpeed",
-                                   "VideoCut",
-                                   "VideoPage"};
-constexpr const char* TEXTS[] = {"BasicROMPath", "CharROMPath", "ExpansionROMPath", "Disk0",
-                                 "Tape"};
+
+/// Of all settings.
+std::vector<const char*> setting_names() {
+    std::vector<const char*> names;
+    for (const CommandRow& row : command_table()) {
+        if (row.setting.name) names.push_back(row.setting.name);
+    }
+    return names;
+}
+const std::vector<const char*> NAMES = setting_names();
 
 /// What earlier runs have left.
 void remove_files() {
@@ -59,7 +39,7 @@ void remove_files() {
 void change(SettingsFile& store, std::span<const uint8_t> bytes) {
     Input input(bytes.data(), bytes.size());
     const uint32_t number = input.dword();
-    const char* const name = NUMBERS[input.byte() % std::size(NUMBERS)];
+    const char* const name = NAMES[input.byte() % NAMES.size()];
     const std::string text = input.text(64);
     if (store.set_number(name, number)) require(store.number(name) == number, "a number is kept");
     if (store.set_text(name, text)) require(store.text(name) == text, "a text is kept");
@@ -69,10 +49,8 @@ void change(SettingsFile& store, std::span<const uint8_t> bytes) {
 void start_with(SettingsFile& store) {
     constexpr int32_t LONGEST_FRAME = 500'000; ///< cycles; a fast processor takes its time
     FuzzShell shell;
-    for (const char* name : NUMBERS) {
+    for (const char* name : NAMES) {
         if (const auto value = store.number(name)) shell.host.settings().set_number(name, *value);
-    }
-    for (const char* name : TEXTS) {
         if (const auto value = store.text(name)) shell.host.settings().set_text(name, *value);
     }
     shell.start();

@@ -72,17 +72,6 @@ TEST_F(BmpTest, FilesOfEveryDepthHoldHeaderPaletteAndRowsFromTheBottom) {
     }
 }
 
-TEST_F(BmpTest, AFileThatCannotBeWrittenIsReported) {
-    dib bitmap;
-    ASSERT_EQ(dib_create(bitmap, 8, 8, 8), 1);
-    ASSERT_EQ(dib_save_to_file(bitmap, "good.bmp"), 1);
-    EXPECT_EQ(dib_save_to_file(bitmap, "missing/shot.bmp"), 0);
-    if (std::filesystem::exists("/dev/full")) {
-        EXPECT_EQ(dib_save_to_file(bitmap, "/dev/full"), 0);
-    }
-    EXPECT_EQ(host->status_text(3), "Screenshot saved: good.bmp");
-}
-
 TEST(CanvasTest, PalettesFollowTheDepth) {
     dib bitmap;
     ASSERT_EQ(dib_create(bitmap, 384, 288, 1), 1);

@@ -3,12 +3,9 @@
 #include "cgenie/hires_lowe.h"
 #include "cgenie/memory/memory.h"
 #include "core/machine.h"
-#include "core/pacing/pacing.h"
-#include "host/autostart.h"
-#include "host/display.h"
-#include "host/shell.h"
 #include "host/status.h"
 #include "support/host_files.h"
+#include "support/program_options.h"
 #include "wall/machine_host.h"
 #include "z80/z80.h"
 
@@ -38,7 +35,7 @@ protected:
         write_file("text.doc", {1});
     }
     void TearDown() override {
-        event_screenshot_timout = event_shutdown_timout = EVENT_DISARMED;
+        reset_program_options();
         HostFilesTest::TearDown();
     }
 
@@ -48,8 +45,7 @@ protected:
         memory[0x9000] = 0;
         last_file_name = "before";
         StatusBarText("%s", "");
-        event_screenshot_timout = event_shutdown_timout = EVENT_DISARMED;
-        g_Timer = g_bDblScan = true;
+        reset_program_options();
         get_command_line(read_command_line(arguments));
         EXPECT_TRUE(g_bAutoStart) << "off for one evaluation only";
     }
@@ -138,66 +134,45 @@ TEST_F(CommandLineTest, ModelsAreAppliedAndNotMadeActive) {
     }
 }
 
-TEST_F(CommandLineTest, TimedEventsAreArmedInCycles) {
+TEST_F(CommandLineTest, OptionsAreSetWithOneSwitchEach) {
     const struct {
         Arguments arguments;
-        int64_t screenshot, shutdown;
+        std::string changed; ///< letters of the options, and the name of a video
+        std::string status;
+        int64_t screenshot = EVENT_DISARMED, shutdown = EVENT_DISARMED;
     } cases[] = {
-        {{"/s", "2", "/t", "3"}, 4'433'500, 6'650'250},
-        {{"/t", "0"}, EVENT_DISARMED, 0},
-        {{"/s", "12x", "/t", ""}, EVENT_DISARMED, EVENT_DISARMED},
-        {{"/s", "-1", "/t", "1.5"}, EVENT_DISARMED, EVENT_DISARMED},
-        {{"/t", "1938"}, EVENT_DISARMED, 4'296'061'500}, // more than 32 bits
-        {{"/s", "92233720369", "/t"}, EVENT_DISARMED, EVENT_DISARMED},
-        {{"/s", "1", "/m3", "/t", "1"}, 2'216'750, 1'000'000}, // each by the clock of its moment
-        {{"/w", "/d"}, EVENT_DISARMED, EVENT_DISARMED},
-        {{"/S", "1"}, EVENT_DISARMED, EVENT_DISARMED}, // capitals mean nothing
+        {{"/h"}, "h", ""},
+        {{"/d", "/w"}, "dw", ""},
+        {{"/g"}, "g", ""},
+        {{"/v", "film one.avi"}, "film one.avi", ""},
+        {{"/i", "text.doc"}, "", "Unsupported disk image.\n"},
+        {{"/r", "/h"}, "", ""},
+        {{"/H", "/G", "/x", "/S", "/"}, "", "/: is a folder"}, // capitals mean nothing
+        // A path that leads nowhere is no switch.
+        {{"/home/x/gone.cas"}, "", "/home/x/gone.cas: no such file"},
+        {{"/v.cas"}, "", "/v.cas: no such file"},
+        {{"--", "/h", "/d"}, "", "/d: no such file"},
+        {{"/s", "2", "/t", "3"}, "", "", 4'433'500, 6'650'250},
+        {{"/t", "0"}, "", "", EVENT_DISARMED, 0},
+        {{"/s", "12x", "/t", ""}, "", ""},
+        {{"/s", "-1", "/t", "1.5"}, "", ""},
+        {{"/t", "1938"}, "", "", EVENT_DISARMED, 4'296'061'500}, // more than 32 bits
+        {{"/s", "92233720369", "/t"}, "", ""},
+        // Each by the clock of its moment.
+        {{"/s", "1", "/m3", "/t", "1"}, "", "", 2'216'750, 1'000'000},
     };
     machine_cfg[2].cpu_clock = 1'000'000;
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::PrintToString(c.arguments));
         machine_change_cfg(machine_cfg[0], 1);
         run(c.arguments);
+        const std::string changed = std::string(g_bDblScan ? "" : "d") + (lowe.enabled ? "g" : "") +
+                                    (g_bSound ? "" : "h") + (g_Timer ? "" : "w") + avi_name;
+        EXPECT_EQ(changed, c.changed);
+        EXPECT_EQ(host->status_text(3), c.status);
         EXPECT_EQ(event_screenshot_timout, c.screenshot);
         EXPECT_EQ(event_shutdown_timout, c.shutdown);
-        EXPECT_EQ(g_Timer, c.arguments[0] != "/w");
-        EXPECT_EQ(g_bDblScan, c.arguments[0] != "/w");
     }
-}
-
-TEST_F(CommandLineTest, OptionsAreSetWithOneSwitchEach) {
-    const struct {
-        Arguments arguments;
-        bool sound, double_scan, board;
-        std::string video, status;
-    } cases[] = {
-        {{"/h"}, false, true, false, "", ""},
-        {{"/d"}, true, false, false, "", ""},
-        {{"/g"}, true, true, true, "", ""},
-        {{"/v", "film one.avi"}, true, true, false, "film one.avi", ""},
-        {{"/i", "text.doc"}, true, true, false, "", "Unsupported disk image.\n"},
-        {{"/r", "/h"}, true, true, false, "", ""},
-        {{"/H", "/G", "/x", "/"}, true, true, false, "", "/: is a folder"},
-        // A path that leads nowhere is no switch.
-        {{"/home/x/gone.cas"}, true, true, false, "", "/home/x/gone.cas: no such file"},
-        {{"/v.cas"}, true, true, false, "", "/v.cas: no such file"},
-        {{"--", "/h", "/d"}, true, true, false, "", "/d: no such file"},
-    };
-    for (const auto& c : cases) {
-        SCOPED_TRACE(testing::PrintToString(c.arguments));
-        g_bSound = true;
-        lowe.enabled = 0;
-        avi_name.clear();
-        run(c.arguments);
-        EXPECT_EQ(g_bSound, c.sound);
-        EXPECT_EQ(g_bDblScan, c.double_scan);
-        EXPECT_EQ(lowe.enabled != 0, c.board);
-        EXPECT_EQ(avi_name, c.video);
-        EXPECT_EQ(host->status_text(3), c.status);
-    }
-    g_bSound = true;
-    lowe.enabled = 0;
-    avi_name.clear();
 }
 
 TEST_F(CommandLineTest, ProblemsAreNamedInOneLine) {

@@ -176,8 +176,3 @@ TEST_F(GifTest, AFullStringStoreForcesAClear) {
     expected.push_back(257);
     EXPECT_EQ(read_codes(save(picture)), expected);
 }
-
-TEST_F(GifTest, AFileThatCannotBeCreatedIsReported) {
-    const uint8_t pixel = 0;
-    EXPECT_EQ(gif_save("missing/test.gif", 1, 1, &pixel, test_colours().data()), 0);
-}

@@ -32,84 +32,35 @@ protected:
     }
 };
 
-constexpr struct {
-    const char* name;
-    uint32_t value;
-} DEFAULTS[] = {{"Sound", 1},
-                {"SoundLatency", 60},
-                {"DoubleScan", 1},
-                {"HiResLowe", 0},
-                {"BitDepth", 8},
-                {"SyncSpeed", 1},
-                {"RunInBackground", 0},
-                {"CompositeBlur", 0},
-                {"ActiveConfig", 0},
-                {"CustomRomBASIC", 2},
-                {"CustomRomChar", 0},
-                {"CustomRomExpansion", 1},
-                {"CustomRamSize", 2},
-                {"CustomCpuClockFreq", 2216750},
-                {"CustomScreenFreq", 50},
-                {"CustomPalette", 0},
-                {"CustomRamStartupPattern", 0},
-                {"VideoCut", 0},
-                {"VideoPage", 0},
-                {"KeyMapping", 0},
-                {"GiantScreen", 0},
-                {"Saturation", 75},
-                {"Brightness", 50},
-                {"Gamma", 50},
-                {"Contrast", 50},
-                {"InterlacedLine", 80},
-                {"EnablePrinter", 0},
-                {"SaveVideoRamWithScreenShots", 0},
-                {"CycleBasedEmulation", 0},
-                {"CleanSound", 0}};
-
-TEST_F(ShellTest, FirstStartStoresTheDefaultsAndTheExitTheDisks) {
-    start();
-    for (const auto& [name, value] : DEFAULTS) EXPECT_EQ(stored(name), value) << name;
-    EXPECT_EQ(stored_text("Disk0"), std::nullopt);
-    EXPECT_EQ(stored_text("Tape"), std::nullopt);
-    EXPECT_EQ(host->status_text(0), "CG NZ1");
-    EXPECT_EQ(host->status_text(3), "");
-    g_GiantScreen = true;
-    g_1bitDisplay = true;
-    emu_close();
-    EXPECT_EQ(stored("GiantScreen"), 1U);
-    EXPECT_EQ(stored("BitDepth"), 1U);
-    for (const char* disk : {"Disk0", "Disk3", "Tape"}) EXPECT_EQ(stored_text(disk), "") << disk;
-    EXPECT_FALSE(host_has_canvas());
-}
-
 TEST_F(ShellTest, SettingsAreReadAndWrittenInTheirOrder) {
     install_host({});
-    std::string& uses = host->settings_in_memory().uses;
-    for (const bool first : {true, false}) {
-        host->window().create("start");
-        create_menu();
-        host->settings_in_memory().values["CompositeBlur"] = 100U;
-        uses.clear();
-        emu_init();
-        if (!first) {
-            EXPECT_EQ(uses, "Sound SoundLatency DoubleScan HiResLowe BitDepth SyncSpeed "
-                            "RunInBackground CompositeBlur ActiveConfig CustomRomBASIC "
-                            "CustomRomChar CustomRomExpansion CustomRamSize CustomCpuClockFreq "
-                            "CustomScreenFreq CustomRamStartupPattern Saturation Brightness Gamma "
-                            "Contrast InterlacedLine VideoCut VideoPage KeyMapping GiantScreen "
-                            "CleanSound EnablePrinter Disk0 Disk1 Disk2 Disk3 =CompositeBlur "
-                            "SaveVideoRamWithScreenShots CustomPalette Tape CycleBasedEmulation ");
-        }
-        uses.clear();
-        emu_close();
-    }
-    EXPECT_EQ(uses, "=Sound =DoubleScan =HiResLowe =BitDepth =SyncSpeed =RunInBackground "
-                    "=CompositeBlur =ActiveConfig =CustomRomBASIC =CustomRomChar "
-                    "=CustomRomExpansion =CustomRamSize =CustomCpuClockFreq =CustomScreenFreq "
-                    "=CustomPalette =Saturation =Brightness =Gamma =Contrast =InterlacedLine "
-                    "=VideoCut =VideoPage =KeyMapping =GiantScreen =CleanSound =EnablePrinter "
-                    "=SaveVideoRamWithScreenShots =CustomRamStartupPattern =CycleBasedEmulation "
-                    "=Disk0 =Disk1 =Disk2 =Disk3 =Tape ");
+    HeadlessSettings& store = host->settings_in_memory();
+    store.values["CompositeBlur"] = 100U;
+    host->window().create("start");
+    create_menu();
+    emu_init();
+    EXPECT_EQ(store.uses,
+              "Sound=1 SoundLatency=60 DoubleScan=1 HiResLowe=0 BitDepth=8 SyncSpeed=1 "
+              "RunInBackground=0 CompositeBlur ActiveConfig=0 CustomRomBASIC=2 CustomRomChar=0 "
+              "CustomRomExpansion=1 CustomRamSize=2 CustomCpuClockFreq=2216750 CustomScreenFreq=50 "
+              "CustomRamStartupPattern=0 Saturation=75 Brightness=50 Gamma=50 Contrast=50 "
+              "InterlacedLine=80 VideoCut=0 VideoPage=0 KeyMapping=0 GiantScreen=0 CleanSound=0 "
+              "EnablePrinter=0 Disk0 Disk1 Disk2 Disk3 CompositeBlur=0 "
+              "SaveVideoRamWithScreenShots=0 CustomPalette=0 Tape CycleBasedEmulation=0 ");
+    EXPECT_EQ(host->status_text(0), "CG NZ1");
+    EXPECT_EQ(host->status_text(3), "");
+    g_GiantScreen = g_1bitDisplay = true;
+    store.uses.clear();
+    emu_close();
+    EXPECT_EQ(store.uses,
+              "Sound=1 DoubleScan=1 HiResLowe=0 BitDepth=1 SyncSpeed=1 RunInBackground=0 "
+              "CompositeBlur=0 ActiveConfig=0 CustomRomBASIC=2 CustomRomChar=0 "
+              "CustomRomExpansion=1 CustomRamSize=2 CustomCpuClockFreq=2216750 CustomScreenFreq=50 "
+              "CustomPalette=0 Saturation=75 Brightness=50 Gamma=50 Contrast=50 InterlacedLine=80 "
+              "VideoCut=0 VideoPage=0 KeyMapping=0 GiantScreen=1 CleanSound=0 EnablePrinter=0 "
+              "SaveVideoRamWithScreenShots=0 CustomRamStartupPattern=0 CycleBasedEmulation=0 "
+              "Disk0= Disk1= Disk2= Disk3= Tape= ");
+    EXPECT_FALSE(host_has_canvas());
 }
 
 TEST_F(ShellTest, TheTapeOfTheLastRunIsOnlyAName) {
@@ -152,24 +103,20 @@ TEST_F(ShellTest, DisksThatAreMissingAreToldTogetherAndRemembered) {
 }
 
 TEST_F(ShellTest, BadValuesAreCorrected) {
-    store_number("CompositeBlur", 150);
-    store_number("SoundLatency", 29);
-    store_number("ActiveConfig", 3);
-    store_number("CustomScreenFreq", 151);
-    store_number("CustomPalette", 7);
-    store_number("CustomCpuClockFreq", 49'999);
-    store_number("Contrast", 0xFFFFFFFF);
+    const struct {
+        const char* name;
+        uint32_t read, used;
+    } cases[] = {{"CompositeBlur", 150, 0}, {"SoundLatency", 29, 30},
+                 {"ActiveConfig", 3, 0},    {"CustomScreenFreq", 151, 50},
+                 {"CustomPalette", 7, 1},   {"CustomCpuClockFreq", 49'999, 2'216'750},
+                 {"Saturation", 101, 100},  {"Contrast", 0xFFFFFFFF, 100}};
+    for (const auto& [name, read, used] : cases) store_number(name, read);
     start();
-    EXPECT_EQ(stored("CompositeBlur"), 0U) << "at once";
-    EXPECT_EQ(stored("SoundLatency"), 30U);
+    EXPECT_EQ(stored("SoundLatency"), 30U) << "at once";
     EXPECT_EQ(active_machine_cfg, 0U);
     EXPECT_EQ(canvas.header.bits, 8);
     emu_close();
-    EXPECT_EQ(stored("ActiveConfig"), 0U);
-    EXPECT_EQ(stored("CustomScreenFreq"), 50U);
-    EXPECT_EQ(stored("CustomPalette"), 1U);
-    EXPECT_EQ(stored("CustomCpuClockFreq"), 2'216'750U);
-    EXPECT_EQ(stored("Contrast"), 100U);
+    for (const auto& [name, read, used] : cases) EXPECT_EQ(stored(name), used) << name;
 }
 
 TEST_F(ShellTest, StoredOptionsReachTheProgram) {
@@ -245,6 +192,11 @@ TEST_F(ShellTest, MessagesReachTheirHandlers) {
     EXPECT_EQ(host->title(), "Tarvelin - (Suspended)");
     send(Event::Kind::command, COMMAND_PAUSE);
     EXPECT_TRUE(g_bActive);
+    send(Event::Kind::command, COMMAND_AUTOSTART);
+    const auto& filters = host->dialogs().file_dialogs.back().filters;
+    ASSERT_EQ(filters.size(), 3U);
+    EXPECT_EQ(filters[1].text + filters[1].pattern,
+              "All that can be started*.bas;*.cas;*.cgd;*.cgt;*.cmd;*.dsk;*.jzs;*.txt");
     send(Event::Kind::double_click);
     EXPECT_TRUE(g_GiantScreen);
     send(Event::Kind::double_click);
