@@ -2,10 +2,12 @@
 
 #include "cgenie/keyboard.h"
 #include "cgenie/typing/typing.h"
+#include "host/key_map.h"
 #include "media/files/typed_text.h"
 #include "support/fake_host.h"
 #include "support/files.h"
 #include "support/machine.h"
+#include "wall/machine_host.h"
 
 namespace {
 
@@ -25,14 +27,14 @@ void act(Input& input) {
     const uint8_t action = input.byte();
     switch (action >> 5) {
     case 0: host.set_key(input.byte(), (action & 1) != 0); break;
-    case 1: keyboard_init(); break;
+    case 1: host_keyboard_init(); break;
     case 2: keyboard_change_mapping(action & 1); break;
     case 3: {
         HeadlessLayout& layout = host.keyboard().layout;
         layout[action % layout.size()] = KeyForCharacter{input.byte(), input.byte()};
         break;
     }
-    case 4: keyboard_reset(); break;
+    case 4: host_keyboard_reset(); break;
     default: keyboard_read(input.byte()); break;
     }
 }
@@ -44,7 +46,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     HeadlessPlatform& host = fuzz_platform();
     host.release_all_keys();
     host.keyboard().layout = headless_us_layout();
-    keyboard_init();
+    host_keyboard_init();
+    machine_host.read_input = read_host_keys;
 
     write_file(NAME, {data, size});
     require(keyboard_open_bas_file(NAME) == 1, "a text can be typed");

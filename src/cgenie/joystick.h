@@ -4,8 +4,7 @@
 /// Register 14 (port A) drives a 6-bit converter; four comparators on port B tell whether its level
 /// reaches the position of each axis, so software finds a position by trying levels. Bits 0-2 of
 /// the same byte, when low, select the keypad columns, whose rows are read in port B bits 0-3.
-/// Every bit is active low. The sticks are the host's first two, read afresh each time, so they may
-/// come and go; both keypads are the host's numeric keypad. The fire buttons of the second stick
+/// Every bit is active low. Both keypads have the same keys. The fire buttons of the second stick
 /// are not connected.
 
 #include <cstdint>
@@ -18,14 +17,11 @@ enum JoystickQuery : int {
     JOYSTICK_SECOND_BUTTON
 };
 
-/// There is nothing to start or to reset: every read looks at the host.
+/// There is nothing to start or to reset: every read looks at the input.
 void joystick_init();
 void joystick_reset();
-/// Looks for the host's joysticks, says on the standard error stream what it found, and asks for
-/// the delivery of their positions.
-void initJoyInput();
-/// One value of host joystick 0 or 1. A joystick that cannot be read stands in the middle, 32767 on
-/// both axes, with no button down. Any other query gives 0.
+/// One value of joystick 0 or 1. A joystick that is not there stands in the middle, 32767 on both
+/// axes, with no button down. Any other query gives 0.
 uint32_t input_getJoyCords(int joystick, int query);
 /// Port B. Bits 7-4 (X and Y of joystick 0, X and Y of joystick 1) are 0 where the level in
 /// register 14 reaches the axis, bits 3-0 where a key of a selected keypad column is down.

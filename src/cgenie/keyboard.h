@@ -5,11 +5,11 @@
 #include <cstdint>
 
 /// Column byte of the row that the lowest set bit of `address_low` selects; 0 when no bit is set.
-/// Rows never combine. Host keys are sampled at the moment of the read.
+/// Rows never combine.
 uint8_t keyboard_read(uint8_t address_low);
-/// Builds the symbolic map for the host's present layout, and switches to the symbolic mapping.
+/// Power-on: the symbolic mapping, and every key released.
 void keyboard_init();
-/// Takes every host key for released.
+/// Takes every key for released, until the next look at the input.
 void keyboard_reset();
 /// 1 symbolic, otherwise positional.
 void keyboard_change_mapping(int mapping);

@@ -1,6 +1,7 @@
 #include "core/frame_driver.h"
 
 #include "cgenie/crtc.h"
+#include "cgenie/input.h"
 #include "cgenie/video_beam.h"
 #include "core/machine.h"
 #include "media/wd1771.h"
@@ -25,11 +26,13 @@ constexpr state_field fields[] = {
 void begin_frame() {
     if (frame_state.begun) return;
     frame_state.begun = 1;
+    input_begin_frame();
     frame_state.left = frame_budget() + (g_bCycleBasedEngine ? 0 : leftover);
 }
 
 void end_frame() {
     frame_state.begun = 0;
+    input_end_frame();
     if (!g_bCycleBasedEngine) {
         leftover = frame_state.left;
         crtc_vblank();

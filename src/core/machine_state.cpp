@@ -3,6 +3,7 @@
 #include "cgenie/bus.h"
 #include "cgenie/crtc.h"
 #include "cgenie/hires_lowe.h"
+#include "cgenie/input.h"
 #include "cgenie/memory/memory.h"
 #include "cgenie/palette.h"
 #include "cgenie/typing/typing.h"
@@ -31,6 +32,7 @@ constexpr const state_record* records[] = {
     &machine_setup_state,
     &memory_record,
     &bus_record,
+    &input_record,
     &crtc_record,
     &video_record,
     &frame_buffer_record,

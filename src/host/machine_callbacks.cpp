@@ -1,10 +1,13 @@
 #include "host/machine_callbacks.h"
 
+#include "cgenie/palette.h"
 #include "core/pacing/pacing.h"
 #include "host/avi.h"
 #include "host/commands.h"
 #include "host/disks.h"
 #include "host/display.h"
+#include "host/joysticks.h"
+#include "host/key_map.h"
 #include "host/messages.h"
 #include "host/rom_files.h"
 #include "host/screenshot.h"
@@ -24,8 +27,15 @@ void connect_machine() {
     machine_host.lamp = light_lamp;
     machine_host.frame = show_frame;
     machine_host.read_rom = read_rom_file;
+    machine_host.read_input = [](machine_input& input) {
+        read_host_keys(input);
+        read_host_joysticks(input);
+    };
     machine_host.was_reset = [] { last_file_name.clear(); };
-    machine_host.stale = main_disk_follow_machine;
+    machine_host.stale = [] {
+        main_disk_follow_machine();
+        palette_update();
+    };
     machine_host.save_file_name = get_ui_save_tape_filename;
     machine_host.breakpoint_reached = host_breakpoint_reached;
     sound_output_connect();

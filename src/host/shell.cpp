@@ -18,6 +18,8 @@
 #include "host/disks.h"
 #include "host/display.h"
 #include "host/interrupted_writes.h"
+#include "host/joysticks.h"
+#include "host/key_map.h"
 #include "host/machine_callbacks.h"
 #include "host/menu.h"
 #include "host/messages.h"
@@ -87,6 +89,7 @@ void emu_init(const ShellOptions& options) {
     firmware_load_user_images(data_directory + "/firmware");
     std::random_device seed;
     memory_seed_random(uint64_t(seed()) << 32 | seed());
+    host_keyboard_init();
     machine_init();
     video_init(machine_cfg[active_machine_cfg].palette & 1);
     joystick_init();

@@ -6,6 +6,7 @@
 #include "host/commands.h"
 #include "host/disks.h"
 #include "host/hold.h"
+#include "host/key_map.h"
 #include "host/menu.h"
 #include "host/messages.h"
 #include "host/shell.h"
@@ -54,7 +55,7 @@ ShellSink sink;
 void leave_menu() {
     reset_timer();
     sound_resume();
-    keyboard_reset();
+    host_keyboard_reset();
 }
 
 /// Run-in-background keeps the machine going while another program is active.
@@ -92,7 +93,7 @@ void file_dropped(const std::string& path) {
 /// long as the program runs.
 void layout_changed(bool by_user) {
     if (by_user) g_KeyMapping = true;
-    keyboard_init();
+    host_keyboard_init();
     keyboard_change_mapping(g_KeyMapping);
     check_menu_item(COMMAND_SYMBOLIC_KEYS, g_KeyMapping);
 }

@@ -1,12 +1,12 @@
 #include "cgenie/bus.h"
 
 #include "cgenie/crtc.h"
+#include "cgenie/input.h"
 #include "cgenie/keyboard.h"
 #include "cgenie/memory/memory.h"
 #include "cgenie/video.h"
 #include "media/printer.h"
 #include "media/wd1771.h"
-#include "platform/headless/headless.h"
 #include "sound/beeper.h"
 #include "sound/scripted_driver.h"
 #include "sound/ym2149.h"
@@ -27,13 +27,11 @@ uint8_t mark(uint32_t address, uint8_t image) {
 class Bus : public testing::Test {
 protected:
     void SetUp() override {
-        install_platform(host);
-        host.release_all_keys();
+        input_state = {};
         z80_state = {};
         for (uint32_t i = 0; i < 0x10000; ++i) memory[i] = mark(i, 0);
         for (uint32_t i = 0; i < EXPANSION_SIZE; ++i) current_eprom[i] = mark(i, 0x80);
         std::memset(ports, 0, sizeof ports);
-        keyboard_change_mapping(0); // positional
         memory_set_ram_size_source(&ram_size);
         ram_size = 1;
         printer_enabled = false;
@@ -49,8 +47,7 @@ protected:
         return count;
     }
 
-    // Both stay behind for whatever test comes next in this program.
-    static inline HeadlessPlatform host{HeadlessOptions{}};
+    // Stays behind for whatever test comes next in this program.
     static inline uint32_t ram_size = 1;
 };
 
@@ -73,8 +70,8 @@ TEST_F(Bus, AddressMap) {
         {0xFFEB, open, 1, dropped, 0},     {0xFFEF, disk_register, 1, dropped, 0},
         {0xFFFF, open, 1, dropped, 0},
     };
-    host.set_key('A', true); // row 0, column 1
-    host.set_key(' ', true); // row 6, column 7
+    input_state.now.positional[0] = 0x02; // A
+    input_state.now.positional[6] = 0x80; // the space bar
     std::vector<uint8_t> image(memory, memory + 0x10000);
     uint32_t address = 0;
     for (const auto& range : map) {
@@ -227,45 +224,27 @@ TEST_F(Bus, InterruptLineIsALevel) {
     EXPECT_EQ(z80_state.irq, 0);
 }
 
-/// Row and column of every key, row x 8 + column.
-std::map<int, int> matrix_positions() {
-    std::map<int, int> positions = {
-        {KEY_OEM_4, 0},      {KEY_F1, 28},         {KEY_F2, 29},    {KEY_F3, 30},
-        {KEY_F4, 31},        {KEY_OEM_7, 42},      {KEY_OEM_1, 43}, {KEY_OEM_COMMA, 44},
-        {KEY_OEM_MINUS, 45}, {KEY_OEM_PERIOD, 46}, {KEY_OEM_2, 47}, {KEY_RETURN, 48},
-        {KEY_HOME, 49},      {KEY_END, 50},        {KEY_UP, 51},    {KEY_DOWN, 52},
-        {KEY_LEFT, 53},      {KEY_BACKSPACE, 53},  {KEY_RIGHT, 54}, {KEY_SPACE, 55},
-        {KEY_SHIFT, 56},     {KEY_INSERT, 57},     {KEY_TAB, 59},   {KEY_CONTROL, 60}};
-    for (int letter = 'A'; letter <= 'Z'; ++letter) positions[letter] = letter - 'A' + 1;
-    for (int digit = '0'; digit <= '9'; ++digit) positions[digit] = digit - '0' + 32;
-    return positions;
-}
-
-TEST_F(Bus, EveryHostKeyClosesItsOwnContact) {
-    const auto positions = matrix_positions();
-    for (int key = 0; key < 256; ++key) {
-        host.set_key(uint8_t(key), true);
-        const auto position = positions.find(key);
-        for (int row = 0; row < 8; ++row) {
-            const bool hit = position != positions.end() && position->second / 8 == row;
-            EXPECT_EQ(mem_read(0xF800 + (1U << row)), hit ? 1 << position->second % 8 : 0)
-                << "key " << std::hex << key << " row " << row;
-        }
-        host.set_key(uint8_t(key), false);
-    }
-}
-
-TEST_F(Bus, KeyboardRowsDoNotCombineAndAltHidesThemAll) {
-    for (const int key : {int('A'), int('H'), int(KEY_SHIFT), int(KEY_CONTROL)}) {
-        host.set_key(uint8_t(key), true);
-    }
+TEST_F(Bus, KeyboardRowsDoNotCombine) {
+    machine_input& input = input_state.now;
+    input.positional[0] = 0x02;
+    input.positional[1] = 0x01;
+    input.positional[7] = 0x10;
+    input.symbolic[1][4] = 0x02; // "!"
+    input.direct[7] = 0x01;
     struct {
         uint32_t address;
         uint8_t expected;
     } const cases[] = {{0xF801, 0x02}, {0xF802, 0x01}, {0xF803, 0x02}, {0xF880, 0x11},
                        {0xF8FE, 0x01}, {0xF800, 0x00}, {0xFB82, 0x01}, {0xF900, 0x00}};
     for (const auto& c : cases) EXPECT_EQ(mem_read(c.address), c.expected) << std::hex << c.address;
-    host.set_key(KEY_ALT, true);
-    for (const auto& c : cases) EXPECT_EQ(mem_read(c.address), 0) << std::hex << c.address;
+    keyboard_change_mapping(1);
+    EXPECT_EQ(mem_read(0xF801), 0);
+    EXPECT_EQ(mem_read(0xF880), 0x01) << "held directly, whatever the mapping";
+    input.direct[7] = 0;
+    EXPECT_EQ(mem_read(0xF810), 0x02);
+    for (const int shift : {1, 1, 1, 0}) EXPECT_EQ(mem_read(0xF880), shift);
+    mem_read(0xF810);
+    keyboard_reset();
+    for (const uint32_t row : {0xF810, 0xF880}) EXPECT_EQ(mem_read(row), 0) << "all released";
 }
 } // namespace

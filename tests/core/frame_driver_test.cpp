@@ -1,16 +1,19 @@
 #include "core/frame_driver.h"
 
 #include "cgenie/crtc.h"
+#include "cgenie/input.h"
 #include "cgenie/memory/memory.h"
 #include "core/machine.h"
 #include "core/pacing/pacing.h"
 #include "platform/headless/headless.h"
 #include "support/fake_host.h"
 #include "support/paced_frames.h"
+#include "wall/machine_host.h"
 #include "z80/z80.h"
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <optional>
 
@@ -82,6 +85,25 @@ TEST_F(FrameDriver, BudgetIsClockByFrequencyAndOvershootIsCarried) {
         }
         EXPECT_EQ(crtc.frame_counter - vblanks, uint32_t(frames));
     }
+}
+
+TEST_F(FrameDriver, AFrameLooksAtTheInputOnce) {
+    constexpr uint8_t READ_ROWS[] = {0x3A, 0x01, 0xF8, 0x32, 0x00, 0x50, 0x18, 0xF8};
+    std::ranges::copy(READ_ROWS, memory + 0x4000); // LD A,(F801), LD (5000),A
+    static int looks;
+    looks = 0;
+    machine_host.read_input = [](machine_input& input) { input.symbolic[0][0] = uint8_t(++looks); };
+    for (int frame = 1; frame <= 3; ++frame) {
+        machine_run();
+        EXPECT_EQ(memory[0x5000], frame) << "the first look of the frame, to its end";
+    }
+    EXPECT_EQ(mem_read(0xF801), 4) << "between frames each read looks";
+    EXPECT_EQ(mem_read(0xF801), 5);
+    machine_step();
+    EXPECT_EQ(mem_read(0xF801), 6);
+    EXPECT_EQ(mem_read(0xF801), 6) << "in the middle of one";
+    machine_host.read_input = machine_without_host().read_input;
+    machine_run();
 }
 
 TEST_F(FrameDriver, BeamEngineCarriesNothing) {

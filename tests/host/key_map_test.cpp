@@ -1,16 +1,10 @@
+#include "host/key_map.h"
+
 #include "cgenie/keyboard.h"
-#include "cgenie/typing/typing.h"
-#include "media/files/typed_text.h"
-
-#include "cgenie/memory/memory.h"
-#include "core/machine.h"
-#include "media/traps.h"
 #include "support/host_files.h"
-#include "support/typed_text.h"
-#include "z80/z80.h"
 
-#include <algorithm>
 #include <array>
+#include <map>
 
 namespace {
 /// Other layouts: what the keys give alone, with Shift and with AltGr, in the order of KEYS; a
@@ -37,10 +31,10 @@ HeadlessLayout layout_of(const Levels& levels) {
     return keys;
 }
 
-class Keyboard : public HostFilesTest {
+class KeyMap : public HostFilesTest {
 protected:
     void TearDown() override {
-        keyboard_type_reset();
+        keyboard_init();
         keyboard_change_mapping(0);
         HostFilesTest::TearDown();
     }
@@ -73,12 +67,12 @@ Contact contact_of(char c) {
     return {32 + (c & 0x0F), (c & 0x1F) <= 0x0B ? c < '0' : c >= '<'};
 }
 
-TEST_F(Keyboard, SymbolicPressesTheKeyOfTheCharacterInEveryLayout) {
+TEST_F(KeyMap, SymbolicPressesTheKeyOfTheCharacterInEveryLayout) {
     const std::pair<std::string, HeadlessLayout> layouts[] = {
         {"US", headless_us_layout()}, {"German", layout_of(GERMAN)}, {"French", layout_of(FRENCH)}};
     for (const auto& [name, layout] : layouts) {
         host->keyboard().layout = layout;
-        keyboard_init();
+        host_keyboard_init();
         for (char c = ' '; c <= '~'; ++c) {
             SCOPED_TRACE(name + " " + c);
             ASSERT_TRUE(layout[c - ' ']);
@@ -94,8 +88,8 @@ TEST_F(Keyboard, SymbolicPressesTheKeyOfTheCharacterInEveryLayout) {
     }
 }
 
-TEST_F(Keyboard, SymbolicHostKeysAndModifiers) {
-    keyboard_init();
+TEST_F(KeyMap, SymbolicHostKeysAndModifiers) {
+    host_keyboard_init();
     struct {
         std::vector<int> keys;
         unsigned row;
@@ -127,12 +121,12 @@ TEST_F(Keyboard, SymbolicHostKeysAndModifiers) {
     EXPECT_EQ(shifts(), NO_SHIFT) << "a plain key takes SHIFT back";
     hold({KEY_SHIFT, '1'});
     row(4);
-    keyboard_reset();
+    host_keyboard_reset();
     EXPECT_TRUE(host->keyboard().down.none());
     EXPECT_EQ(shifts(), NO_SHIFT) << "so does a reset";
 
     host->keyboard().layout['@' - ' '] = {};
-    keyboard_init();
+    host_keyboard_init();
     for (uint8_t modifiers = 0; modifiers < 8; ++modifiers) {
         hold_chord({0xFF, modifiers});
         for (int key = KEY_SPACE; key < 0xFF; ++key) host->set_key(uint8_t(key), true);
@@ -140,72 +134,33 @@ TEST_F(Keyboard, SymbolicHostKeysAndModifiers) {
     }
 }
 
-TEST_F(Keyboard, TypesTextAndSkipsTheByteBehindACarriageReturn) {
-    const std::pair<std::string, std::string> cases[] = {
-        {"\x41\x42\x0D\x0A\x43", "AB\rC"},
-        {"\rXY", "\rY"},
-        {"\r\r\r\rCLOAD\r\r", "\r\rCLOAD\r"},
-        {"RUN\r", "RUN\r"},
-        {"A\nB", "A\nB"},
-        {"2^3`[\x80\xFF", "2[3'[\x80\xFF"},
-        {"", ""},
-    };
-    for (const auto& [text, expected] : cases) {
-        EXPECT_EQ(keyboard_open_from_buffer(text), 1);
-        EXPECT_EQ(typed_text(), expected);
-        EXPECT_EQ(typed_text(), "") << "stays at the end";
-    }
-    const std::string with_zero("AB\0CD", 5);
-    keyboard_open_from_buffer(with_zero);
-    EXPECT_EQ(typed_text(), "AB");
-    std::ofstream("text.bas", std::ios::binary) << with_zero;
-    EXPECT_EQ(keyboard_open_bas_file("text.bas"), 1);
-    EXPECT_EQ(typed_text(), with_zero) << "a file is typed whole";
-
-    host->clipboard().set_text("NEW\r\n");
-    gui_paste_from_clipboard();
-    int done = 1;
-    EXPECT_EQ(keyboard_type_bas_file(&done), 'N');
-    EXPECT_EQ(done, 0);
-    std::filesystem::create_directory("folder");
-    std::ofstream("large") << 'A';
-    std::filesystem::resize_file("large", (16 << 20) + 1);
-    for (const char* name : {"none", "folder", "large"}) {
-        EXPECT_EQ(keyboard_open_bas_file(name), 0) << name;
-    }
-    EXPECT_EQ(typed_text(), "EW\r") << "a refused file leaves the text alone";
-    gui_paste_from_clipboard();
-    keyboard_type_bas_file(&done);
-    keyboard_open_from_buffer("RUN");
-    EXPECT_EQ(typed_text(), "RUN") << "from its first byte";
-    gui_paste_from_clipboard();
-    keyboard_type_reset();
-    EXPECT_EQ(typed_text(), "");
+/// Row and column of every key, row x 8 + column.
+std::map<int, int> matrix_positions() {
+    std::map<int, int> positions = {
+        {KEY_OEM_4, 0},      {KEY_F1, 28},         {KEY_F2, 29},    {KEY_F3, 30},
+        {KEY_F4, 31},        {KEY_OEM_7, 42},      {KEY_OEM_1, 43}, {KEY_OEM_COMMA, 44},
+        {KEY_OEM_MINUS, 45}, {KEY_OEM_PERIOD, 46}, {KEY_OEM_2, 47}, {KEY_RETURN, 48},
+        {KEY_HOME, 49},      {KEY_END, 50},        {KEY_UP, 51},    {KEY_DOWN, 52},
+        {KEY_LEFT, 53},      {KEY_BACKSPACE, 53},  {KEY_RIGHT, 54}, {KEY_SPACE, 55},
+        {KEY_SHIFT, 56},     {KEY_INSERT, 57},     {KEY_TAB, 59},   {KEY_CONTROL, 60}};
+    for (int letter = 'A'; letter <= 'Z'; ++letter) positions[letter] = letter - 'A' + 1;
+    for (int digit = '0'; digit <= '9'; ++digit) positions[digit] = digit - '0' + 32;
+    return positions;
 }
 
-TEST_F(Keyboard, TrapStandsInForTheRoutineUntilTheTextEnds) {
-    machine_init();
-    const std::vector<uint8_t> rom(active_rom, active_rom + BASIC_ROM_SIZE);
-    std::vector<uint8_t> patched = rom;
-    std::ranges::copy(std::vector<uint8_t>{0xED, 0x06, 0x00, 0x00, 0xC9}, patched.begin() + 0x2B);
-    const auto image = [] { return std::vector<uint8_t>(memory, memory + BASIC_ROM_SIZE); };
-    keyboard_open_from_buffer("A\r");
-    memory_place_bas_trap();
-    z80_state.pc = 0x002D;
-    for (const int expected : {0x41, 0x0D, 0x00}) {
-        EXPECT_EQ(image(), patched) << expected;
-        z80_state.af = 0x55D7;
-        trap_handle(6);
-        EXPECT_EQ(z80_state.af, expected << 8 | 0xD7) << "the flags stay";
-        EXPECT_EQ(z80_state.pc, 0x002D);
+TEST_F(KeyMap, EveryHostKeyClosesItsOwnContact) {
+    keyboard_change_mapping(0);
+    const auto positions = matrix_positions();
+    for (int key = 0; key < 256; ++key) {
+        hold({key});
+        const auto position = positions.find(key);
+        for (int row = 0; row < 8; ++row) {
+            const bool hit = position != positions.end() && position->second / 8 == row;
+            EXPECT_EQ(this->row(unsigned(row)), hit ? 1 << position->second % 8 : 0)
+                << "key " << std::hex << key << " row " << row;
+        }
     }
-    EXPECT_EQ(image(), rom);
-    for (const int number : {5, 7, 8, 9, 10, 11, 12}) {
-        z80_state.af = z80_state.bc = 0x1234;
-        trap_handle(number);
-        EXPECT_EQ(z80_state.af & z80_state.bc, 0x1234) << number;
-        EXPECT_EQ(z80_state.pc, 0x002D) << number;
-    }
+    hold({'A', 'H', KEY_SHIFT, KEY_CONTROL, KEY_ALT});
+    for (unsigned row = 0; row < 8; ++row) EXPECT_EQ(this->row(row), 0) << "Alt hides them all";
 }
-
 } // namespace

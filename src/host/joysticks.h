@@ -1,0 +1,10 @@
+#pragma once
+/// The host's first two joysticks as the machine's. They may come and go.
+
+struct machine_input;
+
+/// Looks for the host's joysticks, says on the standard error stream what it found, and asks for
+/// the delivery of their positions.
+void initJoyInput();
+/// Fills in the sticks; one that cannot be read stands in the middle.
+void read_host_joysticks(machine_input& input);
