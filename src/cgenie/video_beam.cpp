@@ -307,7 +307,7 @@ int32_t run_until(int32_t cycles, Stop stop) {
     start_following();
     do {
         cycles += z80_run(0);
-    } while (cycles > 0 && !stop());
+    } while (cycles > 0 && !z80_state.waits && !stop());
     stop_following();
     return cycles;
 }

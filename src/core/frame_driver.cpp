@@ -49,7 +49,7 @@ int32_t run_cycles(int32_t cycles) {
     if (!z80_state.breakpoint_enabled) return z80_run(cycles);
     do {
         cycles += z80_run(0);
-    } while (cycles > 0 && !cpu_breakpoint_arrives());
+    } while (cycles > 0 && !z80_state.waits && !cpu_breakpoint_arrives());
     return cycles;
 }
 
@@ -70,19 +70,21 @@ int machine_run() {
     // Something else than an instruction may have moved the program counter here.
     bool reached = z80_state.breakpoint_enabled && cpu_breakpoint_arrives();
     do {
-        if (reached && machine_host.breakpoint_reached()) return 0;
+        if (reached && machine_host.breakpoint_reached()) return MACHINE_STANDS;
         frame_state.left = run_cycles(frame_state.left);
+        if (z80_state.waits) return MACHINE_WAITS;
         reached = frame_state.left > 0;
     } while (reached);
     end_frame();
-    return 1;
+    return MACHINE_FRAME;
 }
 
 int machine_step() {
     begin_frame();
     frame_state.left =
         g_bCycleBasedEngine ? video_step(frame_state.left) : frame_state.left + z80_run(0);
-    if (frame_state.left > 0) return 0;
+    if (z80_state.waits) return MACHINE_WAITS;
+    if (frame_state.left > 0) return MACHINE_STANDS;
     end_frame();
-    return 1;
+    return MACHINE_FRAME;
 }

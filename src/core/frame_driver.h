@@ -25,8 +25,14 @@ inline bool& g_bCycleBasedEngine = frame_state.cycle_based;
 int32_t frame_budget();
 /// Frames per second of the active configuration.
 uint32_t frames_per_second();
-/// Runs one emulated frame, or completes the one that has been left in the middle. 0 when it is
-/// left at the breakpoint now, and the host wants the machine to stand there.
+/// How a run has ended.
+enum machine_run_end : int {
+    MACHINE_STANDS, ///< in the middle of a frame, at the breakpoint or behind a step
+    MACHINE_FRAME,  ///< at the end of a frame
+    MACHINE_WAITS   ///< in the middle of a frame, for machine_host.save_question to be answered
+};
+/// Runs one emulated frame, or completes the one that has been left in the middle. MACHINE_STANDS
+/// when it has come to the breakpoint, and the host wants the machine to stand there.
 int machine_run();
-/// Runs one instruction as part of a frame, whatever stands at it. 1 when it ended the frame.
+/// Runs one instruction as part of a frame, whatever stands at it.
 int machine_step();

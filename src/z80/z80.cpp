@@ -32,6 +32,7 @@ constexpr state_field fields[] = {
     {"irq", sizeof(z80_record::irq)},
     {"nmi", sizeof(z80_record::nmi)},
     {"nmi_in_progress", sizeof(z80_record::nmi_in_progress)},
+    {"waits", sizeof(z80_record::waits)},
     {"t_count", sizeof(z80_record::t_count)},
     {"instruction_start", sizeof(z80_record::instruction_start), field_kind::other},
     {"clock_hz", sizeof(z80_record::clock_hz)},
@@ -51,9 +52,10 @@ template <bool NOTES_STARTS>
 inline int32_t run_budget(int32_t budget) {
     const int64_t end = z80_state.t_count + budget;
     z80_registers s = z80_state;
+    z80_state.waits = 0;
     do {
         if constexpr (NOTES_STARTS) z80_state.instruction_start = z80_state.t_count;
-        op::run_instruction(s);
+        if (!op::run_instruction(s)) break;
     } while (z80_state.t_count < end);
     static_cast<z80_registers&>(z80_state) = s;
     return int32_t(end - z80_state.t_count);
@@ -89,6 +91,7 @@ void z80_reset() {
     z80_state.iff1 = z80_state.iff2 = 0;
     z80_state.interrupt_mode = 0;
     z80_state.irq = z80_state.nmi = z80_state.nmi_in_progress = 0;
+    z80_state.waits = 0;
     z80_state.sp = 0xFFFF;
     z80_state.af = 0xFFFF;
 }
@@ -130,6 +133,18 @@ int cpu_breakpoint_arrives() {
     const int32_t was_there = z80_state.stood_on_breakpoint;
     z80_state.stood_on_breakpoint = cpu_is_breakpoint_reached();
     return z80_state.breakpoint_enabled && z80_state.stood_on_breakpoint && !was_there ? 1 : 0;
+}
+
+void z80_wait_at_trap() {
+    z80_state.pc = uint16_t(z80_state.pc - 2);
+    z80_state.r = uint8_t((z80_state.r & 0x80) | ((z80_state.r - 2) & 0x7F));
+    // The fetches may have cost wait cycles: as many as they cost once more.
+    const int64_t now = z80_state.t_count;
+    mem_read(z80_state.pc);
+    mem_read(uint16_t(z80_state.pc + 1));
+    z80_state.t_count = now - (z80_state.t_count - now);
+    z80_state.nmi |= op::NMI_WAIT;
+    z80_state.waits = 1;
 }
 
 void do_CB_instruction() { z80_state.t_count += op::cb_instruction(z80_state); }

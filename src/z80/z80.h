@@ -69,6 +69,7 @@ struct z80_record : z80_registers {
     int32_t irq; ///< level line: nonzero while a device asserts it
     int32_t nmi; ///< latched request; taking the NMI does not clear it
     int32_t nmi_in_progress;
+    int32_t waits;             ///< the last run ended at a trap, by z80_wait_at_trap
     int64_t t_count;           ///< T-states since program start; only ever grows
     int64_t instruction_start; ///< t_count before an instruction; see z80_run_noting_starts
     uint64_t clock_hz;         ///< main clock in Hz
@@ -108,6 +109,10 @@ void z80_out(uint32_t port, uint8_t value);
 /// Serves the trap opcode ED `number` (00 to 0C). `pc` is already behind it and the opcode costs
 /// nothing; the function may change any register, `pc` included.
 void trap_handle(int number);
+/// For trap_handle, when it cannot go on yet: the processor is put back before the trap, without a
+/// cycle or a refresh, and the run ends there with `waits` set, whatever its budget. The next run
+/// begins with the trap again.
+void z80_wait_at_trap();
 
 // ---- running -----------------------------------------------------------------------------------
 
@@ -117,8 +122,9 @@ void z80_init(uint32_t clock_hz);
 /// registers, the clock and the breakpoint keep their values.
 void z80_reset();
 /// Runs whole instructions until `budget` T-states are used, at least one. Returns what is left,
-/// 0 or negative. A budget of 0 runs exactly one instruction and returns minus its cost, the
-/// acceptance of an interrupt after it included.
+/// 0 or negative; where it waits at a trap, as much as there was before it. A budget of 0 runs
+/// exactly one instruction and returns minus its cost, the acceptance of an interrupt after it
+/// included.
 int32_t z80_run(int32_t budget);
 /// As z80_run; while it runs, `instruction_start` tells a device when the present instruction
 /// began. z80_run does so only for a budget of 0.

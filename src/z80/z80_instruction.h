@@ -9,26 +9,36 @@ namespace z80_operations {
 constexpr uint8_t OPCODE_HALT = 0x76;
 constexpr uint8_t OPCODE_EI = 0xFB;
 
+/// A bit of `nmi` from a trap that has to wait to the end of that instruction: beside the interrupt
+/// lines, the run loop looks at nothing more for it.
+constexpr int32_t NMI_WAIT = 2;
+
 /// After an instruction that began with `opcode`: the NMI goes before the maskable interrupt, which
-/// is not accepted directly behind EI. The address pushed for a HALT is the one behind it.
-inline void offer_interrupts(Registers& s, uint8_t opcode) {
+/// is not accepted directly behind EI. The address pushed for a HALT is the one behind it. False
+/// when the instruction was a trap that has to wait.
+inline bool offer_interrupts(Registers& s, uint8_t opcode) {
+    if (z80_state.nmi & NMI_WAIT) {
+        z80_state.nmi &= ~NMI_WAIT;
+        return false;
+    }
     const bool take_nmi = z80_state.nmi && !z80_state.nmi_in_progress;
     const bool take_irq = z80_state.irq && s.iff1 && opcode != OPCODE_EI;
-    if (!take_nmi && !take_irq) return;
+    if (!take_nmi && !take_irq) return true;
     if (opcode == OPCODE_HALT) ++s.pc;
     if (take_nmi) {
         accept_nmi(s);
     } else {
         accept_irq(s);
     }
+    return true;
 }
 
-/// One instruction on `s`, and the interrupt after it.
-inline void run_instruction(Registers& s) {
+/// One instruction on `s`, and the interrupt after it. False when it was a trap that has to wait.
+inline bool run_instruction(Registers& s) {
     const uint8_t opcode = fetch(s);
     count_refresh(s);
     z80_state.t_count += execute(s, opcode);
-    if (z80_state.irq | z80_state.nmi) offer_interrupts(s, opcode);
+    return (z80_state.irq | z80_state.nmi) == 0 || offer_interrupts(s, opcode);
 }
 
 /// z80_run (0).

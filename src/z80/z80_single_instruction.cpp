@@ -10,6 +10,7 @@ namespace z80_operations {
 [[gnu::noinline]] int32_t run_single_instruction() {
     const int64_t start = z80_state.t_count;
     z80_state.instruction_start = start;
+    z80_state.waits = 0;
     run_instruction(z80_state);
     return int32_t(start - z80_state.t_count);
 }
