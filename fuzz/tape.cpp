@@ -2,6 +2,7 @@
 /// the firmware's traps, and saved. The last byte of the file chooses what else happens.
 
 #include "media/tape.h"
+#include "media/files/cassette_files.h"
 #include "support/fake_host.h"
 #include "support/files.h"
 #include "support/machine.h"

@@ -1,8 +1,8 @@
 /// WAV recordings: the reader at any place, and a tape that plays and rolls, stops and is rewound
 /// as the bytes of the file themselves say.
 
+#include "media/files/tape_sound_files.h"
 #include "media/tape_audio.h"
-#include "media/wav_reader.h"
 #include "support/fake_host.h"
 #include "support/files.h"
 #include "support/machine.h"
@@ -16,17 +16,15 @@ constexpr const char* NAME = "tape.wav";
 constexpr const char* RECORDED = "recorded.wav";
 
 void read_samples(std::span<const uint8_t> bytes) {
-    static WavReader reader;
-    if (!wav_reader_open(reader, NAME).empty()) return;
-    const int32_t lowest = reader.bits == 8 ? 0 : -32768;
-    const int32_t highest = reader.bits == 8 ? 255 : 32767;
+    wav_format wav = tape_audio.wav;
+    const int32_t lowest = wav.bits == 8 ? 0 : -32768;
+    const int32_t highest = wav.bits == 8 ? 255 : 32767;
     uint64_t index = 0;
     for (const uint8_t byte : bytes) {
-        const int32_t sample = wav_reader_sample(reader, index);
+        const int32_t sample = wav_sample(wav, index);
         require(sample >= lowest && sample <= highest, "a sample has its width");
         index = byte & 1 ? index + byte : index * 257 + byte;
     }
-    wav_reader_close(reader);
 }
 
 void roll(std::span<const uint8_t> bytes) {
@@ -53,8 +51,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     fake_host = {};
     fresh_machine();
     write_file(NAME, {data, size});
-    read_samples({data, size});
     if (tape_open_wav(NAME)) {
+        read_samples({data, size});
         tape_set_motor(1, z80_state.t_count);
         roll({data, size});
     }
@@ -64,9 +62,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         tape_set_motor(1, z80_state.t_count);
         roll({data, size});
         tape_close_wav();
-        static WavReader reader;
-        require(wav_reader_open(reader, RECORDED).empty(), "a recording can be played");
-        wav_reader_close(reader);
+        FileHandle file;
+        wav_format wav;
+        require(wav_file_open(RECORDED, file, wav).empty(), "a recording can be played");
     }
     tape_set_compare_level(0);
     tape_set_signal_invert(0);

@@ -7,8 +7,8 @@
 #include "cgenie/video_beam.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"
+#include "media/files/cassette_files.h"
 #include "media/printer.h"
-#include "media/tape.h"
 #include "media/tape_audio.h"
 #include "media/traps.h"
 #include "media/wd1771.h"
@@ -21,8 +21,6 @@
 #include <array>
 
 namespace {
-
-constexpr int UNSERVED_TRAP = 0x0C;
 
 void program_crtc(std::span<const uint8_t> values) {
     for (uint32_t number = 0; number < values.size(); ++number) {
@@ -67,11 +65,7 @@ void fresh_machine(uint32_t configuration) {
     if (active_machine_cfg != 0) machine_change_cfg(machine_cfg[active_machine_cfg], 1);
     tape_init();
     printer_reset();
-    // The first trap of the run follows none at the same time, and neither do these.
-    for (const int64_t before : {-2, -1}) {
-        z80_state.t_count = before;
-        trap_handle(UNSERVED_TRAP);
-    }
+    traps.last_trap = -1;
     z80_state.t_count = 0;
     sound_update(0);
 }

@@ -148,6 +148,7 @@ void machine_look_for_prompt() {
 }
 
 void machine_reset() {
+    tape_withdraw_save_question();
     wd1771_reset_all();
     z80_state.irq = 0;
     z80_state.nmi = 1;

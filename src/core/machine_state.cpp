@@ -11,6 +11,10 @@
 #include "cgenie/video_beam.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"
+#include "media/printer.h"
+#include "media/tape.h"
+#include "media/tape_audio.h"
+#include "media/traps.h"
 #include "media/wd1771.h"
 #include "sound/beeper.h"
 #include "sound/sound_core.h"
@@ -44,6 +48,10 @@ constexpr const state_record* records[] = {
     &beeper_record,
     &sound_core_record,
     &wd1771_record,
+    &cassette_record,
+    &tape_audio_record,
+    &traps_record,
+    &printer_record,
 };
 // clang-format on
 
@@ -56,6 +64,7 @@ constexpr auto media = std::to_array<medium>({
     {"disk 1", &drive_contents[1]},
     {"disk 2", &drive_contents[2]},
     {"disk 3", &drive_contents[3]},
+    {"cas", &cas},
     {"typing_text", &typing_text},
 });
 

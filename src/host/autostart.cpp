@@ -10,6 +10,7 @@
 #include "host/disk_rom.h"
 #include "media/cmd_loader.h"
 #include "media/damage.h"
+#include "media/files/cassette_files.h"
 #include "media/files/typed_text.h"
 #include "media/snapshot.h"
 #include "media/tape.h"

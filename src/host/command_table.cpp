@@ -16,6 +16,8 @@
 #include "host/messages.h"
 #include "host/screenshot.h"
 #include "host/shell.h"
+#include "media/files/cassette_files.h"
+#include "media/files/tape_sound_files.h"
 #include "media/printer.h"
 #include "media/tape.h"
 #include "media/tape_audio.h"

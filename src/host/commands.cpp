@@ -22,10 +22,12 @@
 #include "host/status.h"
 #include "host/turn.h"
 #include "media/damage.h"
+#include "media/files/cassette_files.h"
+#include "media/files/printer_file.h"
 #include "media/files/program_files.h"
+#include "media/files/tape_sound_files.h"
 #include "media/files/typed_text.h"
 #include "media/printer.h"
-#include "media/tape.h"
 #include "media/tape_audio.h"
 #include "media/traps.h"
 #include "media/wd1771.h"
@@ -112,9 +114,7 @@ void pause_machine() {
     }
 }
 
-void restart_machine() {
-    rest_shell(RESTART_WAIT, machine_restart);
-}
+void restart_machine() { rest_shell(RESTART_WAIT, machine_restart); }
 
 void toggle_monitor() {
     g_bDebug = !g_bDebug;

@@ -23,7 +23,7 @@ constexpr int LONGEST_RUN = 10001; ///< instructions of one F7
 constexpr const char* DISASSEMBLY = "eaca_disass.txt";
 
 void step() {
-    if (machine_step()) run_timed_events();
+    if (run_with_answers(machine_step) == MACHINE_FRAME) run_timed_events();
 }
 
 void single_step() {

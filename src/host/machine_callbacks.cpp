@@ -10,8 +10,10 @@
 #include "host/key_map.h"
 #include "host/messages.h"
 #include "host/rom_files.h"
+#include "host/save_question.h"
 #include "host/screenshot.h"
 #include "host/status.h"
+#include "media/files/media_files.h"
 #include "sound/output/sound_ring.h"
 #include "wall/machine_host.h"
 
@@ -36,13 +38,15 @@ void connect_machine() {
         main_disk_follow_machine();
         palette_update();
     };
-    machine_host.save_file_name = get_ui_save_tape_filename;
+    machine_host.save_question = take_save_answer;
     machine_host.breakpoint_reached = host_breakpoint_reached;
+    connect_media_files();
     sound_output_connect();
     pacing_host = {
         .title = [](const char* text) { ui_set_window_title("%s", text); },
         .has_canvas = [] { return host_has_canvas() != 0; },
         .save_screenshot = host_save_screenshot,
         .capture_frame = host_capture_frame,
+        .answer_question = ask_save_question,
     };
 }

@@ -29,6 +29,8 @@
 #include "host/screen_text.h"
 #include "host/status.h"
 #include "host/turn.h"
+#include "media/files/cassette_files.h"
+#include "media/files/printer_file.h"
 #include "media/printer.h"
 #include "media/tape.h"
 #include "media/traps.h"

@@ -1,118 +1,73 @@
 #include "media/printer.h"
 
-#include "files/file_handle.h"
-#include "wall/report.h"
-
-#include <cerrno>
-#include <cstring>
-#include <filesystem>
-#include <system_error>
-
-#include <fcntl.h>
-#include <sys/stat.h>
-
-bool printer_enabled = false;
+#include "wall/machine_host.h"
 
 namespace {
 
-constexpr int LINE_LENGTH = 64;
-enum : uint8_t { FORM_FEED = 12, CARRIAGE_RETURN = 13 };
+constexpr int32_t LINE_LENGTH = 64;
+enum : uint8_t { LINE_END = 10, FORM_FEED = 12, CARRIAGE_RETURN = 13 };
 
-std::filesystem::path printout_path;
-FileHandle print;
-bool busy = false;
-uint8_t data_in = 0;
-int char_count = 0; ///< on this line
+constexpr state_field fields[] = {
+    {"position", sizeof(printer_state::position)},
+    {"char_count", sizeof(printer_state::char_count)},
+    {"data_in", sizeof(printer_state::data_in)},
+    {"busy", sizeof(printer_state::busy)},
+    {"open", sizeof(printer_state::open)},
+    {"enabled", sizeof(printer_state::enabled)},
+};
 
-void tell(const std::string& reason) {
-    report({.text = "The printer's file cannot be written.",
-            .file = printout_path.string(),
-            .reason = reason,
-            .remedy = "The printer is not ready until it is switched on again."});
+bool put(uint8_t byte) {
+    if (!machine_host.write(STREAM_PRINTER, printer.position, &byte, 1)) return false;
+    ++printer.position;
+    return true;
 }
-
-/// To be appended to; empty when it cannot be. A pipe that nobody reads would hold up the program,
-/// so only files and devices are taken.
-FileHandle open_printout() {
-    constexpr mode_t OWNERS_CHOICE = 0666;
-    const int flags = O_WRONLY | O_CREAT | O_APPEND | O_NONBLOCK | O_CLOEXEC;
-    const int descriptor = open(printout_path.c_str(), flags, OWNERS_CHOICE);
-    std::string reason = errno == ENXIO ? "is a pipe" : std::strerror(errno);
-    FileHandle file = stream_of(descriptor, "a");
-    struct stat status = {};
-    if (file && fstat(descriptor, &status) == 0) {
-        if (S_ISREG(status.st_mode) || S_ISCHR(status.st_mode)) return file;
-        reason = "is neither a file nor a device";
-    }
-    tell(reason);
-    return {};
-}
-
-bool put(uint8_t byte) { return std::fputc(byte, print.get()) != EOF; }
 
 bool end_line() {
-    char_count = 0;
-    return put('\n');
+    printer.char_count = 0;
+    return put(LINE_END);
 }
 
 bool put_pending() {
     // The byte that wraps a line is not counted: the line it begins holds one more.
-    if (++char_count > LINE_LENGTH && !end_line()) return false;
-    const bool ends_line = data_in == FORM_FEED || data_in == CARRIAGE_RETURN;
-    return ends_line ? end_line() : put(data_in);
+    if (++printer.char_count > LINE_LENGTH && !end_line()) return false;
+    const bool ends_line = printer.data_in == FORM_FEED || printer.data_in == CARRIAGE_RETURN;
+    return ends_line ? end_line() : put(printer.data_in);
 }
 
 /// A printer that cannot print is out of paper: the byte waits, and it is not ready any more.
 void write_pending() {
-    if (!busy || !print) return;
-    if (put_pending()) {
-        busy = false;
-        return;
-    }
-    const std::string reason = std::strerror(errno);
-    print.reset();
-    tell(reason);
+    if (!printer.busy || !printer.open) return;
+    const bool printed = put_pending();
+    (printed ? printer.busy : printer.open) = false;
 }
 
 } // namespace
 
-void printer_set_filename(const std::string& directory) {
-    printout_path = std::filesystem::path(directory) / "printer.txt";
-}
+printer_state printer;
+constexpr state_record printer_record = {"printer", &printer, sizeof printer, fields};
 
-void printer_init() {
-    if (!print) {
-        std::error_code ignored; // a directory that cannot be made shows when the file is opened
-        std::filesystem::create_directories(printout_path.parent_path(), ignored);
-        print = open_printout();
-        // Each byte reaches the file at once, for whoever watches it.
-        if (print) std::setvbuf(print.get(), nullptr, _IONBF, 0);
-    }
-    printer_reset();
+void printer_set_open(int open) {
+    write_pending();
+    printer.open = open != 0;
 }
 
 void printer_reset() {
-    busy = false;
-    char_count = 0;
-}
-
-void printer_close() {
-    write_pending();
-    print.reset();
+    printer.busy = false;
+    printer.char_count = 0;
 }
 
 void print_byte(uint8_t value) {
-    busy = true;
-    data_in = value;
+    printer.busy = true;
+    printer.data_in = value;
     write_pending();
 }
 
 int printer_is_ready() {
     write_pending();
-    return print ? 1 : 0;
+    return printer.open ? 1 : 0;
 }
 
 int printer_is_busy() {
     write_pending();
-    return busy ? 1 : 0;
+    return printer.busy ? 1 : 0;
 }

@@ -1,28 +1,35 @@
 #pragma once
-/// Parallel printer at the sound chip's port A, as text appended to a file.
+/// Parallel printer at the sound chip's port A. What it prints is text, whose file is that of
+/// media/files/printer_file.h.
 ///
 /// Every write of register 14 prints one byte; no strobe is modelled. The status lines are read in
 /// the upper half of port B, which the joysticks have while the printer is off. Form feed and
 /// carriage return end a line; every other byte goes to the file as it is. A line that gets too
 /// long is wrapped.
 
+#include "wall/state_record.h"
+
 #include <cstdint>
-#include <string>
 
+struct printer_state {
+    uint64_t position = 0;  ///< bytes printed so far
+    int32_t char_count = 0; ///< on this line
+    uint8_t data_in = 0;    ///< the last byte received
+    bool busy = false;      ///< it has not been written yet
+    bool open = false;      ///< there is a file
+    bool enabled = false;
+};
+extern printer_state printer;
+extern const state_record printer_record;
 /// Kept in the settings; while it is on, port B shows the printer's status.
-extern bool printer_enabled;
+inline constexpr auto& printer_enabled = printer.enabled;
 
-/// Opens the output file, unless it is open, and clears the state. The directory is made when it is
-/// missing. Where that fails, the user is told and the printer is there, but never ready.
-void printer_init();
+/// Whether there is a file to print to; before there is none any more, what waits is printed.
+void printer_set_open(int open);
 /// Clears the busy line and the column; what was not written is lost.
 void printer_reset();
-/// Prints what waits, and closes the file.
-void printer_close();
-/// The directory of the output file, "printer.txt".
-void printer_set_filename(const std::string& directory);
 /// Prints one byte. Without a file it waits, and the printer stays busy; the next byte replaces it.
-/// When the file cannot take it, the file is closed and the user told, once.
+/// When the host cannot take it, there is no file any more.
 void print_byte(uint8_t value);
 /// 1 while the output file is open.
 int printer_is_ready();

@@ -10,13 +10,19 @@
 /// A CAS file is that stream from its first byte. A CGT file opens with a text that ends with a
 /// zero byte, and the stream behind it starts at the sync byte.
 ///
-/// Images are regular files of up to 16 MB. One is attached at a time: for reading, or for saving
-/// from tape_create_cas on.
+/// One image is attached at a time, as bytes in memory: for reading, or for saving from
+/// tape_create_cas on. The files that it comes from and goes to are in
+/// media/files/cassette_files.h.
+
+#include "wall/machine_host.h"
+#include "wall/shared_bytes.h"
+#include "wall/state_record.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdio>
-#include <string>
+#include <span>
+#include <string_view>
+#include <vector>
 
 enum TapeByte : uint8_t {
     TAPE_LEADER = 0xAA,
@@ -30,45 +36,57 @@ constexpr size_t TAPE_NAME_SIZE = 6; ///< of a machine-code program
 /// What is on a tape, by its first block.
 enum TapeKind : int { TAPE_UNKNOWN = 0, TAPE_BASIC = 1, TAPE_MACHINE_CODE = 2 };
 
-/// The cassette system has been initialised.
-extern bool tape_ready;
+struct cassette_state {
+    uint64_t position = 0;        ///< of the next byte to read
+    uint32_t cas_header_size = 0; ///< where the tape's first byte stands in the image
+    uint8_t attached = 0;         ///< there is an image
+    uint8_t saving = 0;           ///< it takes bytes
+    uint8_t ready = 0;            ///< the cassette system has been initialised
+    uint8_t unused = 0;
+};
+extern cassette_state cassette;
+extern const state_record cassette_record;
+inline constexpr auto& tape_ready = cassette.ready;
+/// The attached image.
+extern shared_bytes cas;
 
-/// 1 on success; 0 for an empty path or a file that cannot be opened, and then nothing is attached.
-int tape_attach_cas(const std::string& path);
-void tape_detach_cas();
+/// Attaches an image, which stands at its start or behind its text, for whatever is in.
+void tape_put_in(shared_bytes image);
+/// Detaches the image; nothing without one.
+void tape_take_out();
+/// Takes out image and WAV file, and puts the traps in: the cassette system as it waits for an
+/// image.
+void tape_make_room();
 /// 1 while an image is attached, for reading or for saving.
 int tape_cas_is_attached();
 /// The image to its start; nothing without one.
 void tape_cas_rewind();
 /// The kind of tape, and the first character of a machine-code program's name. Rewinds the image.
 int tape_cas_type(char* name);
-/// The path of the attached image, or the one remembered from the last run.
-std::string& tape_get_cas_name();
 
-/// The offset of the sync byte behind a CGT file's text, where the file then stands; 0 for any
-/// other file, which stands at its start unless the text was there.
-int cg_get_header_size(std::FILE* file);
+/// The offset of the sync byte behind a CGT file's text; 0 for any other. `position` is where it
+/// then stands: there, at its start, or with the text but no sync byte behind the byte looked at.
+uint32_t cg_get_header_size(std::span<const uint8_t> image, uint64_t* position);
 /// Moves an image that stands in its text to the first byte of the tape.
 void tape_cas_skip_header();
 /// The next byte; 00 without an image, FF at its end.
 uint8_t tape_read_one_byte();
 
-/// Asks for a name and creates that image for saving; cancelled, nothing changes. A file that
-/// cannot be created is told in the status bar.
-void tape_create_cas();
-/// The start of a save: tape_create_cas once the cassette system is ready.
-void tape_write_case_header();
-/// Appends a byte, which is in the operating system's hands on return. Dropped when no image is
-/// being saved. The first byte that cannot be written ends the save and is told in the status bar.
+/// Asks for an image to save to, and attaches it. Refused or not answered yet, nothing changes;
+/// where none could be made, none is attached.
+save_answer tape_create_cas();
+/// The start of a save: tape_create_cas once the cassette system is ready, refused before.
+save_answer tape_write_case_header();
+/// Appends a byte, which has left the machine on return. Dropped when no image is being saved. The
+/// first byte that the host cannot take ends the save.
 void tape_write_one_byte(uint8_t value);
 
-/// 1 when the file's first byte is FF, the mark of tokenized BASIC.
-int is_tokenized_bas(const std::string& path);
-/// Attaches a tokenized BASIC file as a cassette. 1 on success; else nothing is attached.
-int bas_to_cas_open(const std::string& path);
-/// Writes memory from start to end (inclusive), as the processor sees it, as a machine-code tape
-/// named after the file; addresses are hexadecimal texts of up to four digits. 1 on success; what
-/// fails is told in the status bar. An end below the start writes no file, and a path without a
-/// folder gets no further than the sync byte and the mark.
-int tape_dump_cas(const std::string& path, const std::string& start, const std::string& end,
-                  const std::string& entry);
+/// The tape that a tokenized BASIC file becomes; its first byte, the mark, stays out. `name` is a
+/// program's on the tape, in any case.
+std::vector<uint8_t> tape_of_basic(std::span<const uint8_t> file, char name);
+/// Leader, sync byte and mark of a machine-code tape.
+std::vector<uint8_t> tape_of_no_program();
+/// Memory from `first` to `last` (inclusive), as the processor sees it, as a machine-code tape
+/// named after a file.
+std::vector<uint8_t> tape_of_memory(std::string_view file_name, uint16_t first, uint16_t last,
+                                    uint16_t entry);

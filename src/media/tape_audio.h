@@ -1,30 +1,57 @@
 #pragma once
 /// The cassette recorder at the machine's port, as samples: plays a WAV file into the input bit of
 /// port FF, or records the output bit as one (8 bits, mono). While a file is in, the firmware's own
-/// routines time the bits, so the traps of the ROM are out.
+/// routines time the bits, so the traps of the ROM are out. media/files/tape_sound_files.h has the
+/// files.
 ///
 /// The tape moves only while the motor is on, and only when it is looked at: each step takes it
 /// from the last one to the given cycle. A step is rounded to whole samples by itself.
 
-#include <cstdint>
-#include <string>
+#include "media/wav_samples.h"
+#include "sound/filter.h"
+#include "wall/state_record.h"
 
+#include <cstdint>
+
+struct tape_audio_state {
+    double samples_per_clk = 0; ///< of the tape that plays
+    int64_t tape_last_read_cycle = 0;
+    int64_t prev_save_clock = 0; ///< recorded up to this cycle
+    wav_format wav;              ///< the tape that plays
+    uint64_t next_sample = 0;    ///< of it
+    uint64_t position = 0;       ///< of the recording, in samples that have left the machine
+    uint64_t length = 0;         ///< of it: more than `position` after rewinding
+    iir_filter tape_filter;
+    uint32_t rate = 0; ///< of the recording, samples per second
+    uint32_t pending_count = 0;
+    int32_t tape_compare_level = 0;
+    uint8_t rolling = 0; ///< the motor is on
+    uint8_t playing = 0; ///< a WAV file is in
+    uint8_t recording = 0;
+    uint8_t tape_last_level = 1;      ///< the output bit last passed to the recorder
+    uint8_t tape_signal_inverted = 0; ///< FF turns recordings upside down
+    uint8_t read_in = 0;
+    uint8_t unused[6] = {};
+    int64_t shown_counter = -1; ///< seconds; -1 for none
+    uint8_t pending[4096] = {}; ///< recorded samples that go out together
+};
+extern tape_audio_state tape_audio;
+extern const state_record tape_audio_record;
 /// The input bit last produced, 0 or 1.
-extern uint8_t tape_read_in;
+inline constexpr auto& tape_read_in = tape_audio.read_in;
 
 /// Plays up to processor cycle `cycles` and returns the input bit; 0 without a tape that plays.
 int tape_load_wav(int64_t cycles);
 /// Records up to processor cycle `cycles`, where the output bit changes to `bit`. A recording that
-/// cannot be written ends with a status text; what is on the disk can be played.
+/// the host cannot take ends.
 void tape_save_wav(int64_t cycles, int bit);
 /// Moves a running tape up to `cycles` and shows the seconds from its start when they changed.
 void tape_update_counter(int64_t cycles);
 
-/// Puts in a recording to be played, for the one that is in. 1 on success; a file that cannot be
-/// played is refused with a warning.
-int tape_open_wav(const std::string& path);
-/// A new recording at `rate` samples per second, for the one that is in; 1 on success.
-int tape_create_wav(const std::string& path, int rate);
+/// A WAV file is in, to be played; none was before. The host reads it (machine_host.read_tape).
+void tape_play_wav(const wav_format& wav);
+/// A new recording at `rate` samples per second, above 0; no WAV file was in before.
+void tape_record_wav(uint32_t rate);
 /// Completes a recording, takes the tape out and silences it.
 void tape_close_wav();
 /// 1 while a WAV file is in, to be played or recorded.

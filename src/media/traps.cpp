@@ -50,7 +50,11 @@ constexpr size_t KEYBOARD_ROUTINE = 0x002B;
 /// The typing trap, two NOPs and a return.
 constexpr std::array<uint8_t, 5> TYPING_PATCH = {TRAP_PREFIX, TRAP_TYPING, 0x00, 0x00, 0xC9};
 
-bool cas_traps_installed = false;
+constexpr state_field fields[] = {
+    {"last_trap", sizeof(traps_state::last_trap)},
+    {"cas_traps_installed", sizeof(traps_state::cas_traps_installed)},
+    {"unused", sizeof(traps_state::unused)},
+};
 
 void set_a(uint8_t value) { z80_state.af = uint16_t(value << 8 | (z80_state.af & 0xFF)); }
 void set_b(uint8_t value) { z80_state.bc = uint16_t(value << 8 | (z80_state.bc & 0xFF)); }
@@ -68,8 +72,8 @@ void read_byte() {
     z80_state.pc = READ_BYTE_EXIT;
 }
 
+/// There is an answer, whatever it is.
 void write_leader() {
-    tape_write_case_header();
     set_b(LEADER_BYTES);
     z80_state.pc = WRITE_LEADER_LOOP;
 }
@@ -92,9 +96,10 @@ void type_character() {
 /// Traps take no time, and the firmware runs many instructions between two of them. In a ROM where
 /// one leads straight to the next, no frame would ever end: there, a scan line passes.
 void let_frame_end() {
-    static int64_t last_trap = -1;
-    if (z80_state.t_count == last_trap) z80_state.t_count += int64_t(z80_state.cycles_per_line);
-    last_trap = z80_state.t_count;
+    if (z80_state.t_count == traps.last_trap) {
+        z80_state.t_count += int64_t(z80_state.cycles_per_line);
+    }
+    traps.last_trap = z80_state.t_count;
 }
 
 void restore(size_t address, size_t size) {
@@ -103,11 +108,20 @@ void restore(size_t address, size_t size) {
 
 } // namespace
 
-int cas_is_traps_installed() { return cas_traps_installed ? 1 : 0; }
+traps_state traps;
+constexpr state_record traps_record = {"traps", &traps, sizeof traps, fields};
+
+int cas_is_traps_installed() { return traps.cas_traps_installed; }
 
 void tape_init() {
-    tape_ready = true;
+    tape_ready = 1;
     tape_place_traps(rom_pointer());
+}
+
+void tape_withdraw_save_question() {
+    if (!z80_state.waits) return;
+    z80_state.waits = 0;
+    write_leader();
 }
 
 void tape_reset() {
@@ -121,13 +135,13 @@ void tape_place_traps(uint8_t* rom) {
         bytes[0] = TRAP_PREFIX;
         bytes[1] = patch.trap;
     }
-    cas_traps_installed = true;
+    traps.cas_traps_installed = 1;
 }
 
 void tape_remove_traps() {
-    if (!cas_traps_installed) return;
+    if (!traps.cas_traps_installed) return;
     for (const Patch& patch : cassette_patches) restore(patch.address, patch.size);
-    cas_traps_installed = false;
+    traps.cas_traps_installed = 0;
 }
 
 void memory_place_bas_trap() { std::ranges::copy(TYPING_PATCH, rom_pointer() + KEYBOARD_ROUTINE); }
@@ -136,6 +150,9 @@ void memory_remove_bas_trap() { restore(KEYBOARD_ROUTINE, TYPING_PATCH.size()); 
 
 /// Out of line, or the run loop would take in the cassettes and all that they call.
 [[gnu::noinline]] void trap_handle(int number) {
+    if (number == TRAP_WRITE_LEADER && tape_write_case_header() == SAVE_NOT_YET) {
+        return z80_wait_at_trap();
+    }
     let_frame_end();
     switch (number) {
     case TRAP_READ_BIT: return read_bit();

@@ -4,12 +4,24 @@
 /// traps cut the firmware's bit loops short and move whole bytes of the attached image; while the
 /// sound of a tape is used instead, they are out and the firmware times the bits itself.
 
+#include "wall/state_record.h"
+
 #include <cstdint>
+
+struct traps_state {
+    int64_t last_trap = -1; ///< t_count behind it
+    uint8_t cas_traps_installed = 0;
+    uint8_t unused[7] = {};
+};
+extern traps_state traps;
+extern const state_record traps_record;
 
 /// 1 while the cassette patches are in the working copy of the ROM.
 int cas_is_traps_installed();
 /// Places the cassette patches at the program's start.
 void tape_init();
+/// The firmware waits to be told where to save to, and is told: nowhere. Nothing when it does not.
+void tape_withdraw_save_question();
 /// Clears the cassette input bit, once the cassette system is ready.
 void tape_reset();
 /// Patches the cassette traps into a ROM image, the working copy.

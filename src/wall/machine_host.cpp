@@ -16,6 +16,7 @@ constexpr machine_host_calls defaults = {
     .fragment = [](const uint16_t*) {},
     .sound_begins = [] {},
     .sound_was_reset = [] {},
+    .stream_ends = [](output_stream) {},
     .was_reset = [] {},
     .stale = [] {},
     .fragment_decision = [](int) { return 1; },
@@ -24,7 +25,6 @@ constexpr machine_host_calls defaults = {
     .read_tape = [](uint64_t, uint8_t*, size_t) -> size_t { return 0; },
     .read_input = [](machine_input&) {},
     .save_question = [] { return SAVE_REFUSED; },
-    .save_file_name = [](std::string*) { return 0; },
     .breakpoint_reached = [] { return 0; },
 };
 

@@ -7,7 +7,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <string>
 
 struct machine_input;
 
@@ -22,7 +21,12 @@ enum text_stream : int { TEXT_OUTPUT, TEXT_ERROR };
 enum rom_file : int { ROM_BASIC, ROM_EXPANSION, ROM_CHARACTERS };
 constexpr int ROM_NOT_NAMED = -1;
 /// Whether a cassette image has been made for what the firmware is about to save.
-enum save_answer : int { SAVE_REFUSED, SAVE_READY, SAVE_NOT_YET };
+enum save_answer : int {
+    SAVE_REFUSED, ///< none is wanted: the cassette stays as it is
+    SAVE_READY,
+    SAVE_NOT_YET, ///< the machine waits, and asks again when it is run again
+    SAVE_FAILED   ///< none could be made: the cassette is taken out
+};
 
 struct machine_host_calls {
     // ---- told ----
@@ -43,6 +47,9 @@ struct machine_host_calls {
     void (*sound_begins)();
     /// The sound has been reset.
     void (*sound_was_reset)();
+    /// No more bytes come to a stream: the tape has been taken out, the recording or the WAV file
+    /// that played as well.
+    void (*stream_ends)(output_stream stream);
     /// The reset key has been pressed.
     void (*was_reset)();
     /// Another state has been loaded: everything shown of the machine is stale.
@@ -63,8 +70,6 @@ struct machine_host_calls {
     void (*read_input)(machine_input& input);
     /// The cassette image for a save of the firmware. Default SAVE_REFUSED.
     save_answer (*save_question)();
-    /// Asks for the name of a cassette image to save to; 1 when there is one.
-    int (*save_file_name)(std::string* path);
     /// The program counter has come to the armed breakpoint: 1 when the machine is to stand there,
     /// 0 when it is to go on. Default 0.
     int (*breakpoint_reached)();

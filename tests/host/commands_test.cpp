@@ -9,10 +9,13 @@
 #include "host/canvas.h"
 #include "host/display.h"
 #include "host/menu.h"
+#include "host/save_question.h"
 #include "host/screenshot.h"
 #include "host/shell.h"
 #include "host/status.h"
 #include "host/turn.h"
+#include "media/files/cassette_files.h"
+#include "media/files/printer_file.h"
 #include "media/printer.h"
 #include "media/tape.h"
 #include "sound/beeper.h"
@@ -384,11 +387,14 @@ TEST_F(CommandsTest, CassetteImages) {
 
     choose("saved");
     pacing.ticks = 7;
-    tape_create_cas();
+    const auto save = [] {
+        while (tape_create_cas() == SAVE_NOT_YET) ask_save_question();
+    };
+    save();
     tape_write_one_byte(0xAA);
     EXPECT_EQ(read_file("saved.cas"), std::vector<uint8_t>{0xAA});
     EXPECT_EQ(pacing.ticks, 0) << "the dialog took its time";
-    tape_create_cas(); // cancelled
+    save(); // cancelled
     EXPECT_EQ(tape_get_cas_name(), "saved.cas");
     tape_detach_cas();
 

@@ -9,6 +9,7 @@
 #include "host/display.h"
 #include "host/messages.h"
 #include "host/whole_program.h"
+#include "media/files/cassette_files.h"
 #include "media/tape.h"
 #include "media/traps.h"
 #include "wall/machine_host.h"

@@ -11,6 +11,8 @@
 #include "host/screenshot.h"
 #include "host/whole_program.h"
 #include "media/files/program_files.h"
+#include "media/files/cassette_files.h"
+#include "media/files/tape_sound_files.h"
 #include "media/printer.h"
 #include "media/tape.h"
 #include "media/tape_audio.h"

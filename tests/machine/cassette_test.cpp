@@ -3,7 +3,10 @@
 #include "cgenie/typing/typing.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"
+#include "core/pacing/pacing.h"
 #include "host/autostart.h"
+#include "media/files/cassette_files.h"
+#include "media/files/tape_sound_files.h"
 #include "media/tape.h"
 #include "media/tape_audio.h"
 #include "media/traps.h"
@@ -73,7 +76,7 @@ protected:
         EXPECT_TRUE(obey("")); // all of the memory
     }
     static void run(int frames) {
-        while (frames-- > 0) machine_run();
+        while (frames-- > 0) run_with_answers(machine_run);
     }
     static unsigned peek(unsigned address) {
         return memory[address] | unsigned(memory[address + 1]) << 8;

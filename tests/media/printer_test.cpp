@@ -1,3 +1,4 @@
+#include "media/files/printer_file.h"
 #include "media/printer.h"
 
 #include "cgenie/bus.h"

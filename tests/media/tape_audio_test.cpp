@@ -1,7 +1,7 @@
+#include "media/files/tape_sound_files.h"
 #include "media/tape_audio.h"
 
 #include "media/traps.h"
-#include "media/wav_reader.h"
 #include "sound/beeper.h"
 #include "support/fake_host.h"
 #include "support/full_disk.h"
@@ -224,9 +224,10 @@ TEST_F(TapeAudioTest, RecordsTheOutput) {
 TEST_F(TapeAudioTest, RecordingsSurvive) {
     record(RATE);
     const auto data_length = [this] {
-        WavReader reader;
-        EXPECT_EQ(wav_reader_open(reader, path), "");
-        return reader.samples;
+        FileHandle file;
+        wav_format wav;
+        EXPECT_EQ(wav_file_open(path, file, wav), "");
+        return wav.samples;
     };
     run(50 * 5 + 25, 40000);
     uint32_t length = 0; // the host has the byte order of the file
@@ -317,11 +318,10 @@ TEST_F(TapeAudioTest, KnowsManyLayouts) {
                 << c.name;
             continue;
         }
-        WavReader reader;
-        EXPECT_EQ(wav_reader_open(reader, path), "") << c.name;
-        ASSERT_EQ(reader.samples, c.samples.size()) << c.name;
+        wav_format wav = tape_audio.wav;
+        ASSERT_EQ(wav.samples, c.samples.size()) << c.name;
         for (size_t n = c.samples.size(); n-- > 0;) {
-            EXPECT_EQ(wav_reader_sample(reader, n), c.samples[n]) << c.name << ", sample " << n;
+            EXPECT_EQ(wav_sample(wav, n), c.samples[n]) << c.name << ", sample " << n;
         }
     }
     EXPECT_EQ(tape_open_wav(""), 0);
@@ -339,11 +339,11 @@ TEST_F(TapeAudioTest, DamagedFilesAreHarmless) {
     const std::string bytes = wav_of(8, {1, 2, 3, 4, 5, 6, 7, 8});
     const auto samples = [&](const std::string& damaged) {
         write_text(path, damaged);
-        WavReader reader;
-        if (!wav_reader_open(reader, path).empty()) return -1;
-        for (uint64_t n = 0; n < 20; ++n) wav_reader_sample(reader, n);
-        return int(reader.samples);
+        if (!tape_open_wav(path)) return -1;
+        for (uint64_t n = 0; n < 20; ++n) wav_sample(tape_audio.wav, n);
+        return int(tape_audio.wav.samples);
     };
+    testing::internal::CaptureStderr(); // what is told of each file
     for (size_t bit = 0; bit < 44 * 8; ++bit) {
         std::string damaged = bytes;
         damaged[bit / 8] = char(damaged[bit / 8] ^ 1 << bit % 8);
@@ -357,6 +357,7 @@ TEST_F(TapeAudioTest, DamagedFilesAreHarmless) {
         const int expected = length < 44 ? -1 : int(length - 44);
         EXPECT_EQ(samples(bytes.substr(0, length)), expected) << length;
     }
+    testing::internal::GetCapturedStderr();
 }
 
 TEST_F(TapeAudioTest, LongFilesAreReadAsTheyAre) {

@@ -1,9 +1,11 @@
+#include "media/files/cassette_files.h"
 #include "media/traps.h"
 
 #include "cgenie/memory/memory.h"
 #include "cgenie/roms.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"
+#include "core/machine_state.h"
 #include "media/tape.h"
 #include "media/tape_audio.h"
 #include "support/fake_host.h"
@@ -150,6 +152,56 @@ TEST_F(Traps, BytesGoToTheTape) {
     EXPECT_EQ(want.size(), 257U);
     char name = '-';
     EXPECT_EQ(tape_cas_type(&name), TAPE_BASIC);
+}
+
+TEST_F(Traps, ASaveWaitsForItsAnswer) {
+    fake_host.save_path = PATH;
+    for (const int engine : {0, 1}) {
+        for (const char* how : {"frames", "steps", "up to a breakpoint"}) {
+            for (const uint16_t place : {0x023F, 0x5000}) { // ROM, and RAM with its wait cycles
+                SCOPED_TRACE(testing::Message() << how << ", engine " << engine << ", " << place);
+                const auto run = [how] {
+                    int end = MACHINE_STANDS;
+                    while (end == MACHINE_STANDS)
+                        end = *how == 's' ? machine_step() : machine_run();
+                    return end;
+                };
+                machine_init();
+                g_bCycleBasedEngine = engine != 0;
+                z80_state.breakpoint_enabled = *how == 'u'; // which does not come
+                memory[0x5000] = 0xED;
+                memory[0x5001] = 3;
+                z80_state.pc = place;
+                z80_state.r = 0x80;
+                z80_state.iff1 = 1;
+                z80_state.irq = 1; // is due behind the trap
+                const int64_t start = z80_state.t_count;
+                machine_state before, waiting, later, asked, at_once;
+                machine_save(before);
+                fake_host.save_waits = true;
+                EXPECT_EQ(run(), MACHINE_WAITS);
+                machine_save(waiting);
+                EXPECT_EQ(run(), MACHINE_WAITS);
+                machine_save(later);
+                EXPECT_EQ(machine_difference(waiting, later), "");
+                EXPECT_EQ(z80_state.pc, place);
+                EXPECT_EQ(z80_state.r, 0x80);
+                EXPECT_EQ(z80_state.t_count, start);
+                fake_host.save_waits = false;
+                EXPECT_EQ(run(), MACHINE_FRAME);
+                machine_save(asked);
+                machine_load(before);
+                EXPECT_EQ(run(), MACHINE_FRAME);
+                machine_save(at_once);
+                EXPECT_EQ(machine_difference(asked, at_once), "");
+                EXPECT_EQ(cassette.saving, 1);
+                machine_load(waiting);
+                machine_reset();
+                EXPECT_EQ(z80_state.pc, 0x0241) << "the reset key is a no";
+                EXPECT_EQ(z80_state.waits | cassette.saving, 0);
+            }
+        }
+    }
 }
 
 /// The machine's own ROM never does this; a file that was loaded as one may.

@@ -17,6 +17,8 @@
 #include "host/disks.h"
 #include "host/menu.h"
 #include "host/shell.h"
+#include "media/files/printer_file.h"
+#include "media/files/tape_sound_files.h"
 #include "media/printer.h"
 #include "media/tape_audio.h"
 #include "media/wd1771.h"

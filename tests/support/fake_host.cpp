@@ -1,6 +1,8 @@
 #include "support/fake_host.h"
 
 #include "core/pacing/pacing.h"
+#include "media/files/cassette_files.h"
+#include "media/files/media_files.h"
 #include "sound/output/sound_ring.h"
 #include "wall/machine_host.h"
 
@@ -24,10 +26,12 @@ const bool connected = [] {
     machine_host.lamp = [](int drive) { fake_host.lamp = drive; };
     machine_host.frame = [](int flag) { fake_host.screen_updates += flag != 0; };
     machine_host.was_reset = [] { last_file_name.clear(); };
-    machine_host.save_file_name = [](std::string* path) {
+    connect_media_files();
+    machine_host.save_question = [] {
         ++fake_host.save_questions;
-        *path = fake_host.save_path;
-        return path->empty() ? 0 : 1;
+        if (fake_host.save_waits) return SAVE_NOT_YET;
+        if (fake_host.save_path.empty()) return SAVE_REFUSED;
+        return tape_create_file(fake_host.save_path) ? SAVE_READY : SAVE_FAILED;
     };
     machine_host.breakpoint_reached = [] {
         ++fake_host.breakpoints;
@@ -39,6 +43,7 @@ const bool connected = [] {
         .has_canvas = [] { return fake_host.canvas; },
         .save_screenshot = [] { ++fake_host.screenshots; },
         .capture_frame = [] { ++fake_host.captured_frames; },
+        .answer_question = [] { return false; },
     };
     return true;
 }();

@@ -15,7 +15,8 @@ struct FakeHost {
     int screenshots = 0;
     int captured_frames = 0;
     bool canvas = true;
-    std::string save_path; ///< the answer when a save is to be named; empty cancels
+    std::string save_path;   ///< the answer when a save is to be named; empty cancels
+    bool save_waits = false; ///< for the answer
     int save_questions = 0;
     int breakpoints = 0;      ///< reached
     bool stands_still = true; ///< there

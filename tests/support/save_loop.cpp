@@ -3,8 +3,8 @@
 
 #include "cgenie/memory/memory.h"
 #include "host/screenshot.h"
+#include "media/files/cassette_files.h"
 #include "media/files/program_files.h"
-#include "media/tape.h"
 #include "platform/headless/headless.h"
 
 #include <algorithm>

@@ -21,6 +21,7 @@ pacing_calls pacing_host = {
     .has_canvas = [] { return false; },
     .save_screenshot = [] {},
     .capture_frame = [] {},
+    .answer_question = [] { return false; },
 };
 
 namespace {
@@ -61,6 +62,12 @@ void update_screen_when_due() {
 
 } // namespace
 
+int run_with_answers(int (*run)()) {
+    int end = run();
+    while (end == MACHINE_WAITS && pacing_host.answer_question()) end = run();
+    return end;
+}
+
 void run_timed_events() {
     if (z80_state.t_count >= event_shutdown_timout) {
         platform().events().post_quit(0);
@@ -81,7 +88,7 @@ void take_late_screenshot() {
 
 void do_some_frames(int count) {
     for (int frame = 0; frame < count; ++frame) {
-        if (!machine_run()) return;
+        if (run_with_answers(machine_run) != MACHINE_FRAME) return;
         run_timed_events();
         if (pacing_host.has_canvas()) update_screen(1);
     }
@@ -89,7 +96,7 @@ void do_some_frames(int count) {
 
 int64_t paced_frame_step() {
     if (step == Step::none) {
-        if (!machine_run()) return 0;
+        if (run_with_answers(machine_run) != MACHINE_FRAME) return 0;
         platform().keyboard().release_tapped();
         run_timed_events();
         step = Step::run;

@@ -40,13 +40,19 @@ struct pacing_calls {
     bool (*has_canvas)();            ///< there is one to draw into
     void (*save_screenshot)();       ///< of the canvas, under the next free name
     void (*capture_frame)();         ///< hands the canvas to the running video capture
+    /// The machine waits for the answer to a question: whether there is one now.
+    bool (*answer_question)();
 };
 /// Without a host nothing is shown, and there is no canvas.
 extern pacing_calls pacing_host;
 
+/// `run` is machine_run or machine_step. A question that it waits for is put to the user, and it
+/// goes on with the answer; MACHINE_WAITS as long as there is none.
+int run_with_answers(int (*run)());
 /// After a frame that was not paced: the timed events that are due.
 void run_timed_events();
-/// Runs frames and shows each, without pacing. Ends early at the breakpoint.
+/// Runs frames and shows each, without pacing. Ends early at the breakpoint, and at a question that
+/// has no answer yet.
 void do_some_frames(int count);
 /// Takes a timed screenshot that fell due before there was a canvas, unless the shutdown came
 /// first.

@@ -1,0 +1,14 @@
+#pragma once
+/// The question where to save a tape to. The firmware asks it in the middle of a frame, and the
+/// machine waits (MACHINE_WAITS) until it has been put to the user and answered.
+
+#include "wall/machine_host.h"
+
+#include <string>
+
+/// The machine's callback: the answer, once there is one.
+save_answer take_save_answer();
+/// Puts the question to the user, by the dialog of saved tapes; true when it is answered.
+bool ask_save_question();
+/// The user's answer: a file to be made, or none (null, or an empty name).
+void answer_save_question(const std::string* path);

@@ -1,0 +1,123 @@
+#include "media/files/cassette_files.h"
+
+#include "files/file_handle.h"
+#include "files/whole_file.h"
+#include "media/tape.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <string_view>
+#include <utility>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr int TOKENIZED_MARK = 0xFF;
+
+FileHandle saved; ///< the tape that is being saved
+std::string saved_path;
+std::string casfilename;
+
+/// Regular files only: a folder holds no tape, and a pipe would hold up the machine.
+FileHandle open_regular_file(const std::string& path, int flags, const char* mode) {
+    constexpr mode_t OWNERS_CHOICE = 0666;
+    const int descriptor = open(path.c_str(), flags | O_NONBLOCK | O_CLOEXEC, OWNERS_CHOICE);
+    FileHandle file = stream_of(descriptor, mode);
+    struct stat status = {};
+    if (!file || fstat(descriptor, &status) != 0) return {};
+    if (!S_ISREG(status.st_mode) || uintmax_t(status.st_size) > LARGEST_FILE) return {};
+    return file;
+}
+
+/// Nothing that reads as a number counts as 0.
+uint16_t hexadecimal(const std::string& text) {
+    uint16_t value = 0;
+    return std::sscanf(text.c_str(), "%4hx", &value) == 1 ? value : uint16_t(0);
+}
+
+} // namespace
+
+int tape_attach_cas(const std::string& path) {
+    std::string wanted = path; // may be the name that detaching clears
+    tape_detach_cas();
+    auto image = read_whole_file(wanted);
+    if (!image) return 0;
+    tape_put_in(shared_bytes(std::move(*image)));
+    casfilename = std::move(wanted);
+    return 1;
+}
+
+void tape_detach_cas() {
+    if (tape_cas_is_attached()) casfilename.clear();
+    tape_take_out();
+}
+
+std::string& tape_get_cas_name() { return casfilename; }
+
+int is_tokenized_bas(const std::string& path) {
+    const FileHandle file = open_regular_file(path, O_RDONLY, "rb");
+    return file && std::fgetc(file.get()) == TOKENIZED_MARK ? 1 : 0;
+}
+
+int bas_to_cas_open(const std::string& path) {
+    std::string wanted = path; // may be the name that detaching clears
+    tape_detach_cas();
+    tape_make_room();
+    const auto program = read_whole_file(wanted);
+    if (!program) return 0;
+    tape_put_in(shared_bytes(tape_of_basic(*program, wanted.front())));
+    casfilename = std::move(wanted);
+    return 1;
+}
+
+int tape_dump_cas(const std::string& path, const std::string& start, const std::string& end,
+                  const std::string& entry) {
+    const uint16_t first = hexadecimal(start);
+    const uint16_t last = hexadecimal(end);
+    if (last < first) {
+        report({.text = path + ": not written, the end is below the start"});
+        return 0;
+    }
+    const size_t separator = path.find_last_of("/\\");
+    const bool named = separator != std::string::npos;
+    const auto tape = named ? tape_of_memory(std::string_view(path).substr(separator + 1), first,
+                                             last, hexadecimal(entry))
+                            : tape_of_no_program();
+    if (!replace_whole_file(path, tape)) {
+        report(unwritable(path));
+        return 0;
+    }
+    if (!named) report({.text = path + ": is empty, since its path names no folder"});
+    return named ? 1 : 0;
+}
+
+int tape_create_file(const std::string& path) {
+    tape_file_end();
+    saved = open_regular_file(path, O_RDWR | O_CREAT | O_TRUNC, "r+b");
+    if (saved) {
+        casfilename = saved_path = path;
+        return 1;
+    }
+    report(unwritable(path));
+    if (tape_cas_is_attached()) casfilename.clear();
+    return 0;
+}
+
+int tape_file_write(uint64_t position, const uint8_t* bytes, size_t count) {
+    if (!saved) return 0;
+    if (pwrite(fileno(saved.get()), bytes, count, off_t(position)) == ssize_t(count)) return 1;
+    const Report failed = unwritable(saved_path);
+    saved.reset();
+    report(failed);
+    return 0;
+}
+
+/// Not every file system can promise it.
+void tape_file_end() {
+    if (!saved) return;
+    if (fdatasync(fileno(saved.get())) != 0 && errno != EINVAL) report(unwritable(saved_path));
+    saved.reset();
+}

@@ -1,0 +1,34 @@
+#pragma once
+/// The files of cassette images (media/tape.h): regular files of up to 16 MB. An image is read as a
+/// whole when it is attached; a tape that is saved follows the machine byte by byte.
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+/// 1 on success; 0 for an empty path or a file that cannot be opened, and then nothing is attached.
+int tape_attach_cas(const std::string& path);
+void tape_detach_cas();
+/// The path of the attached image, or the one remembered from the last run.
+std::string& tape_get_cas_name();
+
+/// 1 when the file's first byte is FF, the mark of tokenized BASIC.
+int is_tokenized_bas(const std::string& path);
+/// Attaches a tokenized BASIC file as a cassette. 1 on success; else nothing is attached.
+int bas_to_cas_open(const std::string& path);
+/// Writes memory from start to end (inclusive), as the processor sees it, as a machine-code tape
+/// named after the file; addresses are hexadecimal texts of up to four digits. 1 on success; what
+/// fails is told in the status bar. An end below the start writes no file, and a path without a
+/// folder gets no further than the sync byte and the mark.
+int tape_dump_cas(const std::string& path, const std::string& start, const std::string& end,
+                  const std::string& entry);
+
+/// Makes the file of a save, which the machine has asked for, and completes the one before. 1 when
+/// it is there, to be answered with SAVE_READY; what fails is told in the status bar and is to be
+/// answered with SAVE_FAILED.
+int tape_create_file(const std::string& path);
+/// Bytes of the tape that is saved, which are in the operating system's hands on return. The first
+/// that cannot be written end the file and are told in the status bar; 0 then.
+int tape_file_write(uint64_t position, const uint8_t* bytes, size_t count);
+/// The tape has been saved: from here on it survives a crash of the host.
+void tape_file_end();

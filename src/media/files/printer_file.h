@@ -1,0 +1,17 @@
+#pragma once
+/// The file that the printer (media/printer.h) prints to: text, appended.
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+/// The directory of the output file, "printer.txt".
+void printer_set_filename(const std::string& directory);
+/// Opens the output file, unless it is open, and clears the printer's state. The directory is made
+/// when it is missing. Where that fails, the user is told and the printer is there, but never
+/// ready.
+void printer_init();
+/// Prints what waits, and closes the file.
+void printer_close();
+/// What is printed. When the file cannot take it, it is closed and the user told; 0 then.
+int printer_file_write(const uint8_t* bytes, size_t count);

@@ -1,0 +1,32 @@
+#pragma once
+/// The WAV files of the cassette recorder (media/tape_audio.h).
+///
+/// A played one is RIFF/WAVE with PCM samples, 8 or 16 bits, mono or stereo, 1000 to 768000 Hz.
+/// Chunks may stand in any order with others around them. A recording that was never closed (data
+/// size 0 or FFFFFFFF) or that was cut short is read to the end of the file.
+///
+/// The header of a recording follows each block of its samples, so that whatever ends the program
+/// leaves a file that can be played.
+
+#include "files/file_handle.h"
+#include "media/wav_samples.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+/// Puts in a recording to be played, for the one that is in. 1 on success; a file that cannot be
+/// played is refused with a warning.
+int tape_open_wav(const std::string& path);
+/// A new recording at `rate` samples per second, for the one that is in; 1 on success.
+int tape_create_wav(const std::string& path, int rate);
+
+/// Opens a file and finds its samples. Returns why that failed, in words for the user, or nothing.
+std::string wav_file_open(const std::string& path, FileHandle& file, wav_format& wav);
+/// Bytes of the file that plays; 0 at its end, after an error and without one.
+size_t tape_sound_read(uint64_t offset, uint8_t* to, size_t bytes);
+/// Recorded samples from `position` on. The first that cannot be written are told in the status
+/// bar; 0 then.
+int tape_sound_write(uint64_t position, const uint8_t* samples, size_t count);
+/// Completes a recording, and closes what is open.
+void tape_sound_end();

@@ -1,0 +1,23 @@
+#pragma once
+/// The samples of the WAV file that plays, which the host reads (machine_host.read_tape): PCM of 8
+/// or 16 bits, mono or stereo (mixed to mono).
+///
+/// They are read through a window in memory: reaching any sample costs the same, and neighbours
+/// cost nothing.
+
+#include <cstdint>
+
+struct wav_format {
+    uint64_t data_start = 0; ///< file offset of the first sample
+    uint64_t samples = 0;    ///< of each channel
+    uint32_t rate = 0;       ///< samples per second
+    uint32_t bits = 0;       ///< 8 or 16
+    uint32_t channels = 0;   ///< 1 or 2
+    uint32_t unused = 0;
+};
+
+/// Sample `index`: 0 to 255 of an 8-bit file, -32768 to 32767 of a 16-bit one. Behind the end it is
+/// the highest value. Where the file has become unreadable or shorter, `samples` shrinks.
+int32_t wav_sample(wav_format& wav, uint64_t index);
+/// Another file plays from now on.
+void wav_forget_window();
