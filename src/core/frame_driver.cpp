@@ -4,6 +4,7 @@
 #include "cgenie/input.h"
 #include "cgenie/video_beam.h"
 #include "core/machine.h"
+#include "core/machine_events.h"
 #include "media/wd1771.h"
 #include "sound/sound_core.h"
 #include "wall/machine_host.h"
@@ -40,6 +41,7 @@ void end_frame() {
     machine_look_for_prompt();
     led_update(wd1771_is_active());
     sound_flush(z80_state.t_count);
+    machine_log_frame();
 }
 
 /// Runs what is left of the frame, or up to the armed breakpoint; looking for it takes a step per

@@ -1,0 +1,279 @@
+#include "core/machine_events.h"
+
+#include "cgenie/hires_lowe.h"
+#include "cgenie/input.h"
+#include "cgenie/keyboard.h"
+#include "cgenie/memory/memory.h"
+#include "cgenie/typing/typing.h"
+#include "core/frame_driver.h"
+#include "media/cmd_loader.h"
+#include "media/printer.h"
+#include "media/snapshot.h"
+#include "media/tape.h"
+#include "media/tape_audio.h"
+#include "media/traps.h"
+#include "media/wd1771.h"
+#include "sound/sound_core.h"
+#include "sound/ym2149.h"
+#include "wall/machine_host.h"
+#include "z80/z80.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+/// The log that is being kept, and the host that answers meanwhile.
+machine_log* kept = nullptr;
+machine_host_calls asked;
+
+void append(event_kind kind, int32_t a = 0, int32_t b = 0, shared_bytes bytes = {}) {
+    kept->events.push_back({kind, a, b, std::move(bytes), z80_state.t_count, z80_state.pc});
+}
+
+// ---- what each event does
+// ------------------------------------------------------------------------
+
+template <typename Record>
+Record record_of(const machine_event& event) {
+    Record record = {};
+    const auto bytes = event.bytes.view();
+    std::memcpy(&record, bytes.data(), std::min(bytes.size(), sizeof record));
+    return record;
+}
+
+std::vector<uint8_t> copy_of(const machine_event& event) {
+    return {event.bytes.view().begin(), event.bytes.view().end()};
+}
+
+void configure(const machine_event& event) {
+    const auto choice = record_of<machine_choice>(event);
+    machine_cfg[CUSTOM_CONFIGURATION] = choice.custom;
+    active_machine_cfg = choice.active;
+    machine_change_cfg(machine_cfg[active_machine_cfg], event.a);
+}
+
+void poke(const machine_event& event) {
+    auto address = uint16_t(event.a);
+    for (const uint8_t byte : event.bytes.view()) mem_write(address++, byte);
+}
+
+void type_text(const machine_event& event) {
+    memory_place_bas_trap();
+    keyboard_open_from_bytes(event.bytes);
+}
+
+void switch_board(int on) {
+    if (on) {
+        hires_lowe_init();
+    } else {
+        hires_lowe_destroy();
+    }
+}
+
+int perform(const machine_event& event) {
+    const int32_t a = event.a;
+    const auto bytes = event.bytes.view();
+    uint16_t entry = 0;
+    switch (event.kind) {
+    case event_kind::reset: machine_reset(); break;
+    case event_kind::restart: machine_restart(); break;
+    case event_kind::restart_with_disk_rom: machine_restart_with_disk_rom(); break;
+    case event_kind::configure: configure(event); break;
+    case event_kind::main_clock: machine_set_main_clock(uint32_t(a)); break;
+    case event_kind::engine: g_bCycleBasedEngine = a != 0; break;
+    case event_kind::clean_sound: ym2149_clean = a != 0; break;
+    case event_kind::start_sound: sound_init(); break;
+    case event_kind::reset_sound: sound_reset(); break;
+    case event_kind::key_mapping: keyboard_change_mapping(a); break;
+    case event_kind::graphics_board: switch_board(a); break;
+    case event_kind::type_text: type_text(event); break;
+    case event_kind::stop_typing: keyboard_type_reset(); break;
+    case event_kind::go_to: z80_state.pc = uint16_t(a); break;
+    case event_kind::poke: poke(event); break;
+    case event_kind::load_module: return load_cmd(bytes, &entry);
+    case event_kind::snapshot: return snapshot_unpack(bytes, memory_get_ram());
+    case event_kind::tape_moves: tape_update_counter(z80_state.t_count); break;
+    case event_kind::tape_in: tape_put_in(event.bytes); break;
+    case event_kind::tape_out: tape_take_out(); break;
+    case event_kind::tape_rewind: tape_rewind(); break;
+    case event_kind::tape_motor: tape_set_motor(a, z80_state.t_count); break;
+    case event_kind::tape_level: tape_set_compare_level(a); break;
+    case event_kind::tape_inversion: tape_set_signal_invert(a); break;
+    case event_kind::tape_play_wav: tape_play_wav(record_of<wav_format>(event)); break;
+    case event_kind::tape_record_wav: tape_record_wav(uint32_t(a)); break;
+    case event_kind::tape_close_wav: tape_close_wav(); break;
+    case event_kind::tape_traps: tape_place_traps(rom_pointer()); break;
+    case event_kind::printer: printer_enabled = a != 0; break;
+    case event_kind::printer_file: printer_set_open(a); break;
+    case event_kind::disk_in: return wd1771_attach(unsigned(a), copy_of(event), event.b != 0);
+    case event_kind::disk_out: wd1771_detach(unsigned(a)); break;
+    case event_kind::disk_replace: wd1771_replace(unsigned(a), copy_of(event)); break;
+    case event_kind::disk_protect: wd1771_write_protect(unsigned(a), event.b != 0); break;
+    case event_kind::disk_controller: wd1771_reset(); break;
+    default: break;
+    }
+    return 1;
+}
+
+// ---- answers, as they come ---------------------------------------------------------------------
+
+int note_fragments(int completed) {
+    const int count = asked.fragment_decision(completed);
+    append(event_kind::fragments, count);
+    return count;
+}
+
+int note_written(output_stream stream, uint64_t position, const uint8_t* bytes, size_t count) {
+    const int taken = asked.write(stream, position, bytes, count);
+    append(event_kind::written, taken);
+    return taken;
+}
+
+int note_rom(rom_file which, uint8_t* to, size_t size) {
+    const int count = asked.read_rom(which, to, size);
+    append(event_kind::rom_bytes, count, 0,
+           shared_bytes(std::vector<uint8_t>(to, to + std::max(count, 0))));
+    return count;
+}
+
+void note_input(machine_input& input) {
+    asked.read_input(input);
+    append(event_kind::input, 0, 0, bytes_of(input));
+}
+
+save_answer note_save() {
+    const save_answer answer = asked.save_question();
+    append(event_kind::save_reply, answer);
+    return answer;
+}
+
+// ---- answers, as they came ---------------------------------------------------------------------
+
+struct Replay {
+    const machine_log* log = nullptr;
+    size_t next = 0;
+    std::string trouble;
+} replay;
+
+void fail(const std::string& what) {
+    if (!replay.trouble.empty()) return;
+    const auto& events = replay.log->events;
+    replay.trouble = "event " + std::to_string(replay.next);
+    if (replay.next < events.size()) {
+        replay.trouble += " (kind " + std::to_string(int(events[replay.next].kind)) + ", cycle " +
+                          std::to_string(events[replay.next].cycle) + ")";
+    }
+    replay.trouble += ", at cycle " + std::to_string(z80_state.t_count) + ": " + what;
+}
+
+/// The next event when it is of this kind, and of this cycle.
+const machine_event* take(event_kind kind) {
+    const auto& events = replay.log->events;
+    if (replay.next >= events.size()) return nullptr;
+    const machine_event& event = events[replay.next];
+    if (event.kind != kind || event.cycle != z80_state.t_count) return nullptr;
+    ++replay.next;
+    return &event;
+}
+
+int32_t answer_or(event_kind kind, int32_t otherwise) {
+    if (const machine_event* event = take(kind)) return event->a;
+    fail("a question of kind " + std::to_string(int(kind)) + " that was not asked then");
+    return otherwise;
+}
+
+int give_fragments(int) { return answer_or(event_kind::fragments, 1); }
+
+int give_written(output_stream stream, uint64_t position, const uint8_t* bytes, size_t count) {
+    asked.write(stream, position, bytes, count);
+    return answer_or(event_kind::written, 1);
+}
+
+int give_rom(rom_file, uint8_t* to, size_t size) {
+    const machine_event* const event = take(event_kind::rom_bytes);
+    if (!event || event->bytes.size() > size) {
+        fail("a ROM that was not read then");
+        return ROM_NOT_NAMED;
+    }
+    std::ranges::copy(event->bytes.view(), to);
+    return event->a;
+}
+
+void give_input(machine_input& input) {
+    const machine_event* const event = take(event_kind::input);
+    if (!event) return fail("keys that were not looked at then");
+    std::memcpy(&input, event->bytes.view().data(), sizeof input);
+}
+
+save_answer give_save() { return save_answer(answer_or(event_kind::save_reply, SAVE_REFUSED)); }
+
+bool is_answer(event_kind kind) { return kind >= event_kind::fragments; }
+
+/// Runs on to where event number `target` came, and does it.
+void run_to(size_t target) {
+    const machine_event& event = replay.log->events[target];
+    const auto is_there = [&] {
+        return z80_state.t_count >= event.cycle && z80_state.pc == event.pc &&
+               replay.next >= target;
+    };
+    if (event.kind == event_kind::frame_end) {
+        while (machine_run() == MACHINE_WAITS && replay.trouble.empty()) continue;
+    } else {
+        while (!is_there() && z80_state.t_count <= event.cycle && replay.trouble.empty()) {
+            machine_step();
+        }
+    }
+    if (z80_state.t_count != event.cycle) fail("the machine is at another cycle");
+    if (replay.next != target) fail("an answer that nobody has asked for");
+    if (!replay.trouble.empty()) return;
+    ++replay.next; // the answers that it asks for come behind it
+    perform(event);
+}
+
+} // namespace
+
+int machine_apply(event_kind kind, int32_t a, int32_t b, shared_bytes bytes) {
+    if (kept) append(kind, a, b, bytes);
+    return perform({kind, a, b, std::move(bytes)});
+}
+
+void machine_keep_log(machine_log* log) {
+    if (kept) {
+        if (frame_state.begun) append(event_kind::moment);
+        machine_host = asked;
+    }
+    kept = log;
+    if (!log) return;
+    asked = machine_host;
+    machine_host.fragment_decision = note_fragments;
+    machine_host.write = note_written;
+    machine_host.read_rom = note_rom;
+    machine_host.read_input = note_input;
+    machine_host.save_question = note_save;
+}
+
+void machine_log_frame() {
+    if (kept) append(event_kind::frame_end);
+}
+
+std::string machine_replay(const machine_log& log, size_t first) {
+    replay = {&log, first, {}};
+    asked = machine_host;
+    machine_host.fragment_decision = give_fragments;
+    machine_host.write = give_written;
+    machine_host.read_rom = give_rom;
+    machine_host.read_input = give_input;
+    machine_host.save_question = give_save;
+    while (replay.next < log.events.size() && replay.trouble.empty()) {
+        size_t target = replay.next;
+        while (target < log.events.size() && is_answer(log.events[target].kind)) ++target;
+        if (target == log.events.size()) {
+            fail("the log ends with an answer");
+            break;
+        }
+        run_to(target);
+    }
+    machine_host = asked;
+    return replay.trouble;
+}

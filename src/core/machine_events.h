@@ -1,0 +1,100 @@
+#pragma once
+/// The one way into the machine. Everything that changes it from outside is an event, and so is
+/// every answer that it gets from its host: a state and the events after it give the same machine
+/// again, to the byte.
+
+#include "core/machine.h"
+#include "wall/shared_bytes.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+enum class event_kind : uint8_t {
+    // ---- what machine_apply does; `a`, `b` and `bytes` are its arguments ----
+    reset,                 ///< the reset key
+    restart,               ///< as after switching off and on
+    restart_with_disk_rom, ///< the same, with the disk ROM in
+    configure,             ///< the bytes of a machine_choice; with `a` the machine restarts cold
+    main_clock,            ///< `a` Hz
+    engine,                ///< `a`: 1 the beam engine, 0 the line engine; between frames only
+    clean_sound,           ///< `a`: on or off
+    start_sound,           ///< an empty fragment
+    reset_sound,           ///< every source of sound at rest
+    key_mapping,           ///< `a` as keyboard_change_mapping takes it
+    graphics_board,        ///< `a`: connected or not
+    type_text,             ///< the bytes, from the machine's next look at its keyboard on
+    stop_typing,
+    go_to,       ///< the processor goes on at the address `a`
+    poke,        ///< the bytes at the address `a`, as the processor would write them
+    load_module, ///< the bytes of a load module
+    snapshot,    ///< the bytes of a snapshot
+    tape_moves,  ///< a paced frame has passed: the tape's sound goes on to this cycle
+    tape_in,     ///< the bytes of a cassette image
+    tape_out,
+    tape_rewind,
+    tape_motor,      ///< `a`: runs or not
+    tape_level,      ///< `a` of the head, as tape_set_compare_level takes it
+    tape_inversion,  ///< `a`: recordings are turned upside down
+    tape_play_wav,   ///< the bytes of its wav_format
+    tape_record_wav, ///< `a` samples per second
+    tape_close_wav,
+    tape_traps,      ///< puts the cassette traps into the ROM
+    printer,         ///< `a`: on or off
+    printer_file,    ///< `a`: open or not
+    disk_in,         ///< into drive `a` the bytes of an image; `b`: write-protected
+    disk_out,        ///< of drive `a`
+    disk_replace,    ///< in drive `a`, as if the machine had written the bytes
+    disk_protect,    ///< drive `a`: `b`
+    disk_controller, ///< wd1771_reset
+    // ---- what a log holds beside these ----
+    frame_end,
+    moment, ///< the end of the log, inside a frame
+    // the host's answers
+    fragments,
+    written,
+    rom_bytes,
+    input,
+    save_reply
+};
+
+struct machine_event {
+    event_kind kind = event_kind::moment;
+    int32_t a = 0;
+    int32_t b = 0;
+    shared_bytes bytes = {};
+    int64_t cycle = 0; ///< of the processor, when it came
+    uint16_t pc = 0;   ///< the same; traps take no time
+};
+
+/// Of event_kind::configure.
+struct machine_choice {
+    machine_configuration custom;
+    uint32_t active;
+};
+
+struct machine_log {
+    std::vector<machine_event> events;
+};
+
+/// Does what the event says, between two instructions. The result is that of the function which
+/// does it; 1 where that has none.
+int machine_apply(event_kind kind, int32_t a = 0, int32_t b = 0, shared_bytes bytes = {});
+/// The bytes of a plain record, as an event carries them.
+template <typename Record>
+shared_bytes bytes_of(const Record& record) {
+    const auto* const bytes = reinterpret_cast<const uint8_t*>(&record);
+    return shared_bytes(std::vector<uint8_t>(bytes, bytes + sizeof record));
+}
+
+/// Appends every event from now on to `log`, which must outlive it; null ends the log, with a
+/// moment when a frame has begun. Only one log at a time.
+void machine_keep_log(machine_log* log);
+/// The frame driver: a frame has ended.
+void machine_log_frame();
+
+/// Runs the live machine through the events from number `first` on, as they came. The host is told
+/// what the machine shows and puts out, by the callbacks in `machine_host`; what it would be asked
+/// stands in the log. Returns an empty text at the end of the log, or where the machine has gone
+/// another way.
+std::string machine_replay(const machine_log& log, size_t first = 0);

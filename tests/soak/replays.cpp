@@ -1,0 +1,368 @@
+/// Random runs of the machine, each repeated from a state that was parked in the middle of it: the
+/// state that it ends in, every picture and every sample must come again, to the byte.
+///
+/// usage: replays COUNT [SEED]
+///
+/// Each run has an example program, BASIC or the soak's workload, an engine, media, keys, a sound
+/// device that is early, late, jittery or absent, and files that fail. Ends with 1 and a line that
+/// begins with "FAILED" when something is wrong.
+
+#include "cgenie/input.h"
+#include "cgenie/memory/memory.h"
+#include "cgenie/typing/typing.h"
+#include "cgenie/video.h"
+#include "core/frame_driver.h"
+#include "core/machine.h"
+#include "core/machine_events.h"
+#include "core/machine_state.h"
+#include "files/whole_file.h"
+#include "media/cmd_loader.h"
+#include "media/tape_audio.h"
+#include "media/traps.h"
+#include "media/wav_samples.h"
+#include "media/wd1771.h"
+#include "sound/sound_core.h"
+#include "wall/machine_host.h"
+#include "z80/z80.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <random>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+std::mt19937 generator;
+
+unsigned below(unsigned count) { return unsigned(generator() % count); }
+bool once_in(unsigned count) { return below(count) == 0; }
+
+shared_bytes random_bytes(size_t count) {
+    std::vector<uint8_t> bytes(count);
+    for (uint8_t& byte : bytes) byte = uint8_t(generator());
+    return shared_bytes(std::move(bytes));
+}
+
+uint64_t hash_of(const void* data, size_t size, uint64_t sum = 0xCBF29CE484222325) {
+    const auto* bytes = static_cast<const uint8_t*>(data);
+    for (size_t n = 0; n < size; ++n) sum = (sum ^ bytes[n]) * 0x100000001B3;
+    return sum;
+}
+
+// ---- a host that is different in every run -----------------------------------------------------
+
+struct Host {
+    unsigned device = 0;      ///< what the sound device does with the decision
+    unsigned write_fails = 0; ///< once in so many; 0 never
+    bool rom_files = false;
+    machine_input input;
+    /// Hashes of what was put out. The beam may be caught up, and a picture shown, before or after
+    /// a fragment of the same moment: each kind has its own order.
+    std::vector<uint64_t> pictures, fragments, bytes;
+} host;
+
+int decide(int) {
+    switch (host.device) {
+    case 0: return 1;
+    case 1: return once_in(9) ? 0 : 1;
+    case 2: return once_in(9) ? 2 : 1;
+    case 3: return int(below(3));
+    default: return 0;
+    }
+}
+
+void connect() {
+    machine_host = machine_without_host();
+    machine_host.fragment = [](const uint16_t* samples) {
+        host.fragments.push_back(hash_of(samples, FRAGMENT_BYTES));
+    };
+    // The beam engine shows its own frames, the line engine's are drawn at their end.
+    machine_host.frame = [](int) {
+        host.pictures.push_back(hash_of(frame_buffer, size_t(SCREEN_WIDTH) * SCREEN_HEIGHT));
+    };
+    machine_host.lamp = [](int drive) {
+        host.bytes.push_back(uint64_t(drive));
+        if (g_bCycleBasedEngine) return;
+        video_render_frame();
+        machine_host.frame(1);
+    };
+    machine_host.fragment_decision = decide;
+    machine_host.write = [](output_stream stream, uint64_t position, const uint8_t* bytes,
+                            size_t count) {
+        host.bytes.push_back(hash_of(bytes, count, position * 4 + uint64_t(stream)));
+        return host.write_fails && once_in(host.write_fails) ? 0 : 1;
+    };
+    machine_host.read_rom = [](rom_file, uint8_t* to, size_t size) {
+        if (!host.rom_files) return int(below(2)) - 1; // not named, or not to be read
+        std::memset(to, 0xC9, size / 2);
+        return int(size / 2);
+    };
+    // What is on a tape follows from its format, so a replay finds the same.
+    machine_host.read_tape = [](uint64_t offset, uint8_t* to, size_t bytes) -> size_t {
+        const uint64_t end = tape_audio.wav.data_start * 100; // one in three has been cut
+        if (offset >= end) return 0;
+        const size_t count = std::min<uint64_t>(bytes, end - offset);
+        for (size_t n = 0; n < count; ++n) {
+            const uint64_t wave = (offset + n) * (offset + n) / (300 + tape_audio.wav.data_start);
+            to[n] = uint8_t(wave * 2654435761U >> 20);
+        }
+        return count;
+    };
+    machine_host.read_input = [](machine_input& input) { input = host.input; };
+    machine_host.save_question = [] {
+        return once_in(3) ? SAVE_READY : once_in(2) ? SAVE_REFUSED : SAVE_NOT_YET;
+    };
+}
+
+// ---- what happens to the machine ---------------------------------------------------------------
+
+shared_bytes text(const char* characters) {
+    const std::string_view view = characters;
+    return shared_bytes(std::vector<uint8_t>(view.begin(), view.end()));
+}
+
+machine_input random_input() {
+    machine_input input;
+    if (once_in(2)) input.positional[below(7)] = uint8_t(1 << below(8));
+    if (once_in(2)) input.symbolic[below(2)][below(7)] = uint8_t(1 << below(8));
+    input.sticks[0].x = uint16_t(generator());
+    input.keypad = uint16_t(below(0x400));
+    return input;
+}
+
+wav_format random_tape() {
+    wav_format format;
+    format.rate = 11025U << below(3);
+    format.bits = 8U << below(2);
+    format.channels = 1 + below(2);
+    format.data_start = once_in(3) ? 44 : 44 + below(1000);
+    format.samples = 20000;
+    return format;
+}
+
+void change_configuration() {
+    machine_choice choice = {machine_cfg[CUSTOM_CONFIGURATION], below(4)};
+    if (choice.active == 3) choice.active = CUSTOM_CONFIGURATION;
+    choice.custom.basic_rom = below(4);
+    choice.custom.expansion_rom = below(3);
+    choice.custom.character_rom = below(4);
+    choice.custom.ram_size = below(2);
+    choice.custom.cpu_clock = 2'000'000 + below(2'000'000);
+    choice.custom.screen_frequency = 50 + 10 * below(2);
+    host.rom_files = once_in(2);
+    machine_apply(event_kind::configure, int32_t(below(2)), 0, bytes_of(choice));
+}
+
+/// What a user, a menu or the host may do between two instructions.
+void do_something() {
+    static constexpr const char* typed[] = {"\r",
+                                            "PRINT 1\r",
+                                            "CSAVE\"A\"\r",
+                                            "CLOAD\r",
+                                            "10 SOUND 7,56:SOUND 8,15\r20 GOTO 10\rRUN\r",
+                                            "LPRINT \"ABC\"\r",
+                                            "FCLS:FCOLOUR 3:CIRCLE 40,40,20\r",
+                                            "SAVE \"X\"\r",
+                                            "LOAD \"X\"\r",
+                                            "SYSTEM\rA\r"};
+    using enum event_kind;
+    const auto drive = int32_t(below(4));
+    const auto flag = int32_t(below(2));
+    switch (below(26)) {
+    case 0:
+    case 1: machine_apply(type_text, 0, 0, text(typed[below(std::size(typed))])); break;
+    case 2: machine_apply(key_mapping, flag); break;
+    case 3: machine_apply(clean_sound, flag); break;
+    case 4: machine_apply(tape_motor, flag); break;
+    case 5: machine_apply(event_kind::tape_rewind); break;
+    case 6: machine_apply(tape_level, int32_t(below(64))); break;
+    case 7: machine_apply(tape_inversion, flag); break;
+    case 8: machine_apply(event_kind::printer, flag); break;
+    case 9: machine_apply(printer_file, flag); break;
+    case 10: machine_apply(tape_in, 0, 0, random_bytes(1 + below(2000))); break;
+    case 11: machine_apply(tape_out); break;
+    case 12: machine_apply(tape_record_wav, 11025 << below(3)); break;
+    case 13: machine_apply(event_kind::tape_close_wav); break;
+    case 14: machine_apply(tape_play_wav, 0, 0, bytes_of(random_tape())); break;
+    case 15:
+        machine_apply(disk_in, drive, flag, shared_bytes(std::vector<uint8_t>(102400, 0xE5)));
+        break;
+    case 16: machine_apply(disk_out, drive); break;
+    case 17: machine_apply(disk_protect, drive, flag); break;
+    case 18: machine_apply(poke, int32_t(0x4400 + below(0x3000)), 0, random_bytes(40)); break;
+    case 19:
+        if (once_in(4)) machine_apply(reset);
+        break;
+    case 20:
+        if (once_in(8)) machine_apply(flag ? restart : restart_with_disk_rom);
+        break;
+    case 21: change_configuration(); break;
+    case 22: machine_apply(flag ? start_sound : reset_sound); break;
+    case 23: machine_apply(tape_traps); break;
+    default: host.input = random_input(); break;
+    }
+}
+
+// ---- runs --------------------------------------------------------------------------------------
+
+[[noreturn]] void fail(const std::string& problem) {
+    std::printf("FAILED: %s\n", problem.c_str());
+    std::fflush(stdout);
+    std::_Exit(1);
+}
+
+std::vector<uint8_t> contents(const std::string& path) {
+    const auto bytes = read_whole_file(path);
+    if (!bytes) fail(path + " cannot be read");
+    return *bytes;
+}
+
+/// Every program of the folder, the soak's workload, and BASIC alone.
+std::vector<std::string> programs() {
+    std::vector<std::string> found = {"", WORKLOAD};
+    for (const auto& entry : std::filesystem::directory_iterator(EXAMPLES)) {
+        const std::string kind = entry.path().extension();
+        if (kind == ".cmd" || kind == ".dsk") found.push_back(entry.path());
+    }
+    std::sort(found.begin() + 2, found.end());
+    return found;
+}
+
+void start(const std::string& path) {
+    constexpr uint16_t WORKLOAD_ORIGIN = 0x5800;
+    using enum event_kind;
+    if (path.empty()) return;
+    if (path.ends_with(".dsk")) {
+        machine_apply(disk_in, 0, 0, shared_bytes(contents(path)));
+        machine_apply(restart_with_disk_rom);
+    } else if (path.ends_with(".cmd")) {
+        uint16_t entry = 0;
+        load_cmd(contents(path), &entry);
+        machine_apply(go_to, entry);
+    } else {
+        machine_apply(poke, WORKLOAD_ORIGIN, 0, shared_bytes(contents(path)));
+        machine_apply(go_to, WORKLOAD_ORIGIN);
+    }
+}
+
+void run_frame() {
+    while (machine_run() == MACHINE_WAITS) {
+        if (once_in(3)) machine_apply(once_in(2) ? event_kind::reset : event_kind::tape_out);
+    }
+    if (once_in(2)) machine_apply(event_kind::tape_moves);
+}
+
+/// A part of a frame, or more than one, by single instructions.
+void run_steps() {
+    for (unsigned n = below(3000); n > 0; --n) {
+        if (machine_step() == MACHINE_WAITS) return;
+    }
+}
+
+struct Parked {
+    machine_state state = {};
+    size_t event;
+    size_t pictures, fragments, bytes; ///< put out before it
+};
+
+bool same_behind(const std::vector<uint64_t>& all, size_t first,
+                 const std::vector<uint64_t>& again) {
+    return std::equal(all.begin() + ptrdiff_t(first), all.end(), again.begin(), again.end());
+}
+
+void replay(const Parked& from, const machine_log& log, const machine_state& end,
+            const Host& first_run) {
+    host.pictures.clear();
+    host.fragments.clear();
+    host.bytes.clear();
+    machine_load(from.state);
+    std::string problem = machine_replay(log, from.event);
+    machine_state again;
+    machine_save(again);
+    const std::string difference = machine_difference(end, again);
+    if (!difference.empty()) problem += "; " + difference;
+    const struct {
+        const char* name;
+        bool same;
+    } outputs[] = {
+        {"pictures", same_behind(first_run.pictures, from.pictures, host.pictures)},
+        {"sound", same_behind(first_run.fragments, from.fragments, host.fragments)},
+        {"bytes put out", same_behind(first_run.bytes, from.bytes, host.bytes)},
+    };
+    for (const auto& [name, same] : outputs) {
+        if (!same) problem += std::string("; other ") + name;
+    }
+    if (!problem.empty()) fail(problem);
+}
+
+/// Runs a while, parks machines on the way, and replays from each. Returns the replays.
+int run_and_replay(int frames) {
+    constexpr size_t MOST_PARKED = 4;
+    machine_log log;
+    std::vector<Parked> parked;
+    host.pictures.clear();
+    host.fragments.clear();
+    host.bytes.clear();
+    machine_keep_log(&log);
+    for (int frame = 0; frame < frames; ++frame) {
+        if (once_in(2)) do_something();
+        if (once_in(4)) {
+            run_steps();
+            if (once_in(2)) do_something();
+            if (parked.size() < MOST_PARKED) {
+                parked.push_back({.event = log.events.size(),
+                                  .pictures = host.pictures.size(),
+                                  .fragments = host.fragments.size(),
+                                  .bytes = host.bytes.size()});
+                machine_save(parked.back().state);
+            }
+        }
+        run_frame();
+    }
+    if (once_in(2)) run_steps();
+    machine_keep_log(nullptr);
+    machine_state end;
+    machine_save(end);
+    const Host first_run = host;
+    for (const Parked& from : parked) replay(from, log, end, first_run);
+    machine_load(end);
+    return int(parked.size());
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc < 2) {
+        std::fputs("usage: replays COUNT [SEED]\n", stderr);
+        return 2;
+    }
+    const int wanted = std::atoi(argv[1]);
+    const unsigned seed = argc > 2 ? unsigned(std::atoi(argv[2])) : 1;
+    connect();
+    machine_init();
+    tape_init();
+    machine_state power_on;
+    machine_save(power_on);
+    const std::vector<std::string> all = programs();
+    int done = 0;
+    for (unsigned run = 0; done < wanted; ++run) {
+        generator.seed(seed * 100'000 + run);
+        machine_load(power_on);
+        host = {};
+        host.device = below(5);
+        host.write_fails = once_in(2) ? 1 + below(300) : 0;
+        machine_apply(event_kind::engine, int32_t(run % 2));
+        start(all[run / 2 % all.size()]);
+        for (int part = 0; part < 3 && done < wanted; ++part) {
+            std::fprintf(stderr, "\rrun %u, part %d, %d replays", run, part, done);
+            done += run_and_replay(30);
+        }
+    }
+    std::printf("\n%d replays, each equal to the byte\n", done);
+    return 0;
+}
