@@ -1,5 +1,7 @@
 #include "cgenie/hires_lowe.h"
 
+#include <cstddef>
+
 lowe_board lowe;
 
 namespace {
@@ -8,11 +10,10 @@ constexpr state_field lowe_fields[] = {
     {"column", sizeof(lowe_board::column)},
     {"row", sizeof(lowe_board::row)},
     {"display", sizeof(lowe_board::display)},
-    {"pixels", sizeof(lowe_board::pixels), field_kind::other},
 };
 } // namespace
 
-const state_record lowe_record = {"lowe", &lowe, sizeof lowe, lowe_fields};
+const state_record lowe_record = {"lowe", &lowe, offsetof(lowe_board, pixels), lowe_fields};
 
 void hires_lowe_init() {
     lowe = {};

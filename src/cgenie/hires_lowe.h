@@ -11,7 +11,8 @@ struct lowe_board {
     uint32_t column = 0; ///< 0-63
     uint32_t row = 0;    ///< 0-255
     uint32_t display = 0;
-    /// 0 or FF each, 384 a line. No part of the state: nothing that the machine does reaches them.
+    /// 0 or FF each, 384 a line. Not in the record of the state: nothing that the machine does
+    /// reaches them.
     uint8_t pixels[131072] = {};
 };
 extern lowe_board lowe;
