@@ -8,10 +8,12 @@
 #include "cgenie/video_output.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"
+#include "core/machine_state.h"
 #include "core/pacing/pacing.h"
 #include "files/file_handle.h"
 #include "host/canvas.h"
 #include "host/display.h"
+#include "host/machine_callbacks.h"
 #include "host/recording/gif.h"
 #include "media/files/program_files.h"
 #include "platform/headless/headless.h"
@@ -30,6 +32,7 @@ constexpr uint16_t WORKLOAD_ORIGIN = 0x4000;
 constexpr int WARM_UP_FRAMES = 100;
 
 void power_on() {
+    connect_machine();
     machine_init();
     video_init(0);
     g_bCycleBasedEngine = false;
@@ -69,6 +72,21 @@ void frame_of_workload(benchmark::State& state) {
     run_frames(state, false);
 }
 BENCHMARK(frame_of_workload)->Unit(benchmark::kMicrosecond);
+
+void save_state(benchmark::State& state) {
+    start_workload();
+    machine_state parked;
+    for (auto _ : state) machine_save(parked);
+}
+BENCHMARK(save_state)->Unit(benchmark::kMicrosecond);
+
+void load_state(benchmark::State& state) {
+    start_workload();
+    machine_state parked;
+    machine_save(parked);
+    for (auto _ : state) machine_load(parked);
+}
+BENCHMARK(load_state)->Unit(benchmark::kMicrosecond);
 
 void frame_of_example(benchmark::State& state, const char* name) {
     start_example(name);

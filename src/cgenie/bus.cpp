@@ -129,7 +129,7 @@ void write_latch(uint8_t value, uint8_t previous) {
 } // namespace
 
 bus_latches bus_state;
-const state_record bus_record = {"bus", &bus_state, sizeof bus_state, bus_fields};
+const state_record bus_record = {"bus_state", &bus_state, sizeof bus_state, bus_fields};
 
 uint8_t mem_read(uint32_t address) {
     assert(address < 0x10000);

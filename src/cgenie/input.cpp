@@ -22,7 +22,7 @@ constexpr state_field input_fields[] = {
 
 } // namespace
 
-const state_record input_record = {"input", &input_state, sizeof input_state, input_fields};
+const state_record input_record = {"input_state", &input_state, sizeof input_state, input_fields};
 
 void input_begin_frame() { input_state.look = LOOK_ONCE; }
 void input_end_frame() { input_state.look = LOOK_ALWAYS; }

@@ -157,7 +157,7 @@ void convert_block(const yuv_pixel* source, uint32_t* destination) {
 }
 } // namespace
 
-const state_record palette_record = {"palette", &palette_state, sizeof palette_state,
+const state_record palette_record = {"palette_state", &palette_state, sizeof palette_state,
                                      palette_fields};
 
 void calculate_palette(uint32_t standard) {

@@ -140,7 +140,7 @@ void copy_charset(FirmwareImage image) {
 
 const state_record frame_buffer_record = {"frame_buffer", frame_buffer, FRAME_READ,
                                           frame_buffer_fields};
-const state_record video_record = {"video", &video_state, sizeof video_state, video_fields};
+const state_record video_record = {"video_state", &video_state, sizeof video_state, video_fields};
 
 int video_screenx() { return SCREEN_WIDTH; }
 int video_screeny() { return SCREEN_HEIGHT; }

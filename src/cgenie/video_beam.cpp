@@ -314,7 +314,7 @@ int32_t run_until(int32_t cycles, Stop stop) {
 } // namespace
 
 beam_counters beam_state = {};
-const state_record beam_record = {"beam", &beam_state, sizeof beam_state, beam_fields};
+const state_record beam_record = {"beam_state", &beam_state, sizeof beam_state, beam_fields};
 
 int32_t video_run_cycles(int32_t cycles) {
     if (z80_state.breakpoint_enabled) return run_until(cycles, cpu_breakpoint_arrives);

@@ -15,6 +15,7 @@
 #include "media/tape.h"
 #include "media/tape_audio.h"
 #include "media/traps.h"
+#include "media/wav_samples.h"
 #include "media/wd1771.h"
 #include "sound/beeper.h"
 #include "sound/sound_core.h"
@@ -70,17 +71,36 @@ constexpr auto media = std::to_array<medium>({
 
 bool is_state(const state_field& field) { return field.kind == field_kind::state; }
 
-/// Calls `act` (record, field, offset of the field among all records).
+/// Calls `act` (record, field, offset in the saved records) for every field; what is not state is
+/// not saved, and the offset is that of the field behind it.
 template <typename Act>
 void for_each_field(Act act) {
-    size_t start = 0;
+    size_t offset = 0;
     for (const state_record* record : records) {
-        size_t offset = 0;
         for (const state_field& field : record->fields) {
-            act(*record, field, start + offset);
-            offset += field.size;
+            act(*record, field, offset);
+            if (is_state(field)) offset += field.size;
         }
-        start += record->size;
+    }
+}
+
+/// Calls `act` (bytes, size) for all pieces of the live records that are state, as long as they
+/// get.
+template <typename Act>
+void for_each_piece(Act act) {
+    for (const state_record* record : records) {
+        auto* bytes = static_cast<uint8_t*>(record->data);
+        size_t size = 0;
+        for (const state_field& field : record->fields) {
+            if (is_state(field)) {
+                size += field.size;
+                continue;
+            }
+            if (size) act(bytes, size);
+            bytes += size + field.size;
+            size = 0;
+        }
+        if (size) act(bytes, size);
     }
 }
 
@@ -107,38 +127,30 @@ std::string difference_in(const state_field& field, const uint8_t* a, const uint
 } // namespace
 
 size_t machine_state_size() {
-    size_t size = 0;
-    for (const state_record* record : records) size += record->size;
-    return size;
+    size_t all = 0;
+    for_each_piece([&](const uint8_t*, size_t size) { all += size; });
+    return all;
 }
 
 void machine_save(machine_state& to) {
     to.records.resize(machine_state_size());
     uint8_t* target = to.records.data();
-    for (const state_record* record : records) {
-        std::memcpy(target, record->data, record->size);
-        target += record->size;
-    }
+    for_each_piece([&](const uint8_t* bytes, size_t size) {
+        std::memcpy(target, bytes, size);
+        target += size;
+    });
     for (size_t n = 0; n < media.size(); ++n) to.media[n] = *media[n].contents;
 }
 
 int machine_load(const machine_state& from) {
     if (from.records.size() != machine_state_size()) return 0;
     const uint8_t* source = from.records.data();
-    for (const state_record* record : records) {
-        auto* const target = static_cast<uint8_t*>(record->data);
-        if (std::ranges::all_of(record->fields, is_state)) {
-            std::memcpy(target, source, record->size);
-        } else {
-            size_t offset = 0;
-            for (const state_field& field : record->fields) {
-                if (is_state(field)) std::memcpy(target + offset, source + offset, field.size);
-                offset += field.size;
-            }
-        }
-        source += record->size;
-    }
+    for_each_piece([&](uint8_t* bytes, size_t size) {
+        std::memcpy(bytes, source, size);
+        source += size;
+    });
     for (size_t n = 0; n < media.size(); ++n) *media[n].contents = from.media[n];
+    wav_forget_window(); // of the tape that played in the other machine
     machine_host.stale();
     return 1;
 }
@@ -168,11 +180,24 @@ int machine_equal(const machine_state& a, const machine_state& b) {
 
 std::string machine_layout() {
     std::string text;
-    for_each_field([&](const state_record& record, const state_field& field, size_t at) {
+    for_each_field([&](const state_record& record, const state_field& field, size_t offset) {
         char line[120];
-        std::snprintf(line, sizeof line, "%7zu %6u %s.%s%s\n", at, unsigned(field.size),
-                      record.name, field.name, is_state(field) ? "" : " (not state)");
+        if (is_state(field)) {
+            std::snprintf(line, sizeof line, "%7zu %6u %s.%s\n", offset, unsigned(field.size),
+                          record.name, field.name);
+        } else {
+            std::snprintf(line, sizeof line, "      - %6u %s.%s\n", unsigned(field.size),
+                          record.name, field.name);
+        }
         text += line;
     });
     return text + std::to_string(machine_state_size()) + " bytes\n";
+}
+
+int machine_records_are_filled() {
+    return std::ranges::all_of(records, [](const state_record* record) {
+        size_t size = 0;
+        for (const state_field& field : record->fields) size += field.size;
+        return size == record->size;
+    });
 }

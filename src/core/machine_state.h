@@ -19,7 +19,7 @@ struct machine_state {
     std::array<shared_bytes, MACHINE_MEDIA> media;
 };
 
-/// Bytes of all records together.
+/// Bytes of all that is state in the records.
 size_t machine_state_size();
 /// Parks a copy of the live machine.
 void machine_save(machine_state& to);
@@ -31,5 +31,8 @@ int machine_load(const machine_state& from);
 std::string machine_difference(const machine_state& a, const machine_state& b);
 /// 1 when the two are equal to the byte, media included.
 int machine_equal(const machine_state& a, const machine_state& b);
-/// Offset, size and name of every field, one to a line: the same on every host.
+/// Offset, size and name of every field, one to a line, without an offset what is not state: the
+/// same on every host.
 std::string machine_layout();
+/// 1 when the fields of each record are as long as the record, so that nothing is between them.
+int machine_records_are_filled();

@@ -34,7 +34,8 @@ uint64_t next_random() {
 
 } // namespace
 
-const state_record memory_record = {"memory", &memory_state, sizeof memory_state, memory_fields};
+const state_record memory_record = {"memory_state", &memory_state, sizeof memory_state,
+                                    memory_fields};
 
 int memory_has_eprom() {
     const std::span visible(current_eprom, DISK_ROM_SIZE);
