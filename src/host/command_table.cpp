@@ -128,7 +128,7 @@ const CommandRow rows[] = {
                      .usage = "        without sound",
                      .obey = [](const Given&) { g_bSound = false; }}},
     {.setting = {.name = "SoundLatency",
-                 .place = &sound_latency,
+                 .place = &shell_state.sound_latency,
                  .initial = DEFAULT_LATENCY,
                  .read = StartStep::sound_device,
                  .written = false,

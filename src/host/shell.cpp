@@ -44,7 +44,6 @@
 #include <string>
 
 shell_record shell_state;
-std::string emu_path;
 
 namespace {
 

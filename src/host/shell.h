@@ -3,10 +3,6 @@
 
 #include "host/shell_state.h"
 
-#include <string>
-
-extern std::string emu_path; ///< the program's directory, with a trailing separator
-
 /// Start-up, message loop, shutdown. Returns the exit code.
 int run_shell(const ShellOptions& options);
 
