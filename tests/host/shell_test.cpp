@@ -36,12 +36,14 @@ protected:
 TEST_F(ShellTest, SettingsAreReadAndWrittenInTheirOrder) {
     install_host({});
     HeadlessSettings& store = host->settings_in_memory();
-    store.values["CompositeBlur"] = 100U;
     host->window().create("start");
     create_menu();
-    emu_init();
+    ShellOptions options;
+    options.line.settings = {{"CompositeBlur", "100"}, {"Tape", "7"}};
+    emu_init(options);
     EXPECT_EQ(store.uses,
-              "Sound=1 SoundLatency=60 DoubleScan=1 HiResLowe=0 BitDepth=8 SyncSpeed=1 "
+              "CompositeBlur=100 Tape=7 Sound=1 SoundLatency=60 DoubleScan=1 HiResLowe=0 "
+              "BitDepth=8 SyncSpeed=1 "
               "RunInBackground=0 CompositeBlur ActiveConfig=0 CustomRomBASIC=2 CustomRomChar=0 "
               "CustomRomExpansion=1 CustomRamSize=2 CustomCpuClockFreq=2216750 CustomScreenFreq=50 "
               "CustomRamStartupPattern=0 Saturation=75 Brightness=50 Gamma=50 Contrast=50 "
@@ -60,7 +62,7 @@ TEST_F(ShellTest, SettingsAreReadAndWrittenInTheirOrder) {
               "CustomPalette=0 Saturation=75 Brightness=50 Gamma=50 Contrast=50 InterlacedLine=80 "
               "VideoCut=0 VideoPage=0 KeyMapping=0 GiantScreen=1 CleanSound=0 EnablePrinter=0 "
               "SaveVideoRamWithScreenShots=0 CustomRamStartupPattern=0 CycleBasedEmulation=0 "
-              "Disk0= Disk1= Disk2= Disk3= Tape= ");
+              "Disk0= Disk1= Disk2= Disk3= Tape=7 ");
     EXPECT_FALSE(host_has_canvas());
 }
 
