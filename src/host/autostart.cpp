@@ -96,14 +96,18 @@ bool start_cassette(const std::string& path, Bytes bytes) {
     return bytes_are_whole(path, bytes, tape_damage, path + " is damaged");
 }
 
+void tell_started(const std::string& path) { StatusBarText("Autoloaded: %s", path.c_str()); }
+
 bool start_disk(const std::string& path, Bytes /*bytes*/) {
     const bool control = platform().keyboard().control_is_held(); // before a question
-    const bool attached = give_disk(0, path);
-    if (control) {
-        z80_state.pc = 0;
-        machine_run_now.prompt_reached = false;
-    }
-    return attached;
+    give_disk(0, path, [path, control](bool attached) {
+        if (control) {
+            z80_state.pc = 0;
+            machine_run_now.prompt_reached = false;
+        }
+        if (attached) tell_started(path);
+    });
+    return false; // it tells by itself
 }
 
 bool start_snapshot(const std::string& path, Bytes bytes) {
@@ -209,7 +213,7 @@ void autostart_file(const std::string& given) {
     const auto bytes = read_whole_file(path);
     if (!bytes) return report({.text = path + ": cannot be read"});
     if (!starter_of(path)->load(path, *bytes)) return;
-    StatusBarText("Autoloaded: %s", path.c_str());
+    tell_started(path);
 }
 
 void main_load_bas_file(const std::string& path) {

@@ -73,8 +73,8 @@ avi_video_format raw_format() {
     return format;
 }
 
-bool create_streams(FileHandle file, bool with_sound, std::string& problem) {
-    const auto kind = ui_choose_video_compression(AVIBitmapHeader);
+bool create_streams(FileHandle file, const std::optional<video_codec_kind>& kind, bool with_sound,
+                    std::string& problem) {
     if (!kind) {
         problem = video_compression_problem(AVIBitmapHeader);
         return false;
@@ -82,6 +82,27 @@ bool create_streams(FileHandle file, bool with_sound, std::string& problem) {
     s_psCodec = kind->start(raw_format());
     if (!s_psCodec) problem = std::string("the codec \"") + kind->name + "\" cannot be started";
     return s_psCodec && pfOutput.open(std::move(file), s_psCodec->format, with_sound);
+}
+
+int begin_capture(const std::string& path, FileHandle file,
+                  const std::optional<video_codec_kind>& kind, const uint16_t* sound_buffer) {
+    if (std::string problem;
+        !create_streams(std::move(file), kind, sound_buffer != nullptr, problem)) {
+        s_psCodec.reset();
+        remove_when_empty(path);
+        report({.text = "Could not create video stream!",
+                .file = path,
+                .reason = problem,
+                .title = "Error"});
+        return 0;
+    }
+    AVISoundBuffer = sound_buffer;
+    if (AVISoundBuffer) sound_start_film();
+    avi_path = path;
+    canvas_fits = true;
+    s_dwVideoFrame = s_dwSoundFrame = 0;
+    StatusBarText("Streaming video to file: %s...", path.c_str());
+    return 1;
 }
 
 void end_capture(const char* reason) {
@@ -143,32 +164,20 @@ void Video_DestroyBitmap() {
     AVIFrameBuffer = {};
 }
 
-int Video_OpenOutput(const std::string& path, const uint16_t* sound_buffer) {
+void Video_OpenOutput(const std::string& path, const uint16_t* sound_buffer,
+                      const std::function<void(int)>& done) {
     if (pfOutput.is_open()) Video_CloseOutput();
-    FileHandle file = open_for_rewriting(path);
-    if (!file) {
+    const auto file = std::make_shared<FileHandle>(open_for_rewriting(path));
+    if (!*file) {
         report({.text = "Could not open file stream!",
                 .file = path,
                 .reason = std::strerror(errno),
                 .title = path});
-        return 0;
+        return done(0);
     }
-    if (std::string problem; !create_streams(std::move(file), sound_buffer != nullptr, problem)) {
-        s_psCodec.reset();
-        remove_when_empty(path);
-        report({.text = "Could not create video stream!",
-                .file = path,
-                .reason = problem,
-                .title = "Error"});
-        return 0;
-    }
-    AVISoundBuffer = sound_buffer;
-    if (AVISoundBuffer) sound_start_film();
-    avi_path = path;
-    canvas_fits = true;
-    s_dwVideoFrame = s_dwSoundFrame = 0;
-    StatusBarText("Streaming video to file: %s...", path.c_str());
-    return 1;
+    ui_choose_video_compression(AVIBitmapHeader, [=](const std::optional<video_codec_kind>& kind) {
+        done(begin_capture(path, std::move(*file), kind, sound_buffer));
+    });
 }
 
 void Video_CloseOutput() {

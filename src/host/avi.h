@@ -4,6 +4,7 @@
 
 #include "host/canvas.h"
 
+#include <functional>
 #include <string>
 
 extern uint32_t s_dwVideoFrame; ///< frames written
@@ -14,8 +15,10 @@ int Video_CreateBitmap();
 /// Frees it.
 void Video_DestroyBitmap();
 /// Creates the file and asks for the compression; a capture already open is closed first. Without
-/// a sound buffer the file has no sound. 1 when the capture runs; else the user has been told why.
-int Video_OpenOutput(const std::string& path, const uint16_t* sound_buffer);
+/// a sound buffer the file has no sound. `done` gets 1 when the capture runs; else the user has
+/// been told why.
+void Video_OpenOutput(const std::string& path, const uint16_t* sound_buffer,
+                      const std::function<void(int runs)>& done);
 /// Completes the file, frees the capture picture, and says how many frames were written.
 void Video_CloseOutput();
 /// Hands the canvas to the capture. A canvas of another shape than the capture's repeats the

@@ -96,8 +96,9 @@ void tell_tape_is_out() {
 } // namespace
 
 void with_file(int dialog, void (*act)(const std::string& path)) {
-    std::string path;
-    if (ui_select_file(dialog, &path)) act(path);
+    ui_select_file(dialog, [act](const std::optional<std::string>& path) {
+        if (path) act(*path);
+    });
 }
 
 // ---- the machine -------------------------------------------------------------------------------
@@ -128,9 +129,10 @@ void toggle_monitor() {
 }
 
 void configure_machine() {
-    ui_machine_config();
-    timer_recalibrate_fps(machine_cfg[active_machine_cfg].screen_frequency);
-    recreate_bitmap(g_GiantScreen, 8);
+    ui_machine_config([] {
+        timer_recalibrate_fps(machine_cfg[active_machine_cfg].screen_frequency);
+        recreate_bitmap(g_GiantScreen, 8);
+    });
 }
 
 void pacing_switched() {
@@ -227,29 +229,29 @@ void giant_screen_switched() {
     platform().window().invalidate();
 }
 
-int video_save_to_avi(bool ask, std::string* name) {
+void capture_to(const std::string& path) {
+    if (!Video_CreateBitmap()) {
+        report({.text = "AVI: an error occured."});
+        return check_menu_item(COMMAND_SAVE_VIDEO, false);
+    }
+    const uint16_t* sound = g_bSound ? sound_get_buffer_ptr() : nullptr;
+    Video_OpenOutput(path, sound, [](int runs) {
+        if (runs) g_bRecordingVideo = CAPTURE_RUNS;
+        check_menu_item(COMMAND_SAVE_VIDEO, g_bRecordingVideo != 0);
+    });
+}
+
+void video_save_to_avi(bool ask, const std::string& path) {
     if (g_bRecordingVideo) {
         Video_CloseOutput();
         g_bRecordingVideo = 0;
-        check_menu_item(COMMAND_SAVE_VIDEO, false);
-        return 1;
+        return check_menu_item(COMMAND_SAVE_VIDEO, false);
     }
-    if (ask && !ui_select_file(DIALOG_SAVE_VIDEO, name)) return 0;
-    if (!Video_CreateBitmap()) {
-        report({.text = "AVI: an error occured."});
-        check_menu_item(COMMAND_SAVE_VIDEO, false);
-        return 0;
-    }
-    const uint16_t* sound = g_bSound ? sound_get_buffer_ptr() : nullptr;
-    if (Video_OpenOutput(*name, sound)) g_bRecordingVideo = CAPTURE_RUNS;
-    check_menu_item(COMMAND_SAVE_VIDEO, g_bRecordingVideo != 0);
-    return 1;
+    if (!ask) return capture_to(path);
+    with_file(DIALOG_SAVE_VIDEO, capture_to);
 }
 
-void save_to_video() {
-    std::string name;
-    video_save_to_avi(true, &name);
-}
+void save_to_video() { video_save_to_avi(true, {}); }
 
 // ---- tapes, snapshots, disks -------------------------------------------------------------------
 
@@ -287,17 +289,17 @@ void rewind_tape() {
     check_menu_item(COMMAND_PLAY_RECORD, false);
 }
 
-void adjust_head() {
-    int level = tape_get_compare_level();
-    ui_tape_adjust_head(&level);
-    tape_set_compare_level(level);
-}
+void adjust_head() { ui_tape_adjust_head(tape_get_compare_level(), tape_set_compare_level); }
 
 int get_ui_save_tape_filename(std::string* path) {
-    const int chosen = ui_select_file(DIALOG_SAVE_CAS, path);
-    if (chosen) tell_recording(*path);
+    const auto chosen = std::make_shared<std::optional<std::string>>();
+    ui_select_file(DIALOG_SAVE_CAS, [chosen](const std::optional<std::string>& given) {
+        if (given) tell_recording(*given);
+        *chosen = given;
+    });
     reset_timer();
-    return chosen;
+    if (*chosen) *path = **chosen;
+    return chosen->has_value();
 }
 
 void save_memory_as_cas(const std::string& path) {
@@ -314,8 +316,9 @@ void save_snapshot(const std::string& path) {
 }
 
 void select_disk(unsigned drive) {
-    std::string path;
-    if (ui_select_file(DIALOG_ATTACH_DISK, &path)) give_disk(drive, path);
+    ui_select_file(DIALOG_ATTACH_DISK, [drive](const std::optional<std::string>& path) {
+        if (path) give_disk(drive, *path, [](bool) {});
+    });
 }
 
 // ---- commands ----------------------------------------------------------------------------------
@@ -323,15 +326,16 @@ void select_disk(unsigned drive) {
 void handle_command(int id) {
     const CommandRow* row = find_command(id);
     if (!row) return;
-    const auto failures_open_a_box = std::make_shared<UserCommand>();
-    sound_pause();
-    if (row->flag) {
-        *row->flag = !*row->flag;
-        check_menu_item(id, *row->flag);
-    }
-    if (row->run) row->run();
-    if (id == COMMAND_EXIT) return;
-    when_free([failures_open_a_box] {
+    const auto run = [row] {
+        sound_pause();
+        if (row->flag) {
+            *row->flag = !*row->flag;
+            check_menu_item(row->id, *row->flag);
+        }
+        if (row->run) row->run();
+    };
+    obey_user(run, [id] {
+        if (id == COMMAND_EXIT) return;
         if (g_bActive) sound_resume();
         reset_timer();
     });

@@ -12,8 +12,9 @@ void handle_key(const Event& event);
 
 /// Says in the status bar that a tape could not be put in.
 void tell_bad_image(const std::string& path);
-/// Starts or stops the AVI capture. 0 when the file dialog was cancelled or no picture can be made.
-int video_save_to_avi(bool ask, std::string* name);
+/// Starts the AVI capture into the file, or into one that the user is asked for; stops one that
+/// runs.
+void video_save_to_avi(bool ask, const std::string& path);
 /// Records the sound from now on; a status text tells when the file cannot be written.
 void start_sound_recording(const std::string& path);
 /// The program counter has reached the armed breakpoint. 1 when the machine is to stand there, 0

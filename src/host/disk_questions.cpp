@@ -1,6 +1,7 @@
 #include "host/disk_questions.h"
 
 #include "files/whole_file.h"
+#include "host/dialogs/ask.h"
 #include "host/dialogs/dialogs.h"
 #include "host/disk_journal.h"
 #include "media/disk_system.h"
@@ -22,15 +23,14 @@ constexpr const char* ELSEWHERE_EXPLAINED =
     "Save mine elsewhere: the disk in the drive goes into another file.\n";
 constexpr const char* CANCEL_EXPLAINED = "Cancel: the disk stays in the drive.";
 
-TroubleAnswer ask_about_trouble(const std::string& text, const char* my_answer) {
+void ask_about_trouble(const std::string& text, const char* my_answer,
+                       const std::function<void(TroubleAnswer)>& done) {
     using enum TroubleAnswer;
-    switch (platform().dialogs().choose(
-        "Warning", text, {"&Save mine elsewhere...", my_answer, "Keep t&heirs", "Cancel"})) {
-    case 0: return elsewhere;
-    case 1: return mine;
-    case 2: return theirs;
-    default: return none;
-    }
+    ask("Warning", text, {"&Save mine elsewhere...", my_answer, "Keep t&heirs", "Cancel"},
+        [done](int answer) {
+            constexpr TroubleAnswer ANSWERS[] = {elsewhere, mine, theirs};
+            done(answer >= 0 && answer < 3 ? ANSWERS[answer] : none);
+        });
 }
 
 /// The files of both disks, and how each differs. Where there is no directory to read, how much.
@@ -57,47 +57,53 @@ std::string differences(const disk_image& before, const disk_image& after) {
     return lines.empty() ? "There are no files on the disk." : lines;
 }
 
-void look_at_names(unsigned drive, const LeftJournal& left) {
+void look_at_names(unsigned drive, const LeftJournal& left, std::function<void()> done) {
     const disk_image before = wd1771_disk(drive);
     disk_image after = before;
     after.image = left.image;
     diskimg_find_geometry(after);
-    ui_show_text("Files on the disk", differences(before, after));
+    ui_show_text("Files on the disk", differences(before, after), std::move(done));
+}
+
+bool journal_fits(unsigned drive, const LeftJournal& left) {
+    return left.file_hash == drive_files[drive].hash &&
+           left.image.size() == drive_contents[drive].size();
 }
 
 } // namespace
 
-ChangesAnswer ask_for_changes(unsigned drive) {
+void ask_for_changes(unsigned drive, std::function<void(ChangesAnswer)> done) {
     using enum ChangesAnswer;
-    const int answer =
-        platform().dialogs().choose("Warning",
-                                    "Disk content in drive :" + std::to_string(drive) +
-                                        " has changed. Do you want to save your changes?",
-                                    {"&Yes", "&No", "Cancel"});
-    return answer == 0 ? save : answer == 1 ? discard : none;
+    ask("Warning",
+        "Disk content in drive :" + std::to_string(drive) +
+            " has changed. Do you want to save your changes?",
+        {"&Yes", "&No", "Cancel"}, [done = std::move(done)](int answer) {
+            done(answer == 0 ? save : answer == 1 ? discard : none);
+        });
 }
 
-TroubleAnswer ask_about_changed_file(unsigned drive) {
-    return ask_about_trouble(
+void ask_about_changed_file(unsigned drive, const std::function<void(TroubleAnswer)>& done) {
+    ask_about_trouble(
         in_drive(drive) + " was changed by another program meanwhile.\n\n" + ELSEWHERE_EXPLAINED +
             "Keep mine: the disk in the drive replaces what the other program has written.\n"
             "Keep theirs: what you have written to the disk is lost.\n" +
             CANCEL_EXPLAINED,
-        "Keep &mine");
+        "Keep &mine", done);
 }
 
-TroubleAnswer ask_about_failed_write(unsigned drive, const std::string& reason) {
-    return ask_about_trouble(
+void ask_about_failed_write(unsigned drive, const std::string& reason,
+                            const std::function<void(TroubleAnswer)>& done) {
+    ask_about_trouble(
         in_drive(drive) + " cannot be written: " + reason + ".\n\n" + ELSEWHERE_EXPLAINED +
             "Try again: when there is room, or the folder is there again.\n"
             "Keep theirs: the file stays as it is; what you have written to the disk is lost.\n" +
             CANCEL_EXPLAINED,
-        "&Try again");
+        "&Try again", done);
 }
 
-JournalAnswer ask_about_journal(unsigned drive, const LeftJournal& left) {
-    const bool fits = left.file_hash == drive_files[drive].hash &&
-                      left.image.size() == drive_contents[drive].size();
+void ask_about_journal(unsigned drive, const std::shared_ptr<const LeftJournal>& left,
+                       const std::function<void(JournalAnswer)>& done) {
+    const bool fits = journal_fits(drive, *left);
     const std::string text =
         fits
             ? "When the program ended, what was written to " + in_drive(drive) +
@@ -116,27 +122,31 @@ JournalAnswer ask_about_journal(unsigned drive, const LeftJournal& left) {
                   "Later: nothing is decided. The disk is write-protected until it is put in "
                   "again.";
     const char* const first = fits ? "&Take it" : "&Save it elsewhere...";
-    for (;;) {
-        switch (platform().dialogs().choose(
-            "Warning", text, {first, "&Look at the names...", "&Discard it", "Later"})) {
+    const auto again = [=] { ask_about_journal(drive, left, done); };
+    const auto answered = [=](int answer) {
+        switch (answer) {
         case 0:
-            if (fits) return JournalAnswer::take;
-            if (save_disk_elsewhere(left.image)) return JournalAnswer::discard;
-            break;
-        case 1: look_at_names(drive, left); break;
-        case 2: return JournalAnswer::discard;
-        default: return JournalAnswer::later;
+            if (fits) return done(JournalAnswer::take);
+            return save_disk_elsewhere(shared_bytes(left->image), [=](bool saved) {
+                saved ? done(JournalAnswer::discard) : again();
+            });
+        case 1: return look_at_names(drive, *left, again);
+        case 2: return done(JournalAnswer::discard);
+        default: return done(JournalAnswer::later);
         }
-    }
+    };
+    ask("Warning", text, {first, "&Look at the names...", "&Discard it", "Later"}, answered);
 }
 
-bool save_disk_elsewhere(std::span<const uint8_t> image) {
-    std::string path;
-    if (!ui_select_file(DIALOG_SAVE_DISK, &path)) return false;
-    if (replace_whole_file(path, image)) {
-        report({.text = "The disk is saved: " + path, .severity = Severity::note});
-        return true;
-    }
-    report({.text = path + " cannot be written", .reason = std::strerror(errno)});
-    return false;
+void save_disk_elsewhere(const shared_bytes& image, const std::function<void(bool)>& done) {
+    ui_select_file(DIALOG_SAVE_DISK, [=](const std::optional<std::string>& path) {
+        if (!path) return done(false);
+        const bool saved = replace_whole_file(*path, image.view());
+        if (saved) {
+            report({.text = "The disk is saved: " + *path, .severity = Severity::note});
+        } else {
+            report({.text = *path + " cannot be written", .reason = std::strerror(errno)});
+        }
+        done(saved);
+    });
 }

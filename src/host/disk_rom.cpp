@@ -2,9 +2,9 @@
 
 #include "cgenie/memory/memory.h"
 #include "core/machine.h"
+#include "host/dialogs/ask.h"
 #include "host/disks.h"
 #include "host/messages.h"
-#include "platform/platform.h"
 
 #include <utility>
 
@@ -12,24 +12,25 @@ namespace {
 
 bool offer_waits = false; ///< for the window
 
-void offer_disk_rom() {
-    if (memory_has_eprom()) return;
-    offer_waits = message_boxes_are_held();
-    if (offer_waits) return;
-    const int yes = 0;
-    const int answer =
-        platform().dialogs().choose("No disk ROM", "Restart with the disk ROM?", {"&Yes", "&No"});
-    if (answer == yes) machine_restart_with_disk_rom();
+void offer_disk_rom(const std::function<void()>& done) {
+    offer_waits = !memory_has_eprom() && message_boxes_are_held();
+    if (offer_waits || memory_has_eprom()) return done();
+    ask("No disk ROM", "Restart with the disk ROM?", {"&Yes", "&No"}, [done](int answer) {
+        constexpr int YES = 0;
+        if (answer == YES) machine_restart_with_disk_rom();
+        done();
+    });
 }
 
 } // namespace
 
-bool give_disk(unsigned drive, const std::string& path) {
-    if (!main_disk_image_attach(drive, path)) return false;
-    offer_disk_rom();
-    return true;
+void give_disk(unsigned drive, const std::string& path, std::function<void(bool)> done) {
+    main_disk_image_attach(drive, path, [done = std::move(done)](bool attached) {
+        if (!attached) return done(false);
+        offer_disk_rom([done] { done(true); });
+    });
 }
 
 void offer_disk_rom_late() {
-    if (std::exchange(offer_waits, false)) offer_disk_rom();
+    if (std::exchange(offer_waits, false)) offer_disk_rom([] {});
 }

@@ -1,11 +1,12 @@
 #pragma once
 /// A disk that the user gives to the running machine, and the disk ROM that it needs.
 
+#include <functional>
 #include <string>
 
 /// Attaches the disk, see main_disk_image_attach. Where the machine has no expansion ROM, offers to
-/// restart it with the disk ROM; before the window is up the offer waits. False when the drive has
-/// not got the disk.
-bool give_disk(unsigned drive, const std::string& path);
+/// restart it with the disk ROM; before the window is up the offer waits. `done` comes after the
+/// answers, with false when the drive has not got the disk.
+void give_disk(unsigned drive, const std::string& path, std::function<void(bool)> done);
 /// Makes the offer that has been waiting.
 void offer_disk_rom_late();

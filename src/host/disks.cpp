@@ -5,6 +5,7 @@
 #include "host/autostart.h"
 #include "host/disk_journal.h"
 #include "host/disk_questions.h"
+#include "host/hold.h"
 #include "host/menu.h"
 #include "host/shell_state.h"
 #include "media/files/drive_files.h"
@@ -15,6 +16,7 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -66,41 +68,44 @@ void protect(unsigned drive, bool level) {
 // ---- writing back ------------------------------------------------------------------------------
 
 /// Writes the image to its file, or wherever the user wants it. False when the disk is to stay.
-bool save_disk(unsigned drive) {
-    bool keep_mine = false;
-    for (;;) {
-        TroubleAnswer answer = TroubleAnswer::none;
-        if (!keep_mine && diskimg_file_changed(drive)) {
-            answer = ask_about_changed_file(drive);
-            keep_mine = answer == TroubleAnswer::mine;
-        } else {
-            if (diskimg_write_back(drive)) return true;
-            answer = ask_about_failed_write(drive, std::strerror(errno));
+void save_disk(unsigned drive, bool keep_mine, const DiskDone& done) {
+    const bool changed = !keep_mine && diskimg_file_changed(drive);
+    if (!changed && diskimg_write_back(drive)) return done(true);
+    const std::string reason = std::strerror(errno);
+    const bool mine_next = keep_mine || changed;
+    const auto answered = [=](TroubleAnswer answer) {
+        switch (answer) {
+        case TroubleAnswer::none: return done(false);
+        case TroubleAnswer::theirs: return done(true);
+        case TroubleAnswer::mine: return save_disk(drive, mine_next, done);
+        case TroubleAnswer::elsewhere: break;
         }
-        if (answer == TroubleAnswer::none) return false;
-        if (answer == TroubleAnswer::theirs) return true;
-        if (answer != TroubleAnswer::elsewhere) continue;
-        if (save_disk_elsewhere(drive_contents[drive].view())) return true;
-    }
+        save_disk_elsewhere(drive_contents[drive], [=](bool saved) {
+            saved ? done(true) : save_disk(drive, keep_mine, done);
+        });
+    };
+    if (changed) return ask_about_changed_file(drive, answered);
+    ask_about_failed_write(drive, reason, answered);
 }
 
 /// False when the disk is to stay.
-bool settle_changes(unsigned drive) {
-    if (!wd1771.disks[drive].modified) return true;
-    if (shell_state.start.save_changed_disks) return save_disk(drive);
-    switch (ask_for_changes(drive)) {
-    case ChangesAnswer::save: return save_disk(drive);
-    case ChangesAnswer::discard: return true;
-    case ChangesAnswer::none: break;
-    }
-    return false;
+void settle_changes(unsigned drive, const DiskDone& done) {
+    if (!wd1771.disks[drive].modified) return done(true);
+    if (shell_state.start.save_changed_disks) return save_disk(drive, false, done);
+    ask_for_changes(drive, [=](ChangesAnswer answer) {
+        if (answer == ChangesAnswer::save) return save_disk(drive, false, done);
+        done(answer == ChangesAnswer::discard);
+    });
 }
 
-bool take_out(unsigned drive) {
-    if (!settle_changes(drive)) return false;
-    cares[drive].journal.remove();
-    empty_drive(drive);
-    return true;
+void take_out(unsigned drive, const DiskDone& done) {
+    settle_changes(drive, [=](bool settled) {
+        if (settled) {
+            cares[drive].journal.remove();
+            empty_drive(drive);
+        }
+        done(settled);
+    });
 }
 
 // ---- the same image twice ----------------------------------------------------------------------
@@ -160,29 +165,34 @@ void take_journal(unsigned drive, const LeftJournal& left) {
 }
 
 /// Asks about the journal that an earlier run has left, if there is one.
-void offer_journal(unsigned drive) {
+void offer_journal(unsigned drive, const std::function<void()>& done) {
     const bool waits = std::exchange(cares[drive].journal_waits, false);
-    if (!waits || !diskimg_inserted(wd1771.disks[drive])) return;
+    if (!waits || !diskimg_inserted(wd1771.disks[drive])) return done();
     protect(drive, false);
     const disk_file& file = drive_files[drive];
-    const std::optional<LeftJournal> left = find_left_journal(file);
-    if (!left) return;
+    auto found = find_left_journal(file);
+    if (!found) return done();
+    const auto left = std::make_shared<const LeftJournal>(std::move(*found));
+    const auto answered = [=](JournalAnswer answer) {
+        switch (answer) {
+        case JournalAnswer::take: take_journal(drive, *left); break;
+        case JournalAnswer::discard: remove_left_journal(*left); break;
+        case JournalAnswer::later:
+            protect(drive, true);
+            tell_protected(drive, "what was not saved before is still to be decided about",
+                           Severity::note);
+        }
+        done();
+    };
     // Nothing is missing when the program was killed just after the image had been written back.
-    const bool saved = content_hash(left->image) == file.hash;
-    switch (saved ? JournalAnswer::discard : ask_about_journal(drive, *left)) {
-    case JournalAnswer::take: return take_journal(drive, *left);
-    case JournalAnswer::discard: return remove_left_journal(*left);
-    case JournalAnswer::later: break;
-    }
-    protect(drive, true);
-    tell_protected(drive, "what was not saved before is still to be decided about", Severity::note);
+    if (content_hash(left->image) == file.hash) return answered(JournalAnswer::discard);
+    ask_about_journal(drive, left, answered);
 }
 
 void watch_journal(unsigned drive) {
     if (!shell_state.start.keep_disk_journals || wd1771.disks[drive].write_protected) return;
     cares[drive].journal_waits = true;
     protect(drive, true); // until it is known what the disk holds
-    if (journals_are_offered) offer_journal(drive);
 }
 
 bool keep_journal(unsigned drive) {
@@ -254,14 +264,48 @@ bool put_in(unsigned drive, const std::string& path) {
     return true;
 }
 
+/// Takes out this disk and those of the drives after it.
+void detach_from(unsigned drive) {
+    if (drive == DISK_DRIVES) return StatusBarText("All disks detached.");
+    main_disk_image_detach(drive, [drive](bool taken) {
+        if (taken) return detach_from(drive + 1);
+        StatusBarText("Stopped: the disk in drive :%u stays there.", drive);
+    });
+}
+
+/// Ends with this disk and those of the drives after it.
+void end_drive(unsigned drive, bool all_settled, const std::function<void()>& done) {
+    if (drive == DISK_DRIVES) {
+        journals_are_offered = false;
+        if (all_settled) StatusBarText("All disks detached.");
+        return done();
+    }
+    const auto settled = [=](bool taken) {
+        if (diskimg_inserted(wd1771.disks[drive])) {
+            if (wd1771.disks[drive].modified) leave_unsaved(drive);
+            empty_drive(drive);
+        }
+        end_drive(drive + 1, taken, done);
+    };
+    all_settled ? take_out(drive, settled) : settled(false);
+}
+
 } // namespace
 
-bool main_disk_image_attach(unsigned drive, const std::string& path) {
-    if (path.empty() || drive >= DISK_DRIVES) return false;
-    if (diskimg_inserted(wd1771.disks[drive]) && !main_disk_image_detach(drive)) return false;
-    if (put_in(drive, path)) return true;
-    report({.text = "Unsupported disk image.\n", .reason = image_problem(path)});
-    return false;
+void main_disk_image_attach(unsigned drive, const std::string& path, DiskDone done) {
+    if (!done) done = [](bool) {};
+    if (path.empty() || drive >= DISK_DRIVES) return done(false);
+    const auto put = [=](bool empty) {
+        if (!empty) return done(false);
+        if (!put_in(drive, path)) {
+            report({.text = "Unsupported disk image.\n", .reason = image_problem(path)});
+            return done(false);
+        }
+        if (!journals_are_offered) return done(true);
+        offer_journal(drive, [done] { done(true); });
+    };
+    if (!diskimg_inserted(wd1771.disks[drive])) return put(true);
+    main_disk_image_detach(drive, put);
 }
 
 void main_disk_image_remember(unsigned drive, const std::string& path) { absent[drive] = path; }
@@ -284,30 +328,25 @@ std::string main_disk_image_remembered(unsigned drive) {
     return diskimg_inserted(wd1771.disks[drive]) ? drive_files[drive].path : absent[drive];
 }
 
-bool main_disk_image_detach(unsigned drive) {
-    if (drive >= DISK_DRIVES) return false;
+void main_disk_image_detach(unsigned drive, DiskDone done) {
+    if (!done) done = [](bool) {};
+    if (drive >= DISK_DRIVES) return done(false);
     absent[drive].clear();
-    if (!take_out(drive)) {
-        StatusBarText("The disk in drive :%u stays there.", drive);
-        return false;
-    }
-    StatusBarText("Disk detached from drive #%u", drive);
-    return true;
+    take_out(drive, [=](bool taken) {
+        const char* const text =
+            taken ? "Disk detached from drive #%u" : "The disk in drive :%u stays there.";
+        StatusBarText(text, drive);
+        done(taken);
+    });
 }
 
-bool main_disk_image_detach_all() {
-    for (unsigned drive = 0; drive < DISK_DRIVES; ++drive) {
-        if (main_disk_image_detach(drive)) continue;
-        StatusBarText("Stopped: the disk in drive :%u stays there.", drive);
-        return false;
-    }
-    StatusBarText("All disks detached.");
-    return true;
-}
+void main_disk_image_detach_all() { detach_from(0); }
 
 void main_disk_offer_journals() {
     journals_are_offered = true;
-    for (unsigned drive = 0; drive < DISK_DRIVES; ++drive) offer_journal(drive);
+    for (unsigned drive = 0; drive < DISK_DRIVES; ++drive) {
+        when_free([drive] { offer_journal(drive, [] {}); });
+    }
 }
 
 void main_disk_keep_journals() {
@@ -341,15 +380,4 @@ void main_disk_follow_machine() {
     }
 }
 
-void main_disk_end() {
-    bool all_settled = true;
-    for (unsigned drive = 0; drive < DISK_DRIVES; ++drive) {
-        all_settled = all_settled && take_out(drive);
-        const disk_record& disk = wd1771.disks[drive];
-        if (!diskimg_inserted(disk)) continue;
-        if (disk.modified) leave_unsaved(drive);
-        empty_drive(drive);
-    }
-    journals_are_offered = false;
-    if (all_settled) StatusBarText("All disks detached.");
-}
+void main_disk_end(const std::function<void()>& done) { end_drive(0, true, done); }

@@ -7,10 +7,13 @@
 /// another drive, or in one of another running program, is write-protected. Other drives, and an
 /// empty path, do nothing. The status bar tells what came of it.
 
+#include <functional>
 #include <string>
 
+/// What came of it, handed over before the call returns or after the user's answers.
+using DiskDone = std::function<void(bool)>;
 /// False when the drive has not got the image.
-bool main_disk_image_attach(unsigned drive, const std::string& path);
+void main_disk_image_attach(unsigned drive, const std::string& path, DiskDone done = {});
 /// What the drive had at the end of the last run; an empty path for nothing.
 void main_disk_image_remember(unsigned drive, const std::string& path);
 /// Puts those in. Those that cannot be had are told together, and their drives remember them until
@@ -19,9 +22,9 @@ void main_disk_image_attach_remembered();
 /// The path of the disk in the drive, or of the one that it remembers.
 std::string main_disk_image_remembered(unsigned drive);
 /// False when the disk stays.
-bool main_disk_image_detach(unsigned drive);
+void main_disk_image_detach(unsigned drive, DiskDone done = {});
 /// Ends at the first disk that stays.
-bool main_disk_image_detach_all();
+void main_disk_image_detach_all();
 
 /// From here on a journal is offered when its image is attached; those of disks attached before are
 /// offered now. Until then, and while there is no answer, such a disk is write-protected.
@@ -37,4 +40,4 @@ void main_disk_follow_machine();
 /// The program's end. Takes out all disks as above; from the first one that stays, what was written
 /// is left in the journals. Where there is none, a changed disk is rescued, or without
 /// journals only reported.
-void main_disk_end();
+void main_disk_end(const std::function<void()>& done);

@@ -9,8 +9,13 @@ namespace {
 
 int holds = 0;
 std::deque<std::function<void()>> acts; ///< the next one in front
-size_t place = 0;                       ///< of the next act that an act asks for
-bool acting = false;
+bool acting = false;                    ///< an act or an answer is under way
+size_t place = 0;                       ///< of the next act that it asks for
+
+void perform(const std::function<void()>& act) {
+    if (!std::exchange(acting, true)) place = 0;
+    act();
+}
 
 } // namespace
 
@@ -21,9 +26,7 @@ void release_shell() {
     while (holds == 0 && !acts.empty() && !acting) {
         const auto act = std::move(acts.front());
         acts.pop_front();
-        place = 0;
-        acting = true;
-        act();
+        perform(act);
         acting = false;
     }
 }
@@ -32,6 +35,13 @@ bool shell_is_held() { return holds > 0; }
 
 void when_free(std::function<void()> act) {
     if (holds == 0 && (acting || acts.empty())) return act();
-    acts.insert(std::next(acts.begin(), acting ? std::ptrdiff_t(place++) : std::ssize(acts)),
-                std::move(act));
+    const size_t where = acting ? place++ : acts.size();
+    acts.insert(std::next(acts.begin(), std::ptrdiff_t(where)), std::move(act));
+}
+
+void release_after(const std::function<void()>& answer) {
+    const bool before = acting;
+    perform(answer);
+    acting = before;
+    release_shell();
 }

@@ -46,9 +46,7 @@ void toggle_breakpoint() {
     monitor_update();
 }
 
-void ask_for_breakpoint() {
-    if (ui_machine_set_breakpoint()) monitor_update();
-}
+void ask_for_breakpoint() { ui_machine_set_breakpoint(monitor_update); }
 
 void dump_disassembly() {
     std::error_code error;

@@ -1,12 +1,14 @@
 #include "host/messages.h"
 
+#include "host/dialogs/ask.h"
 #include "host/dialogs/dialogs.h"
+#include "host/hold.h"
 #include "host/status.h"
-#include "platform/platform.h"
 #include "wall/report.h"
 
 #include <cstdio>
 #include <ctime>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -38,7 +40,7 @@ void show_box(const Report& told) {
     const std::string details = report_details(told);
     std::string text = told.text;
     if (!details.empty()) text += (text.ends_with('\n') ? "\n" : "\n\n") + details;
-    platform().dialogs().message(told.title.empty() ? PRODUCT_NAME : told.title, text, told.icon);
+    show_message(told.title.empty() ? PRODUCT_NAME : told.title, text, told.icon);
 }
 
 } // namespace
@@ -65,6 +67,14 @@ bool failure_was_reported() { return failed; }
 UserCommand::UserCommand() { ++commands; }
 UserCommand::~UserCommand() { --commands; }
 
+void obey_user(const std::function<void()>& act, std::function<void()> behind) {
+    const auto failures_open_a_box = std::make_shared<UserCommand>();
+    act();
+    when_free([failures_open_a_box, behind = std::move(behind)] {
+        if (behind) behind();
+    });
+}
+
 void hold_message_boxes() {
     kept.clear();
     held.clear();
@@ -77,8 +87,10 @@ bool message_boxes_are_held() { return starting; }
 void show_held_message_boxes() {
     starting = false;
     for (const Report& told : std::exchange(held, {})) {
-        show_status(told.text, report_details(told)); // the start has cleared it
-        show_box(told);
+        when_free([told] {
+            show_status(told.text, report_details(told)); // the start has cleared it
+            show_box(told);
+        });
     }
 }
 

@@ -4,6 +4,7 @@
 #include "wall/report.h"
 
 #include <deque>
+#include <functional>
 #include <string>
 
 struct KeptMessage {
@@ -29,6 +30,9 @@ public:
     UserCommand(const UserCommand&) = delete;
     UserCommand& operator=(const UserCommand&) = delete;
 };
+
+/// Does what the user has just asked for, and `behind` when all its dialogs are answered.
+void obey_user(const std::function<void()>& act, std::function<void()> behind = {});
 
 /// From here on boxes wait, since there is no window yet to stand over. Forgets earlier messages.
 void hold_message_boxes();

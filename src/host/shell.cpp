@@ -17,6 +17,7 @@
 #include "host/disk_rom.h"
 #include "host/disks.h"
 #include "host/display.h"
+#include "host/hold.h"
 #include "host/interrupted_writes.h"
 #include "host/joysticks.h"
 #include "host/key_map.h"
@@ -42,6 +43,7 @@
 
 #include <random>
 #include <string>
+#include <utility>
 
 shell_record shell_state;
 
@@ -118,13 +120,13 @@ void emu_init(const ShellOptions& options) {
     set_check_marks();
     set_screen_params(g_GiantScreen, canvas_bits());
     take_late_screenshot();
-    if (!avi_name.empty()) video_save_to_avi(false, &avi_name);
+    if (!avi_name.empty()) video_save_to_avi(false, avi_name);
     StatusBarText("%s", "");
     if (g_bSound && g_Timer) sound_init();
     initJoyInput();
 }
 
-void emu_close() {
+void emu_close(std::function<void()> done) {
     ui_free_forms();
     printer_close();
     if (g_bRecordingVideo) Video_CloseOutput();
@@ -133,11 +135,13 @@ void emu_close() {
         write_options();
     }
     sound_close();
-    main_disk_end();
-    tape_detach_cas();
-    keyboard_type_reset();
-    dib_destroy(canvas);
-    prefs_done();
+    main_disk_end([done = std::move(done)] {
+        tape_detach_cas();
+        keyboard_type_reset();
+        dib_destroy(canvas);
+        prefs_done();
+        if (done) done();
+    });
 }
 
 int run_shell(const ShellOptions& options) {
@@ -155,11 +159,9 @@ int run_shell(const ShellOptions& options) {
     if (!complaint.empty()) report({.text = complaint, .severity = Severity::warning});
     tell_what_is_left_out(line);
     show_held_message_boxes();
-    offer_interrupted_writes();
-    main_disk_offer_journals();
-    offer_disk_rom_late();
-    reset_timer(); // the start is no time to catch up
-    const int exit_code = run_message_loop();
-    emu_close();
-    return exit_code;
+    when_free(offer_interrupted_writes);
+    when_free(main_disk_offer_journals);
+    when_free(offer_disk_rom_late);
+    when_free(reset_timer); // the start is no time to catch up
+    return run_message_loop();
 }

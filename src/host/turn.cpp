@@ -32,6 +32,8 @@ constexpr int64_t MICROSECONDS = 1'000'000; ///< in a second
 struct {
     std::deque<Event> messages;   ///< that have come and are not handled yet
     std::optional<int> exit_code; ///< the quit message has come
+    bool closing = false;         ///< the last questions are being asked
+    bool closed = false;
     bool menu_open = false;
     bool menu_closed = false; ///< since the last turn
     std::function<void()> after_rest;
@@ -77,16 +79,13 @@ void wheel_turned(int delta) {
 }
 
 void key_pressed(const Event& event) {
-    const UserCommand failures_open_a_box;
     const int command = accelerator_command(event.value, event.modifiers);
     if (command) return handle_command(command);
-    handle_key(event);
+    obey_user([&event] { handle_key(event); });
 }
 
 void file_dropped(const std::string& path) {
-    const UserCommand failures_open_a_box;
-    autostart_file(path);
-    reset_timer();
+    obey_user([&path] { autostart_file(path); }, reset_timer);
 }
 
 /// Whoever chooses another layout wants its characters: the symbolic mapping is on from then on, as
@@ -122,6 +121,17 @@ void handle_messages() {
             handle(event);
         }
     }
+}
+
+/// The end of the program is a chain: the questions for each drive, and what comes behind them.
+void close_shell() {
+    if (std::exchange(turn.closing, true)) return;
+    emu_close([] { turn.closed = true; });
+}
+
+int end_shell() {
+    turn.closing = turn.closed = false;
+    return *std::exchange(turn.exit_code, {});
 }
 
 /// Microseconds, 0 when the rest is over or there is none.
@@ -169,6 +179,7 @@ void WindowProcedure(const Event& event) {
 
 ShellTurn shell_turn() {
     using enum ShellTurn::Next;
+    const bool was_held = shell_is_held();
     if (std::exchange(turn.menu_closed, false)) leave_menu();
     handle_messages();
     if (const int64_t left = rest_left()) return {.next = in_time, .microseconds = left};
@@ -177,12 +188,12 @@ ShellTurn shell_turn() {
         release_shell();
         return {};
     }
-    if (shell_is_held()) return {.next = on_event};
     const bool halted = !g_bActive || turn.menu_open;
     // The frame before the quit message is still shown at its time.
-    if (turn.exit_code && (halted || !paced_frame_waits())) {
-        return {.next = end, .exit_code = *std::exchange(turn.exit_code, {})};
-    }
+    if (turn.exit_code && (halted || !paced_frame_waits())) close_shell();
+    if (turn.closed) return {.next = end, .exit_code = end_shell()};
+    if (turn.closing || shell_is_held()) return {.next = on_event};
+    if (was_held) return {};
     if (!halted) {
         const int64_t wait = paced_frame_step();
         main_disk_keep_journals_when_due();

@@ -19,7 +19,8 @@ struct ShellTurn {
     int exit_code = 0;
 };
 
-/// Handles the messages that wait, and runs at most one frame.
+/// Handles the messages that wait, and runs at most one frame. The quit message closes the shell
+/// (see emu_close), and the end comes behind that.
 ShellTurn shell_turn();
 /// Turns until the end. Returns the exit code.
 int run_message_loop();

@@ -1,6 +1,7 @@
 #pragma once
 #include "wall/report.h"
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -34,18 +35,22 @@ struct FileChoice {
 
 constexpr int NO_ANSWER = -1;
 
-/// Modal dialogs of the main window.
+/// Modal dialogs of the main window. Each hands its answer to `done`, before the call returns or
+/// later; several that are open at a time are answered in the order that the host shows them in.
 struct Dialogs {
     virtual ~Dialogs() = default;
-    virtual void message(const std::string& title, const std::string& text, MessageIcon icon) = 0;
+    virtual void message(const std::string& title, const std::string& text, MessageIcon icon,
+                         std::function<void()> done) = 0;
     /// A question with a button for each answer ("&" before the access key); Enter gives the first.
-    /// Returns the answer's place in the list. NO_ANSWER: the box was left with Escape or its close
+    /// The answer is its place in the list. NO_ANSWER: the box was left with Escape or its close
     /// button, the program is being ended by a signal, or there is nobody to answer.
-    virtual int choose(const std::string& title, const std::string& text,
-                       const std::vector<std::string>& answers) = 0;
+    virtual void choose(const std::string& title, const std::string& text,
+                        const std::vector<std::string>& answers, std::function<void(int)> done) = 0;
     /// Nothing when cancelled. Not every desktop's dialog adds the extension to a name.
-    virtual std::optional<FileChoice> choose_file(const FileDialog& dialog) = 0;
+    virtual void choose_file(const FileDialog& dialog,
+                             std::function<void(std::optional<FileChoice>)> done) = 0;
     /// The program's own box: its picture, lines of text, a link line that opens `target`, OK.
     virtual void about(const std::string& title, const std::vector<std::string>& lines,
-                       const std::string& link, const std::string& target) = 0;
+                       const std::string& link, const std::string& target,
+                       std::function<void()> done) = 0;
 };

@@ -85,8 +85,9 @@ struct Form {
     virtual bool is_enabled(int id) = 0;
     virtual void set_enabled(int id, bool enabled) = 0;
 
-    /// Modal: returns the id of the button that closed it, or FORM_CLOSED.
-    virtual int run() = 0;
+    /// Modal: `done` gets the id of the button that closed it, or FORM_CLOSED, before the call
+    /// returns or later. It may remove the form.
+    virtual void run(std::function<void(int closing_id)> done) = 0;
     /// Beside the main window, which goes on. In front when it is open already.
     virtual void show() = 0;
     virtual void close() = 0; ///< without an event

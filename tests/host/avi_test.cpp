@@ -146,8 +146,11 @@ protected:
         }
     }
     static int open(const std::string& path, bool sound = true) {
+        int runs = 0;
         if (!Video_CreateBitmap()) return 0;
-        return Video_OpenOutput(path, sound ? sound_get_buffer_ptr() : nullptr);
+        Video_OpenOutput(path, sound ? sound_get_buffer_ptr() : nullptr,
+                         [&runs](int result) { runs = result; });
+        return runs;
     }
     static void record(int frames) {
         for (int n = 0; n < frames; ++n) {
@@ -372,7 +375,7 @@ TEST_F(AviTest, TheCommandStartsAndStops) {
     for (const std::string path : {"film.avi", "old.avi"}) {
         name = path;
         host->forms().acts.emplace_back(cancel);
-        EXPECT_EQ(video_save_to_avi(false, &name), 1);
+        video_save_to_avi(false, name);
         EXPECT_EQ(message(0), "Error: Could not create video stream!\n\n" + name);
         EXPECT_EQ(g_bRecordingVideo, 0);
         EXPECT_FALSE(is_menu_item_checked(COMMAND_SAVE_VIDEO));
@@ -383,7 +386,7 @@ TEST_F(AviTest, TheCommandStartsAndStops) {
     for (const char* bad : {"no/film.avi", ".", "/dev/full"}) {
         name = bad;
         if (name == "/dev/full") host->forms().acts.emplace_back(run_lengths);
-        EXPECT_EQ(video_save_to_avi(false, &name), 1);
+        video_save_to_avi(false, name);
         EXPECT_TRUE(message(0).starts_with(name == "/dev/full"
                                                ? "Error: Could not create video stream!"
                                                : name + ": Could not open file stream!"));
@@ -392,7 +395,7 @@ TEST_F(AviTest, TheCommandStartsAndStops) {
     }
     name = "film.avi";
     host->forms().acts.emplace_back(same);
-    EXPECT_EQ(video_save_to_avi(false, &name), 1);
+    video_save_to_avi(false, name);
     EXPECT_EQ(g_bRecordingVideo, 2);
     EXPECT_TRUE(is_menu_item_checked(COMMAND_SAVE_VIDEO));
     EXPECT_EQ(status(), "Streaming video to file: film.avi...");
@@ -405,13 +408,13 @@ TEST_F(AviTest, TheCommandStartsAndStops) {
         StatusBarText("between");
     }
     EXPECT_TRUE(status().starts_with("The video repeats its last picture")) << status();
-    EXPECT_EQ(video_save_to_avi(true, &name), 1);
+    video_save_to_avi(true, name);
     EXPECT_EQ(status(), "Video stream closed. 250 frames written.");
     EXPECT_FALSE(is_menu_item_checked(COMMAND_SAVE_VIDEO));
     EXPECT_EQ(played("film.avi"), "msrle,384,288,50/1,250\n");
 
     dib_destroy(canvas);
-    EXPECT_EQ(video_save_to_avi(false, &name), 0);
+    video_save_to_avi(false, name);
     EXPECT_EQ(status(), "AVI: an error occured.");
     EXPECT_EQ(message(0), "Tarvelin: AVI: an error occured.");
 }
@@ -422,7 +425,8 @@ TEST_F(AviTest, AFullDiskEndsTheRecordingAndKeepsTheFile) {
     // After 30 frames, half a frame fits: more than the indexes need; or less than they need.
     for (const uint64_t rest : {FRAME / 2, uint64_t(1500)}) {
         const uint64_t frames = 30, room = HEADER + frames * FRAME + rest;
-        ASSERT_EQ(video_save_to_avi(false, &name), 1);
+        video_save_to_avi(false, "film.avi");
+        ASSERT_EQ(g_bRecordingVideo, 2);
         {
             const FullDisk full(room);
             record(100);

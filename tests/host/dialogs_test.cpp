@@ -20,12 +20,18 @@ protected:
         CreateStatusBar();
     }
 
+    static std::string select(int type) {
+        std::string result = "none";
+        ui_select_file(type, [&result](const std::optional<std::string>& chosen) {
+            result = chosen.value_or("cancelled");
+        });
+        return result;
+    }
     /// The path that comes back when the user chooses this one.
     std::string choose(int type, const std::string& path, int filter = 0) {
         dialogs.choices.emplace_back(FileChoice{path, filter});
         StatusBarText("before");
-        std::string result;
-        EXPECT_EQ(ui_select_file(type, &result), 1) << "type " << type;
+        const std::string result = select(type);
         const bool save = dialogs.file_dialogs.back().save; // says so only when it has been done
         EXPECT_EQ(host.status_text(3), save ? "before" : "Image attached: " + result + ".");
         return result;
@@ -76,9 +82,7 @@ TEST_F(DialogsTest, NamesAndFilters) {
     EXPECT_EQ(dialogs.file_dialogs.back().filter_index, 0); // each type has its own
     EXPECT_EQ(choose(DIALOG_SAVE_VIDEO, "my.films/film"), "my.films/film.avi");
 
-    std::string path = "kept";
-    EXPECT_EQ(ui_select_file(DIALOG_SCREENSHOT_AS, &path), 0);
-    EXPECT_EQ(path, "kept");
+    EXPECT_EQ(select(DIALOG_SCREENSHOT_AS), "cancelled");
     EXPECT_EQ(choose(DIALOG_SCREENSHOT_AS, "shot"), "shot.gif");
     EXPECT_EQ(dialogs.file_dialogs.back().filter_index, 2);
 }
@@ -92,9 +96,7 @@ TEST_F(DialogsTest, AsksWhereTheDialogCouldNot) {
     for (const int answer : {0, NO_ANSWER, 1}) {
         dialogs.answers = {answer};
         dialogs.choices = {FileChoice{game}, FileChoice{game + "2"}}; // another one after a No
-        std::string path;
-        EXPECT_EQ(ui_select_file(DIALOG_MEMORY_AS_CAS, &path), 1);
-        EXPECT_EQ(path, game + (answer == 1 ? ".cas" : "2.cas"));
+        EXPECT_EQ(select(DIALOG_MEMORY_AS_CAS), game + (answer == 1 ? ".cas" : "2.cas"));
     }
 }
 
@@ -112,8 +114,7 @@ TEST_F(DialogsTest, AddressesOfTheProgram) {
     EXPECT_EQ(labels, "From address:End address:Start address:");
 
     dialogs.choices.emplace_back(FileChoice{"game", 0, {"6000", "61000000"}});
-    std::string path;
-    ui_select_file(DIALOG_MEMORY_AS_CAS, &path);
+    select(DIALOG_MEMORY_AS_CAS);
     ui_get_casdata(&addresses);
     EXPECT_EQ(addresses, (std::array<std::string, 3>{"6000", "61000", "0066"}));
     choose(DIALOG_CREATE_WAV, "game");

@@ -35,6 +35,7 @@ constexpr const char* QUESTION = " has changed. Do you want to save your changes
 class DisksTest : public WholeProgramTest {
 protected:
     void SetUp() override {
+        later = true;
         WholeProgramTest::SetUp();
         testing::internal::CaptureStderr();
         for (const char* name : {"a.dsk", "b.dsk", "c.img", "d.dsk", "folder/e.dsk"}) fill(name);
@@ -46,7 +47,6 @@ protected:
         WholeProgramTest::TearDown();
     }
     static void fill(const std::string& path) { write_text(path, std::string(DISK_SIZE, '\x14')); }
-    void command(int id) { WindowProcedure({Event::Kind::command, id, 0, {}}); }
     void attach(unsigned drive, const std::string& path) {
         host->dialogs().choices.push_back({{path, 0}});
         command(ATTACH + int(drive));
@@ -349,6 +349,7 @@ protected:
         memory_set_eprom(0); // nothing to offer
         shell_state.start.keep_disk_journals = true;
         main_disk_offer_journals();
+        turn_until_free();
     }
     void TearDown() override { DisksTest::TearDown(); }
     static std::filesystem::path journal() {
@@ -479,6 +480,7 @@ TEST_F(DisksTest, DroppedDisksGoIntoDriveZero) {
         host->dialogs().answers = {NO_ANSWER}; // to the disk ROM
         if (path != "a.dsk") host->dialogs().answers.push_front(YES);
         WindowProcedure({Event::Kind::drop, 0, 0, path});
+        turn_until_free();
         EXPECT_EQ(host->status_text(3), "Autoloaded: " + path);
         EXPECT_EQ(text_of(0), text_of(0, path));
         EXPECT_EQ(wd1771_is_active(), 0);
@@ -489,6 +491,7 @@ TEST_F(DisksTest, DroppedDisksGoIntoDriveZero) {
     host->set_key(KEY_CONTROL, true);
     host->dialogs().answers = {NO};
     WindowProcedure({Event::Kind::drop, 0, 0, "bad.dsk"});
+    turn_until_free();
     host->release_all_keys();
     EXPECT_EQ(z80_state.pc, 0);
     EXPECT_EQ(text_of(0), text_of(0, "<no disk>"));

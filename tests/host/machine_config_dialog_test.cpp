@@ -40,7 +40,7 @@ protected:
     }
     void dialog(std::function<void(Form&)> user) {
         host->forms().acts.push_back(std::move(user));
-        ui_machine_config();
+        ui_machine_config([] {});
     }
     static void collect(const std::vector<FormControl>& controls, std::vector<int>& ids) {
         for (const FormControl& control : controls) {

@@ -32,9 +32,18 @@ protected:
         create_menu();
         emu_init({.line = read_command_line(arguments)});
     }
-    /// Turns until nothing holds the shell any more.
+    /// Turns until nothing holds the shell any more; runs no frame.
     void turn_until_free() {
         while (shell_is_held()) host->events().wait(shell_turn().microseconds);
+    }
+    /// With the user's answers.
+    void emu_close() {
+        ::emu_close();
+        turn_until_free();
+    }
+    void command(int id) {
+        WindowProcedure({Event::Kind::command, id, 0, {}});
+        turn_until_free();
     }
     /// What the settings file holds, read by a store of its own.
     static std::optional<std::string> stored_text(const std::string& name) {
@@ -42,6 +51,9 @@ protected:
         store.open();
         return store.text(name);
     }
+
+    /// The user's answers come after the calls that ask for them, as on a host that cannot block.
+    bool later = false;
 
 private:
     void renew() {
@@ -51,6 +63,7 @@ private:
         options.settings_path = SETTINGS;
         options.data_directory = "data";
         install_host(options);
+        host->answer_later(later);
         reset_program_options();
     }
 };

@@ -167,7 +167,7 @@ TEST_F(QtFormsTest, KeysAndButtonsEndTheForm) {
                 shown()->close();
             }
         });
-        EXPECT_EQ(form->run(), c.result) << c.focus << " " << c.key;
+        form->run([&c](int id) { EXPECT_EQ(id, c.result) << c.focus << " " << c.key; });
         EXPECT_EQ(take_heard(), c.heard) << c.focus << " " << c.key;
     }
 }
@@ -206,7 +206,8 @@ TEST_F(QtFormsTest, FileDialogHasFields) {
         }
         static_cast<QDialog*>(shown())->QDialog::done(QDialog::Accepted);
     });
-    const auto choice = host->dialogs().choose_file(dialog);
+    std::optional<FileChoice> choice;
+    host->dialogs().choose_file(dialog, [&choice](const auto& chosen) { choice = chosen; });
     ASSERT_TRUE(choice);
     EXPECT_EQ(choice->field_texts, (std::vector<std::string>{"12345", "C9AB"}));
 }

@@ -263,7 +263,8 @@ TEST_F(QtPlatformTest, AQuestionCanBeLeftWithoutAnAnswer) {
         {NO_ANSWER, [](QWidget& box) { box.close(); }}};
     for (const auto& way : ways) {
         QTimer::singleShot(0, [&way] { way.second(*QApplication::activeModalWidget()); });
-        EXPECT_EQ(host->dialogs().choose("Title", "Text", {"&One", "&Two", "&Last"}), way.first);
+        host->dialogs().choose("Title", "Text", {"&One", "&Two", "&Last"},
+                               [&way](int answer) { EXPECT_EQ(answer, way.first); });
     }
 }
 
@@ -288,7 +289,8 @@ TEST_F(QtPlatformTest, SaveDialogAsksAboutTheFileThatItWillBe) {
             });
             box->accept();
         });
-        const auto choice = host->dialogs().choose_file(dialog);
+        std::optional<FileChoice> choice;
+        host->dialogs().choose_file(dialog, [&choice](const auto& chosen) { choice = chosen; });
         EXPECT_EQ(asked, other_filter);
         EXPECT_EQ(choice ? choice->path : "", other_filter ? "" : folder / "game.gif");
     }

@@ -1,3 +1,4 @@
+#include "host/dialogs/ask.h"
 #include "host/dialogs/dialogs.h"
 #include "monitor/monitor.h"
 #include "platform/platform.h"
@@ -6,8 +7,10 @@
 
 #include <charconv>
 #include <cstdio>
+#include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -51,19 +54,24 @@ void arm(uint16_t address) {
     z80_cpu_set_breakpoint(address);
 }
 
+/// OK closes the form; after a refusal it comes back as it was.
+void ask_for_address(const std::shared_ptr<Form>& form, std::function<void()> done) {
+    run_form(form, [form, done = std::move(done)](int button) {
+        if (button != BREAKPOINT_OK) return;
+        const std::optional<uint16_t> address = address_in(form->text(BREAKPOINT_EDIT));
+        if (!address) return ask_for_address(form, done);
+        arm(*address);
+        done();
+    });
+}
+
 } // namespace
 
-int ui_machine_set_breakpoint() {
+void ui_machine_set_breakpoint(std::function<void()> done) {
     char shown[8];
     std::snprintf(shown, sizeof shown, "%04X", unsigned{monitor_get_current_pc()});
-    const auto form = platform().forms().create(breakpoint_form(), refuse_bad_address);
+    const std::shared_ptr<Form> form =
+        platform().forms().create(breakpoint_form(), refuse_bad_address);
     form->set_text(BREAKPOINT_EDIT, shown);
-    // OK closes the form; after a refusal it comes back as it was.
-    while (form->run() == BREAKPOINT_OK) {
-        const std::optional<uint16_t> address = address_in(form->text(BREAKPOINT_EDIT));
-        if (!address) continue;
-        arm(*address);
-        return 1;
-    }
-    return 0;
+    ask_for_address(form, std::move(done));
 }

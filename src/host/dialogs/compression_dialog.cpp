@@ -1,8 +1,12 @@
 #include "host/dialogs/compression_dialog.h"
 
+#include "host/dialogs/ask.h"
 #include "platform/platform.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <memory>
+#include <utility>
 
 namespace {
 
@@ -38,22 +42,24 @@ std::string video_compression_problem(const bitmap_header& header) {
     return "the codec " + name + " takes no pictures of " + std::to_string(header.bits) + " bits";
 }
 
-std::optional<video_codec_kind> ui_choose_video_compression(const bitmap_header& header) {
+void ui_choose_video_compression(const bitmap_header& header,
+                                 std::function<void(std::optional<video_codec_kind>)> done) {
     std::vector<video_codec_kind> kinds = video_codecs();
     std::erase_if(kinds, [&](const video_codec_kind& kind) { return !kind.can_do(header); });
     const auto index_of = [&](const std::string& name) {
-        return std::ranges::find(kinds, name, &video_codec_kind::name) - kinds.begin();
+        return size_t(std::ranges::find(kinds, name, &video_codec_kind::name) - kinds.begin());
     };
-    size_t chosen = size_t(index_of(answer));
-    if (answer.empty()) {
-        const auto form =
-            platform().forms().create(compression_form(kinds), [](Form&, const FormEvent&) {});
-        const int last = int(index_of(last_choice));
-        form->set_value(COMPRESSION_LIST, last < int(kinds.size()) ? last : 0);
-        if (form->run() != COMPRESSION_OK) return {};
-        chosen = size_t(form->value(COMPRESSION_LIST));
-    }
-    if (chosen >= kinds.size()) return {};
-    last_choice = kinds[chosen].name;
-    return kinds[chosen];
+    const auto chosen = [kinds, done = std::move(done)](size_t index) {
+        if (index >= kinds.size()) return done({});
+        last_choice = kinds[index].name;
+        done(kinds[index]);
+    };
+    if (!answer.empty()) return chosen(index_of(answer));
+    const std::shared_ptr<Form> form =
+        platform().forms().create(compression_form(kinds), [](Form&, const FormEvent&) {});
+    const size_t last = index_of(last_choice);
+    form->set_value(COMPRESSION_LIST, last < kinds.size() ? int(last) : 0);
+    run_form(form, [form, chosen](int button) {
+        chosen(button == COMPRESSION_OK ? size_t(form->value(COMPRESSION_LIST)) : SIZE_MAX);
+    });
 }

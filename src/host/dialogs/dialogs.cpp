@@ -1,6 +1,8 @@
 #include "host/dialogs/dialogs.h"
 
 #include "files/file_names.h"
+#include "host/dialogs/ask.h"
+#include "host/hold.h"
 #include "host/screen_text.h"
 #include "platform/platform.h"
 #include "wall/machine_host.h"
@@ -11,6 +13,7 @@
 #include <filesystem>
 #include <map>
 #include <system_error>
+#include <utility>
 
 namespace {
 
@@ -96,31 +99,33 @@ std::vector<FileDialogField> address_panel() {
     };
 }
 
-/// The dialog asks before a file is replaced, but it may have asked about the name that was typed
-/// while the file is the one with the extension.
-bool may_save(const FileDialog& dialog, const std::string& typed, const std::string& path) {
-    std::error_code error;
-    if (path == typed || !std::filesystem::exists(path, error)) return true;
-    constexpr int REPLACE = 1; // Enter keeps the file
-    return platform().dialogs().choose(dialog.title,
-                                       path + " already exists. Do you want to replace it?",
-                                       {"&No", "&Yes"}) == REPLACE;
-}
+using FileAnswer = std::function<void(std::optional<FileChoice>)>;
 
-/// Asks until there is a file that may be replaced, or none at all.
-std::optional<FileChoice> choose_to_save(FileDialog dialog) {
-    for (;;) {
-        auto choice = platform().dialogs().choose_file(dialog);
-        if (!choice) return choice;
+/// Asks until there is a file that may be replaced, or none at all. The dialog asks before a file
+/// is replaced, but it may have asked about the name that was typed while the file is the one with
+/// the extension.
+void choose_to_save(FileDialog dialog, FileAnswer done) {
+    ask_for_file(dialog, [dialog, done = std::move(done)](std::optional<FileChoice> choice) {
+        if (!choice) return done(choice);
         const std::string typed = choice->path;
         choice->path =
             with_extension(typed, dialog.filters[size_t(choice->filter_index)].extension);
-        if (may_save(dialog, typed, choice->path)) return choice;
-        dialog.filter_index = choice->filter_index;
-        for (size_t n = 0; n < dialog.fields.size(); ++n) {
-            dialog.fields[n].text = choice->field_texts[n];
+        std::error_code error;
+        if (choice->path == typed || !std::filesystem::exists(choice->path, error)) {
+            return done(choice);
         }
-    }
+        const auto answered = [dialog, choice, done](int answer) mutable {
+            constexpr int REPLACE = 1; // Enter keeps the file
+            if (answer == REPLACE) return done(choice);
+            dialog.filter_index = choice->filter_index;
+            for (size_t n = 0; n < dialog.fields.size(); ++n) {
+                dialog.fields[n].text = choice->field_texts[n];
+            }
+            choose_to_save(dialog, done);
+        };
+        ask(dialog.title, choice->path + " already exists. Do you want to replace it?",
+            {"&No", "&Yes"}, answered);
+    });
 }
 
 std::string file_url(const std::string& path) {
@@ -146,46 +151,50 @@ std::string manual_url() {
 
 } // namespace
 
-int ui_select_file(int type, std::string* path) {
+void ui_select_file(int type, PathChoice done) {
     const auto found = dialog_types().find(type);
-    if (found == dialog_types().end()) return 0;
+    if (found == dialog_types().end()) return done({});
     const auto& [title, filters] = found->second;
     const bool save = !filters.front().extension.empty();
     const bool with_panel = type == DIALOG_MEMORY_AS_CAS;
-    int& filter = filter_index[size_t(type)];
-    FileDialog dialog = {title, filters, filter, save,
+    FileDialog dialog = {title, filters, filter_index[size_t(type)], save,
                          with_panel ? address_panel() : std::vector<FileDialogField>()};
     if (const auto offered = offered_filters.find(type); offered != offered_filters.end()) {
         dialog.filters.insert(dialog.filters.end() - 1, offered->second);
     }
-    const auto choice = save ? choose_to_save(dialog) : platform().dialogs().choose_file(dialog);
-    if (!choice) return 0;
-    if (with_panel) std::copy_n(choice->field_texts.begin(), sMyData.size(), sMyData.begin());
-    filter = choice->filter_index;
-    *path = choice->path;
-    if (!save) StatusBarText("Image attached: %s.", path->c_str());
-    return 1;
+    const auto chosen = [=, done = std::move(done)](const std::optional<FileChoice>& choice) {
+        if (!choice) return done({});
+        if (with_panel) std::copy_n(choice->field_texts.begin(), sMyData.size(), sMyData.begin());
+        filter_index[size_t(type)] = choice->filter_index;
+        if (!save) StatusBarText("Image attached: %s.", choice->path.c_str());
+        done(choice->path);
+    };
+    save ? choose_to_save(dialog, chosen) : ask_for_file(dialog, chosen);
 }
 
 void ui_offer_filter(int type, const FileFilter& filter) { offered_filters[type] = filter; }
 
-void ui_show_text(const std::string& title, const std::string& text) {
+void ui_show_text(const std::string& title, const std::string& text, std::function<void()> done) {
     using enum ControlKind;
     enum Control : int { CLOSE = 1, TEXT = 2 };
     const FormDescription form = {
         title,
         {{.kind = text_view, .id = TEXT, .text = text, .name = title},
          {.kind = buttons, .children = {{.kind = default_button, .id = CLOSE, .text = "Close"}}}}};
-    platform().forms().create(form, [](Form&, const FormEvent&) {})->run();
+    run_form(platform().forms().create(form, [](Form&, const FormEvent&) {}),
+             [done = std::move(done)](int) {
+                 if (done) done();
+             });
 }
 
 void ui_get_casdata(std::array<std::string, 3>* addresses) { *addresses = sMyData; }
 
 void ui_about_dialog() {
+    hold_shell();
     platform().dialogs().about("About Tarvelin",
                                {"Tarvelin", "EACA EG2000 Colour Genie emulator",
                                 std::string("Version ") + TARVELIN_VERSION},
-                               "User manual", manual_url());
+                               "User manual", manual_url(), release_shell);
 }
 
 void ui_copy_to_clipboard() { platform().clipboard().set_text(screen_text("\r\n")); }

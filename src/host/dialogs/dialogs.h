@@ -4,6 +4,8 @@
 #include "platform/dialogs.h"
 
 #include <array>
+#include <functional>
+#include <optional>
 #include <string>
 
 /// Numbers of the file dialogs. 0 to 7 open a file, 9 to 16 save one.
@@ -26,14 +28,19 @@ enum FileDialogType : int {
     DIALOG_SAVE_DISK = 16
 };
 
-/// Shows the file dialog of the type. 1 with the chosen path, 0 when cancelled. The name of a file
-/// to save gets the type's extension when it has no point; an existing file is only chosen when the
+/// Every dialog hands its answer over before the call returns or later; the shell is held until
+/// then.
+
+using PathChoice = std::function<void(const std::optional<std::string>& path)>;
+/// Shows the file dialog of the type. Nothing is chosen when it is cancelled. The name of a file to
+/// save gets the type's extension when it has no point; an existing file is only chosen when the
 /// user agrees that it is replaced.
-int ui_select_file(int type, std::string* path);
+void ui_select_file(int type, PathChoice done);
 /// From here on the dialogs of this type have another filter in front of that for all files.
 void ui_offer_filter(int type, const FileFilter& filter);
 /// Shows lines of text in a box of their own.
-void ui_show_text(const std::string& title, const std::string& text);
+void ui_show_text(const std::string& title, const std::string& text,
+                  std::function<void()> done = {});
 /// From, end and start address of the address panel, as typed.
 void ui_get_casdata(std::array<std::string, 3>* addresses);
 /// Name, version, and the link to the user manual: beside the program in its place of installation,
@@ -41,14 +48,15 @@ void ui_get_casdata(std::array<std::string, 3>* addresses);
 void ui_about_dialog();
 /// The text screen to the host's clipboard, rows ended by CR LF.
 void ui_copy_to_clipboard();
-/// Chooses the model or sets up the user's own configuration, and applies it on OK.
-void ui_machine_config();
+/// Chooses the model or sets up the user's own configuration, and applies it on OK. `done` either
+/// way.
+void ui_machine_config(std::function<void()> done);
 /// Opens the video setup beside the main window, or brings it to the front. The picture follows it
 /// at once.
 void ui_display_setup();
 /// Frees the forms that stay between two showings; before the platform ends.
 void ui_free_forms();
-/// Asks for an address and arms the breakpoint there. 0 when cancelled.
-int ui_machine_set_breakpoint();
-/// 1 on OK, with the level.
-int ui_tape_adjust_head(int* level);
+/// Asks for an address and arms the breakpoint there; `done` when that has happened.
+void ui_machine_set_breakpoint(std::function<void()> done);
+/// Shows the level; `done` gets the one that is chosen, or this one again.
+void ui_tape_adjust_head(int level, std::function<void(int level)> done);

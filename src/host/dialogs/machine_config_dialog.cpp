@@ -1,6 +1,7 @@
 #include "cgenie/memory/memory.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"
+#include "host/dialogs/ask.h"
 #include "host/dialogs/dialogs.h"
 #include "host/prefs.h"
 #include "platform/platform.h"
@@ -206,14 +207,16 @@ void choose_rom(Form& form, const RomChoice& rom) {
     enable_file(form, rom, true);
 }
 
+/// The form stays as long as the dialog over it.
 void browse(Form& form, const RomChoice& rom) {
-    std::string path;
-    if (!ui_select_file(DIALOG_SELECT_ROM, &path)) return;
-    if (path.size() > LONGEST_TEXT) {
-        return report({.text = path + ": the path is longer than " + std::to_string(LONGEST_TEXT) +
-                               " characters"});
-    }
-    form.set_text(rom.path, path);
+    ui_select_file(DIALOG_SELECT_ROM, [&form, &rom](const std::optional<std::string>& path) {
+        if (!path) return;
+        if (path->size() > LONGEST_TEXT) {
+            return report({.text = *path + ": the path is longer than " +
+                                   std::to_string(LONGEST_TEXT) + " characters"});
+        }
+        form.set_text(rom.path, *path);
+    });
 }
 
 void user_acts(Form& form, const FormEvent& event) {
@@ -274,10 +277,13 @@ void take_over(Form& form) {
 
 } // namespace
 
-void ui_machine_config() {
+void ui_machine_config(std::function<void()> done) {
     start_with_present_state();
-    const auto form = platform().forms().create(machine_form(), user_acts);
+    const std::shared_ptr<Form> form = platform().forms().create(machine_form(), user_acts);
     show_choices(*form);
     show_configuration(*form);
-    if (form->run() == MACHINE_OK) take_over(*form);
+    run_form(form, [form, done = std::move(done)](int button) {
+        if (button == MACHINE_OK) take_over(*form);
+        done();
+    });
 }

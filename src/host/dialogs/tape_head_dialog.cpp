@@ -1,6 +1,10 @@
+#include "host/dialogs/ask.h"
 #include "host/dialogs/dialogs.h"
 #include "media/tape_audio.h"
 #include "platform/platform.h"
+
+#include <memory>
+#include <utility>
 
 namespace {
 
@@ -44,13 +48,15 @@ void show_slider_position(Form& form, const FormEvent& event) {
 
 } // namespace
 
-int ui_tape_adjust_head(int* level) {
-    const auto form = platform().forms().create(tape_head_form(), show_slider_position);
-    form->set_value(TAPE_HEAD_SLIDER, *level);
-    form->set_number(TAPE_HEAD_EDIT, uint32_t(*level));
+void ui_tape_adjust_head(int level, std::function<void(int)> done) {
+    const std::shared_ptr<Form> form =
+        platform().forms().create(tape_head_form(), show_slider_position);
+    form->set_value(TAPE_HEAD_SLIDER, level);
+    form->set_number(TAPE_HEAD_EDIT, uint32_t(level));
     form->set_value(TAPE_HEAD_INVERT, tape_is_signal_inverted());
-    if (form->run() != TAPE_HEAD_OK) return 0;
-    *level = int(form->number(TAPE_HEAD_EDIT) % LEVELS);
-    tape_set_signal_invert(form->value(TAPE_HEAD_INVERT));
-    return 1;
+    run_form(form, [form, level, done = std::move(done)](int button) {
+        if (button != TAPE_HEAD_OK) return done(level);
+        tape_set_signal_invert(form->value(TAPE_HEAD_INVERT));
+        done(int(form->number(TAPE_HEAD_EDIT) % LEVELS));
+    });
 }

@@ -63,10 +63,12 @@ Event quit_event(int exit_code) {
 
 class HeadlessEvents final : public Events {
 public:
-    explicit HeadlessEvents(HeadlessClock& clock) : clock_(clock) {}
+    HeadlessEvents(HeadlessClock& clock, HeadlessAnswers& answers)
+        : clock_(clock), answers_(answers) {}
 
     void set_sink(EventSink& given) override { sink = &given; }
     Event poll() override {
+        answers_.deliver();
         if (stop_signal) return quit_event(SIGNAL_STATUS + stop_signal);
         if (waiting.empty()) return {};
         Event event = std::move(waiting.front());
@@ -76,7 +78,7 @@ public:
     /// Nothing ever comes from outside: an empty queue that is waited for is the end of the run.
     void wait(int64_t microseconds) override {
         if (microseconds != NO_LIMIT) return clock_.sleep(microseconds);
-        if (waiting.empty()) waiting.push_back(quit_event(0));
+        if (waiting.empty() && answers_.waiting.empty()) waiting.push_back(quit_event(0));
     }
     void post_quit(int exit_code) override {
         quit_posted = true;
@@ -90,6 +92,7 @@ public:
 
 private:
     HeadlessClock& clock_;
+    HeadlessAnswers& answers_;
 };
 
 class HeadlessPaths final : public Paths {
@@ -116,9 +119,10 @@ struct HeadlessPlatform::State {
     HeadlessClipboard clipboard;
     HeadlessClock clock;
     HeadlessAudio audio{[this] { return clock.now(); }};
-    HeadlessDialogs dialogs;
-    HeadlessEvents events{clock};
-    HeadlessForms forms;
+    HeadlessAnswers answers;
+    HeadlessDialogs dialogs{answers};
+    HeadlessEvents events{clock, answers};
+    HeadlessForms forms{answers};
     HeadlessJoysticks joysticks;
     HeadlessKeyboard keyboard;
     HeadlessPaths paths;
@@ -160,6 +164,7 @@ void HeadlessPlatform::push_event(Event event) {
     state_->events.waiting.push_back(std::move(event));
 }
 EventSink& HeadlessPlatform::sink() { return *state_->events.sink; }
+void HeadlessPlatform::answer_later(bool on) { state_->answers.later = on; }
 bool HeadlessPlatform::quit_posted() const { return state_->events.quit_posted; }
 HeadlessSettings& HeadlessPlatform::settings_in_memory() { return state_->settings; }
 const std::string& HeadlessPlatform::title() const { return state_->window.caption; }

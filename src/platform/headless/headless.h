@@ -57,6 +57,8 @@ public:
     void release_all_keys();
     void push_event(Event event);
     EventSink& sink(); ///< once the program has given one
+    /// Dialogs return at once, and each answer comes with the next look for messages.
+    void answer_later(bool on);
     bool quit_posted() const;
     HeadlessSettings& settings_in_memory(); ///< unused while there is a settings file
     const std::string& title() const;

@@ -25,26 +25,46 @@ void fill_fields(const std::vector<FileDialogField>& fields, std::vector<std::st
 
 } // namespace
 
-void HeadlessDialogs::message(const std::string& title, const std::string& text, MessageIcon icon) {
+void HeadlessAnswers::give(std::function<void()> answer) {
+    if (!later) return answer();
+    waiting.push_back(std::move(answer));
+}
+
+bool HeadlessAnswers::deliver() {
+    if (waiting.empty()) return false;
+    const auto answer = std::move(waiting.front());
+    waiting.pop_front();
+    answer();
+    return true;
+}
+
+void HeadlessDialogs::message(const std::string& title, const std::string& text, MessageIcon icon,
+                              std::function<void()> done) {
     messages.push_back({title, text, icon});
+    answers_.give(std::move(done));
 }
 
-int HeadlessDialogs::choose(const std::string& title, const std::string& text,
-                            const std::vector<std::string>& offered) {
+void HeadlessDialogs::choose(const std::string& title, const std::string& text,
+                             const std::vector<std::string>& offered,
+                             std::function<void(int)> done) {
     questions.push_back({title, text, MessageIcon::none, offered});
-    return next_answer(answers, NO_ANSWER);
+    answers_.give(
+        [done = std::move(done), answer = next_answer(answers, NO_ANSWER)] { done(answer); });
 }
 
-std::optional<FileChoice> HeadlessDialogs::choose_file(const FileDialog& dialog) {
+void HeadlessDialogs::choose_file(const FileDialog& dialog,
+                                  std::function<void(std::optional<FileChoice>)> done) {
     file_dialogs.push_back(dialog);
     auto choice = next_answer<std::optional<FileChoice>>(choices, {});
     if (choice) fill_fields(dialog.fields, choice->field_texts);
-    return choice;
+    answers_.give([done = std::move(done), choice = std::move(choice)] { done(choice); });
 }
 
 void HeadlessDialogs::about(const std::string& title, const std::vector<std::string>& lines,
-                            const std::string& link, const std::string& target) {
+                            const std::string& link, const std::string& target,
+                            std::function<void()> done) {
     abouts.push_back({title, lines, link, target});
+    answers_.give(std::move(done));
 }
 
 bool HeadlessClipboard::set_text(const std::string& text) {

@@ -6,6 +6,7 @@
 #include "platform/dialogs.h"
 
 #include <deque>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -24,13 +25,29 @@ struct HeadlessAbout {
     std::string target;
 };
 
+/// When the answers of dialogs and modal forms come.
+struct HeadlessAnswers {
+    /// Hands an answer over: now, or in `later` mode when the program asks for messages next.
+    void give(std::function<void()> answer);
+    /// The next one that waits; false without one.
+    bool deliver();
+
+    bool later = false; ///< set by the driver
+    std::deque<std::function<void()>> waiting;
+};
+
 struct HeadlessDialogs final : public Dialogs {
-    void message(const std::string& title, const std::string& text, MessageIcon icon) override;
-    int choose(const std::string& title, const std::string& text,
-               const std::vector<std::string>& offered) override;
-    std::optional<FileChoice> choose_file(const FileDialog& dialog) override;
+    explicit HeadlessDialogs(HeadlessAnswers& given) : answers_(given) {}
+
+    void message(const std::string& title, const std::string& text, MessageIcon icon,
+                 std::function<void()> done) override;
+    void choose(const std::string& title, const std::string& text,
+                const std::vector<std::string>& offered, std::function<void(int)> done) override;
+    void choose_file(const FileDialog& dialog,
+                     std::function<void(std::optional<FileChoice>)> done) override;
     void about(const std::string& title, const std::vector<std::string>& lines,
-               const std::string& link, const std::string& target) override;
+               const std::string& link, const std::string& target,
+               std::function<void()> done) override;
 
     /// Answers, the next one in front. Without one a question has no answer and a file dialog is
     /// cancelled. Fields that a choice has no text for keep theirs.
@@ -40,6 +57,9 @@ struct HeadlessDialogs final : public Dialogs {
     std::vector<HeadlessMessage> messages, questions;
     std::vector<FileDialog> file_dialogs;
     std::vector<HeadlessAbout> abouts;
+
+private:
+    HeadlessAnswers& answers_;
 };
 
 struct HeadlessClipboard final : public Clipboard {

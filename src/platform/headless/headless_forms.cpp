@@ -110,17 +110,18 @@ void HeadlessForm::set_enabled(int id, bool enabled) {
     if (Control* control = find(id)) control->enabled = enabled;
 }
 
-int HeadlessForm::run() {
+void HeadlessForm::run(std::function<void(int)> done) {
     open_ = true;
     closing_id_ = FORM_CLOSED;
-    while (open_ && !forms_.acts.empty()) {
-        const auto act = std::move(forms_.acts.front());
-        forms_.acts.pop_front();
-        act(*this);
-    }
-    if (open_) press_escape();
-    open_ = false;
-    return closing_id_;
+    forms_.answers.give([this, done = std::move(done)] {
+        while (open_ && !forms_.acts.empty()) {
+            const auto act = std::move(forms_.acts.front());
+            forms_.acts.pop_front();
+            act(*this);
+        }
+        if (open_) press_escape();
+        done(closing_id_);
+    });
 }
 
 bool HeadlessForm::user_reaches(int id) { return open_ && is_enabled(id); }

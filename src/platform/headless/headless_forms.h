@@ -3,6 +3,7 @@
 /// that are still to come, and acts at once on forms that are open.
 
 #include "platform/forms.h"
+#include "platform/headless/headless_dialogs.h"
 
 #include <deque>
 #include <map>
@@ -25,7 +26,7 @@ public:
     void set_items(int id, const std::vector<std::string>& items) override;
     bool is_enabled(int id) override;
     void set_enabled(int id, bool enabled) override;
-    int run() override;
+    void run(std::function<void(int)> done) override;
     void show() override { open_ = true; }
     void close() override { open_ = false; }
     bool is_open() override { return open_; }
@@ -63,6 +64,8 @@ private:
 };
 
 struct HeadlessForms final : public Forms {
+    explicit HeadlessForms(HeadlessAnswers& given) : answers(given) {}
+
     std::unique_ptr<Form> create(const FormDescription& description, FormHandler handler) override;
     /// The form with the title that was made last; nullptr without one.
     HeadlessForm* find(const std::string& title);
@@ -71,4 +74,5 @@ struct HeadlessForms final : public Forms {
     /// cancelled.
     std::deque<std::function<void(HeadlessForm& form)>> acts;
     std::vector<HeadlessForm*> forms;
+    HeadlessAnswers& answers;
 };

@@ -76,16 +76,29 @@ std::vector<QLineEdit*> add_fields(QFileDialog& box, const std::vector<FileDialo
 
 } // namespace
 
-void QtDialogs::message(const std::string& title, const std::string& text, MessageIcon icon) {
-    if (signals_.ending()) return;
-    QMessageBox box(icon_of(icon), to_qt(title), message_text(text), QMessageBox::Ok,
-                    window_.owner());
-    box.setTextFormat(Qt::PlainText);
-    box.exec();
+void QtDialogs::message(const std::string& title, const std::string& text, MessageIcon icon,
+                        std::function<void()> done) {
+    if (!signals_.ending()) {
+        QMessageBox box(icon_of(icon), to_qt(title), message_text(text), QMessageBox::Ok,
+                        window_.owner());
+        box.setTextFormat(Qt::PlainText);
+        box.exec();
+    }
+    done();
 }
 
-int QtDialogs::choose(const std::string& title, const std::string& text,
-                      const std::vector<std::string>& answers) {
+void QtDialogs::choose(const std::string& title, const std::string& text,
+                       const std::vector<std::string>& answers, std::function<void(int)> done) {
+    done(ask(title, text, answers));
+}
+
+void QtDialogs::choose_file(const FileDialog& dialog,
+                            std::function<void(std::optional<FileChoice>)> done) {
+    done(ask_for_file(dialog));
+}
+
+int QtDialogs::ask(const std::string& title, const std::string& text,
+                   const std::vector<std::string>& answers) {
     if (signals_.ending()) return NO_ANSWER;
     QMessageBox box(QMessageBox::Question, to_qt(title), message_text(text), QMessageBox::NoButton,
                     window_.owner());
@@ -105,7 +118,7 @@ int QtDialogs::choose(const std::string& title, const std::string& text,
     return chosen == buttons.end() ? NO_ANSWER : int(chosen - buttons.begin());
 }
 
-std::optional<FileChoice> QtDialogs::choose_file(const FileDialog& dialog) {
+std::optional<FileChoice> QtDialogs::ask_for_file(const FileDialog& dialog) {
     if (signals_.ending()) return std::nullopt;
     QWidget* form = QApplication::activeModalWidget(); // a form's button may have asked for it
     QFileDialog box(form ? form : window_.owner(), to_qt(dialog.title));
@@ -138,7 +151,8 @@ std::optional<FileChoice> QtDialogs::choose_file(const FileDialog& dialog) {
 }
 
 void QtDialogs::about(const std::string& title, const std::vector<std::string>& lines,
-                      const std::string& link, const std::string& target) {
+                      const std::string& link, const std::string& target,
+                      std::function<void()> done) {
     QDialog box(window_.owner());
     box.setWindowTitle(to_qt(title));
     QLabel picture;
@@ -166,4 +180,5 @@ void QtDialogs::about(const std::string& title, const std::vector<std::string>& 
     box.setLayout(&layout);
     buttons.button(QDialogButtonBox::Ok)->setFocus();
     box.exec();
+    done();
 }

@@ -72,7 +72,7 @@ public:
     void set_items(int id, const std::vector<std::string>& items) override;
     bool is_enabled(int id) override;
     void set_enabled(int id, bool enabled) override;
-    int run() override;
+    void run(std::function<void(int)> done) override;
     void show() override;
     void close() override { dialog_.hide(); }
     bool is_open() override { return dialog_.isVisible(); }
@@ -383,11 +383,11 @@ void QtForm::set_enabled(int id, bool enabled) {
     if (auto* widget = control<QWidget>(id)) widget->setEnabled(enabled);
 }
 
-int QtForm::run() {
+void QtForm::run(std::function<void(int)> done) {
     closing_id_ = FORM_CLOSED;
     focus_first();
     dialog_.exec();
-    return closing_id_;
+    done(closing_id_);
 }
 
 void QtForm::show() {

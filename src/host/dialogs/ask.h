@@ -1,0 +1,20 @@
+#pragma once
+/// The platform's dialogs as the shell opens them: it is held until they are answered.
+
+#include "platform/dialogs.h"
+#include "platform/forms.h"
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+/// See Dialogs::choose.
+void ask(const std::string& title, const std::string& text, const std::vector<std::string>& answers,
+         std::function<void(int answer)> done);
+/// See Dialogs::choose_file.
+void ask_for_file(const FileDialog& dialog, std::function<void(std::optional<FileChoice>)> done);
+/// See Dialogs::message.
+void show_message(const std::string& title, const std::string& text, MessageIcon icon);
+/// See Form::run. The form lives until `done` has been called.
+void run_form(const std::shared_ptr<Form>& form, std::function<void(int closing_id)> done);
