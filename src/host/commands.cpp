@@ -291,15 +291,12 @@ void rewind_tape() {
 
 void adjust_head() { ui_tape_adjust_head(tape_get_compare_level(), tape_set_compare_level); }
 
-int get_ui_save_tape_filename(std::string* path) {
-    const auto chosen = std::make_shared<std::optional<std::string>>();
-    ui_select_file(DIALOG_SAVE_CAS, [chosen](const std::optional<std::string>& given) {
-        if (given) tell_recording(*given);
-        *chosen = given;
+void get_ui_save_tape_filename(const PathChoice& done) {
+    ui_select_file(DIALOG_SAVE_CAS, [done](const std::optional<std::string>& path) {
+        if (path) tell_recording(*path);
+        reset_timer();
+        done(path);
     });
-    reset_timer();
-    if (*chosen) *path = **chosen;
-    return chosen->has_value();
 }
 
 void save_memory_as_cas(const std::string& path) {

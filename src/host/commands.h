@@ -1,6 +1,7 @@
 #pragma once
 /// The command layer: what menu commands, accelerators and keys do.
 
+#include "host/dialogs/dialogs.h"
 #include "platform/events.h"
 
 #include <string>
@@ -20,8 +21,8 @@ void start_sound_recording(const std::string& path);
 /// The program counter has reached the armed breakpoint. 1 when the machine is to stand there, 0
 /// when it is to go on.
 int host_breakpoint_reached();
-/// Asks for the name of a cassette image to save to; 1 when there is one.
-int get_ui_save_tape_filename(std::string* path);
+/// Asks for the name of a cassette image to save to; nothing when there is none.
+void get_ui_save_tape_filename(const PathChoice& done);
 
 // What the rows of the command table do. "Switched": the row's flag has just been toggled.
 

@@ -8,19 +8,19 @@
 namespace {
 
 save_answer answer = SAVE_NOT_YET;
+bool asking = false; ///< the dialog is open
 
 } // namespace
 
 save_answer take_save_answer() { return std::exchange(answer, SAVE_NOT_YET); }
 
 bool ask_save_question() {
-    std::string path;
-    const bool chosen = get_ui_save_tape_filename(&path) != 0;
-    answer_save_question(chosen ? &path : nullptr);
-    return true;
+    if (!std::exchange(asking, true)) get_ui_save_tape_filename(answer_save_question);
+    return answer != SAVE_NOT_YET;
 }
 
-void answer_save_question(const std::string* path) {
+void answer_save_question(const std::optional<std::string>& path) {
+    asking = false;
     if (!path || path->empty()) {
         answer = SAVE_REFUSED;
     } else {

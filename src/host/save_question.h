@@ -4,11 +4,13 @@
 
 #include "wall/machine_host.h"
 
+#include <optional>
 #include <string>
 
 /// The machine's callback: the answer, once there is one.
 save_answer take_save_answer();
-/// Puts the question to the user, by the dialog of saved tapes; true when it is answered.
+/// Puts the question to the user, by the dialog of saved tapes; true when it is answered already.
+/// Otherwise the shell is held until it is, and the machine goes on with the next frame.
 bool ask_save_question();
-/// The user's answer: a file to be made, or none (null, or an empty name).
-void answer_save_question(const std::string* path);
+/// The user's answer: a file to be made, or none (nothing, or an empty name).
+void answer_save_question(const std::optional<std::string>& path);

@@ -4,6 +4,7 @@
 #include "host/shell_state.h"
 
 #include <functional>
+
 /// Start-up, message loop, shutdown. Returns the exit code.
 int run_shell(const ShellOptions& options);
 

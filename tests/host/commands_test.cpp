@@ -361,13 +361,6 @@ TEST_F(CommandsTest, MediaAreTakenOut) {
     main_disk_image_attach(0, "");
     EXPECT_EQ(host->status_text(3), "before");
     EXPECT_TRUE(host->dialogs().questions.empty());
-
-    std::string name;
-    EXPECT_EQ(get_ui_save_tape_filename(&name), 0);
-    choose("tape");
-    EXPECT_EQ(get_ui_save_tape_filename(&name), 1);
-    EXPECT_EQ(name, "tape.cas");
-    EXPECT_EQ(host->dialogs().file_dialogs.back().title, "Save CAS tape file under name...");
 }
 
 TEST_F(CommandsTest, CassetteImages) {
@@ -394,8 +387,17 @@ TEST_F(CommandsTest, CassetteImages) {
     tape_write_one_byte(0xAA);
     EXPECT_EQ(read_file("saved.cas"), std::vector<uint8_t>{0xAA});
     EXPECT_EQ(pacing.ticks, 0) << "the dialog took its time";
+    host->answer_later(true);
+    choose("late");
+    EXPECT_EQ(tape_create_cas(), SAVE_NOT_YET);
+    EXPECT_FALSE(ask_save_question() || ask_save_question()) << "one dialog";
+    EXPECT_EQ(shell_turn().next, ShellTurn::Next::now) << "with the answer";
+    EXPECT_EQ(tape_create_cas(), SAVE_READY);
+    EXPECT_EQ(host->dialogs().file_dialogs.back().title, "Save CAS tape file under name...");
+    EXPECT_EQ(tape_get_cas_name(), "late.cas");
+    host->answer_later(false);
     save(); // cancelled
-    EXPECT_EQ(tape_get_cas_name(), "saved.cas");
+    EXPECT_EQ(tape_get_cas_name(), "late.cas");
     tape_detach_cas();
 
     mem_write_word(0x40A4, 0x5000); // the BASIC program
