@@ -137,23 +137,6 @@ TEST_F(Traps, BytesComeFromTheTape) {
     EXPECT_EQ(a(), 'o') << "the byte routine does not skip";
 }
 
-TEST_F(Traps, BytesGoToTheTape) {
-    fake_host.save_path = PATH;
-    run_at(0x023F);
-    std::string want;
-    for (int count = z80_state.bc >> 8; count > 0; --count) want += '\xAA';
-    want += "\x66G";
-    for (const char byte : want) {
-        z80_state.af = uint16_t(uint8_t(byte) << 8);
-        z80_state.pc = 0x0221;
-        z80_run(0);
-    }
-    EXPECT_EQ(read_text(PATH), want);
-    EXPECT_EQ(want.size(), 257U);
-    char name = '-';
-    EXPECT_EQ(tape_cas_type(&name), TAPE_BASIC);
-}
-
 TEST_F(Traps, ASaveWaitsForItsAnswer) {
     fake_host.save_path = PATH;
     for (const int engine : {0, 1}) {
