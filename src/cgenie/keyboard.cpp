@@ -11,8 +11,6 @@ constexpr unsigned COLUMNS = 8;
 constexpr unsigned ROW_SHIFT = 7;
 constexpr uint8_t COLUMN_SHIFT = 1 << 0;
 
-constexpr int MAPPING_SYMBOLIC = 1;
-
 /// A program looks at row 7 right behind a key's own row, some of them more than once.
 constexpr uint8_t SHIFT_READS = 3;
 

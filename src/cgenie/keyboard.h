@@ -4,6 +4,8 @@
 
 #include <cstdint>
 
+constexpr int MAPPING_SYMBOLIC = 1; ///< of keyboard_change_mapping
+
 /// Column byte of the row that the lowest set bit of `address_low` selects; 0 when no bit is set.
 /// Rows never combine.
 uint8_t keyboard_read(uint8_t address_low);

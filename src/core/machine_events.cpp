@@ -46,11 +46,11 @@ std::vector<uint8_t> copy_of(const machine_event& event) {
     return {event.bytes.view().begin(), event.bytes.view().end()};
 }
 
-void configure(const machine_event& event) {
+void choose(const machine_event& event) {
     const auto choice = record_of<machine_choice>(event);
     machine_cfg[CUSTOM_CONFIGURATION] = choice.custom;
     active_machine_cfg = choice.active;
-    machine_change_cfg(machine_cfg[active_machine_cfg], event.a);
+    if (event.a) machine_run_now.disk_rom = 0;
 }
 
 void poke(const machine_event& event) {
@@ -58,9 +58,16 @@ void poke(const machine_event& event) {
     for (const uint8_t byte : event.bytes.view()) mem_write(address++, byte);
 }
 
-void type_text(const machine_event& event) {
-    memory_place_bas_trap();
-    keyboard_open_from_bytes(event.bytes);
+int load_module(const machine_event& event) {
+    uint16_t entry = 0;
+    const int complete = load_cmd(event.bytes.view(), &entry);
+    if (event.a) z80_state.pc = entry;
+    return complete;
+}
+
+void start_again() {
+    z80_state.pc = 0;
+    machine_run_now.prompt_reached = 0;
 }
 
 void switch_board(int on) {
@@ -73,29 +80,33 @@ void switch_board(int on) {
 
 int perform(const machine_event& event) {
     const int32_t a = event.a;
-    const auto bytes = event.bytes.view();
-    uint16_t entry = 0;
     switch (event.kind) {
     case event_kind::reset: machine_reset(); break;
     case event_kind::restart: machine_restart(); break;
     case event_kind::restart_with_disk_rom: machine_restart_with_disk_rom(); break;
-    case event_kind::configure: configure(event); break;
+    case event_kind::choose: choose(event); break;
+    case event_kind::configure: machine_change_cfg(machine_cfg[a], event.b); break;
+    case event_kind::startup_pattern: memory_set_startup_pattern(uint32_t(a)); break;
     case event_kind::main_clock: machine_set_main_clock(uint32_t(a)); break;
     case event_kind::engine: g_bCycleBasedEngine = a != 0; break;
     case event_kind::clean_sound: ym2149_clean = a != 0; break;
     case event_kind::start_sound: sound_init(); break;
     case event_kind::reset_sound: sound_reset(); break;
     case event_kind::key_mapping: keyboard_change_mapping(a); break;
+    case event_kind::key_reset: keyboard_reset(); break;
     case event_kind::graphics_board: switch_board(a); break;
-    case event_kind::type_text: type_text(event); break;
+    case event_kind::type_text: keyboard_open_from_bytes(event.bytes); break;
+    case event_kind::typing_trap: memory_place_bas_trap(); break;
     case event_kind::stop_typing: keyboard_type_reset(); break;
+    case event_kind::start_again: start_again(); break;
     case event_kind::go_to: z80_state.pc = uint16_t(a); break;
     case event_kind::poke: poke(event); break;
-    case event_kind::load_module: return load_cmd(bytes, &entry);
-    case event_kind::snapshot: return snapshot_unpack(bytes, memory_get_ram());
+    case event_kind::load_module: return load_module(event);
+    case event_kind::snapshot: return snapshot_unpack(event.bytes.view(), memory_get_ram());
     case event_kind::tape_moves: tape_update_counter(z80_state.t_count); break;
     case event_kind::tape_in: tape_put_in(event.bytes); break;
     case event_kind::tape_out: tape_take_out(); break;
+    case event_kind::tape_make_room: tape_make_room(); break;
     case event_kind::tape_rewind: tape_rewind(); break;
     case event_kind::tape_motor: tape_set_motor(a, z80_state.t_count); break;
     case event_kind::tape_level: tape_set_compare_level(a); break;
@@ -106,6 +117,7 @@ int perform(const machine_event& event) {
     case event_kind::tape_traps: tape_place_traps(rom_pointer()); break;
     case event_kind::printer: printer_enabled = a != 0; break;
     case event_kind::printer_file: printer_set_open(a); break;
+    case event_kind::printer_reset: printer_reset(); break;
     case event_kind::disk_in: return wd1771_attach(unsigned(a), copy_of(event), event.b != 0);
     case event_kind::disk_out: wd1771_detach(unsigned(a)); break;
     case event_kind::disk_replace: wd1771_replace(unsigned(a), copy_of(event)); break;

@@ -15,23 +15,29 @@ enum class event_kind : uint8_t {
     reset,                 ///< the reset key
     restart,               ///< as after switching off and on
     restart_with_disk_rom, ///< the same, with the disk ROM in
-    configure,             ///< the bytes of a machine_choice; with `a` the machine restarts cold
+    choose,                ///< the bytes of a machine_choice; with `a` the disk ROM is out again
+    configure,             ///< configuration `a`; with `b` the machine restarts cold
+    startup_pattern,       ///< `a` as memory_set_startup_pattern takes it
     main_clock,            ///< `a` Hz
     engine,                ///< `a`: 1 the beam engine, 0 the line engine; between frames only
     clean_sound,           ///< `a`: on or off
     start_sound,           ///< an empty fragment
     reset_sound,           ///< every source of sound at rest
     key_mapping,           ///< `a` as keyboard_change_mapping takes it
+    key_reset,             ///< no key is pressed
     graphics_board,        ///< `a`: connected or not
-    type_text,             ///< the bytes, from the machine's next look at its keyboard on
+    type_text,             ///< the bytes, once the typing trap is in the ROM
+    typing_trap,           ///< puts it in
     stop_typing,
+    start_again, ///< the processor at its start, with RAM as it is
     go_to,       ///< the processor goes on at the address `a`
     poke,        ///< the bytes at the address `a`, as the processor would write them
-    load_module, ///< the bytes of a load module
+    load_module, ///< the bytes of a load module; with `a` the processor goes on at its entry
     snapshot,    ///< the bytes of a snapshot
     tape_moves,  ///< a paced frame has passed: the tape's sound goes on to this cycle
     tape_in,     ///< the bytes of a cassette image
     tape_out,
+    tape_make_room, ///< cassette and WAV file out, traps in
     tape_rewind,
     tape_motor,      ///< `a`: runs or not
     tape_level,      ///< `a` of the head, as tape_set_compare_level takes it
@@ -42,6 +48,7 @@ enum class event_kind : uint8_t {
     tape_traps,      ///< puts the cassette traps into the ROM
     printer,         ///< `a`: on or off
     printer_file,    ///< `a`: open or not
+    printer_reset,   ///< nothing waits to be printed, on an empty line
     disk_in,         ///< into drive `a` the bytes of an image; `b`: write-protected
     disk_out,        ///< of drive `a`
     disk_replace,    ///< in drive `a`, as if the machine had written the bytes
@@ -67,7 +74,7 @@ struct machine_event {
     uint16_t pc = 0;   ///< the same; traps take no time
 };
 
-/// Of event_kind::configure.
+/// The configuration that the user has chosen, and the one of the user's own.
 struct machine_choice {
     machine_configuration custom;
     uint32_t active;

@@ -3,6 +3,7 @@
 #include "cgenie/memory/memory.h"
 #include "cgenie/typing/typing.h"
 #include "core/machine.h"
+#include "core/machine_events.h"
 #include "core/pacing/pacing.h"
 #include "files/file_names.h"
 #include "files/whole_file.h"
@@ -45,15 +46,14 @@ void run_start_up_frames() {
 
 /// Enter answers the question of a machine that has just been switched on.
 void answer_start_question() {
-    memory_place_bas_trap();
-    keyboard_open_from_buffer("\r");
+    type_into_machine("\r");
     run_start_up_frames();
 }
 
 /// The reset key then brings any program back to BASIC.
 void boot_to_basic() {
     answer_start_question();
-    machine_reset();
+    machine_apply(event_kind::reset);
 }
 
 using Bytes = std::span<const uint8_t>;
@@ -73,9 +73,8 @@ bool bytes_are_whole(const std::string& path, Bytes bytes, std::string (*damage)
 bool start_cmd(const std::string& path, Bytes bytes) {
     // The program may call the firmware, which needs its vectors for that.
     if (g_bAutoStart && is_starting_up()) run_start_up_frames();
-    uint16_t entry = 0;
-    load_cmd(bytes, &entry);
-    if (g_bAutoStart) z80_state.pc = entry;
+    machine_apply(event_kind::load_module, g_bAutoStart, 0,
+                  shared_bytes({bytes.begin(), bytes.end()}));
     return bytes_are_whole(path, bytes, load_module_damage, path + " is damaged");
 }
 
@@ -88,10 +87,10 @@ bool start_cassette(const std::string& path, Bytes bytes) {
     const int kind = tape_cas_type(&name);
     if (!g_bAutoStart) return false;
     boot_to_basic();
-    memory_place_bas_trap();
-    if (kind == TAPE_BASIC) keyboard_open_from_buffer("\r\rCLOAD\r\rRUN\r");
+    machine_apply(event_kind::typing_trap);
+    if (kind == TAPE_BASIC) type_into_machine("\r\rCLOAD\r\rRUN\r");
     if (kind == TAPE_MACHINE_CODE) {
-        keyboard_open_from_buffer(std::string("\r\r\r\rSYSTEM\r\r") + name + "\r\r/\r");
+        type_into_machine(std::string("\r\r\r\rSYSTEM\r\r") + name + "\r\r/\r");
     }
     return bytes_are_whole(path, bytes, tape_damage, path + " is damaged");
 }
@@ -101,10 +100,7 @@ void tell_started(const std::string& path) { StatusBarText("Autoloaded: %s", pat
 bool start_disk(const std::string& path, Bytes /*bytes*/) {
     const bool control = platform().keyboard().control_is_held(); // before a question
     give_disk(0, path, [path, control](bool attached) {
-        if (control) {
-            z80_state.pc = 0;
-            machine_run_now.prompt_reached = false;
-        }
+        if (control) machine_apply(event_kind::start_again);
         if (attached) tell_started(path);
     });
     return false; // it tells by itself
@@ -114,7 +110,8 @@ bool start_snapshot(const std::string& path, Bytes bytes) {
     if (!bytes_are_whole(path, bytes, snapshot_damage, path + " is not a snapshot")) return false;
     // A snapshot does not hold what the firmware has set the picture's controller to.
     if (is_starting_up()) run_start_up_frames();
-    return snapshot_unpack(bytes, memory_get_ram()) != 0;
+    return machine_apply(event_kind::snapshot, 0, 0, shared_bytes({bytes.begin(), bytes.end()})) !=
+           0;
 }
 
 /// `keys` follow the loading of a tokenized program.
@@ -126,7 +123,7 @@ bool give_basic(const std::string& path, const std::string& keys) {
             report({.text = path + ": cannot be read"});
             return false;
         }
-        memory_place_bas_trap();
+        machine_apply(event_kind::typing_trap);
         return true;
     }
     // Without the cassette, CLOAD would wait for ever.
@@ -134,8 +131,7 @@ bool give_basic(const std::string& path, const std::string& keys) {
         tell_bad_image(path);
         return false;
     }
-    memory_place_bas_trap();
-    keyboard_open_from_buffer("\r\r\r\rCLOAD\r\r" + keys);
+    type_into_machine("\r\r\r\rCLOAD\r\r" + keys);
     return true;
 }
 

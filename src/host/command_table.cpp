@@ -5,6 +5,7 @@
 #include "cgenie/palette.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"
+#include "core/machine_events.h"
 #include "core/pacing/pacing.h"
 #include "host/autostart.h"
 #include "host/commands.h"
@@ -112,7 +113,7 @@ int64_t cycles(const Given& given) { return given.seconds * int64_t(z80_state.cl
 void apply_model(const Given& given) {
     const auto number = uint32_t(std::atoi(given.value.c_str()));
     const bool known = number >= 1 && number <= STANDARD_MODELS;
-    machine_change_cfg(machine_cfg[known ? number - 1 : 0], 1);
+    machine_apply(event_kind::configure, known ? int32_t(number) - 1 : 0, 1);
 }
 
 // ---- rows --------------------------------------------------------------------------------------
@@ -150,7 +151,7 @@ const CommandRow rows[] = {
      .line_switch = {.letter = 'g',
                      .usage = "        with the high-resolution graphics board, which changes"
                               " nothing",
-                     .obey = [](const Given&) { hires_lowe_init(); }}},
+                     .obey = [](const Given&) { machine_apply(event_kind::graphics_board, 1); }}},
     {.id = COMMAND_1BIT_DISPLAY,
      .flag = &g_1bitDisplay,
      .run = canvas_depth_switched,
@@ -238,6 +239,7 @@ const CommandRow rows[] = {
     {.id = COMMAND_CLEAN_SOUND,
      .label = "&Clean sound",
      .flag = &ym2149_clean,
+     .run = [] { machine_apply(event_kind::clean_sound, ym2149_clean); },
      .setting = {.name = "CleanSound", .initial = 0, .read = StartStep::picture}},
     {.id = COMMAND_PRINTER,
      .label = "&Enable printer (no joypad)",
@@ -368,7 +370,7 @@ const CommandRow rows[] = {
      .label = "&Reset",
      .hint = "F11",
      .keys = {{{KEY_F11, 0}}},
-     .run = machine_reset},
+     .run = [] { machine_apply(event_kind::reset); }},
     {.id = COMMAND_RESTART,
      .label = "R&estart",
      .hint = "Alt+F1",
@@ -394,7 +396,7 @@ const CommandRow rows[] = {
                      .value = Value::digits,
                      .usage = "N       standard model N, 1 to 3",
                      .obey = apply_model}},
-    {.id = COMMAND_PLACE_TRAPS, .run = [] { tape_place_traps(rom_pointer()); }},
+    {.id = COMMAND_PLACE_TRAPS, .run = [] { machine_apply(event_kind::tape_traps); }},
     {.id = COMMAND_LOWE_OFF,
      .run = [] { choose_lowe_board(false); },
      .marked = [] { return lowe.enabled == 0; }},

@@ -4,6 +4,7 @@
 #include "cgenie/keyboard.h"
 #include "cgenie/memory/memory.h"
 #include "core/machine.h"
+#include "core/machine_events.h"
 #include "core/pacing/pacing.h"
 #include "files/file_names.h"
 #include "host/autostart.h"
@@ -115,7 +116,9 @@ void pause_machine() {
     }
 }
 
-void restart_machine() { rest_shell(RESTART_WAIT, machine_restart); }
+void restart_machine() {
+    rest_shell(RESTART_WAIT, [] { machine_apply(event_kind::restart); });
+}
 
 void toggle_monitor() {
     g_bDebug = !g_bDebug;
@@ -139,20 +142,21 @@ void pacing_switched() {
     if (!g_Timer) return sound_pause();
     if (!g_bSound) return;
     sound_resume();
-    sound_reset();
+    machine_apply(event_kind::reset_sound);
 }
 
 void key_mapping_switched() {
-    keyboard_change_mapping(g_KeyMapping);
+    machine_apply(event_kind::key_mapping, g_KeyMapping);
     kept_key_mapping = g_KeyMapping;
 }
 
 void paste_from_clipboard() {
-    memory_place_bas_trap();
+    machine_apply(event_kind::typing_trap);
     gui_paste_from_clipboard();
 }
 
 void printer_switched() {
+    machine_apply(event_kind::printer, printer_enabled);
     if (printer_enabled) {
         printer_init();
     } else {
@@ -161,11 +165,7 @@ void printer_switched() {
 }
 
 void choose_lowe_board(bool on) {
-    if (on) {
-        hires_lowe_init();
-    } else {
-        hires_lowe_destroy();
-    }
+    machine_apply(event_kind::graphics_board, on);
     check_menu_item(COMMAND_LOWE_OFF, !on);
     check_menu_item(COMMAND_LOWE_ON, on);
 }
@@ -184,7 +184,7 @@ void sound_switched() {
         return sound_null_driver_init(); // the filter stays: a new recording may follow
     }
     dsound_init(SOUND_RATE);
-    sound_init();
+    machine_apply(event_kind::start_sound);
 }
 
 void start_sound_recording(const std::string& path) {
@@ -269,7 +269,7 @@ void detach_cas() {
 }
 
 void close_wav() {
-    tape_close_wav();
+    machine_apply(event_kind::tape_close_wav);
     tell_tape_is_out();
     if (!tape_is_rolling()) check_menu_item(COMMAND_PLAY_RECORD, false); // a recording has ended
 }
@@ -280,16 +280,19 @@ void create_wav(const std::string& path) {
 
 void play_or_record() {
     const bool run = !is_menu_item_checked(COMMAND_PLAY_RECORD);
-    tape_set_motor(run, z80_state.t_count);
+    machine_apply(event_kind::tape_motor, run);
     check_menu_item(COMMAND_PLAY_RECORD, run);
 }
 
 void rewind_tape() {
-    tape_rewind();
+    machine_apply(event_kind::tape_rewind);
     check_menu_item(COMMAND_PLAY_RECORD, false);
 }
 
-void adjust_head() { ui_tape_adjust_head(tape_get_compare_level(), tape_set_compare_level); }
+void adjust_head() {
+    ui_tape_adjust_head(tape_get_compare_level(),
+                        [](int level) { machine_apply(event_kind::tape_level, level); });
+}
 
 void get_ui_save_tape_filename(const PathChoice& done) {
     ui_select_file(DIALOG_SAVE_CAS, [done](const std::optional<std::string>& path) {

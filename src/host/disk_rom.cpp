@@ -2,6 +2,7 @@
 
 #include "cgenie/memory/memory.h"
 #include "core/machine.h"
+#include "core/machine_events.h"
 #include "host/dialogs/ask.h"
 #include "host/disks.h"
 #include "host/messages.h"
@@ -17,7 +18,7 @@ void offer_disk_rom(const std::function<void()>& done) {
     if (offer_waits || memory_has_eprom()) return done();
     ask("No disk ROM", "Restart with the disk ROM?", {"&Yes", "&No"}, [done](int answer) {
         constexpr int YES = 0;
-        if (answer == YES) machine_restart_with_disk_rom();
+        if (answer == YES) machine_apply(event_kind::restart_with_disk_rom);
         done();
     });
 }

@@ -1,5 +1,6 @@
 #include "host/disks.h"
 
+#include "core/machine_events.h"
 #include "core/pacing/pacing.h"
 #include "files/name_claim.h"
 #include "host/autostart.h"
@@ -62,7 +63,7 @@ void empty_drive(unsigned drive) {
 
 void protect(unsigned drive, bool level) {
     cares[drive].is_protected = level;
-    wd1771_write_protect(drive, level);
+    machine_apply(event_kind::disk_protect, int32_t(drive), level);
 }
 
 // ---- writing back ------------------------------------------------------------------------------
@@ -155,7 +156,7 @@ void claim_image(unsigned drive) {
 // ---- journals ----------------------------------------------------------------------------------
 
 void take_journal(unsigned drive, const LeftJournal& left) {
-    wd1771_replace(drive, left.image);
+    machine_apply(event_kind::disk_replace, int32_t(drive), 0, shared_bytes(left.image));
     cares[drive].journal.begin(drive_contents[drive]);
     if (cares[drive].journal.resume(left)) return;
     report({.text = "The journal of " + drive_name(drive) + " cannot be written",
@@ -254,7 +255,7 @@ bool put_in(unsigned drive, const std::string& path) {
     absent[drive].clear();
     cares[drive].is_protected = wd1771.disks[drive].write_protected != 0;
     cares[drive].journal.begin(drive_contents[drive]);
-    wd1771_reset();
+    machine_apply(event_kind::disk_controller);
     const disk_record& disk = wd1771.disks[drive];
     StatusBarText("Disk: %u side(s), %u tracks, %u sectors, %u kb.", disk.side_value + 1,
                   disk.tracks, disk.sectors, disk.size / KILOBYTE);
@@ -375,7 +376,7 @@ void main_disk_follow_machine() {
         }
         modify_menu_text(COMMAND_ATTACH_DISK + int(drive),
                          drive_text(drive, file.path.empty() ? "<no file>" : file.path));
-        wd1771_write_protect(drive, cares[drive].is_protected);
+        machine_apply(event_kind::disk_protect, int32_t(drive), cares[drive].is_protected);
         if (content_hash(drive_contents[drive].view()) != file.hash) disk.modified = 1;
     }
 }

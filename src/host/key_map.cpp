@@ -2,6 +2,7 @@
 
 #include "cgenie/input.h"
 #include "cgenie/keyboard.h"
+#include "core/machine_events.h"
 #include "platform/platform.h"
 
 #include <array>
@@ -95,13 +96,13 @@ void host_keyboard_init() {
     for (unsigned index = 0; index < symbolic_key_map.size(); ++index) {
         symbolic_key_map[index] = symbolic_entry(index);
     }
-    keyboard_init();
+    machine_apply(event_kind::key_mapping, MAPPING_SYMBOLIC);
     host_keyboard_reset();
 }
 
 void host_keyboard_reset() {
     platform().keyboard().release_all();
-    keyboard_reset();
+    machine_apply(event_kind::key_reset);
 }
 
 void read_host_keys(machine_input& input) {

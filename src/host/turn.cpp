@@ -1,6 +1,7 @@
 #include "host/turn.h"
 
 #include "cgenie/keyboard.h"
+#include "core/machine_events.h"
 #include "core/pacing/pacing.h"
 #include "host/autostart.h"
 #include "host/commands.h"
@@ -93,7 +94,7 @@ void file_dropped(const std::string& path) {
 void layout_changed(bool by_user) {
     if (by_user) g_KeyMapping = true;
     host_keyboard_init();
-    keyboard_change_mapping(g_KeyMapping);
+    machine_apply(event_kind::key_mapping, g_KeyMapping);
     check_menu_item(COMMAND_SYMBOLIC_KEYS, g_KeyMapping);
 }
 

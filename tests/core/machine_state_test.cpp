@@ -17,9 +17,11 @@ namespace {
 /// A machine that types a line of its own for ever, with its configuration and engine.
 machine_state powered_on(int32_t engine, uint32_t model, const char* line) {
     machine_init();
-    machine_apply(event_kind::configure, 1, 0, bytes_of(machine_choice{machine_cfg[4], model}));
+    machine_apply(event_kind::choose, 0, 0, bytes_of(machine_choice{machine_cfg[4], model}));
+    machine_apply(event_kind::configure, int32_t(model), 1);
     machine_apply(event_kind::engine, engine);
     const std::string text = std::string("\r") + line;
+    machine_apply(event_kind::typing_trap);
     machine_apply(event_kind::type_text, 0, 0,
                   shared_bytes(std::vector<uint8_t>(text.begin(), text.end())));
     machine_state state;

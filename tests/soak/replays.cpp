@@ -16,7 +16,6 @@
 #include "core/machine_events.h"
 #include "core/machine_state.h"
 #include "files/whole_file.h"
-#include "media/cmd_loader.h"
 #include "media/tape_audio.h"
 #include "media/traps.h"
 #include "media/wav_samples.h"
@@ -155,7 +154,8 @@ void change_configuration() {
     choice.custom.cpu_clock = 2'000'000 + below(2'000'000);
     choice.custom.screen_frequency = 50 + 10 * below(2);
     host.rom_files = once_in(2);
-    machine_apply(event_kind::configure, int32_t(below(2)), 0, bytes_of(choice));
+    machine_apply(event_kind::choose, int32_t(below(2)), 0, bytes_of(choice));
+    machine_apply(event_kind::configure, int32_t(choice.active), int32_t(below(2)));
 }
 
 /// What a user, a menu or the host may do between two instructions.
@@ -175,7 +175,10 @@ void do_something() {
     const auto flag = int32_t(below(2));
     switch (below(26)) {
     case 0:
-    case 1: machine_apply(type_text, 0, 0, text(typed[below(std::size(typed))])); break;
+    case 1:
+        machine_apply(typing_trap);
+        machine_apply(type_text, 0, 0, text(typed[below(std::size(typed))]));
+        break;
     case 2: machine_apply(key_mapping, flag); break;
     case 3: machine_apply(clean_sound, flag); break;
     case 4: machine_apply(tape_motor, flag); break;
@@ -203,7 +206,7 @@ void do_something() {
         break;
     case 21: change_configuration(); break;
     case 22: machine_apply(flag ? start_sound : reset_sound); break;
-    case 23: machine_apply(tape_traps); break;
+    case 23: machine_apply(flag ? tape_traps : key_reset); break;
     default: host.input = random_input(); break;
     }
 }
@@ -241,9 +244,7 @@ void start(const std::string& path) {
         machine_apply(disk_in, 0, 0, shared_bytes(contents(path)));
         machine_apply(restart_with_disk_rom);
     } else if (path.ends_with(".cmd")) {
-        uint16_t entry = 0;
-        load_cmd(contents(path), &entry);
-        machine_apply(go_to, entry);
+        machine_apply(load_module, 1, 0, shared_bytes(contents(path)));
     } else {
         machine_apply(poke, WORKLOAD_ORIGIN, 0, shared_bytes(contents(path)));
         machine_apply(go_to, WORKLOAD_ORIGIN);

@@ -2,6 +2,7 @@
 
 #include "core/frame_driver.h"
 #include "core/machine.h"
+#include "core/machine_events.h"
 #include "media/tape_audio.h"
 #include "platform/platform.h"
 #include "sound/output/wav_capture.h"
@@ -117,7 +118,7 @@ void show_paced_frame() {
     ++pacing.ticks;
     report_speed_when_due();
     update_screen_when_due();
-    tape_update_counter(z80_state.t_count);
+    machine_apply(event_kind::tape_moves);
 }
 
 void init_timers() {

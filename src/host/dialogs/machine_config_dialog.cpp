@@ -1,6 +1,7 @@
 #include "cgenie/memory/memory.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"
+#include "core/machine_events.h"
 #include "host/dialogs/ask.h"
 #include "host/dialogs/dialogs.h"
 #include "host/prefs.h"
@@ -235,13 +236,18 @@ void user_acts(Form& form, const FormEvent& event) {
 
 // ---- OK ----------------------------------------------------------------------------------------
 
+/// The clock that was typed, where the machine can have it.
 void take_custom_clock(uint32_t clock) {
     if (clock < SLOWEST_CLOCK || clock > FASTEST_CLOCK) return;
     SetValueDword("CustomCpuClockFreq", &clock);
-    uint32_t& kept = machine_cfg[CUSTOM_CONFIGURATION].cpu_clock;
-    if (clock == kept) return;
-    machine_set_main_clock(clock);
-    kept = clock;
+    if (clock == new_custom_cfg.cpu_clock) return;
+    new_custom_cfg.cpu_clock = clock;
+    machine_apply(event_kind::main_clock, int32_t(clock));
+}
+
+void choose(int32_t disk_rom_is_out) {
+    machine_apply(event_kind::choose, disk_rom_is_out, 0,
+                  bytes_of(machine_choice{new_custom_cfg, new_cfg}));
 }
 
 uint32_t pattern_from(const std::string& text) {
@@ -251,28 +257,26 @@ uint32_t pattern_from(const std::string& text) {
 
 void take_over(Form& form) {
     if (new_cfg != active_machine_cfg) restart_reqd = true;
-    active_machine_cfg = new_cfg;
-    machine_configuration& custom = machine_cfg[CUSTOM_CONFIGURATION];
     // What the user chooses here takes the place of the disk ROM that was put in for a disk.
-    if (custom.expansion_rom != new_custom_cfg.expansion_rom) machine_run_now.disk_rom = false;
-    custom = new_custom_cfg;
+    choose(machine_cfg[CUSTOM_CONFIGURATION].expansion_rom != new_custom_cfg.expansion_rom);
     prefs_hold();
     for (const RomChoice& rom : rom_choices) {
         SetValueStr(rom.setting, form.text(rom.path).c_str());
     }
-    if (active_machine_cfg == CUSTOM_CONFIGURATION) {
+    if (new_cfg == CUSTOM_CONFIGURATION) {
         take_custom_clock(form.number(MACHINE_CLOCK));
     } else {
-        machine_set_main_clock(machine_cfg[active_machine_cfg].cpu_clock);
+        machine_apply(event_kind::main_clock, int32_t(machine_cfg[new_cfg].cpu_clock));
     }
     const uint32_t cycle_based = form.value(MACHINE_CYCLE_BASED) ? 1 : 0;
     SetValueDword("CycleBasedEmulation", &cycle_based);
     prefs_flush();
-    g_bCycleBasedEngine = cycle_based != 0;
-    memory_set_startup_pattern(pattern_from(form.text(MACHINE_PATTERN)));
-    custom.palette = uint32_t(form.value(MACHINE_PALETTE));
-    custom.ram_size = uint32_t(form.value(MACHINE_RAM));
-    machine_change_cfg(machine_cfg[active_machine_cfg], restart_reqd);
+    machine_apply(event_kind::engine, int32_t(cycle_based));
+    machine_apply(event_kind::startup_pattern, int32_t(pattern_from(form.text(MACHINE_PATTERN))));
+    new_custom_cfg.palette = uint32_t(form.value(MACHINE_PALETTE));
+    new_custom_cfg.ram_size = uint32_t(form.value(MACHINE_RAM));
+    choose(0);
+    machine_apply(event_kind::configure, int32_t(new_cfg), restart_reqd);
 }
 
 } // namespace

@@ -1,3 +1,4 @@
+#include "core/machine_events.h"
 #include "host/dialogs/ask.h"
 #include "host/dialogs/dialogs.h"
 #include "media/tape_audio.h"
@@ -56,7 +57,7 @@ void ui_tape_adjust_head(int level, std::function<void(int)> done) {
     form->set_value(TAPE_HEAD_INVERT, tape_is_signal_inverted());
     run_form(form, [form, level, done = std::move(done)](int button) {
         if (button != TAPE_HEAD_OK) return done(level);
-        tape_set_signal_invert(form->value(TAPE_HEAD_INVERT));
+        machine_apply(event_kind::tape_inversion, form->value(TAPE_HEAD_INVERT));
         done(int(form->number(TAPE_HEAD_EDIT) % LEVELS));
     });
 }

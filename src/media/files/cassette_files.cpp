@@ -1,5 +1,6 @@
 #include "media/files/cassette_files.h"
 
+#include "core/machine_events.h"
 #include "files/file_handle.h"
 #include "files/whole_file.h"
 #include "media/tape.h"
@@ -45,14 +46,14 @@ int tape_attach_cas(const std::string& path) {
     tape_detach_cas();
     auto image = read_whole_file(wanted);
     if (!image) return 0;
-    tape_put_in(shared_bytes(std::move(*image)));
+    machine_apply(event_kind::tape_in, 0, 0, shared_bytes(std::move(*image)));
     casfilename = std::move(wanted);
     return 1;
 }
 
 void tape_detach_cas() {
     if (tape_cas_is_attached()) casfilename.clear();
-    tape_take_out();
+    machine_apply(event_kind::tape_out);
 }
 
 std::string& tape_get_cas_name() { return casfilename; }
@@ -65,10 +66,10 @@ int is_tokenized_bas(const std::string& path) {
 int bas_to_cas_open(const std::string& path) {
     std::string wanted = path; // may be the name that detaching clears
     tape_detach_cas();
-    tape_make_room();
+    machine_apply(event_kind::tape_make_room);
     const auto program = read_whole_file(wanted);
     if (!program) return 0;
-    tape_put_in(shared_bytes(tape_of_basic(*program, wanted.front())));
+    machine_apply(event_kind::tape_in, 0, 0, shared_bytes(tape_of_basic(*program, wanted.front())));
     casfilename = std::move(wanted);
     return 1;
 }

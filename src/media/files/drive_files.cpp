@@ -1,5 +1,6 @@
 #include "media/files/drive_files.h"
 
+#include "core/machine_events.h"
 #include "files/whole_file.h"
 #include "media/wd1771.h"
 #include "platform/platform.h"
@@ -47,7 +48,11 @@ int diskimg_attach(unsigned drive, const std::string& path) {
     std::optional<std::vector<uint8_t>> bytes = read_whole_file(path);
     if (!bytes || bytes->empty()) return 0;
     const uint64_t hash = content_hash(*bytes);
-    if (!wd1771_attach(drive, std::move(*bytes), access(path.c_str(), W_OK) != 0)) return 0;
+    const bool write_protected = access(path.c_str(), W_OK) != 0;
+    if (!machine_apply(event_kind::disk_in, int32_t(drive), write_protected,
+                       shared_bytes(std::move(*bytes)))) {
+        return 0;
+    }
     drive_files[drive] = {path, identity, hash};
     return 1;
 }
@@ -81,7 +86,7 @@ int diskimg_detach(unsigned drive, bool write_back) {
                 .reason = reason});
         result = 0;
     }
-    wd1771_detach(drive);
+    machine_apply(event_kind::disk_out, int32_t(drive));
     drive_files[drive] = {};
     return result;
 }

@@ -1,5 +1,6 @@
 #include "media/files/printer_file.h"
 
+#include "core/machine_events.h"
 #include "files/file_handle.h"
 #include "media/printer.h"
 #include "wall/report.h"
@@ -55,12 +56,12 @@ void printer_init() {
         // Each byte reaches the file at once, for whoever watches it.
         if (print) std::setvbuf(print.get(), nullptr, _IONBF, 0);
     }
-    printer_reset();
-    printer_set_open(print != nullptr);
+    machine_apply(event_kind::printer_reset);
+    machine_apply(event_kind::printer_file, print != nullptr);
 }
 
 void printer_close() {
-    printer_set_open(0);
+    machine_apply(event_kind::printer_file, 0);
     print.reset();
 }
 

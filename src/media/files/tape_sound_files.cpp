@@ -1,5 +1,6 @@
 #include "media/files/tape_sound_files.h"
 
+#include "core/machine_events.h"
 #include "media/tape_audio.h"
 #include "sound/wav_header.h"
 #include "wall/report.h"
@@ -70,7 +71,7 @@ void print_diagnostics(const wav_format& wav) {
 } // namespace
 
 int tape_open_wav(const std::string& path) {
-    tape_close_wav();
+    machine_apply(event_kind::tape_close_wav);
     if (path.empty()) return 0;
     wav_format wav;
     const std::string problem = wav_file_open(path, played, wav);
@@ -78,13 +79,13 @@ int tape_open_wav(const std::string& path) {
         report({.text = path + " cannot be played: " + problem + "."});
         return 0;
     }
-    tape_play_wav(wav);
+    machine_apply(event_kind::tape_play_wav, 0, 0, bytes_of(wav));
     print_diagnostics(wav);
     return 1;
 }
 
 int tape_create_wav(const std::string& path, int rate) {
-    tape_close_wav();
+    machine_apply(event_kind::tape_close_wav);
     if (path.empty() || rate <= 0) return 0;
     recording.file = open_file(path, "wb");
     if (!recording.file || !write_header(uint32_t(rate))) {
@@ -93,7 +94,7 @@ int tape_create_wav(const std::string& path, int rate) {
         report({.text = path + " cannot be recorded: " + reason + "."});
         return 0;
     }
-    tape_record_wav(uint32_t(rate));
+    machine_apply(event_kind::tape_record_wav, rate);
     return 1;
 }
 

@@ -6,5 +6,7 @@
 /// Starts typing the whole file, behind the keys in front of it; 0 when it cannot be read, is no
 /// regular file or is larger than LARGEST_FILE.
 int keyboard_open_bas_file(const std::string& path, const std::string& keys_before = {});
-/// Starts typing the clipboard's text, where there is one.
+/// Types the text, up to a zero byte, from the machine's next look at its keyboard on.
+void type_into_machine(const std::string& text);
+/// Types the clipboard's text, where there is one.
 void gui_paste_from_clipboard();
