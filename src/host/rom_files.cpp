@@ -5,6 +5,7 @@
 #include "files/file_handle.h"
 #include "files/whole_file.h"
 #include "platform/platform.h"
+#include "z80/disassembler.h"
 
 #include <cerrno>
 #include <cstring>
@@ -71,6 +72,10 @@ int firmware_load_user_images(const std::string& directory) {
 }
 
 int mem_dump() { return save_binary("memdump.bin", memory, MEMORY_SIZE); }
+
+int fulldisasm(const std::string& path) {
+    return replace_whole_file(path, disassembly_listing()) ? 1 : 0;
+}
 
 int save_binary(const char* path, const uint8_t* data, size_t size) {
     return replace_whole_file(path, {data, size}) ? 1 : 0;

@@ -20,5 +20,7 @@ int firmware_load_user_images(const std::string& directory);
 /// Writes the whole address space to "memdump.bin" in the current directory. 0 when that fails,
 /// with the reason in errno.
 int mem_dump();
+/// Replaces the file by the listing of all the memory. 0 when that fails, with the reason in errno.
+int fulldisasm(const std::string& path);
 /// Replaces the file by `size` bytes. 0 when that fails, with the reason in errno.
 int save_binary(const char* path, const uint8_t* data, size_t size);

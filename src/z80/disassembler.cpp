@@ -1,6 +1,5 @@
 #include "z80/disassembler.h"
 
-#include "files/whole_file.h"
 #include "z80/z80.h"
 
 #include <array>
@@ -382,7 +381,7 @@ uint16_t disassemble(uint16_t address, char* line) {
     return end;
 }
 
-int fulldisasm(const std::string& path) {
+std::string disassembly_listing() {
     std::string listing;
     char line[DISASSEMBLY_LINE];
     char heading[16];
@@ -394,7 +393,7 @@ int fulldisasm(const std::string& path) {
         std::snprintf(heading, sizeof heading, ". %04Xh    ", unsigned{address});
         listing.append(heading).append(line) += '\n';
     } while (next > address);
-    return replace_whole_file(path, listing) ? 1 : 0;
+    return listing;
 }
 
 void regdump(char* line, int kind) {

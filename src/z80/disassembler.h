@@ -16,8 +16,8 @@ constexpr int DISASSEMBLY_LINE = 64;
 /// Writes the instruction at `address` as one line: blank, address, four columns of bytes,
 /// mnemonic. Returns the address of the next instruction. `line` has DISASSEMBLY_LINE characters.
 uint16_t disassemble(uint16_t address, char* line);
-/// Replaces the file by the listing of all the memory. 0 when that fails, with the reason in errno.
-int fulldisasm(const std::string& path);
+/// The listing of all the memory, an instruction to a line, each behind its address.
+std::string disassembly_listing();
 /// Line `kind` (0 to 2) of the register dump, 53 characters at most. `line` as above.
 void regdump(char* line, int kind);
 /// The bits of `value` as decimal digits: 1000101 for 45h. To be printed with "%08i".

@@ -433,6 +433,7 @@ TEST_F(CommandsTest, KeysOutsideTheMonitor) {
     press(KEY_F9);
     EXPECT_EQ(host->status_text(3),
               "Disassembly dump to: " + std::filesystem::current_path().string());
+    EXPECT_TRUE(read_text("eaca_disass.txt").starts_with(". 0000h "));
 
     press(KEY_PAGE_DOWN);
     EXPECT_TRUE(g_bPaused);
