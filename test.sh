@@ -16,14 +16,11 @@ step "sanitizer build"
 cmake --preset sanitize >/dev/null
 cmake --build build/sanitize
 
-step "format"
-git ls-files -co --exclude-standard '*.cpp' '*.h' | xargs clang-format --dry-run --Werror
-
-step "lint"
+step "layers, format and lint"
 scripts/lint.sh
 
 step "tests under the sanitizers"
-ctest --test-dir build/sanitize --output-on-failure -j2
+ctest --preset sanitize
 
 step "tests"
-ctest --test-dir build/release --output-on-failure -j2
+ctest --preset release

@@ -1,14 +1,67 @@
 #!/usr/bin/env bash
-# Runs clang-tidy over the project's sources, two at a time. A source that passed is not looked at
-# again until it, a header of the project or the configuration changes.
+# Checks what the compilers do not: that no folder of src includes what stands above it, the format,
+# and what clang-tidy finds, in two sources at a time. A source that passed is not looked at again
+# until it, a header of the project or the configuration changes. Formatter and clang-tidy differ from
+# version to version; of another than LLVM's known one they are left out.
+# usage: scripts/lint.sh            after the sanitizer build
 set -euo pipefail
 cd "$(dirname "$0")/.."
+known_llvm=14
 
+# From the bottom up, as in docs/architecture.md. Folders of one line may include each other.
+mkdir -p build
+cat >build/layers <<'LAYERS'
+wall
+firmware
+files
+z80
+cgenie/memory
+cgenie/typing
+sound
+media
+cgenie
+core
+platform
+media/files
+sound/output
+core/pacing
+monitor
+host/recording
+host host/dialogs
+platform/headless
+platform/sdl
+platform/qt
+apps
+LAYERS
+scripts/sources.sh 'src/*.cpp' 'src/*.h' | xargs awk '
+    function folder(path) { sub("/[^/]*$", "", path); return path }
+    FILENAME == "build/layers" { for (n = 1; n <= NF; ++n) height[$n] = FNR; next }
+    FNR == 1 { own = folder(substr(FILENAME, 5)) }
+    FNR == 1 && !(own in height) { print FILENAME ": its folder is no layer"; failed = 1 }
+    /^#include "/ {
+        split($0, part, "\"")
+        other = folder(part[2])
+        if (other in height && height[other] <= height[own]) next
+        print FILENAME ":" FNR ": " own " does not see " other
+        failed = 1
+    }
+    END { exit failed }' build/layers
+
+is_known() {
+    if "$1" --version | grep -q "version $known_llvm\\."; then return 0; fi
+    echo "left out: $1 is not of version $known_llvm"
+    return 1
+}
+
+if is_known clang-format; then
+    scripts/sources.sh '*.cpp' '*.h' | xargs clang-format --dry-run --Werror
+fi
+
+if ! is_known clang-tidy; then exit; fi
 build=build/sanitize
 stamps=build/lint
 mkdir -p "$stamps"
-common=$(git ls-files -co --exclude-standard '*.h' .clang-tidy '*CMakeLists.txt' |
-    xargs cat | sha1sum | cut -d' ' -f1)
+common=$(scripts/sources.sh '*.h' .clang-tidy '*CMakeLists.txt' | xargs cat | sha1sum | cut -d' ' -f1)
 
 lint_one() {
     local source=$1
@@ -20,5 +73,4 @@ lint_one() {
 export -f lint_one
 export build stamps common
 
-git ls-files -co --exclude-standard 'src/*.cpp' 'tools/*.cpp' |
-    xargs -P2 -I{} bash -c 'lint_one {}'
+scripts/sources.sh 'src/*.cpp' 'tools/*.cpp' | xargs -P2 -I{} bash -c 'lint_one {}'

@@ -255,8 +255,8 @@ TEST_F(MachineConfigDialogTest, StartUpPatterns) {
                                                                        {" 7x", 7},
                                                                        {"-1", 0xFFFFFFFF},
                                                                        {"", 0}}) {
-        dialog([&text = text](Form& form) {
-            form.type(PATTERN, text);
+        dialog([&typed = text](Form& form) {
+            form.type(PATTERN, typed);
             form.press_enter();
         });
         EXPECT_EQ(memory_get_startup_pattern(), pattern) << text;
