@@ -10,8 +10,8 @@ seconds=$((${1:-20} + 3)) # with the start
 
 scripts/dependencies.sh test
 [[ -f $build/build.ninja ]] || cmake --preset release -B "$build" >/dev/null
-cmake --build "$build" --target tarvelin mkcmd
-program=$(realpath "$build/src/tarvelin") mkcmd=$(realpath "$build/tools/mkcmd") root=$PWD
+cmake --build "$build" --target tarvelin-headless tarvelin_mkcmd
+program=$(realpath "$build/src/tarvelin-headless") mkcmd=$(realpath "$build/tools/mkcmd") root=$PWD
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 cd "$work"
@@ -19,7 +19,7 @@ export XDG_CONFIG_HOME=$work XDG_DATA_HOME=$work
 pasmo --bin -I "$root/examples" "$root/tests/soak/tone.asm" tone.bin
 "$mkcmd" tone.cmd 5800 5800 tone.bin
 record() {
-    "$program" --headless --setting VideoCodec=rle /t "$seconds" "$@" tone.cmd 2>messages ||
+    "$program" --setting VideoCodec=rle /t "$seconds" "$@" tone.cmd 2>messages ||
         { cat messages; exit 1; }
 }
 record /v film.avi

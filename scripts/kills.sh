@@ -12,7 +12,7 @@ times=${1:-300}
 kinds=("${@:2}")
 [[ ${#kinds[@]} -gt 0 ]] || kinds=(snapshot export screenshot bitmap disk cassette)
 save=$build/tests/support/save_loop
-if [[ ! -x $save ]]; then cmake --build "$build" --target save_loop tarvelin >/dev/null; fi
+if [[ ! -x $save ]]; then cmake --build "$build" --target save_loop tarvelin-headless >/dev/null; fi
 
 work=$(mktemp -d)
 mkdir "$work/reference" # a memory export holds the name of its file
@@ -25,7 +25,7 @@ complain() {
     echo "FAILED: $*"
     failed=1
 }
-start() { (cd "$work" && "$build/src/tarvelin" --headless /w /t 1 >/dev/null 2>&1); }
+start() { (cd "$work" && "$build/src/tarvelin-headless" /w /t 1 >/dev/null 2>&1); }
 sum() { cksum <"$1"; }
 reference() { # KIND: the sums of its two contents
     "$save" "$1" "$work/reference/file" 1 && first=$(sum "$work/reference/file")

@@ -12,7 +12,7 @@ minutes=${1:-10}
 
 scripts/dependencies.sh test
 [[ -f $build/build.ninja ]] || cmake --preset release -B "$build" >/dev/null
-cmake --build "$build" --target tarvelin mkcmd sound_device sound_latency
+cmake --build "$build" --target tarvelin tarvelin_mkcmd sound_device sound_latency
 program=$build/src/tarvelin
 tone=$PWD/tests/soak/sound_steps.asm examples=$PWD/examples
 mkcmd=$(realpath "$build/tools/mkcmd")

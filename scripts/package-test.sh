@@ -101,17 +101,18 @@ comm -13 "$root/tmp/before" "$root/tmp/installed" | wc -l | sed 's/$/ files came
 step "use"
 documents=/usr/share/doc/tarvelin
 check "version" as_user tarvelin --version
+check "version without a display" as_user tarvelin-headless --version
 check "BASIC converter" as_user tarvelin-bas --version
 check "disk tool" as_user tarvelin-disk --version
 
 as_user mkdir -p /tmp/home/play
 as_user cp /usr/share/tarvelin/examples/colours.cmd /tmp/home/play/
-check "run without a display" as_user tarvelin --headless /w /s 4 /t 5 /tmp/home/play/colours.cmd
+check "run without a display" as_user tarvelin-headless /w /s 4 /t 5 /tmp/home/play/colours.cmd
 check "its picture" test -s "$root/tmp/home/play/colours0000.gif"
 # The same run on this host draws the same picture.
 mkdir "$root/tmp/here"
 cp "$root/usr/share/tarvelin/examples/colours.cmd" "$root/tmp/here/"
-"$build/src/tarvelin" --headless /w /s 4 /t 5 "$root/tmp/here/colours.cmd" >/dev/null 2>&1
+"$build/src/tarvelin-headless" /w /s 4 /t 5 "$root/tmp/here/colours.cmd" >/dev/null 2>&1
 check "the picture is the host's" \
     cmp "$root/tmp/here/colours0000.gif" "$root/tmp/home/play/colours0000.gif"
 
@@ -152,7 +153,7 @@ done
 [[ $(as_user xdg-mime query default application/x-colour-genie-program) == tarvelin.desktop ]] &&
     echo "ok: opened by tarvelin.desktop" || fail "no program for a load module"
 
-for page in tarvelin tarvelin-bas tarvelin-disk; do
+for page in tarvelin tarvelin-headless tarvelin-bas tarvelin-disk; do
     check "man $page" as_user sh -c "man $page | grep -q SYNOPSIS"
 done
 for name in copyright changelog.gz; do check "$name" test -s "$root$documents/$name"; done
@@ -163,6 +164,16 @@ for page in manual firmware benchmarks accuracy; do
         check "$page.html: $target" test -s "$root$documents/$target"
     done < <(grep -oE '(src|href)="[^"#:]+' "$root$documents/$page.html" | cut -d'"' -f2 | sort -u)
 done
+
+# The codecs of libavcodec are there when it is, and nothing else depends on it.
+film() { as_user tarvelin-headless --setting VideoCodec="$1" /w /t 1 /v /tmp/home/film.avi; }
+check "a film" film rle
+if film ffv1 2>/dev/null; then fail "a codec without its library"; fi
+recommended=$(in_root dpkg-query -W -f '${Recommends}' tarvelin | tr ',' '\n' |
+    grep -oE '^ *lib(avcodec|avutil|swscale)[0-9]+')
+apt_in_root install --no-install-recommends $recommended
+check "a film by libavcodec" film ffv1
+apt_in_root purge --autoremove $recommended
 
 step "purge"
 apt_in_root purge --autoremove tarvelin
