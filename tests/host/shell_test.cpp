@@ -234,6 +234,7 @@ TEST_F(ShellTest, MessagesReachTheirHandlers) {
 
 TEST_F(ShellTest, RunsFromStartToExitAndSaysWhenItsSettingsWereDamaged) {
     std::ofstream(SETTINGS) << "Sound = = 1";
+    host->answer_later(true);
     host->push_event({Event::Kind::close, 0, 0, {}});
     EXPECT_EQ(run_shell({}), 0);
     EXPECT_TRUE(host->window().destroyed);
