@@ -131,8 +131,9 @@ void close_shell() {
 }
 
 int end_shell() {
-    turn.closing = turn.closed = false;
-    return *std::exchange(turn.exit_code, {});
+    const int exit_code = *turn.exit_code;
+    turn = {}; // with the messages behind the last one
+    return exit_code;
 }
 
 /// Microseconds, 0 when the rest is over or there is none.
