@@ -5,7 +5,7 @@
 #include "cgenie/memory/memory.h"
 #include "host/commands.h"
 #include "host/menu.h"
-#include "host/shell.h"
+#include "host/turn.h"
 #include "platform/keyboard.h"
 #include "support/input.h"
 #include "support/machine.h"
