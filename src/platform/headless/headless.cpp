@@ -69,7 +69,11 @@ public:
     void set_sink(EventSink& given) override { sink = &given; }
     Event poll() override {
         answers_.deliver();
-        if (stop_signal) return quit_event(SIGNAL_STATUS + stop_signal);
+        // Once: whoever takes all that waits would never come to an end.
+        if (const int signal = stop_signal) {
+            stop_signal = 0;
+            return quit_event(SIGNAL_STATUS + signal);
+        }
         if (waiting.empty()) return {};
         Event event = std::move(waiting.front());
         waiting.pop_front();
