@@ -92,6 +92,7 @@ int perform(const machine_event& event) {
     case event_kind::clean_sound: ym2149_clean = a != 0; break;
     case event_kind::start_sound: sound_init(); break;
     case event_kind::reset_sound: sound_reset(); break;
+    case event_kind::fragment_count: sound_set_fragment_count(a); break;
     case event_kind::key_mapping: keyboard_change_mapping(a); break;
     case event_kind::key_reset: keyboard_reset(); break;
     case event_kind::graphics_board: switch_board(a); break;

@@ -23,6 +23,7 @@ enum class event_kind : uint8_t {
     clean_sound,           ///< `a`: on or off
     start_sound,           ///< an empty fragment
     reset_sound,           ///< every source of sound at rest
+    fragment_count,        ///< the next completed fragment becomes `a`, whatever was decided
     key_mapping,           ///< `a` as keyboard_change_mapping takes it
     key_reset,             ///< no key is pressed
     graphics_board,        ///< `a`: connected or not
@@ -102,6 +103,6 @@ void machine_log_frame();
 
 /// Runs the live machine through the events from number `first` on, as they came. The host is told
 /// what the machine shows and puts out, by the callbacks in `machine_host`; what it would be asked
-/// stands in the log. Returns an empty text at the end of the log, or where the machine has gone
-/// another way.
+/// stands in the log. Only a WAV file that plays is read again, by read_tape. Returns an empty text
+/// at the end of the log, or where the machine has gone another way.
 std::string machine_replay(const machine_log& log, size_t first = 0);

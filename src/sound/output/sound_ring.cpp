@@ -1,5 +1,6 @@
 #include "sound/output/sound_ring.h"
 
+#include "core/machine_events.h"
 #include "sound/output/wav_capture.h"
 #include "wall/machine_host.h"
 
@@ -163,7 +164,7 @@ void sound_resume() {
 void sound_start_film() {
     film = {};
     film.runs = true;
-    sound_set_fragment_count(1); // the first picture has its fragment
+    machine_apply(event_kind::fragment_count, 1); // the first picture has its fragment
 }
 
 void sound_end_film() { film.runs = false; }
