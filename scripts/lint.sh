@@ -8,7 +8,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 known_llvm=14
 
-# From the bottom up, as in docs/architecture.md. Folders of one line may include each other.
+# From the bottom up, as in docs/architecture.md.
 mkdir -p build
 cat >build/layers <<'LAYERS'
 wall
@@ -27,7 +27,9 @@ sound/output
 core/pacing
 monitor
 host/recording
-host host/dialogs
+host/settings
+host/dialogs
+host
 platform/headless
 platform/sdl
 platform/qt
@@ -35,7 +37,7 @@ apps
 LAYERS
 scripts/sources.sh 'src/*.cpp' 'src/*.h' | xargs awk '
     function folder(path) { sub("/[^/]*$", "", path); return path }
-    FILENAME == "build/layers" { for (n = 1; n <= NF; ++n) height[$n] = FNR; next }
+    FILENAME == "build/layers" { height[$1] = FNR; next }
     FNR == 1 { own = folder(substr(FILENAME, 5)) }
     FNR == 1 && !(own in height) { print FILENAME ": its folder is no layer"; failed = 1 }
     /^#include "/ {

@@ -15,6 +15,7 @@
 #include "host/display.h"
 #include "host/menu.h"
 #include "host/messages.h"
+#include "host/screen_text.h"
 #include "host/screenshot.h"
 #include "host/shell.h"
 #include "media/files/cassette_files.h"
@@ -423,7 +424,9 @@ const CommandRow rows[] = {
     {.id = COMMAND_ADJUST_HEAD, .label = "Adj&ust head...", .run = adjust_head},
 
     // Options without a setting, and Help.
-    {.id = COMMAND_DISPLAY_SETTINGS, .label = "&Display settings...", .run = ui_display_setup},
+    {.id = COMMAND_DISPLAY_SETTINGS,
+     .label = "&Display settings...",
+     .run = [] { ui_display_setup(show_palette); }},
     {.id = COMMAND_FULL_SCREEN,
      .label = "Toggle fullscreen",
      .hint = "Alt+Enter",

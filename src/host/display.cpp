@@ -167,6 +167,11 @@ void set_screen_params(bool giant, int bits) {
     if (platform().surface().exists()) g_bUseGDI = !InitSurfaces();
 }
 
+void show_palette() {
+    dib_create_rgb_palette(canvas);
+    if (!g_bActive) platform().window().invalidate();
+}
+
 int host_has_canvas() { return canvas.pixels.empty() ? 0 : 1; }
 
 void show_frame(int flag) {

@@ -31,6 +31,9 @@ void ResizeWindow(int width, int height, bool keep_aspect);
 void toggle_full_screen();
 /// Fits `area` to 4:3; a new left or top counts from 0.
 Rectangle screen_rect_recalc(const Rectangle& area);
+/// Takes a changed palette of the machine into the canvas, and paints the window anew while no
+/// frame of the machine is to come.
+void show_palette();
 /// 1 when there is a canvas to draw into.
 int host_has_canvas();
 /// Draws one frame into the canvas and presents it; 0 does nothing.

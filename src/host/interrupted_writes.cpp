@@ -2,7 +2,7 @@
 
 #include "files/unfinished_writes.h"
 #include "host/dialogs/ask.h"
-#include "host/hold.h"
+#include "host/dialogs/hold.h"
 #include "wall/report.h"
 
 namespace {

@@ -2,7 +2,7 @@
 
 #include "host/dialogs/ask.h"
 #include "host/dialogs/dialogs.h"
-#include "host/hold.h"
+#include "host/dialogs/hold.h"
 #include "host/status.h"
 #include "wall/report.h"
 

@@ -1,7 +1,7 @@
 #include "host/options.h"
 
 #include "host/menu.h"
-#include "host/prefs.h"
+#include "host/settings/prefs.h"
 #include "platform/platform.h"
 
 #include <charconv>

@@ -4,6 +4,7 @@
 #include "cgenie/video.h"
 #include "host/shell.h"
 #include "monitor/monitor.h"
+#include "platform/platform.h"
 
 namespace {
 
@@ -47,3 +48,5 @@ ReadableText shown_text() {
     }
     return page;
 }
+
+void ui_copy_to_clipboard() { platform().clipboard().set_text(screen_text("\r\n")); }

@@ -2,6 +2,7 @@
 
 #include "cgenie/crtc.h"
 #include "cgenie/memory/memory.h"
+#include "host/screen_text.h"
 #include "host/status.h"
 #include "platform/headless/headless.h"
 #include "support/test_files.h"

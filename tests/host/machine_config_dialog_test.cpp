@@ -2,7 +2,7 @@
 #include "core/frame_driver.h"
 #include "core/machine.h"
 #include "host/dialogs/dialogs.h"
-#include "host/prefs.h"
+#include "host/settings/prefs.h"
 #include "host/status.h"
 #include "support/host_files.h"
 #include "wall/machine_host.h"

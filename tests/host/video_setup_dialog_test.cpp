@@ -34,7 +34,7 @@ protected:
     }
 
     Form& open() {
-        ui_display_setup();
+        ui_display_setup(show_palette);
         return *host.forms().find("Video setup");
     }
     static Values values() {
@@ -116,7 +116,10 @@ TEST_F(VideoSetupDialogTest, EveryWayOut) {
         {"close", [](Form& f) { f.choose(SATURATION, 11), f.press_close_button(); }, 11},
         {"cancel after close", [](Form& f) { f.choose(SATURATION, 12), f.press_escape(); }, 11},
         {"asked for again while open",
-         [](Form& f) { f.choose(SATURATION, 13), ui_display_setup(), f.press_escape(); }, 11},
+         [](Form& f) {
+             f.choose(SATURATION, 13), ui_display_setup(show_palette), f.press_escape();
+         },
+         11},
         {"enter", [](Form& f) { f.type(SATURATION_EDIT, "14"), f.press_enter(); }, 14},
     };
     Form* first = &open();

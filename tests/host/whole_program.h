@@ -1,7 +1,7 @@
 #pragma once
 /// The whole program, with its settings in a file.
 
-#include "host/hold.h"
+#include "host/dialogs/hold.h"
 #include "host/menu.h"
 #include "host/shell.h"
 #include "host/turn.h"

@@ -1,6 +1,6 @@
 #include "host/dialogs/ask.h"
 
-#include "host/hold.h"
+#include "host/dialogs/hold.h"
 #include "platform/platform.h"
 
 #include <utility>

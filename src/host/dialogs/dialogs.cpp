@@ -2,8 +2,7 @@
 
 #include "files/file_names.h"
 #include "host/dialogs/ask.h"
-#include "host/hold.h"
-#include "host/screen_text.h"
+#include "host/dialogs/hold.h"
 #include "platform/platform.h"
 #include "wall/machine_host.h"
 #include "z80/z80.h"
@@ -196,5 +195,3 @@ void ui_about_dialog() {
                                 std::string("Version ") + TARVELIN_VERSION},
                                "User manual", manual_url(), release_shell);
 }
-
-void ui_copy_to_clipboard() { platform().clipboard().set_text(screen_text("\r\n")); }

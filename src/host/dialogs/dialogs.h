@@ -1,5 +1,5 @@
 #pragma once
-/// Dialogs' logic, the clipboard copy and the drive lamps.
+/// What the program's dialogs show, and what becomes of the answers.
 
 #include "platform/dialogs.h"
 
@@ -46,14 +46,12 @@ void ui_get_casdata(std::array<std::string, 3>* addresses);
 /// Name, version, and the link to the user manual: beside the program in its place of installation,
 /// or else the program's folder.
 void ui_about_dialog();
-/// The text screen to the host's clipboard, rows ended by CR LF.
-void ui_copy_to_clipboard();
 /// Chooses the model or sets up the user's own configuration, and applies it on OK. `done` either
 /// way.
 void ui_machine_config(std::function<void()> done);
-/// Opens the video setup beside the main window, or brings it to the front. The picture follows it
-/// at once.
-void ui_display_setup();
+/// Opens the video setup beside the main window, or brings it to the front. Every change is in the
+/// palette at once; `changed` is called behind it, to show it.
+void ui_display_setup(std::function<void()> changed);
 /// Frees the forms that stay between two showings; before the platform ends.
 void ui_free_forms();
 /// Asks for an address and arms the breakpoint there; `done` when that has happened.

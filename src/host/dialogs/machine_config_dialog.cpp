@@ -4,7 +4,7 @@
 #include "core/machine_events.h"
 #include "host/dialogs/ask.h"
 #include "host/dialogs/dialogs.h"
-#include "host/prefs.h"
+#include "host/settings/prefs.h"
 #include "platform/platform.h"
 #include "wall/machine_host.h"
 

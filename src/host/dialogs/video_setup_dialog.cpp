@@ -1,12 +1,12 @@
 #include "cgenie/palette.h"
-#include "host/canvas.h"
 #include "host/dialogs/dialogs.h"
-#include "host/shell.h"
 #include "platform/platform.h"
 
 #include <algorithm>
 #include <array>
+#include <functional>
 #include <memory>
+#include <utility>
 
 namespace {
 
@@ -32,6 +32,7 @@ constexpr std::array<VideoParameter, 5> video_parameters = {{
 
 std::unique_ptr<Form> mWnd;             ///< made once, then hidden and shown
 display_parameters display_params_copy; ///< as they were when it was opened
+std::function<void()> palette_changed;  ///< tells whoever opened it last
 
 FormDescription video_form() {
     using enum ControlKind;
@@ -57,13 +58,6 @@ void show_parameters(Form& form) {
         form.set_value(parameter.slider, int(std::min(value, HIGHEST)));
         form.set_number(parameter.edit, value);
     }
-}
-
-/// Lets the picture follow the parameters, also when no frame of the machine is to come.
-void show_picture() {
-    palette_update();
-    dib_create_rgb_palette(canvas);
-    if (!g_bActive) platform().window().invalidate();
 }
 
 void slider_moved(Form& form, const VideoParameter& parameter) {
@@ -95,7 +89,8 @@ void user_acts(Form& form, const FormEvent& event) {
             if (event.control == parameter.edit) edit_changed(form, parameter);
         }
     }
-    show_picture();
+    palette_update();
+    palette_changed();
 }
 
 /// To the right of the main window when there is room.
@@ -108,7 +103,8 @@ void place(Form& form) {
 
 } // namespace
 
-void ui_display_setup() {
+void ui_display_setup(std::function<void()> changed) {
+    palette_changed = std::move(changed);
     if (!mWnd) mWnd = platform().forms().create(video_form(), user_acts);
     if (!mWnd->is_open()) display_params_copy = display_params;
     show_parameters(*mWnd);

@@ -1,4 +1,4 @@
-#include "host/prefs.h"
+#include "host/settings/prefs.h"
 
 #include "platform/platform.h"
 #include "wall/report.h"

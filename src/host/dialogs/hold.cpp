@@ -1,4 +1,4 @@
-#include "host/hold.h"
+#include "host/dialogs/hold.h"
 
 #include <cstddef>
 #include <deque>
