@@ -186,6 +186,11 @@ TEST_F(Bus, BeeperFollowsChangesOfTheCassetteBitOnly) {
     const auto& heard = scripted.fragments[0];
     EXPECT_EQ(heard[100] - heard[99], 4096) << "at its time";
     EXPECT_EQ(heard[959], heard[100]);
+    bus_state.tape_level = 1; // of a tape that is played: it ends
+    z80_state.t_count = cycle_of_sample(sample_at(z80_state.t_count) + 100);
+    z80_in(0xFF);
+    advance(860);
+    EXPECT_EQ(scripted.fragments[1][99] - scripted.fragments[1][100], 4096) << "at its time";
     sound_null_driver_init();
 }
 

@@ -111,16 +111,6 @@ TEST(Video, RendersEveryGeometryInsideTheFrame) {
     }
 }
 
-TEST(Video, ResetClearsFrameButNotLatch) {
-    latch(0x6C);
-    std::fill(std::begin(frame_buffer), std::end(frame_buffer), uint8_t(3));
-    video_reset();
-    EXPECT_EQ(std::count(frame_buffer, frame_buffer + 384 * 288, 16), 384 * 288);
-    EXPECT_EQ(video_mode, 0x20);
-    EXPECT_EQ(video_charset_selected, 0x08);
-    EXPECT_EQ(video_graphic_background_selected, 13);
-}
-
 TEST(Video, LoadsCharacterSets) {
     const auto holds = [](FirmwareImage image) {
         const auto bytes = firmware_bytes(image);

@@ -322,6 +322,10 @@ TEST_F(AviTest, StreamsSegmentsAndIndexes) {
         for (size_t at = 0; at < riff.data.size(); at += riff.number(at + 4) + 8) {
             EXPECT_LE(riff.number(at + 4) + 8, c.limit);
         }
+        if (c.segments == 1) { // the header of a film that was cut off tells the last second
+            const Riff crash(read_file("crash.avi"));
+            EXPECT_EQ(crash.number(crash.all("AVI /hdrl/avih").at(0).start + 16), 50U);
+        }
         for (const char* file : {"film.avi", "crash.avi"}) {
             EXPECT_EQ(probe("-count_packets -select_streams v -show_entries stream=nb_read_packets",
                             file),
@@ -442,25 +446,6 @@ TEST_F(AviTest, AFullDiskEndsTheRecordingAndKeepsTheFile) {
         EXPECT_EQ(riff.all("AVI /movi/01wb").size(), frames);
         EXPECT_EQ(riff.all("AVI /idx1").size(), rest == FRAME / 2 ? 1U : 0U);
     }
-}
-
-TEST_F(AviTest, AKilledProgramLeavesAFileThatPlays) {
-    const pid_t child = fork();
-    if (child == 0) {
-        open("film.avi");
-        record(170);
-        std::raise(SIGKILL);
-    }
-    int ended = 0;
-    waitpid(child, &ended, 0);
-    ASSERT_TRUE(WIFSIGNALED(ended));
-    EXPECT_EQ(played("film.avi"), "rawvideo,384,288,50/1,170\n");
-    Bytes file = read_file("film.avi");
-    constexpr size_t KNOWN = 10'240 + 150 * (110'592 + 1936); // to the header
-    file.resize(KNOWN);
-    const Riff riff(file);
-    EXPECT_EQ(riff.number(riff.all("AVI /hdrl/avih").at(0).start + 16), 150U);
-    EXPECT_EQ(riff.all("AVI /movi/00db").size(), 150U);
 }
 
 } // namespace

@@ -17,23 +17,6 @@ protected:
     HeadlessSettings& store = host.settings_in_memory();
 };
 
-TEST_F(PrefsTest, AMissingNumberIsCreatedWithTheCallersValue) {
-    store.set_text("Sound", "not a number");
-    store.set_number("BitDepth", 1);
-    ASSERT_EQ(prefs_init(), 1);
-    uint32_t sound = 0xFFFFFFFF, depth = 8;
-    EXPECT_EQ(GetValueDword("Sound", &sound), 0);
-    EXPECT_EQ(GetValueDword("BitDepth", &depth), 1);
-    EXPECT_EQ(depth, 1U);
-    EXPECT_EQ(sound, 0xFFFFFFFF);
-    EXPECT_EQ(store.number("Sound"), 0xFFFFFFFF);
-
-    const uint32_t zero = 0;
-    EXPECT_EQ(SetValueDword("Sound", &zero), 1);
-    EXPECT_EQ(GetValueDword("Sound", &sound), 1);
-    EXPECT_EQ(sound, 0U);
-}
-
 TEST_F(PrefsTest, Texts) {
     ASSERT_EQ(prefs_init(), 1);
     std::string text = "before";

@@ -54,34 +54,4 @@ TEST_F(RomFiles, DumpIsTheWholeAddressSpace) {
     EXPECT_EQ(read_file("memdump.bin"), image);
     EXPECT_EQ(save_binary("no/such/folder", memory, 16), 0);
 }
-
-TEST_F(RomFiles, UserFirmwareOfTheRightSizeReplacesTheBuiltInOne) {
-    const auto in_use = [](FirmwareImage image) {
-        const auto bytes = firmware_bytes(image);
-        return Bytes(bytes.begin(), bytes.end());
-    };
-    hold_message_boxes(); // forgets earlier messages
-    EXPECT_EQ(firmware_load_user_images("."), 0) << "an empty folder";
-    EXPECT_EQ(firmware_load_user_images("missing"), 0);
-    EXPECT_TRUE(kept_messages().empty()) << "a file that is not there is no news";
-    const Bytes basic = in_use(FirmwareImage::basic_v1), disk = in_use(FirmwareImage::disk);
-    const Bytes charset = in_use(FirmwareImage::charset_german);
-
-    write_file("firmware/basic-v2.rom", pattern(16384));
-    write_file("firmware/charset-german.rom", pattern(2049));
-    write_file("firmware/disk.rom", pattern(100));
-    write_file("firmware/charset-emulator.rom", {});
-    std::filesystem::create_directory("firmware/basic-v1.rom");
-    EXPECT_EQ(firmware_load_user_images("firmware"), 1);
-    EXPECT_EQ(in_use(FirmwareImage::basic_v2), pattern(16384));
-    EXPECT_EQ(in_use(FirmwareImage::basic_v1), basic);
-    EXPECT_EQ(in_use(FirmwareImage::disk), disk);
-    EXPECT_EQ(in_use(FirmwareImage::charset_german), charset);
-
-    ASSERT_EQ(kept_messages().size(), 4U);
-    EXPECT_NE(kept_messages()[0].line.find("firmware/basic-v1.rom"), std::string::npos);
-    EXPECT_NE(kept_messages()[1].line.find("100 bytes found, 8192 "), std::string::npos);
-    firmware_forget_user_images();
-    EXPECT_NE(in_use(FirmwareImage::basic_v2), pattern(16384));
-}
 } // namespace

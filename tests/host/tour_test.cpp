@@ -134,6 +134,7 @@ std::vector<Stop> TourTest::stops() {
         {121, with_recording,
          [this] {
              EXPECT_EQ(tape_wav_is_open(), 0);
+             EXPECT_EQ(host->status_text(2), "");
              status("Tape image detached.")();
          }},
         {122, nothing, [this] { expect_mark(122, true); }},
@@ -147,9 +148,11 @@ std::vector<Stop> TourTest::stops() {
          [with_cassette] {
              with_cassette();
              tape_attach_cas("game.cas");
+             StatusBarPartText(2, "0042");
          },
          [this] {
              EXPECT_EQ(tape_cas_is_attached(), 0);
+             EXPECT_EQ(host->status_text(2), "");
              status("Tape image detached.")();
          }},
         {125,

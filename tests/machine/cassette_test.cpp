@@ -227,19 +227,6 @@ TEST_F(Cassette, ProgramGoesRound) {
     EXPECT_EQ(row_above(2), "?OM ERROR");
 }
 
-TEST_F(Cassette, LoadsATokenizedFile) {
-    const std::string program = program_at(PROGRAM, LINES);
-    // Complete, and cut short before the link that ends it.
-    for (size_t missing : {0, 2}) {
-        write_text(file("u.bas"), char(0xFF) + program.substr(0, program.size() - missing));
-        ASSERT_EQ(bas_to_cas_open(file("u.bas")), 1);
-        poke(PROGRAM_START, 0x6000);
-        EXPECT_TRUE(obey("CLOAD")) << missing;
-        EXPECT_EQ(bytes_at(0x6000, program.size()), program_at(0x6000, LINES)) << missing;
-        EXPECT_EQ(row_above(1), "READY");
-    }
-}
-
 // ---- sound -------------------------------------------------------------------------------------
 
 struct Tape {
@@ -279,24 +266,6 @@ std::string play_back(const std::string& wav, const Tape& tape) {
            "data" + length(data.size()) + data;
 }
 
-/// Bytes as an ideal recorder holds them, 1200 bit/s.
-std::string sound_of(const std::string& bytes) {
-    std::string wav(HEADER, '\0');
-    double end = HEADER;
-    bool high = false;
-    const auto half = [&](bool change) {
-        high ^= change;
-        for (end += 44100 / 2400.0; double(wav.size()) < end;) wav += char(high ? 190 : 66);
-    };
-    for (const char byte : bytes)
-        for (int bit = 7; bit >= 0; --bit) {
-            half(true);
-            half(byte >> bit & 1);
-        }
-    half(true);
-    return wav;
-}
-
 /// What stands behind leader and sync byte: two short intervals between changes are a one, a long
 /// one is a zero.
 std::string bytes_of(const std::string& wav) {
@@ -324,30 +293,6 @@ std::string bytes_of(const std::string& wav) {
     for (start += 16; start + 8 <= bits.size(); start += 8)
         bytes += char(std::stoi(bits.substr(start, 8), nullptr, 2));
     return bytes;
-}
-
-TEST_F(Cassette, SoundOfAnotherMachineLoads) {
-    std::string code;
-    for (unsigned n = 0; n < 300; ++n) code += char(n * 29 + n / 256);
-    const std::string tape =
-        code_tape("OTHER ", block(0x9000, "No"), 0x9000) + std::string(40, char(0xAA)) +
-        code_tape("DEMO  ", block(0x9000, code.substr(0, 256)) + block(0x9100, code.substr(256)),
-                  0x9000);
-    for (const double speed : {0.7, 1.0, 1.3}) {
-        // A second of noise, then the tape.
-        write_text(file("play.wav"), play_back(std::string(44100, char(0x80)) +
-                                                   sound_of(std::string(40, char(0xAA)) + tape),
-                                               {.speed = speed, .noise = 35}));
-        ASSERT_EQ(tape_open_wav(file("play.wav")), 1);
-        tape_set_motor(1, z80_state.t_count);
-        std::fill(memory + 0x9000, memory + 0x9200, 0);
-        ASSERT_TRUE(obey("SYSTEM", 20, "*?"));
-        EXPECT_TRUE(obey("D", 400, "*?")) << speed;
-        EXPECT_EQ(bytes_at(0x9000, code.size()), code) << speed;
-        EXPECT_EQ(memory[MARKS], '*') << speed;
-        tape_close_wav();
-        boot(0);
-    }
 }
 
 TEST_F(Cassette, SoundGoesRound) {
@@ -429,38 +374,6 @@ TEST_F(Cassette, BreakEndsEverySearch) {
         ASSERT_TRUE(obey("SYSTEM", 20, "*?"));
         EXPECT_FALSE(obey("", 50));
         press_break(sound + " SYSTEM");
-    }
-}
-
-TEST_F(Cassette, ResetKeyFollowsEveryBrokenTape) {
-    const std::string rom(reinterpret_cast<const char*>(memory), 0x4000);
-    const std::string code = code_tape("DEMO  ", block(0x9000, "ABCD"), 0x0000);
-    const std::string basic = std::string(9, char(0xAA)) + "\x66\x41" + program_at(PROGRAM, {"AB"});
-    const auto try_tape = [&](const std::string& bytes, bool machine_code, size_t offset) {
-        tape(bytes);
-        poke(PROGRAM_START, PROGRAM);
-        if (machine_code) {
-            if (load_code("DEMO")) obey("/", 10);
-        } else {
-            obey("CLOAD");
-        }
-        machine_reset();
-        run(30);
-        if (waits("MEM SIZE?")) obey(""); // the start led there, by way of 0000
-        EXPECT_TRUE(row_above(1) == "READY" && waits(">")) << offset << ", code " << machine_code;
-        ASSERT_EQ(bytes_at(0, 0x4000), rom) << offset << ", code " << machine_code;
-        if (row_above(1) != "READY") boot(0);
-    };
-    for (bool machine_code : {true, false}) {
-        const std::string& whole = machine_code ? code : basic;
-        for (size_t offset = 0; offset < whole.size(); ++offset) {
-            try_tape(whole.substr(0, offset), machine_code, offset);
-            for (int flips : {1 << offset % 8, 0xFF}) {
-                std::string bytes = whole;
-                bytes[offset] = char(bytes[offset] ^ flips);
-                try_tape(bytes, machine_code, offset);
-            }
-        }
     }
 }
 

@@ -121,44 +121,6 @@ void append(Bytes& bytes, std::initializer_list<int> head, size_t body, int seed
     for (size_t i = 0; i < body; ++i) bytes.push_back(uint8_t(seed + i * 3));
 }
 
-TEST_F(CmdLoader, LengthByteSelectsTheNumberOfDataBytes) {
-    const struct {
-        int length;
-        size_t data;
-    } cases[] = {{0, 254}, {1, 255}, {2, 256}, {3, 1}, {4, 2}, {255, 253}};
-    for (const auto& c : cases) {
-        Bytes bytes;
-        append(bytes, {1, c.length, 0x00, 0x58}, c.data, 0);
-        for (size_t i = 4; i < bytes.size(); ++i) bytes[i] = 0x5A;
-        append(bytes, {2, 2, 0x34, 0x12}, 0, 0);
-        std::memset(memory, 0, MEMORY_SIZE);
-        const Outcome got = load(bytes);
-        blocks_seen += 2;
-        EXPECT_EQ(got.result, 1) << c.length;
-        EXPECT_EQ(got.entry, 0x1234u) << c.length;
-        EXPECT_EQ(got.out, text("load from address 5800h, %zu bytes.\n", c.data));
-        for (size_t i = 0; i < 300; ++i) {
-            ASSERT_EQ(memory[0x5800 + i], i < c.data ? 0x5A : 0) << c.length << " at " << i;
-        }
-    }
-}
-
-TEST_F(CmdLoader, PrintsEveryBlockOnItsStream) {
-    const Outcome got = load({5, 2, 'A', 'B', 1, 3, 0x0F, 0x50, 9, 200, 0});
-    const std::string err = text("Block #%02i, type 5: \n"
-                                 "unsupported block type 5 of size 2, at offset: 2.\n"
-                                 "Block #%02i, type 1: \n"
-                                 "Block #%02i, type 200: \n"
-                                 "unsupported block type 200 of size 256, at offset: 11.\n",
-                                 blocks_seen + 1, blocks_seen + 2, blocks_seen + 3);
-    blocks_seen += 3;
-    EXPECT_EQ(got.err, err);
-    EXPECT_EQ(got.out, "load from address 500fh, 1 bytes.\n");
-    EXPECT_EQ(got.result, 0);
-    EXPECT_EQ(got.entry, 0u);
-    EXPECT_EQ(memory[0x500F], 9);
-}
-
 TEST_F(CmdLoader, FileCutAtEveryByte) {
     Bytes whole;
     append(whole, {5, 6}, 6, 'A');
@@ -187,20 +149,6 @@ TEST_F(CmdLoader, EveryTypeWithEveryLength) {
         append(bytes, {2, length, 0xCD, 0xAB, 1}, 0, 0);
         check(bytes, "length " + std::to_string(length));
     }
-}
-
-TEST_F(CmdLoader, WritesReachOnlyWhatTheProcessorCanWrite) {
-    Bytes bytes;
-    append(bytes, {1, 18, 0xF8, 0xFF}, 16, 1);  // past FFFF to 0000
-    append(bytes, {1, 18, 0xF8, 0x3F}, 16, 50); // ROM, then RAM
-    append(bytes, {1, 18, 0xF8, 0xBF}, 16, 70); // RAM, then expansion ROM
-    append(bytes, {1, 18, 0xF8, 0xEF}, 16, 90); // nothing, then colour RAM
-    append(bytes, {1, 18, 0xF8, 0xF7}, 16, 9);  // character RAM, then keyboard
-    append(bytes, {2, 2, 0x00, 0x58}, 0, 0);
-    check(bytes, "edges");
-    EXPECT_EQ(memory[0x0000], 0) << "ROM changed";
-    EXPECT_EQ(memory[0x4000], 50 + 8 * 3);
-    EXPECT_EQ(memory[0xF000], uint8_t(90 + 8 * 3));
 }
 
 } // namespace

@@ -9,7 +9,6 @@
 #include <unistd.h>
 
 #include <array>
-#include <random>
 
 namespace fs = std::filesystem;
 
@@ -264,56 +263,6 @@ TEST_F(DiskImage, TellsWhatItFound) {
         disk_img_read_sector(wd1771_disk(0), 1, 2, 3, sector_.data()); // (2 x 18 + 3) x 256 = 2700h
         EXPECT_EQ(testing::internal::GetCapturedStderr(), told);
         testing::internal::CaptureStderr();
-    }
-}
-
-/// Reads and writes every address that the controller can reach, and compares the image with what
-/// the layout says.
-void expect_addresses_kept(disk_image& disk, std::array<uint8_t, LARGEST_SECTOR>& buffer) {
-    Bytes expected = disk.image;
-    const size_t size = disk.bytes_per_sector;
-    for (uint32_t address = 0; address < 0x10000; ++address) {
-        const uint32_t track = address >> 8, number = address & 0xFF;
-        uint64_t index = uint64_t(track) * disk.sectors + number;
-        if (disk.layout == DISK_JV3 && number < disk.sectors)
-            for (index = 0; index < 2901; ++index)
-                if (expected[index * 3] == track && expected[index * 3 + 1] == number) break;
-        const uint64_t at = disk.data_offset + index * size;
-        const bool there = number < disk.sectors && at + size <= expected.size() &&
-                           (disk.layout != DISK_JV3 || index < 2901);
-        ASSERT_EQ(disk_img_read_sector(disk, 0, track, number, buffer.data()), there);
-        if (there) {
-            ASSERT_TRUE(std::equal(buffer.begin(), buffer.begin() + long(size), &expected[at]));
-            buffer.fill(uint8_t(track * 7 + number));
-            std::fill_n(expected.begin() + long(at), size, buffer[0]);
-        }
-        ASSERT_EQ(disk_img_write_sector(disk, 1, track, number, buffer.data()), there);
-    }
-    EXPECT_EQ(disk.image, expected);
-}
-
-TEST_F(DiskImage, NoHeaderLeadsOutsideTheImage) {
-    for (size_t at = 0; at < 80; ++at) {
-        for (const uint8_t value : {0x00, 0x01, 0x02, 0x7F, 0x80, 0xFF}) {
-            disk_image disk;
-            disk.image = with_geometry(40, 2, 10, 256);
-            disk.image[at] = value;
-            if (at >= 16 && at % 16) { // not used
-                EXPECT_EQ(diskimg_analyze(disk), 1) << at;
-            } else if (diskimg_analyze(disk)) {
-                SCOPED_TRACE(testing::Message() << at << ", " << int(value));
-                expect_addresses_kept(disk, sector_);
-            }
-        }
-    }
-    std::mt19937 random(1771);
-    for (int n = 0; n < 12; ++n) {
-        disk_image disk;
-        disk.image = with_headers(98304, 35);
-        for (int change = 0; change < (n < 6 ? 40 : 8703); ++change)
-            disk.image[n < 6 ? random() % 1050 : size_t(change)] = uint8_t(random() % 40);
-        SCOPED_TRACE(n);
-        if (diskimg_analyze(disk)) expect_addresses_kept(disk, sector_);
     }
 }
 

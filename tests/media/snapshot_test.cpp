@@ -106,26 +106,6 @@ TEST_F(Snapshot, LoadRestoresRegistersRamAndPortZeroOnly) {
     }
 }
 
-TEST_F(Snapshot, RoundTripKeepsTheInterruptStateOfTheRunningMachine) {
-    Machine want;
-    ASSERT_EQ(snapshot_save(path.c_str(), memory_get_ram()), 1);
-    expect_same(want, "saving");
-    for (auto member :
-         {&z80_record::bc, &z80_record::de, &z80_record::hl, &z80_record::af, &z80_record::bc_alt,
-          &z80_record::de_alt, &z80_record::hl_alt, &z80_record::af_alt, &z80_record::pc,
-          &z80_record::sp, &z80_record::ix, &z80_record::iy}) {
-        z80_state.*member = 0xEEEE;
-    }
-    want.cpu.i = z80_state.i = 0x12;
-    want.cpu.r = z80_state.r = 0x34;
-    want.cpu.iff1 = z80_state.iff1 = 0;
-    want.cpu.interrupt_mode = z80_state.interrupt_mode = 1;
-    std::memset(memory + 0x4000, 0, 49152);
-    want.port_bytes[0] = 0xFF; // the input byte, written last
-    ASSERT_EQ(snapshot_load(path.c_str(), memory_get_ram()), 1);
-    expect_same(want, "round trip");
-}
-
 TEST_F(Snapshot, RefusedFilesChangeNothing) {
     Bytes file(49701, 0x55);
     std::memcpy(file.data(), "JZ01", 4);

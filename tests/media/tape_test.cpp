@@ -350,38 +350,4 @@ TEST_F(Tape, MemoryIsExported) {
     EXPECT_EQ(read_text("bare.cas"), std::string(256, '\xAA') + "\x66\x55");
 }
 
-TEST_F(Tape, DamagedImagesAreHarmless) {
-    const std::string images[] = {std::string(5, '\xAA') + "\x66\x55NAME  \x3C\x01\x00\x50\x07"_b,
-                                  CGT + " x\0\x66\x55NAME"_b, "\xFF\x01\x50\x0A\x00\xB2\0\0"_b};
-    const auto examine = [](const std::string& bytes) {
-        write_text("t.cas", bytes);
-        ASSERT_EQ(tape_attach_cas("t.cas"), 1);
-        char name = '-';
-        const int kind = tape_cas_type(&name);
-        ASSERT_TRUE(kind >= 0 && kind <= 2);
-        ASSERT_EQ(kind == 2 || name == '-', true);
-        ASSERT_EQ(next(bytes.size() + 2), bytes + "\xFF\xFF");
-        tape_cas_rewind();
-        tape_read_one_byte();
-        tape_cas_skip_header();
-        next(4);
-        const bool tokenized = !bytes.empty() && bytes[0] == '\xFF';
-        ASSERT_EQ(is_tokenized_bas("t.cas"), tokenized ? 1 : 0);
-        ASSERT_EQ(bas_to_cas_open("t.cas"), 1);
-        const std::string body = bytes.empty() ? "" : bytes.substr(1);
-        ASSERT_EQ(next(263 + body.size()).substr(260), "T" + body + "\x1A\xFF");
-    };
-    for (const std::string& image : images) {
-        for (size_t n = 0; n <= image.size(); ++n) {
-            SCOPED_TRACE(n);
-            examine(image.substr(0, n));
-            for (int bit = 0; bit < 8 && n < image.size(); ++bit) {
-                std::string flipped = image;
-                flipped[n] = char(flipped[n] ^ (1 << bit));
-                examine(flipped);
-            }
-        }
-    }
-}
-
 } // namespace

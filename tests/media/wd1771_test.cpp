@@ -302,14 +302,6 @@ TEST_F(Wd1771, WhileBusyOnlyForceInterruptIsHeard) {
             EXPECT_EQ(wd1771_read_reg(DATA), 0xFF) << "no read command";
         }
     }
-    for (const int64_t cycles : {0, 33000}) { // and while the head moves
-        command(0x00);
-        pass(cycles);
-        status();
-        command(0x50);
-        EXPECT_EQ(wd1771_read_reg(TRACK), 0) << cycles;
-        command(0xD0);
-    }
 }
 
 TEST_F(Wd1771, TheLatchChoosesTheDrive) {
@@ -434,65 +426,6 @@ TEST_F(Wd1771, SectorsOfOtherSizes) {
             wd1771_read_reg(DATA);
         }
         EXPECT_EQ(status() & 0x03, 0);
-    }
-}
-
-/// A program formats a track and writes a sector, and looks at the interrupt behind each.
-TEST_F(Wd1771, AProgramFormatsAndWritesThroughTheBus) {
-    const std::array<uint8_t, 98> program = {
-        0x3E, 0x01, 0x32, 0xE0, 0xFF,       // LD A,1      LD (FFE0),A  select drive 0
-        0x3E, 0x03, 0xCD, 0x50, 0x90,       // LD A,03     CALL 9050    restore
-        0x3E, 0x27, 0x32, 0xEF, 0xFF,       // LD A,39     LD (FFEF),A
-        0x3E, 0x13, 0xCD, 0x50, 0x90,       // LD A,13     CALL 9050    seek
-        0x21, 0x00, 0xA0,                   // LD HL,A000
-        0x3E, 0xF4, 0x32, 0xEC, 0xFF,       // LD A,F4     LD (FFEC),A  format
-        0x3A, 0xE0, 0xFF, 0xE6, 0x40,       // LD A,(FFE0) AND 40       until the interrupt
-        0x20, 0x07,                         // JR NZ,+7
-        0x7E, 0x32, 0xEF, 0xFF, 0x23,       // LD A,(HL)   LD (FFEF),A  INC HL
-        0x18, 0xF2,                         // JR -14
-        0x22, 0x00, 0x91,                   // LD (9100),HL
-        0x3A, 0xE0, 0xFF, 0x32, 0x02, 0x91, // LD A,(FFE0) LD (9102),A
-        0x3E, 0x04, 0x32, 0xEE, 0xFF,       // LD A,4      LD (FFEE),A
-        0x21, 0x00, 0x92, 0x3E, 0xA8,       // LD HL,9200  LD A,A8      write
-        0xCD, 0x50, 0x90,                   // CALL 9050
-        0x3A, 0xE0, 0xFF, 0x32, 0x03, 0x91, // LD A,(FFE0) LD (9103),A
-        0x22, 0x04, 0x91, 0xF3, 0x76,       // LD (9104),HL  DI  HALT
-        0x00, 0x00, 0x00, 0x00, 0x00,
-        // 9050: Sends the command in A, then the bytes at HL as they are asked for.
-        0x32, 0xEC, 0xFF,             // LD (FFEC),A
-        0x3A, 0xEC, 0xFF,             // LD A,(FFEC)
-        0x0F, 0xD0,                   // RRCA  RET NC
-        0x0F, 0x30, 0xF8,             // RRCA  JR NC,9053
-        0x7E, 0x32, 0xEF, 0xFF, 0x23, // LD A,(HL)  LD (FFEF),A  INC HL
-        0x18, 0xF1};                  // JR 9053
-    std::ranges::copy(program, memory + 0x9000);
-    std::vector<uint8_t> expected = wd1771_disk(0).image;
-    for (size_t n = 0; n < 2560; ++n) expected[size_t(39) * 2560 + n] = uint8_t(0x40 + n / 256);
-    for (size_t n = 0; n < 256; ++n)
-        memory[0x9200 + n] = expected[size_t(394) * 256 + n] = uint8_t(n ^ 0x3C);
-    const std::vector<uint8_t> track = track_bytes(39, 10, 0x40);
-    std::ranges::copy(track, memory + 0xA000);
-    z80_state.irq = 0;
-    do_di();
-    z80_state.sp = 0x8FF0;
-    z80_state.pc = 0x9000;
-    // In the middle of the sector, and from there once more.
-    while (wd1771.command != 0xA8 || wd1771.buffer_offset < 99) z80_run(99);
-    machine_state state;
-    machine_save(state);
-    const std::vector<uint8_t> parked = wd1771_disk(0).image;
-    for (int run = 0; run < 2; ++run) {
-        EXPECT_NE(wd1771_disk(0).image, expected);
-        z80_run(100000);
-        EXPECT_EQ(memory[z80_state.pc], 0x76) << "on the HALT";
-        EXPECT_EQ(mem_read_word(0x9100), 0xA000 + track.size());
-        EXPECT_EQ(memory[0x9102], 0x00) << "looking at the interrupt has answered it";
-        EXPECT_EQ(memory[0x9103], 0x00) << "none behind a sector";
-        EXPECT_EQ(mem_read_word(0x9104), 0x9300) << "256 bytes";
-        EXPECT_EQ(wd1771_disk(0).image, expected);
-        wd1771 = {};
-        EXPECT_TRUE(machine_load(state));
-        EXPECT_EQ(wd1771_disk(0).image, parked) << "which the other has not written to";
     }
 }
 

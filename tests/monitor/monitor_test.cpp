@@ -187,26 +187,6 @@ TEST_F(Monitor, Stepping) {
     EXPECT_TRUE(shown()[1].starts_with(" 0000:"));
 }
 
-TEST_F(Monitor, EnterAndF4) {
-    size_window(80, 25);
-    poke(CODE, {0x76, 0xC3, 0x00, 0xA0});
-    z80_state.pc = CODE;
-    press(KEY_ESCAPE);
-    press(KEY_F2);
-    press(KEY_RETURN); // HALT stays
-    EXPECT_EQ(local_pc, CODE);
-    EXPECT_TRUE(shown()[3].starts_with(" 9000 76 "));
-    z80_state.pc = CODE + 1;
-    press(KEY_RETURN);
-    EXPECT_EQ(local_pc, 0xA000);
-    press(KEY_DOWN);
-    const char* const states[] = {"BP:A001(ON )", "BP:A001(OFF)", "BP:A001(ON )"};
-    for (const char* state : states) {
-        press(KEY_F4);
-        EXPECT_NE(shown()[1].find(state), std::string::npos) << state;
-    }
-}
-
 TEST_F(Monitor, DialogForTheBreakpoint) {
     const struct {
         const char* typed;

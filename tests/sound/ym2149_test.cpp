@@ -6,8 +6,6 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <complex>
-#include <numeric>
 #include <random>
 
 namespace {
@@ -246,38 +244,6 @@ TEST_F(Ym2149, WriteTakesEffectAtItsSample) {
             ASSERT_EQ(scripted.fragments[0][size_t(i)], i < change ? FULL : LEVELS[14] / 8)
                 << "cycle " << offset << ", sample " << i;
         }
-    }
-}
-
-TEST_F(Ym2149, CleanSoundHasTheHarmonicsOnlyAndTheSameLoudness) {
-    for (const auto& [period, before] : {std::pair(315U, -20.0), {16U, -7.0}}) {
-        const uint32_t length = 256 * period; // 739 cycles of 1478 / 48000 x 16 clocks each
-        double loudness[2];
-        for (const bool clean : {false, true}) {
-            power_on(CLOCK);
-            ym2149_clean = clean;
-            write({{0, period & 0xFF}, {1, period >> 8}, {7, 0x3E}, {8, 15}});
-            samples(100);
-            std::vector<double> rest;
-            for (const uint16_t sample : samples(length)) rest.push_back(int16_t(sample));
-            const auto energy = [&] {
-                return std::inner_product(rest.begin(), rest.end(), rest.begin(), 0.0);
-            };
-            for (double& sample : rest) sample -= FULL / 2.0;
-            const double whole = energy();
-            for (uint32_t line = 0; line < length / 2; line += 739) {
-                std::complex<double> sum = 0;
-                const auto turn = [&](size_t i) {
-                    return std::polar(1.0, TWO_PI / length * double(i * line % length));
-                };
-                for (size_t i = 0; i < length; ++i) sum += rest[i] * std::conj(turn(i));
-                sum *= (line ? 2.0 : 1.0) / length;
-                for (size_t i = 0; i < length; ++i) rest[i] -= std::real(sum * turn(i));
-                if (line == 739) loudness[clean] = std::abs(sum);
-            }
-            EXPECT_LT(10 * std::log10(energy() / whole), clean ? -75 : before) << period;
-        }
-        EXPECT_NEAR(loudness[1], loudness[0], 0.001 * loudness[0]) << period;
     }
 }
 

@@ -70,6 +70,9 @@ TEST_F(Interrupt, ResetAndInit) {
     EXPECT_EQ(describe(z80_state), describe(want));
     EXPECT_FALSE(z80_state.irq || z80_state.nmi || z80_state.nmi_in_progress);
     EXPECT_EQ(z80_state.t_count, 1234);
+    z80_state.nmi = z80_state.nmi_in_progress = 1;
+    z80_ack_nmi();
+    EXPECT_FALSE(z80_state.nmi || z80_state.nmi_in_progress);
     EXPECT_EQ(z80_state.breakpoint_enabled, 1);
     EXPECT_EQ(z80_state.cycles_per_line, 141U);
     z80_init(4000000);
@@ -179,61 +182,6 @@ TEST_F(Interrupt, DevicesSeeTheStartOfTheInstructionAndRaiseTheLine) {
         EXPECT_EQ(z80_state.pc, 0x0038) << hex_bytes(code);
         EXPECT_EQ(pushed(), origin + 2) << hex_bytes(code);
     }
-}
-
-TEST_F(Interrupt, SoftResetGivesExactlyOneNmi) {
-    assert_irq(1);
-    z80_state.iff2 = 1;
-    z80_state.irq = 0; // the lines as the machine's reset key leaves them
-    z80_state.nmi = 1;
-    z80_state.nmi_in_progress = 0;
-    flat_bus.load(0x0066, {0x00, 0xED, 0x45}); // NOP, RETN
-    flat_bus.record = true;
-    EXPECT_EQ(z80_run(0), -(4 + 11));
-    EXPECT_EQ(data_accesses(origin, 1), "w7EFE=01 w7EFF=80");
-    EXPECT_EQ(flat_bus.times, (std::vector<int64_t>{0, 4, 4})); // its cost is added at the end
-    EXPECT_EQ(z80_state.pc, 0x0066);
-    EXPECT_EQ(z80_state.r, 0x34);
-    EXPECT_EQ(z80_state.iff1, 0);
-    EXPECT_EQ(z80_state.iff2, 1);
-    EXPECT_EQ(z80_state.nmi, 1);
-    EXPECT_EQ(z80_state.nmi_in_progress, 1);
-    z80_state.irq = 1; // masked until RETN brings IFF1 back
-    EXPECT_EQ(z80_run(0), -4);
-    EXPECT_EQ(z80_run(0), -(14 + 13));
-    EXPECT_EQ(z80_state.pc, 0x0038);
-    EXPECT_EQ(z80_state.nmi_in_progress, 1);
-    EXPECT_EQ(z80_run(0), -4);
-    z80_ack_nmi();
-    EXPECT_FALSE(z80_state.nmi || z80_state.nmi_in_progress);
-    z80_assert_nmi();
-    EXPECT_EQ(z80_run(0), -(4 + 11));
-    EXPECT_EQ(z80_state.pc, 0x0066);
-}
-
-TEST_F(Interrupt, Traps) {
-    for (int number = 0; number <= 12; number++) {
-        fresh_processor();
-        put_code({0xED, number});
-        EXPECT_EQ(z80_run(0), 0) << number;
-        EXPECT_EQ(flat_bus.traps, std::vector{number});
-        EXPECT_EQ(z80_state.pc, origin + 2) << number;
-        EXPECT_EQ(z80_state.r, 0x34) << number;
-        z80_state.pc = origin;
-        cpu_run(); // the trap used nothing: the NOP behind it runs as well
-        EXPECT_EQ(z80_state.pc, origin + 3) << number;
-    }
-    fresh_processor();
-    flat_bus.on_trap = [](int) {
-        EXPECT_EQ(z80_state.pc, origin + 2);
-        z80_state.pc = 0x9000;
-        z80_state.af = 0x1234;
-        z80_state.t_count += 5;
-    };
-    put_code({0xED, 0x05});
-    EXPECT_EQ(z80_run(0), -5);
-    EXPECT_EQ(z80_state.pc, 0x9000);
-    EXPECT_EQ(z80_state.af, 0x1234);
 }
 
 TEST_F(Interrupt, Breakpoint) {
