@@ -442,11 +442,16 @@ TEST(Disk, NoFileComesToAnotherDisk) {
         disk.rows("CLOSE\n");
         EXPECT_TRUE(drive == changed) << open << act;
     }
-    // The same disk again, with another one between; files on disks of two sizes.
+    // The same disk again, with another one between; files on disks of two sizes, the second with
+    // blocks that the first has not.
     drive = filled;
     std::string problem;
-    wd1771_attach(1, disk_blank(DISK_PLAIN, 80, 18, problem)->image, false);
-    disk.rows("FORMAT 1\nYCLEAR 500:OPEN\"O\",1,\"N:1\":OPEN\"E\",2,\"C\":OPEN\"O\",3,\"D\"\n");
+    auto large = disk_blank(DISK_PLAIN, 80, 18, problem);
+    ASSERT_EQ(disk_format(*large, problem), 1);
+    auto made = *disk_mount(std::move(*large), problem);
+    ASSERT_EQ(disk_put(made, *disk_name("BIG"), FILE_DATA, DiskBytes(75 * 2304), problem), 1);
+    wd1771_attach(1, std::move(made.image.image), false);
+    disk.rows("CLEAR 500:OPEN\"O\",1,\"N:1\":OPEN\"E\",2,\"C\":OPEN\"O\",3,\"D\"\n");
     for (int i = 0; i < 20; ++i) {
         disk.rows("PRINT#1,STRING$(254,49):PRINT#2,STRING$(254,50)\n");
         const DiskBytes own = std::exchange(drive, fuller);
