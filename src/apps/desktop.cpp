@@ -9,7 +9,7 @@
 
 namespace {
 
-/// Qt takes its own options out of the line, but for those behind "--".
+/// Runs the shell in a window. Qt takes its own options out of the line, except those behind "--".
 int run_desktop(int argc, char** argv) {
     char** const end = std::find(argv, argv + argc, std::string_view("--"));
     const Arguments operands(end, argv + argc);

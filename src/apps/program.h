@@ -8,7 +8,7 @@
 
 /// Prints help or version where the line asks for it; true when it did.
 bool print_information(const CommandLine& line);
-/// Prints what keeps the program from running. Returns its exit status.
+/// Prints what keeps the program from running, and returns the exit status.
 int fail(const std::string& problem);
 /// Prints the registers and the disassembly that the line asks for.
 void print_results(const CommandLine& line);

@@ -102,7 +102,8 @@ uint8_t read_device(uint32_t address) {
     }
 }
 
-/// A loading cassette is heard: its level goes to the beeper as well.
+/// Reads the cassette input. Its level goes to the beeper as well, so that a loading cassette is
+/// heard.
 uint8_t memory_tape_read() {
     const uint8_t level = tape_load_wav(z80_state.t_count) ? LATCH_CASSETTE : 0;
     if (level != bus_state.tape_level) {
@@ -150,8 +151,8 @@ void mem_write(uint32_t address, uint8_t value) {
     store(address, value);
 }
 
-// Out of line, since the run loop takes in whatever it calls: with the devices behind every port
-// instruction it would be many times as large, and take minutes to link.
+// Kept out of line: the run loop inlines whatever it calls, and with the devices in every port
+// instruction it would be many times as large and take minutes to link.
 
 [[gnu::noinline]] uint8_t z80_in(uint32_t port) {
     assert(port < 0x100);

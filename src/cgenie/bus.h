@@ -2,8 +2,8 @@
 /// The bus: address map and port map of the machine. It supplies the processor's mem_read,
 /// mem_write, z80_in and z80_out (declared in z80/z80.h) and charges one wait cycle for every
 /// access to RAM, colour RAM and character RAM, and for every read of the keyboard, of the unused
-/// RAM above it and of the device page. ROM, the open bus and refused writes cost nothing. What the
-/// beam may show is announced to it before it changes.
+/// RAM above it and of the device page. ROM, the open bus and refused writes cost nothing. Before a
+/// byte or register changes that the beam engine may be about to show, it is told.
 
 #include "wall/state_record.h"
 

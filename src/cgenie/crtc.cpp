@@ -92,8 +92,8 @@ void count_sync_lines() {
     crtc.vertical_sync_line = crtc.vertical_sync_position * (crtc.maximum_scan_line + 1);
 }
 
-/// Four fifths of the way to the present sync line in one frame: a program that moves the sync
-/// shifts the picture over a few frames, as a television's vertical hold does.
+/// Moves the average four fifths of the way to the present sync line in each frame. When a program
+/// moves the sync, the picture thus follows over a few frames, as on a television.
 void follow_sync_line() {
     crtc.sync_line_average = (crtc.sync_line_average + 4 * crtc.vertical_sync_line) / 5;
     place_picture();

@@ -22,7 +22,7 @@ constexpr std::array<Image, FIRMWARE_IMAGES> images = {{
     {"charset-emulator.rom", firmware_charset_emulator},
 }};
 
-/// Empty: the built-in one is in use.
+/// An empty one stands for the built-in image.
 std::array<std::vector<uint8_t>, FIRMWARE_IMAGES> user_images;
 
 } // namespace

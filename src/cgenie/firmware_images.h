@@ -22,8 +22,8 @@ constexpr size_t FIRMWARE_IMAGES = 7;
 const char* firmware_file_name(FirmwareImage image);
 /// The bytes in use: the user's when there are any, else the built-in ones.
 std::span<const uint8_t> firmware_bytes(FirmwareImage image);
-/// Takes the user's bytes in place of the image, for the rest of the run; 0 when they are not as
-/// many. The machine has them from the next time on that it loads the image.
+/// Takes the user's bytes in place of the image, for the rest of the run; 0, and no change, when
+/// their number differs. The machine gets them the next time it loads the image.
 int firmware_use_image(FirmwareImage image, std::vector<uint8_t> bytes);
 /// Back to the built-in images.
 void firmware_forget_user_images();

@@ -29,7 +29,7 @@ struct machine_input {
 
 struct input_contents {
     machine_input now;
-    uint8_t look;             ///< whether the next read looks again; see input_now
+    uint8_t look;             ///< whether the next read asks the host again; see input_now
     uint8_t keyboard_mapping; ///< 1 symbolic, otherwise positional
     uint8_t next_shift_state; ///< reads of row 7 to come that report SHIFT as down
     uint8_t unused;
@@ -37,9 +37,9 @@ struct input_contents {
 extern input_contents input_state;
 extern const state_record input_record;
 
-/// The frame driver tells where frames begin and end.
+/// For the frame driver: a frame begins, or has ended.
 void input_begin_frame();
 void input_end_frame();
 /// The input for a device that is read at this moment. Within a frame it stays as it was at the
-/// first read; outside of one, each read looks at what is there.
+/// first read; outside of one, each read asks the host.
 const machine_input& input_now();

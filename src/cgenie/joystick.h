@@ -17,7 +17,7 @@ enum JoystickQuery : int {
     JOYSTICK_SECOND_BUTTON
 };
 
-/// There is nothing to start or to reset: every read looks at the input.
+/// Both do nothing: every read looks at the input, so there is nothing to start or reset.
 void joystick_init();
 void joystick_reset();
 /// One value of joystick 0 or 1. A joystick that is not there stands in the middle, 32767 on both

@@ -14,7 +14,8 @@ constexpr uint8_t COLUMN_SHIFT = 1 << 0;
 /// A program looks at row 7 right behind a key's own row, some of them more than once.
 constexpr uint8_t SHIFT_READS = 3;
 
-/// The program sees only the SHIFT that the characters need, whatever the host's own key does.
+/// Row 7 in the symbolic mapping: SHIFT is down when the character needs it, whatever the host's
+/// own Shift key does.
 uint8_t symbolic_shift_row() {
     if (input_state.next_shift_state == 0) return 0;
     --input_state.next_shift_state;
@@ -24,7 +25,7 @@ uint8_t symbolic_shift_row() {
 uint8_t symbolic_row(const machine_input& input, unsigned row) {
     if (row == ROW_SHIFT) return symbolic_shift_row();
     const uint8_t alone = input.symbolic[0][row], shifted = input.symbolic[1][row];
-    // The last of several keys decides.
+    // With several keys down, the last one decides about SHIFT.
     for (unsigned column = 0; column < COLUMNS; ++column) {
         const auto bit = uint8_t(1U << column);
         if (alone & bit) {

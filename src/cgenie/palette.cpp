@@ -75,15 +75,16 @@ uint8_t dimmed(uint32_t component) {
 uint8_t to_byte(double value) { return uint8_t(std::clamp(value + 0.5, 0.0, 255.0)); }
 int8_t to_signed_byte(double value) { return int8_t(std::clamp(value + 0.5, -128.0, 127.0)); }
 
-constexpr int LumaFilterCoeff = 35; // percent of a step that a pixel falls short of
+constexpr int LumaFilterCoeff = 35; // percent of a change that a pixel falls short
 
-/// smeared_luma[i][l]: luminance of a pixel of entry i after one that came out as l. The chain
-/// from pixel to pixel bounds the filter's speed, and one look-up is its shortest link.
+/// smeared_luma[i][l]: luminance of a pixel of entry i after one that came out as l. Each pixel
+/// depends on the one before, which limits the speed of the filter; a table makes that step as
+/// short as it can be.
 uint8_t smeared_luma[256][256];
 
-/// U and V of an entry in one word, so that one sum adds both: V in the upper half, U in the lower
-/// half, raised so that it never borrows from V. The weights of a sum add up to eight, which moves
-/// the bias above the eleven bits of the sum of U.
+/// U and V of an entry in one word, so that one addition adds both: V in the upper half, U in the
+/// lower half. U has a bias added, so that it never borrows from V; the weights of a sum add up to
+/// eight, which moves the bias out of the eleven bits of the sum of U.
 uint32_t chroma_words[256];
 constexpr int CHROMA_BIAS = 256;
 constexpr int CHROMA_SHIFT = 3;

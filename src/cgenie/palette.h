@@ -31,8 +31,9 @@ extern uint8_t cgpalette[256][3]; ///< red, green, blue; 16 in all of an entry t
 extern yuv_pixel yuv_palette[256];
 extern display_parameters display_params; ///< the user's, and no part of the machine
 
-/// All that the machine has of it. The palettes follow from this and from the display parameters:
-/// after another state has been loaded, palette_update makes them anew.
+/// The part of the colours that belongs to the machine. The palettes are calculated from it and
+/// from the display parameters: after another state has been loaded, palette_update makes them
+/// anew.
 struct colour_standard {
     uint32_t index; ///< 0 Southern, 1 Northern
 };
@@ -44,7 +45,8 @@ inline constexpr auto& current_pal_index = palette_state.index;
 void calculate_palette(uint32_t standard);
 /// Rebuilds the palettes of the present standard, after a change of the parameters.
 void palette_update();
-/// Strength of the colours, 0 grey to 100, in the palettes from their next calculation on.
+/// Sets the strength of the colours, 0 (grey) to 100. It takes effect when the palettes are
+/// calculated next.
 void palette_set_saturation(uint32_t percent);
 uint32_t palette_get_saturation();
 uint32_t palette_get_default_saturation();

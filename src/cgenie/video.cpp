@@ -38,8 +38,9 @@ constexpr state_field video_fields[] = {
 constexpr uint32_t CUSTOM_CHARSET = 3;
 constexpr uint32_t WIDEST_ROW = SCREEN_WIDTH / CELL_WIDTH + 1; ///< cells, two of them cut in half
 
-/// The cells of a row that show in the frame. A row wider than the frame is centred as well, and
-/// loses as much on the left as on the right: whole cells, and half a cell when its width is odd.
+/// The cells of a row that show in the frame. A row wider than the frame is centred as well: it
+/// loses as many cells on the left as on the right, and half a cell on each side when its width is
+/// odd.
 struct VisibleCells {
     uint32_t first, end; ///< columns
     int skip;            ///< pixels of the first cell that do not show
@@ -71,7 +72,7 @@ void fetch_row(const VisibleCells& cells, uint32_t row, TextCell* cell) {
         for (uint32_t y = 8; y <= crtc.maximum_scan_line; ++y) {
             cell->patterns[y] = pattern_line(patterns, code, y);
         }
-        // The colour RAM follows the place on the screen, not the start address.
+        // The colour RAM is indexed by the place on the screen; the start address does not count.
         cell->colour = colour_ram(position);
     }
 }

@@ -17,12 +17,12 @@ enum : int {
     SCREEN_HEIGHT = 288,
     BLACK_INDEX = 16 ///< border, blanking, cleared areas
 };
-/// The beam may write past the last line; only the first 384 x 288 bytes are shown.
+/// In bytes. The beam may write past the last line; only the first 384 x 288 bytes are shown.
 constexpr size_t FRAME_STORAGE = 1769472;
 
 extern uint8_t frame_buffer[FRAME_STORAGE];
-/// Of the storage only the shown lines and the one below them, which the composite filter reads
-/// under the last: nothing ever reads the rest.
+/// Has only the shown lines and the one below them, which the composite filter reads: nothing reads
+/// the rest of the storage.
 extern const state_record frame_buffer_record;
 
 /// The port FF latch as it was last written, and the character generator.
@@ -66,16 +66,16 @@ uint8_t video_character_pattern(uint8_t code, uint32_t y);
 void video_render_frame();
 /// The same for the monochrome canvas, which is packed from the frame: nothing else is used.
 void video_render_1bit(uint8_t* pixels, int cut, int page);
-/// Nothing: the canvas has its lines already.
+/// Does nothing: the lines are drawn by video_resize_frame.
 void video_draw_interlaced(uint8_t* pixels, int bits);
 
-int video_get_windowx(int giant); ///< 384, or 768 when giant
-int video_get_windowy(int giant); ///< 288, or 576 when giant
-int video_get_rows();             ///< of text displayed, 0 to 127
-int video_get_columns();          ///< of text displayed, 0 to 255
-const uint8_t* video_get_screen_ram();
+int video_get_windowx(int giant);      ///< 384, or 768 when giant
+int video_get_windowy(int giant);      ///< 288, or 576 when giant
+int video_get_rows();                  ///< of text displayed, 0 to 127
+int video_get_columns();               ///< of text displayed, 0 to 255
+const uint8_t* video_get_screen_ram(); ///< address 4000 + (start address AND 3FFF)
 /// Where the cursor is, in characters from the top left corner of the screen, row by row. It may be
 /// outside of the screen.
-uint32_t video_get_cursor(); ///< address 4000 + (start address AND 3FFF)
+uint32_t video_get_cursor();
 /// Presents the finished frame.
 void video_update_frame();

@@ -181,7 +181,8 @@ void draw_text_cells(uint32_t address, uint32_t clocks) {
     draw_text_cells(address, clocks, [&](uint32_t code) { return lines[code >> 6][code * 8]; });
 }
 
-/// A line's runs are a few cells long: words in a loop are faster there than a block fill.
+/// Fills cells with a word. The runs are only a few cells long, where this loop is faster than a
+/// block fill.
 void fill_cells(uint8_t* pixels, uint64_t word, size_t cells) {
     for (; cells > 0; --cells, pixels += CELL_WIDTH) std::memcpy(pixels, &word, sizeof word);
 }
@@ -230,9 +231,10 @@ uint32_t clocks_to_sync_step() {
     return (counter < width ? width : RETRACE_CLOCK) - counter - 1;
 }
 
-/// Clocks ahead that only count and put out a cell: the one after them may end the line, enter the
-/// border, step the sync or fill the storage. Distances are modulo 256 like the column; where a
-/// register lies beyond the column's range, the clock after them is an ordinary one.
+/// How many of the next clocks only count and put out a cell. The clock after them is an event: it
+/// may end the line, enter the border, step the sync or reach the end of the storage. Distances are
+/// modulo 256 like the column; when a register lies beyond the column's range, the clock counted as
+/// an event is an ordinary one.
 inline uint32_t clocks_without_event() {
     const uint8_t to_end = uint8_t(crtc.horizontal_total - state.column);
     const uint8_t to_border = uint8_t(crtc.horizontal_displayed - state.column - 1);
@@ -278,9 +280,9 @@ void catch_up(int64_t time) {
     if (crtc.horizontal_total != 0) run_clocks(half_clocks / 2); // programmed
 }
 
-/// May the lag show the byte at `address`? Whatever the registers, a clock's cell is the one after
-/// the last clock's, or the matrix goes back to the row's or the picture's first: no cell is
-/// further behind one of these than there were clocks.
+/// May the byte at `address` be shown between the last catch-up and now? Each clock shows the cell
+/// after the one before, or goes back to the first cell of the row or of the picture. So no cell
+/// shown lies further behind one of these three than there were clocks.
 bool lag_shows(uint32_t address) {
     if (address >= CHARACTER_RAM_START) return true;
     const uint32_t mask = address >= COLOUR_RAM_START ? COLOUR_RAM_MASK : VIDEO_RAM_MASK;
@@ -333,7 +335,7 @@ void video_do_cycles(uint32_t clocks) {
     run_clocks(clocks);
 }
 
-// Out of line, for the same reason as the ports of the bus.
+// Kept out of line, like the ports of the bus: the run loop would inline it.
 [[gnu::noinline]] void video_beam_catch_up() { catch_up(z80_state.instruction_start); }
 
 [[gnu::noinline]] void video_beam_catch_up_with(uint32_t address) {

@@ -74,7 +74,8 @@ constexpr std::array<uint64_t, 256> plane_masks(uint32_t plane) {
 constexpr std::array<uint64_t, 256> LOW_PLANE = plane_masks(0);
 constexpr std::array<uint64_t, 256> HIGH_PLANE = plane_masks(1);
 
-/// The four colours as what the planes change of the background, in every pixel.
+/// The background colour, and what each plane (and both together) changes in it by exclusive or; in
+/// every pixel.
 struct GraphicsColours {
     uint64_t background, low, high, both;
 };

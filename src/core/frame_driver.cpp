@@ -44,8 +44,8 @@ void end_frame() {
     machine_log_frame();
 }
 
-/// Runs what is left of the frame, or up to the armed breakpoint; looking for it takes a step per
-/// instruction.
+/// Runs what is left of the frame, or up to the armed breakpoint; with a breakpoint armed, the
+/// processor runs an instruction at a time.
 int32_t run_cycles(int32_t cycles) {
     if (g_bCycleBasedEngine) return video_run_cycles(cycles);
     if (!z80_state.breakpoint_enabled) return z80_run(cycles);
@@ -69,7 +69,7 @@ int32_t frame_budget() { return int32_t(z80_state.clock_hz) / int32_t(frames_per
 
 int machine_run() {
     begin_frame();
-    // Something else than an instruction may have moved the program counter here.
+    // Something other than an instruction (a load, a reset) may have moved the program counter.
     bool reached = z80_state.breakpoint_enabled && cpu_breakpoint_arrives();
     do {
         if (reached && machine_host.breakpoint_reached()) return MACHINE_STANDS;

@@ -34,5 +34,5 @@ enum machine_run_end : int {
 /// Runs one emulated frame, or completes the one that has been left in the middle. MACHINE_STANDS
 /// when it has come to the breakpoint, and the host wants the machine to stand there.
 int machine_run();
-/// Runs one instruction as part of a frame, whatever stands at it.
+/// Runs one instruction as part of a frame, also one with a breakpoint.
 int machine_step();

@@ -48,12 +48,12 @@ enum : uint16_t {
 constexpr uint16_t LINK_SIZE = 2; ///< a link of 0000 ends a program
 constexpr uint16_t RAM_END = 0xC000;
 
-/// Past wait cycles and whatever a program has put behind an address.
+/// Reads memory directly: without wait cycles, and without asking a device.
 uint16_t cell(uint16_t address) { return uint16_t(memory[address] | memory[address + 1] << 8); }
 
 /// Once MEM SIZE? has been answered, BASIC makes an empty program and goes to its prompt. Until
-/// then these cells hold what the memory is filled with at power-on, or zeros: neither is in order,
-/// and of random bytes one filling in millions.
+/// then these cells hold zeros or what the memory is filled with at power-on, which does not look
+/// like a program; of random fillings, one in millions does.
 bool there_is_a_basic_program() {
     const uint16_t end = cell(PROGRAM_END);
     return cell(PROGRAM_START) > RAM_START && cell(PROGRAM_START) + LINK_SIZE <= end &&
@@ -140,8 +140,9 @@ void machine_restart_with_disk_rom() {
     machine_restart();
 }
 
-// Nothing that the firmware does at the prompt can be caught without a look at every instruction.
-// The memory tells it as well, also with a ROM of the user's, and once a frame costs nothing.
+// To see the firmware arrive at its prompt, every instruction would have to be looked at. The
+// memory shows it as well, also with a ROM of the user's, and a look at it once a frame costs
+// nothing.
 void machine_look_for_prompt() {
     if (!machine_run_now.prompt_reached)
         machine_run_now.prompt_reached = there_is_a_basic_program() ? 1 : 0;

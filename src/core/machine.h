@@ -24,7 +24,7 @@ constexpr uint32_t MACHINE_CONFIGURATIONS = 5; ///< slot 3 stays empty
 constexpr uint32_t SLOWEST_CLOCK = 50'000;     ///< Hz, of a custom configuration
 constexpr uint32_t FASTEST_CLOCK = 100'000'000;
 
-/// What has come about in this run; no setting keeps it.
+/// What has happened in this run; it is not kept in the settings.
 struct machine_run_state {
     /// 1 when BASIC has come to its prompt since the last cold start: power-on, restart, or a
     /// configuration that restarts the machine.

@@ -23,7 +23,7 @@
 
 namespace {
 
-/// The log that is being kept, and the host that answers meanwhile.
+/// The log that is being kept, and the callbacks of the host whose answers go into it.
 machine_log* kept = nullptr;
 machine_host_calls asked;
 
@@ -180,7 +180,7 @@ void fail(const std::string& what) {
     replay.trouble += ", at cycle " + std::to_string(z80_state.t_count) + ": " + what;
 }
 
-/// The next event when it is of this kind, and of this cycle.
+/// The next event if it is of this kind and of the present cycle; else null.
 const machine_event* take(event_kind kind) {
     const auto& events = replay.log->events;
     if (replay.next >= events.size()) return nullptr;
@@ -223,7 +223,7 @@ save_answer give_save() { return save_answer(answer_or(event_kind::save_reply, S
 
 bool is_answer(event_kind kind) { return kind >= event_kind::fragments; }
 
-/// Runs on to where event number `target` came, and does it.
+/// Runs the machine to the point at which event number `target` came, and applies it.
 void run_to(size_t target) {
     const machine_event& event = replay.log->events[target];
     const auto is_there = [&] {
@@ -240,7 +240,7 @@ void run_to(size_t target) {
     if (z80_state.t_count != event.cycle) fail("the machine is at another cycle");
     if (replay.next != target) fail("an answer that nobody has asked for");
     if (!replay.trouble.empty()) return;
-    ++replay.next; // the answers that it asks for come behind it
+    ++replay.next; // the answers to what it asks follow it in the log
     perform(event);
 }
 

@@ -1,7 +1,7 @@
 #pragma once
-/// The one way into the machine. Everything that changes it from outside is an event, and so is
-/// every answer that it gets from its host: a state and the events after it give the same machine
-/// again, to the byte.
+/// The one way to change the machine from outside. Every such change is an event, and so is every
+/// answer that the machine gets from its host. A saved state and the events after it therefore give
+/// the same machine again, to the byte.
 
 #include "core/machine.h"
 #include "wall/shared_bytes.h"
@@ -11,7 +11,7 @@
 #include <vector>
 
 enum class event_kind : uint8_t {
-    // ---- what machine_apply does; `a`, `b` and `bytes` are its arguments ----
+    // ---- what machine_apply does with its arguments `a`, `b` and `bytes` ----
     reset,                 ///< the reset key
     restart,               ///< as after switching off and on
     restart_with_disk_rom, ///< the same, with the disk ROM in
@@ -27,8 +27,8 @@ enum class event_kind : uint8_t {
     key_mapping,           ///< `a` as keyboard_change_mapping takes it
     key_reset,             ///< no key is pressed
     graphics_board,        ///< `a`: connected or not
-    type_text,             ///< the bytes, once the typing trap is in the ROM
-    typing_trap,           ///< puts it in
+    type_text,             ///< the bytes are typed, once the typing trap is in the ROM
+    typing_trap,           ///< puts the typing trap into the ROM
     stop_typing,
     start_again, ///< the processor at its start, with RAM as it is
     go_to,       ///< the processor goes on at the address `a`
@@ -71,11 +71,11 @@ struct machine_event {
     int32_t a = 0;
     int32_t b = 0;
     shared_bytes bytes = {};
-    int64_t cycle = 0; ///< of the processor, when it came
-    uint16_t pc = 0;   ///< the same; traps take no time
+    int64_t cycle = 0; ///< t_count when it came
+    uint16_t pc = 0;   ///< PC when it came: a trap takes no time, so the cycle alone is not exact
 };
 
-/// The configuration that the user has chosen, and the one of the user's own.
+/// The user's own configuration, and which one is chosen.
 struct machine_choice {
     machine_configuration custom;
     uint32_t active;
@@ -98,11 +98,12 @@ shared_bytes bytes_of(const Record& record) {
 /// Appends every event from now on to `log`, which must outlive it; null ends the log, with a
 /// moment when a frame has begun. Only one log at a time.
 void machine_keep_log(machine_log* log);
-/// The frame driver: a frame has ended.
+/// For the frame driver: notes in the log that a frame has ended.
 void machine_log_frame();
 
-/// Runs the live machine through the events from number `first` on, as they came. The host is told
-/// what the machine shows and puts out, by the callbacks in `machine_host`; what it would be asked
-/// stands in the log. Only a WAV file that plays is read again, by read_tape. Returns an empty text
-/// at the end of the log, or where the machine has gone another way.
+/// Runs the live machine through the events from number `first` on, each at its cycle. The
+/// callbacks in `machine_host` get what the machine shows and puts out; what they would be asked is
+/// answered from the log. Only a WAV file that plays is read again, by read_tape. Returns an empty
+/// text when the end of the log was reached, else where the machine did something else than the log
+/// says.
 std::string machine_replay(const machine_log& log, size_t first = 0);

@@ -71,8 +71,8 @@ constexpr auto media = std::to_array<medium>({
 
 bool is_state(const state_field& field) { return field.kind == field_kind::state; }
 
-/// Calls `act` (record, field, offset in the saved records) for every field; what is not state is
-/// not saved, and the offset is that of the field behind it.
+/// Calls `act` (record, field, offset in the saved records) for every field; a field that is not
+/// state is not saved, and gets the offset of the next one that is.
 template <typename Act>
 void for_each_field(Act act) {
     size_t offset = 0;
@@ -84,8 +84,8 @@ void for_each_field(Act act) {
     }
 }
 
-/// Calls `act` (bytes, size) for all pieces of the live records that are state, as long as they
-/// get.
+/// Calls `act` (bytes, size) for all pieces of the live records that are state, each as long as
+/// possible.
 template <typename Act>
 void for_each_piece(Act act) {
     for (const state_record* record : records) {
@@ -114,7 +114,7 @@ std::string value_of(const uint8_t* bytes, size_t size) {
     return text;
 }
 
-/// A number is shown whole; of an array, the first byte that differs.
+/// How a field differs: both values of a number, the first different byte of an array.
 std::string difference_in(const state_field& field, const uint8_t* a, const uint8_t* b) {
     constexpr size_t LONGEST_NUMBER = 8;
     if (field.size <= LONGEST_NUMBER) {

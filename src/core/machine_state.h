@@ -2,8 +2,9 @@
 /// The machine as a value: a copy of every record and a share of every medium. One machine lives;
 /// others are parked copies of it, and take turns.
 ///
-/// What is not in it, is the same for the whole run (firmware images, tables), follows from it
-/// (caches), or belongs to the host (files, the sound device, breakpoints).
+/// Left out is what stays the same for the whole run (firmware images, tables), what can be
+/// computed from the state (caches), and what belongs to the host (files, the sound device,
+/// breakpoints).
 
 #include "wall/shared_bytes.h"
 
@@ -23,16 +24,17 @@ struct machine_state {
 size_t machine_state_size();
 /// Parks a copy of the live machine.
 void machine_save(machine_state& to);
-/// The parked machine becomes the live one, and the host is told that all it shows is stale. What
-/// is not state stays as it is. 0 when there is no saved state in `from`, and nothing changes.
+/// The parked machine becomes the live one, and the host is told that all it shows is stale. Fields
+/// that are not state keep their values. 0 when there is no saved state in `from`, and nothing
+/// changes.
 int machine_load(const machine_state& from);
 /// The first field in which the two differ, as "record.field", with both values of a short one;
 /// empty when they are equal.
 std::string machine_difference(const machine_state& a, const machine_state& b);
 /// 1 when the two are equal to the byte, media included.
 int machine_equal(const machine_state& a, const machine_state& b);
-/// Offset, size and name of every field, one to a line, without an offset what is not state: the
-/// same on every host.
+/// Offset, size and name of every field, one to a line; a field that is not state has no offset.
+/// The text is the same on every host.
 std::string machine_layout();
 /// 1 when the fields of each record are as long as the record, so that nothing is between them.
 int machine_records_are_filled();

@@ -3,8 +3,8 @@
 #include <string_view>
 
 /// A name that only one holder on this computer can have at a time, this program's other parts
-/// included. It is free again when the holder lets go of it or its program ends in any way; nothing
-/// of it is in a file.
+/// included. It is free again when the object goes, or when its program ends in any way. No file is
+/// made.
 class NameClaim {
 public:
     enum class Result { held, taken, impossible }; ///< impossible: the host has no such names

@@ -36,7 +36,8 @@ std::vector<std::string> make_folders(const fs::path& folder) {
     return made;
 }
 
-/// Makes it this program's; false when another one has it, or had it first.
+/// Locks the file with an operation of flock. False when another program holds it, or removed it
+/// before the lock was there.
 bool lock(std::FILE* file, int operation) {
     struct stat status = {};
     while (flock(fileno(file), operation) != 0) {
@@ -61,11 +62,12 @@ std::optional<NoteText> read_note(const std::string& path) {
 
 struct LeftNote {
     std::string path;
-    FileHandle lock; ///< nobody else acts on it
+    FileHandle lock; ///< keeps other programs off it
     NoteText text;
 };
 
-/// The notes that nobody holds. What cannot be read was never finished, and nothing was made then.
+/// The notes that no running program holds. One that cannot be read was never finished, and then
+/// its temporary file had not been made yet.
 std::vector<LeftNote> left_notes() {
     std::vector<LeftNote> notes;
     std::error_code error;
@@ -81,7 +83,7 @@ std::vector<LeftNote> left_notes() {
     return notes;
 }
 
-/// Those that are in use stay.
+/// Removes the folders of this module that are empty; the others stay.
 void remove_empty_folders() {
     for (const std::string& folder : {notes_folder(), rescue_folder(), user_data_directory()}) {
         rmdir(folder.c_str());
@@ -92,7 +94,8 @@ bool is_rescue_copy(const std::string& path) {
     return fs::path(path).parent_path() == fs::path(rescue_folder());
 }
 
-/// Removes nothing but what a note of this program can name.
+/// Removes the file, but only if its name is one that this module gives, whatever the note says.
+/// False when it could not be removed.
 bool remove_temporary(const std::string& path) {
     const bool own = is_temporary_name(fs::path(path).filename().string()) || is_rescue_copy(path);
     return !own || unlink(path.c_str()) == 0 || errno == ENOENT || errno == ENOTDIR;

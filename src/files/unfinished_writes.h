@@ -8,11 +8,11 @@
 #include <string>
 #include <vector>
 
-/// The note of one file that is being written; it goes with the object.
+/// The note of one file that is being written. It is removed with the object.
 class WriteNote {
 public:
-    /// Before `temporary` is made on the way to `target`, both absolute. Where the data directory
-    /// cannot be used there is no note, and writing goes on without.
+    /// To be called before `temporary` is made on the way to `target`, both absolute. Where the
+    /// data directory cannot be used there is no note, and writing goes on without.
     WriteNote(const std::string& temporary, const std::string& target);
     ~WriteNote();
     WriteNote(const WriteNote&) = delete;
@@ -40,7 +40,7 @@ std::string rescue_copy_name(const std::string& target);
 /// A file that was being written in place when its program went. It may hold anything.
 struct InterruptedWrite {
     std::string target;
-    std::string copy; ///< has what the target was to hold
+    std::string copy; ///< path of a file with what the target was to hold
     std::string note;
 };
 
@@ -51,5 +51,5 @@ std::vector<InterruptedWrite> interrupted_writes();
 /// Writes the copy over the target and removes it. False when that fails, with the reason in errno;
 /// then all stays as it was.
 bool finish_write(const InterruptedWrite& write);
-/// Forgets about the file. The copy stays where it is.
+/// Removes the note, so that the file is not offered again. The copy stays where it is.
 void leave_unfinished(const InterruptedWrite& write);

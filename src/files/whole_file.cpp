@@ -18,14 +18,14 @@ namespace {
 namespace fs = std::filesystem;
 using Bytes = std::span<const uint8_t>;
 
-constexpr mode_t OWNERS_CHOICE = 0666; ///< less what the user's mask takes off
+constexpr mode_t OWNERS_CHOICE = 0666; ///< permissions of a new file, before the user's mask
 constexpr mode_t PERMISSIONS = 07777;
 constexpr int MOST_LINKS = 40; ///< one after the other, as the system follows them
 
 /// Short, so that there is room for it beside a file whose name is as long as can be.
 constexpr std::string_view TEMPORARY = ".tarvelin-";
 
-/// Closes itself; the reason of a failure outlives that.
+/// A file descriptor that closes itself and leaves errno alone while it does.
 class Descriptor {
 public:
     explicit Descriptor(int number) : number_(number) {}
@@ -67,7 +67,8 @@ bool write_all(int descriptor, Bytes bytes) {
     return true;
 }
 
-/// Devices, pipes and some file systems have nothing to synchronize.
+/// Writes what is buffered to the disk. Devices, pipes and some file systems cannot do that, which
+/// is no failure.
 bool sync(int descriptor) {
     while (fsync(descriptor) != 0) {
         if (errno == EINVAL || errno == EROFS) return true;
@@ -76,8 +77,8 @@ bool sync(int descriptor) {
     return true;
 }
 
-/// The new name has to be on disk as well as the contents. A folder that may not be read comes
-/// without.
+/// Writes the folder to the disk: the new name has to survive a crash as well as the contents. A
+/// folder that may not be read is left out.
 void sync_folder(const fs::path& folder) {
     const Descriptor opened(::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (opened.open()) sync(opened.number());
@@ -105,7 +106,7 @@ bool write_to_device(const std::string& path, Bytes bytes) {
     return write_all(device.number(), bytes) && device.close();
 }
 
-/// What else belongs to the old file; others may not be the user's to set.
+/// Copies the user attributes and the access list of the old file, as far as they can be set.
 void copy_attributes(const std::string& from, int to) {
     char names[4096];
     char value[4096];
@@ -118,8 +119,8 @@ void copy_attributes(const std::string& from, int to) {
     }
 }
 
-/// Gives the new file owner, group and permissions of the old one. A group that cannot be kept may
-/// not do more than anybody.
+/// Gives the new file owner, group and permissions of the old one. When the group cannot be kept,
+/// the new group gets only the permissions that everybody has.
 bool copy_permissions(const struct stat& old, const std::string& from, int to) {
     struct stat now = {};
     if (fstat(to, &now) != 0) return false;
@@ -133,8 +134,9 @@ bool copy_permissions(const struct stat& old, const std::string& from, int to) {
     return true;
 }
 
-/// Makes the file with the bytes, down to the disk; nothing stays of it when that fails. `old`
-/// gives its permissions.
+/// Makes the file with these bytes and writes it through to the disk. When that fails, the file is
+/// removed again. `old` (with the path `like`) has the permissions to give it; null for those of a
+/// new file.
 bool make_file(const std::string& path, Bytes bytes, const struct stat* old,
                const std::string& like) {
     const mode_t mode = old ? S_IRUSR | S_IWUSR : OWNERS_CHOICE;
@@ -160,7 +162,7 @@ bool replace_by_name(const std::string& target, Bytes bytes, const struct stat* 
     return true;
 }
 
-/// All of the file, from its start, down to the disk.
+/// Replaces the whole contents of the open file and writes them through to the disk.
 bool overwrite(int descriptor, Bytes bytes) {
     return lseek(descriptor, 0, SEEK_SET) == 0 && write_all(descriptor, bytes) &&
            ftruncate(descriptor, off_t(bytes.size())) == 0 && sync(descriptor);
@@ -195,7 +197,8 @@ bool write_in_place(const std::string& target, Bytes bytes) {
     return done && file.close();
 }
 
-/// No file can be made in its folder, or may take its place there.
+/// Looks at errno: no file can be made in that folder, or none may take the place of the old one.
+/// It is then written in place.
 bool stays_in_place() { return errno == EACCES || errno == EPERM || errno == EROFS; }
 
 } // namespace

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-/// No file for this machine comes near it: a tape of an hour has less than a megabyte.
+/// In bytes. No file for this machine comes near it: a tape of an hour has less than a megabyte.
 constexpr size_t LARGEST_FILE = 16 << 20;
 
 /// The bytes of a regular file; nothing when it cannot be opened or read, is a folder or a device,

@@ -30,7 +30,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Until the firmware has started and waits for input.
+/// Frames after which the firmware has started and waits for input.
 constexpr int BOOT_FRAMES = 100;
 /// Typing skips the byte behind a carriage return, as that of a pair.
 constexpr const char* ENTER = "\r\n";
@@ -38,7 +38,7 @@ constexpr const char* ENTER = "\r\n";
 bool is_starting_up() { return !machine_run_now.prompt_reached; }
 
 void run_start_up_frames() {
-    // A breakpoint is for the program that comes: the start has to be complete.
+    // An armed breakpoint is meant for the program to be started, and must not stop the start-up.
     const int32_t armed = std::exchange(z80_state.breakpoint_enabled, 0);
     do_some_frames(BOOT_FRAMES);
     z80_state.breakpoint_enabled = armed;
@@ -50,7 +50,7 @@ void answer_start_question() {
     run_start_up_frames();
 }
 
-/// The reset key then brings any program back to BASIC.
+/// Runs frames until BASIC is there: the reset key ends any program.
 void boot_to_basic() {
     answer_start_question();
     machine_apply(event_kind::reset);
@@ -67,8 +67,9 @@ bool bytes_are_whole(const std::string& path, Bytes bytes, std::string (*damage)
     return false;
 }
 
-// What a file is loaded by. False when it was not loaded, which has been reported, or when nothing
-// is to be said. Cassettes and disks go by their path: their files follow what the machine writes.
+// The loaders of the table. Each returns false when the file was not loaded, which has been
+// reported, or when the status bar need not name it. Cassettes and disks are given by path, since
+// their files follow what the machine writes.
 
 bool start_cmd(const std::string& path, Bytes bytes) {
     // The program may call the firmware, which needs its vectors for that.
@@ -103,7 +104,7 @@ bool start_disk(const std::string& path, Bytes /*bytes*/) {
         if (control) machine_apply(event_kind::start_again);
         if (attached) tell_started(path);
     });
-    return false; // it tells by itself
+    return false; // the disk tells by itself what came of it
 }
 
 bool start_snapshot(const std::string& path, Bytes bytes) {
@@ -116,7 +117,8 @@ bool start_snapshot(const std::string& path, Bytes bytes) {
 
 /// `keys` follow the loading of a tokenized program.
 bool give_basic(const std::string& path, const std::string& keys) {
-    if (g_bAutoStart && is_starting_up()) answer_start_question(); // or it takes the first lines
+    // Otherwise the question would take the first lines.
+    if (g_bAutoStart && is_starting_up()) answer_start_question();
     if (!is_tokenized_bas(path)) {
         // A machine that is slow, or was not let start up, still has its question to come.
         if (!keyboard_open_bas_file(path, is_starting_up() ? ENTER : "")) {
@@ -149,7 +151,7 @@ constexpr Loader loaders[] = {
     {"txt", ROLE_START | ROLE_TYPE, start_basic},
 };
 
-/// Null for a file that cannot be started.
+/// The loader of a file that can be started; null for any other file.
 const Loader* starter_of(const std::string& path) {
     const std::string extension = lower_case_extension(path);
     const auto* found = std::ranges::find(loaders, extension, &Loader::extension);
@@ -200,7 +202,8 @@ std::string start_problem(const std::string& path) {
 }
 
 void autostart_file(const std::string& given) {
-    const std::string path = given.substr(0, given.find('\0')); // as the host takes it
+    // The host takes a path up to a zero byte.
+    const std::string path = given.substr(0, given.find('\0'));
     const size_t point = extension_point(path);
     last_file_name = point == std::string::npos ? std::string() : path.substr(0, point);
 

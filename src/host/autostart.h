@@ -28,18 +28,17 @@ struct Loader {
 std::string patterns_of(uint8_t roles);
 
 /// Loads and starts the file, and says so in the status bar. Its name without the extension becomes
-/// the base name of screenshots, until a reset, with which the start of a cassette begins. A file
-/// that is missing, cannot be read or is of no known type leaves the machine as it is; this and
-/// what goes wrong later is reported. BASIC, a load module and a snapshot that come before the
-/// machine's prompt let it start up first.
+/// the base name of screenshots, until the next reset; the start of a cassette begins with one. A
+/// file that is missing, cannot be read or is of no known type leaves the machine as it is; this
+/// and what goes wrong later is reported. When the machine has not reached its prompt yet, BASIC
+/// programs, load modules and snapshots let it start up first.
 void autostart_file(const std::string& path);
-/// Tokenized BASIC becomes a cassette that CLOAD is typed for; text is typed in. Before the
-/// machine's prompt its question is answered first.
+/// Loads a BASIC file: a tokenized one is put in as a cassette and CLOAD is typed, a text is typed
+/// in. When the machine still asks its question at the start, that is answered first.
 void main_load_bas_file(const std::string& path);
-/// Why the file cannot be read as a program or an image, in one line; empty when nothing is in the
-/// way.
+/// Why the file cannot be read as a program or an image, in one line; empty when it can.
 std::string file_problem(const std::string& path);
-/// The same, and that files of its type cannot be started.
+/// The same, and also a reason when files of its type cannot be started.
 std::string start_problem(const std::string& path);
 /// Tells the user, with `text` in the status bar, when the contents of a readable file are damaged,
 /// see media/damage.h. True when they are whole.

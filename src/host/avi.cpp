@@ -35,7 +35,7 @@ bitmap_header AVIBitmapHeader;
 std::vector<uint8_t> AVIPalette;
 std::vector<uint8_t> AVIFrameBuffer; ///< bottom row first
 bool film_has_dimmed_colours = false;
-bool canvas_fits = true; ///< as it was looked at last
+bool canvas_fits = true; ///< at the last picture
 
 /// Opens a file for writing without touching what is in it: the user may still cancel. Nothing for
 /// what cannot be written anywhere but at its end.
@@ -46,8 +46,8 @@ FileHandle open_for_rewriting(const std::string& path) {
     return file;
 }
 
-/// A film keeps the colours that it began with. Lines dimmed since then stay bright in it, for want
-/// of their colours.
+/// A film keeps the palette it began with. When lines have been dimmed since then, their colours
+/// are missing in it, and they stay bright.
 void brighten_dimmed_lines() {
     if (AVIBitmapHeader.bits != PALETTE_BITS) return;
     if (film_has_dimmed_colours || !palette_dims_lines()) return;
@@ -56,7 +56,7 @@ void brighten_dimmed_lines() {
     }
 }
 
-/// A capture that came to nothing leaves no empty file.
+/// Removes the file of a capture that failed before anything was written.
 void remove_when_empty(const std::string& path) {
     std::error_code error;
     if (std::filesystem::is_regular_file(path, error) &&
@@ -65,7 +65,8 @@ void remove_when_empty(const std::string& path) {
     }
 }
 
-/// The stream's format has the sign that says bottom-up, and room for all colours in use.
+/// The format of uncompressed pictures: bottom row first (a positive height), with the palette in
+/// use.
 avi_video_format raw_format() {
     avi_video_format format{0, AVIBitmapHeader, AVIPalette};
     format.header.height = -format.header.height;

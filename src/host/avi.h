@@ -14,9 +14,9 @@ extern uint32_t s_dwSoundFrame; ///< fragments of sound written
 int Video_CreateBitmap();
 /// Frees it.
 void Video_DestroyBitmap();
-/// Creates the file and asks for the compression; a capture already open is closed first. Without
-/// a sound buffer the file has no sound. `done` gets 1 when the capture runs; else the user has
-/// been told why.
+/// Creates the file and asks for the compression; a capture already open is closed first.
+/// `sound_buffer` null gives a file without sound. `done` gets 1 when the capture runs; else the
+/// user has been told why.
 void Video_OpenOutput(const std::string& path, const uint16_t* sound_buffer,
                       const std::function<void(int runs)>& done);
 /// Completes the file, frees the capture picture, and says how many frames were written.

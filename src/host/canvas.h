@@ -1,6 +1,6 @@
 #pragma once
-/// The canvas: the host bitmap that the frame is drawn into, source of the window's picture, of
-/// screenshots and of video.
+/// The canvas: the bitmap that the frame is drawn into. The window's picture, screenshots and video
+/// are taken from it.
 
 #include "host/recording/picture.h"
 
@@ -8,11 +8,12 @@ extern dib canvas;
 
 /// Replaces the bitmap by a black one of the given shape. 0 when there is no memory.
 int dib_create(dib& bitmap, int width, int height, int bits);
-/// Frees the pixels; the record is as new.
+/// Frees the pixels and clears the record.
 void dib_destroy(dib& bitmap);
-/// Ramp from black, for up to 8 bits per pixel: grey for variant 0, else tinted. 0 for more bits.
+/// Sets the palette to a ramp from black: grey for variant 0, else tinted. 1 on success; 0 above 8
+/// bits per pixel, which have no palette.
 int dib_create_monopalette(dib& bitmap, int variant);
-/// The machine's palette, for 8 bits per pixel; 0 for others.
+/// Sets the machine's palette. 1 on success; 0 unless the bitmap has 2 to 8 bits per pixel.
 int dib_create_rgb_palette(dib& bitmap);
 /// All pixels to 0.
 void dib_clear_buffer(dib& bitmap);

@@ -45,7 +45,7 @@ struct CommandLine {
     std::vector<std::string> problems; ///< switches that are left out, a line for each
 };
 
-/// Looks for files of the arguments' names, and does nothing else.
+/// Reads the line. Changes nothing: it only looks whether files of the arguments' names exist.
 CommandLine read_command_line(const Arguments& arguments);
 /// Obeys the switches from left to right, then starts the file.
 void get_command_line(const CommandLine& line);

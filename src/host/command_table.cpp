@@ -47,7 +47,7 @@ constexpr uint8_t SHIFT = MODIFIER_SHIFT;
 
 constexpr SettingPlace OF_THE_DIALOG = TextAccess{};
 
-/// The path as it is from wherever the next run starts.
+/// The path in absolute form, so that it holds wherever the next run starts.
 std::string lasting_path(const std::string& path) {
     std::error_code error;
     const auto absolute =
@@ -95,11 +95,11 @@ constexpr NumberAccess lowe_board = {[] { return uint32_t(lowe.enabled); },
                                      [](uint32_t on) { lowe.enabled = on; }};
 constexpr NumberAccess bit_depth = {[] { return g_1bitDisplay ? MONOCHROME : COLOUR_DEPTH; },
                                     [](uint32_t bits) { g_1bitDisplay = bits == MONOCHROME; }};
-/// The parameter is unset until somebody asks.
+/// Read through a function, since the parameter is unset until it is asked for.
 constexpr NumberAccess saturation = {palette_get_saturation,
                                      [](uint32_t n) { display_params.saturation = n; }};
 constexpr NumberAccess startup_pattern = {memory_get_startup_pattern, memory_set_startup_pattern};
-/// A tape that is in is taken out next.
+/// Empty while a tape is in: the program's end takes it out.
 constexpr TextAccess tape_name = {
     [] { return tape_cas_is_attached() ? std::string() : tape_get_cas_name(); },
     [](const std::string& name) { tape_get_cas_name() = name; }};
@@ -401,7 +401,7 @@ const CommandRow rows[] = {
     {.id = COMMAND_LOWE_OFF,
      .run = [] { choose_lowe_board(false); },
      .marked = [] { return lowe.enabled == 0; }},
-    // Its value selects nothing.
+    // /r is accepted with its value, which selects nothing.
     {.line_switch = {.letter = 'r', .value = Value::text, .obey = [](const Given&) {}}},
 
     // Tape.

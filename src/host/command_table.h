@@ -1,7 +1,7 @@
 #pragma once
 /// The program's options and commands, a row for each. Menu, accelerators, check marks, settings
-/// and the switches of the command line are made from these rows. Whatever a row leaves out, its
-/// option or command has not got.
+/// and the switches of the command line are made from these rows. What a row leaves out, its option
+/// or command does not have.
 
 #include "host/command_line.h"
 #include "platform/keyboard.h"
@@ -28,7 +28,7 @@ enum class StartStep : uint8_t {
     engine,
 };
 
-/// A number that is kept in another way than its variable has it.
+/// A number whose value in the settings differs from that of its variable.
 struct NumberAccess {
     uint32_t (*get)();
     void (*set)(uint32_t number);
@@ -37,7 +37,7 @@ struct TextAccess {
     std::string (*get)();
     void (*set)(const std::string& text);
 };
-/// Where a setting's value is. Nothing: others read and write it.
+/// Where a setting's value is. Without a place, the code that uses the setting reads and writes it.
 using SettingPlace = std::variant<std::monostate, bool*, uint32_t*, NumberAccess, TextAccess>;
 
 struct Setting {
@@ -46,9 +46,9 @@ struct Setting {
     std::optional<uint32_t> initial = {}; ///< without it, what the machine starts with
     StartStep read = StartStep::none;
     bool written = true; ///< when the program ends
-    /// The number to use for one that was read.
+    /// Turns a number that was read into one that is possible; null when all are.
     uint32_t (*possible)(uint32_t number) = nullptr;
-    /// When a number that was put right is stored at once.
+    /// The step in which a number that was corrected is stored at once.
     StartStep mended = StartStep::none;
 };
 
@@ -75,8 +75,8 @@ struct CommandRow {
     const char* hint = nullptr; ///< shown for a key
     std::array<KeyChord, 2> keys = {};
     bool* flag = nullptr;       ///< the command toggles it, and its mark shows it
-    void (*run)() = nullptr;    ///< after that
-    bool (*marked)() = nullptr; ///< at the start, where no flag says it
+    void (*run)() = nullptr;    ///< called for the command, after the flag was toggled
+    bool (*marked)() = nullptr; ///< whether it is marked at the start, when there is no flag
     Setting setting = {};       ///< of the flag, unless it has a place of its own
     LineSwitch line_switch = {};
 };

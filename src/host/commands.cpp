@@ -64,11 +64,11 @@ void enter_monitor() {
 }
 
 void leave_monitor() {
-    cpu_breakpoint_arrives(); // where the processor stands has been seen
+    cpu_breakpoint_arrives(); // the breakpoint at this place has been reached already
     const Size client = platform().window().client_size();
     platform().drawing().fill_rectangle({0, 0, client.width, client.height}, 0);
     ui_set_window_title("%s", g_bActive ? "(Restarting)" : "(Suspended)");
-    // No frame of a halted machine comes to cover the black.
+    // A halted machine draws no frame, so the window has to be painted.
     if (!g_bActive) platform().window().invalidate();
 }
 

@@ -11,7 +11,7 @@ void handle_command(int id);
 /// A key-down that no accelerator took.
 void handle_key(const Event& event);
 
-/// Says in the status bar that a tape could not be put in.
+/// Tells the user that a tape could not be put in.
 void tell_bad_image(const std::string& path);
 /// Starts the AVI capture into the file, or into one that the user is asked for; stops one that
 /// runs.
@@ -21,7 +21,7 @@ void start_sound_recording(const std::string& path);
 /// The program counter has reached the armed breakpoint. 1 when the machine is to stand there, 0
 /// when it is to go on.
 int host_breakpoint_reached();
-/// Asks for the name of a cassette image to save to; nothing when there is none.
+/// Asks for the name of a cassette image to save to; `done` gets nothing when the user cancels.
 void get_ui_save_tape_filename(const PathChoice& done);
 
 // What the rows of the command table do. "Switched": the row's flag has just been toggled.

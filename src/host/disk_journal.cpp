@@ -25,7 +25,8 @@ using Bytes = std::vector<uint8_t>;
 constexpr std::array<char, 8> MARK = {'T', 'V', 'N', 'J', 'R', 'N', 'L', '1'};
 constexpr const char* EXTENSION = ".journal";
 constexpr size_t LARGEST_JOURNAL = 4 * LARGEST_FILE;
-constexpr uint64_t GROWTH = 2; ///< images' worth of batches before the journal is written anew
+/// Size of all batches, in images, at which the journal is written anew.
+constexpr uint64_t GROWTH = 2;
 
 struct Head {
     std::array<char, 8> mark = MARK;
@@ -36,7 +37,7 @@ struct Head {
 };
 struct Batch {
     uint64_t bytes = 0; ///< of its pieces
-    uint64_t hash = 0;  ///< of the same
+    uint64_t hash = 0;  ///< of its pieces
 };
 struct Piece {
     uint32_t offset = 0; ///< in the image
@@ -81,7 +82,7 @@ void put_batch(Bytes& to, std::span<const uint8_t> image, const Pieces& pieces) 
     std::memcpy(to.data() + start, &head, sizeof head);
 }
 
-/// The parts of the image that are not as before, a sector or what is as long.
+/// The parts of the image that differ from before, in pieces of the length of a sector.
 Pieces differences(std::span<const uint8_t> before, std::span<const uint8_t> image) {
     Pieces pieces;
     for (size_t at = 0; at < image.size(); at += SECTOR_SIZE) {
@@ -92,7 +93,8 @@ Pieces differences(std::span<const uint8_t> before, std::span<const uint8_t> ima
     return pieces;
 }
 
-/// Puts a batch onto the image; the first one makes it. False where the journal ends.
+/// Applies the next batch to the image; the first batch is the image. False at the end of the
+/// journal.
 bool take_batch(std::span<const uint8_t>& from, Bytes& image) {
     Batch batch;
     std::span<const uint8_t> content;

@@ -17,10 +17,10 @@
 #include <string>
 #include <vector>
 
-/// What a program that has gone has left.
+/// A journal that an earlier run has left behind.
 struct LeftJournal {
     std::string path;           ///< of the journal
-    std::vector<uint8_t> image; ///< as the disk was last
+    std::vector<uint8_t> image; ///< the disk as it was at the end of that run
     uint64_t file_hash = 0;     ///< of the image's file when it was attached
     FileIdentity file;
     uint64_t end = 0; ///< bytes of the journal up to its last whole batch
@@ -33,16 +33,17 @@ public:
     DiskJournal(DiskJournal&& other) noexcept { *this = std::move(other); }
     DiskJournal& operator=(DiskJournal&& other) noexcept;
 
-    /// The disk has these contents, of which nothing need be kept.
+    /// Starts with a disk of these contents, which are those of its file: nothing has to be kept
+    /// yet.
     void begin(const shared_bytes& contents) { kept_ = contents; }
     /// Goes on with the journal of another run, from whose image the disk has its contents.
     /// False, with the reason in errno, when it cannot be written to.
     bool resume(const LeftJournal& left);
     /// Notes what is different on the disk since the last call, whether it was written there or the
-    /// machine's state was replaced; nothing to note makes no file.
-    /// False, with the reason in errno, when that fails. The next call tries again.
+    /// machine's state was replaced; while nothing is different, no file is made. False, with the
+    /// reason in errno, when that fails. The next call tries again.
     bool keep(const disk_file& file, const shared_bytes& contents);
-    /// The journal is needed no more: removes its file.
+    /// Removes the file: the journal is no longer needed.
     void remove();
     /// Leaves the file for the next run.
     void close();
@@ -55,7 +56,7 @@ private:
     std::string path_;
     int descriptor_ = -1;
     uint64_t length_ = 0;
-    uint64_t limit_ = 0; ///< a longer journal is written anew
+    uint64_t limit_ = 0; ///< in bytes: a journal that gets longer is written anew
 };
 
 /// The journal that belongs to the file, by its path or else by the file itself, unless a running

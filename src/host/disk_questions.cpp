@@ -33,7 +33,8 @@ void ask_about_trouble(const std::string& text, const char* my_answer,
         });
 }
 
-/// The files of both disks, and how each differs. Where there is no directory to read, how much.
+/// A line for each file of either disk, with what has become of it: new, changed, damaged or
+/// deleted. When the second disk has no directory that can be read, the reason.
 std::string differences(const disk_image& before, const disk_image& after) {
     std::string problem;
     const auto old_disk = disk_mount(before, problem);

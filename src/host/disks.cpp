@@ -27,20 +27,23 @@ constexpr uint32_t KILOBYTE = 1024;
 
 /// What keeps the disk of a drive safe.
 struct DiskCare {
-    std::vector<NameClaim> claims; ///< on the image, as long as it may be written to
+    std::vector<NameClaim> claims; ///< on the image, while it may be written to
     DiskJournal journal;
-    bool is_protected = false;   ///< the disk, for whatever reason
+    bool is_protected = false;   ///< the disk is write-protected, for whatever reason
     bool journal_failed = false; ///< which has been reported
-    bool journal_waits = false;  ///< one of an earlier run may be there, to be asked about
+    /// There may be a journal of an earlier run, about which the user has to be asked.
+    bool journal_waits = false;
 };
 std::array<DiskCare, DISK_DRIVES> cares;
-std::array<std::string, DISK_DRIVES> absent; ///< what the drives had, and cannot have in this run
+/// Paths of remembered images that could not be put in.
+std::array<std::string, DISK_DRIVES> absent;
 bool journals_are_offered = false;
-int64_t last_kept = 0; ///< by the host's clock
+int64_t last_kept = 0; ///< in counts of the host's clock
 
 std::string drive_text(unsigned drive, const std::string& content) {
     std::string text = "Drive :&" + std::to_string(drive) + " - ";
-    for (const char c : content) text.append(c == '&' ? 2 : 1, c); // alone it marks an access key
+    // A single & would mark an access key.
+    for (const char c : content) text.append(c == '&' ? 2 : 1, c);
     return text;
 }
 
@@ -111,7 +114,8 @@ void take_out(unsigned drive, const DiskDone& done) {
 
 // ---- the same image twice ----------------------------------------------------------------------
 
-/// By the file, and by its name: the file may be replaced while it is in a drive.
+/// The names to claim: one made of the file's identity, one of its path, since the file may be
+/// replaced while it is in a drive.
 std::array<std::string, 2> claimed_names(const disk_file& file) {
     const uint64_t hash = content_hash(canonical_path(file.path));
     const auto& [device, inode] = file.identity;
@@ -185,7 +189,8 @@ void offer_journal(unsigned drive, const std::function<void()>& done) {
         }
         done();
     };
-    // Nothing is missing when the program was killed just after the image had been written back.
+    // The program was killed just after the image had been written back: the journal has nothing
+    // more.
     if (content_hash(left->image) == file.hash) return answered(JournalAnswer::discard);
     ask_about_journal(drive, left, answered);
 }
@@ -213,7 +218,7 @@ bool keep_journal(unsigned drive) {
     return false;
 }
 
-/// The program ends and nobody has decided about the changes.
+/// Keeps the changes of a disk about which the user has not decided when the program ends.
 void leave_unsaved(unsigned drive) {
     const std::string path = drive_files[drive].path;
     const std::string disk_text = "Disk content in " + drive_name(drive) + " has changed";
@@ -359,7 +364,7 @@ void main_disk_keep_journals() {
 }
 
 void main_disk_keep_journals_when_due() {
-    // A little less than the second, in which frames come at their own times.
+    // A little less than a second, since frames do not come exactly on time.
     const int64_t interval = pacing.two_seconds / 2 * 9 / 10;
     if (!shell_state.start.keep_disk_journals || pacing.elapsed_counter - last_kept < interval)
         return;

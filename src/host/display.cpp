@@ -33,7 +33,7 @@ constexpr bool g_bKeepAspectRatio = true; ///< nothing changes it
 bool fullscreen_mode = false;
 bool triggerClearBuffer = false; ///< the next stretched frame blackens the screen first
 Rectangle g_BackupRect;          ///< the window while the whole screen is used
-Size windowed_canvas;            ///< the canvas that this window fits
+Size windowed_canvas;            ///< size of the canvas that g_BackupRect fits
 
 BitmapView view_of(const dib& bitmap) {
     return {bitmap.width, bitmap.height, bitmap.header.bits, bitmap.pixels.data(),
@@ -42,8 +42,8 @@ BitmapView view_of(const dib& bitmap) {
 
 Size canvas_size() { return {canvas.width, canvas.height}; }
 
-/// The frame as white on black: whatever stands out from black and from the background is white,
-/// so that a text can be read in every colour.
+/// Packs the frame into one bit per pixel. Every colour but black and the background becomes white,
+/// so that a text of any colour can be read.
 void pack_frame(uint8_t* pixels) {
     constexpr int PIXELS_PER_BYTE = 8;
     const uint8_t* source = frame_buffer;
@@ -129,7 +129,7 @@ void leave_full_screen() {
     CreateStatusBar();
     machine_show_cfg();
     ChangeCoopLevel();
-    // A canvas that has got another size meanwhile needs another window than before.
+    // If the canvas has another size by now, the window needs one, too.
     if (canvas_size() != windowed_canvas) fit_window(g_BackupRect);
 }
 

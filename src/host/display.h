@@ -29,12 +29,13 @@ void ChangeCoopLevel();
 void ResizeWindow(int width, int height, bool keep_aspect);
 /// The full-screen command, both ways.
 void toggle_full_screen();
-/// Fits `area` to 4:3; a new left or top counts from 0.
+/// The largest 4:3 rectangle in the middle of `area`. A left or top that changes is counted from 0,
+/// not from that of `area`.
 Rectangle screen_rect_recalc(const Rectangle& area);
-/// Takes a changed palette of the machine into the canvas, and paints the window anew while no
-/// frame of the machine is to come.
+/// Takes the machine's changed palette into the canvas. While the machine stands still, the window
+/// is painted anew, since no frame will do it.
 void show_palette();
 /// 1 when there is a canvas to draw into.
 int host_has_canvas();
-/// Draws one frame into the canvas and presents it; 0 does nothing.
+/// Draws one frame into the canvas and presents it. A `flag` of 0 does nothing.
 void show_frame(int flag);

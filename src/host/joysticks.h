@@ -1,5 +1,6 @@
 #pragma once
-/// The host's first two joysticks as the machine's. They may come and go.
+/// The host's first two joysticks are those of the machine. They may be plugged in and out at any
+/// time.
 
 struct machine_input;
 

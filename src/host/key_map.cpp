@@ -81,7 +81,7 @@ MapEntry symbolic_entry(unsigned index) {
     return found ? map_entry(found->key, found->modifiers) : NO_KEY;
 }
 
-/// Modifier bits held. Control alone counts for none: a key held with it still is that key.
+/// Modifier bits held. Control without Alt does not count: a key held with it is still that key.
 unsigned held_modifiers(HostKeyboard& keys) {
     unsigned modifiers = 0;
     if (keys.is_down(KEY_SHIFT)) modifiers |= MODIFIER_SHIFT;
@@ -109,7 +109,7 @@ void read_host_keys(machine_input& input) {
     HostKeyboard& keys = platform().keyboard();
     const unsigned modifiers = held_modifiers(keys);
     const bool hidden = keys.is_down(KEY_ALT); // by position, Alt belongs to the program
-    // The modifiers are the cheaper question: they leave about one key to look at per position.
+    // The modifiers are compared first, which is cheaper than asking for a key.
     const auto pressed = [&](unsigned index) {
         const MapEntry entry = symbolic_key_map[index];
         return entry >> MODIFIERS_AT == modifiers && keys.is_down(uint8_t(entry));

@@ -1,6 +1,6 @@
 #pragma once
-/// From the keys of the host's keyboard to those of the machine's, in two mappings: by where the
-/// keys are, or by the characters that they give in the host's layout.
+/// Turns the keys of the host's keyboard into those of the machine's, in two mappings: by the place
+/// of the keys, or by the characters that they give in the host's layout.
 
 struct machine_input;
 

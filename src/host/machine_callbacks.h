@@ -1,4 +1,4 @@
 #pragma once
 
-/// Makes the shell the machine's host: what the machine tells and asks comes here from now on.
+/// Sets the callbacks of machine_host: from now on the shell gets what the machine tells and asks.
 void connect_machine();

@@ -66,7 +66,8 @@ std::vector<MenuEntry> main_menu();
 /// Gives the window its menu and claims the accelerators' keys.
 void create_menu();
 
-/// Check marks are kept here; ids that the menu does not hold keep one all the same.
+/// Sets an item's check mark. Ids that the menu does not hold have a mark as well, which only
+/// is_menu_item_checked shows.
 void check_menu_item(int id, bool checked);
 bool is_menu_item_checked(int id);
 void modify_menu_text(int id, const std::string& text);

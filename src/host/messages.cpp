@@ -19,7 +19,7 @@ constexpr size_t MOST_MESSAGES = 200;
 std::deque<KeptMessage> kept;
 std::vector<Report> held; ///< boxes that wait for the window
 bool starting = false;
-int commands = 0; ///< of the user's that are being done, one inside the other
+int commands = 0; ///< number of UserCommand objects: commands may start others
 bool failed = false;
 
 std::string time_of_day() {
@@ -88,7 +88,8 @@ void show_held_message_boxes() {
     starting = false;
     for (const Report& told : std::exchange(held, {})) {
         when_free([told] {
-            show_status(told.text, report_details(told)); // the start has cleared it
+            // Start-up has overwritten the status text.
+            show_status(told.text, report_details(told));
             show_box(told);
         });
     }

@@ -17,12 +17,13 @@ struct KeptMessage {
 /// A message box comes up only for a failure of what the user has asked for at this moment, and
 /// once the window is up.
 void tell(const Report& told);
-/// The latest reports of this run; old ones make room.
+/// The latest reports of this run, 200 at most; the oldest are dropped.
 const std::deque<KeptMessage>& kept_messages();
 /// True once a failure has been reported.
 bool failure_was_reported();
 
-/// While one lives, the program does what the user has just asked for: a failure of it opens a box.
+/// While an object of this class lives, the program does what the user has just asked for, and a
+/// failure opens a message box.
 class UserCommand {
 public:
     UserCommand();
@@ -31,15 +32,16 @@ public:
     UserCommand& operator=(const UserCommand&) = delete;
 };
 
-/// Does what the user has just asked for, and `behind` when all its dialogs are answered.
+/// Calls `act`, which does what the user has just asked for, and `behind` when all dialogs of it
+/// are answered.
 void obey_user(const std::function<void()>& act, std::function<void()> behind = {});
 
-/// From here on boxes wait, since there is no window yet to stand over. Forgets earlier messages.
+/// From now on message boxes wait, since there is no window yet. Forgets earlier messages.
 void hold_message_boxes();
-/// True until those that wait are shown.
+/// True from hold_message_boxes until show_held_message_boxes.
 bool message_boxes_are_held();
-/// Shows those that wait, one after the other. Start-up itself counts as the user's command.
+/// Shows the boxes that wait, one after the other. Start-up itself counts as the user's command.
 void show_held_message_boxes();
 
-/// The list as a dialog.
+/// Shows the list of messages in a dialog.
 void ui_messages();

@@ -5,10 +5,10 @@
 
 /// Reads the settings of this step. Missing numbers are stored with their defaults.
 void read_options(StartStep step);
-/// Writes all that are kept from run to run, as one change of the store.
+/// Writes all settings that are kept from run to run, as one change of the store.
 void write_options();
-/// The menu shows what is switched on.
+/// Sets the check marks of the menu to the state of the options.
 void set_check_marks();
-/// Stores the text for this run as the setting's type wants it; a setting without a row is a number
-/// where the text is one in full.
+/// Stores a setting that was given as text, in the type that its row has. A setting without a row
+/// is stored as a number when the whole text is one.
 void store_setting(const std::string& name, const std::string& text);

@@ -31,7 +31,7 @@ bool refuse(const std::filesystem::path& path, const std::string& reason) {
     return false;
 }
 
-/// Takes the file as the image's replacement. A missing file is no news.
+/// Takes the file as the image's replacement. A missing file is not reported.
 bool load_user_image(FirmwareImage image, const std::filesystem::path& path) {
     std::error_code error;
     if (!std::filesystem::exists(path, error)) return false;

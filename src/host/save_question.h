@@ -1,13 +1,14 @@
 #pragma once
-/// The question where to save a tape to. The firmware asks it in the middle of a frame, and the
-/// machine waits (MACHINE_WAITS) until it has been put to the user and answered.
+/// The question which file to save a tape to. The firmware asks it in the middle of a frame, and
+/// the machine waits (MACHINE_WAITS) until it has been put to the user and answered.
 
 #include "wall/machine_host.h"
 
 #include <optional>
 #include <string>
 
-/// The machine's callback: the answer, once there is one.
+/// The callback save_question of machine_host: the answer, or SAVE_NOT_YET as long as there is
+/// none.
 save_answer take_save_answer();
 /// Puts the question to the user, by the dialog of saved tapes; true when it is answered already.
 /// Otherwise the shell is held until it is, and the machine goes on with the next frame.

@@ -8,8 +8,8 @@
 
 namespace {
 
-/// A code of the screen as a character: the control codes show what stands 64 codes higher, the
-/// graphics what the host's character set has 32 codes lower.
+/// A screen code as a character: codes 0 to 31 stand for the characters 64 codes higher, the
+/// graphics (128 and above) for those 32 codes lower.
 uint8_t screen_character(uint8_t code) {
     constexpr uint8_t LAST_CONTROL_CODE = 31;
     constexpr uint8_t FIRST_GRAPHICS_CODE = 128;

@@ -11,14 +11,14 @@
 /// base stands for "Tarvelin".
 std::string get_next_fname(const std::string& extension, const std::string& base);
 
-/// BMP of any canvas under the given path. 1 when written; then the status bar names it. 0 with the
-/// reason in errno.
+/// Writes a canvas of any depth as a BMP file under the given path. 1 when written; then the status
+/// bar names it. 0 with the reason in errno.
 int dib_save_to_file(const dib& bitmap, const std::string& path);
 /// The same under the next free name after `base`.
 int dib_save(const dib& bitmap, const std::string& base);
 
-/// GIF of a canvas of 8 bits per pixel; 0 for other depths, and, with the reason in errno, when the
-/// file cannot be written.
+/// Writes a canvas of 8 bits per pixel as a GIF file, under the given path or the next free name; 0
+/// for other depths, and, with the reason in errno, when the file cannot be written.
 int gif_write_as(const std::string& path, const dib& bitmap);
 int gif_write(const dib& bitmap, const std::string& base);
 
@@ -26,7 +26,8 @@ int gif_write(const dib& bitmap, const std::string& base);
 /// extension ".v80", which replaces an extension of three characters. 0 when that fails,
 /// with the reason in errno.
 int memory_save_video_ram(const std::string& base);
-/// The dump that follows a screenshot, under the program's base name, where it is switched on.
+/// Writes the dump that follows a screenshot, under the base name of screenshots, when that option
+/// is on.
 void save_video_ram_when_wanted();
 /// Saves the canvas under the next free name after `last_file_name`, GIF or BMP by its depth, and
 /// the video-RAM dump where that is switched on.

@@ -51,7 +51,9 @@ namespace {
 
 constexpr const char* WINDOW_TITLE = "Tarvelin - EACA EG2000 Colour Genie emulator";
 
-/// A file that is started tells by itself what is wrong with it.
+/// Reports the switches of the command line that are left out, and what is wrong with the files
+/// that are named but not started. The one that is started is not looked at here: starting it
+/// reports that.
 void tell_what_is_left_out(const CommandLine& line) {
     for (const std::string& problem : line.problems) report({.text = problem});
     const size_t started = line.starts_file ? 1 : 0;
@@ -162,6 +164,6 @@ int run_shell(const ShellOptions& options) {
     when_free(offer_interrupted_writes);
     when_free(main_disk_offer_journals);
     when_free(offer_disk_rom_late);
-    when_free(reset_timer); // the start is no time to catch up
+    when_free(reset_timer); // the time that the start took is not caught up
     return run_message_loop();
 }

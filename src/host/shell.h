@@ -10,12 +10,12 @@ int run_shell(const ShellOptions& options);
 
 /// Starts everything that needs the window, up to the command line's file.
 void emu_init(const ShellOptions& options = {});
-/// Ends recordings, keeps the settings, asks for changed disks, and behind the last answer closes
-/// what emu_init opened.
+/// Ends recordings, writes the settings and asks about changed disks. After the last answer it
+/// closes what emu_init opened, and calls `done`.
 void emu_close(std::function<void()> done = {});
 
-/// Pause and monitor have toggled their flag: run when the machine stood still before and neither
-/// holds it now.
+/// To be called after pause or monitor has toggled its flag: lets the machine run if it stood still
+/// before and neither holds it now.
 void activate_after_toggle();
-/// Run when neither pause nor monitor holds the machine.
+/// Lets the machine run if neither pause nor monitor holds it.
 void activate_unless_held();

@@ -1,6 +1,6 @@
 #pragma once
-/// The shell's options and what it is doing at the moment: one record, as a new process has it, and
-/// the names that its fields go by.
+/// The shell's options and what it is doing at the moment, in one record with the values of a new
+/// process; behind it the names under which its fields are used.
 
 #include "host/command_line.h"
 
@@ -28,7 +28,7 @@ struct shell_record {
     bool one_bit_display = false;   ///< monochrome canvas, only without giant screen
     bool run_in_background = false; ///< run while another program is active
     bool key_mapping = false;       ///< symbolic, at present
-    bool kept_key_mapping = false;  ///< symbolic by the user's own choice, for the next run
+    bool kept_key_mapping = false;  ///< symbolic by the user's own choice; kept in the settings
     bool video_cut = false;
     bool video_page = false;
     bool save_video_ram = false; ///< every screenshot is followed by a dump of the screen memory

@@ -48,7 +48,7 @@ Rectangle lamp_rectangle(int lamp) {
     return {left, top, left + LAMP_WIDTH, top + LAMP_HEIGHT};
 }
 
-/// One pixel around the lamp, which looks sunk into the bar.
+/// A frame of one pixel, which makes the lamp look sunk into the bar.
 void draw_bevel(const Rectangle& lamp) {
     StatusBar& bar = platform().status_bar();
     const Rectangle edge = {lamp.left - 1, lamp.top - 1, lamp.right + 1, lamp.bottom + 1};

@@ -9,7 +9,7 @@ constexpr const char* PRODUCT_NAME = "Tarvelin";
 void CreateStatusBar();
 /// Removes the bar; nothing is shown until it is created again.
 void DestroyStatusBar();
-/// The text of the messages' part, with more in its tool tip where `details` are not empty.
+/// Shows a text in the part for messages. Its tool tip shows `details`, which may be empty.
 void show_status(const std::string& text, const std::string& details);
 int StatusBarHeight(); ///< 0 without a bar
 /// Lays the bar out again after a change of the window's size.

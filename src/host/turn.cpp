@@ -61,7 +61,8 @@ void leave_menu() {
     host_keyboard_reset();
 }
 
-/// Run-in-background keeps the machine going while another program is active.
+/// The program has become active or inactive. With run-in-background the machine goes on either
+/// way.
 void application_activated(bool active) {
     g_bActive = !g_bPaused && !g_bDebug && (g_bRunInBackground || active);
     reset_timer();
@@ -89,8 +90,8 @@ void file_dropped(const std::string& path) {
     obey_user([&path] { autostart_file(path); }, reset_timer);
 }
 
-/// Whoever chooses another layout wants its characters: the symbolic mapping is on from then on, as
-/// long as the program runs.
+/// The host's keyboard layout has changed. A user who chooses another layout wants its characters,
+/// so the symbolic mapping is then on until the program ends.
 void layout_changed(bool by_user) {
     if (by_user) g_KeyMapping = true;
     host_keyboard_init();
@@ -99,7 +100,7 @@ void layout_changed(bool by_user) {
 }
 
 void handle(const Event& event) {
-    show_paced_frame();        // it came before the message
+    show_paced_frame();        // the frame came before the message
     main_disk_keep_journals(); // the message may open a dialog
     const bool halted = !g_bActive;
     WindowProcedure(event);
@@ -132,11 +133,11 @@ void close_shell() {
 
 int end_shell() {
     const int exit_code = *turn.exit_code;
-    turn = {}; // with the messages behind the last one
+    turn = {}; // the messages behind the quit message are dropped
     return exit_code;
 }
 
-/// Microseconds, 0 when the rest is over or there is none.
+/// What is left of the rest, in microseconds; 0 when it is over or there is none.
 int64_t rest_left() {
     if (!turn.after_rest) return 0;
     const int64_t left = turn.rest_ends - platform().clock().counter();
@@ -201,7 +202,7 @@ ShellTurn shell_turn() {
         main_disk_keep_journals_when_due();
         return {.next = wait ? in_time : now, .microseconds = wait};
     }
-    main_disk_keep_journals(); // nobody knows for how long
+    main_disk_keep_journals(); // the program may now wait for long
     platform().keyboard().release_tapped();
     return {.next = on_event};
 }

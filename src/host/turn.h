@@ -1,6 +1,6 @@
 #pragma once
-/// The shell's turns: what is waiting is handled, a due frame is run, and whoever drives the
-/// program hears when to come again. No turn sleeps or blocks.
+/// The shell's turns. A turn handles what is waiting, runs a frame that is due, and tells its
+/// caller when the next turn is needed. It never sleeps or blocks.
 
 #include "platform/events.h"
 
@@ -20,13 +20,13 @@ struct ShellTurn {
 };
 
 /// Handles the messages that wait, and runs at most one frame. The quit message closes the shell
-/// (see emu_close), and the end comes behind that.
+/// (see emu_close); when it is closed, the next turn returns `end`.
 ShellTurn shell_turn();
 /// Turns until the end. Returns the exit code.
 int run_message_loop();
-/// Handles one message. The quit message is the turn's.
+/// Handles one message; not the quit message, which shell_turn handles itself.
 void WindowProcedure(const Event& event);
-/// From now on the host's immediate events reach the shell.
+/// Makes the shell the EventSink of the host.
 void take_immediate_events();
-/// Lets the machine and all messages rest for so long, and then acts.
+/// Lets the machine and all messages rest for so long, and then calls `then`.
 void rest_shell(uint32_t milliseconds, std::function<void()> then);

@@ -1,6 +1,6 @@
 #pragma once
-/// What is wrong with the contents of a program's file: cut short, or never what its name says.
-/// Files that load in ways of their own are given the benefit of the doubt.
+/// What is wrong with the contents of a program's file: cut short, or never what its name says. A
+/// file that may load in a way of its own counts as whole.
 
 #include <cstdint>
 #include <span>

@@ -47,7 +47,7 @@ constexpr uint32_t DENSE_SECTORS = 18;  ///< on a track of double density
 /// Sets the size and the geometry from the contents of `image`. 1 on success. Prints on the
 /// standard error stream what it has found.
 int diskimg_analyze(disk_image& disk);
-/// The same without a word.
+/// The same, without printing.
 int diskimg_find_geometry(disk_image& disk);
 bool diskimg_inserted(const disk_record& disk);
 
@@ -59,7 +59,8 @@ std::optional<size_t> diskimg_sector_offset(const disk_record& disk, std::span<c
 /// Copies a sector of `bytes_per_sector` bytes to `buffer`. 1 on success, 0 when there is none.
 int disk_img_read_sector(const disk_record& disk, std::span<const uint8_t> image, uint32_t side,
                          uint32_t track, uint32_t sector, uint8_t* buffer);
-/// Copies `bytes_per_sector` bytes of `buffer` into a sector and marks the image as changed.
+/// Copies `bytes_per_sector` bytes of `buffer` into a sector and marks the image as changed. 1 on
+/// success, 0 when there is none.
 int disk_img_write_sector(disk_record& disk, std::span<uint8_t> image, uint32_t side,
                           uint32_t track, uint32_t sector, const uint8_t* buffer);
 

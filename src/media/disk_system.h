@@ -10,8 +10,8 @@
 ///   3 of extension, type, first block (FF: empty file), bytes used in the last sector (00: 256),
 ///   00 00. 00 as the first byte ends the directory, E5 is a file deleted.
 ///
-/// Nothing here trusts the image: every chain ends and every block is on the disk, or the act
-/// fails.
+/// The image is never trusted: a chain without an end, or a block that is not on the disk, makes
+/// the function fail.
 
 #include "media/disk_image.h"
 
@@ -57,8 +57,8 @@ std::optional<disk_image> disk_image_of(DiskBytes bytes, std::string& problem);
 /// not take it for that.
 std::optional<disk_image> disk_blank(disk_layout layout, unsigned tracks, unsigned sectors,
                                      std::string& problem);
-/// What FORMAT makes of it: an empty directory on the first 80, 40 or 35 tracks. 0 and `problem`
-/// when there are too few.
+/// Formats the disk as the command FORMAT does: an empty directory on the first 80, 40 or 35
+/// tracks. 0 and `problem` when there are too few.
 int disk_format(disk_image& image, std::string& problem);
 
 /// Nothing and `problem` when it is no disk of this system.

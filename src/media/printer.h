@@ -15,7 +15,7 @@ struct printer_state {
     uint64_t position = 0;  ///< bytes printed so far
     int32_t char_count = 0; ///< on this line
     uint8_t data_in = 0;    ///< the last byte received
-    bool busy = false;      ///< it has not been written yet
+    bool busy = false;      ///< `data_in` has not been printed yet
     bool open = false;      ///< there is a file
     bool enabled = false;
 };
@@ -24,7 +24,8 @@ extern const state_record printer_record;
 /// Kept in the settings; while it is on, port B shows the printer's status.
 inline constexpr auto& printer_enabled = printer.enabled;
 
-/// Whether there is a file to print to; before there is none any more, what waits is printed.
+/// Tells whether there is a file to print to. When it is closed, the byte that waits is printed
+/// first.
 void printer_set_open(int open);
 /// Clears the busy line and the column; what was not written is lost.
 void printer_reset();

@@ -50,7 +50,8 @@ inline constexpr auto& tape_ready = cassette.ready;
 /// The attached image.
 extern shared_bytes cas;
 
-/// Attaches an image, which stands at its start or behind its text, for whatever is in.
+/// Attaches an image in place of the one that is in. It stands at its start, or behind the text of
+/// a CGT file.
 void tape_put_in(shared_bytes image);
 /// Detaches the image; nothing without one.
 void tape_take_out();

@@ -88,7 +88,7 @@ void complete_recording() {
     write_pending();
 }
 
-/// The level that held for `count` samples.
+/// Records `count` samples of the present level.
 bool record(int64_t count) {
     const int32_t level = tape_audio.tape_last_level ? SAMPLE_HIGH : 0;
     for (; count > 0; --count) {
@@ -116,7 +116,7 @@ int32_t pass_samples(int64_t count) {
     return sample;
 }
 
-/// High samples are 0 and low ones are 1.
+/// Sets the input bit from a sample: 0 for a high one, 1 for a low one, as before within the band.
 void compare(int32_t sample) {
     const bool is_8_bit = tape_audio.wav.bits == 8;
     const int32_t middle = is_8_bit ? SAMPLE_MIDDLE : 0;

@@ -4,8 +4,9 @@
 /// routines time the bits, so the traps of the ROM are out. media/files/tape_sound_files.h has the
 /// files.
 ///
-/// The tape moves only while the motor is on, and only when it is looked at: each step takes it
-/// from the last one to the given cycle. A step is rounded to whole samples by itself.
+/// The tape moves only while the motor is on. It is moved when the machine reads or writes: each
+/// step takes it from the cycle of the last one to the given cycle. A step is rounded to whole
+/// samples by itself.
 
 #include "media/wav_samples.h"
 #include "sound/filter.h"
@@ -20,7 +21,7 @@ struct tape_audio_state {
     wav_format wav;              ///< the tape that plays
     uint64_t next_sample = 0;    ///< of it
     uint64_t position = 0;       ///< of the recording, in samples that have left the machine
-    uint64_t length = 0;         ///< of it: more than `position` after rewinding
+    uint64_t length = 0; ///< of the recording, in samples: more than `position` after rewinding
     iir_filter tape_filter;
     uint32_t rate = 0; ///< of the recording, samples per second
     uint32_t pending_count = 0;
@@ -48,9 +49,9 @@ void tape_save_wav(int64_t cycles, int bit);
 /// Moves a running tape up to `cycles` and shows the seconds from its start when they changed.
 void tape_update_counter(int64_t cycles);
 
-/// A WAV file is in, to be played; none was before. The host reads it (machine_host.read_tape).
+/// Puts in a WAV file to be played; none may be in. The host reads it (machine_host.read_tape).
 void tape_play_wav(const wav_format& wav);
-/// A new recording at `rate` samples per second, above 0; no WAV file was in before.
+/// Starts a new recording at `rate` samples per second, above 0; no WAV file may be in.
 void tape_record_wav(uint32_t rate);
 /// Completes a recording, takes the tape out and silences it.
 void tape_close_wav();

@@ -59,8 +59,8 @@ constexpr state_field fields[] = {
 void set_a(uint8_t value) { z80_state.af = uint16_t(value << 8 | (z80_state.af & 0xFF)); }
 void set_b(uint8_t value) { z80_state.bc = uint16_t(value << 8 | (z80_state.bc & 0xFF)); }
 
-/// The search for the sync byte reads through the bit routine: from the first byte on, it is past
-/// the text of an image.
+/// The firmware searches for the sync byte through its bit routine, so this is also where the text
+/// at the start of a CGT image is skipped.
 void read_bit() {
     set_a(tape_read_one_byte());
     tape_cas_skip_header();
@@ -72,7 +72,7 @@ void read_byte() {
     z80_state.pc = READ_BYTE_EXIT;
 }
 
-/// There is an answer, whatever it is.
+/// Goes on with the save: the question has been answered, in whatever way.
 void write_leader() {
     set_b(LEADER_BYTES);
     z80_state.pc = WRITE_LEADER_LOOP;
@@ -94,7 +94,8 @@ void type_character() {
 }
 
 /// Traps take no time, and the firmware runs many instructions between two of them. In a ROM where
-/// one leads straight to the next, no frame would ever end: there, a scan line passes.
+/// one trap leads straight to the next, no frame would ever end; so the second of them takes a scan
+/// line.
 void let_frame_end() {
     if (z80_state.t_count == traps.last_trap) {
         z80_state.t_count += int64_t(z80_state.cycles_per_line);
@@ -148,7 +149,7 @@ void memory_place_bas_trap() { std::ranges::copy(TYPING_PATCH, rom_pointer() + K
 
 void memory_remove_bas_trap() { restore(KEYBOARD_ROUTINE, TYPING_PATCH.size()); }
 
-/// Out of line, or the run loop would take in the cassettes and all that they call.
+/// Kept out of line, or the run loop would inline the cassettes and all that they call.
 [[gnu::noinline]] void trap_handle(int number) {
     if (number == TRAP_WRITE_LEADER && tape_write_case_header() == SAVE_NOT_YET) {
         return z80_wait_at_trap();

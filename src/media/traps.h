@@ -9,7 +9,7 @@
 #include <cstdint>
 
 struct traps_state {
-    int64_t last_trap = -1; ///< t_count behind it
+    int64_t last_trap = -1; ///< t_count after it
     uint8_t cas_traps_installed = 0;
     uint8_t unused[7] = {};
 };
@@ -20,7 +20,8 @@ extern const state_record traps_record;
 int cas_is_traps_installed();
 /// Places the cassette patches at the program's start.
 void tape_init();
-/// The firmware waits to be told where to save to, and is told: nowhere. Nothing when it does not.
+/// When the firmware waits for the file to save to, it is answered that there is none. Otherwise
+/// nothing happens.
 void tape_withdraw_save_question();
 /// Clears the cassette input bit, once the cassette system is ready.
 void tape_reset();

@@ -2,8 +2,7 @@
 /// The samples of the WAV file that plays, which the host reads (machine_host.read_tape): PCM of 8
 /// or 16 bits, mono or stereo (mixed to mono).
 ///
-/// They are read through a window in memory: reaching any sample costs the same, and neighbours
-/// cost nothing.
+/// A part of the file is kept in memory, so that neighbouring samples need no further read.
 
 #include <cstdint>
 
@@ -19,5 +18,5 @@ struct wav_format {
 /// Sample `index`: 0 to 255 of an 8-bit file, -32768 to 32767 of a 16-bit one. Behind the end it is
 /// the highest value. Where the file has become unreadable or shorter, `samples` shrinks.
 int32_t wav_sample(wav_format& wav, uint64_t index);
-/// Another file plays from now on.
+/// Forgets the part kept in memory: another file plays from now on.
 void wav_forget_window();

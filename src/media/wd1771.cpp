@@ -93,7 +93,7 @@ constexpr state_field wd1771_fields[] = {
     {"disks", sizeof wd1771.disks},
 };
 
-/// A state that was loaded may say anything.
+/// Bytes of a sector, never more than the buffer holds: the record may come from a damaged state.
 uint32_t sector_bytes(unsigned drive) {
     return std::clamp(wd1771.disks[drive].bytes_per_sector, SMALLEST_SECTOR, LARGEST_SECTOR);
 }
@@ -134,8 +134,8 @@ void restore(unsigned drive) {
     wd1771.data = 0;
 }
 
-/// A target beyond the last track leaves the head where it is. The end of the command covers the
-/// seek error, so none is kept.
+/// A target beyond the last track leaves the head where it is. No seek error is kept, since the end
+/// of the command overwrites the status.
 void seek(unsigned drive) {
     if (!diskimg_inserted(wd1771.disks[drive])) return;
     uint32_t& head = wd1771.head_track[drive];
@@ -192,7 +192,8 @@ void write_track(unsigned drive) {
     }
 }
 
-/// The identification of the sector that passes next comes as the end of a sector.
+/// The identification of the sector that passes next, put at the end of the buffer: the transfer
+/// ends as that of a sector does.
 void read_address(unsigned drive) {
     if (!diskimg_inserted(wd1771.disks[drive])) return fail(STATUS_NOT_FOUND);
     const uint32_t head = wd1771.head_track[drive];
@@ -250,7 +251,7 @@ void write_command(unsigned drive, uint8_t value) {
 
 // ---- data --------------------------------------------------------------------------------------
 
-/// Gives 0 to the last byte of a sector, and then stays where it is.
+/// The next byte of the sector buffer. Behind its end, the data register as it is.
 uint8_t next_sector_byte(unsigned drive) {
     const uint32_t size = sector_bytes(drive);
     if (!diskimg_inserted(wd1771.disks[drive]) || wd1771.buffer_offset >= size) return wd1771.data;

@@ -3,7 +3,7 @@
 ///
 /// Works on whole sectors: reading fills a buffer that the processor drains through the data
 /// register, writing fills the buffer and stores it when it is full. The data request stands as
-/// long as bytes remain, so no data are ever lost. Timed are what software waits for: 33000 cycles
+/// long as bytes remain, so no data are ever lost. What software waits for is timed: 33000 cycles
 /// of head positioning, the index pulse of a disk at 360 revolutions per minute, and the 2.3
 /// seconds that a drive stays ready after it was selected.
 

@@ -69,7 +69,7 @@ std::vector<std::string> memory_rows(int rows, int cols) {
     return text;
 }
 
-/// The area in character cells, blackened.
+/// Blackens the area above the status bar, and returns its size in character cells.
 Size monitor_get_screen_params() {
     const Size area = drawing_area();
     const Size cell = platform().drawing().cell_size();
@@ -82,7 +82,7 @@ void OutDisassString(int row, const std::string& text) {
     drawing.text(0, row * drawing.cell_size().height, text, WHITE, BLACK);
 }
 
-/// A line just above the row.
+/// Draws a line just above the row.
 void DrawSeparator(int row) {
     Drawing& drawing = platform().drawing();
     drawing.line(0, row * drawing.cell_size().height - 1, drawing_area().width, WHITE);
@@ -101,8 +101,8 @@ uint16_t next_instruction(uint16_t address) {
     return disassemble(address, line);
 }
 
-/// The instruction before `address`: the longest step back that leads here again. Where none does,
-/// the byte before.
+/// The address of the instruction before `address`: the one furthest back whose instruction ends at
+/// `address`, or the byte before when there is none.
 uint16_t previous_instruction(uint16_t address) {
     for (int back = LONGEST_STEP_BACK; back > 1; --back) {
         const auto candidate = uint16_t(address - back);

@@ -33,9 +33,10 @@ int monitor_get_cols();
 void monitor_update();
 /// Changes to a MonitorPage and draws it.
 void monitor_select_page(int page);
-/// Draws the registers and the listing from where the processor stands.
+/// Draws the registers and the listing, which begins at PC.
 void debug();
-/// Draws the registers and the listing; where that has not begun yet, from `pc`.
+/// Draws the registers and the listing, which begins where it did before, or at `pc` the first
+/// time.
 void step(uint16_t pc);
 /// Draws the memory page, whichever is the present one.
 void monitor_memdump();
@@ -46,7 +47,7 @@ uint16_t monitor_get_current_pc();
 /// `direction` is 1 down, -1 up; up stops at the nearest of a few addresses whose instruction ends
 /// where the listing begins.
 void getpc_dir(int direction);
-/// One step, and draws the page.
+/// One step as getpc_dir does, and draws the page.
 void step_dir(int direction);
 /// As many steps as there are rows.
 void step_dir_page(int direction);

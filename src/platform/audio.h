@@ -16,12 +16,14 @@ struct Audio {
     virtual bool create_primary() = 0;  ///< the device's own buffer
     /// 16-bit mono; the device should take its data in blocks of so many samples.
     virtual bool set_format(int rate, int block) = 0;
-    /// Bytes that the device takes at a time; 0 without a device that somebody hears.
+    /// Bytes that the device takes at a time; 0 without a device, and for one that only keeps
+    /// silent time.
     virtual uint32_t block_bytes() = 0;
     /// A silent ring that does not play yet; `rate` in samples per second.
     virtual bool create_ring(uint32_t bytes, int rate) = 0;
     virtual bool has_ring() = 0;
-    /// The byte range as one or two regions, the second one where the range wraps. False on loss.
+    /// The byte range as one or two regions, the second one where the range wraps. False when the
+    /// device is lost.
     virtual bool lock(uint32_t offset, uint32_t bytes, std::span<uint8_t>& first,
                       std::span<uint8_t>& second) = 0;
     virtual bool unlock() = 0; ///< the regions are no longer the caller's

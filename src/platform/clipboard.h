@@ -7,6 +7,6 @@ struct Clipboard {
     virtual ~Clipboard() = default;
     /// Nothing when it holds no text.
     virtual std::optional<std::string> text() = 0;
-    /// False when the clipboard cannot be had.
+    /// False when the clipboard cannot be used.
     virtual bool set_text(const std::string& text) = 0;
 };

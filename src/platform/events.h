@@ -30,8 +30,8 @@ struct Event {
     std::string text;
 };
 
-/// What the host tells at once, from whatever it does at that moment. Nothing here runs or changes
-/// the machine.
+/// Gets what the host tells at once, in the middle of its own work. These functions neither run nor
+/// change the machine.
 struct EventSink {
     virtual ~EventSink() = default;
     /// A menu was opened: the program stands still until it is closed again. A host may run a loop
@@ -45,7 +45,7 @@ struct EventSink {
 /// The message queue of the program's one thread.
 struct Events {
     virtual ~Events() = default;
-    /// Who is told at once, from now on. It must outlive the platform.
+    /// Sets who is told at once. The sink must outlive the platform.
     virtual void set_sink(EventSink& sink) = 0;
     /// Takes a waiting message; kind none when there is none. Never blocks.
     virtual Event poll() = 0;
@@ -53,8 +53,8 @@ struct Events {
     /// microseconds, or NO_LIMIT. Takes no message.
     virtual void wait(int64_t microseconds) = 0;
     static constexpr int64_t NO_LIMIT = -1;
-    /// A quit message behind all that wait.
+    /// Appends a quit message to the queue.
     virtual void post_quit(int exit_code) = 0;
-    /// Any other message behind all that wait.
+    /// Appends any other message to the queue.
     virtual void post(const Event& event) = 0;
 };

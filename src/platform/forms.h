@@ -76,11 +76,12 @@ struct Form {
     /// the item with the field's text. Slider: the position, kept within its range.
     virtual int value(int id) = 0;
     virtual void set_value(int id, int value) = 0;
-    /// Of a text field, what stands in it, cut at its limit; of a list, the item's; else as
-    /// described. The text of a list cannot be set.
+    /// Text field: what stands in it, cut at its limit. List: the text of its item, which cannot be
+    /// set. Other controls: the text of the description.
     virtual std::string text(int id) = 0;
     virtual void set_text(int id, const std::string& text) = 0;
-    /// Of a list or combo. The first item of a list is chosen, the text of a combo stays.
+    /// Replaces the items of a list or combo. The first item of a list is then chosen; the text of
+    /// a combo stays.
     virtual void set_items(int id, const std::vector<std::string>& items) = 0;
     virtual bool is_enabled(int id) = 0;
     virtual void set_enabled(int id, bool enabled) = 0;
@@ -88,7 +89,8 @@ struct Form {
     /// Modal: `done` gets the id of the button that closed it, or FORM_CLOSED, before the call
     /// returns or later. It may remove the form.
     virtual void run(std::function<void(int closing_id)> done) = 0;
-    /// Beside the main window, which goes on. In front when it is open already.
+    /// Opens the form beside the main window, which goes on; brings it to the front when it is
+    /// open.
     virtual void show() = 0;
     virtual void close() = 0; ///< without an event
     virtual bool is_open() = 0;

@@ -9,7 +9,7 @@ struct Size {
     bool operator==(const Size&) const = default;
 };
 
-/// Right and bottom are not part of it.
+/// Left and top belong to it, right and bottom do not.
 struct Rectangle {
     int left = 0;
     int top = 0;

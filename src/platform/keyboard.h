@@ -23,8 +23,8 @@ struct HostKeyboard {
     virtual std::optional<KeyForCharacter> key_for(char character) = 0;
     /// Takes every key for released.
     virtual void release_all() = 0;
-    /// A key that was let go since it was pressed counts as down until here: the machine, which
-    /// looks at the keys while it runs, has had its chance.
+    /// A key that was pressed and let go between two frames counts as down until this call, so that
+    /// the machine, which looks at the keys while it runs, has seen it.
     virtual void release_tapped() = 0;
 };
 

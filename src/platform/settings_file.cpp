@@ -4,7 +4,8 @@
 #include "files/whole_file.h"
 
 #define TOML_EXCEPTIONS 0
-/// The library asserts what a damaged file may break, and reports it as an error just behind that.
+/// Without effect: the library asserts conditions that a damaged file breaks, and then reports the
+/// same as an error.
 #define TOML_ASSERT(condition) static_cast<void>(0)
 #include <toml++/toml.h>
 
@@ -77,12 +78,12 @@ std::optional<uint32_t> number_in(const toml::table& table, const std::string& n
     return uint32_t(value->get());
 }
 
-// Where the library looks for white space, it takes some characters outside of ASCII for
-// impossible, with no telling what it does then. So it gets to see none: a mark and two hexadecimal
-// digits stand for each of their bytes. The mark begins nothing in TOML, and is right in texts and
-// comments only.
+// The library handles some characters outside of ASCII as impossible where it looks for white
+// space; what it does then is undefined. So they are hidden from it: each of their bytes is
+// replaced by a mark and two hexadecimal digits. The mark is a character that begins nothing in
+// TOML and can only stand in texts and comments.
 
-/// One that stands in neither.
+/// A mark that occurs neither in the text nor in the addition.
 std::string free_mark(std::string_view text, std::string_view addition) {
     for (int n = 0;; ++n) {
         std::string mark = "$" + std::to_string(n) + "$";
@@ -119,7 +120,7 @@ std::string show_bytes(std::string_view hidden, const std::string& mark) {
 struct Contents {
     enum class State { good, missing, unreadable, damaged };
     State state = State::unreadable;
-    std::string text; ///< with hidden bytes, as the table has them
+    std::string text; ///< with hidden bytes; the places in `table` refer to it
     toml::table table;
     std::string mark; ///< of hidden bytes
     std::string damage;
@@ -152,7 +153,7 @@ Contents parse(std::string_view text, std::string_view addition) {
     return contents;
 }
 
-/// `addition` may become part of the contents.
+/// Reads the file. The mark is chosen so that `addition` can be put into the contents later.
 Contents load(const std::string& path, std::string_view addition = {}) {
     if (const auto bytes = read_whole_file(path)) {
         return parse({reinterpret_cast<const char*>(bytes->data()), bytes->size()}, addition);
@@ -221,7 +222,7 @@ size_t offset_of(std::string_view text, const toml::source_position& place) {
     return at + place.column - 1;
 }
 
-/// Whether the node follows its own heading, behind which there is no room for other keys.
+/// Whether the node is a table under a heading of its own: keys put behind that would belong to it.
 bool has_heading(const toml::node& node) {
     const auto* array = node.as_array();
     if (array) return !array->empty() && has_heading(*array->get(0));
@@ -249,8 +250,8 @@ std::string with_line(const Contents& contents, const std::string& name, const s
     return text.insert(place, (open_line ? "\n" : "") + line + "\n");
 }
 
-/// Changes the value and leaves all other text as it is. Where that does not come out, as with a
-/// name that has a table of its own, the library writes everything anew.
+/// Changes the value and leaves all other text as it is. When the result does not read back as
+/// wanted, as with a name that is a table, the library writes the whole file anew.
 void change(Contents& contents, const std::string& name, const SettingsFile::Value& value) {
     toml::table line;
     put(line, name, value, contents.mark);
@@ -268,7 +269,8 @@ bool has(const Contents& contents, const std::string& name, const SettingsFile::
     return text_in(contents, name) == std::get<std::string>(value);
 }
 
-/// Moves a damaged file out of the way. Returns its new name, or nothing. Under the lock.
+/// Moves a damaged file out of the way, while the lock is held. Returns its new name; empty when
+/// that fails.
 std::string put_aside(const std::string& path) {
     std::string name = path + ".damaged";
     std::error_code error;

@@ -1,8 +1,8 @@
 #pragma once
 /// Settings in a TOML file: one flat table of numbers and texts. Every read looks into the file,
 /// and every change replaces it as a whole under a lock, so that programs that run at the same time
-/// see and keep each other's values. What else stands in the file, comments too, stays there. A
-/// change to what is there already writes nothing.
+/// see and keep each other's values. What else stands in the file, comments too, stays there.
+/// Setting a value that the file has already writes nothing.
 
 #include "platform/settings.h"
 
@@ -17,7 +17,7 @@ public:
 
     bool open() override;
     void close() override;
-    /// Told once.
+    /// Empty at the second call: a complaint is given once.
     std::string complaint() override;
     std::optional<uint32_t> number(const std::string& name) override;
     /// Also works while the store is closed.

@@ -48,13 +48,13 @@ struct Window {
     virtual Rectangle client_on_screen() = 0; ///< the client area in screen coordinates
     virtual Size screen_size() = 0;           ///< of the screen that shows the window
     virtual void move(const Rectangle& outer) = 0;
-    /// Fixed: both limits of the outer size. A zero size gives the window a sizing frame and a
-    /// maximize box.
+    /// Makes this the only size that the window can have. A zero size lets the user size and
+    /// maximize it.
     virtual void set_fixed_size(Size outer) = 0;
     /// Asks for a paint message of the whole client area.
     virtual void invalidate() = 0;
-    /// Full-screen shape: no frame and no menu, the whole screen. Back: as before, rectangle
-    /// included.
+    /// On: the window covers the whole screen, without frame and menu. Off: it is as before, its
+    /// place and size included.
     virtual void set_full_screen(bool on) = 0;
     virtual void show_cursor(bool on) = 0;
 

@@ -70,7 +70,7 @@ constexpr std::array<int, POINTS + 1> step_points() {
     return result;
 }
 
-/// By how much a step changes each sample, and by how much more in the next phase.
+/// By how much a step changes each sample, and the difference to that in the next phase.
 struct Taps {
     std::array<int16_t, TAPS> change;
     std::array<int16_t, TAPS> slope;

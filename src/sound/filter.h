@@ -1,6 +1,6 @@
 #pragma once
-/// One-pole IIR filter on integer samples, one at a time: low-pass, or high-pass as what the
-/// low-pass leaves.
+/// One-pole IIR filter on integer samples, one at a time: low-pass, or high-pass: the sample minus
+/// the low-pass's output.
 
 #include <cstddef>
 #include <cstdint>
@@ -20,7 +20,7 @@ struct iir_filter {
 
 /// A filter at rest of one of the two types; `cutoff` in Hz.
 iir_filter filter_iir_create(uint32_t type, uint32_t cutoff);
-/// No filter any more; nothing without a pointer.
+/// Makes the record one without a filter. Does nothing for a null pointer.
 void filter_destroy(iir_filter* filter);
 /// Coefficients for the record's `rate`, above 0, and `cutoff`; the filters below do it themselves
 /// when the rate changes.

@@ -27,10 +27,11 @@ constexpr uint32_t FRAGMENT_SAMPLES = 960;
 constexpr uint32_t FRAGMENT_BYTES = FRAGMENT_SAMPLES * 2;
 
 struct sound_core_state {
-    /// The fragment in the making, before the filter, and behind it what is left of the one before.
+    /// The fragment being rendered, before the filter. Samples that an update rendered beyond it
+    /// follow, and are moved to the front when it is finished.
     std::array<uint16_t, 2 * FRAGMENT_SAMPLES> sound_buffer = {};
-    uint32_t sound_update_pos = 0; ///< samples of the fragment that stand
-    uint32_t last_sample_pos = 0;  ///< reached by the last update
+    uint32_t sound_update_pos = 0; ///< samples of the fragment rendered so far
+    uint32_t last_sample_pos = 0;  ///< time of the last update, in samples
     /// Samples that the fragment in the making had at the end of the last frame, 0 to 959.
     uint32_t begun_at_frame_end = 0;
     int32_t next_fragment_count = 1; ///< the last decision: 0, 1 or 2
@@ -41,13 +42,13 @@ extern const state_record sound_core_record;
 
 /// Appends a source; the list keeps its order.
 void sound_add_source(sound_source* source);
-/// An empty fragment, and the high-pass.
+/// Starts with an empty fragment and with the high-pass.
 void sound_init();
 /// Resets every source.
 void sound_reset();
 /// Renders up to the given processor cycle.
 void sound_update(int64_t cycles);
-/// The same, at the end of a frame.
+/// The same, at the end of a frame; also notes how far the fragment is.
 void sound_flush(int64_t cycles);
 /// The fragment buffer as it stands.
 uint16_t* sound_get_buffer_ptr();

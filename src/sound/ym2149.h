@@ -10,11 +10,11 @@
 /// 24 kHz is folded into the range that is heard: an energy of -21 dB of the tone at 440 Hz, and
 /// of -7 dB at 8.7 kHz. Levels are unsigned; the sound core removes the offset.
 ///
-/// Clean sound renders the same generators with band-limited steps, and leaves no more of it than
-/// the rounding of a sample does. Pitches, levels and the state of the generators are the same, and
-/// one can take over from the other at any time; every change is heard 15.5 samples later, a third
-/// of a millisecond. A tone above 24 kHz is then a constant half of its level, and noise loses what
-/// was folded: the shorter its period, the softer it is.
+/// Clean sound renders the same generators with band-limited steps, and what remains of the folding
+/// is no more than the rounding of a sample. Pitches, levels and the state of the generators are
+/// the same, and one can take over from the other at any time; every change is heard 15.5 samples
+/// later, a third of a millisecond. A tone above 24 kHz is then a constant half of its level, and
+/// noise loses what was folded: the shorter its period, the softer it is.
 ///
 /// Registers keep what was written; a read masks the bits that the chip does not have. Registers
 /// 14 and 15 are the two ports; bits 6 and 7 of register 7 make them outputs.
@@ -57,7 +57,7 @@ struct ay_state {
     uint32_t shift_reg = 0xFFFF;            ///< noise; only bits 13, 15 and 16 matter
 
     bool clean_sound = false;
-    bool clean_runs = false; ///< the line stands where the last sample was
+    bool clean_runs = false; ///< clean_line goes on from the last sample
     std::array<uint8_t, 2> unused = {};
     int32_t clean_level = 0; ///< of the mix, after the last step
     step_line clean_line;
@@ -82,8 +82,8 @@ void ym2149_reset();
 void ym2149_register_select(uint8_t value);
 /// Writes the selected register.
 void ym2149_write(uint8_t value);
-/// Takes effect at the processor's present cycle. `reg` above 15 changes only the register file, at
-/// `reg` modulo 16.
+/// Writes register `reg`. Takes effect at the processor's present cycle. `reg` above 15 changes
+/// only the register file, at `reg` modulo 16.
 void ym2149_write_register(uint32_t reg, uint8_t value);
 /// The selected register; a port in input mode without a callback reads FF.
 uint8_t ym2149_read();

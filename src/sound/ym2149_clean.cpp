@@ -1,6 +1,6 @@
-// Clean sound: the generators followed from one change of the level to the next, at the time
-// between two samples at which a counter reaches its period. Times are in the unit of the tones'
-// counters and begin with the block. At the end of a block every counter is where the plain
+// Clean sound: goes from one change of the level to the next, each at the exact time at which a
+// counter reaches its period, also between two samples. Times are in the unit of the tones'
+// counters, from the start of the block. At the end of a block every counter is where the plain
 // renderer leaves it.
 
 #include "sound/band_limited_steps.h"
@@ -11,12 +11,12 @@
 namespace {
 
 constexpr int32_t NEVER = INT32_MAX;
-/// Leaves the beeper its room in a signed sample.
+/// So that a signed sample has room for what the beeper adds.
 constexpr int32_t HIGHEST_SAMPLE = 28671;
-constexpr uint32_t TIME_SHIFT = 24; ///< exactness of a time in samples
+constexpr uint32_t TIME_SHIFT = 24; ///< fraction bits of the factor that turns a time into samples
 
-/// What comes next in a block. A generator whose counter is beyond its period is looked at on
-/// every sample, until the counter has caught up: it is not settled.
+/// What comes next in a block. A generator is settled while its counter is below its period. One
+/// that is not (a program has just made the period shorter) is stepped on every sample.
 struct clean_block {
     uint32_t count = 0;
     int32_t sample = 0; ///< length of a sample
@@ -54,7 +54,7 @@ int32_t level_of(const clean_block& block) {
     return block.sums[block.tones & open];
 }
 
-/// From a time on at which the channel's counter is up to date.
+/// Finds the next change of the tone, from the time `from`, at which its counter is up to date.
 void follow_tone(clean_block& block, uint32_t number, int32_t from) {
     const tone_channel& channel = ay.channel[number];
     const bool settled = is_settled(channel.counter, channel.period, ay.cycles_per_sample);
@@ -75,7 +75,7 @@ void start_tone(clean_block& block, uint32_t number) {
     follow_tone(block, number, 0);
 }
 
-/// Toggles a settled tone that is due; without a branch, since nobody can foresee which one is.
+/// Toggles the settled tone if it is due. Without a branch, which the host could not predict.
 void step_tone(clean_block& block, uint32_t number, int32_t now) {
     const uint32_t due = block.tone_due[number] <= now;
     block.tones ^= due << number;
@@ -93,11 +93,12 @@ void watch_unsettled_tones(clean_block& block, int32_t now) {
     }
 }
 
-/// Steps the register up to the next change of its output, or to the end.
+/// Steps the noise register to the next change of its output, or to the end of the block.
 void find_noise_change(clean_block& block) {
     const auto period = int32_t(ay.noise_period);
     for (;;) {
-        const uint32_t unlike = (ay.shift_reg ^ (0 - block.noise_bit)) << 16; // what comes, on top
+        // The bits that come next, the first on top; 1 where one differs from the output.
+        const uint32_t unlike = (ay.shift_reg ^ (0 - block.noise_bit)) << 16;
         const auto steps = std::min(uint32_t(std::countl_zero(unlike)) + 1, STEPS_AT_ONCE);
         const int32_t time = block.next_shift + int32_t(steps - 1) * period;
         if (time > block.end) break;
@@ -107,7 +108,8 @@ void find_noise_change(clean_block& block) {
         if (ay.noise_output != block.noise_bit) return;
     }
     block.noise_due = NEVER;
-    if (block.next_shift > block.end) return; // else the rest of the steps change nothing
+    if (block.next_shift > block.end) return;
+    // The steps that are left change nothing that is heard.
     const int32_t steps = (block.end - block.next_shift) / period + 1;
     shift_noise(uint32_t(steps));
     block.next_shift += steps * period;
@@ -126,7 +128,7 @@ void find_envelope_step(clean_block& block) {
     block.envelope_due = block.origin + int32_t(way * time);
 }
 
-/// From a sample on at which the counter is below its period.
+/// Starts to follow the present ramp, at a sample at which the counter is below its period.
 void follow_ramp(clean_block& block) {
     block.envelope_settled = true;
     block.phase = int32_t(ay.envelope_counter);

@@ -1,6 +1,6 @@
 #pragma once
-/// The generators of ym2149, as both of its renderers step them: one sample at a time, or, where
-/// nobody hears one, by as many as there are.
+/// The generators of ym2149, as both of its renderers step them: one sample at a time, or, while a
+/// generator is not heard, all samples of a block at once.
 
 #include "sound/ym2149.h"
 
@@ -44,7 +44,8 @@ inline void ym2149_select_envelope_shape() {
     }
 }
 
-/// A counter below its period, at most one pass a sample: many samples are then one division.
+/// Whether the counter is below its period and reaches it at most once a sample. Many samples can
+/// then be counted by one division.
 inline bool is_settled(uint32_t counter, uint32_t period, uint32_t per_sample) {
     return counter < period && per_sample <= period;
 }
@@ -77,8 +78,8 @@ inline void skip_envelope(uint32_t count) {
     for (uint32_t i = 0; i < count; ++i) count_envelope();
 }
 
-/// The noise register taps bits 16 and 13, so up to 14 steps depend on old bits alone and are one
-/// operation.
+/// The noise register feeds back bits 16 and 13. Up to 14 steps thus depend on old bits only, and
+/// can be done in one operation.
 constexpr uint32_t STEPS_AT_ONCE = 14;
 
 inline void shift_noise(uint32_t steps) {

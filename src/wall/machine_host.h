@@ -1,7 +1,7 @@
 #pragma once
-/// The wall around the machine, and its one door: a record of callbacks, through which the machine
-/// tells and asks whatever program it runs in. Each has a default that does nothing, so that the
-/// machine runs in any program, also in one that knows nothing of it.
+/// The only way in which the machine reaches the program around it: a record of callbacks, by which
+/// it tells and asks. Each has a default that does nothing, so the machine also runs in a program
+/// that sets none of them.
 
 #include "wall/report.h"
 
@@ -15,9 +15,9 @@ enum StatusPart : int { PART_CONFIGURATION, PART_LAMPS, PART_CASSETTE, PART_MESS
 
 /// Where bytes leave the machine.
 enum output_stream : int { STREAM_PRINTER, STREAM_TAPE, STREAM_TAPE_SOUND };
-/// The program's standard streams, for who looks at what the machine does.
+/// The program's standard streams, for lines that let a person follow what the machine does.
 enum text_stream : int { TEXT_OUTPUT, TEXT_ERROR };
-/// The contents of a file that a configuration names.
+/// A ROM whose contents come from a file that the configuration names.
 enum rom_file : int { ROM_BASIC, ROM_EXPANSION, ROM_CHARACTERS };
 constexpr int ROM_NOT_NAMED = -1;
 /// Whether a cassette image has been made for what the firmware is about to save.
@@ -39,16 +39,16 @@ struct machine_host_calls {
     void (*print)(text_stream to, const char* lines);
     /// The drive whose lamp is lit, 0 to 3; any other value lights none.
     void (*lamp)(int drive);
-    /// A frame is there to be shown; 0 does nothing.
+    /// A frame is ready to be shown. A `flag` of 0 shows nothing.
     void (*frame)(int flag);
     /// A finished sound fragment of FRAGMENT_SAMPLES samples.
     void (*fragment)(const uint16_t* samples);
-    /// The next fragment is the first of all.
+    /// The sound starts from nothing: the next fragment is the first one.
     void (*sound_begins)();
     /// The sound has been reset.
     void (*sound_was_reset)();
-    /// No more bytes come to a stream: the tape has been taken out, the recording or the WAV file
-    /// that played as well.
+    /// No more bytes come to the stream. STREAM_TAPE ends when the cassette image is taken out,
+    /// STREAM_TAPE_SOUND when the WAV file is, whether it was recorded or played.
     void (*stream_ends)(output_stream stream);
     /// The reset key has been pressed.
     void (*was_reset)();
@@ -61,12 +61,12 @@ struct machine_host_calls {
     int (*fragment_decision)(int completed);
     /// Bytes of a stream from `position` on. 0 when they cannot be taken. Default 1.
     int (*write)(output_stream stream, uint64_t position, const uint8_t* bytes, size_t count);
-    /// Fills `size` bytes as far as the file goes. Returns how many there were, 0 also when it
-    /// cannot be read, or ROM_NOT_NAMED, which is the default.
+    /// Copies up to `size` bytes of the file to `to`. Returns how many there were: 0 also when the
+    /// file cannot be read, ROM_NOT_NAMED (the default) when there is no file.
     int (*read_rom)(rom_file which, uint8_t* to, size_t size);
     /// Bytes at `offset` of the WAV file that plays. Returns how many there were. Default 0.
     size_t (*read_tape)(uint64_t offset, uint8_t* to, size_t bytes);
-    /// What keyboard, joysticks and keypads hold at this moment. Default: as it was.
+    /// What keyboard, joysticks and keypads hold at this moment. By default it stays as it was.
     void (*read_input)(machine_input& input);
     /// The cassette image for a save of the firmware. Default SAVE_REFUSED.
     save_answer (*save_question)();

@@ -14,7 +14,7 @@ enum class MessageIcon : uint8_t { none, information, warning, error };
 
 struct Report {
     std::string text;        ///< what the status bar shows
-    std::string file = {};   ///< that it is about
+    std::string file = {};   ///< path of the file that it is about
     std::string reason = {}; ///< why, as a sentence or part of one
     std::string remedy = {}; ///< what can be done, as a sentence
     std::string title = {};  ///< of the message box; empty: the product's name
@@ -27,7 +27,8 @@ std::string report_line(const Report& told);
 /// The parts that a reader of `text` does not know yet, one to a line; empty without any.
 std::string report_details(const Report& told);
 
-/// Tells the user, by machine_host.
+/// Tells the user, through machine_host.report.
 void report(const Report& told);
-/// That the file could not be written just now, for the reason that is in errno.
+/// A report that the file could not be written. The reason is taken from errno, so call it first
+/// thing after the failure.
 Report unwritable(const std::string& file);

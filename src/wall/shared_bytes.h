@@ -21,7 +21,7 @@ public:
     std::span<const uint8_t> view() const {
         return bytes ? std::span<const uint8_t>(*bytes) : std::span<const uint8_t>();
     }
-    /// The bytes to be changed: nobody else has them any more.
+    /// The bytes, to be changed. When other objects share them, this one gets its own copy first.
     std::vector<uint8_t>& change() {
         if (!bytes || bytes.use_count() > 1) {
             bytes = std::make_shared<std::vector<uint8_t>>(bytes ? *bytes : std::vector<uint8_t>());

@@ -12,7 +12,8 @@ enum class field_kind : uint8_t {
     other
 };
 
-/// In the order of the record; together they are as long as it is.
+/// A field of a record. All fields are listed in the record's order, and their sizes add up to its
+/// size.
 struct state_field {
     const char* name;
     uint32_t size; ///< bytes

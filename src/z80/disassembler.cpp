@@ -321,7 +321,7 @@ constexpr Block ddcb_block =
 constexpr Block fdcb_block =
     make_block([](unsigned op) { return indexed_bit_group(op, IY_NAMES); });
 
-/// By the numbers that the prefixes have for their kinds.
+/// Indexed by the block numbers above.
 constexpr std::array<const Block*, BLOCKS> minor = {&cb_block, &dd_block,   &ed_block,
                                                     &fd_block, &ddcb_block, &fdcb_block};
 

@@ -18,7 +18,8 @@ constexpr int DISASSEMBLY_LINE = 64;
 uint16_t disassemble(uint16_t address, char* line);
 /// The listing of all the memory, an instruction to a line, each behind its address.
 std::string disassembly_listing();
-/// Line `kind` (0 to 2) of the register dump, 53 characters at most. `line` as above.
+/// Line `kind` (0 to 2) of the register dump, 53 characters at most. `line` has DISASSEMBLY_LINE
+/// characters.
 void regdump(char* line, int kind);
 /// The bits of `value` as decimal digits: 1000101 for 45h. To be printed with "%08i".
 int bytetobin(uint8_t value);

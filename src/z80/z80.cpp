@@ -8,8 +8,8 @@ namespace {
 
 namespace op = z80_operations;
 
-/// The breakpoint is the debugger's, and the start of an instruction is noted only where somebody
-/// asks for it.
+/// Not part of the state: the breakpoint, which is the debugger's, and instruction_start, which is
+/// only noted in z80_run_noting_starts.
 constexpr state_field fields[] = {
     {"af", sizeof(z80_record::af)},
     {"bc", sizeof(z80_record::bc)},
@@ -46,8 +46,9 @@ constexpr state_field fields[] = {
 
 constexpr uint64_t SCAN_LINES_PER_SECOND = 15625;
 
-/// Two loops, since noting the starts takes some percent of the processor's speed. Both are
-/// flattened: with every operation inside, the host keeps the registers in its own.
+/// There are two loops, since noting the starts costs some percent of the speed. Both are
+/// flattened: when every operation is inlined, the compiler keeps the processor's registers in
+/// those of the host.
 template <bool NOTES_STARTS>
 inline int32_t run_budget(int32_t budget) {
     const int64_t end = z80_state.t_count + budget;
@@ -138,7 +139,8 @@ int cpu_breakpoint_arrives() {
 void z80_wait_at_trap() {
     z80_state.pc = uint16_t(z80_state.pc - 2);
     z80_state.r = uint8_t((z80_state.r & 0x80) | ((z80_state.r - 2) & 0x7F));
-    // The fetches may have cost wait cycles: as many as they cost once more.
+    // The two fetches may have cost wait cycles, which are taken back. Reading the bytes once more
+    // shows how many.
     const int64_t now = z80_state.t_count;
     mem_read(z80_state.pc);
     mem_read(uint16_t(z80_state.pc + 1));

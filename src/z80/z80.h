@@ -11,7 +11,7 @@
 /// DDCB and FDCB groups, the mirrored ED opcodes, flag bits 5 and 3, the refresh register,
 /// interrupt modes 0 to 2, the NMI, HALT and the delay of one instruction after EI.
 ///
-/// Every difference from the chip; software of this machine does not look at them, and
+/// All differences from the chip follow. No known software of this machine depends on them;
 /// docs/accuracy.html shows them against the public exercisers.
 /// Flags
 /// - No WZ register: BIT n,(HL) and BIT n,(IX+d) clear bits 5 and 3, the undocumented opcodes of
@@ -30,9 +30,8 @@
 ///   refreshes: three with the opcode behind, and an interrupt can come between.
 /// - HALT keeps no state: PC stays on it, and it is fetched again every 4 T-states.
 /// Interrupts
-/// - Mode 0 enters at 0038 as mode 1 does, in 13 T-states. The vector of mode 2 is at I:FF, since
-/// no
-///   device puts a byte on the bus.
+/// - Mode 0 enters at 0038 as mode 1 does, in 13 T-states. The vector of mode 2 is at I:FF,
+///   since no device puts a byte on the bus.
 /// - RETI and the mirrors of RETN leave IFF1 alone; the chip copies IFF2 as RETN does.
 /// - A request for the NMI stays: it is taken once until z80_ack_nmi, and RETN does not end it.
 /// Bus
@@ -78,7 +77,7 @@ struct z80_record : z80_registers {
     uint16_t unused_2;
     int32_t breakpoint_enabled;
     int32_t breakpoint_reached;
-    int32_t stood_on_breakpoint; ///< at the last look
+    int32_t stood_on_breakpoint; ///< PC was on the breakpoint at the last cpu_breakpoint_arrives
 };
 
 extern z80_record z80_state;
@@ -175,8 +174,8 @@ void mem_write_word(uint32_t address, uint16_t value);
 // ---- arithmetic on z80_state -------------------------------------------------------------------
 // Operands are 0 to FF or 0 to FFFF; results are truncated to the register's width.
 
-/// F bits by three bits: bit 7 (carry tables) or bit 3 (half-carry tables) of the first operand,
-/// the second operand and the result, the first operand's the highest.
+/// Bits of F, indexed by one bit of the first operand, of the second operand and of the result, the
+/// first operand's highest. It is bit 7 for the carry tables, bit 3 for the half-carry tables.
 inline constexpr uint8_t sign_carry_overflow_table[8] = {0x00, 0x84, 0x01, 0x80,
                                                          0x01, 0x80, 0x05, 0x81};
 inline constexpr uint8_t half_carry_table[8] = {0x00, 0x00, 0x10, 0x00, 0x10, 0x00, 0x10, 0x10};
@@ -197,7 +196,7 @@ void do_add_word_flags(uint16_t a, uint16_t b, uint16_t result);
 void do_adc_word_flags(uint16_t a, uint16_t b, uint16_t result);
 void do_sbc_word_flags(uint16_t a, uint16_t b, uint16_t result);
 
-/// A and F of the instruction with that operand.
+/// The instruction with that operand: changes A and F.
 void do_add_byte(uint8_t value);
 void do_adc_byte(uint8_t value);
 void do_sub_byte(uint8_t value);
@@ -208,7 +207,7 @@ void do_cp(uint8_t value);
 void do_and_byte(uint8_t value);
 void do_or_byte(uint8_t value);
 void do_xor_byte(uint8_t value);
-/// HL and F of ADD, ADC and SBC HL.
+/// ADD, ADC and SBC HL with that operand: change HL and F.
 void do_add_word(uint16_t value);
 /// `index` is the address of z80_state.ix or z80_state.iy.
 void do_add_word_index(uint16_t* index, uint16_t value);

@@ -9,8 +9,8 @@ namespace z80_operations {
 constexpr uint8_t OPCODE_HALT = 0x76;
 constexpr uint8_t OPCODE_EI = 0xFB;
 
-/// A bit of `nmi` from a trap that has to wait to the end of that instruction: beside the interrupt
-/// lines, the run loop looks at nothing more for it.
+/// A bit of `nmi`, set from the moment a trap has to wait until the end of that instruction. The
+/// run loop tests `nmi` for interrupts anyway, so waiting costs it no other test.
 constexpr int32_t NMI_WAIT = 2;
 
 /// After an instruction that began with `opcode`: the NMI goes before the maskable interrupt, which
@@ -41,7 +41,7 @@ inline bool run_instruction(Registers& s) {
     return (z80_state.irq | z80_state.nmi) == 0 || offer_interrupts(s, opcode);
 }
 
-/// z80_run (0).
+/// What z80_run does for a budget of 0.
 int32_t run_single_instruction();
 
 } // namespace z80_operations

@@ -66,7 +66,7 @@ constexpr auto sign_flags = by_value([](unsigned v) { return zero_flags[v] | (v 
 /// S, Z, the copy bits and parity.
 constexpr auto logic_flags =
     by_value([](unsigned v) { return sign_flags[v] | (even_parity(v) ? FLAG_PV : 0); });
-/// By the new value; the carry is the caller's.
+/// For INC and DEC, by the new value; the caller adds the carry, which they keep.
 constexpr auto inc_flags = by_value([](unsigned v) {
     return sign_flags[v] | ((v & 0x0F) == 0 ? FLAG_H : 0) | (v == 0x80 ? FLAG_PV : 0);
 });
@@ -285,7 +285,7 @@ inline uint16_t pop(Registers& s) {
     s.sp = uint16_t(s.sp + 2);
     return value;
 }
-/// The value at the top of the stack for `value`.
+/// Puts `value` on the top of the stack in place of the word there, which is returned.
 inline uint16_t exchange_stack(Registers& s, uint16_t value) {
     const uint16_t top = read_word(s.sp);
     write_word(s.sp, value);

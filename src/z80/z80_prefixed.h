@@ -8,8 +8,8 @@ namespace z80_operations {
 
 // ---- CB ----------------------------------------------------------------------------------------
 
-/// Register B, C, D, E, H, L or A by the low three bits of an opcode; 6 is the memory operand and
-/// the caller's.
+/// Register B, C, D, E, H, L or A by the low three bits of an opcode; 6 means the memory operand,
+/// which the caller serves.
 constexpr uint8_t register_value(const Registers& s, unsigned code) {
     switch (code & 7) {
     case 0: return high(s.bc);
@@ -67,7 +67,7 @@ inline int cb_instruction(Registers& s) {
 /// Bits 3 and 5 of a block instruction: bits 3 and 1 of `n`.
 constexpr uint8_t block_copy_bits(unsigned n) { return uint8_t((n & FLAG_3) | (n << 4 & FLAG_5)); }
 
-/// One LDI or LDD; returns what the flags are made of.
+/// One LDI (`step` 1) or LDD (-1) without the flags; returns the sum that bits 5 and 3 come from.
 inline unsigned load_pass(Registers& s, int step) {
     const uint8_t value = mem_read(s.hl);
     mem_write(s.de, value);
@@ -81,7 +81,8 @@ inline int load_block(Registers& s, int step) {
     set_f(s, (f(s) & (FLAG_S | FLAG_Z | FLAG_C)) | block_copy_bits(n) | (s.bc ? FLAG_PV : 0));
     return 16;
 }
-/// One pass a step, so that an interrupt can come between two; the flags change with the last.
+/// LDIR and LDDR: each pass is a step of its own, so that an interrupt can come between two. Only
+/// the last one changes the flags.
 inline int load_block_repeat(Registers& s, int step) {
     const unsigned n = load_pass(s, step);
     if (s.bc) {
@@ -110,7 +111,8 @@ inline int compare_block(Registers& s, int step) {
     block_compare_flags(s, compare_pass(s, step));
     return 16;
 }
-/// The whole search in one step; the time of each pass stands in the counter before the next.
+/// CPIR and CPDR: the whole search is one step. The time of each pass is counted before the next
+/// begins.
 inline int compare_block_repeat(Registers& s, int step) {
     uint8_t value = 0;
     do {
@@ -144,7 +146,7 @@ inline int output_block(Registers& s, int step) {
     block_io_flags(s);
     return 16;
 }
-/// One pass a step; the flags change with the last.
+/// INIR, INDR, OTIR and OTDR: each pass is a step of its own; only the last one changes the flags.
 inline int io_block_repeat(Registers& s, void (*pass)(Registers&, int), int step) {
     pass(s, step);
     if (high(s.bc)) {
@@ -157,7 +159,8 @@ inline int io_block_repeat(Registers& s, void (*pass)(Registers&, int), int step
 
 constexpr uint8_t LAST_TRAP = 0x0C;
 
-/// Calls out of the processor with the record complete, and takes back what the handler made of it.
+/// Calls trap_handle with the registers in the record, and reads them back: it may have changed
+/// any.
 inline void trap(Registers& s, int number) {
     static_cast<Registers&>(z80_state) = s;
     trap_handle(number);

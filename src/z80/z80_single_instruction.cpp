@@ -1,7 +1,7 @@
-/// The processor for a caller that looks after every instruction. To fetch the registers into the
-/// host's own and to store them again costs several times what an instruction does, so this one
-/// works on the record. It is not flattened: that would put the machine's bus into every operation
-/// once more, another 700 KB of a program optimised across files.
+/// Runs a single instruction, for callers that look at the processor after each. Copying the
+/// registers into those of the host and back would cost several times what an instruction costs, so
+/// this works on the record itself. It is not flattened: that would inline the machine's bus into
+/// every operation a second time and add 700 KB to a program optimised across files.
 
 #include "z80/z80_instruction.h"
 

@@ -1,7 +1,8 @@
 #pragma once
 /// The memory image of the machine: 64 KB of address space, the unpatched BASIC ROM, the expansion
-/// ROM buffer and the port latches. A leaf: the bus, the video and the storage media read it
-/// directly; what an access does and costs is the bus's business.
+/// ROM buffer and the port latches. It depends on no other module: the bus, the video and the
+/// storage media read it directly. What an access by the processor does and costs is decided in the
+/// bus.
 
 #include "wall/state_record.h"
 
@@ -24,7 +25,7 @@ struct memory_contents {
     uint8_t basic_rom[BASIC_ROM_SIZE];
     uint8_t expansion_rom[EXPANSION_SIZE];
     uint8_t port_latches[256];
-    uint64_t random; ///< what the generator of random start-up contents goes on from
+    uint64_t random; ///< state of the generator of random start-up contents
     uint32_t startup_pattern;
     uint8_t unused[4];
 };
@@ -44,7 +45,7 @@ inline constexpr auto& ports = memory_state.port_latches;
 
 /// 0 when C000-DFFF hold nothing.
 int memory_has_eprom();
-/// Keeps nothing: the RAM limit is read from the custom configuration.
+/// Does nothing: the RAM limit is read where memory_set_ram_size_source says.
 void memory_set_active_setup(uint32_t ram_size);
 /// Tells where the RAM size of the custom configuration stands (0 = 16 KB). Until then 32 KB.
 void memory_set_ram_size_source(const uint32_t* ram_size);

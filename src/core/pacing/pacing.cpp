@@ -36,7 +36,7 @@ Step step = Step::none;
 
 void look_at_clock() { pacing.elapsed_counter = platform().clock().counter(); }
 
-/// The emulation stands at most one frame period ahead of real time. 0 when it does.
+/// By how much the emulation is more than one frame period ahead of real time; 0 when it is not.
 int64_t microseconds_ahead() {
     if (!g_Timer) return 0;
     const int64_t ahead = pacing.elapsed_temp - pacing.elapsed_counter - pacing.frame_period + 1;
@@ -52,7 +52,8 @@ void report_speed_when_due() {
     pacing.last_total_frames = pacing.total_frames;
 }
 
-/// At most at the display's refresh rate; the beam engine presents its own frames.
+/// Shows the frame, at most at the display's refresh rate. The beam engine presents its frames
+/// itself.
 void update_screen_when_due() {
     if (pacing.elapsed_counter < pacing.next_frame && !g_bRecordingVideo) return;
     if (!g_bCycleBasedEngine) update_screen(1);

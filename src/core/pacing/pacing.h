@@ -46,10 +46,11 @@ struct pacing_calls {
 /// Without a host nothing is shown, and there is no canvas.
 extern pacing_calls pacing_host;
 
-/// `run` is machine_run or machine_step. A question that it waits for is put to the user, and it
-/// goes on with the answer; MACHINE_WAITS as long as there is none.
+/// Calls `run`, which is machine_run or machine_step. When the machine waits for an answer, the
+/// question is put to the user and the run goes on with the answer; MACHINE_WAITS when there is
+/// none yet.
 int run_with_answers(int (*run)());
-/// After a frame that was not paced: the timed events that are due.
+/// Serves the timed events that are due, after a frame that was not paced.
 void run_timed_events();
 /// Runs frames and shows each, without pacing. Ends early at the breakpoint, and at a question that
 /// has no answer yet.
@@ -61,10 +62,10 @@ void take_late_screenshot();
 /// microseconds after which to call again, where real time has to catch up first; then shows the
 /// frame. 0 when the frame is complete, or the machine stands at the breakpoint.
 int64_t paced_frame_step();
-/// A frame has been run and waits for real time.
+/// Whether a frame has been run and waits for real time before it is shown.
 bool paced_frame_waits();
-/// Shows the frame that waits, for whatever is to happen after it. What is left of its time still
-/// has to pass.
+/// Shows the frame that waits, before anything else happens. The rest of its time still has to
+/// pass.
 void show_paced_frame();
 
 /// Reads the clock's frequency and the display's refresh rate, and starts pacing for the active
@@ -74,5 +75,5 @@ void init_timers();
 void timer_recalibrate_fps(uint32_t screen_frequency);
 /// Restarts pacing from now, so that halted time is not caught up. A frame that waits is over.
 void reset_timer();
-/// Speed report into the window title.
+/// Writes the speed report into the window title.
 void show_frame_rate();

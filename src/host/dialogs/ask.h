@@ -1,5 +1,6 @@
 #pragma once
-/// The platform's dialogs as the shell opens them: it is held until they are answered.
+/// The platform's dialogs. The shell is held (hold.h) from the call until the answer has been
+/// handed over.
 
 #include "platform/dialogs.h"
 #include "platform/forms.h"

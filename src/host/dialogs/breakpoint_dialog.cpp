@@ -48,13 +48,14 @@ void refuse_bad_address(Form& form, const FormEvent& event) {
             .icon = MessageIcon::error});
 }
 
-/// The address of an armed breakpoint stays armed.
+/// Arms the breakpoint; one that is armed at this address stays so (setting it again would disarm
+/// it).
 void arm(uint16_t address) {
     if (z80_state.breakpoint_enabled && z80_state.breakpoint == address) return;
     z80_cpu_set_breakpoint(address);
 }
 
-/// OK closes the form; after a refusal it comes back as it was.
+/// Runs the form. OK closes it in any case; after a refusal it is opened again as it was.
 void ask_for_address(const std::shared_ptr<Form>& form, std::function<void()> done) {
     run_form(form, [form, done = std::move(done)](int button) {
         if (button != BREAKPOINT_OK) return;

@@ -76,8 +76,8 @@ const std::map<int, FileDialogText>& dialog_types() {
 std::array<int, DIALOG_TYPES> filter_index = {};
 std::map<int, FileFilter> offered_filters; ///< by type
 
-/// What the address panel offers: the BASIC program, and the address of the NMI, which the reset
-/// key raises, to start at.
+/// What the address panel offers: the range of the BASIC program, and as the start address that of
+/// the NMI, which the reset key raises.
 constexpr uint32_t BASIC_START_POINTER = 0x40A4;
 constexpr uint32_t BASIC_END_POINTER = 0x40F9;
 constexpr uint16_t START_ADDRESS = 0x0066;
@@ -100,9 +100,9 @@ std::vector<FileDialogField> address_panel() {
 
 using FileAnswer = std::function<void(std::optional<FileChoice>)>;
 
-/// Asks until there is a file that may be replaced, or none at all. The dialog asks before a file
-/// is replaced, but it may have asked about the name that was typed while the file is the one with
-/// the extension.
+/// Asks until the user has chosen a file that may be written, or cancels. The platform's dialog
+/// asks before a file is replaced, but it knows the name only as it was typed; when the extension
+/// is added to it, the question is asked here.
 void choose_to_save(FileDialog dialog, FileAnswer done) {
     ask_for_file(dialog, [dialog, done = std::move(done)](std::optional<FileChoice> choice) {
         if (!choice) return done(choice);
@@ -130,7 +130,7 @@ void choose_to_save(FileDialog dialog, FileAnswer done) {
 std::string file_url(const std::string& path) {
     std::string url = "file://";
     for (const char c : path) {
-        switch (c) { // what would end or change the path
+        switch (c) { // characters that would end or change the path
         case '%': url += "%25"; break;
         case '#': url += "%23"; break;
         case '?': url += "%3F"; break;

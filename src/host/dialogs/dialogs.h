@@ -28,15 +28,15 @@ enum FileDialogType : int {
     DIALOG_SAVE_DISK = 16
 };
 
-/// Every dialog hands its answer over before the call returns or later; the shell is held until
-/// then.
+/// A dialog hands its answer over before the call returns or later. The shell is held until then.
 
 using PathChoice = std::function<void(const std::optional<std::string>& path)>;
 /// Shows the file dialog of the type. Nothing is chosen when it is cancelled. The name of a file to
 /// save gets the type's extension when it has no point; an existing file is only chosen when the
 /// user agrees that it is replaced.
 void ui_select_file(int type, PathChoice done);
-/// From here on the dialogs of this type have another filter in front of that for all files.
+/// Adds a filter to the dialogs of this type, in front of the one for all files; a second call
+/// replaces it.
 void ui_offer_filter(int type, const FileFilter& filter);
 /// Shows lines of text in a box of their own.
 void ui_show_text(const std::string& title, const std::string& text,
@@ -46,15 +46,17 @@ void ui_get_casdata(std::array<std::string, 3>* addresses);
 /// Name, version, and the link to the user manual: beside the program in its place of installation,
 /// or else the program's folder.
 void ui_about_dialog();
-/// Chooses the model or sets up the user's own configuration, and applies it on OK. `done` either
-/// way.
+/// Chooses the model or sets up the user's own configuration, and applies it on OK. `done` is
+/// called on OK and on Cancel.
 void ui_machine_config(std::function<void()> done);
 /// Opens the video setup beside the main window, or brings it to the front. Every change is in the
 /// palette at once; `changed` is called behind it, to show it.
 void ui_display_setup(std::function<void()> changed);
-/// Frees the forms that stay between two showings; before the platform ends.
+/// Frees the forms that are kept between two showings. To be called before the platform ends.
 void ui_free_forms();
-/// Asks for an address and arms the breakpoint there; `done` when that has happened.
+/// Asks for an address and arms the breakpoint there, then calls `done`; nothing when the user
+/// cancels.
 void ui_machine_set_breakpoint(std::function<void()> done);
-/// Shows the level; `done` gets the one that is chosen, or this one again.
+/// Lets the user change the level, 0 to 239. `done` gets the new one, or `level` when the user
+/// cancels.
 void ui_tape_adjust_head(int level, std::function<void(int level)> done);

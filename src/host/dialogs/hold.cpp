@@ -10,7 +10,7 @@ namespace {
 int holds = 0;
 std::deque<std::function<void()>> acts; ///< the next one in front
 bool acting = false;                    ///< an act or an answer is under way
-size_t place = 0;                       ///< of the next act that it asks for
+size_t place = 0;                       ///< in `acts` of the next act that the present one asks for
 
 void perform(const std::function<void()>& act) {
     if (!std::exchange(acting, true)) place = 0;

@@ -190,7 +190,7 @@ void choose_custom(Form& form) {
     new_cfg = CUSTOM_CONFIGURATION;
 }
 
-/// Takes over a choice that needs a restart when it is another one.
+/// Takes over a choice; a changed one needs a restart.
 void choose_restarting(uint32_t& kept, int chosen) {
     if (kept == uint32_t(chosen)) return;
     kept = uint32_t(chosen);
@@ -208,7 +208,7 @@ void choose_rom(Form& form, const RomChoice& rom) {
     enable_file(form, rom, true);
 }
 
-/// The form stays as long as the dialog over it.
+/// Lets the user choose the file. The form outlives the file dialog, which stands over it.
 void browse(Form& form, const RomChoice& rom) {
     ui_select_file(DIALOG_SELECT_ROM, [&form, &rom](const std::optional<std::string>& path) {
         if (!path) return;
@@ -236,7 +236,7 @@ void user_acts(Form& form, const FormEvent& event) {
 
 // ---- OK ----------------------------------------------------------------------------------------
 
-/// The clock that was typed, where the machine can have it.
+/// Takes over the clock that was typed (Hz), when it is in the range of the machine.
 void take_custom_clock(uint32_t clock) {
     if (clock < SLOWEST_CLOCK || clock > FASTEST_CLOCK) return;
     SetValueDword("CustomCpuClockFreq", &clock);

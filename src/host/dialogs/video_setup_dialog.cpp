@@ -32,7 +32,7 @@ constexpr std::array<VideoParameter, 5> video_parameters = {{
 
 std::unique_ptr<Form> mWnd;             ///< made once, then hidden and shown
 display_parameters display_params_copy; ///< as they were when it was opened
-std::function<void()> palette_changed;  ///< tells whoever opened it last
+std::function<void()> palette_changed;  ///< given by the last call of ui_display_setup
 
 FormDescription video_form() {
     using enum ControlKind;

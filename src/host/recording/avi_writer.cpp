@@ -56,7 +56,7 @@ struct AviWriter::Bytes : std::vector<uint8_t> {
         for (size_t n = 0; n < 4; ++n) at(content - 4 + n) = uint8_t(bytes >> (8 * n));
         resize(even(size()));
     }
-    /// Fills up to `length` with a chunk that nobody reads.
+    /// Fills up to `length` with a JUNK chunk, which players skip.
     void fill(size_t length) {
         const size_t content = start("JUNK");
         resize(length);
@@ -75,7 +75,7 @@ bool AviWriter::put_at(uint64_t offset, std::span<const uint8_t> bytes) {
     return true;
 }
 
-/// Takes off what a full disk has taken of something longer.
+/// Cuts the file at `end`: a full disk may have taken a part of what was written last.
 bool AviWriter::cut(uint64_t end) {
     end_ = end;
     return ftruncate(fileno(file_.get()), off_t(end)) == 0;
@@ -301,7 +301,8 @@ bool AviWriter::put_old_index() {
     return has_old_index_;
 }
 
-/// Without room for the indexes the segment stays as it is, and plays in the order of its data.
+/// When there is no room for the indexes, the segment stays without, and plays in the order of its
+/// data.
 bool AviWriter::end_segment() {
     if (streams_[0].entries.empty()) return write_sizes();
     const uint64_t data_end = end_;

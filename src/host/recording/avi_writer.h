@@ -30,14 +30,15 @@ constexpr uint64_t AVI_SEGMENT_BYTES = 1'000'000'000;
 
 class AviWriter {
 public:
-    /// Starts the file, whatever it held. False when that fails. `segment_bytes` is the size that
-    /// no segment exceeds, unless a single frame does.
+    /// Starts the file, replacing what it held. False when that fails. `segment_bytes` is the size
+    /// that no segment exceeds, unless a single frame does.
     bool open(FileHandle file, const avi_video_format& format, bool with_sound,
               uint64_t segment_bytes = AVI_SEGMENT_BYTES);
     /// Appends a picture with its sound, which is not read when the file has none. False when the
     /// disk is full; the file then ends with the frame before.
     bool write(std::span<const uint8_t> picture, bool key_frame, std::span<const uint8_t> sound);
-    /// Completes the file and says in it what it is; without indexes where the disk is full.
+    /// Completes the file, with `subject` as its description. When the disk is full, indexes are
+    /// left out.
     void close(const std::string& subject);
 
     bool is_open() const { return file_ != nullptr; }

@@ -5,7 +5,8 @@
 
 namespace {
 
-/// Players take the fourth byte of a pixel, which the canvas leaves at 0, for its opacity.
+/// Uncompressed pictures. Players take the fourth byte of a pixel as its opacity; the canvas leaves
+/// it at 0, so it is set here.
 class Uncompressed final : public VideoCodec {
 public:
     std::optional<encoded_frame> encode(std::span<const uint8_t> picture) override {
@@ -88,7 +89,8 @@ private:
         add_literals(code, pixels);
     }
 
-    /// Players take data of just the size of the picture for the picture itself.
+    /// Ends the data. Players would take data of exactly the size of the picture for an
+    /// uncompressed one, so its length is made different.
     void finish(std::vector<uint8_t>& code) {
         add(code, ESCAPE, END_OF_PICTURE);
         if (code.size() == width() * height()) add(code, ESCAPE, END_OF_PICTURE);

@@ -12,7 +12,7 @@ struct encoded_frame {
     bool key_frame = true;         ///< can be decoded without the frames before
 };
 
-/// A codec at work on one video. The sound is no business of it.
+/// A codec at work on the pictures of one video.
 struct VideoCodec {
     virtual ~VideoCodec() = default;
     /// `picture`: the bottom row first, rows of width x bits / 8 bytes. Nothing when the codec
@@ -33,7 +33,7 @@ struct video_codec_kind {
 
 constexpr int KEY_FRAME_INTERVAL = 50; ///< frames from one key frame to the next, at most
 
-/// All there are; uncompressed comes first.
+/// All codecs; uncompressed comes first.
 std::vector<video_codec_kind> video_codecs();
 /// Those of libavcodec, which the first call loads; none where it is not installed, and in a
 /// program that was built without it.

@@ -9,10 +9,10 @@
 
 namespace {
 
-constexpr size_t LONGEST_TEXT = 276; ///< bytes that a read takes
+constexpr size_t LONGEST_TEXT = 276; ///< longest text that is read, in bytes
 
 bool store_open = false;
-bool told = false; ///< that something cannot be kept
+bool told = false; ///< it has been reported that something cannot be kept
 
 void tell_trouble(const char* text) {
     report({.text = text,
@@ -20,7 +20,7 @@ void tell_trouble(const char* text) {
             .reason = errno ? std::strerror(errno) : ""});
 }
 
-/// As the result of a change. What else cannot be kept then goes without saying.
+/// The result of a change. Only the first failure is reported.
 int kept(bool stored) {
     if (!stored && !std::exchange(told, true)) tell_trouble("The settings cannot be kept");
     return stored;

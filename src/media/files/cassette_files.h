@@ -18,8 +18,8 @@ int is_tokenized_bas(const std::string& path);
 int bas_to_cas_open(const std::string& path);
 /// Writes memory from start to end (inclusive), as the processor sees it, as a machine-code tape
 /// named after the file; addresses are hexadecimal texts of up to four digits. 1 on success; what
-/// fails is told in the status bar. An end below the start writes no file, and a path without a
-/// folder gets no further than the sync byte and the mark.
+/// fails is told in the status bar. An end below the start writes no file; with a path that has no
+/// folder, only leader, sync byte and mark are written.
 int tape_dump_cas(const std::string& path, const std::string& start, const std::string& end,
                   const std::string& entry);
 
@@ -27,8 +27,8 @@ int tape_dump_cas(const std::string& path, const std::string& start, const std::
 /// it is there, to be answered with SAVE_READY; what fails is told in the status bar and is to be
 /// answered with SAVE_FAILED.
 int tape_create_file(const std::string& path);
-/// Bytes of the tape that is saved, which are in the operating system's hands on return. The first
-/// that cannot be written end the file and are told in the status bar; 0 then.
+/// Writes bytes of the tape that is saved; on return the operating system has them. When that
+/// fails, the file ends, the status bar tells it, and the result is 0.
 int tape_file_write(uint64_t position, const uint8_t* bytes, size_t count);
-/// The tape has been saved: from here on it survives a crash of the host.
+/// Ends the file of a saved tape and writes it through to the disk.
 void tape_file_end();

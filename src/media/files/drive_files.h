@@ -1,6 +1,6 @@
 #pragma once
-/// The files of the disks in the drives. Each was read as a whole when its disk was put in, and is
-/// written as a whole when it is taken out.
+/// The files of the disks in the drives. A file is read as a whole when its disk is put in, and
+/// written as a whole when the disk is taken out.
 
 #include "files/file_identity.h"
 #include "media/wd1771.h"

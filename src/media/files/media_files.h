@@ -1,5 +1,5 @@
 #pragma once
 
-/// Makes the files of this folder those of the machine's media: where its streams go
-/// (machine_host.write and stream_ends), and the WAV file that it plays (read_tape).
+/// Connects the machine's media with the files of this folder: sets the callbacks write,
+/// stream_ends and read_tape of machine_host.
 void connect_media_files();

@@ -13,5 +13,6 @@ void printer_set_filename(const std::string& directory);
 void printer_init();
 /// Prints what waits, and closes the file.
 void printer_close();
-/// What is printed. When the file cannot take it, it is closed and the user told; 0 then.
+/// Writes what is printed. When that fails, the file is closed, the user is told, and the result is
+/// 0.
 int printer_file_write(const uint8_t* bytes, size_t count);

@@ -25,8 +25,8 @@ int tape_create_wav(const std::string& path, int rate);
 std::string wav_file_open(const std::string& path, FileHandle& file, wav_format& wav);
 /// Bytes of the file that plays; 0 at its end, after an error and without one.
 size_t tape_sound_read(uint64_t offset, uint8_t* to, size_t bytes);
-/// Recorded samples from `position` on. The first that cannot be written are told in the status
-/// bar; 0 then.
+/// Writes recorded samples from `position` on. When that fails, the status bar tells it once, and
+/// the result is 0.
 int tape_sound_write(uint64_t position, const uint8_t* samples, size_t count);
 /// Completes a recording, and closes what is open.
 void tape_sound_end();

@@ -3,8 +3,8 @@
 
 #include <string>
 
-/// Starts typing the whole file, behind the keys in front of it; 0 when it cannot be read, is no
-/// regular file or is larger than LARGEST_FILE.
+/// Starts typing `keys_before` and then the whole file; 0 when it cannot be read, is no regular
+/// file or is larger than LARGEST_FILE.
 int keyboard_open_bas_file(const std::string& path, const std::string& keys_before = {});
 /// Types the text, up to a zero byte, from the machine's next look at its keyboard on.
 void type_into_machine(const std::string& text);

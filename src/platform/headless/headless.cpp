@@ -25,7 +25,7 @@ public:
         now_ += look_ns_;
         return now();
     }
-    /// Without making time pass.
+    /// The time, without making any pass.
     int64_t now() const {
         if (!real_time_) return now_;
         return std::chrono::duration_cast<std::chrono::nanoseconds>(
@@ -33,7 +33,8 @@ public:
             .count();
     }
     int64_t frequency() override { return NS_PER_SECOND; }
-    /// Virtual time passes by a millisecond, and whoever waits looks at the clock again.
+    /// With virtual time, a millisecond passes and the call returns: the caller looks at the clock
+    /// and waits again.
     void sleep(int64_t microseconds) {
         if (real_time_) {
             std::this_thread::sleep_for(std::chrono::microseconds(microseconds));
@@ -69,7 +70,7 @@ public:
     void set_sink(EventSink& given) override { sink = &given; }
     Event poll() override {
         answers_.deliver();
-        // Once: whoever takes all that waits would never come to an end.
+        // Given once; otherwise a loop that takes all waiting messages would never end.
         if (const int signal = stop_signal) {
             stop_signal = 0;
             return quit_event(SIGNAL_STATUS + signal);
@@ -79,7 +80,7 @@ public:
         waiting.pop_front();
         return event;
     }
-    /// Nothing ever comes from outside: an empty queue that is waited for is the end of the run.
+    /// No message ever comes from outside, so waiting with an empty queue ends the run.
     void wait(int64_t microseconds) override {
         if (microseconds != NO_LIMIT) return clock_.sleep(microseconds);
         if (waiting.empty() && answers_.waiting.empty()) waiting.push_back(quit_event(0));

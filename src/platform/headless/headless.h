@@ -18,8 +18,8 @@
 
 struct HeadlessOptions {
     bool real_time = false; ///< pace against the real clock
-    /// Virtual nanoseconds that every look at the clock takes. With the 100 Hz that an unknown
-    /// display counts for, 10 ms let an unpaced run present every frame.
+    /// Virtual nanoseconds that every look at the clock takes. An unknown display counts as one of
+    /// 100 Hz, so with 10 ms an unpaced run presents every frame.
     int64_t look_ns = 10'000'000;
     uint32_t refresh_rate = 0; ///< Hz; 0 = unknown
     std::string data_directory;

@@ -15,7 +15,8 @@ Answer next_answer(std::deque<Answer>& answers, Answer otherwise) {
     return answer;
 }
 
-/// The fields that the user has left alone, and those as long as they can be.
+/// Completes the texts of the fields: those that the choice leaves out keep theirs, and each is cut
+/// at its limit.
 void fill_fields(const std::vector<FileDialogField>& fields, std::vector<std::string>& texts) {
     for (size_t n = 0; n < fields.size(); ++n) {
         if (n == texts.size()) texts.push_back(fields[n].text);

@@ -29,7 +29,7 @@ struct HeadlessAbout {
 struct HeadlessAnswers {
     /// Hands an answer over: now, or in `later` mode when the program asks for messages next.
     void give(std::function<void()> answer);
-    /// The next one that waits; false without one.
+    /// Hands over the next answer that waits; false when there is none.
     bool deliver();
 
     bool later = false; ///< set by the driver
@@ -67,5 +67,5 @@ struct HeadlessClipboard final : public Clipboard {
     bool set_text(const std::string& text) override;
 
     std::optional<std::string> content;
-    bool available = true; ///< off: it cannot be had
+    bool available = true; ///< off: the clipboard cannot be used
 };

@@ -135,7 +135,7 @@ void HeadlessDrawing::fill_rectangle(const Rectangle& area, Colour colour) {
     }
 }
 
-/// What was written there is gone.
+/// Forgets the texts and lines that begin in the area, since it is drawn over.
 void HeadlessDrawing::forget(const Rectangle& area) {
     const auto inside = [&area](int x, int y) {
         return x >= area.left && x < area.right && y >= area.top && y < area.bottom;
@@ -155,7 +155,7 @@ void HeadlessDrawing::set_pixel(int x, int y, Colour colour) {
     pixels_[size_t(y) * size_.width + x] = colour;
 }
 
-/// A client area of another size starts black.
+/// Follows the size of the client area; one of a new size starts black.
 void HeadlessDrawing::fit_to_window() {
     const Size client = window_.client_size();
     if (client == size_) return;

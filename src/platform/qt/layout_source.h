@@ -1,7 +1,8 @@
 #pragma once
 #include "platform/qt/xkb_layout.h"
 
-/// Whoever decides about the keyboard layout and tells its clients: X server or Wayland compositor.
+/// The X server or Wayland compositor, which decides about the keyboard layout and tells its
+/// clients.
 class LayoutSource {
 public:
     virtual ~LayoutSource() = default;

@@ -4,7 +4,7 @@
 
 #include <QString>
 
-/// What turns one text into another: all from the first difference to the last.
+/// The part in which two texts differ: from the first difference to the last.
 struct TextChange {
     qsizetype place = 0;
     QString removed, inserted;

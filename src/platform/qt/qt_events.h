@@ -7,7 +7,7 @@
 #include <deque>
 #include <functional>
 
-/// The program's own queue. Qt is asked for more only when it is empty.
+/// The program's own queue of messages. Qt is asked for events only when the queue is empty.
 class QtEvents final : public Events {
 public:
     QtEvents();
@@ -19,7 +19,7 @@ public:
     void post(const Event& event) override;
 
     void post(Event::Kind kind, int value = 0);
-    /// Nothing when one of the kind waits already.
+    /// Appends a message, unless one of the kind waits already.
     void post_once(Event::Kind kind);
     /// Reports a menu's opening or closing, when that is a change.
     void set_menu_open(bool open);

@@ -46,7 +46,7 @@ int characters_wide(const QWidget& widget, int characters) {
     return widget.fontMetrics().horizontalAdvance('0') * characters;
 }
 
-/// The window of a form: it leaves to the form what closes it.
+/// The window of a form. What closes it is decided by the form.
 class FormWindow final : public QDialog {
 public:
     using QDialog::QDialog;
@@ -80,9 +80,9 @@ public:
     void move(int left, int top) override;
 
 private:
-    /// What has been said before a control, and may name it.
+    /// Texts that stand before a control and may serve as its name.
     struct Naming {
-        QLabel* label = nullptr; ///< waits for its control
+        QLabel* label = nullptr; ///< the last label, until its control comes
         QString name;
     };
 
@@ -203,7 +203,7 @@ QWidget* QtForm::make(const FormControl& described, QWidget& parent, Naming& nam
     if (qobject_cast<QLabel*>(widget) || qobject_cast<QGroupBox*>(widget)) return widget;
 
     enter_tab_order(*widget);
-    // Of a combo box, what a screen reader says comes from the label alone.
+    // A screen reader takes the name of a combo box from its label only.
     if (naming.label) std::exchange(naming.label, nullptr)->setBuddy(widget);
     if (!described.name.empty()) {
         widget->setAccessibleName(to_qt(described.name));
@@ -320,7 +320,8 @@ void QtForm::enter_tab_order(QWidget& widget) {
     last_in_tab_order_ = &widget;
 }
 
-/// Of radio buttons the chosen one is first, or the arrow keys would start beside it.
+/// Gives the focus to the first control. Of radio buttons that is the chosen one, or the arrow keys
+/// would start at another.
 void QtForm::focus_first() {
     QWidget* first = first_in_tab_order_;
     if (qobject_cast<QRadioButton*>(first) && radios_.checkedButton()) {
@@ -409,8 +410,8 @@ Size QtForm::size() {
 }
 
 void QtForm::move(int left, int top) {
-    // As the main window's place: of what is inside the frame. A form that has not been shown yet
-    // has no frame.
+    // Like the main window's, the place is that of what is inside the frame. A form that has not
+    // been shown yet has no frame.
     const QPoint frame = dialog_.geometry().topLeft() - dialog_.pos();
     dialog_.move(owner_.screen()->geometry().topLeft() + QPoint(left, top) - frame);
 }

@@ -133,7 +133,7 @@ void QtKeyboard::press(const QKeyEvent& event) {
     if (key != KEY_NONE) pressed_.push_back({source, key});
 }
 
-/// A key goes up as what it went down as, even if the layout has changed since.
+/// A key goes up as the HostKey that it went down as, even if the layout has changed since.
 void QtKeyboard::release(const QKeyEvent& event) {
     const uint64_t source = key_source(event);
     auto found = std::find_if(pressed_.begin(), pressed_.end(),

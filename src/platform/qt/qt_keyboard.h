@@ -35,9 +35,9 @@ public:
 private:
     struct Pressed {
         uint64_t source;     ///< see key_source
-        uint8_t key;         ///< what it was when it went down
-        bool fresh = true;   ///< the machine has not looked since
-        bool tapped = false; ///< let go before it has
+        uint8_t key;         ///< the HostKey that it was when it went down
+        bool fresh = true;   ///< the machine has not looked since it was pressed
+        bool tapped = false; ///< let go before the machine has looked
     };
 
     bool is_held(const QKeyEvent& event) const;
@@ -46,7 +46,7 @@ private:
     void press(const QKeyEvent& event);
     void release(const QKeyEvent& event);
 
-    std::unique_ptr<LayoutSource> source_; ///< null: nobody tells the layout
+    std::unique_ptr<LayoutSource> source_; ///< null when nothing tells the layout
     XkbLayout layout_;
     bool changed_ = false;
     std::vector<Pressed> pressed_;

@@ -8,7 +8,7 @@
 
 #include <map>
 
-/// The menu bar. Key hints are part of the texts: the keys themselves are the program's.
+/// The menu bar. Key hints are only texts: the program handles the keys itself.
 class QtMenu {
 public:
     QtMenu(QMenuBar& bar, QtEvents& events);

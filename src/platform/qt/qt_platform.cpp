@@ -27,7 +27,7 @@
 
 namespace {
 
-/// Takes "--platform=NAME" out: of its options with a value, Qt knows only -style in this form.
+/// Takes "--platform=NAME" out of the line, since Qt does not know this form of its option.
 void take_platform_name(int& argc, char** argv) {
     const auto is_platform = [](const char* word) {
         const QByteArrayView text(word);
@@ -41,7 +41,7 @@ void take_platform_name(int& argc, char** argv) {
 /// Qt's set-up that has to precede the application object.
 int& prepare_qt(int& argc, char** argv) {
     take_platform_name(argc, argv);
-    // In a Wayland session, too, a window keeps its place only on X.
+    // X comes first in a Wayland session as well: only there can a window keep its place.
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "xcb;wayland");
     QCoreApplication::setAttribute(Qt::AA_DontUseNativeMenuBar);
     QGuiApplication::setDesktopFileName("tarvelin");
@@ -55,7 +55,7 @@ struct OpeningMessages {
 };
 OpeningMessages opening;
 
-/// Qt would abort the program behind its last message.
+/// Ends the program with a line that says why. Qt would abort it after its last message.
 [[noreturn]] void end_without_display() {
     const QString reason = opening.reason.isEmpty() ? QString() : " (" + opening.reason + ")";
     std::fprintf(stderr, "tarvelin: the display cannot be opened%s; --headless runs without one\n",
@@ -98,7 +98,7 @@ struct QtPlatform::Services {
         QApplication::setApplicationName("tarvelin");
         qt_install_accessibility();
         QApplication::setWindowIcon(program_icon());
-        // Questions come after the window has gone.
+        // The program asks questions after the window has gone.
         QApplication::setQuitOnLastWindowClosed(false);
         QCoreApplication::setQuitLockEnabled(false);
         QObject::connect(&application, &QGuiApplication::applicationStateChanged,

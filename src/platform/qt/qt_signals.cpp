@@ -19,7 +19,8 @@ extern "C" void note_signal(int) {
     [[maybe_unused]] const ssize_t written = write(pipe_ends[1], &note, 1);
 }
 
-/// The program ends only behind its dialogs. A question left in this way has no answer.
+/// Closes open dialogs, without which the program cannot end. A question that is closed in this way
+/// has no answer.
 void cancel_dialogs() {
     QWidget* open = QApplication::activeModalWidget();
     while (open) {

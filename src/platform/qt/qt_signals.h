@@ -14,7 +14,7 @@ public:
     QtSignals(const QtSignals&) = delete;
     QtSignals& operator=(const QtSignals&) = delete;
 
-    /// A signal has come: nobody waits for what the program still has to say.
+    /// Whether a signal has come: messages need not be shown any more.
     bool ending() const { return come_; }
 
 private:

@@ -69,7 +69,7 @@ bool QtWindow::create(const std::string& title) {
 void QtWindow::show() {
     frame_.show();
     canvas_.setFocus();
-    // A box that follows at once goes by the place that the window has been given by then.
+    // Waits until the window has its place: a dialog that follows at once is placed by it.
     const QDeadlineTimer limit(LONGEST_OPENING);
     while (!frame_.windowHandle()->isExposed() && !limit.hasExpired()) {
         QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents, OPENING_LOOK);
@@ -128,8 +128,8 @@ void QtWindow::move(const Rectangle& outer) {
 
 void QtWindow::place(const QRect& geometry) {
     const QSize size = fixed_size_.isValid() ? fixed_size_ : geometry.size();
-    // A window that stays where it is must not ask for that place: before it is shown, the window
-    // manager would take it for the user's wish.
+    // A window that stays where it is must not ask for that place. Before it is shown, the window
+    // manager would take that for the user's wish and not choose a place.
     if (geometry.topLeft() == frame_.geometry().topLeft()) {
         frame_.resize(size);
     } else {

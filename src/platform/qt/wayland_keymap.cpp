@@ -69,7 +69,7 @@ bool WaylandKeymap::open(wl_display* display) {
     display_ = display;
     context_.reset(xkb_context_new(XKB_CONTEXT_NO_FLAGS));
     queue_.reset(wl_display_create_queue(display));
-    // What is made by way of the wrapper has its events in the queue, from the first one on.
+    // Objects made through the wrapper send their events to this queue from the first one on.
     const std::unique_ptr<wl_display, DeleteWrapper> wrapper(
         static_cast<wl_display*>(wl_proxy_create_wrapper(display)));
     if (!context_ || !queue_ || !wrapper) return false;

@@ -96,7 +96,7 @@ constexpr DeadKey DEAD_KEYS[] = {{XKB_KEY_dead_grave, '`'},
                                  {XKB_KEY_dead_tilde, '~'},
                                  {XKB_KEY_dead_diaeresis, '"'}};
 
-/// A map and the layout of it that is looked at.
+/// A keyboard map, and the number of the layout in it that is read.
 struct Source {
     xkb_keymap* keymap;
     xkb_layout_index_t group;
@@ -135,7 +135,8 @@ uint8_t character_key(const Source& source, const std::array<uint8_t, 26>& lette
     return place;
 }
 
-/// Modifiers are what the layout makes them: AltGr may be anywhere, and keys may be exchanged.
+/// The HostKey of a key that is no letter. Modifiers follow the layout: AltGr may be anywhere, and
+/// keys may be exchanged.
 uint8_t other_key(const Source& source, uint8_t keycode) {
     const xkb_keysym_t symbol = source.symbol(keycode, 0);
     for (const Modification& modifier : MODIFIER_SYMBOLS)
@@ -203,9 +204,10 @@ private:
         layout_.characters[index] = KeyForCharacter{layout_.keys[keycode], uint8_t(modifiers)};
     }
 
-    /// The lowest is the best. AltGr is the last choice. Without it, a key that this keyboard may
-    /// lack comes after all others, and a dead key after a live one: an acute accent is an
-    /// apostrophe only where there is no other. With AltGr the fewest keys count most.
+    /// The rank of a key, the lowest being the best. Keys with AltGr come last; among these, the
+    /// one with the fewest modifiers is best. Without AltGr, a key that this keyboard may lack
+    /// comes after all others, and a dead key after an ordinary one: an acute accent counts as an
+    /// apostrophe only when there is no other.
     static uint8_t rank_of(bool may_lack, bool is_dead, bool shift, bool alt_gr) {
         if (alt_gr) return uint8_t(8 | shift << 2 | may_lack << 1 | int(is_dead));
         return uint8_t(may_lack << 2 | is_dead << 1 | int(shift));

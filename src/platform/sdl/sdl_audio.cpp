@@ -47,7 +47,7 @@ void SdlAudio::close() {
     device_ = 0;
 }
 
-/// An unplugged device keeps taking data, only nobody hears them.
+/// Whether the device was unplugged. SDL goes on taking data for it, which are not heard.
 bool SdlAudio::lost() const {
     return !device_ || SDL_GetAudioDeviceStatus(device_) == SDL_AUDIO_STOPPED;
 }
@@ -124,8 +124,8 @@ void SdlAudio::fill(void* audio, uint8_t* stream, int bytes) {
     static_cast<SdlAudio*>(audio)->take({stream, size_t(bytes)});
 }
 
-/// On the device's thread. What has been taken becomes silence, so that a machine that stands still
-/// is not heard over and over again.
+/// Called on the device's thread. What has been taken is replaced by silence, so that the ring does
+/// not repeat its last second while the machine stands still.
 void SdlAudio::take(std::span<uint8_t> stream) {
     if (ring_.empty()) {
         std::ranges::fill(stream, uint8_t(0));

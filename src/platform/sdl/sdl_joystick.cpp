@@ -57,7 +57,8 @@ JoystickState plain_state(SDL_Joystick* joystick) {
 
 } // namespace
 
-/// One of the two: a device that SDL knows the layout of is a controller.
+/// A device, in one of the two forms: as a controller when SDL knows its layout, else as a plain
+/// joystick.
 struct SdlJoysticks::Stick {
     SDL_JoystickID id = -1;
     std::unique_ptr<SDL_Joystick, JoystickCloser> joystick;

@@ -18,30 +18,33 @@ constexpr int RETRY_INTERVAL = SOUND_RATE / FRAGMENT_SAMPLES; ///< fragments, on
 
 bool device_exists = false;
 bool registered = false;
-int lost_fragments = 0; ///< since the device was there, or was tried again
+int lost_fragments = 0; ///< since the device was last there or tried again
 
 constexpr int32_t MS_BYTES = SOUND_RATE * 2 / 1000;
 constexpr int32_t FRAGMENT = FRAGMENT_BYTES;
 constexpr int32_t HALF_FRAGMENT = FRAGMENT / 2;
-constexpr int32_t SHORTAGE = -FRAGMENT * 3 / 4; ///< an error that the core is to mend
-constexpr uint32_t SHORTEST_BLOCK = 3;          ///< ms
-constexpr uint32_t BLOCKS = 12;                 ///< in the latency
-/// What the core is told to be ahead, in fragments: what it leaves alone, what makes it leave a
-/// fragment out at the seventh time, and what makes it double one at the fourth. Its average must
-/// be rid of that before it is told so again.
+/// An error below this makes the machine double a fragment.
+constexpr int32_t SHORTAGE = -FRAGMENT * 3 / 4;
+constexpr uint32_t SHORTEST_BLOCK = 3; ///< ms
+constexpr uint32_t BLOCKS = 12;        ///< that the latency is divided into
+/// The lead that the ring's owner is told, in fragments. It averages the last AVERAGED ones:
+/// JUST_RIGHT changes nothing, TOO_FAR makes it leave a fragment out at the seventh time, TOO_NEAR
+/// makes it double one at the fourth. The average must have forgotten that before it is told so
+/// again.
 constexpr int32_t JUST_RIGHT = 5;
 constexpr int32_t TOO_FAR = 9;
 constexpr int32_t TOO_NEAR = 1;
 constexpr int AVERAGED = 14;
-constexpr double ERROR_WEIGHT = 1.0 / 512;     ///< of one look in the correction: ten seconds
-constexpr int32_t ASTRAY = 100 * MS_BYTES;     ///< too far off for the core to mend soon
-constexpr int32_t STANDSTILL = 200 * MS_BYTES; ///< the program itself waited for something
-constexpr int PASSING = 5;                     ///< looks; a late frame is made up for by then
-constexpr int32_t SCHEDULING = 3 * MS_BYTES;   ///< that a fragment may come late
-constexpr uint32_t LONGEST_LATENCY = 300;      ///< ms; the core's measure is half a second
-constexpr uint32_t GROWTH = 20;                ///< ms
-constexpr uint32_t ONE_GAP = 25;               ///< fragments: half a second
-constexpr uint32_t GAPS_APART = 3000;          ///< fragments: a minute
+/// Share of one measurement in the correction, which is thus a mean over ten seconds.
+constexpr double ERROR_WEIGHT = 1.0 / 512;
+constexpr int32_t ASTRAY = 100 * MS_BYTES; ///< an error too large to be mended fragment by fragment
+constexpr int32_t STANDSTILL = 200 * MS_BYTES; ///< a gap: the program itself was held up
+constexpr int PASSING = 5; ///< measurements in a row; a late frame is made up for by then
+constexpr int32_t SCHEDULING = 3 * MS_BYTES; ///< that a fragment may come late
+constexpr uint32_t LONGEST_LATENCY = 300;    ///< ms; the core's measure is half a second
+constexpr uint32_t GROWTH = 20;              ///< ms
+constexpr uint32_t ONE_GAP = 25;             ///< fragments: half a second
+constexpr uint32_t GAPS_APART = 3000;        ///< fragments: a minute
 
 uint32_t set_latency = DEFAULT_LATENCY; ///< ms
 
@@ -49,12 +52,12 @@ uint32_t set_latency = DEFAULT_LATENCY; ///< ms
 struct Latency {
     uint32_t ms = 0;
     uint32_t write_offset = 0; ///< of the next fragment
-    bool placed = false;       ///< the device, behind it
-    int waiting = AVERAGED;    ///< looks until the core's average is what it was told
+    bool placed = false;       ///< the device has been put at its distance behind it
+    int waiting = AVERAGED;    ///< measurements until the average shows what was told
     int32_t asking = JUST_RIGHT;
     double asked_at = 0;   ///< this error
-    double correction = 0; ///< of the error by what it has been on average
-    int displaced = 0;     ///< looks in a row
+    double correction = 0; ///< added to the error: what it has been on average
+    int displaced = 0;     ///< measurements in a row
     int astray = 0;
     uint32_t underruns = 0;
     uint32_t fragments = 0; ///< written
@@ -79,7 +82,7 @@ int failed(const char* text, const char* title = "Error", MessageIcon icon = Mes
 
 int library_missing() { return failed("Missing DSOUND.DLL", "Fatal error!", MessageIcon::none); }
 
-/// Of a ring offset over another, by the shorter way.
+/// Bytes from the ring offset `of` to `offset`, by the shorter way; negative when it lies behind.
 int32_t ahead(uint32_t offset, int32_t of) {
     const auto distance = int32_t((offset + RING_BYTES - uint32_t(of)) % RING_BYTES);
     return distance - (distance >= int32_t(RING_BYTES / 2) ? int32_t(RING_BYTES) : 0);
@@ -105,8 +108,9 @@ void start_again() {
     latency.astray = 0;
 }
 
-/// One gap can have any reason; two within a minute say that the latency is too short for what else
-/// the computer does. It grows by what was missing.
+/// Raises the latency when the device has run dry twice within a minute: it is too short for what
+/// else the computer does. A single gap can have any reason. `lead` is what was missing, when
+/// negative.
 void grow_after_gaps(int32_t lead) {
     const uint32_t underruns = platform().audio().underruns();
     if (underruns == latency.underruns) return;
@@ -125,8 +129,7 @@ void grow_after_gaps(int32_t lead) {
             .severity = Severity::warning});
 }
 
-/// What to tell the core. A change is asked for until it shows: the core may leave out less than a
-/// fragment at a time.
+/// What to tell as the lead. A change is asked for until it has happened.
 int32_t what_to_ask(double error, bool can_spare) {
     int32_t& asking = latency.asking;
     if (asking == JUST_RIGHT) {
@@ -141,9 +144,10 @@ int32_t what_to_ask(double error, bool can_spare) {
     return asking;
 }
 
-/// Where the device is, shifted so that the core keeps the time from a register's write to the
-/// device at the latency. Just before a fragment is written, a sample that follows it is a fragment
-/// further from the device than the lead; half a frame is the middle of when registers are written.
+/// The device's position, shifted so that the time from a register's write to the device stays at
+/// the latency. It is asked for just before a fragment is written, so samples to come are a
+/// fragment further from the device than the lead; registers are written half a frame earlier on
+/// average.
 int32_t cursor(int32_t position) {
     Audio& audio = platform().audio();
     const int32_t lead = ahead(latency.write_offset, position);
@@ -156,8 +160,9 @@ int32_t cursor(int32_t position) {
     } else if (!latency.placed) {
         place_device();
     } else {
-        // Without a fragment the device must not run dry until the next one. A short latency
-        // leaves that to one place in the frame, from which the device's clock slowly moves away.
+        // When a fragment is left out, the device must not run dry before the next one. With a
+        // short latency that holds at one place in the frame only, and the device's clock slowly
+        // drifts away from it.
         const int32_t least = int32_t(audio.block_bytes()) + SCHEDULING;
         const bool can_spare = lead >= least + FRAGMENT;
         told = what_to_ask(error + latency.correction, can_spare);
@@ -183,8 +188,8 @@ const sound_driver_table dsound_driver = {
     dsound_resume, dsound_get_current_position,
 };
 
-/// What an earlier start has left. The driver must not be the active one when it is registered
-/// again: the core would close what has just been made.
+/// Closes what an earlier start has left. The driver must not be active when it is registered
+/// again: registering would close what has just been made.
 void forget_earlier_output() {
     if (registered) sound_null_driver_init();
     dsound_close();

@@ -22,10 +22,11 @@ int dsound_init(int rate);
 /// Makes the ring in place of any before and starts it; without one a message is shown. 1 on
 /// success.
 int dsound_create_secondary_buffer(int rate);
-/// 0 when written, and without a ring; else what failed.
+/// Copies `bytes` bytes to byte `offset` of the ring, which wraps. 0 when written, and when there
+/// is no ring; else the number of the step that failed.
 int dsound_write(const uint16_t* samples, uint32_t offset, uint32_t bytes);
-/// Byte offset up to which the device has taken data, or -1 when unknown. With a device that is
-/// heard, shifted by what keeps the latency.
+/// Byte offset up to which the device has taken data, or -1 when unknown. With a device that plays,
+/// it is shifted so that the latency is kept.
 int32_t dsound_get_current_position();
 /// Stops the ring, and starts it again.
 void dsound_pause();

@@ -30,13 +30,14 @@ uint32_t sb_pos = 0; ///< byte offset of the next fragment in the ring
 std::array<int32_t, 14> lead = {}; ///< fragments ahead of the device, measured once a fragment
 size_t leadPosition = 0;
 bool paused = false;
-int ring_writes = 1; ///< how often the driver gets the fragment; other than once in recordings
+/// How often the driver gets the next fragment: other than once only while something is recorded.
+int ring_writes = 1;
 
 /// Finished fragments that wait for the pictures of a film.
 struct FilmQueue {
     bool runs = false;
-    /// One more than the next picture needs. Pictures that come faster than fragments need it: the
-    /// first that finds nothing makes it 1.
+    /// Fragments kept beyond the one for the next picture, 0 or 1. It becomes 1 with the first
+    /// picture that finds no fragment, since pictures then come faster than fragments.
     size_t reserve = 0;
     std::array<std::array<uint16_t, FRAGMENT_SAMPLES>, 3> fragments = {};
     size_t first = 0;
@@ -55,16 +56,16 @@ void adjust_history(int32_t by) {
     for (int32_t& entry : lead) entry += by;
 }
 
-/// Keeps the lead while a recording has the say: the driver goes without a fragment, or, beside a
-/// film alone, has one again.
+/// Keeps the lead while a recording sets the pace: the driver does not get a fragment, or, when
+/// only a film is recorded, gets one twice.
 void correct_ring(int32_t average) {
     if (average > LONGEST_LEAD) ring_writes = 0;
     if (average < SHORTEST_LEAD && !sound_is_saving(nullptr)) ring_writes = 2;
     adjust_history(ring_writes - 1);
 }
 
-/// What a recording wants, which sets the pace in place of the driver. A WAV file has no gaps; a
-/// film gets one fragment for each picture.
+/// How many fragments a recording wants, which then sets the pace in place of the driver. A WAV
+/// file has no gaps; a film gets one fragment for each picture.
 int fragments_for_recording(size_t completed) {
     if (sound_is_saving(nullptr)) return 1;
     const size_t waiting = film.waiting + completed;
@@ -72,9 +73,9 @@ int fragments_for_recording(size_t completed) {
     return waiting < completed + film.reserve ? 2 : 1;
 }
 
-/// How many fragments the next completed one becomes, with `completed` of them being written now.
-/// A correction goes into the whole history at once, or the slow average would order it again and
-/// again.
+/// How many fragments the next completed one becomes, with `completed` of them being written now. A
+/// correction changes the whole history of leads at once; otherwise the slow average would ask for
+/// the same correction again and again.
 int getNoFragsToGenerate(int completed) {
     ring_writes = 1;
     if (paused) return 0;
@@ -106,7 +107,7 @@ void write_to_ring(const uint16_t* samples) {
         sound_driver->write(samples, sb_pos, FRAGMENT_BYTES);
         sb_pos = (sb_pos + FRAGMENT_BYTES) % RING_BYTES;
     }
-    ring_writes = 1; // of a second fragment
+    ring_writes = 1; // a second fragment of this decision is written once
 }
 
 void queue_for_film(const uint16_t* samples) {

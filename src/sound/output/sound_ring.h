@@ -38,9 +38,9 @@ void sound_close();
 void sound_pause();
 void sound_resume();
 
-/// Starts to keep finished fragments for the pictures of a film. As long as it runs, only as many
-/// are rendered as it has pictures; beside a WAV recording, which misses nothing, what is too much
-/// for the film is left out of it.
+/// Starts to keep finished fragments for the pictures of a film. Until sound_end_film, one fragment
+/// is rendered for each picture. While a WAV file is recorded too, every fragment is rendered, and
+/// the film leaves out those that it has no picture for.
 void sound_start_film();
 void sound_end_film();
 /// The next finished fragment, for one picture, in order; silence when there is none. Stands until

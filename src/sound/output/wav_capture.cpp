@@ -30,7 +30,8 @@ void write_lengths() {
     write_at(WAV_DATA_LENGTH, little_endian(length - WAV_HEADER_BYTES).data(), 4);
 }
 
-/// Takes off what a full disk has taken of a fragment: half a sample at the end is no sound.
+/// Cuts off the part of a fragment that still went to a full disk, so that the file ends with a
+/// whole one.
 bool cut_to_whole_fragments() { return ftruncate(fileno(wav_file.get()), file_length) == 0; }
 
 bool append(const uint8_t* data, uint32_t bytes) {

@@ -7,7 +7,7 @@
 
 /// Creates the file with its header; 1 when it is open.
 int sound_create_wav(const std::string& path);
-/// Appends; 1 when appended, 0 without a file or when the disk is full.
+/// Appends `bytes` bytes of samples. 1 when appended, 0 without a file or when the disk is full.
 int sound_dump_wav_data(const uint8_t* data, uint32_t bytes);
 /// 1 while a file is open; `bytes`, if given, then becomes the bytes appended since program start.
 int sound_is_saving(int64_t* bytes);
