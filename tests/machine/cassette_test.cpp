@@ -227,6 +227,19 @@ TEST_F(Cassette, ProgramGoesRound) {
     EXPECT_EQ(row_above(2), "?OM ERROR");
 }
 
+TEST_F(Cassette, LoadsATokenizedFile) {
+    const std::string program = program_at(PROGRAM, LINES);
+    // Complete, and cut short before the link that ends it.
+    for (size_t missing : {0, 2}) {
+        write_text(file("u.bas"), char(0xFF) + program.substr(0, program.size() - missing));
+        ASSERT_EQ(bas_to_cas_open(file("u.bas")), 1);
+        poke(PROGRAM_START, 0x6000);
+        EXPECT_TRUE(obey("CLOAD")) << missing;
+        EXPECT_EQ(bytes_at(0x6000, program.size()), program_at(0x6000, LINES)) << missing;
+        EXPECT_EQ(row_above(1), "READY");
+    }
+}
+
 // ---- sound -------------------------------------------------------------------------------------
 
 struct Tape {
