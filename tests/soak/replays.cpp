@@ -4,8 +4,9 @@
 /// usage: replays COUNT [SEED]
 ///
 /// Each run has an example program, BASIC or the soak's workload, an engine, media, keys, a sound
-/// device that is early, late, jittery or absent, and files that fail. Ends with 1 and a line that
-/// begins with "FAILED" when something is wrong.
+/// device that is early, late, jittery or absent, and files that fail. Its frames are paced,
+/// unpaced, stepped, or pass a breakpoint, and in one run of three a WAV tape plays or records
+/// meanwhile. Ends with 1 and a line that begins with "FAILED" when something is wrong.
 
 #include "cgenie/input.h"
 #include "cgenie/memory/memory.h"
@@ -55,7 +56,10 @@ uint64_t hash_of(const void* data, size_t size, uint64_t sum = 0xCBF29CE48422232
 
 // ---- a host that is different in every run -----------------------------------------------------
 
+enum frame_way : unsigned { PACED, UNPACED, STEPPED, THROUGH_BREAKPOINT };
+
 struct Host {
+    unsigned way = PACED;
     unsigned device = 0;      ///< what the sound device does with the decision
     unsigned write_fails = 0; ///< once in so many; 0 never
     bool rom_files = false;
@@ -116,6 +120,7 @@ void connect() {
     machine_host.save_question = [] {
         return once_in(3) ? SAVE_READY : once_in(2) ? SAVE_REFUSED : SAVE_NOT_YET;
     };
+    machine_host.breakpoint_reached = [] { return int(below(2)); };
 }
 
 // ---- what happens to the machine ---------------------------------------------------------------
@@ -164,12 +169,12 @@ void do_something() {
                                             "PRINT 1\r",
                                             "CSAVE\"A\"\r",
                                             "CLOAD\r",
-                                            "10 SOUND 7,56:SOUND 8,15\r20 GOTO 10\rRUN\r",
+                                            "10 SOUND 7,56:SOUND 8,15\r\n20 GOTO 10\r\nRUN\r",
                                             "LPRINT \"ABC\"\r",
                                             "FCLS:FCOLOUR 3:CIRCLE 40,40,20\r",
                                             "SAVE \"X\"\r",
                                             "LOAD \"X\"\r",
-                                            "SYSTEM\rA\r"};
+                                            "SYSTEM\r\nA\r"};
     using enum event_kind;
     const auto drive = int32_t(below(4));
     const auto flag = int32_t(below(2));
@@ -251,11 +256,25 @@ void start(const std::string& path) {
     }
 }
 
+/// A WAV tape under way, that BASIC loads from or saves to.
+void start_tape() {
+    using enum event_kind;
+    const bool plays = once_in(2);
+    if (plays) machine_apply(tape_play_wav, 0, 0, bytes_of(random_tape()));
+    if (!plays) machine_apply(tape_record_wav, 11025 << below(3));
+    machine_apply(tape_motor, 1);
+    machine_apply(typing_trap);
+    machine_apply(type_text, 0, 0, text(plays ? "\r\nCLOAD\r" : "\r\nCSAVE\"A\"\r"));
+}
+
 void run_frame() {
-    while (machine_run() == MACHINE_WAITS) {
-        if (once_in(3)) machine_apply(once_in(2) ? event_kind::reset : event_kind::tape_out);
+    const auto run = host.way == STEPPED ? machine_step : machine_run;
+    for (int end = run(); end != MACHINE_FRAME; end = run()) {
+        if (end != MACHINE_WAITS || !once_in(3)) continue;
+        machine_apply(once_in(2) ? event_kind::reset : event_kind::tape_out);
     }
-    if (once_in(2)) machine_apply(event_kind::tape_moves);
+    if (host.way == PACED) machine_apply(event_kind::tape_moves);
+    if (host.way == THROUGH_BREAKPOINT && once_in(4)) z80_cpu_set_breakpoint(z80_state.pc);
 }
 
 /// A part of a frame, or more than one, by single instructions.
@@ -354,11 +373,15 @@ int main(int argc, char** argv) {
     for (unsigned run = 0; done < wanted; ++run) {
         generator.seed(seed * 100'000 + run);
         machine_load(power_on);
+        z80_state.breakpoint_enabled = 0;
         host = {};
+        host.way = below(4);
         host.device = below(5);
         host.write_fails = once_in(2) ? 1 + below(300) : 0;
         machine_apply(event_kind::engine, int32_t(run % 2));
-        start(all[run / 2 % all.size()]);
+        const bool tape = once_in(3);
+        start(tape ? "" : all[run / 2 % all.size()]);
+        if (tape) start_tape();
         for (int part = 0; part < 3 && done < wanted; ++part) {
             std::fprintf(stderr, "\rrun %u, part %d, %d replays", run, part, done);
             done += run_and_replay(30);
