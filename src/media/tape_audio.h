@@ -4,9 +4,22 @@
 /// routines time the bits, so the traps of the ROM are out. media/files/tape_sound_files.h has the
 /// files.
 ///
-/// The tape moves only while the motor is on. It is moved when the machine reads or writes: each
-/// step takes it from the cycle of the last one to the given cycle. A step is rounded to whole
-/// samples by itself.
+/// The tape moves only while the motor is on, by the cycles of the machine, and in steps: each
+/// takes it from the last one to the given cycle, and is rounded to whole samples by itself, so
+/// that it is up to half a sample too long or too short. Playing, a step of no sample is left to
+/// the next one; recording, its cycles are gone. The input bit is that of a step's last sample. A
+/// step is made where the machine reads port FF (playing) or changes its output bit (recording),
+/// where a motor that is recording stops, and by tape_update_counter. Hence what each way to run it
+/// promises:
+///
+/// - Paced frames: tape_update_counter comes after each, so the tape and the counter shown are
+///   never behind by more than a frame. The cut at a frame's end moves it by at most a sample.
+/// - Unpaced frames and single steps: no other step. Tape and counter stand until the machine
+///   looks again, and then the tape passes in one step all that has gone by. A recording is as
+///   complete as a paced one; of a tape that plays, what has passed since the last look is left
+///   out when the motor stops. These two ways give the same samples.
+/// - A breakpoint takes no cycles, and the frame goes on where it stood: the same samples as
+///   without it. Only a frame that single steps have ended is not a paced one.
 
 #include "media/wav_samples.h"
 #include "sound/filter.h"
@@ -21,7 +34,7 @@ struct tape_audio_state {
     wav_format wav;              ///< the tape that plays
     uint64_t next_sample = 0;    ///< of it
     uint64_t position = 0;       ///< of the recording, in samples that have left the machine
-    uint64_t length = 0; ///< of the recording, in samples: more than `position` after rewinding
+    uint64_t length = 0;         ///< of it: more than `position` after rewinding
     iir_filter tape_filter;
     uint32_t rate = 0; ///< of the recording, samples per second
     uint32_t pending_count = 0;
@@ -49,9 +62,9 @@ void tape_save_wav(int64_t cycles, int bit);
 /// Moves a running tape up to `cycles` and shows the seconds from its start when they changed.
 void tape_update_counter(int64_t cycles);
 
-/// Puts in a WAV file to be played; none may be in. The host reads it (machine_host.read_tape).
+/// A WAV file is in, to be played; none was before. The host reads it (machine_host.read_tape).
 void tape_play_wav(const wav_format& wav);
-/// Starts a new recording at `rate` samples per second, above 0; no WAV file may be in.
+/// A new recording at `rate` samples per second, above 0; no WAV file was in before.
 void tape_record_wav(uint32_t rate);
 /// Completes a recording, takes the tape out and silences it.
 void tape_close_wav();
