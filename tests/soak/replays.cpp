@@ -332,7 +332,7 @@ int run_and_replay(int frames) {
     for (int frame = 0; frame < frames; ++frame) {
         if (once_in(2)) do_something();
         if (once_in(4)) {
-            run_steps();
+            if (once_in(2)) run_steps(); // else between two frames
             if (once_in(2)) do_something();
             if (parked.size() < MOST_PARKED) {
                 parked.push_back({.event = log.events.size(),
