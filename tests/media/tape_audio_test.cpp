@@ -335,4 +335,22 @@ TEST_F(TapeAudioTest, KnowsManyLayouts) {
     EXPECT_EQ(tape_wav_is_open(), 0);
 }
 
+TEST_F(TapeAudioTest, LongFilesAreReadAsTheyAre) {
+    std::vector<int> values;
+    for (uint32_t n = 0, x = 1; n < 40000; ++n, x = x * 1664525 + 1013904223) {
+        values.push_back(int16_t(x >> 16));
+    }
+    play(wav_of(16, values));
+    for (size_t n = 0; n < values.size() / 2; ++n) {
+        ASSERT_EQ(step(CYCLES), values[n] <= 0) << n;
+    }
+    std::filesystem::resize_file(path, 44 + 2 * 20100);
+    EXPECT_EQ(step(4600 * CYCLES), 0) << "the file has shrunk";
+    run(1, 20000 * CYCLES);
+    EXPECT_EQ(fake_host.status[2], "0001") << "and the tape stands there";
+    tape_rewind();
+    tape_set_motor(1, now());
+    EXPECT_EQ(step(10001 * CYCLES), values[10000] <= 0) << "what is left plays";
+}
+
 } // namespace

@@ -280,4 +280,20 @@ TEST(DiskSystem, OutlivesEveryFaultyByte) {
     EXPECT_GT(refused, 500U);
 }
 
+TEST(DiskSystem, OutlivesAFaultySectorTable) {
+    std::string problem;
+    auto image = disk_blank(DISK_JV3, 35, 10, problem);
+    ASSERT_EQ(disk_format(*image, problem), 1);
+    ASSERT_TRUE(disk_mount(*image, problem));
+    for (size_t place = 0; place < 8704; place += place < 1050 ? 1 : 99) {
+        for (const int value : {0, 0xFF}) {
+            DiskBytes bytes = image->image;
+            bytes[place] = uint8_t(value);
+            auto changed = disk_image_of(std::move(bytes), problem);
+            auto disk = changed ? disk_mount(std::move(*changed), problem) : std::nullopt;
+            if (disk) disk_put(*disk, *disk_name("X"), FILE_DATA, DiskBytes(9999), problem);
+        }
+    }
+}
+
 } // namespace
