@@ -7,7 +7,6 @@
 #include "core/pacing/pacing.h"
 #include "files/file_names.h"
 #include "files/whole_file.h"
-#include "host/commands.h"
 #include "host/disk_rom.h"
 #include "media/cmd_loader.h"
 #include "media/damage.h"
@@ -58,6 +57,14 @@ void boot_to_basic() {
 
 using Bytes = std::span<const uint8_t>;
 
+constexpr const char* UNKNOWN_TYPE = ": files of this type cannot be started";
+
+/// After the file that is started.
+void name_screenshots(const std::string& path) {
+    const size_t point = extension_point(path);
+    last_file_name = point == std::string::npos ? std::string() : path.substr(0, point);
+}
+
 /// Tells the user when the contents are damaged, with `text` in the status bar.
 bool bytes_are_whole(const std::string& path, Bytes bytes, std::string (*damage)(Bytes),
                      const std::string& text) {
@@ -68,8 +75,8 @@ bool bytes_are_whole(const std::string& path, Bytes bytes, std::string (*damage)
 }
 
 // The loaders of the table. Each returns false when the file was not loaded, which has been
-// reported, or when the status bar need not name it. Cassettes and disks are given by path, since
-// their files follow what the machine writes.
+// reported, or when the status bar need not name it. Only a disk is given by path, since its file
+// follows what the machine writes.
 
 bool start_cmd(const std::string& path, Bytes bytes) {
     // The program may call the firmware, which needs its vectors for that.
@@ -80,10 +87,7 @@ bool start_cmd(const std::string& path, Bytes bytes) {
 }
 
 bool start_cassette(const std::string& path, Bytes bytes) {
-    if (!tape_attach_cas(path)) {
-        tell_bad_image(path);
-        return false;
-    }
+    tape_attach_bytes(path, bytes);
     char name = 0;
     const int kind = tape_cas_type(&name);
     if (!g_bAutoStart) return false;
@@ -116,28 +120,22 @@ bool start_snapshot(const std::string& path, Bytes bytes) {
 }
 
 /// `keys` follow the loading of a tokenized program.
-bool give_basic(const std::string& path, const std::string& keys) {
+void give_basic(const std::string& path, Bytes bytes, const std::string& keys) {
     // Otherwise the question would take the first lines.
     if (g_bAutoStart && is_starting_up()) answer_start_question();
-    if (!is_tokenized_bas(path)) {
-        // A machine that is slow, or was not let start up, still has its question to come.
-        if (!keyboard_open_bas_file(path, is_starting_up() ? ENTER : "")) {
-            report({.text = path + ": cannot be read"});
-            return false;
-        }
-        machine_apply(event_kind::typing_trap);
-        return true;
+    if (is_tokenized_bas(bytes)) {
+        tape_attach_basic(path, bytes);
+        return type_into_machine("\r\r\r\rCLOAD\r\r" + keys);
     }
-    // Without the cassette, CLOAD would wait for ever.
-    if (!bas_to_cas_open(path)) {
-        tell_bad_image(path);
-        return false;
-    }
-    type_into_machine("\r\r\r\rCLOAD\r\r" + keys);
-    return true;
+    // A machine that is slow, or was not let start up, still has its question to come.
+    type_listing(bytes, is_starting_up() ? ENTER : "");
+    machine_apply(event_kind::typing_trap);
 }
 
-bool start_basic(const std::string& path, Bytes /*bytes*/) { return give_basic(path, "RUN\r"); }
+bool start_basic(const std::string& path, Bytes bytes) {
+    give_basic(path, bytes, "RUN\r");
+    return true;
+}
 
 constexpr Loader loaders[] = {
     {"bas", ROLE_START | ROLE_TYPE, start_basic},
@@ -195,28 +193,33 @@ std::string patterns_of(uint8_t roles) {
 
 std::string start_problem(const std::string& path) {
     std::string problem = file_problem(path);
-    if (problem.empty() && !starter_of(path)) {
-        problem = path + ": files of this type cannot be started";
-    }
+    if (problem.empty() && !starter_of(path)) problem = path + UNKNOWN_TYPE;
     return problem;
 }
 
 void autostart_file(const std::string& given) {
     // The host takes a path up to a zero byte.
     const std::string path = given.substr(0, given.find('\0'));
-    const size_t point = extension_point(path);
-    last_file_name = point == std::string::npos ? std::string() : path.substr(0, point);
-
+    name_screenshots(path);
     const std::string problem = start_problem(path);
     if (!problem.empty()) return report({.text = problem});
     const auto bytes = read_whole_file(path);
     if (!bytes) return report({.text = path + ": cannot be read"});
-    if (!starter_of(path)->load(path, *bytes)) return;
-    tell_started(path);
+    if (starter_of(path)->load(path, *bytes)) tell_started(path);
+}
+
+void autostart_bytes(const std::string& name, Bytes bytes) {
+    name_screenshots(name);
+    const Loader* starter = starter_of(name);
+    if (!starter) return report({.text = name + UNKNOWN_TYPE});
+    if (starter->roles & ROLE_DISK) return report({.text = name + ": a disk needs a file"});
+    if (starter->load(name, bytes)) tell_started(name);
 }
 
 void main_load_bas_file(const std::string& path) {
     const std::string problem = file_problem(path);
     if (!problem.empty()) return report({.text = problem});
-    give_basic(path, "");
+    const auto bytes = read_whole_file(path);
+    if (!bytes) return report({.text = path + ": cannot be read"});
+    give_basic(path, *bytes, "");
 }

@@ -21,7 +21,7 @@ enum LoaderRole : uint8_t {
 struct Loader {
     std::string_view extension; ///< in small letters
     uint8_t roles;
-    bool (*load)(const std::string& path, std::span<const uint8_t> bytes);
+    bool (*load)(const std::string& name, std::span<const uint8_t> bytes);
 };
 
 /// The file names of all types with one of the roles, as a dialog's filter: "*.a;*.b".
@@ -33,6 +33,9 @@ std::string patterns_of(uint8_t roles);
 /// and what goes wrong later is reported. When the machine has not reached its prompt yet, BASIC
 /// programs, load modules and snapshots let it start up first.
 void autostart_file(const std::string& path);
+/// The same for a file of which the host knows only this much. A disk image is refused, since its
+/// file has to follow what the machine writes.
+void autostart_bytes(const std::string& name, std::span<const uint8_t> bytes);
 /// Loads a BASIC file: a tokenized one is put in as a cassette and CLOAD is typed, a text is typed
 /// in. When the machine still asks its question at the start, that is answered first.
 void main_load_bas_file(const std::string& path);

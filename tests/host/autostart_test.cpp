@@ -42,7 +42,7 @@ protected:
         last_file_name = "Tarvelin";
         HostFilesTest::TearDown();
     }
-    void run(const std::string& path) {
+    void run(const std::string& path, const std::string* bytes = nullptr) {
         memory_remove_bas_trap();
         keyboard_type_reset();
         tape_detach_cas();
@@ -50,7 +50,8 @@ protected:
         last_file_name = "base";
         z80_state.pc = 0x1234;
         machine_run_now.prompt_reached = true;
-        autostart_file(path);
+        if (!bytes) return autostart_file(path);
+        autostart_bytes(path, {reinterpret_cast<const uint8_t*>(bytes->data()), bytes->size()});
     }
 };
 
@@ -128,8 +129,14 @@ TEST_F(AutostartTest, OnlyWhatWasLoadedIsSaidToBe) {
         const bool module = path.ends_with("cmd");
         EXPECT_EQ(z80_state.pc, !module ? 0x1234 : problem.empty() ? 0x9000 : 0) << path;
     }
+    for (const char* name : {"whole.cmd", "bad.dsk"}) {
+        std::filesystem::remove(name);
+        run(name, &cases[4].bytes);
+        EXPECT_EQ(host->status_text(3),
+                  *name == 'w' ? "Autoloaded: whole.cmd" : "bad.dsk: a disk needs a file");
+    }
     host->set_key(KEY_CONTROL, true);
-    run("bad.dsk");
+    run("bad.CGD");
     EXPECT_EQ(z80_state.pc, 0) << "Control starts the machine afresh, from the disk";
 }
 
@@ -194,7 +201,7 @@ TEST_F(AutostartTest, CassettesBootTheMachineFirst) {
                   typed.empty() ? path + " is damaged" : "Autoloaded: " + path);
 
         g_bAutoStart = false;
-        run(path);
+        run(path, &bytes);
         EXPECT_EQ(host->status_text(3), "before");
         EXPECT_FALSE(is_typing());
         EXPECT_EQ(tape_get_cas_name(), path);
@@ -205,8 +212,9 @@ TEST_F(AutostartTest, CassettesBootTheMachineFirst) {
 
 TEST_F(AutostartTest, TokenizedBasicComesFromATape) {
     for (const std::string path : {"tokens.bas", "tokens.TXT"}) {
-        write_text(path, "\xFF\x0A");
-        run(path);
+        const std::string bytes = "\xFF\x0A";
+        run(path, &bytes);
+        write_text(path, bytes);
         EXPECT_EQ(host->status_text(3), "Autoloaded: " + path);
         EXPECT_TRUE(is_typing());
         EXPECT_EQ(typed_text(), "\r\rCLOAD\rRUN\r");

@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -39,6 +40,11 @@ uint16_t hexadecimal(const std::string& text) {
     return std::sscanf(text.c_str(), "%4hx", &value) == 1 ? value : uint16_t(0);
 }
 
+void put_in(std::string path, std::vector<uint8_t> image) {
+    machine_apply(event_kind::tape_in, 0, 0, shared_bytes(std::move(image)));
+    casfilename = std::move(path);
+}
+
 } // namespace
 
 int tape_attach_cas(const std::string& path) {
@@ -46,9 +52,13 @@ int tape_attach_cas(const std::string& path) {
     tape_detach_cas();
     auto image = read_whole_file(wanted);
     if (!image) return 0;
-    machine_apply(event_kind::tape_in, 0, 0, shared_bytes(std::move(*image)));
-    casfilename = std::move(wanted);
+    put_in(std::move(wanted), std::move(*image));
     return 1;
+}
+
+void tape_attach_bytes(std::string path, std::span<const uint8_t> bytes) {
+    tape_detach_cas();
+    put_in(std::move(path), {bytes.begin(), bytes.end()});
 }
 
 void tape_detach_cas() {
@@ -63,15 +73,25 @@ int is_tokenized_bas(const std::string& path) {
     return file && std::fgetc(file.get()) == TOKENIZED_MARK ? 1 : 0;
 }
 
+bool is_tokenized_bas(std::span<const uint8_t> bytes) {
+    return !bytes.empty() && bytes.front() == TOKENIZED_MARK;
+}
+
 int bas_to_cas_open(const std::string& path) {
     std::string wanted = path; // may be the name that detaching clears
     tape_detach_cas();
     machine_apply(event_kind::tape_make_room);
     const auto program = read_whole_file(wanted);
     if (!program) return 0;
-    machine_apply(event_kind::tape_in, 0, 0, shared_bytes(tape_of_basic(*program, wanted.front())));
-    casfilename = std::move(wanted);
+    put_in(wanted, tape_of_basic(*program, wanted.front()));
     return 1;
+}
+
+void tape_attach_basic(std::string path, std::span<const uint8_t> bytes) {
+    tape_detach_cas();
+    machine_apply(event_kind::tape_make_room);
+    auto tape = tape_of_basic(bytes, path.front());
+    put_in(std::move(path), std::move(tape));
 }
 
 int tape_dump_cas(const std::string& path, const std::string& start, const std::string& end,

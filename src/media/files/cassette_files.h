@@ -4,18 +4,23 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 
 /// 1 on success; 0 for an empty path or a file that cannot be opened, and then nothing is attached.
 int tape_attach_cas(const std::string& path);
+/// The same for the bytes of a file, which may be known by its name only.
+void tape_attach_bytes(std::string path, std::span<const uint8_t> bytes);
 void tape_detach_cas();
 /// The path of the attached image, or the one remembered from the last run.
 std::string& tape_get_cas_name();
 
 /// 1 when the file's first byte is FF, the mark of tokenized BASIC.
 int is_tokenized_bas(const std::string& path);
+bool is_tokenized_bas(std::span<const uint8_t> bytes);
 /// Attaches a tokenized BASIC file as a cassette. 1 on success; else nothing is attached.
 int bas_to_cas_open(const std::string& path);
+void tape_attach_basic(std::string path, std::span<const uint8_t> bytes);
 /// Writes memory from start to end (inclusive), as the processor sees it, as a machine-code tape
 /// named after the file; addresses are hexadecimal texts of up to four digits. 1 on success; what
 /// fails is told in the status bar. An end below the start writes no file; with a path that has no

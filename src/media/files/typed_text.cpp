@@ -5,13 +5,19 @@
 #include "platform/platform.h"
 
 #include <utility>
+#include <vector>
 
 int keyboard_open_bas_file(const std::string& path, const std::string& keys_before) {
-    auto text = read_whole_file(path);
+    const auto text = read_whole_file(path);
     if (!text) return 0;
-    text->insert(text->begin(), keys_before.begin(), keys_before.end());
-    machine_apply(event_kind::type_text, 0, 0, shared_bytes(std::move(*text)));
+    type_listing(*text, keys_before);
     return 1;
+}
+
+void type_listing(std::span<const uint8_t> bytes, const std::string& keys_before) {
+    std::vector<uint8_t> text(keys_before.begin(), keys_before.end());
+    text.insert(text.end(), bytes.begin(), bytes.end());
+    machine_apply(event_kind::type_text, 0, 0, shared_bytes(std::move(text)));
 }
 
 void type_into_machine(const std::string& text) {
