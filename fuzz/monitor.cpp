@@ -56,7 +56,12 @@ void press(Input& input) {
 void act(Input& input, FuzzShell& shell) {
     const uint8_t action = input.byte();
     switch (action & 7) {
-    case 0: WindowProcedure({Event::Kind::wheel, int(int8_t(input.byte())) * 60, 0, {}}); break;
+    case 0:
+        WindowProcedure({.kind = Event::Kind::pointer,
+                         .value = int(int8_t(input.byte())) * 60,
+                         .text = {},
+                         .pointer = {.act = Pointer::Act::wheel}});
+        break;
     case 1: {
         const int width = input.byte() * 8, height = input.byte() * 8;
         shell.host.window().move({100, 100, 100 + width, 100 + height});

@@ -60,13 +60,15 @@ void tell_recording(const std::string& path) { StatusBarText("Saving to: %s", pa
 
 void enter_monitor() {
     ui_set_window_title("(Monitor)");
+    platform().pane(PaneId::monitor).show(true);
     monitor_update();
 }
 
 void leave_monitor() {
     cpu_breakpoint_arrives(); // the breakpoint at this place has been reached already
     const Size client = platform().window().client_size();
-    platform().drawing().fill_rectangle({0, 0, client.width, client.height}, 0);
+    platform().pane(PaneId::picture).fill_rectangle({0, 0, client.width, client.height}, 0);
+    platform().pane(PaneId::monitor).show(false);
     ui_set_window_title("%s", g_bActive ? "(Restarting)" : "(Suspended)");
     // A halted machine draws no frame, so the window has to be painted.
     if (!g_bActive) platform().window().invalidate();

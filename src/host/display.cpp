@@ -70,7 +70,7 @@ void draw_frame() {
     if (g_bDblScan && !g_GiantScreen) video_draw_interlaced(pixels, PALETTE);
 }
 
-void dib_draw() { platform().drawing().copy_bitmap(view_of(canvas), MARGIN, MARGIN); }
+void dib_draw() { platform().pane(PaneId::picture).copy_bitmap(view_of(canvas), MARGIN, MARGIN); }
 
 void UpdateFrameDX() {
     Surface& surface = platform().surface();
@@ -178,6 +178,11 @@ void show_frame(int flag) {
     if (g_bDebug) return monitor_update();
     if (!flag || !host_has_canvas()) return;
     draw_frame();
+    show_canvas();
+}
+
+void show_canvas() {
+    if (!host_has_canvas()) return;
     if (g_bUseGDI && !g_bFullScreen) return dib_draw();
     UpdateFrameDX();
 }

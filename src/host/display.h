@@ -39,3 +39,5 @@ void show_palette();
 int host_has_canvas();
 /// Draws one frame into the canvas and presents it. A `flag` of 0 does nothing.
 void show_frame(int flag);
+/// Presents what the canvas holds.
+void show_canvas();

@@ -7,11 +7,14 @@
 #include "host/commands.h"
 #include "host/dialogs/hold.h"
 #include "host/disks.h"
+#include "host/display.h"
 #include "host/key_map.h"
 #include "host/menu.h"
 #include "host/messages.h"
+#include "host/options.h"
 #include "host/shell.h"
 #include "host/status.h"
+#include "media/files/typed_text.h"
 #include "monitor/monitor.h"
 #include "platform/platform.h"
 #include "sound/output/sound_ring.h"
@@ -51,7 +54,12 @@ public:
         turn.menu_open = false;
         turn.menu_closed = true;
     }
+    void paint(PaneId pane) override { pane == PaneId::monitor ? monitor_update() : show_canvas(); }
     void draw_status() override { led_redraw(1); }
+    void session_ends() override {
+        main_disk_keep_journals();
+        write_options();
+    }
 };
 ShellSink sink;
 
@@ -75,9 +83,38 @@ void paint() {
 }
 
 void wheel_turned(int delta) {
-    if (!g_bDebug) return;
     const int notches = delta / WHEEL_NOTCH;
     step_dir_rows(notches < 0 ? 1 : -1, std::abs(notches * WHEEL_SCALE / WHEEL_NOTCH));
+}
+
+/// Stepping and scrolling go on while the key is held; anything else happens once.
+bool repeats(const Event& key) {
+    if (key.modifiers) return false;
+    return (key.value >= KEY_PAGE_UP && key.value <= KEY_DOWN) || key.value == KEY_RETURN;
+}
+
+bool is_double_click(const Event& event) {
+    return event.pointer.act == Pointer::Act::double_click && event.pointer.button == BUTTON_LEFT;
+}
+
+bool is_scrolling(const Event& event) {
+    return event.pointer.act == Pointer::Act::wheel && g_bDebug;
+}
+
+/// What the shell has no use for does not even bring the waiting frame forward.
+bool is_of_use(const Event& event) {
+    switch (event.kind) {
+    case Event::Kind::key_down: return !event.repeat || repeats(event);
+    case Event::Kind::pointer: return is_double_click(event) || is_scrolling(event);
+    case Event::Kind::key_up:
+    case Event::Kind::text: return false;
+    default: return true;
+    }
+}
+
+void pointer_used(const Event& event) {
+    if (is_double_click(event)) handle_command(COMMAND_GIANT_SCREEN);
+    if (is_scrolling(event)) wheel_turned(event.value);
 }
 
 void key_pressed(const Event& event) {
@@ -86,8 +123,11 @@ void key_pressed(const Event& event) {
     obey_user([&event] { handle_key(event); });
 }
 
-void file_dropped(const std::string& path) {
-    obey_user([&path] { autostart_file(path); }, reset_timer);
+void file_dropped(const Event& event) {
+    const auto start = [&event] {
+        event.bytes ? autostart_bytes(event.text, *event.bytes) : autostart_file(event.text);
+    };
+    obey_user(start, reset_timer);
 }
 
 /// The host's keyboard layout has changed. A user who chooses another layout wants its characters,
@@ -119,7 +159,7 @@ void handle_messages() {
         turn.messages.pop_front();
         if (event.kind == Event::Kind::quit) {
             turn.exit_code = event.value;
-        } else {
+        } else if (is_of_use(event)) {
             handle(event);
         }
     }
@@ -172,10 +212,12 @@ void WindowProcedure(const Event& event) {
     case Event::Kind::layout_changed: layout_changed(event.value != 0); break;
     case Event::Kind::key_down: key_pressed(event); break;
     case Event::Kind::command: handle_command(event.value); break;
-    case Event::Kind::double_click: handle_command(COMMAND_GIANT_SCREEN); break;
-    case Event::Kind::wheel: wheel_turned(event.value); break;
-    case Event::Kind::drop: file_dropped(event.text); break;
+    case Event::Kind::pointer: pointer_used(event); break;
+    case Event::Kind::drop: file_dropped(event); break;
+    case Event::Kind::clipboard: type_into_machine(event.text); break;
     case Event::Kind::none:
+    case Event::Kind::key_up:
+    case Event::Kind::text:
     case Event::Kind::quit: break;
     }
 }

@@ -23,11 +23,7 @@ constexpr int COLUMNS_PER_STEP = 8;  ///< the bytes come in groups of four
 constexpr int GROUP = 4;
 constexpr uint8_t LAST_PRINTABLE = 125;
 
-/// The part of the client area that the status bar leaves free.
-Size drawing_area() {
-    const Size client = platform().window().client_size();
-    return {client.width, std::max(client.height - platform().status_bar().height(), 0)};
-}
+Pane& pane() { return platform().pane(PaneId::monitor); }
 
 std::vector<std::string> disassembly_rows(int rows) {
     std::vector<std::string> text;
@@ -71,21 +67,19 @@ std::vector<std::string> memory_rows(int rows, int cols) {
 
 /// Blackens the area above the status bar, and returns its size in character cells.
 Size monitor_get_screen_params() {
-    const Size area = drawing_area();
-    const Size cell = platform().drawing().cell_size();
-    platform().drawing().fill_rectangle({0, 0, area.width, area.height}, BLACK);
+    const Size area = pane().size();
+    const Size cell = pane().cell_size();
+    pane().fill_rectangle({0, 0, area.width, area.height}, BLACK);
     return {area.width / cell.width, area.height / cell.height};
 }
 
 void OutDisassString(int row, const std::string& text) {
-    Drawing& drawing = platform().drawing();
-    drawing.text(0, row * drawing.cell_size().height, text, WHITE, BLACK);
+    pane().text(0, row * pane().cell_size().height, text, WHITE, BLACK);
 }
 
 /// Draws a line just above the row.
 void DrawSeparator(int row) {
-    Drawing& drawing = platform().drawing();
-    drawing.line(0, row * drawing.cell_size().height - 1, drawing_area().width, WHITE);
+    pane().line(0, row * pane().cell_size().height - 1, pane().size().width, WHITE);
 }
 
 void draw(int page) {
@@ -123,9 +117,9 @@ int monitor_get_memdump_width(int cols) {
     return (cols - ADDRESS_COLUMNS) / 2 / COLUMNS_PER_STEP * COLUMNS_PER_STEP;
 }
 
-int monitor_get_rows() { return drawing_area().height / platform().drawing().cell_size().height; }
+int monitor_get_rows() { return pane().size().height / pane().cell_size().height; }
 
-int monitor_get_cols() { return drawing_area().width / platform().drawing().cell_size().width; }
+int monitor_get_cols() { return pane().size().width / pane().cell_size().width; }
 
 void monitor_update() {
     if (monitor_page == MONITOR_MEMORY) return monitor_memdump();

@@ -1,9 +1,32 @@
 #pragma once
+#include "platform/pane.h"
+
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <vector>
 
 /// Modifier keys of a key-down, and those that a character needs (see HostKeyboard::key_for).
 enum Modifier : uint8_t { MODIFIER_SHIFT = 1, MODIFIER_CONTROL = 2, MODIFIER_ALT = 4 };
+
+enum PointerButton : uint8_t { BUTTON_LEFT = 1, BUTTON_RIGHT = 2, BUTTON_MIDDLE = 4 };
+
+/// What a mouse, a pen or a finger does.
+struct Pointer {
+    enum class Act : uint8_t {
+        press,
+        move,
+        release,
+        double_click, ///< in place of the second press
+        wheel         ///< value of the event: 120 per notch, positive away from the user
+    };
+    Act act = Act::move;
+    PaneId pane = PaneId::picture;
+    int x = 0, y = 0;    ///< pixels, in the pane
+    uint8_t button = 0;  ///< that has changed
+    uint8_t buttons = 0; ///< that are down
+    bool touch = false;
+};
 
 /// A message for the main loop.
 struct Event {
@@ -19,15 +42,20 @@ struct Event {
         layout_changed, ///< the keyboard layout is another one; value: 1 the user changed it here,
                         ///< 0 it came with the program's start or with the focus
         key_down,       ///< value: HostKey; accelerators are not taken out yet
+        key_up,         ///< value: HostKey, that of its key_down
+        text,           ///< text: what the layout gives for a key, in UTF-8
         command,        ///< value: id of the menu item chosen
-        double_click,   ///< left button, in the client area
-        wheel,          ///< value: 120 per notch, positive away from the user
-        drop            ///< text: path of the first file dropped
+        pointer,        ///< in a pane
+        drop,           ///< text: path of the first file dropped, or its name with its bytes
+        clipboard       ///< text: in the machine's bytes, of a host that cannot answer at once
     };
     Kind kind = Kind::none;
     int value = 0;
     uint8_t modifiers = 0; ///< of a key_down
     std::string text;
+    bool repeat = false; ///< a key_down of a key that is held
+    Pointer pointer = {};
+    std::optional<std::vector<uint8_t>> bytes = {}; ///< of a file without a path
 };
 
 /// Gets what the host tells at once, in the middle of its own work. These functions neither run nor
@@ -38,8 +66,12 @@ struct EventSink {
     /// of its own meanwhile.
     virtual void loop_begins() = 0;
     virtual void loop_ends() = 0;
+    /// What was drawn into the pane is lost.
+    virtual void paint(PaneId pane) = 0;
     /// The drawn part of the status bar is blank.
     virtual void draw_status() = 0;
+    /// The user's session ends, and perhaps the program with it, without another word.
+    virtual void session_ends() = 0;
 };
 
 /// The message queue of the program's one thread.

@@ -6,11 +6,11 @@
 #include "platform/clipboard.h"
 #include "platform/clock.h"
 #include "platform/dialogs.h"
-#include "platform/drawing.h"
 #include "platform/events.h"
 #include "platform/forms.h"
 #include "platform/joystick.h"
 #include "platform/keyboard.h"
+#include "platform/pane.h"
 #include "platform/paths.h"
 #include "platform/settings.h"
 #include "platform/status_bar.h"
@@ -23,11 +23,11 @@ struct Platform {
     virtual Clipboard& clipboard() = 0;
     virtual Clock& clock() = 0;
     virtual Dialogs& dialogs() = 0;
-    virtual Drawing& drawing() = 0;
     virtual Events& events() = 0;
     virtual Forms& forms() = 0;
     virtual Joysticks& joysticks() = 0;
     virtual HostKeyboard& keyboard() = 0;
+    virtual Pane& pane(PaneId id) = 0;
     virtual Paths& paths() = 0;
     virtual Settings& settings() = 0;
     virtual StatusBar& status_bar() = 0;

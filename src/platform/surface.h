@@ -3,7 +3,8 @@
 
 #include <string>
 
-/// An off-screen picture that is stretched into a rectangle of the screen, black around it.
+/// An off-screen picture that the pane of the picture shows stretched into a rectangle of the
+/// screen, black around it, until something else is drawn there.
 struct Surface {
     virtual ~Surface() = default;
     /// Gets ready for pictures of this size. Returns an empty text, or what failed.

@@ -116,7 +116,9 @@ TEST_F(CommandsTest, PauseAndMonitorHoldTheMachine) {
     int number = 0;
     for (const auto& step : steps) {
         SCOPED_TRACE(++number);
-        host->drawing().last_fill = {};
+        HeadlessPane& pane =
+            host->pane(is_menu_item_checked(108) ? PaneId::picture : PaneId::monitor);
+        pane.last_fill = {};
         const int invalidations = host->window().invalidations;
         handle_command(step.id);
         EXPECT_EQ(g_bActive, step.active);
@@ -126,7 +128,7 @@ TEST_F(CommandsTest, PauseAndMonitorHoldTheMachine) {
         if (step.id != 108) continue;
         const Size client = host->window().client_size();
         const int shown = client.height - (step.monitor_mark ? StatusBarHeight() : 0);
-        EXPECT_EQ(host->drawing().last_fill.area, (Rectangle{0, 0, client.width, shown}));
+        EXPECT_EQ(pane.last_fill.area, (Rectangle{0, 0, client.width, shown}));
         const bool left_halted = !step.monitor_mark && !step.active;
         EXPECT_EQ(host->window().invalidations - invalidations, left_halted ? 1 : 0);
     }

@@ -36,7 +36,7 @@ protected:
     HeadlessPlatform host{HeadlessOptions{}};
     HeadlessWindow& window = host.window();
     HeadlessSurface& surface = host.surface();
-    HeadlessDrawing& drawing = host.drawing();
+    HeadlessPane& drawing = host.pane(PaneId::picture);
 };
 
 TEST_F(DisplayTest, CanvasAndWindowFollowTheOptions) {
@@ -178,7 +178,7 @@ TEST_F(DisplayTest, FramesReachTheCanvas) {
     const int copies = drawing.copies;
     for (const int flag : {0, 1}) update_screen(flag);
     EXPECT_EQ(drawing.copies, copies);
-    EXPECT_GE(drawing.fills, 2);
+    EXPECT_EQ(host.pane(PaneId::monitor).fills, 2);
     g_bDebug = false;
     dib_destroy(canvas);
     update_screen(1);

@@ -192,7 +192,14 @@ TEST_F(ShellTest, MessagesReachTheirHandlers) {
     const int shown = host->frames_presented();
     send(Event::Kind::paint);
     send(Event::Kind::focus);
-    EXPECT_EQ(host->frames_presented(), shown + 2);
+    host->sink().paint(PaneId::picture);
+    EXPECT_EQ(host->frames_presented(), shown + 3);
+    for (const int key : {KEY_PAUSE, KEY_PAGE_DOWN}) { // only the second one may repeat
+        host->push_event({Event::Kind::key_down, key, 0, {}, true});
+        shell_turn();
+        EXPECT_EQ(g_bPaused, key == KEY_PAGE_DOWN);
+    }
+    send(Event::Kind::command, COMMAND_PAUSE);
     WindowProcedure({Event::Kind::key_down, KEY_PAUSE, 0, {}});
     EXPECT_TRUE(g_bPaused) << "an accelerator, not a key";
     EXPECT_EQ(host->title(), "Tarvelin - (Suspended)");
@@ -203,9 +210,15 @@ TEST_F(ShellTest, MessagesReachTheirHandlers) {
     ASSERT_EQ(filters.size(), 3U);
     EXPECT_EQ(filters[1].text + filters[1].pattern,
               "All that can be started*.bas;*.cas;*.cgd;*.cgt;*.cmd;*.dsk;*.jzs;*.txt");
-    send(Event::Kind::double_click);
-    EXPECT_TRUE(g_GiantScreen);
-    send(Event::Kind::double_click);
+    for (const uint8_t button : {BUTTON_LEFT, BUTTON_RIGHT}) {
+        WindowProcedure({.kind = Event::Kind::pointer,
+                         .text = {},
+                         .pointer = {.act = Pointer::Act::double_click, .button = button}});
+        EXPECT_TRUE(g_GiantScreen);
+    }
+    host->sink().session_ends();
+    EXPECT_EQ(stored("GiantScreen"), 1U) << "before the program's end";
+    send(Event::Kind::command, COMMAND_GIANT_SCREEN);
     host->set_key('A', true);
     host->sink().loop_begins();
     EXPECT_EQ(shell_turn().next, ShellTurn::Next::on_event) << "no frame while a menu is open";

@@ -44,6 +44,12 @@ protected:
         reset_program_options();
     }
 
+    static Event wheel(int angle) {
+        return {.kind = Event::Kind::pointer,
+                .value = angle,
+                .text = {},
+                .pointer = {.act = Pointer::Act::wheel}};
+    }
     static void press(int key) { WindowProcedure({Event::Kind::key_down, key, 0, {}}); }
     static void poke(uint16_t address, const std::vector<int>& bytes) {
         for (const int byte : bytes) memory[address++] = uint8_t(byte);
@@ -53,12 +59,12 @@ protected:
         host->window().set_fixed_size({});
         const Size outer = host->window().outer_size({cols * 8 + 7, rows * 12 + 11 + 23});
         host->window().move({0, 0, outer.width, outer.height});
-        host->drawing().texts.clear();
-        host->drawing().lines.clear();
+        host->pane(PaneId::monitor).texts.clear();
+        host->pane(PaneId::monitor).lines.clear();
     }
     std::vector<std::string> shown() {
         std::vector<std::string> rows;
-        for (const HeadlessText& text : host->drawing().texts) {
+        for (const HeadlessText& text : host->pane(PaneId::monitor).texts) {
             EXPECT_EQ(text.x, 0);
             EXPECT_EQ(text.y, int(rows.size()) * 12);
             EXPECT_EQ(text.colour, 0xFFFFFFu);
@@ -114,20 +120,22 @@ TEST_F(Monitor, PagesInEveryWindow) {
             EXPECT_EQ(registers[row], listing[row]);
         }
         const std::vector<HeadlessFill> line = {{{0, 35, c.cols * 8 + 7, 36}, 0xFFFFFF}};
-        EXPECT_EQ(host->drawing().lines, c.rows > 3 ? line : std::vector<HeadlessFill>());
+        EXPECT_EQ(host->pane(PaneId::monitor).lines,
+                  c.rows > 3 ? line : std::vector<HeadlessFill>());
         press(KEY_F2);
         const auto bytes = shown();
         ASSERT_EQ(bytes.size(), rows);
-        EXPECT_TRUE(host->drawing().lines.empty());
+        EXPECT_TRUE(host->pane(PaneId::monitor).lines.empty());
         EXPECT_EQ(rows ? bytes[0] : "", c.memory_row);
         EXPECT_TRUE(rows < 25 || bytes[24].starts_with(" 9180:  00 "));
-        EXPECT_EQ(host->drawing().last_fill.area.bottom, std::max(c.rows * 12 + 11, 0));
+        EXPECT_EQ(host->pane(PaneId::monitor).last_fill.area.bottom, std::max(c.rows * 12 + 11, 0));
     }
     EXPECT_EQ(z80_state.t_count, 7) << "looking takes no time";
     monitor_page = MONITOR_DISASSEMBLY;
     EXPECT_EQ(monitor_page_rows(10, 80), listing);
+    EXPECT_TRUE(host->pane(PaneId::monitor).shown);
     press(KEY_ESCAPE);
-    EXPECT_TRUE(host->drawing().texts.empty());
+    EXPECT_FALSE(host->pane(PaneId::monitor).shown);
 }
 
 TEST_F(Monitor, Stepping) {
@@ -166,10 +174,10 @@ TEST_F(Monitor, Stepping) {
         int moved; ///< instructions or rows
     } moves[] = {{{Event::Kind::key_down, KEY_PAGE_DOWN, 0, {}}, 25},
                  {{Event::Kind::key_down, KEY_PAGE_UP, 0, {}}, -25},
-                 {{Event::Kind::wheel, -120, 0, {}}, 2},
-                 {{Event::Kind::wheel, -360, 0, {}}, 6},
-                 {{Event::Kind::wheel, 239, 0, {}}, -2},
-                 {{Event::Kind::wheel, -119, 0, {}}, 0}};
+                 {wheel(-120), 2},
+                 {wheel(-360), 6},
+                 {wheel(239), -2},
+                 {wheel(-119), 0}};
     for (const int page : {0, 1}) {
         press(page ? KEY_F2 : KEY_F1);
         for (const auto& move : moves) {

@@ -29,7 +29,9 @@ constexpr Qt::KeyboardModifiers NO_MODIFIERS;
 struct Told final : EventSink {
     void loop_begins() override { menus += "("; }
     void loop_ends() override { menus += ")"; }
+    void paint(PaneId) override {}
     void draw_status() override { ++status_draws; }
+    void session_ends() override {}
     std::string menus;
     int status_draws = 0;
 } told;
@@ -105,7 +107,7 @@ TEST_F(QtPlatformTest, DrawsEveryDepthCutOffAtTheEdges) {
     const uint8_t eight[] = {0, 1, 1, 0, 0, 0, 0, 1};
     const uint8_t one[] = {0x40, 0x81}; // two rows of eight
     const uint8_t true_colour[] = {0x33, 0x22, 0x11, 0, 0x66, 0x55, 0x44, 0};
-    Drawing& drawing = host->drawing();
+    Pane& drawing = host->pane(PaneId::picture);
     drawing.fill_rectangle({-5, -5, 100, 100}, 0xABCDEF);
     drawing.copy_bitmap({4, 2, 8, eight, palette}, -1, 0);
     drawing.copy_bitmap({8, 2, 1, one, palette}, 10, 20);
@@ -122,7 +124,7 @@ TEST_F(QtPlatformTest, DrawsEveryDepthCutOffAtTheEdges) {
 TEST_F(QtPlatformTest, WritesTextIntoCells) {
     fit({200, 60});
     drain();
-    Drawing& drawing = host->drawing();
+    Pane& drawing = host->pane(PaneId::picture);
     const Size cell = drawing.cell_size();
     const auto lit = [&](int column, Colour colour) { // pixels of the cell at (3, 5)
         int count = 0;
@@ -150,7 +152,7 @@ TEST_F(QtPlatformTest, WritesTextIntoCells) {
 
 TEST_F(QtPlatformTest, StretchesOverTheScreenWithBlackAround) {
     const uint8_t pixels[] = {0, 0, 0xFF, 0, 0, 0xFF, 0, 0}; // red, green
-    host->drawing().fill_rectangle({0, 0, 40, 30}, 0xFFFFFF);
+    host->pane(PaneId::picture).fill_rectangle({0, 0, 40, 30}, 0xFFFFFF);
     ASSERT_EQ(host->surface().create({2, 1}), "");
     const Rectangle origin = host->window().client_on_screen();
     const Rectangle target = {origin.left + 10, origin.top + 5, origin.left + 30, origin.top + 25};
@@ -160,6 +162,13 @@ TEST_F(QtPlatformTest, StretchesOverTheScreenWithBlackAround) {
     EXPECT_EQ(pixel(19, 24), 0xFF0000u);
     EXPECT_EQ(pixel(20, 24), 0x00FF00u);
     EXPECT_EQ(pixel(20, 25), 0u);
+    Pane& monitor = host->pane(PaneId::monitor);
+    monitor.fill_rectangle({0, 0, 20, 20}, 0x123456);
+    EXPECT_EQ(pixel(10, 5), 0xFF0000u) << "behind the picture";
+    monitor.show(true);
+    EXPECT_EQ(pixel(10, 5), 0x123456u);
+    monitor.show(false);
+    EXPECT_EQ(pixel(10, 5), 0xFF0000u);
     host->surface().release();
     EXPECT_EQ(pixel(9, 10), 0xFFFFFFu);
 }
@@ -197,8 +206,7 @@ TEST_F(QtPlatformTest, TapIsDownUntilTheProgramHasRun) {
     for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
         QApplication::postEvent(&client(), new QKeyEvent(type, Qt::Key_A, NO_MODIFIERS));
     }
-    EXPECT_EQ(host->events().poll().kind, Event::Kind::key_down);
-    EXPECT_EQ(host->events().poll().kind, Event::Kind::none);
+    EXPECT_EQ(drain(Event::Kind::key_up).size(), 1u);
     EXPECT_TRUE(host->keyboard().is_down('A'));
     host->keyboard().release_tapped();
     EXPECT_FALSE(host->keyboard().is_down('A'));
@@ -209,12 +217,42 @@ TEST_F(QtPlatformTest, TapIsDownUntilTheProgramHasRun) {
     EXPECT_FALSE(host->keyboard().is_down('B'));
 }
 
-TEST_F(QtPlatformTest, RepeatsOnlyStepping) {
-    for (const auto& [key, count] : std::map<int, size_t>{{Qt::Key_F5, 0}, {Qt::Key_PageDown, 1}}) {
-        QKeyEvent event(QEvent::KeyPress, key, NO_MODIFIERS, {}, true);
+TEST_F(QtPlatformTest, KeysComeWithRepeatsTextAndTheirEnd) {
+    const auto send = [](QEvent::Type type, const char* text, bool repeat) {
+        QKeyEvent event(type, Qt::Key_A, NO_MODIFIERS, text, repeat);
         QApplication::sendEvent(&client(), &event);
-        EXPECT_EQ(drain(Event::Kind::key_down).size(), count) << key;
+    };
+    send(QEvent::KeyPress, "\xC3\xA4", false);
+    send(QEvent::KeyRelease, "", true);
+    send(QEvent::KeyPress, "\x1B", true);
+    send(QEvent::KeyRelease, "", false);
+    const std::vector<Event> events = drain();
+    ASSERT_EQ(events.size(), 4u);
+    using enum Event::Kind;
+    const Event::Kind kinds[] = {key_down, text, key_down, key_up};
+    for (size_t n = 0; n < 4; ++n) {
+        EXPECT_EQ(events[n].kind, kinds[n]) << n;
+        EXPECT_EQ(events[n].repeat, n == 2);
+        EXPECT_EQ(events[n].value, n == 1 ? 0 : 'A');
     }
+    EXPECT_EQ(events[1].text, "\xC3\xA4");
+}
+
+TEST_F(QtPlatformTest, PointerIsAtAPlaceInThePaneShown) {
+    host->pane(PaneId::monitor).show(true);
+    QMouseEvent event(QEvent::MouseButtonPress, {7, 5}, {0, 0}, Qt::RightButton,
+                      Qt::LeftButton | Qt::RightButton, NO_MODIFIERS);
+    QApplication::sendEvent(&client(), &event);
+    host->pane(PaneId::monitor).show(false);
+    const std::vector<Event> events = drain(Event::Kind::pointer);
+    ASSERT_EQ(events.size(), 1u);
+    const Pointer& used = events[0].pointer;
+    EXPECT_EQ(used.act, Pointer::Act::press);
+    EXPECT_EQ(used.pane, PaneId::monitor);
+    EXPECT_EQ(used.x * 100 + used.y, 705);
+    EXPECT_EQ(used.button, BUTTON_RIGHT);
+    EXPECT_EQ(used.buttons, BUTTON_LEFT | BUTTON_RIGHT);
+    EXPECT_FALSE(used.touch);
 }
 
 TEST_F(QtPlatformTest, TakesTheFirstFileDroppedByteForByte) {
@@ -236,7 +274,7 @@ TEST_F(QtPlatformTest, CollectsWheelStepsToNotches) {
         QWheelEvent event({1, 1}, {1, 1}, {}, {0, angle}, Qt::NoButton, NO_MODIFIERS,
                           Qt::NoScrollPhase, false);
         QApplication::sendEvent(&client(), &event);
-        for (const Event& message : drain(Event::Kind::wheel)) turned.push_back(message.value);
+        for (const Event& message : drain(Event::Kind::pointer)) turned.push_back(message.value);
     }
     EXPECT_EQ(turned, (std::vector<int>{-120, 120}));
 }

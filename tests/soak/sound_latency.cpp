@@ -40,11 +40,11 @@ public:
     Clipboard& clipboard() override { return rest_.clipboard(); }
     Clock& clock() override { return rest_.clock(); }
     Dialogs& dialogs() override { return rest_.dialogs(); }
-    Drawing& drawing() override { return rest_.drawing(); }
     Events& events() override { return rest_.events(); }
     Forms& forms() override { return rest_.forms(); }
     Joysticks& joysticks() override { return rest_.joysticks(); }
     HostKeyboard& keyboard() override { return rest_.keyboard(); }
+    Pane& pane(PaneId id) override { return rest_.pane(id); }
     Paths& paths() override { return rest_.paths(); }
     Settings& settings() override { return rest_.settings(); }
     StatusBar& status_bar() override { return rest_.status_bar(); }

@@ -2,6 +2,7 @@
 
 #include "platform/settings_file.h"
 
+#include <array>
 #include <chrono>
 #include <csignal>
 #include <deque>
@@ -117,8 +118,11 @@ struct HeadlessPlatform::State {
     explicit State(HeadlessOptions given)
         : options(std::move(given)),
           clock(options.real_time, options.look_ns, options.refresh_rate), paths(options),
-          window(options.screen), drawing(window, options.keep_pictures),
-          settings_file(options.settings_path) {}
+          window(options.screen), panes{HeadlessPane(window, status_bar, options.keep_pictures),
+                                        HeadlessPane(window, status_bar, options.keep_pictures)},
+          settings_file(options.settings_path) {
+        panes[size_t(PaneId::picture)].shown = true;
+    }
 
     HeadlessOptions options;
     HeadlessClipboard clipboard;
@@ -132,8 +136,8 @@ struct HeadlessPlatform::State {
     HeadlessKeyboard keyboard;
     HeadlessPaths paths;
     HeadlessWindow window;
-    HeadlessDrawing drawing;
     HeadlessStatusBar status_bar;
+    std::array<HeadlessPane, PANES> panes;
     HeadlessSurface surface;
     HeadlessSettings settings;
     SettingsFile settings_file;
@@ -147,11 +151,11 @@ HeadlessAudio& HeadlessPlatform::audio() { return state_->audio; }
 HeadlessClipboard& HeadlessPlatform::clipboard() { return state_->clipboard; }
 Clock& HeadlessPlatform::clock() { return state_->clock; }
 HeadlessDialogs& HeadlessPlatform::dialogs() { return state_->dialogs; }
-HeadlessDrawing& HeadlessPlatform::drawing() { return state_->drawing; }
 Events& HeadlessPlatform::events() { return state_->events; }
 HeadlessForms& HeadlessPlatform::forms() { return state_->forms; }
 HeadlessJoysticks& HeadlessPlatform::joysticks() { return state_->joysticks; }
 HeadlessKeyboard& HeadlessPlatform::keyboard() { return state_->keyboard; }
+HeadlessPane& HeadlessPlatform::pane(PaneId id) { return state_->panes[size_t(id)]; }
 Paths& HeadlessPlatform::paths() { return state_->paths; }
 HeadlessStatusBar& HeadlessPlatform::status_bar() { return state_->status_bar; }
 HeadlessSurface& HeadlessPlatform::surface() { return state_->surface; }
@@ -178,7 +182,7 @@ std::string HeadlessPlatform::status_text(int part) const {
     return part >= 0 && size_t(part) < texts.size() ? texts[part] : std::string();
 }
 int HeadlessPlatform::frames_presented() const {
-    return state_->drawing.copies + state_->surface.presents;
+    return state_->panes[size_t(PaneId::picture)].copies + state_->surface.presents;
 }
 
 void HeadlessPlatform::stop_on_signals() {

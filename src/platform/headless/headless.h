@@ -27,7 +27,7 @@ struct HeadlessOptions {
     std::string program_directory;
     Size screen{1280, 1024};
     std::string settings_path;  ///< empty: settings are kept in memory only
-    bool keep_pictures = false; ///< what is drawn into the client area can be read back
+    bool keep_pictures = false; ///< what is drawn into a pane can be read back
 };
 
 class HeadlessPlatform final : public Platform {
@@ -39,11 +39,11 @@ public:
     HeadlessClipboard& clipboard() override;
     Clock& clock() override;
     HeadlessDialogs& dialogs() override;
-    HeadlessDrawing& drawing() override;
     Events& events() override;
     HeadlessForms& forms() override;
     HeadlessJoysticks& joysticks() override;
     HeadlessKeyboard& keyboard() override;
+    HeadlessPane& pane(PaneId id) override;
     Paths& paths() override;
     Settings& settings() override;
     HeadlessStatusBar& status_bar() override;

@@ -111,7 +111,12 @@ std::string HeadlessWindow::item_text(int id) const {
     return item ? item->text : std::string();
 }
 
-void HeadlessDrawing::copy_bitmap(const BitmapView& picture, int x, int y) {
+Size HeadlessPane::size() {
+    const Size client = window_.client_size();
+    return {client.width, std::max(client.height - status_bar_.height(), 0)};
+}
+
+void HeadlessPane::copy_bitmap(const BitmapView& picture, int x, int y) {
     ++copies;
     last_copy = {{picture.width, picture.height}, picture.bits, x, y};
     forget({x, y, x + picture.width, y + picture.height});
@@ -124,7 +129,7 @@ void HeadlessDrawing::copy_bitmap(const BitmapView& picture, int x, int y) {
     }
 }
 
-void HeadlessDrawing::fill_rectangle(const Rectangle& area, Colour colour) {
+void HeadlessPane::fill_rectangle(const Rectangle& area, Colour colour) {
     ++fills;
     last_fill = {area, colour};
     forget(area);
@@ -136,7 +141,7 @@ void HeadlessDrawing::fill_rectangle(const Rectangle& area, Colour colour) {
 }
 
 /// Forgets the texts and lines that begin in the area, since it is drawn over.
-void HeadlessDrawing::forget(const Rectangle& area) {
+void HeadlessPane::forget(const Rectangle& area) {
     const auto inside = [&area](int x, int y) {
         return x >= area.left && x < area.right && y >= area.top && y < area.bottom;
     };
@@ -145,18 +150,18 @@ void HeadlessDrawing::forget(const Rectangle& area) {
                   [&](const HeadlessFill& line) { return inside(line.area.left, line.area.top); });
 }
 
-Colour HeadlessDrawing::pixel(int x, int y) const {
+Colour HeadlessPane::pixel(int x, int y) const {
     if (x < 0 || y < 0 || x >= size_.width || y >= size_.height) return 0;
     return pixels_[size_t(y) * size_.width + x];
 }
 
-void HeadlessDrawing::set_pixel(int x, int y, Colour colour) {
+void HeadlessPane::set_pixel(int x, int y, Colour colour) {
     if (x < 0 || y < 0 || x >= size_.width || y >= size_.height) return;
     pixels_[size_t(y) * size_.width + x] = colour;
 }
 
 /// Follows the size of the client area; one of a new size starts black.
-void HeadlessDrawing::fit_to_window() {
+void HeadlessPane::fit_to_window() {
     const Size client = window_.client_size();
     if (client == size_) return;
     size_ = client;

@@ -2,7 +2,7 @@
 /// What would be seen: the main window, what is drawn into it, its status bar, and the whole
 /// screen. Nothing here sends messages of its own; its driver does.
 
-#include "platform/drawing.h"
+#include "platform/pane.h"
 #include "platform/status_bar.h"
 #include "platform/surface.h"
 #include "platform/window.h"
@@ -89,10 +89,12 @@ struct HeadlessText {
     Colour colour = 0, background = 0;
 };
 
-struct HeadlessDrawing final : public Drawing {
-    HeadlessDrawing(HeadlessWindow& window, bool keep_pictures)
-        : window_(window), keep_pictures_(keep_pictures) {}
+struct HeadlessPane final : public Pane {
+    HeadlessPane(HeadlessWindow& window, StatusBar& status_bar, bool keep_pictures)
+        : window_(window), status_bar_(status_bar), keep_pictures_(keep_pictures) {}
 
+    Size size() override;
+    void show(bool on) override { shown = on; }
     void copy_bitmap(const BitmapView& picture, int x, int y) override;
     void fill_rectangle(const Rectangle& area, Colour colour) override;
     Size cell_size() override { return HEADLESS_CELL; }
@@ -103,9 +105,10 @@ struct HeadlessDrawing final : public Drawing {
         lines.push_back({{x, y, x + length, y + 1}, colour});
     }
 
-    /// What the client area shows, where pictures are kept; black where nothing was drawn.
+    /// What the pane holds, where pictures are kept; black where nothing was drawn.
     Colour pixel(int x, int y) const;
 
+    bool shown = false;
     int copies = 0, fills = 0;
     HeadlessCopy last_copy;
     HeadlessFill last_fill;
@@ -118,6 +121,7 @@ private:
     void fit_to_window();
 
     HeadlessWindow& window_;
+    StatusBar& status_bar_;
     bool keep_pictures_;
     Size size_;
     std::vector<Colour> pixels_;

@@ -1,30 +1,28 @@
 #pragma once
 #include "platform/geometry.h"
 #include "platform/qt/qt_events.h"
+#include "platform/qt/qt_pane.h"
 #include "platform/window.h"
 
-#include <QImage>
-#include <QRawFont>
 #include <QWidget>
 
+#include <array>
 #include <functional>
 #include <string>
 #include <utility>
 
-/// The client area. Shows either what was drawn into it, kept in a picture of one pixel per logical
-/// pixel, or another picture stretched over it: whatever was asked for last.
+/// The client area. Shows the foremost pane.
 class QtCanvas final : public QWidget {
 public:
     explicit QtCanvas(QtEvents& events);
 
-    void copy_bitmap(const BitmapView& picture, int x, int y);
-    void fill(const Rectangle& area, Colour colour);
-    Size cell_size() const { return cell_; }
-    /// ASCII text on the grid of cells that begins at (x, y).
-    void write(int x, int y, const std::string& text, Colour colour, Colour background);
-    /// Shows `picture` in `target`, black around it. It must stay until the next drawing.
-    void stretch(const QImage& picture, const QRect& target);
-    void end_stretch();
+    QtPane& pane(PaneId id) { return panes_[size_t(id)]; }
+    PaneId front_id() const;
+    QtPane& front() { return pane(front_id()); }
+    const CellFont& font() const { return font_; }
+    /// The panes' size.
+    Size room() const { return room_(); }
+    void set_room(std::function<Size()> room) { room_ = std::move(room); }
 
     /// The text behind the picture, for screen readers.
     struct Readable {
@@ -39,16 +37,12 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
-    void drawn(const QRect& area);
-    void paint_stretched(const QRect& dirty);
     void tell_readers();
 
     QtEvents& events_;
-    QImage drawing_;
-    QRawFont font_; ///< of fixed pitch
-    Size cell_;
-    const QImage* stretched_ = nullptr;
-    QRect target_;
+    CellFont font_;
+    std::array<QtPane, PANES> panes_{QtPane(*this), QtPane(*this)};
+    std::function<Size()> room_;
     std::function<ReadableText()> readable_; ///< null: there is none
     Readable told_;                          ///< to screen readers
 };

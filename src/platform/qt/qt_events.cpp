@@ -84,4 +84,12 @@ void QtEvents::draw_status() {
     if (sink_) sink_->draw_status();
 }
 
+void QtEvents::paint(PaneId pane) {
+    if (sink_) sink_->paint(pane);
+}
+
+void QtEvents::session_ends() {
+    if (sink_) sink_->session_ends();
+}
+
 void QtEvents::set_pump_hook(std::function<void()> hook) { pump_hook_ = std::move(hook); }

@@ -24,6 +24,8 @@ public:
     /// Reports a menu's opening or closing, when that is a change.
     void set_menu_open(bool open);
     void draw_status();
+    void paint(PaneId pane);
+    void session_ends();
     /// Called before Qt is asked.
     void set_pump_hook(std::function<void()> hook);
 

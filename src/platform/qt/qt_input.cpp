@@ -1,6 +1,7 @@
 #include "platform/qt/qt_input.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace {
 
@@ -14,10 +15,35 @@ uint8_t modifiers_of(const QKeyEvent& event) {
     return modifiers;
 }
 
-/// Stepping and scrolling go on while the key is held; anything else happens once.
-bool repeats(uint8_t key, uint8_t modifiers) {
-    if (modifiers) return false;
-    return (key >= KEY_PAGE_UP && key <= KEY_DOWN) || key == KEY_RETURN;
+uint8_t button_of(Qt::MouseButton button) {
+    switch (button) {
+    case Qt::LeftButton: return BUTTON_LEFT;
+    case Qt::RightButton: return BUTTON_RIGHT;
+    case Qt::MiddleButton: return BUTTON_MIDDLE;
+    default: return 0;
+    }
+}
+
+uint8_t buttons_of(Qt::MouseButtons held) {
+    uint8_t buttons = 0;
+    for (const auto button : {Qt::LeftButton, Qt::RightButton, Qt::MiddleButton}) {
+        if (held & button) buttons |= button_of(button);
+    }
+    return buttons;
+}
+
+Event pointer_event(Pointer::Act act, const QtCanvas& canvas, const QSinglePointEvent& event) {
+    const QPoint place = event.position().toPoint();
+    Event message;
+    message.kind = Event::Kind::pointer;
+    message.pointer = {.act = act,
+                       .pane = canvas.front_id(),
+                       .x = place.x(),
+                       .y = place.y(),
+                       .button = button_of(event.button()),
+                       .buttons = buttons_of(event.buttons()),
+                       .touch = event.deviceType() == QInputDevice::DeviceType::TouchScreen};
+    return message;
 }
 
 bool is_of_menu(Qt::FocusReason reason) {
@@ -40,7 +66,12 @@ bool QtInput::is_claimed(const QKeyEvent& event) const {
     });
 }
 
-bool QtInput::eventFilter(QObject*, QEvent* event) {
+bool QtInput::eventFilter(QObject* watched, QEvent* event) {
+    const auto& canvas = *static_cast<QtCanvas*>(watched);
+    const auto pointer = [&](Pointer::Act act) {
+        events_.post(pointer_event(act, canvas, *static_cast<QMouseEvent*>(event)));
+        return false;
+    };
     switch (event->type()) {
     case QEvent::ShortcutOverride:
         if (!is_claimed(*static_cast<QKeyEvent*>(event))) return false;
@@ -50,54 +81,67 @@ bool QtInput::eventFilter(QObject*, QEvent* event) {
     case QEvent::KeyRelease: key_released(*static_cast<QKeyEvent*>(event)); return true;
     case QEvent::FocusIn:
     case QEvent::FocusOut: focus_changed(*static_cast<QFocusEvent*>(event)); return false;
-    case QEvent::Wheel:
-        wheel_turned(static_cast<QWheelEvent*>(event)->angleDelta().y());
-        return true;
-    case QEvent::MouseButtonDblClick:
-        if (static_cast<QMouseEvent*>(event)->button() != Qt::LeftButton) return false;
-        events_.post(Event::Kind::double_click);
-        return true;
+    case QEvent::MouseButtonPress: return pointer(Pointer::Act::press);
+    case QEvent::MouseMove: return pointer(Pointer::Act::move);
+    case QEvent::MouseButtonRelease: return pointer(Pointer::Act::release);
+    case QEvent::MouseButtonDblClick: return pointer(Pointer::Act::double_click);
+    case QEvent::Wheel: wheel_turned(canvas, *static_cast<QWheelEvent*>(event)); return true;
     default: return false;
     }
 }
 
-bool QtInput::is_held(const QKeyEvent& event) const {
-    return std::ranges::find(held_, event.nativeScanCode()) != held_.end();
+void QtInput::send_key(Event::Kind kind, uint8_t key, uint8_t modifiers, bool repeat) {
+    if (key == KEY_NONE) return;
+    Event message;
+    message.kind = kind;
+    message.value = key;
+    message.modifiers = modifiers;
+    message.repeat = repeat;
+    events_.post(message);
 }
 
 void QtInput::key_pressed(QKeyEvent& event) {
+    const uint8_t key = keyboard_.virtual_key(event);
+    const quint32 scan = event.nativeScanCode();
     // An X server may send the repeats of a held key as presses without releases.
-    const bool repeat = event.isAutoRepeat() || is_held(event);
-    if (!repeat && event.nativeScanCode()) held_.push_back(event.nativeScanCode());
+    const bool repeat = event.isAutoRepeat() || held_.contains(scan);
+    if (!repeat && scan) held_[scan] = key;
     // A command's key is not the machine's, not even when its Alt goes up first.
-    if (!repeat && !is_claimed(event)) keyboard_.key_event(event, true);
+    const bool claimed = is_claimed(event);
+    if (!repeat && !claimed) keyboard_.key_event(event, true);
+    send_key(Event::Kind::key_down, key, modifiers_of(event), repeat);
+    if (claimed || event.text().isEmpty() || !event.text().front().isPrint()) return;
     Event message;
-    message.kind = Event::Kind::key_down;
-    message.value = keyboard_.virtual_key(event);
-    message.modifiers = modifiers_of(event);
-    if (message.value == KEY_NONE) return;
-    if (repeat && !repeats(uint8_t(message.value), message.modifiers)) return;
+    message.kind = Event::Kind::text;
+    message.text = event.text().toStdString();
     events_.post(message);
 }
 
 void QtInput::key_released(QKeyEvent& event) {
     if (event.isAutoRepeat()) return;
-    std::erase(held_, event.nativeScanCode());
+    const auto held = held_.extract(event.nativeScanCode());
     keyboard_.key_event(event, false);
+    send_key(Event::Kind::key_up, held ? held.mapped() : keyboard_.virtual_key(event),
+             modifiers_of(event), false);
 }
 
 void QtInput::focus_changed(const QFocusEvent& event) {
     if (event.lostFocus()) {
         keyboard_.release_all();
-        held_.clear();
+        for (const auto& [scan, key] : std::exchange(held_, {})) {
+            send_key(Event::Kind::key_up, key, 0, false);
+        }
     } else if (!is_of_menu(event.reason())) {
         events_.post(Event::Kind::focus);
     }
 }
 
-void QtInput::wheel_turned(int angle) {
-    wheel_angle_ += angle;
+void QtInput::wheel_turned(const QtCanvas& canvas, const QWheelEvent& event) {
+    wheel_angle_ += event.angleDelta().y();
     const int notches = wheel_angle_ / NOTCH;
     wheel_angle_ -= notches * NOTCH;
-    if (notches) events_.post(Event::Kind::wheel, notches * NOTCH);
+    if (!notches) return;
+    Event message = pointer_event(Pointer::Act::wheel, canvas, event);
+    message.value = notches * NOTCH;
+    events_.post(message);
 }

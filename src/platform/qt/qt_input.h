@@ -1,11 +1,12 @@
 #pragma once
-#include "platform/qt/qt_events.h"
+#include "platform/qt/qt_canvas.h"
 #include "platform/qt/qt_keyboard.h"
 #include "platform/window.h"
 
 #include <QKeyEvent>
 #include <QObject>
 
+#include <map>
 #include <span>
 #include <vector>
 
@@ -21,15 +22,15 @@ public:
 
 private:
     bool is_claimed(const QKeyEvent& event) const;
-    bool is_held(const QKeyEvent& event) const;
+    void send_key(Event::Kind kind, uint8_t key, uint8_t modifiers, bool repeat);
     void key_pressed(QKeyEvent& event);
     void key_released(QKeyEvent& event);
     void focus_changed(const QFocusEvent& event);
-    void wheel_turned(int angle);
+    void wheel_turned(const QtCanvas& canvas, const QWheelEvent& event);
 
     QtEvents& events_;
     QtKeyboard& keyboard_;
     std::vector<KeyChord> claimed_;
-    std::vector<quint32> held_; ///< scan codes of the keys that are down
-    int wheel_angle_ = 0;       ///< less than a notch
+    std::map<quint32, uint8_t> held_; ///< by scan code: what the keys went down as
+    int wheel_angle_ = 0;             ///< less than a notch
 };

@@ -4,7 +4,6 @@
 #include "platform/qt/qt_clipboard.h"
 #include "platform/qt/qt_clock.h"
 #include "platform/qt/qt_dialogs.h"
-#include "platform/qt/qt_drawing.h"
 #include "platform/qt/qt_forms.h"
 #include "platform/qt/qt_paths.h"
 #include "platform/qt/qt_signals.h"
@@ -108,6 +107,12 @@ struct QtPlatform::Services {
                              if (active) active_.start();
                              events.post(Event::Kind::activate, active);
                          });
+        QObject::connect(&application, &QGuiApplication::commitDataRequest,
+                         [this] { events.session_ends(); });
+        window.canvas().set_room([this] {
+            const Size client = window.client_size();
+            return Size{client.width, std::max(client.height - status_bar.height(), 0)};
+        });
         events.set_pump_hook([this] {
             if (!keyboard.refresh()) return;
             events.post(Event::Kind::layout_changed,
@@ -121,7 +126,6 @@ struct QtPlatform::Services {
     QtKeyboard keyboard;
     QtInput input{events, keyboard};
     QtWindow window{events, input};
-    QtDrawing drawing{window.canvas()};
     QtSurface surface{window};
     QtStatusBar status_bar{window.canvas(), events};
     QtDialogs dialogs{window, signals_};
@@ -148,11 +152,11 @@ Audio& QtPlatform::audio() { return services_->audio; }
 Clipboard& QtPlatform::clipboard() { return services_->clipboard; }
 Clock& QtPlatform::clock() { return services_->clock; }
 Dialogs& QtPlatform::dialogs() { return services_->dialogs; }
-Drawing& QtPlatform::drawing() { return services_->drawing; }
 Events& QtPlatform::events() { return services_->events; }
 Forms& QtPlatform::forms() { return services_->forms; }
 Joysticks& QtPlatform::joysticks() { return services_->joysticks; }
 HostKeyboard& QtPlatform::keyboard() { return services_->keyboard; }
+Pane& QtPlatform::pane(PaneId id) { return services_->window.canvas().pane(id); }
 Paths& QtPlatform::paths() { return services_->paths; }
 Settings& QtPlatform::settings() { return services_->settings; }
 StatusBar& QtPlatform::status_bar() { return services_->status_bar; }

@@ -16,11 +16,11 @@ public:
     Clipboard& clipboard() override;
     Clock& clock() override;
     Dialogs& dialogs() override;
-    Drawing& drawing() override;
     Events& events() override;
     Forms& forms() override;
     Joysticks& joysticks() override;
     HostKeyboard& keyboard() override;
+    Pane& pane(PaneId id) override;
     Paths& paths() override;
     Settings& settings() override;
     StatusBar& status_bar() override;

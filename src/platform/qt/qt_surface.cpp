@@ -11,7 +11,7 @@ std::string QtSurface::create(Size size) {
 bool QtSurface::exists() { return !picture_.isNull(); }
 
 void QtSurface::release() {
-    window_.canvas().end_stretch();
+    window_.canvas().pane(PaneId::picture).end_stretch();
     picture_ = QImage();
 }
 
@@ -22,6 +22,6 @@ void QtSurface::present(const BitmapView& picture, const Rectangle& target, bool
     const QRect area(target.left - client.left, target.top - client.top, target.width(),
                      target.height());
     QtCanvas& canvas = window_.canvas();
-    canvas.stretch(picture_, area);
+    canvas.pane(PaneId::picture).stretch(picture_, area);
     if (clear) canvas.update();
 }

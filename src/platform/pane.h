@@ -1,11 +1,23 @@
 #pragma once
 #include "platform/geometry.h"
 
+#include <cstddef>
+#include <cstdint>
 #include <string>
 
-/// Drawing into the client area of the main window. What is drawn stays until it is drawn over.
-struct Drawing {
-    virtual ~Drawing() = default;
+/// The areas that the program draws, from back to front. The picture is always there.
+enum class PaneId : uint8_t { picture, monitor };
+constexpr size_t PANES = 2;
+
+/// A drawable area of the main window. What is drawn stays until it is drawn over or the area gets
+/// another size: the host keeps it, whether the pane is shown or not, and paints it again by
+/// itself. Where a pane lies is the host's layout: the picture and the monitor have the same area,
+/// the client area above the status bar.
+struct Pane {
+    virtual ~Pane() = default;
+    virtual Size size() = 0;
+    /// A pane that is shown covers those behind it.
+    virtual void show(bool on) = 0;
     /// Copies the picture 1:1, its top left corner at (x, y).
     virtual void copy_bitmap(const BitmapView& picture, int x, int y) = 0;
     virtual void fill_rectangle(const Rectangle& area, Colour colour) = 0;

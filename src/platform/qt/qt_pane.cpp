@@ -1,0 +1,136 @@
+#include "platform/qt/qt_pane.h"
+
+#include "platform/qt/qt_canvas.h"
+#include "platform/qt/qt_pixels.h"
+
+#include <QFontDatabase>
+#include <QFontMetrics>
+#include <QGlyphRun>
+#include <QPainter>
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace {
+
+bool is_whole(double factor) { return std::abs(factor - std::round(factor)) < 1e-6; }
+
+/// Pixels that become equal blocks of device pixels stay sharp; all others are interpolated.
+bool keeps_pixels_equal(QSize picture, QSize target, double device_pixels) {
+    return is_whole(target.width() * device_pixels / picture.width()) &&
+           is_whole(target.height() * device_pixels / picture.height());
+}
+
+constexpr int TAB_COLUMNS = 8;
+constexpr int FIRST_PRINTABLE = ' ';
+constexpr int LAST_PRINTABLE = '~';
+
+/// The widest of the characters that are written; the font's own maximum may be that of a rare one.
+int widest_character(const QFontMetrics& metrics) {
+    int widest = 1;
+    for (int c = FIRST_PRINTABLE; c <= LAST_PRINTABLE; ++c) {
+        widest = std::max(widest, metrics.horizontalAdvance(QChar(c)));
+    }
+    return widest;
+}
+
+} // namespace
+
+CellFont::CellFont() {
+    const QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    const QFontMetrics metrics(fixed);
+    font = QRawFont::fromFont(fixed);
+    cell = {widest_character(metrics), std::max(metrics.height(), 1)};
+}
+
+Size QtPane::size() { return canvas_.room(); }
+
+void QtPane::show(bool on) {
+    if (std::exchange(shown_, on) != on) canvas_.update();
+}
+
+Size QtPane::cell_size() { return canvas_.font().cell; }
+
+void QtPane::copy_bitmap(const BitmapView& picture, int x, int y) {
+    copy_bitmap_to(drawing(), picture, x, y);
+    drawn({x, y, picture.width, picture.height});
+}
+
+void QtPane::fill_rectangle(const Rectangle& area, Colour colour) {
+    fill_area(drawing(), area, colour);
+    drawn({area.left, area.top, area.width(), area.height()});
+}
+
+void QtPane::line(int x, int y, int length, Colour colour) {
+    fill_rectangle({x, y, x + length, y + 1}, colour);
+}
+
+void QtPane::text(int x, int y, const std::string& text, Colour colour, Colour background) {
+    const auto& [font, cell] = canvas_.font();
+    const double baseline = std::round(y + font.ascent());
+    QString characters;
+    QList<QPointF> places;
+    int column = 0;
+    for (const char c : text) {
+        if (c == '\t') {
+            column += TAB_COLUMNS - column % TAB_COLUMNS;
+            continue;
+        }
+        characters += QLatin1Char(c);
+        places += QPointF(x + column++ * cell.width, baseline);
+    }
+    const Rectangle area{x, y, x + column * cell.width, y + cell.height};
+    fill_area(drawing(), area, background);
+    QGlyphRun run;
+    run.setRawFont(font);
+    run.setGlyphIndexes(font.glyphIndexesForString(characters));
+    run.setPositions(places);
+    QPainter painter(&drawing());
+    painter.setPen(QColor::fromRgb(colour));
+    painter.drawGlyphRun(QPointF(), run);
+    painter.end();
+    drawn({x, y, area.width(), area.height()});
+}
+
+/// A canvas of another size starts black.
+QImage& QtPane::drawing() {
+    if (drawing_.size() != canvas_.size()) drawing_ = plain_picture(canvas_.size(), Qt::black);
+    return drawing_;
+}
+
+void QtPane::drawn(const QRect& area) {
+    const bool all_changes = std::exchange(stretched_, nullptr);
+    if (&canvas_.front() != this) return;
+    // One step of interpolation reaches into the neighbouring pixels.
+    canvas_.update(all_changes ? canvas_.rect() : area.adjusted(-1, -1, 1, 1));
+}
+
+void QtPane::stretch(const QImage& picture, const QRect& target) {
+    const bool same_place = stretched_ && target_ == target;
+    stretched_ = &picture;
+    target_ = target;
+    if (&canvas_.front() == this) canvas_.update(same_place ? target : canvas_.rect());
+}
+
+void QtPane::end_stretch() {
+    if (std::exchange(stretched_, nullptr)) canvas_.update();
+}
+
+void QtPane::paint(const QRect& dirty) {
+    if (stretched_) return paint_stretched(dirty);
+    QPainter painter(&canvas_);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, !is_whole(canvas_.devicePixelRatioF()));
+    painter.drawImage(0, 0, drawing());
+}
+
+void QtPane::paint_stretched(const QRect& dirty) {
+    QPainter painter(&canvas_);
+    for (const QRect& border : QRegion(dirty).subtracted(target_)) {
+        painter.fillRect(border, Qt::black);
+    }
+    painter.setRenderHint(
+        QPainter::SmoothPixmapTransform,
+        !keeps_pixels_equal(stretched_->size(), target_.size(), canvas_.devicePixelRatioF()));
+    painter.drawImage(target_, *stretched_);
+}

@@ -1,0 +1,48 @@
+#pragma once
+#include "platform/pane.h"
+
+#include <QImage>
+#include <QRawFont>
+#include <QRect>
+
+class QtCanvas;
+
+/// The host's font of fixed pitch.
+struct CellFont {
+    CellFont();
+    QRawFont font;
+    Size cell;
+};
+
+/// Shows either what was drawn into it, kept in a picture of one pixel per logical pixel, or
+/// another picture stretched over it: whatever was asked for last.
+class QtPane final : public Pane {
+public:
+    explicit QtPane(QtCanvas& canvas) : canvas_(canvas) {}
+
+    Size size() override;
+    void show(bool on) override;
+    void copy_bitmap(const BitmapView& picture, int x, int y) override;
+    void fill_rectangle(const Rectangle& area, Colour colour) override;
+    Size cell_size() override;
+    void text(int x, int y, const std::string& text, Colour colour, Colour background) override;
+    void line(int x, int y, int length, Colour colour) override;
+
+    bool is_shown() const { return shown_; }
+    /// Shows `picture` in `target`, black around it. It must stay until the next drawing.
+    void stretch(const QImage& picture, const QRect& target);
+    void end_stretch();
+    /// Onto the canvas.
+    void paint(const QRect& dirty);
+
+private:
+    QImage& drawing();
+    void drawn(const QRect& area);
+    void paint_stretched(const QRect& dirty);
+
+    QtCanvas& canvas_;
+    bool shown_ = false;
+    QImage drawing_; ///< of the canvas's size, or of one that it had
+    const QImage* stretched_ = nullptr;
+    QRect target_;
+};
