@@ -23,8 +23,9 @@ struct HostKeyboard {
     virtual std::optional<KeyForCharacter> key_for(char character) = 0;
     /// Takes every key for released.
     virtual void release_all() = 0;
-    /// A key that was pressed and let go between two frames counts as down until this call, so that
-    /// the machine, which looks at the keys while it runs, has seen it.
+    /// A frame has been run. A press lasts two of them at least: a key that is let go earlier
+    /// counts as down until the second of these calls, so that the machine, which looks at the keys
+    /// while it runs, has seen it.
     virtual void release_tapped() = 0;
 };
 

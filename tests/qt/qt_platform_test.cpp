@@ -207,8 +207,10 @@ TEST_F(QtPlatformTest, TapIsDownUntilTheProgramHasRun) {
         QApplication::postEvent(&client(), new QKeyEvent(type, Qt::Key_A, NO_MODIFIERS));
     }
     EXPECT_EQ(drain(Event::Kind::key_up).size(), 1u);
-    EXPECT_TRUE(host->keyboard().is_down('A'));
-    host->keyboard().release_tapped();
+    for (int look = 0; look < 2; ++look) {
+        EXPECT_TRUE(host->keyboard().is_down('A'));
+        host->keyboard().release_tapped();
+    }
     EXPECT_FALSE(host->keyboard().is_down('A'));
 
     send_key(QEvent::KeyPress, Qt::Key_B);

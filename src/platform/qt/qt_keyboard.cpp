@@ -83,8 +83,8 @@ std::optional<KeyForCharacter> QtKeyboard::key_for(char character) {
 void QtKeyboard::release_all() { pressed_.clear(); }
 
 void QtKeyboard::release_tapped() {
-    std::erase_if(pressed_, [](const Pressed& pressed) { return pressed.tapped; });
-    for (Pressed& pressed : pressed_) pressed.fresh = false;
+    for (Pressed& pressed : pressed_) pressed.frames -= pressed.frames > 0;
+    std::erase_if(pressed_, [](const Pressed& key) { return key.tapped && key.frames == 0; });
 }
 
 bool QtKeyboard::refresh() {
@@ -145,7 +145,7 @@ void QtKeyboard::release(const QKeyEvent& event) {
                              [=](const Pressed& pressed) { return pressed.key == key; });
     }
     if (found == pressed_.end()) return;
-    if (found->fresh) {
+    if (found->frames > 0) {
         found->tapped = true;
     } else {
         pressed_.erase(found);

@@ -33,11 +33,14 @@ public:
     bool refresh();
 
 private:
+    /// Frames. A firmware may take a key only when it finds it down at a second look.
+    static constexpr int SHORTEST_PRESS = 2;
+
     struct Pressed {
-        uint64_t source;     ///< see key_source
-        uint8_t key;         ///< the HostKey that it was when it went down
-        bool fresh = true;   ///< the machine has not looked since it was pressed
-        bool tapped = false; ///< let go before the machine has looked
+        uint64_t source;             ///< see key_source
+        uint8_t key;                 ///< the HostKey that it was when it went down
+        int frames = SHORTEST_PRESS; ///< that the machine is still to see it pressed
+        bool tapped = false;         ///< let go before that
     };
 
     bool is_held(const QKeyEvent& event) const;
