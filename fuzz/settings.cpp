@@ -17,15 +17,17 @@ namespace {
 
 constexpr const char* NAME = "settings.toml";
 
-/// Of all settings.
-std::vector<const char*> setting_names() {
-    std::vector<const char*> names;
-    for (const CommandRow& row : command_table()) {
-        if (row.setting.name) names.push_back(row.setting.name);
-    }
+/// Of all settings. Made at the first use: the table may not be there before main.
+const std::vector<const char*>& setting_names() {
+    static const std::vector<const char*> names = [] {
+        std::vector<const char*> found;
+        for (const CommandRow& row : command_table()) {
+            if (row.setting.name) found.push_back(row.setting.name);
+        }
+        return found;
+    }();
     return names;
 }
-const std::vector<const char*> NAMES = setting_names();
 
 /// What earlier runs have left.
 void remove_files() {
@@ -39,7 +41,7 @@ void remove_files() {
 void change(SettingsFile& store, std::span<const uint8_t> bytes) {
     Input input(bytes.data(), bytes.size());
     const uint32_t number = input.dword();
-    const char* const name = NAMES[input.byte() % NAMES.size()];
+    const char* const name = setting_names()[input.byte() % setting_names().size()];
     const std::string text = input.text(64);
     if (store.set_number(name, number)) require(store.number(name) == number, "a number is kept");
     if (store.set_text(name, text)) require(store.text(name) == text, "a text is kept");
@@ -49,7 +51,7 @@ void change(SettingsFile& store, std::span<const uint8_t> bytes) {
 void start_with(SettingsFile& store) {
     constexpr int32_t LONGEST_FRAME = 500'000; ///< cycles; a fast processor takes its time
     FuzzShell shell;
-    for (const char* name : NAMES) {
+    for (const char* name : setting_names()) {
         if (const auto value = store.number(name)) shell.host.settings().set_number(name, *value);
         if (const auto value = store.text(name)) shell.host.settings().set_text(name, *value);
     }

@@ -67,9 +67,10 @@ bool QtInput::is_claimed(const QKeyEvent& event) const {
 }
 
 bool QtInput::eventFilter(QObject* watched, QEvent* event) {
-    const auto& canvas = *static_cast<QtCanvas*>(watched);
+    // Only for events that a user makes: others still come when it is no canvas any more.
+    const auto canvas = [&]() -> const QtCanvas& { return *static_cast<QtCanvas*>(watched); };
     const auto pointer = [&](Pointer::Act act) {
-        events_.post(pointer_event(act, canvas, *static_cast<QMouseEvent*>(event)));
+        events_.post(pointer_event(act, canvas(), *static_cast<QMouseEvent*>(event)));
         return false;
     };
     switch (event->type()) {
@@ -85,7 +86,7 @@ bool QtInput::eventFilter(QObject* watched, QEvent* event) {
     case QEvent::MouseMove: return pointer(Pointer::Act::move);
     case QEvent::MouseButtonRelease: return pointer(Pointer::Act::release);
     case QEvent::MouseButtonDblClick: return pointer(Pointer::Act::double_click);
-    case QEvent::Wheel: wheel_turned(canvas, *static_cast<QWheelEvent*>(event)); return true;
+    case QEvent::Wheel: wheel_turned(canvas(), *static_cast<QWheelEvent*>(event)); return true;
     default: return false;
     }
 }
