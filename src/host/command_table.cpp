@@ -23,7 +23,6 @@
 #include "media/printer.h"
 #include "media/tape.h"
 #include "media/tape_audio.h"
-#include "media/traps.h"
 #include "sound/output/sound_output.h"
 #include "sound/ym2149.h"
 #include "z80/z80.h"

@@ -1,7 +1,6 @@
 #include "host/commands.h"
 
 #include "cgenie/hires_lowe.h"
-#include "cgenie/keyboard.h"
 #include "cgenie/memory/memory.h"
 #include "core/machine.h"
 #include "core/machine_events.h"
@@ -30,14 +29,12 @@
 #include "media/files/typed_text.h"
 #include "media/printer.h"
 #include "media/tape_audio.h"
-#include "media/traps.h"
 #include "media/wd1771.h"
 #include "monitor/monitor.h"
 #include "platform/platform.h"
 #include "sound/output/sound_output.h"
 #include "sound/output/sound_ring.h"
 #include "sound/output/wav_capture.h"
-#include "sound/ym2149.h"
 #include "wall/machine_host.h"
 #include "z80/z80.h"
 

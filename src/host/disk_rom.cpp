@@ -1,7 +1,6 @@
 #include "host/disk_rom.h"
 
 #include "cgenie/memory/memory.h"
-#include "core/machine.h"
 #include "core/machine_events.h"
 #include "host/dialogs/ask.h"
 #include "host/disks.h"

@@ -3,9 +3,9 @@
 #include "cgenie/joystick.h"
 #include "cgenie/keyboard.h"
 #include "cgenie/memory/memory.h"
-#include "cgenie/typing/typing.h"
 #include "cgenie/video.h"
 #include "core/machine.h"
+#include "core/machine_events.h"
 #include "core/pacing/pacing.h"
 #include "files/unfinished_writes.h"
 #include "host/autostart.h"
@@ -139,7 +139,7 @@ void emu_close(std::function<void()> done) {
     sound_close();
     main_disk_end([done = std::move(done)] {
         tape_detach_cas();
-        keyboard_type_reset();
+        machine_apply(event_kind::stop_typing);
         dib_destroy(canvas);
         prefs_done();
         if (done) done();

@@ -1,6 +1,5 @@
 #include "host/turn.h"
 
-#include "cgenie/keyboard.h"
 #include "core/machine_events.h"
 #include "core/pacing/pacing.h"
 #include "host/autostart.h"
