@@ -48,5 +48,6 @@ void connect_machine() {
         .save_screenshot = host_save_screenshot,
         .capture_frame = host_capture_frame,
         .answer_question = ask_save_question,
+        .frame_ran = [] {},
     };
 }

@@ -161,6 +161,7 @@ TEST_F(FrameDriver, UnpacedFramesAreShownWhereThereIsACanvas) {
     fake_host.canvas = false;
     do_some_frames(2);
     EXPECT_EQ(fake_host.screen_updates, 3);
+    EXPECT_EQ(fake_host.frames_told, 5);
     EXPECT_EQ(z80_state.t_count, next_multiple(5 * 44335, LOOP));
     EXPECT_EQ(host->slept_ms(), 0);
 }

@@ -44,6 +44,7 @@ const bool connected = [] {
         .save_screenshot = [] { ++fake_host.screenshots; },
         .capture_frame = [] { ++fake_host.captured_frames; },
         .answer_question = [] { return false; },
+        .frame_ran = [] { ++fake_host.frames_told; },
     };
     return true;
 }();

@@ -23,6 +23,7 @@ pacing_calls pacing_host = {
     .save_screenshot = [] {},
     .capture_frame = [] {},
     .answer_question = [] { return false; },
+    .frame_ran = [] {},
 };
 
 namespace {
@@ -67,6 +68,7 @@ void update_screen_when_due() {
 int run_with_answers(int (*run)()) {
     int end = run();
     while (end == MACHINE_WAITS && pacing_host.answer_question()) end = run();
+    if (end == MACHINE_FRAME) pacing_host.frame_ran();
     return end;
 }
 

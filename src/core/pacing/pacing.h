@@ -42,13 +42,15 @@ struct pacing_calls {
     void (*capture_frame)();         ///< hands the canvas to the running video capture
     /// The machine waits for the answer to a question: whether there is one now.
     bool (*answer_question)();
+    /// A frame of the live machine is complete, whether it was paced, single or ended by a step.
+    void (*frame_ran)();
 };
 /// Without a host nothing is shown, and there is no canvas.
 extern pacing_calls pacing_host;
 
 /// Calls `run`, which is machine_run or machine_step. When the machine waits for an answer, the
 /// question is put to the user and the run goes on with the answer; MACHINE_WAITS when there is
-/// none yet.
+/// none yet. Every frame of the live machine ends here, and is told to pacing_host.frame_ran.
 int run_with_answers(int (*run)());
 /// Serves the timed events that are due, after a frame that was not paced.
 void run_timed_events();
