@@ -6,6 +6,7 @@
 #include "cgenie/memory/memory.h"
 #include "cgenie/typing/typing.h"
 #include "core/frame_driver.h"
+#include "core/machine_mute.h"
 #include "media/cmd_loader.h"
 #include "media/printer.h"
 #include "media/snapshot.h"
@@ -20,6 +21,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 namespace {
 
@@ -163,30 +165,41 @@ save_answer note_save() {
 
 // ---- answers, as they came ---------------------------------------------------------------------
 
+/// The replay that runs at this moment.
 struct Replay {
     const machine_log* log = nullptr;
-    size_t next = 0;
-    std::string trouble;
+    machine_replay_position* position = nullptr;
+    machine_host_calls host = {}; ///< gets what the machine puts out
 } replay;
 
+bool has_parted() { return !replay.position->trouble.empty(); }
+
 void fail(const std::string& what) {
-    if (!replay.trouble.empty()) return;
+    if (has_parted()) return;
     const auto& events = replay.log->events;
-    replay.trouble = "event " + std::to_string(replay.next);
-    if (replay.next < events.size()) {
-        replay.trouble += " (kind " + std::to_string(int(events[replay.next].kind)) + ", cycle " +
-                          std::to_string(events[replay.next].cycle) + ")";
+    const size_t next = replay.position->next;
+    std::string& trouble = replay.position->trouble;
+    trouble = "event " + std::to_string(next);
+    if (next < events.size()) {
+        trouble += " (kind " + std::to_string(int(events[next].kind)) + ", cycle " +
+                   std::to_string(events[next].cycle) + ")";
     }
-    replay.trouble += ", at cycle " + std::to_string(z80_state.t_count) + ": " + what;
+    trouble += ", at cycle " + std::to_string(z80_state.t_count) + ": " + what;
+}
+
+void log_again(const machine_event& event) {
+    if (kept) append(event.kind, event.a, event.b, event.bytes);
 }
 
 /// The next event if it is of this kind and of the present cycle; else null.
 const machine_event* take(event_kind kind) {
     const auto& events = replay.log->events;
-    if (replay.next >= events.size()) return nullptr;
-    const machine_event& event = events[replay.next];
+    const size_t next = replay.position->next;
+    if (next >= events.size()) return nullptr;
+    const machine_event& event = events[next];
     if (event.kind != kind || event.cycle != z80_state.t_count) return nullptr;
-    ++replay.next;
+    ++replay.position->next;
+    log_again(event);
     return &event;
 }
 
@@ -199,7 +212,7 @@ int32_t answer_or(event_kind kind, int32_t otherwise) {
 int give_fragments(int) { return answer_or(event_kind::fragments, 1); }
 
 int give_written(output_stream stream, uint64_t position, const uint8_t* bytes, size_t count) {
-    asked.write(stream, position, bytes, count);
+    replay.host.write(stream, position, bytes, count);
     return answer_or(event_kind::written, 1);
 }
 
@@ -216,7 +229,7 @@ int give_rom(rom_file, uint8_t* to, size_t size) {
 void give_input(machine_input& input) {
     const machine_event* const event = take(event_kind::input);
     if (!event) return fail("keys that were not looked at then");
-    std::memcpy(&input, event->bytes.view().data(), sizeof input);
+    input = record_of<machine_input>(*event);
 }
 
 save_answer give_save() { return save_answer(answer_or(event_kind::save_reply, SAVE_REFUSED)); }
@@ -226,22 +239,46 @@ bool is_answer(event_kind kind) { return kind >= event_kind::fragments; }
 /// Runs the machine to the point at which event number `target` came, and applies it.
 void run_to(size_t target) {
     const machine_event& event = replay.log->events[target];
+    const size_t& next = replay.position->next;
     const auto is_there = [&] {
-        return z80_state.t_count >= event.cycle && z80_state.pc == event.pc &&
-               replay.next >= target;
+        return z80_state.t_count >= event.cycle && z80_state.pc == event.pc && next >= target;
     };
     if (event.kind == event_kind::frame_end) {
-        while (machine_run() == MACHINE_WAITS && replay.trouble.empty()) continue;
+        while (machine_run() == MACHINE_WAITS && !has_parted()) continue;
     } else {
-        while (!is_there() && z80_state.t_count <= event.cycle && replay.trouble.empty()) {
-            machine_step();
-        }
+        while (!is_there() && z80_state.t_count <= event.cycle && !has_parted()) machine_step();
     }
     if (z80_state.t_count != event.cycle) fail("the machine is at another cycle");
-    if (replay.next != target) fail("an answer that nobody has asked for");
-    if (!replay.trouble.empty()) return;
-    ++replay.next; // the answers to what it asks follow it in the log
+    if (next != target) fail("an answer that nobody has asked for");
+    if (has_parted()) return;
+    ++replay.position->next; // the answers to what it asks follow it in the log
+    if (event.kind == event_kind::frame_end) return;
+    log_again(event);
     perform(event);
+}
+
+void answer_from_log() {
+    machine_host.fragment_decision = give_fragments;
+    machine_host.write = give_written;
+    machine_host.read_rom = give_rom;
+    machine_host.read_input = give_input;
+    machine_host.save_question = give_save;
+    machine_host.breakpoint_reached = [] { return 0; }; // nobody is there to let it go on
+}
+
+machine_replay_end run_frame() {
+    const auto& events = replay.log->events;
+    while (replay.position->next < events.size() && !has_parted()) {
+        size_t target = replay.position->next;
+        while (target < events.size() && is_answer(events[target].kind)) ++target;
+        if (target == events.size()) {
+            fail("the log ends with an answer");
+            break;
+        }
+        run_to(target);
+        if (events[target].kind == event_kind::frame_end && !has_parted()) return REPLAY_FRAME;
+    }
+    return has_parted() ? REPLAY_PARTED : REPLAY_OVER;
 }
 
 } // namespace
@@ -253,7 +290,7 @@ int machine_apply(event_kind kind, int32_t a, int32_t b, shared_bytes bytes) {
 
 void machine_keep_log(machine_log* log) {
     if (kept) {
-        if (frame_state.begun) append(event_kind::moment);
+        machine_log_moment();
         machine_host = asked;
     }
     kept = log;
@@ -270,24 +307,38 @@ void machine_log_frame() {
     if (kept) append(event_kind::frame_end);
 }
 
+void machine_log_moment() {
+    if (kept && frame_state.begun) append(event_kind::moment);
+}
+
+machine_replay_end machine_replay_frame(const machine_log& log, machine_replay_position& position) {
+    const machine_host_calls outside = machine_host;
+    if (kept) machine_host = asked; // the answers are logged as they are given
+    replay = {&log, &position, machine_host};
+    answer_from_log();
+    const machine_replay_end end = run_frame();
+    machine_host = outside;
+    replay = {};
+    return end;
+}
+
 std::string machine_replay(const machine_log& log, size_t first) {
-    replay = {&log, first, {}};
-    asked = machine_host;
-    machine_host.fragment_decision = give_fragments;
-    machine_host.write = give_written;
-    machine_host.read_rom = give_rom;
-    machine_host.read_input = give_input;
-    machine_host.save_question = give_save;
-    machine_host.breakpoint_reached = [] { return 0; }; // nobody is there to let it go on
-    while (replay.next < log.events.size() && replay.trouble.empty()) {
-        size_t target = replay.next;
-        while (target < log.events.size() && is_answer(log.events[target].kind)) ++target;
-        if (target == log.events.size()) {
-            fail("the log ends with an answer");
-            break;
-        }
-        run_to(target);
-    }
-    machine_host = asked;
-    return replay.trouble;
+    machine_replay_position position = {first, {}};
+    while (machine_replay_frame(log, position) == REPLAY_FRAME) continue;
+    return position.trouble;
+}
+
+MachineMute::MachineMute()
+    : host_(std::make_unique<machine_host_calls>(machine_host)),
+      log_(std::exchange(kept, nullptr)) {
+    const machine_host_calls& answers = log_ ? asked : *host_;
+    machine_host = machine_without_host();
+    machine_host.read_tape = answers.read_tape;
+    machine_host.read_rom = answers.read_rom;
+    machine_host.read_input = answers.read_input;
+}
+
+MachineMute::~MachineMute() {
+    machine_host = *host_;
+    kept = log_;
 }

@@ -96,14 +96,31 @@ shared_bytes bytes_of(const Record& record) {
 }
 
 /// Appends every event from now on to `log`, which must outlive it; null ends the log, with a
-/// moment when a frame has begun. Only one log at a time.
+/// moment when a frame has begun. Only one log at a time; its owner may take events out of it
+/// between frames. What a replay does goes into it as well.
 void machine_keep_log(machine_log* log);
 /// For the frame driver: notes in the log that a frame has ended.
 void machine_log_frame();
+/// Notes in the log how far the machine has come in a frame that has begun, so that what is logged
+/// up to now can be replayed by itself.
+void machine_log_moment();
 
-/// Runs the live machine through the events from number `first` on, each at its cycle. The
-/// callbacks in `machine_host` get what the machine shows and puts out; what they would be asked is
-/// answered from the log. Only a WAV file that plays is read again, by read_tape. Returns an empty
-/// text when the end of the log was reached, else where the machine did something else than the log
-/// says.
+/// How far a log has been replayed.
+struct machine_replay_position {
+    size_t next = 0;     ///< number of the event that comes next
+    std::string trouble; ///< where the machine did something else than the log says
+};
+enum machine_replay_end : int {
+    REPLAY_FRAME, ///< a frame has ended
+    REPLAY_OVER,  ///< the log has ended
+    REPLAY_PARTED ///< the position has the trouble
+};
+/// Runs the live machine through the events from the position on, each at its cycle, up to and with
+/// the next end of a frame. The callbacks in `machine_host` get what the machine shows and puts
+/// out; what they would be asked is answered from the log. Only a WAV file that plays is read
+/// again, by read_tape. Between two calls the callbacks are as they were, and the machine can be
+/// parked.
+machine_replay_end machine_replay_frame(const machine_log& log, machine_replay_position& position);
+/// Runs through all events from number `first` on. Returns an empty text when the end of the log
+/// was reached, else the trouble.
 std::string machine_replay(const machine_log& log, size_t first = 0);

@@ -15,6 +15,7 @@
 #include "core/frame_driver.h"
 #include "core/machine.h"
 #include "core/machine_events.h"
+#include "core/machine_mute.h"
 #include "core/machine_state.h"
 #include "files/whole_file.h"
 #include "media/tape_audio.h"
@@ -267,7 +268,19 @@ void start_tape() {
     machine_apply(type_text, 0, 0, text(plays ? "\r\nCLOAD\r" : "\r\nCSAVE\"A\"\r"));
 }
 
+/// What nobody may notice: some frames more than the true ones, and back again.
+void look_ahead() {
+    machine_state now;
+    machine_save(now);
+    {
+        const MachineMute mute;
+        for (unsigned n = below(4); n > 0; --n) machine_run();
+    }
+    machine_load(now);
+}
+
 void run_frame() {
+    if (once_in(8)) look_ahead();
     const auto run = host.way == STEPPED ? machine_step : machine_run;
     for (int end = run(); end != MACHINE_FRAME; end = run()) {
         if (end != MACHINE_WAITS || !once_in(3)) continue;
