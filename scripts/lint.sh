@@ -25,6 +25,7 @@ platform
 media/files
 sound/output
 core/pacing
+time
 monitor
 host/recording
 host/settings
