@@ -8,6 +8,7 @@
 #include "core/machine_events.h"
 #include "core/pacing/pacing.h"
 #include "host/autostart.h"
+#include "host/command_table_time.h"
 #include "host/commands.h"
 #include "host/dialogs/dialogs.h"
 #include "host/disk_rom.h"
@@ -30,6 +31,8 @@
 #include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <iterator>
+#include <vector>
 
 namespace {
 
@@ -437,15 +440,24 @@ const CommandRow rows[] = {
 
 } // namespace
 
-std::span<const CommandRow> command_table() { return rows; }
+std::span<const CommandRow> command_table() {
+    static const std::vector<CommandRow> all = [] {
+        std::vector<CommandRow> table(std::begin(rows), std::end(rows));
+        const auto behind = time_command_rows();
+        table.insert(table.end(), behind.begin(), behind.end());
+        return table;
+    }();
+    return all;
+}
 
 const CommandRow* find_command(int id) {
-    const auto* found = std::ranges::find(rows, id, &CommandRow::id);
-    return id == 0 || found == std::end(rows) ? nullptr : found;
+    const auto found = std::ranges::find(command_table(), id, &CommandRow::id);
+    return id == 0 || found == command_table().end() ? nullptr : &*found;
 }
 
 const LineSwitch* find_switch(char letter) {
-    const auto* found = std::ranges::find_if(
-        rows, [letter](const CommandRow& row) { return row.line_switch.letter == letter; });
-    return letter == 0 || found == std::end(rows) ? nullptr : &found->line_switch;
+    const auto found = std::ranges::find_if(command_table(), [letter](const CommandRow& row) {
+        return row.line_switch.letter == letter;
+    });
+    return letter == 0 || found == command_table().end() ? nullptr : &found->line_switch;
 }

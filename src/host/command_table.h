@@ -81,7 +81,7 @@ struct CommandRow {
     LineSwitch line_switch = {};
 };
 
-/// Rows with a setting come first, in the order in which settings are written.
+/// The order of the rows is that in which settings are written.
 std::span<const CommandRow> command_table();
 /// Null for an id that has no row.
 const CommandRow* find_command(int id);

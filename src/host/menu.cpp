@@ -51,10 +51,16 @@ MenuEntry file_menu() {
                     media_snapshots_menu(), item(COMMAND_EXIT)});
 }
 
+MenuEntry time_menu() {
+    return submenu("&Time", {item(COMMAND_SAVE_SLOT), item(COMMAND_LOAD_SLOT),
+                             item(COMMAND_NEXT_SLOT), item(COMMAND_PREVIOUS_SLOT)});
+}
+
 MenuEntry machine_menu() {
-    return submenu("&Machine", {item(COMMAND_PAUSE), item(COMMAND_RESET), item(COMMAND_RESTART),
-                                SEPARATOR, item(COMMAND_COPY), item(COMMAND_PASTE), SEPARATOR,
-                                item(COMMAND_MONITOR), SEPARATOR, item(COMMAND_CONFIGURATION)});
+    return submenu("&Machine",
+                   {item(COMMAND_PAUSE), item(COMMAND_RESET), item(COMMAND_RESTART), SEPARATOR,
+                    item(COMMAND_COPY), item(COMMAND_PASTE), SEPARATOR, item(COMMAND_MONITOR),
+                    SEPARATOR, item(COMMAND_CONFIGURATION), SEPARATOR, time_menu()});
 }
 
 MenuEntry tape_menu() {

@@ -63,6 +63,12 @@ constexpr const char* MENU = R"(0 &File
   108 &Monitor|ESC
   0 
   141 &Configuration...|Alt+Q
+  0 
+  0 &Time
+    40201 &Save state|Alt+S
+    40202 &Load state|Alt+L
+    40203 &Next slot|Alt++
+    40204 &Previous slot|Alt+-
 0 &Tape
   123 &Attach CAS...|Alt+T
   124 Detach &CAS
@@ -124,7 +130,7 @@ std::string collisions(const std::vector<MenuEntry>& entries) {
 
 TEST_F(MenuTest, NewItemsHaveAccessKeysOfTheirOwn) {
     // In labels that stay as they are: media snapshots, File, Tape, Options.
-    EXPECT_EQ(collisions(main_menu()), "  -v m  c sd-  ");
+    EXPECT_EQ(collisions(main_menu()), "  -v m   c sd-  ");
 }
 
 TEST_F(MenuTest, AcceleratorsNeedTheirModifiersExactly) {
@@ -134,13 +140,29 @@ TEST_F(MenuTest, AcceleratorsNeedTheirModifiersExactly) {
         uint8_t modifiers;
         int command;
     } cases[] = {
-        {'0', ALT, 40018},   {'1', ALT, 40019},  {'2', ALT, 40020},
-        {'3', ALT, 40021},   {'C', ALT, 145},    {'I', ALT, 40054},
-        {'Q', ALT, 141},     {'T', ALT, 123},    {'U', ALT, 40120},
-        {'V', ALT, 40040},   {'W', ALT, 40034},  {KEY_F2, ALT, 40058},
-        {KEY_F1, ALT, 109},  {KEY_F3, ALT, 106}, {KEY_RETURN, ALT, 40007},
-        {KEY_PAUSE, 0, 104}, {KEY_F11, 0, 105},  {KEY_F11, MODIFIER_SHIFT, 109},
+        {'0', ALT, 40018},
+        {'1', ALT, 40019},
+        {'2', ALT, 40020},
+        {'3', ALT, 40021},
+        {'C', ALT, 145},
+        {'I', ALT, 40054},
+        {'Q', ALT, 141},
+        {'T', ALT, 123},
+        {'U', ALT, 40120},
+        {'V', ALT, 40040},
+        {'W', ALT, 40034},
+        {KEY_F2, ALT, 40058},
+        {KEY_F1, ALT, 109},
+        {KEY_F3, ALT, 106},
+        {KEY_RETURN, ALT, 40007},
+        {KEY_PAUSE, 0, 104},
+        {KEY_F11, 0, 105},
+        {KEY_F11, MODIFIER_SHIFT, 109},
         {KEY_F5, 0, 122},
+        {'S', ALT, 40201},
+        {'L', ALT, 40202},
+        {KEY_OEM_PLUS, ALT, 40203},
+        {KEY_OEM_MINUS, ALT, 40204},
     };
     create_menu();
     int wanted[256][8] = {};
