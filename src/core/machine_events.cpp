@@ -240,8 +240,13 @@ bool is_answer(event_kind kind) { return kind >= event_kind::fragments; }
 void run_to(size_t target) {
     const machine_event& event = replay.log->events[target];
     const size_t& next = replay.position->next;
+    // At the place of the event before, if that was not an answer in the middle of an instruction.
+    const machine_event* const before = target > 0 ? &replay.log->events[target - 1] : nullptr;
+    const bool is_here = before && !is_answer(before->kind) && before->cycle == event.cycle &&
+                         before->pc == event.pc && next == target;
     const auto is_there = [&] {
-        return z80_state.t_count >= event.cycle && z80_state.pc == event.pc && next >= target;
+        return z80_state.t_count >= event.cycle && next >= target &&
+               (is_here || z80_state.pc == event.pc);
     };
     if (event.kind == event_kind::frame_end) {
         while (machine_run() == MACHINE_WAITS && !has_parted()) continue;

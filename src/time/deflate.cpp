@@ -23,5 +23,6 @@ std::optional<std::vector<uint8_t>> inflated(std::span<const uint8_t> bytes, siz
 }
 
 uint32_t crc32_of(std::span<const uint8_t> bytes, uint32_t before) {
+    if (bytes.empty()) return before; // zlib takes a null pointer for a new beginning
     return uint32_t(crc32_z(before, bytes.data(), bytes.size()));
 }

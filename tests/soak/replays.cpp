@@ -23,6 +23,7 @@
 #include "media/wav_samples.h"
 #include "media/wd1771.h"
 #include "sound/sound_core.h"
+#include "time/event_code.h"
 #include "wall/machine_host.h"
 #include "z80/z80.h"
 
@@ -32,6 +33,7 @@
 #include <cstring>
 #include <filesystem>
 #include <random>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -308,6 +310,20 @@ bool same_behind(const std::vector<uint64_t>& all, size_t first,
     return std::equal(all.begin() + ptrdiff_t(first), all.end(), again.begin(), again.end());
 }
 
+/// The log as it comes back from blocks of bytes.
+machine_log coded(const machine_log& log) {
+    machine_log again;
+    std::span<const machine_event> rest = log.events;
+    while (!rest.empty()) {
+        const size_t count = std::min<size_t>(1 + below(300), rest.size());
+        const std::string problem =
+            events_from_bytes(events_to_bytes(rest.first(count)), again.events);
+        if (!problem.empty()) fail(problem);
+        rest = rest.subspan(count);
+    }
+    return again;
+}
+
 void replay(const Parked& from, const machine_log& log, const machine_state& end,
             const Host& first_run) {
     host.pictures.clear();
@@ -362,7 +378,8 @@ int run_and_replay(int frames) {
     machine_state end;
     machine_save(end);
     const Host first_run = host;
-    for (const Parked& from : parked) replay(from, log, end, first_run);
+    const machine_log bytes = coded(log);
+    for (const Parked& from : parked) replay(from, bytes, end, first_run);
     machine_load(end);
     return int(parked.size());
 }
