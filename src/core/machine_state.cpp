@@ -132,6 +132,16 @@ size_t machine_state_size() {
     return all;
 }
 
+record_place machine_record_place(std::string_view name) {
+    record_place place = {};
+    for_each_field([&](const state_record& record, const state_field& field, size_t at) {
+        if (name != record.name) return;
+        if (!place.name) place = {record.name, 1, at, 0};
+        if (is_state(field)) place.size += field.size;
+    });
+    return place;
+}
+
 void machine_save(machine_state& to) {
     to.records.resize(machine_state_size());
     uint8_t* target = to.records.data();

@@ -11,6 +11,7 @@
 #include <array>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 constexpr size_t MACHINE_MEDIA = 6; ///< four disks, the cassette, the text that is being typed
@@ -24,6 +25,14 @@ struct machine_state {
 size_t machine_state_size();
 /// Parks a copy of the live machine.
 void machine_save(machine_state& to);
+/// Where a record stands among the bytes of a parked machine.
+struct record_place {
+    const char* name;
+    uint32_t version;
+    size_t offset;
+    size_t size;
+};
+record_place machine_record_place(std::string_view name);
 /// The parked machine becomes the live one, and the host is told that all it shows is stale. Fields
 /// that are not state keep their values. 0 when there is no saved state in `from`, and nothing
 /// changes.
