@@ -1,0 +1,407 @@
+#include "time/history.h"
+
+#include "cgenie/crtc.h"
+#include "cgenie/video.h"
+#include "core/frame_driver.h"
+#include "core/machine_events.h"
+#include "core/machine_mute.h"
+#include "core/machine_state.h"
+#include "time/event_feed.h"
+#include "time/history_events.h"
+#include "time/history_states.h"
+#include "wall/machine_host.h"
+#include "z80/z80.h"
+
+#include <algorithm>
+#include <optional>
+#include <utility>
+#include <vector>
+
+history_calls history_host = {
+    .nanoseconds = [] { return int64_t(0); },
+    .companion = [] { return shared_bytes(); },
+    .follow = [](const shared_bytes&) {},
+    .show = [] {},
+};
+
+namespace {
+
+/// Cycles from one state to the next: what the slower engine runs in ten milliseconds.
+constexpr int64_t SPACING = 2'200'000;
+/// A state is not taken before so many times the time has passed that the last one has cost.
+constexpr int64_t REST = 50;
+constexpr int64_t YOUNG_SECONDS = 3600; ///< whose states are dropped last
+constexpr uint64_t LIMIT_PART = 16;     ///< the part of the limit that is freed at one stroke
+
+/// What the beam has shown last; its picture is complete somewhere inside of a frame.
+struct Picture {
+    std::vector<uint8_t> pixels;
+    int64_t frame = -1; ///< below 0 unknown
+    bool is_new = false;
+};
+
+struct History {
+    history_settings settings;
+    int reader = 0;
+    HistoryEvents events;
+    HistoryStates states;
+
+    // The present.
+    int64_t picture = 0;         ///< the last frame that has shown one
+    uint32_t pictures_shown = 0; ///< the beam's counter of them
+    shared_bytes companion;
+    bool acted = false;      ///< something was done to the machine since the last frame
+    bool lone_state = false; ///< the next frame's state stays for good
+    int64_t taken_at = 0;    ///< when the last state was taken, in ns
+    int64_t taken_in = 0;    ///< how long it took
+    uint64_t thin_above = 0; ///< bytes
+
+    // While the past is looked at.
+    bool live = true;
+    int64_t position = 0;
+    machine_state present;
+    shared_bytes present_companion;
+    shared_bytes followed;              ///< the companion that the host has followed
+    std::vector<machine_event> pending; ///< done to the machine at the frame that is shown
+    bool touched = false;               ///< something has been done to the machine
+    int64_t picture_then = 0;           ///< `picture` and
+    uint32_t pictures_shown_then = 0;   ///< `pictures_shown` at the frame that is shown
+};
+std::optional<History> history;
+bool tells_others = false; ///< of another state, which the history itself has made
+
+// ---- keeping -----------------------------------------------------------------------------------
+
+bool is_act(const machine_event& event) {
+    return event.kind < event_kind::frame_end && event.kind != event_kind::tape_moves;
+}
+
+void append(const machine_event& event) {
+    History& now = *history;
+    now.events.append(event);
+    if (is_act(event)) now.acted = true;
+    // Part of the line engine's last picture stays in the beam's first one.
+    if (event.kind == event_kind::engine) now.lone_state = true;
+}
+
+/// Forgets what came after the frame that is shown.
+void forget_future() {
+    History& now = *history;
+    now.states.cut(now.position);
+    now.events.cut(now.position);
+    now.picture = now.picture_then;
+    now.pictures_shown = now.pictures_shown_then;
+    now.companion = now.states.at(now.position)->companion;
+    now.present = {};
+    now.acted = true;
+    now.live = true;
+    for (const machine_event& event : std::exchange(now.pending, {})) append(event);
+}
+
+void take_state() {
+    History& now = *history;
+    const int64_t begin = history_host.nanoseconds();
+    now.states.add({.frame = now.events.last(),
+                    .picture = now.picture,
+                    .alone = now.lone_state,
+                    .companion = now.companion});
+    now.lone_state = false;
+    now.taken_at = history_host.nanoseconds();
+    now.taken_in = now.taken_at - begin;
+}
+
+void thin() {
+    History& now = *history;
+    const uint64_t bytes = history_bytes();
+    if (bytes <= std::max(now.thin_above, now.settings.limit)) return;
+    const uint64_t part = now.settings.limit / LIMIT_PART;
+    const uint64_t others = bytes - now.states.bytes() + part;
+    const int64_t young = now.events.last() - YOUNG_SECONDS * frames_per_second();
+    now.states.thin(now.settings.limit > others ? now.settings.limit - others : 0, young);
+    now.thin_above = history_bytes() + part;
+}
+
+bool state_is_due() {
+    const History& now = *history;
+    if (now.lone_state) return true;
+    const int64_t since = z80_state.t_count - now.states.last().cycle;
+    if (since >= 0 && since < SPACING) return false;
+    return now.taken_in == 0 || history_host.nanoseconds() - now.taken_at >= REST * now.taken_in;
+}
+
+void look_at_companion() {
+    History& now = *history;
+    if (!std::exchange(now.acted, false)) return;
+    shared_bytes companion = history_host.companion();
+    if (companion == now.companion) return;
+    now.companion = std::move(companion);
+    now.lone_state = true;
+}
+
+void take_events(std::span<const machine_event> events) {
+    History& now = *history;
+    for (const machine_event& event : events) {
+        if (now.live) {
+            append(event);
+            continue;
+        }
+        now.pending.push_back(event);
+        if (event.kind == event_kind::frame_end) history_go_on();
+    }
+}
+
+/// The present, and then the other state: nothing is forgotten.
+void take_another_state() {
+    if (tells_others) return;
+    History& now = *history;
+    now.live = true;
+    now.present = {};
+    now.pending.clear();
+    now.events.append_break();
+    now.picture = -1;
+    now.pictures_shown = crtc.frame_counter;
+    now.companion = history_host.companion();
+    now.lone_state = true;
+    take_state();
+}
+
+void tell_others() {
+    tells_others = true;
+    event_feed_another_state();
+    tells_others = false;
+}
+
+// ---- looking at the past -----------------------------------------------------------------------
+
+Picture* beam_picture = nullptr; ///< where the beam's pictures go
+
+void keep_picture(Picture& to) {
+    constexpr size_t PIXELS = size_t(SCREEN_WIDTH) * SCREEN_HEIGHT;
+    to.pixels.assign(frame_buffer, frame_buffer + PIXELS);
+    to.is_new = true;
+}
+
+/// While it lives the breakpoint does not slow the processor down.
+class Disarmed {
+public:
+    Disarmed() { z80_state.breakpoint_enabled = 0; }
+    ~Disarmed() { z80_state.breakpoint_enabled = enabled_; }
+    Disarmed(const Disarmed&) = delete;
+    Disarmed& operator=(const Disarmed&) = delete;
+
+private:
+    int32_t enabled_ = z80_state.breakpoint_enabled;
+};
+
+std::string load(const HistoryState& state) {
+    machine_state unpacked;
+    const MachineMute mute;
+    const bool loaded = history->states.unpack(state, unpacked) && machine_load(unpacked);
+    return loaded ? "" : "a state is damaged";
+}
+
+/// Runs the live machine, which is at the end of frame `from`, to the end of frame `to`. `picture`
+/// gets the last one that the beam has shown; without any it stays as it is.
+std::string run(int64_t from, int64_t to, Picture& picture) {
+    machine_log log;
+    machine_replay_position position;
+    std::string trouble = history->events.between(from, to, log, position.next);
+    if (!trouble.empty()) return trouble;
+    const bool changes_engine =
+        std::ranges::find(log.events, event_kind::engine, &machine_event::kind) != log.events.end();
+    const MachineMute mute;
+    const Disarmed disarmed;
+    beam_picture = &picture;
+    machine_host.frame = [](int) { keep_picture(*beam_picture); };
+    for (int64_t frame = from + 1; machine_replay_frame(log, position) == REPLAY_FRAME; ++frame) {
+        if (std::exchange(picture.is_new, false)) picture.frame = frame;
+        if (changes_engine && !g_bCycleBasedEngine) video_render_frame();
+    }
+    beam_picture = nullptr;
+    return position.trouble;
+}
+
+std::string go_to(const HistoryState& state, int64_t frame, Picture& picture) {
+    const std::string trouble = load(state);
+    return trouble.empty() ? run(state.frame, frame, picture) : trouble;
+}
+
+/// The picture that was shown in this frame, drawn by the beam or by the line engine.
+Picture find_picture(int64_t frame) {
+    Picture picture;
+    if (frame <= history_first()) return picture;
+    if (!go_to(*history->states.at(frame - 1), frame, picture).empty()) return {};
+    if (!g_bCycleBasedEngine) {
+        video_render_frame();
+        keep_picture(picture);
+    }
+    picture.frame = frame;
+    return picture;
+}
+
+/// The state from which to go to a frame. From the state of that frame itself, the beam would still
+/// have to find its picture.
+const HistoryState& start_for(int64_t frame) {
+    const HistoryState& state = *history->states.at(frame);
+    const bool finds = state.frame < frame || !state.beam || state.picture < frame;
+    return finds || state.alone ? state : *history->states.at(frame - 1);
+}
+
+/// The frame buffer is shown with the picture, in place of the one that the beam is drawing.
+void show(const Picture& picture) {
+    if (!g_bCycleBasedEngine) video_render_frame();
+    if (picture.pixels.empty()) return history_host.show();
+    Picture drawing;
+    keep_picture(drawing);
+    std::ranges::copy(picture.pixels, frame_buffer);
+    history_host.show();
+    std::ranges::copy(drawing.pixels, frame_buffer);
+}
+
+void follow(const shared_bytes& companion) {
+    if (companion == history->followed) return;
+    history->followed = companion;
+    history_host.follow(companion);
+}
+
+/// Makes the frame the live one.
+std::string look_at(int64_t frame) {
+    const HistoryState& state = *history->states.at(frame);
+    if (state.companion != history->followed) {
+        // The host may have to open the tape that is read again.
+        if (std::string trouble = load(state); !trouble.empty()) return trouble;
+        follow(state.companion);
+    }
+    Picture picture;
+    std::string trouble = go_to(start_for(frame), frame, picture);
+    if (!trouble.empty()) return trouble;
+    if (g_bCycleBasedEngine && picture.pixels.empty()) {
+        machine_state parked;
+        machine_save(parked);
+        picture = find_picture(state.picture);
+        const MachineMute mute;
+        machine_load(parked);
+    }
+    history->picture_then = g_bCycleBasedEngine ? picture.frame : frame;
+    history->pictures_shown_then = crtc.frame_counter;
+    show(picture);
+    return {};
+}
+
+void leave_present() {
+    History& now = *history;
+    now.live = false;
+    now.touched = false;
+    now.followed = now.present_companion = history_host.companion();
+    machine_save(now.present);
+}
+
+/// What was done to the machine at the frame that is shown is forgotten, and soon undone.
+void undo_acts() {
+    History& now = *history;
+    now.touched = now.touched || !now.pending.empty();
+    now.pending.clear();
+}
+
+void return_to_present() {
+    History& now = *history;
+    Picture picture = now.states.last().beam ? find_picture(now.picture) : Picture();
+    {
+        const MachineMute mute;
+        machine_load(now.present);
+    }
+    now.live = true;
+    follow(now.present_companion);
+    if (now.touched) tell_others();
+    now.present = {};
+    if (!g_bCycleBasedEngine) picture = {};
+    show(picture);
+}
+
+} // namespace
+
+void history_start(const history_settings& settings) {
+    history_stop();
+    const int reader = event_feed_add(
+        [](std::span<const machine_event> events) {
+            if (history) take_events(events);
+        },
+        take_another_state);
+    history.emplace();
+    history->settings = settings;
+    history->reader = reader;
+    history->picture = -1;
+    history->pictures_shown = crtc.frame_counter;
+    history->companion = history_host.companion();
+    history->lone_state = true;
+    take_state();
+}
+
+void history_set_limit(uint64_t bytes) {
+    if (!history) return;
+    history->settings.limit = bytes;
+    history->thin_above = 0;
+}
+
+void history_stop() {
+    if (!history) return;
+    history_go_on();
+    const int reader = history->reader;
+    history.reset();
+    event_feed_remove(reader);
+}
+
+bool history_is_kept() { return history.has_value(); }
+
+void history_frame_ran() {
+    if (!history) return;
+    event_feed_frame();
+    History& now = *history;
+    if (!g_bCycleBasedEngine || crtc.frame_counter != now.pictures_shown) {
+        now.picture = now.events.last();
+    }
+    now.pictures_shown = crtc.frame_counter;
+    look_at_companion();
+    if (!state_is_due()) return;
+    take_state();
+    now.events.pack();
+    thin();
+}
+
+int64_t history_first() { return 0; }
+int64_t history_last() { return history ? history->events.last() : 0; }
+int64_t history_position() {
+    return history && !history->live ? history->position : history_last();
+}
+bool history_is_live() { return !history || history->live; }
+
+std::string history_show(int64_t frame) {
+    if (!history) return "no history is kept";
+    event_feed_frame();
+    History& now = *history;
+    if (now.live && frame >= history_last()) return {};
+    if (now.live) leave_present();
+    undo_acts();
+    if (frame >= history_last()) {
+        return_to_present();
+        return {};
+    }
+    now.position = std::max(frame, history_first());
+    std::string trouble = look_at(now.position);
+    event_feed_frame(); // the host does again what it did to follow, when it goes on
+    undo_acts();
+    if (!trouble.empty()) return_to_present();
+    return trouble;
+}
+
+void history_go_on() {
+    if (!history || history->live) return;
+    event_feed_frame();
+    if (!history || history->live) return; // a frame has run
+    forget_future();
+    history_host.follow(history->companion);
+    tell_others();
+}
+
+uint64_t history_bytes() { return history ? history->events.bytes() + history->states.bytes() : 0; }
+uint64_t history_states() { return history ? history->states.all().size() : 0; }
