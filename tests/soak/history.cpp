@@ -1,0 +1,332 @@
+/// Hours of the machine with their history: a hash of state and picture is kept at random moments,
+/// and these are visited afterwards, out of order. Each must be what it was, to the byte. Then it
+/// goes on from one of them.
+///
+/// usage: history MINUTES MOMENTS [line|beam] [PROGRAM] [unpaced]
+///
+/// PROGRAM is an example's file name, or "session": BASIC with typing, disk, cassette and printer;
+/// without it, all of them. Unpaced, states are spaced by the host's time. Prints memory, cost and
+/// the time to any frame. Ends with 1 and a line that begins with "FAILED" when something is wrong.
+
+#include "time/history.h"
+#include "cgenie/input.h"
+#include "cgenie/memory/memory.h"
+#include "cgenie/video.h"
+#include "core/frame_driver.h"
+#include "core/machine.h"
+#include "core/machine_events.h"
+#include "core/machine_state.h"
+#include "files/whole_file.h"
+#include "media/traps.h"
+#include "media/wd1771.h"
+#include "sound/sound_core.h"
+#include "wall/machine_host.h"
+#include "z80/z80.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <random>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace {
+
+constexpr int64_t FRAME_NS = 20'000'000;
+constexpr int64_t HOUR = 180'000; ///< frames
+
+std::mt19937 generator;
+unsigned below(unsigned count) { return unsigned(generator() % count); }
+bool once_in(unsigned count) { return below(count) == 0; }
+
+uint64_t hash_of(std::span<const uint8_t> bytes, uint64_t sum = 0xCBF29CE484222325) {
+    for (const uint8_t byte : bytes) sum = (sum ^ byte) * 0x100000001B3;
+    return sum;
+}
+
+[[noreturn]] void fail(const std::string& problem) {
+    std::printf("FAILED: %s\n", problem.c_str());
+    std::fflush(stdout);
+    std::_Exit(1);
+}
+
+int64_t steady_ns() {
+    using namespace std::chrono;
+    return duration_cast<nanoseconds>(steady_clock::now().time_since_epoch()).count();
+}
+
+// ---- the host ----------------------------------------------------------------------------------
+
+struct {
+    bool paced = true;
+    int64_t passed = 0; ///< ns, of frames at their own speed
+    machine_input input;
+    std::vector<uint8_t> shown; ///< the last picture
+} host;
+
+void keep_shown() {
+    host.shown.assign(frame_buffer, frame_buffer + size_t(SCREEN_WIDTH) * SCREEN_HEIGHT);
+}
+
+void connect() {
+    machine_host = machine_without_host();
+    machine_host.frame = [](int) { keep_shown(); };
+    machine_host.fragment_decision = [](int) { return once_in(200) ? int(below(3)) : 1; };
+    machine_host.read_input = [](machine_input& input) { input = host.input; };
+    machine_host.save_question = [] { return once_in(8) ? SAVE_REFUSED : SAVE_READY; };
+    history_host.nanoseconds = [] { return steady_ns() + host.passed; };
+    history_host.show = keep_shown;
+}
+
+// ---- what is run -------------------------------------------------------------------------------
+
+shared_bytes text(std::string_view characters) {
+    return shared_bytes(std::vector<uint8_t>(characters.begin(), characters.end()));
+}
+
+shared_bytes contents(const std::string& name) {
+    const auto bytes = read_whole_file(std::string(EXAMPLES "/") + name);
+    if (!bytes) fail(name + " cannot be read");
+    return shared_bytes(*bytes);
+}
+
+void type(std::string_view characters) {
+    machine_apply(event_kind::typing_trap);
+    machine_apply(event_kind::type_text, 0, 0, text(characters));
+}
+
+/// What a user at the BASIC prompt does now and then.
+void go_on_with_session() {
+    static constexpr std::string_view typed[] = {
+        "\rPRINT 1\r",
+        "\r10 FOR I=1 TO 50:PRINT I,RND(100):NEXT\r\n20 GOTO 10\rRUN\r",
+        "\rCSAVE\"A\"\r",
+        "\rCLOAD\r",
+        "\r10 SOUND 7,56:SOUND 8,15\r\n20 SOUND 0,RND(200):GOTO 20\r\nRUN\r",
+        "\rLPRINT \"ABC\"\r",
+        "\r10 FGR:FCLS:FOR I=1 TO 30:FCOLOUR RND(4):CIRCLE 40,40,I:NEXT\r\n20 GOTO 10\r\nRUN\r",
+        "\rSAVE \"X\"\r",
+        "\rLOAD \"X\"\r",
+        "\rNEW\r\rLIST\r"};
+    using enum event_kind;
+    switch (below(24)) {
+    case 0: machine_apply(disk_in, int32_t(below(2)), 0, contents("bootdisk.dsk")); break;
+    case 1: machine_apply(tape_out); break;
+    case 2: machine_apply(tape_rewind); break;
+    case 3: machine_apply(printer, int32_t(below(2))); break;
+    case 4:
+        if (once_in(20)) machine_apply(once_in(2) ? restart_with_disk_rom : restart);
+        break;
+    case 5:
+        if (once_in(20)) machine_apply(configure, int32_t(below(3)), 1);
+        break;
+    case 6:
+        if (once_in(20)) machine_apply(engine, g_bCycleBasedEngine ? 0 : 1);
+        break;
+    case 7:
+    case 8: machine_apply(reset); break;
+    default: type(typed[below(std::size(typed))]); break;
+    }
+}
+
+void start(const std::string& program) {
+    using enum event_kind;
+    if (program == "session" || program.ends_with(".dsk")) {
+        machine_apply(disk_in, 0, 0, contents("bootdisk.dsk"));
+        machine_apply(restart_with_disk_rom);
+    } else if (program.ends_with(".cmd")) {
+        machine_apply(load_module, 1, 0, contents(program));
+    } else {
+        machine_apply(typing_trap);
+        machine_apply(type_text, 0, 0, contents(program));
+    }
+}
+
+void play(const std::string& program) {
+    if (once_in(25)) {
+        host.input = {};
+        if (once_in(2)) host.input.positional[below(7)] = uint8_t(1 << below(8));
+        host.input.sticks[0].x = uint16_t(generator());
+    }
+    if (program == "session" && once_in(200)) go_on_with_session();
+}
+
+// ---- a run and its record ----------------------------------------------------------------------
+
+struct Moment {
+    int64_t frame = 0;
+    uint64_t state = 0;
+    uint64_t picture = 0;
+    machine_state whole = {}; ///< in short runs
+};
+
+Moment present(bool keep) {
+    Moment now = {.frame = history_position()};
+    if (!g_bCycleBasedEngine) {
+        video_render_frame();
+        keep_shown();
+    }
+    machine_save(now.whole);
+    now.state = hash_of(now.whole.records);
+    for (const shared_bytes& medium : now.whole.media)
+        now.state = hash_of(medium.view(), now.state);
+    now.picture = hash_of(host.shown);
+    if (!keep) now.whole = {};
+    return now;
+}
+
+struct Costs {
+    int64_t history = 0; ///< ns in its calls
+    int64_t longest = 0;
+    int64_t all = 0; ///< with the frames
+};
+
+/// Runs the frames, and keeps those of `moments`, which are in order.
+Costs run(const std::string& program, int64_t frames, std::vector<Moment>& moments) {
+    Costs costs;
+    auto next = moments.begin();
+    for (int64_t n = 0; n < frames; ++n) {
+        play(program);
+        const int64_t begin = steady_ns();
+        while (machine_run() != MACHINE_FRAME) continue;
+        const int64_t ran = steady_ns();
+        history_frame_ran();
+        const int64_t end = steady_ns();
+        machine_apply(event_kind::tape_moves);
+        costs.history += end - ran;
+        costs.longest = std::max(costs.longest, end - ran);
+        costs.all += end - begin;
+        if (host.paced) host.passed += FRAME_NS;
+        while (next != moments.end() && next->frame == history_last()) {
+            *next++ = present(moments.size() <= 64);
+        }
+    }
+    return costs;
+}
+
+std::vector<Moment> random_moments(int64_t first, int64_t last, unsigned count) {
+    std::vector<Moment> moments(count);
+    std::uniform_int_distribution<int64_t> any(first, last);
+    for (Moment& moment : moments) moment.frame = any(generator);
+    std::ranges::sort(moments, {}, &Moment::frame);
+    return moments;
+}
+
+void print_times(const char* which, std::vector<double>& ms) {
+    if (ms.empty()) return;
+    std::ranges::sort(ms);
+    std::printf("    %s: median %.2f ms, worst %.2f ms (%zu frames)\n", which, ms[ms.size() / 2],
+                ms.back(), ms.size());
+}
+
+void visit(std::vector<Moment> moments, bool print) {
+    std::ranges::shuffle(moments, generator);
+    std::vector<double> young, old;
+    const int64_t last = history_last();
+    for (const Moment& moment : moments) {
+        const int64_t begin = steady_ns();
+        const std::string trouble = history_show(moment.frame);
+        const double ms = double(steady_ns() - begin) / 1e6;
+        (moment.frame > last - HOUR ? young : old).push_back(ms);
+        if (!trouble.empty()) fail("frame " + std::to_string(moment.frame) + ": " + trouble);
+        const uint64_t picture = hash_of(host.shown);
+        const Moment again = present(true);
+        std::string difference = again.state == moment.state ? "" : "another state";
+        if (!moment.whole.records.empty()) {
+            difference = machine_difference(moment.whole, again.whole);
+        }
+        if (picture != moment.picture) difference += " another picture";
+        if (history_position() != moment.frame) difference += " another position";
+        if (!difference.empty()) {
+            fail("frame " + std::to_string(moment.frame) + " is another one: " + difference);
+        }
+    }
+    if (!print) return;
+    print_times("the last hour", young);
+    print_times("older", old);
+}
+
+void run_and_visit(const std::string& program, bool beam, int minutes, unsigned count) {
+    generator.seed(1);
+    host.passed = 0;
+    host.input = {};
+    machine_apply(event_kind::engine, beam);
+    const int64_t frames = int64_t(minutes) * 3000;
+    std::vector<Moment> none;
+    for (int frame = 0; frame < 300; ++frame) machine_run(); // to the prompt
+    start(program);
+    history_start({});
+    auto moments = random_moments(1, frames, count);
+    const Costs costs = run(program, frames, moments);
+    const double seconds = double(minutes) * 60;
+    const auto states = double(history_states());
+    std::printf("%s, %s engine, %d minutes%s\n", program.c_str(), beam ? "beam" : "line", minutes,
+                host.paced ? "" : ", unpaced");
+    std::printf("    %.2f MB, %.0f states; %.3f %% of real time, %.2f %% of the run; "
+                "longest %.2f ms\n",
+                double(history_bytes()) / 1e6, states, double(costs.history) / seconds / 1e7,
+                100.0 * double(costs.history) / double(costs.all), double(costs.longest) / 1e6);
+    const Moment end = present(false);
+    visit(moments, true);
+    if (!history_show(history_last()).empty() || present(false).state != end.state) {
+        fail("the present is another one");
+    }
+
+    // From somewhere in the past, and again over what was before.
+    const int64_t from = frames / 2;
+    std::erase_if(moments, [from](const Moment& moment) { return moment.frame > from; });
+    history_show(from);
+    history_go_on();
+    auto others = random_moments(from + 1, from + 1500, std::min(count, 100U));
+    run(program, 1500, others);
+    if (history_last() != from + 1500) fail("frames that were to be forgotten");
+    moments.insert(moments.end(), others.begin(), others.end());
+    visit(moments, false);
+    history_stop();
+}
+
+} // namespace
+
+int main(int argc, char** argv) {
+    if (argc < 3) {
+        std::fputs("usage: history MINUTES MOMENTS [line|beam] [PROGRAM] [unpaced]\n", stderr);
+        return 2;
+    }
+    std::vector<bool> engines = {false, true};
+    std::vector<std::string> programs;
+    for (int n = 3; n < argc; ++n) {
+        const std::string_view word = argv[n];
+        if (word == "line" || word == "beam") {
+            engines = {word == "beam"};
+        } else if (word == "unpaced") {
+            host.paced = false;
+        } else {
+            programs.emplace_back(word);
+        }
+    }
+    if (programs.empty()) {
+        programs.emplace_back("session");
+        for (const auto& entry : std::filesystem::directory_iterator(EXAMPLES)) {
+            const std::string kind = entry.path().extension();
+            if (kind != ".cmd" && kind != ".dsk" && kind != ".bas") continue;
+            programs.push_back(entry.path().filename());
+        }
+        std::sort(programs.begin() + 1, programs.end());
+    }
+    connect();
+    machine_init();
+    tape_init();
+    machine_state power_on;
+    machine_save(power_on);
+    for (const std::string& program : programs) {
+        for (const bool beam : engines) {
+            machine_load(power_on);
+            run_and_visit(program, beam, std::atoi(argv[1]), unsigned(std::atoi(argv[2])));
+        }
+    }
+    return 0;
+}
