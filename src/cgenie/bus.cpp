@@ -61,6 +61,10 @@ constexpr state_field bus_fields[] = {
     {"tape_level", sizeof(bus_latches::tape_level)},
 };
 
+const char* fault(const bus_latches& bus) {
+    return first_fault({{"tape_level", bus.tape_level <= LATCH_CASSETTE}});
+}
+
 void add_wait_cycle() { ++z80_state.t_count; }
 
 void store(uint32_t address, uint8_t value) {
@@ -130,7 +134,8 @@ void write_latch(uint8_t value, uint8_t previous) {
 } // namespace
 
 bus_latches bus_state;
-const state_record bus_record = {"bus_state", &bus_state, sizeof bus_state, bus_fields};
+const state_record bus_record = {"bus_state", &bus_state, sizeof bus_state, bus_fields,
+                                 fault_of<bus_latches, fault>};
 
 uint8_t mem_read(uint32_t address) {
     assert(address < 0x10000);

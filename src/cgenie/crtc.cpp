@@ -72,6 +72,34 @@ constexpr state_field crtc_fields[] = {
     {"unused", sizeof(crtc_state::unused)},
 };
 
+constexpr uint32_t MOST_COLUMNS = 256;
+constexpr uint32_t MOST_LINES = (ROW_MASK + 1) * (SCAN_LINE_MASK + 1);
+
+const char* fault(const crtc_state& c) {
+    return first_fault({{"selected", c.selected < REGISTER_COUNT},
+                        {"horizontal_total", c.horizontal_total <= MOST_COLUMNS},
+                        {"horizontal_displayed", c.horizontal_displayed < MOST_COLUMNS},
+                        {"horizontal_sync_position", c.horizontal_sync_position <= MOST_COLUMNS},
+                        {"sync_widths", c.sync_widths <= UINT8_MAX},
+                        {"vertical_total", c.vertical_total <= ROW_MASK},
+                        {"vertical_total_adjust", c.vertical_total_adjust <= SCAN_LINE_MASK},
+                        {"vertical_displayed", c.vertical_displayed <= ROW_MASK},
+                        {"vertical_sync_position", c.vertical_sync_position <= ROW_MASK + 1},
+                        {"interlace_mask", c.interlace_mask == 0 || c.interlace_mask == ALL_BITS},
+                        {"maximum_scan_line", c.maximum_scan_line <= SCAN_LINE_MASK},
+                        {"cursor_mode", (c.cursor_mode & ~CURSOR_MODE_MASK) == 0},
+                        {"cursor_start_line", c.cursor_start_line <= SCAN_LINE_MASK},
+                        {"cursor_end_line", c.cursor_end_line <= SCAN_LINE_MASK},
+                        {"start_address", c.start_address >> 8 <= START_HIGH_MASK},
+                        {"cursor_address", c.cursor_address <= UINT16_MAX},
+                        {"displayed_scan_lines", c.displayed_scan_lines <= MOST_LINES},
+                        {"vertical_sync_line", c.vertical_sync_line <= MOST_LINES},
+                        {"sync_line_average", c.sync_line_average <= MOST_LINES},
+                        {"sync_offset", c.sync_offset <= MOST_LINES},
+                        {"top_border", c.top_border <= OUTPUT_LINES},
+                        {"cursor_visible", c.cursor_visible <= 1}});
+}
+
 uint32_t difference_or_zero(uint32_t a, uint32_t b) { return a > b ? a - b : 0; }
 uint32_t with_high_byte(uint32_t address, uint32_t high) { return high << 8 | (address & 0xFF); }
 uint32_t with_low_byte(uint32_t address, uint32_t low) { return (address & ~0xFFu) | low; }
@@ -109,7 +137,8 @@ bool cursor_lit() {
 }
 } // namespace
 
-const state_record crtc_record = {"crtc", &crtc, sizeof crtc, crtc_fields};
+const state_record crtc_record = {"crtc", &crtc, sizeof crtc, crtc_fields,
+                                  fault_of<crtc_state, fault>};
 
 void crtc_register_select(uint8_t value) { crtc.selected = value & 0x0F; }
 void crtc_write(uint8_t value) { crtc_write_register(crtc.selected, value); }

@@ -34,6 +34,10 @@ std::span<const uint8_t> firmware_bytes(FirmwareImage image) {
     return user.empty() ? images[size_t(image)].built_in : std::span<const uint8_t>(user);
 }
 
+std::span<const uint8_t> firmware_built_in(FirmwareImage image) {
+    return images[size_t(image)].built_in;
+}
+
 int firmware_use_image(FirmwareImage image, std::vector<uint8_t> bytes) {
     if (bytes.size() != images[size_t(image)].built_in.size()) return 0;
     user_images[size_t(image)] = std::move(bytes);

@@ -22,6 +22,8 @@ constexpr size_t FIRMWARE_IMAGES = 7;
 const char* firmware_file_name(FirmwareImage image);
 /// The bytes in use: the user's when there are any, else the built-in ones.
 std::span<const uint8_t> firmware_bytes(FirmwareImage image);
+/// Those of the program, whatever the user has.
+std::span<const uint8_t> firmware_built_in(FirmwareImage image);
 /// Takes the user's bytes in place of the image, for the rest of the run; 0, and no change, when
 /// their number differs. The machine gets them the next time it loads the image.
 int firmware_use_image(FirmwareImage image, std::vector<uint8_t> bytes);

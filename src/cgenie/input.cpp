@@ -20,9 +20,15 @@ constexpr state_field input_fields[] = {
     {"unused", sizeof(input_contents::unused)},
 };
 
+const char* fault(const input_contents& input) {
+    return first_fault(
+        {{"look", input.look <= LOOK_NO_MORE}, {"keyboard_mapping", input.keyboard_mapping <= 1}});
+}
+
 } // namespace
 
-const state_record input_record = {"input_state", &input_state, sizeof input_state, input_fields};
+const state_record input_record = {"input_state", &input_state, sizeof input_state, input_fields,
+                                   fault_of<input_contents, fault>};
 
 void input_begin_frame() { input_state.look = LOOK_ONCE; }
 void input_end_frame() { input_state.look = LOOK_ALWAYS; }

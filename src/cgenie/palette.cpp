@@ -20,6 +20,10 @@ constexpr state_field palette_fields[] = {
     {"index", sizeof(colour_standard::index)},
 };
 
+const char* fault(const colour_standard& standard) {
+    return first_fault({{"index", standard.index <= 1}});
+}
+
 constexpr int COLOURS = PALETTE_ENTRIES - 1; // the last entry is black
 constexpr double BLACK_LUMINANCE = 5.0;
 constexpr uint8_t UNUSED_COMPONENT = 16;
@@ -159,7 +163,7 @@ void convert_block(const yuv_pixel* source, uint32_t* destination) {
 } // namespace
 
 const state_record palette_record = {"palette_state", &palette_state, sizeof palette_state,
-                                     palette_fields};
+                                     palette_fields, fault_of<colour_standard, fault>};
 
 void calculate_palette(uint32_t standard) {
     const uint32_t amplitude = palette_get_saturation() * 128 / 100;

@@ -35,6 +35,15 @@ constexpr state_field video_fields[] = {
     {"charset", sizeof(video_circuit::charset)},
 };
 
+const char* fault(const video_circuit& video) {
+    const auto is_colour = [](uint8_t index) { return index <= BLACK_INDEX; };
+    return first_fault(
+        {{"mode", (video.mode & ~GRAPHICS_MODE) == 0},
+         {"charset_selected", (video.charset_selected & ~CHARSET_SELECT) == 0},
+         {"graphic_background_selected", is_colour(video.graphic_background_selected)},
+         {"hires_palette", std::ranges::all_of(video.hires_palette, is_colour)}});
+}
+
 constexpr uint32_t CUSTOM_CHARSET = 3;
 constexpr uint32_t WIDEST_ROW = SCREEN_WIDTH / CELL_WIDTH + 1; ///< cells, two of them cut in half
 
@@ -141,7 +150,8 @@ void copy_charset(FirmwareImage image) {
 
 const state_record frame_buffer_record = {"frame_buffer", frame_buffer, FRAME_READ,
                                           frame_buffer_fields};
-const state_record video_record = {"video_state", &video_state, sizeof video_state, video_fields};
+const state_record video_record = {"video_state", &video_state, sizeof video_state, video_fields,
+                                   fault_of<video_circuit, fault>};
 
 int video_screenx() { return SCREEN_WIDTH; }
 int video_screeny() { return SCREEN_HEIGHT; }

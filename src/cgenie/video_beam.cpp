@@ -45,6 +45,30 @@ constexpr state_field beam_fields[] = {
     {"unused", sizeof(beam_counters::unused)},
 };
 
+constexpr int MOST_LINES_ABOVE = (SCREEN_HEIGHT + 1) / 2;
+constexpr uint8_t BOTH = VERTICAL | HORIZONTAL;
+
+const char* fault(const beam_counters& b) {
+    return first_fault(
+        {{"time", is_cycle_count(b.time)},
+         {"lp_accu", b.lp_accu >= SCREEN_HEIGHT - LAST_LINE - 1 && b.lp_accu <= SCREEN_HEIGHT + 1},
+         {"beam", b.beam < FRAME_STORAGE && b.beam % CELL_WIDTH == 0},
+         {"vert_adj_average_lines",
+          b.vert_adj_average_lines >= 0 && b.vert_adj_average_lines <= MOST_LINES_ABOVE},
+         {"video_update_line", b.video_update_line >= -1 && b.video_update_line <= LAST_LINE},
+         {"matrix_address", b.matrix_address <= VIDEO_RAM_MASK},
+         {"matrix_latch", b.matrix_latch <= VIDEO_RAM_MASK},
+         {"horizontal_sync_counter", b.horizontal_sync_counter < RETRACE_CLOCK},
+         {"vertical_sync_counter", b.vertical_sync_counter <= VERTICAL_SYNC_MASK},
+         {"odd_cycle", b.odd_cycle <= 1},
+         {"row", b.row <= 0x7F},
+         {"scan_line", b.scan_line <= 0x1F},
+         {"adjust_counter", b.adjust_counter <= 0x1F},
+         {"blanking", b.blanking <= BOTH},
+         {"border", b.border <= BOTH},
+         {"follows", b.follows == 0}}); // only while the processor runs
+}
+
 constexpr uint32_t SHOWN_END = SCREEN_WIDTH * SCREEN_HEIGHT;
 
 uint8_t* pixels_at_beam() { return frame_buffer + state.beam; }
@@ -316,7 +340,8 @@ int32_t run_until(int32_t cycles, Stop stop) {
 } // namespace
 
 beam_counters beam_state = {};
-const state_record beam_record = {"beam_state", &beam_state, sizeof beam_state, beam_fields};
+const state_record beam_record = {"beam_state", &beam_state, sizeof beam_state, beam_fields,
+                                  fault_of<beam_counters, fault>};
 
 int32_t video_run_cycles(int32_t cycles) {
     if (z80_state.breakpoint_enabled) return run_until(cycles, cpu_breakpoint_arrives);

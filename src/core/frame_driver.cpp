@@ -24,6 +24,16 @@ constexpr state_field fields[] = {
     {"unused", sizeof(frame_record::unused)},
 };
 
+/// More than any frame has, and than any instruction uses.
+constexpr int32_t MOST_LEFT = FASTEST_CLOCK;
+
+const char* fault(const frame_record& frame) {
+    return first_fault({{"leftover", frame.leftover <= 0 && frame.leftover >= -MOST_LEFT},
+                        {"left", frame.left <= MOST_LEFT && frame.left >= -MOST_LEFT},
+                        {"begun", frame.begun <= 1},
+                        {"cycle_based", is_bool(frame.cycle_based)}});
+}
+
 void begin_frame() {
     if (frame_state.begun) return;
     frame_state.begun = 1;
@@ -58,7 +68,7 @@ int32_t run_cycles(int32_t cycles) {
 } // namespace
 
 constexpr state_record frame_state_record = {"frame_state", &frame_state, sizeof frame_state,
-                                             fields};
+                                             fields, fault_of<frame_record, fault>};
 
 uint32_t frames_per_second() {
     const uint32_t frequency = machine_cfg[active_machine_cfg].screen_frequency;

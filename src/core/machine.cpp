@@ -48,6 +48,25 @@ enum : uint16_t {
 constexpr uint16_t LINK_SIZE = 2; ///< a link of 0000 ends a program
 constexpr uint16_t RAM_END = 0xC000;
 
+bool is_possible(const machine_configuration& configuration) {
+    return configuration.psg_divider > 0 &&
+           configuration.cpu_clock / configuration.psg_divider >= SLOWEST_CLOCK &&
+           configuration.cpu_clock <= FASTEST_CLOCK &&
+           configuration.screen_frequency >= LOWEST_SCREEN_FREQUENCY &&
+           configuration.screen_frequency <= HIGHEST_SCREEN_FREQUENCY &&
+           std::memchr(configuration.name, 0, sizeof configuration.name) != nullptr;
+}
+
+const char* fault(const machine_setup_record& setup) {
+    bool possible = true;
+    for (uint32_t index = 0; index < MACHINE_CONFIGURATIONS; ++index) {
+        possible &= !machine_is_valid_cfg(index) || is_possible(setup.configurations[index]);
+    }
+    return first_fault({{"configurations", possible},
+                        {"active", machine_is_valid_cfg(setup.active)},
+                        {"run", setup.run.prompt_reached <= 1 && setup.run.disk_rom <= 1}});
+}
+
 /// Reads memory directly: without wait cycles, and without asking a device.
 uint16_t cell(uint16_t address) { return uint16_t(memory[address] | memory[address + 1] << 8); }
 
@@ -73,7 +92,7 @@ void start_cold() {
 
 machine_setup_record machine_setup;
 constexpr state_record machine_setup_state = {"machine_setup", &machine_setup, sizeof machine_setup,
-                                              fields};
+                                              fields, fault_of<machine_setup_record, fault>};
 
 const char* const models[STANDARD_MODELS] = {"Colour Genie EG2000 South (24 rows)",
                                              "Colour Genie EG2000 South (25 rows)",

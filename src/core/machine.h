@@ -23,6 +23,8 @@ constexpr uint32_t CUSTOM_CONFIGURATION = 4;
 constexpr uint32_t MACHINE_CONFIGURATIONS = 5; ///< slot 3 stays empty
 constexpr uint32_t SLOWEST_CLOCK = 50'000;     ///< Hz, of a custom configuration
 constexpr uint32_t FASTEST_CLOCK = 100'000'000;
+constexpr uint32_t LOWEST_SCREEN_FREQUENCY = 5; ///< Hz, of a custom configuration
+constexpr uint32_t HIGHEST_SCREEN_FREQUENCY = 150;
 
 /// What has happened in this run; it is not kept in the settings.
 struct machine_run_state {

@@ -24,6 +24,7 @@
 #include "z80/z80.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdio>
 #include <cstring>
 
@@ -104,6 +105,69 @@ void for_each_piece(Act act) {
     }
 }
 
+/// The records of a parked machine as objects that their modules may look at. What is not state in
+/// them is as in the live ones.
+class ParkedRecords {
+public:
+    explicit ParkedRecords(const machine_state& state) {
+        for (size_t n = 0; n < std::size(records); ++n) {
+            copies_[n].resize(records[n]->size / sizeof(std::max_align_t) + 1);
+            std::memcpy(copies_[n].data(), records[n]->data, records[n]->size);
+        }
+        const state_record* last = nullptr;
+        size_t number = 0;
+        size_t in_record = 0;
+        for_each_field([&](const state_record& record, const state_field& field, size_t at) {
+            if (last && last != &record) ++number;
+            in_record = last == &record ? in_record : 0;
+            last = &record;
+            auto* const bytes = reinterpret_cast<uint8_t*>(copies_[number].data());
+            if (is_state(field)) std::memcpy(bytes + in_record, &state.records[at], field.size);
+            in_record += field.size;
+        });
+    }
+    const void* bytes(size_t number) const { return copies_[number].data(); }
+    template <typename Record>
+    const Record& of(const state_record& record) const {
+        const auto number = size_t(std::ranges::find(records, &record) - records);
+        return *static_cast<const Record*>(bytes(number));
+    }
+
+private:
+    std::array<std::vector<std::max_align_t>, std::size(records)> copies_;
+};
+
+/// Without reading a tape, an hour of sound may have passed its head: what is longer is no tape any
+/// more, and would keep the program busy.
+constexpr uint64_t LONGEST_STEP = 3600;
+
+const char* fault_of_tape_step(const z80_record& z80, const tape_audio_state& tape) {
+    const int64_t since = z80.t_count - tape.prev_save_clock;
+    const bool passes = tape.recording && tape.rolling;
+    return passes && since > int64_t(z80.clock_hz * LONGEST_STEP) ? "tape_audio.prev_save_clock"
+                                                                  : nullptr;
+}
+
+/// What each module alone cannot know.
+const char* fault_between(const ParkedRecords& parked, const machine_state& state) {
+    const auto& z80 = parked.of<z80_record>(z80_state_record);
+    const auto& tape = parked.of<cassette_state>(cassette_record);
+    const auto& disks = parked.of<wd1771_controller>(wd1771_record).disks;
+    bool disks_fit = true;
+    for (size_t n = 0; n < DISK_DRIVES; ++n) disks_fit &= disks[n].size == state.media[n].size();
+    const size_t tape_size = state.media[CASSETTE].size();
+    const size_t text_size = state.media[TYPED_TEXT].size();
+    const char* const fault = first_fault(
+        {{"z80_state.clock_hz", z80.clock_hz >= SLOWEST_CLOCK && z80.clock_hz <= FASTEST_CLOCK},
+         {"wd1771.disks", disks_fit},
+         {"cassette.position", tape.position <= tape_size},
+         {"cassette.cas_header_size", tape.cas_header_size <= tape_size},
+         {"cassette.attached", tape.attached || tape_size == 0},
+         // A carriage return at the end takes a byte behind it as well.
+         {"typing.position", parked.of<typing_state>(typing_record).position <= text_size + 1}});
+    return fault ? fault : fault_of_tape_step(z80, parked.of<tape_audio_state>(tape_audio_record));
+}
+
 std::string value_of(const uint8_t* bytes, size_t size) {
     std::string text;
     for (size_t n = size; n > 0; --n) {
@@ -132,16 +196,6 @@ size_t machine_state_size() {
     return all;
 }
 
-record_place machine_record_place(std::string_view name) {
-    record_place place = {};
-    for_each_field([&](const state_record& record, const state_field& field, size_t at) {
-        if (name != record.name) return;
-        if (!place.name) place = {record.name, 1, at, 0};
-        if (is_state(field)) place.size += field.size;
-    });
-    return place;
-}
-
 void machine_save(machine_state& to) {
     to.records.resize(machine_state_size());
     uint8_t* target = to.records.data();
@@ -164,6 +218,38 @@ int machine_load(const machine_state& from) {
     machine_host.stale();
     return 1;
 }
+
+std::string machine_state_problem(const machine_state& state) {
+    constexpr const char* WHY = " has a value that is not possible";
+    if (state.records.size() != machine_state_size()) return "it is not complete";
+    const ParkedRecords parked(state);
+    for (size_t n = 0; n < std::size(records); ++n) {
+        const char* const field = records[n]->fault ? records[n]->fault(parked.bytes(n)) : nullptr;
+        if (field) return std::string(records[n]->name) + "." + field + WHY;
+    }
+    const char* const field = fault_between(parked, state);
+    return field ? std::string(field) + WHY : std::string();
+}
+
+std::vector<record_place> machine_record_places() {
+    std::vector<record_place> places;
+    size_t offset = 0;
+    for (const state_record* record : records) {
+        size_t size = 0;
+        for (const state_field& field : record->fields) size += is_state(field) ? field.size : 0;
+        places.push_back({record->name, record->version, offset, size});
+        offset += size;
+    }
+    return places;
+}
+
+record_place machine_record_place(std::string_view name) {
+    const auto places = machine_record_places();
+    const auto found = std::ranges::find(places, name, &record_place::name);
+    return found == places.end() ? record_place{} : *found;
+}
+
+const char* machine_medium_name(size_t number) { return media[number].name; }
 
 std::string machine_difference(const machine_state& a, const machine_state& b) {
     if (a.records.size() != b.records.size()) return "one has not been saved";

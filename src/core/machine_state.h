@@ -14,7 +14,9 @@
 #include <string_view>
 #include <vector>
 
-constexpr size_t MACHINE_MEDIA = 6; ///< four disks, the cassette, the text that is being typed
+/// Four disks, the cassette, the text that is being typed.
+constexpr size_t CASSETTE = 4, TYPED_TEXT = 5;
+constexpr size_t MACHINE_MEDIA = 6;
 
 struct machine_state {
     std::vector<uint8_t> records; ///< one behind the other; empty before the first save
@@ -25,14 +27,25 @@ struct machine_state {
 size_t machine_state_size();
 /// Parks a copy of the live machine.
 void machine_save(machine_state& to);
+/// What is wrong with a parked machine that comes from outside, "record.field" and why; empty for
+/// one that can be loaded: it is complete, none of its values is impossible, and records and media
+/// fit together. Whatever else is in it, the machine then runs without any harm to the program.
+std::string machine_state_problem(const machine_state& state);
+
 /// Where a record stands among the bytes of a parked machine.
 struct record_place {
     const char* name;
     uint32_t version;
     size_t offset;
-    size_t size;
+    size_t size; ///< bytes of its fields that are state
 };
+/// All records, in the order of their bytes.
+std::vector<record_place> machine_record_places();
+/// The place of one; all 0 when there is none of this name.
 record_place machine_record_place(std::string_view name);
+/// A medium's name, 0 to MACHINE_MEDIA - 1.
+const char* machine_medium_name(size_t number);
+
 /// The parked machine becomes the live one, and the host is told that all it shows is stale. Fields
 /// that are not state keep their values. 0 when there is no saved state in `from`, and nothing
 /// changes.

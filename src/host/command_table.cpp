@@ -38,8 +38,6 @@ namespace {
 
 constexpr uint32_t MONOCHROME = 1; ///< "BitDepth" of the 1-bit canvas
 constexpr uint32_t COLOUR_DEPTH = 8;
-constexpr uint32_t LOWEST_SCREEN_FREQUENCY = 5; ///< Hz
-constexpr uint32_t HIGHEST_SCREEN_FREQUENCY = 150;
 constexpr uint32_t DEFAULT_SCREEN_FREQUENCY = 50;
 constexpr uint32_t DEFAULT_CLOCK = 2'216'750; ///< Hz, of a custom configuration
 constexpr uint32_t STRONGEST_BLUR = 99;

@@ -16,6 +16,13 @@ constexpr state_field fields[] = {
     {"enabled", sizeof(printer_state::enabled)},
 };
 
+const char* fault(const printer_state& state) {
+    return first_fault({{"char_count", state.char_count >= 0 && state.char_count <= LINE_LENGTH},
+                        {"busy", is_bool(state.busy)},
+                        {"open", is_bool(state.open)},
+                        {"enabled", is_bool(state.enabled)}});
+}
+
 bool put(uint8_t byte) {
     if (!machine_host.write(STREAM_PRINTER, printer.position, &byte, 1)) return false;
     ++printer.position;
@@ -44,7 +51,8 @@ void write_pending() {
 } // namespace
 
 printer_state printer;
-constexpr state_record printer_record = {"printer", &printer, sizeof printer, fields};
+constexpr state_record printer_record = {"printer", &printer, sizeof printer, fields,
+                                         fault_of<printer_state, fault>};
 
 void printer_set_open(int open) {
     write_pending();

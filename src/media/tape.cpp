@@ -33,6 +33,12 @@ constexpr state_field fields[] = {
     {"unused", sizeof(cassette_state::unused)},
 };
 
+const char* fault(const cassette_state& state) {
+    return first_fault({{"attached", state.attached <= 1},
+                        {"saving", state.saving <= state.attached},
+                        {"ready", state.ready <= 1}});
+}
+
 /// Bytes one after the other, and END behind the last.
 struct Bytes {
     static constexpr int END = -1;
@@ -106,7 +112,8 @@ void append_block(Tape& tape, uint32_t address, uint32_t count) {
 } // namespace
 
 cassette_state cassette;
-constexpr state_record cassette_record = {"cassette", &cassette, sizeof cassette, fields};
+constexpr state_record cassette_record = {"cassette", &cassette, sizeof cassette, fields,
+                                          fault_of<cassette_state, fault>};
 shared_bytes cas;
 
 void tape_put_in(shared_bytes image) {

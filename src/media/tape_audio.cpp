@@ -50,6 +50,36 @@ constexpr state_field fields[] = {
     {"pending", sizeof(tape_audio_state::pending)},
 };
 
+constexpr uint32_t HIGHEST_RATE = 1 << 20;          ///< samples per second, of any WAV file
+constexpr uint64_t LONGEST_WAV = uint64_t(1) << 32; ///< bytes
+
+bool is_rate(uint32_t rate) { return rate > 0 && rate <= HIGHEST_RATE; }
+
+const char* fault(const tape_audio_state& tape) {
+    const auto& wav = tape.wav;
+    return first_fault(
+        {{"samples_per_clk", tape.samples_per_clk >= 0 && tape.samples_per_clk <= HIGHEST_RATE},
+         {"tape_last_read_cycle", is_cycle_count(tape.tape_last_read_cycle)},
+         {"prev_save_clock", is_cycle_count(tape.prev_save_clock)},
+         {"rolling", tape.rolling <= 1},
+         {"playing", tape.playing <= 1},
+         {"recording", tape.recording + tape.playing <= 1},
+         {"wav.data_start", wav.data_start <= LONGEST_WAV},
+         {"wav.samples", wav.samples <= LONGEST_WAV},
+         {"wav.rate", !tape.playing || is_rate(wav.rate)},
+         {"wav.bits", !tape.playing || wav.bits == 8 || wav.bits == 16},
+         {"wav.channels", !tape.playing || wav.channels == 1 || wav.channels == 2},
+         {"next_sample", tape.next_sample <= wav.samples},
+         {"position", tape.position <= tape.length},
+         {"length", tape.length <= LONGEST_WAV},
+         {"tape_filter", filter_is_possible(tape.tape_filter)},
+         {"rate", !tape.recording || is_rate(tape.rate)},
+         {"pending_count", tape.pending_count < sizeof tape.pending},
+         {"tape_last_level", tape.tape_last_level <= 1},
+         {"tape_signal_inverted", uint8_t(tape.tape_signal_inverted + 1) <= 1},
+         {"read_in", tape.read_in <= 1}});
+}
+
 // ---- recording ---------------------------------------------------------------------------------
 
 bool write_pending() {
@@ -151,7 +181,8 @@ void show_counter() {
 } // namespace
 
 tape_audio_state tape_audio;
-constexpr state_record tape_audio_record = {"tape_audio", &tape_audio, sizeof tape_audio, fields};
+constexpr state_record tape_audio_record = {"tape_audio", &tape_audio, sizeof tape_audio, fields,
+                                            fault_of<tape_audio_state, fault>};
 
 int tape_load_wav(int64_t cycles) {
     if (!tape_audio.playing || !tape_audio.rolling) return 0;

@@ -56,6 +56,10 @@ constexpr state_field fields[] = {
     {"unused", sizeof(traps_state::unused)},
 };
 
+const char* fault(const traps_state& state) {
+    return first_fault({{"cas_traps_installed", state.cas_traps_installed <= 1}});
+}
+
 void set_a(uint8_t value) { z80_state.af = uint16_t(value << 8 | (z80_state.af & 0xFF)); }
 void set_b(uint8_t value) { z80_state.bc = uint16_t(value << 8 | (z80_state.bc & 0xFF)); }
 
@@ -110,7 +114,8 @@ void restore(size_t address, size_t size) {
 } // namespace
 
 traps_state traps;
-constexpr state_record traps_record = {"traps", &traps, sizeof traps, fields};
+constexpr state_record traps_record = {"traps", &traps, sizeof traps, fields,
+                                       fault_of<traps_state, fault>};
 
 int cas_is_traps_installed() { return traps.cas_traps_installed; }
 

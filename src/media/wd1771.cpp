@@ -93,6 +93,30 @@ constexpr state_field wd1771_fields[] = {
     {"disks", sizeof wd1771.disks},
 };
 
+bool is_possible(const disk_record& disk) {
+    return (disk.layout <= DISK_FIXED || disk.layout == DISK_REJECTED) &&
+           disk.write_protected <= 1 && disk.modified <= 1 && disk.data_offset <= disk.size;
+}
+
+const char* fault(const wd1771_controller& fdc) {
+    const auto is_head = [](uint32_t track) { return track <= LAST_STEP_TRACK + 1; };
+    const auto is_sector = [](uint32_t sector) { return sector < DENSE_SECTORS; };
+    return first_fault(
+        {{"drive_select", fdc.drive_select < 1 << DISK_DRIVES},
+         {"step_in", fdc.step_in <= 1},
+         {"interrupt", fdc.interrupt <= 1},
+         {"track", fdc.track <= UINT8_MAX},
+         {"sector", fdc.sector <= UINT8_MAX},
+         {"head_track", std::ranges::all_of(fdc.head_track, is_head)},
+         {"rotational_sector", std::ranges::all_of(fdc.rotational_sector, is_sector)},
+         {"command_type", fdc.command_type >= 0 && fdc.command_type <= cmd_types[FORCE_INTERRUPT]},
+         {"track_state", fdc.track_state == TRACK_IDLE || fdc.track_state == TRACK_ID ||
+                             fdc.track_state == TRACK_DATA},
+         {"buffer_offset", fdc.buffer_offset <= SECTOR_BUFFER_BYTES},
+         {"last_cmd_clock", is_cycle_count(fdc.last_cmd_clock)},
+         {"disks", std::ranges::all_of(fdc.disks, is_possible)}});
+}
+
 /// Bytes of a sector, never more than the buffer holds: the record may come from a damaged state.
 uint32_t sector_bytes(unsigned drive) {
     return std::clamp(wd1771.disks[drive].bytes_per_sector, SMALLEST_SECTOR, LARGEST_SECTOR);
@@ -368,7 +392,8 @@ void insert(unsigned drive, disk_image&& disk) {
 
 } // namespace
 
-const state_record wd1771_record = {"wd1771", &wd1771, sizeof wd1771, wd1771_fields};
+const state_record wd1771_record = {"wd1771", &wd1771, sizeof wd1771, wd1771_fields,
+                                    fault_of<wd1771_controller, fault>};
 
 void wd1771_init() {
     wd1771 = {};

@@ -97,11 +97,21 @@ constexpr StepTable build_table() {
 
 constexpr StepTable step_table = build_table();
 
+/// No line of the machine's own ever gets so far that a sum wraps around, but one of a damaged
+/// state may.
+int32_t wrapping_sum(int32_t a, int32_t b) { return int32_t(uint32_t(a) + uint32_t(b)); }
+
 } // namespace
 
 void steps_start(step_line& line, int32_t level) {
     line = {};
     line.level = level << UNIT_SHIFT;
+}
+
+bool steps_come_to(const step_line& line, int32_t level) {
+    int64_t sum = line.level;
+    for (const int32_t change : line.changes) sum += change;
+    return sum == int64_t(level) << UNIT_SHIFT;
 }
 
 void steps_begin(const step_line& line, step_block& block, uint32_t count) {
@@ -115,15 +125,17 @@ void steps_add(step_block& block, uint32_t time, int32_t change) {
     const int32_t beyond = (change * int32_t(time & PHASE_MASK)) >> PHASE_SHIFT;
     int32_t* const target = &block.changes[time / STEPS_SAMPLE];
     for (uint32_t n = 0; n < TAPS; ++n) {
-        target[n] += taps.change[n] * int16_t(change) + taps.slope[n] * int16_t(beyond);
+        const int32_t part = taps.change[n] * int16_t(change) + taps.slope[n] * int16_t(beyond);
+        target[n] = wrapping_sum(target[n], part);
     }
 }
 
 void steps_take(step_line& line, const step_block& block, uint16_t* buffer, int32_t top) {
     int32_t level = line.level; // in a register
     for (uint32_t n = 0; n < block.count; ++n) {
-        level += block.changes[n];
-        buffer[n] = uint16_t(std::min((level + (1 << (UNIT_SHIFT - 1))) >> UNIT_SHIFT, top));
+        level = wrapping_sum(level, block.changes[n]);
+        const int32_t rounded = wrapping_sum(level, 1 << (UNIT_SHIFT - 1)) >> UNIT_SHIFT;
+        buffer[n] = uint16_t(std::min(rounded, top));
     }
     line.level = level;
     std::copy_n(block.changes.begin() + block.count, TAPS, line.changes.begin());

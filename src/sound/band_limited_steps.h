@@ -31,6 +31,8 @@ struct step_block {
 
 /// Starts a line that has been at `level` (0 to 32767) all the time.
 void steps_start(step_line& line, int32_t level);
+/// Whether the steps so far bring the line to `level`, as those of any line do.
+bool steps_come_to(const step_line& line, int32_t level);
 /// Begins a block of the line's next `count` samples, at most STEPS_BLOCK.
 void steps_begin(const step_line& line, step_block& block, uint32_t count);
 /// Adds a step by `change`, -32767 to 32767, at `time` within the block. The levels that the line

@@ -14,10 +14,16 @@ sound_source source = {"beeper", nullptr, render, beeper_reset};
 
 constexpr state_field beeper_fields[] = {{"sound_level", sizeof(beeper_state::sound_level)}};
 
+const char* fault(const beeper_state& state) {
+    return first_fault(
+        {{"sound_level", state.sound_level == 0 || state.sound_level == BEEPER_AMPLITUDE}});
+}
+
 } // namespace
 
 beeper_state beeper;
-const state_record beeper_record = {"beeper", &beeper, sizeof beeper, beeper_fields};
+const state_record beeper_record = {"beeper", &beeper, sizeof beeper, beeper_fields,
+                                    fault_of<beeper_state, fault>};
 
 void beeper_init() {
     beeper_reset();

@@ -37,6 +37,14 @@ int32_t step(iir_filter& filter, int32_t sample) {
 
 } // namespace
 
+bool filter_is_possible(const iir_filter& filter) {
+    constexpr double LARGEST_SAMPLE = 32768;
+    const bool is_fresh = filter.rate == 0 && filter.a == 0 && filter.b == 0;
+    const bool is_set_up = filter.a >= 0 && filter.a <= 1 && filter.b == 1.0 - filter.a;
+    return filter.type <= FILTER_LOW_PASS && (is_fresh || is_set_up) &&
+           filter.y >= -LARGEST_SAMPLE && filter.y <= LARGEST_SAMPLE;
+}
+
 iir_filter filter_iir_create(uint32_t type, uint32_t cutoff) {
     iir_filter filter;
     filter.type = type;

@@ -18,6 +18,8 @@ struct iir_filter {
     uint32_t unused = 0;
 };
 
+/// Whether the record's values are those of a filter, of which every output fits a sample.
+bool filter_is_possible(const iir_filter& filter);
 /// A filter at rest of one of the two types; `cutoff` in Hz.
 iir_filter filter_iir_create(uint32_t type, uint32_t cutoff);
 /// Makes the record one without a filter. Does nothing for a null pointer.

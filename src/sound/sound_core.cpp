@@ -24,6 +24,14 @@ constexpr state_field sound_core_fields[] = {
     {"hpfilter", sizeof(sound_core_state::hpfilter)},
 };
 
+const char* fault(const sound_core_state& core) {
+    return first_fault(
+        {{"sound_update_pos", core.sound_update_pos < FRAGMENT_SAMPLES},
+         {"begun_at_frame_end", core.begun_at_frame_end < FRAGMENT_SAMPLES},
+         {"next_fragment_count", core.next_fragment_count >= 0 && core.next_fragment_count <= 2},
+         {"hpfilter", filter_is_possible(core.hpfilter)}});
+}
+
 void render(uint32_t position, uint32_t count) {
     uint16_t* const target = sound_core.sound_buffer.data() + position;
     if (!snd_src_root) {
@@ -72,7 +80,7 @@ void fill(uint32_t count) {
 
 sound_core_state sound_core;
 const state_record sound_core_record = {"sound_core", &sound_core, sizeof sound_core,
-                                        sound_core_fields};
+                                        sound_core_fields, fault_of<sound_core_state, fault>};
 
 void sound_add_source(sound_source* source) {
     sound_source** link = &snd_src_root;

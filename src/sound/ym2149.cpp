@@ -59,6 +59,48 @@ constexpr state_field ay_fields[] = {
     {"clean_line", sizeof(ay_state::clean_line)},
 };
 
+/// Per sample, rounded to nearest.
+constexpr uint32_t chip_cycles(uint32_t clock_hz, uint32_t rate) {
+    return (clock_hz + rate / 2) / rate;
+}
+
+constexpr uint32_t LONGEST_TONE = 0xFFF00;
+constexpr uint32_t LONGEST_NOISE = 0x1F00;
+constexpr uint32_t LONGEST_ENVELOPE = 0xFFFF00;
+constexpr uint32_t FASTEST_CHIP = 100'000'000; ///< Hz
+constexpr int32_t HIGHEST_LEVEL = int32_t(CHANNELS * (amplitude.back() >> MIX_SHIFT));
+
+bool is_possible(const tone_channel& channel) {
+    return channel.period <= LONGEST_TONE && channel.volume <= 0x0F &&
+           (channel.envelope_mode & ~USE_ENVELOPE) == 0 && channel.output <= 1;
+}
+
+bool is_between(uint32_t value, uint32_t low, uint32_t high) {
+    return value >= low && value <= high;
+}
+
+const char* fault(const ay_state& chip) {
+    return first_fault(
+        {{"channel", std::ranges::all_of(chip.channel, is_possible)},
+         {"noise_period", is_between(chip.noise_period, SHORTEST_NOISE, LONGEST_NOISE)},
+         {"noise_counter", chip.noise_counter <= LONGEST_NOISE},
+         {"noise_output", chip.noise_output <= 1},
+         {"mixer", chip.mixer <= ALL_OFF},
+         {"envelope_period", is_between(chip.envelope_period, SHORTEST_ENVELOPE, LONGEST_ENVELOPE)},
+         {"direction", chip.direction >= -1 && chip.direction <= 1},
+         {"base", chip.base >= 0 && chip.base <= TOP_LEVEL},
+         {"shape", chip.shape <= 0x0F},
+         // Without cycles, time would stand still.
+         {"cycles_per_sample",
+          is_between(chip.cycles_per_sample, 1, chip_cycles(FASTEST_CHIP, SOUND_RATE) * 32)},
+         {"envelopecycles_per_sample",
+          is_between(chip.envelopecycles_per_sample, 1, chip_cycles(FASTEST_CHIP, SOUND_RATE))},
+         {"clean_sound", is_bool(chip.clean_sound)},
+         {"clean_runs", is_bool(chip.clean_runs)},
+         {"clean_level", chip.clean_level >= 0 && chip.clean_level <= HIGHEST_LEVEL},
+         {"clean_line", steps_come_to(chip.clean_line, chip.clean_level)}});
+}
+
 // Wires.
 std::array<uint8_t (*)(), 2> read_callback = {};
 std::array<void (*)(uint8_t), 2> write_callback = {};
@@ -181,7 +223,7 @@ bool is_output(uint32_t port) { return (ay.registers[REG_MIXER] >> (6 + port) & 
 } // namespace
 
 ay_state ay;
-const state_record ay_record = {"ay", &ay, sizeof ay, ay_fields};
+const state_record ay_record = {"ay", &ay, sizeof ay, ay_fields, fault_of<ay_state, fault>};
 
 void ym2149_init(uint32_t clock_hz) {
     ym2149_set_clock(clock_hz, SOUND_RATE);
@@ -197,7 +239,7 @@ void ym2149_onetime_init() {
 
 void ym2149_set_clock(uint32_t clock_hz, uint32_t rate) {
     ay.cycles_per_sample = (clock_hz * 32 + rate / 2) / rate;
-    ay.envelopecycles_per_sample = (clock_hz + rate / 2) / rate;
+    ay.envelopecycles_per_sample = chip_cycles(clock_hz, rate);
 }
 
 void ym2149_reset() {

@@ -4,6 +4,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
+#include <initializer_list>
 #include <span>
 
 enum class field_kind : uint8_t {
@@ -25,4 +27,36 @@ struct state_record {
     void* data;
     uint32_t size; ///< bytes
     std::span<const state_field> fields;
+    /// The name of a field whose value the module never gives it; null without one. With any bytes
+    /// for which the answer is null, the module does not reach outside of its arrays, end its
+    /// program or run for ever. Without this function any bytes will do.
+    const char* (*fault)(const void* record) = nullptr;
+    /// Of the layout and meaning of the fields: each change of them counts one up, and needs a row
+    /// among the state_converters, so that older state files can be loaded.
+    uint32_t version = 1;
 };
+
+/// Whether a field has a value that is possible.
+struct field_check {
+    const char* name;
+    bool possible;
+};
+inline const char* first_fault(std::initializer_list<field_check> checks) {
+    for (const field_check& check : checks) {
+        if (!check.possible) return check.name;
+    }
+    return nullptr;
+}
+
+/// A function that looks at its own type of record, as state_record has it.
+template <typename Record, const char* (*fault)(const Record&)>
+const char* fault_of(const void* record) {
+    return fault(*static_cast<const Record*>(record));
+}
+
+/// Whether this is a bool that may be looked at: of any bytes, most are none.
+inline bool is_bool(const bool& flag) {
+    uint8_t byte;
+    std::memcpy(&byte, &flag, sizeof byte);
+    return byte <= 1;
+}

@@ -45,6 +45,20 @@ constexpr state_field fields[] = {
 };
 
 constexpr uint64_t SCAN_LINES_PER_SECOND = 15625;
+constexpr uint64_t LONGEST_LINE = 100'000; ///< cycles
+
+const char* fault(const z80_record& z80) {
+    return first_fault({{"iff1", z80.iff1 <= 1},
+                        {"iff2", z80.iff2 <= 1},
+                        {"interrupt_mode", z80.interrupt_mode <= 2},
+                        {"irq", z80.irq == 0 || z80.irq == 1},
+                        {"nmi", z80.nmi == 0 || z80.nmi == 1},
+                        {"nmi_in_progress", z80.nmi_in_progress == 0 || z80.nmi_in_progress == 1},
+                        {"waits", z80.waits == 0 || z80.waits == 1},
+                        {"t_count", is_cycle_count(z80.t_count)},
+                        // A line without cycles would let traps go on for ever.
+                        {"cycles_per_line", z80.cycles_per_line - 1 < LONGEST_LINE}});
+}
 
 /// There are two loops, since noting the starts costs some percent of the speed. Both are
 /// flattened: when every operation is inlined, the compiler keeps the processor's registers in
@@ -64,7 +78,8 @@ inline int32_t run_budget(int32_t budget) {
 
 } // namespace
 
-constexpr state_record z80_state_record = {"z80_state", &z80_state, sizeof z80_state, fields};
+constexpr state_record z80_state_record = {"z80_state", &z80_state, sizeof z80_state, fields,
+                                           fault_of<z80_record, fault>};
 
 [[gnu::noinline, gnu::flatten]] int32_t z80_run_noting_starts(int32_t budget) {
     return run_budget<true>(budget);

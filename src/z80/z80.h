@@ -82,6 +82,10 @@ struct z80_record : z80_registers {
 
 extern z80_record z80_state;
 extern const state_record z80_state_record;
+/// The cycle counter of a state that can be loaded: so low that no sum with it ever overflows, and
+/// at the fastest clock reached after two years.
+constexpr int64_t MOST_CYCLES = int64_t(1) << 53;
+inline bool is_cycle_count(int64_t cycles) { return cycles >= 0 && cycles <= MOST_CYCLES; }
 
 /// Bits of F.
 enum : uint8_t {
