@@ -16,6 +16,14 @@ colour_standard palette_state;
 display_parameters display_params = START_PARAMETERS;
 
 namespace {
+/// What the palettes were calculated from.
+struct palette_inputs {
+    uint32_t standard = UNSET;
+    display_parameters parameters = {};
+    bool operator==(const palette_inputs&) const = default;
+};
+palette_inputs calculated_from;
+
 constexpr state_field palette_fields[] = {
     {"index", sizeof(colour_standard::index)},
 };
@@ -179,9 +187,13 @@ void calculate_palette(uint32_t standard) {
         std::transform(cgpalette[i], cgpalette[i] + 3, cgpalette[PALETTE_ENTRIES + i], dimmed);
     }
     build_yuv_tables();
+    calculated_from = {standard, display_params};
 }
 
-void palette_update() { calculate_palette(current_pal_index); }
+void palette_update() {
+    if (calculated_from == palette_inputs{current_pal_index, display_params}) return;
+    calculate_palette(current_pal_index);
+}
 
 void palette_set_saturation(uint32_t percent) {
     display_params.saturation = percent;

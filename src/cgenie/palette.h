@@ -25,6 +25,7 @@ struct yuv_pixel {
 /// it from 80 on, none at 0.
 struct display_parameters {
     uint32_t saturation, brightness, gamma, contrast, interlaced_line, reserved;
+    bool operator==(const display_parameters&) const = default;
 };
 
 extern uint8_t cgpalette[256][3]; ///< red, green, blue; 16 in all of an entry that is not used
@@ -43,7 +44,8 @@ inline constexpr auto& current_pal_index = palette_state.index;
 
 /// Rebuilds both palettes for standard 0 or 1.
 void calculate_palette(uint32_t standard);
-/// Rebuilds the palettes of the present standard, after a change of the parameters.
+/// Rebuilds the palettes of the present standard, after a change of the parameters or another
+/// state; nothing when they are up to date.
 void palette_update();
 /// Sets the strength of the colours, 0 (grey) to 100. It takes effect when the palettes are
 /// calculated next.
