@@ -1,9 +1,7 @@
 #include "host/command_table.h"
 
 #include "cgenie/hires_lowe.h"
-#include "cgenie/memory/memory.h"
 #include "cgenie/palette.h"
-#include "core/frame_driver.h"
 #include "core/machine.h"
 #include "core/machine_events.h"
 #include "core/pacing/pacing.h"
@@ -18,6 +16,7 @@
 #include "host/messages.h"
 #include "host/screen_text.h"
 #include "host/screenshot.h"
+#include "host/settings/choices.h"
 #include "host/shell.h"
 #include "media/files/cassette_files.h"
 #include "media/files/tape_sound_files.h"
@@ -66,9 +65,7 @@ Setting display_setting(const char* name, uint32_t* parameter) {
 }
 
 Setting custom_setting(const char* name, uint32_t machine_configuration::*choice) {
-    return {.name = name,
-            .place = &(machine_cfg[CUSTOM_CONFIGURATION].*choice),
-            .read = StartStep::options};
+    return {.name = name, .place = &(choices.custom.*choice), .read = StartStep::options};
 }
 
 template <unsigned DRIVE>
@@ -91,14 +88,11 @@ uint32_t possible_screen_frequency(uint32_t hz) {
 
 uint32_t possible_configuration(uint32_t index) { return machine_is_valid_cfg(index) ? index : 0; }
 
-constexpr NumberAccess lowe_board = {[] { return uint32_t(lowe.enabled); },
-                                     [](uint32_t on) { lowe.enabled = on; }};
 constexpr NumberAccess bit_depth = {[] { return g_1bitDisplay ? MONOCHROME : COLOUR_DEPTH; },
                                     [](uint32_t bits) { g_1bitDisplay = bits == MONOCHROME; }};
 /// Read through a function, since the parameter is unset until it is asked for.
 constexpr NumberAccess saturation = {palette_get_saturation,
                                      [](uint32_t n) { display_params.saturation = n; }};
-constexpr NumberAccess startup_pattern = {memory_get_startup_pattern, memory_set_startup_pattern};
 /// Empty while a tape is in: the program's end takes it out.
 constexpr TextAccess tape_name = {
     [] { return tape_cas_is_attached() ? std::string() : tape_get_cas_name(); },
@@ -147,12 +141,14 @@ const CommandRow rows[] = {
     {.id = COMMAND_LOWE_ON,
      .run = [] { choose_lowe_board(true); },
      .marked = [] { return lowe.enabled != 0; },
-     .setting =
-         {.name = "HiResLowe", .place = lowe_board, .initial = 0, .read = StartStep::options},
+     .setting = {.name = "HiResLowe",
+                 .place = &choices.graphics_board,
+                 .initial = 0,
+                 .read = StartStep::options},
      .line_switch = {.letter = 'g',
                      .usage = "        with the high-resolution graphics board, which changes"
                               " nothing",
-                     .obey = [](const Given&) { machine_apply(event_kind::graphics_board, 1); }}},
+                     .obey = [](const Given&) { choose_lowe_board(true); }}},
     {.id = COMMAND_1BIT_DISPLAY,
      .flag = &g_1bitDisplay,
      .run = canvas_depth_switched,
@@ -185,7 +181,7 @@ const CommandRow rows[] = {
                  .possible = [](uint32_t blur) { return blur > STRONGEST_BLUR ? 0 : blur; },
                  .mended = StartStep::screenshots}},
     {.setting = {.name = "ActiveConfig",
-                 .place = &active_machine_cfg,
+                 .place = &choices.active,
                  .initial = 0,
                  .read = StartStep::options,
                  .possible = possible_configuration}},
@@ -194,17 +190,17 @@ const CommandRow rows[] = {
     {.setting = custom_setting("CustomRomExpansion", &machine_configuration::expansion_rom)},
     {.setting = custom_setting("CustomRamSize", &machine_configuration::ram_size)},
     {.setting = {.name = "CustomCpuClockFreq",
-                 .place = &machine_cfg[CUSTOM_CONFIGURATION].cpu_clock,
+                 .place = &choices.custom.cpu_clock,
                  .initial = DEFAULT_CLOCK,
                  .read = StartStep::options,
                  .possible = possible_clock}},
     {.setting = {.name = "CustomScreenFreq",
-                 .place = &machine_cfg[CUSTOM_CONFIGURATION].screen_frequency,
+                 .place = &choices.custom.screen_frequency,
                  .initial = DEFAULT_SCREEN_FREQUENCY,
                  .read = StartStep::options,
                  .possible = possible_screen_frequency}},
     {.setting = {.name = "CustomPalette",
-                 .place = &machine_cfg[CUSTOM_CONFIGURATION].palette,
+                 .place = &choices.custom.palette,
                  .initial = 0,
                  .read = StartStep::palette,
                  .possible = [](uint32_t palette) { return palette & 1; }}},
@@ -239,14 +235,20 @@ const CommandRow rows[] = {
      .setting = {.name = "GiantScreen", .initial = 0, .read = StartStep::picture}},
     {.id = COMMAND_CLEAN_SOUND,
      .label = "&Clean sound",
-     .flag = &ym2149_clean,
-     .run = [] { machine_apply(event_kind::clean_sound, ym2149_clean); },
-     .setting = {.name = "CleanSound", .initial = 0, .read = StartStep::picture}},
+     .run = switch_clean_sound,
+     .marked = [] { return ym2149_clean; },
+     .setting = {.name = "CleanSound",
+                 .place = &choices.clean_sound,
+                 .initial = 0,
+                 .read = StartStep::picture}},
     {.id = COMMAND_PRINTER,
      .label = "&Enable printer (no joypad)",
-     .flag = &printer_enabled,
-     .run = printer_switched,
-     .setting = {.name = "EnablePrinter", .initial = 0, .read = StartStep::picture}},
+     .run = switch_printer,
+     .marked = [] { return printer_enabled; },
+     .setting = {.name = "EnablePrinter",
+                 .place = &choices.printer,
+                 .initial = 0,
+                 .read = StartStep::picture}},
     {.id = COMMAND_SAVE_VIDEO_RAM,
      .label = "Save video memory with screenshots (.V80)",
      .flag = &save_video_ram_w_screenshot,
@@ -254,11 +256,11 @@ const CommandRow rows[] = {
                  .initial = 0,
                  .read = StartStep::screenshots}},
     {.setting = {.name = "CustomRamStartupPattern",
-                 .place = startup_pattern,
+                 .place = &choices.startup_pattern,
                  .initial = 0,
                  .read = StartStep::startup_pattern}},
     {.setting = {.name = "CycleBasedEmulation",
-                 .place = &g_bCycleBasedEngine,
+                 .place = &choices.cycle_based,
                  .initial = 0,
                  .read = StartStep::engine}},
     {.id = COMMAND_ATTACH_DISK,
@@ -419,7 +421,8 @@ const CommandRow rows[] = {
      .label = "&Play/Record",
      .hint = "F5",
      .keys = {{{KEY_F5, 0}}},
-     .run = play_or_record},
+     .run = play_or_record,
+     .marked = [] { return tape_is_rolling() != 0; }},
     {.id = COMMAND_REWIND, .label = "&Rewind tape", .run = rewind_tape},
     {.id = COMMAND_ADJUST_HEAD, .label = "Adj&ust head...", .run = adjust_head},
 

@@ -2,6 +2,7 @@
 
 #include "cgenie/hires_lowe.h"
 #include "cgenie/memory/memory.h"
+#include "core/frame_driver.h"
 #include "core/machine.h"
 #include "core/machine_events.h"
 #include "core/pacing/pacing.h"
@@ -18,6 +19,7 @@
 #include "host/menu.h"
 #include "host/messages.h"
 #include "host/screenshot.h"
+#include "host/settings/choices.h"
 #include "host/shell.h"
 #include "host/status.h"
 #include "host/turn.h"
@@ -35,6 +37,7 @@
 #include "sound/output/sound_output.h"
 #include "sound/output/sound_ring.h"
 #include "sound/output/wav_capture.h"
+#include "sound/ym2149.h"
 #include "wall/machine_host.h"
 #include "z80/z80.h"
 
@@ -132,7 +135,7 @@ void toggle_monitor() {
 
 void configure_machine() {
     ui_machine_config([] {
-        timer_recalibrate_fps(machine_cfg[active_machine_cfg].screen_frequency);
+        timer_recalibrate_fps(frames_per_second());
         recreate_bitmap(g_GiantScreen, 8);
     });
 }
@@ -154,16 +157,23 @@ void paste_from_clipboard() {
     gui_paste_from_clipboard();
 }
 
-void printer_switched() {
-    machine_apply(event_kind::printer, printer_enabled);
-    if (printer_enabled) {
+void switch_printer() {
+    choices.printer = !printer_enabled;
+    machine_apply(event_kind::printer, choices.printer);
+    if (choices.printer) {
         printer_init();
     } else {
         printer_close();
     }
 }
 
+void switch_clean_sound() {
+    choices.clean_sound = !ym2149_clean;
+    machine_apply(event_kind::clean_sound, choices.clean_sound);
+}
+
 void choose_lowe_board(bool on) {
+    choices.graphics_board = on;
     machine_apply(event_kind::graphics_board, on);
     check_menu_item(COMMAND_LOWE_OFF, !on);
     check_menu_item(COMMAND_LOWE_ON, on);
@@ -332,6 +342,7 @@ void handle_command(int id) {
             check_menu_item(row->id, *row->flag);
         }
         if (row->run) row->run();
+        if (row->marked) check_menu_item(row->id, row->marked());
     };
     obey_user(run, [id] {
         if (id == COMMAND_EXIT) return;

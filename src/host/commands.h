@@ -36,7 +36,8 @@ void configure_machine();
 void pacing_switched();
 void key_mapping_switched();
 void paste_from_clipboard();
-void printer_switched();
+void switch_printer();
+void switch_clean_sound();
 void choose_lowe_board(bool on);
 void exit_program();
 

@@ -27,6 +27,7 @@
 #include "host/options.h"
 #include "host/rom_files.h"
 #include "host/screen_text.h"
+#include "host/settings/choices.h"
 #include "host/settings/prefs.h"
 #include "host/status.h"
 #include "host/turn.h"
@@ -96,6 +97,7 @@ void emu_init(const ShellOptions& options) {
     memory_seed_random(uint64_t(seed()) << 32 | seed());
     host_keyboard_init();
     machine_init();
+    choices = {.custom = machine_cfg[CUSTOM_CONFIGURATION]};
     video_init(machine_cfg[active_machine_cfg].palette & 1);
     joystick_init();
     printer_set_filename(data_directory + "/");
@@ -107,14 +109,15 @@ void emu_init(const ShellOptions& options) {
     main_disk_image_attach_remembered();
     read_options(StartStep::screenshots);
     read_options(StartStep::palette);
-    machine_change_cfg(machine_cfg[active_machine_cfg], 1);
+    choices_apply();
     init_timers();
     tape_init();
     if (printer_enabled) printer_init();
     read_options(StartStep::tape);
     read_options(StartStep::engine);
+    machine_apply(event_kind::engine, choices.cycle_based);
     g_KeyMapping = kept_key_mapping;
-    keyboard_change_mapping(g_KeyMapping);
+    machine_apply(event_kind::key_mapping, g_KeyMapping);
     prefs_flush();
     if (!line.wav.empty()) start_sound_recording(line.wav); // from the first frame on
     get_command_line(line);
@@ -124,7 +127,7 @@ void emu_init(const ShellOptions& options) {
     take_late_screenshot();
     if (!avi_name.empty()) video_save_to_avi(false, avi_name);
     StatusBarText("%s", "");
-    if (g_bSound && g_Timer) sound_init();
+    if (g_bSound && g_Timer) machine_apply(event_kind::start_sound);
     initJoyInput();
 }
 

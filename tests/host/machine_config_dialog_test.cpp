@@ -2,6 +2,7 @@
 #include "core/frame_driver.h"
 #include "core/machine.h"
 #include "host/dialogs/dialogs.h"
+#include "host/settings/choices.h"
 #include "host/settings/prefs.h"
 #include "host/status.h"
 #include "support/host_files.h"
@@ -54,6 +55,7 @@ TEST_F(MachineConfigDialogTest, ShowsWhatIsSet) {
     start(2);
     machine_configuration& custom = machine_cfg[CUSTOM_CONFIGURATION];
     custom = {3, 2, 1, 0, 4'000'000, 50, 1, 1, "Custom"};
+    choices.custom = custom;
     host->settings().set_number("CustomCpuClockFreq", 3'500'000);
     host->settings().set_number("CycleBasedEmulation", 1);
     host->settings().set_text("ExpansionROMPath", "dos.rom");

@@ -4,6 +4,7 @@
 #include "core/machine_events.h"
 #include "host/dialogs/ask.h"
 #include "host/dialogs/dialogs.h"
+#include "host/settings/choices.h"
 #include "host/settings/prefs.h"
 #include "platform/platform.h"
 #include "wall/machine_host.h"
@@ -148,6 +149,13 @@ void start_with_present_state() {
     restart_reqd = false;
 }
 
+/// What the settings have, unless a loaded state has brought the machine something else.
+uint32_t stored_or_present(const char* setting, uint32_t present, uint32_t chosen) {
+    uint32_t stored = present;
+    GetValueDword(setting, &stored);
+    return present == chosen ? stored : present;
+}
+
 void show_choices(Form& form) {
     for (const RomChoice& rom : rom_choices) {
         std::string path;
@@ -158,12 +166,11 @@ void show_choices(Form& form) {
     form.set_value(MACHINE_PALETTE, int(new_custom_cfg.palette));
     form.set_value(MACHINE_RAM, int(new_custom_cfg.ram_size));
 
-    uint32_t clock = new_custom_cfg.cpu_clock;
-    GetValueDword("CustomCpuClockFreq", &clock);
-    form.set_number(MACHINE_CLOCK, clock);
-    uint32_t cycle_based = g_bCycleBasedEngine ? 1 : 0;
-    GetValueDword("CycleBasedEmulation", &cycle_based);
-    form.set_value(MACHINE_CYCLE_BASED, cycle_based != 0);
+    const bool cycle_based = g_bCycleBasedEngine;
+    form.set_number(MACHINE_CLOCK, stored_or_present("CustomCpuClockFreq", new_custom_cfg.cpu_clock,
+                                                     choices.custom.cpu_clock));
+    form.set_value(MACHINE_CYCLE_BASED,
+                   stored_or_present("CycleBasedEmulation", cycle_based, choices.cycle_based) != 0);
 
     const uint32_t pattern = memory_get_startup_pattern();
     form.set_text(MACHINE_PATTERN,
@@ -271,10 +278,14 @@ void take_over(Form& form) {
     const uint32_t cycle_based = form.value(MACHINE_CYCLE_BASED) ? 1 : 0;
     SetValueDword("CycleBasedEmulation", &cycle_based);
     prefs_flush();
-    machine_apply(event_kind::engine, int32_t(cycle_based));
-    machine_apply(event_kind::startup_pattern, int32_t(pattern_from(form.text(MACHINE_PATTERN))));
+    choices.cycle_based = cycle_based != 0;
+    choices.startup_pattern = pattern_from(form.text(MACHINE_PATTERN));
+    machine_apply(event_kind::engine, choices.cycle_based);
+    machine_apply(event_kind::startup_pattern, int32_t(choices.startup_pattern));
     new_custom_cfg.palette = uint32_t(form.value(MACHINE_PALETTE));
     new_custom_cfg.ram_size = uint32_t(form.value(MACHINE_RAM));
+    choices.custom = new_custom_cfg;
+    choices.active = new_cfg;
     choose(0);
     machine_apply(event_kind::configure, int32_t(new_cfg), restart_reqd);
 }
