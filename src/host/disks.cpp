@@ -3,13 +3,14 @@
 #include "core/machine_events.h"
 #include "core/pacing/pacing.h"
 #include "files/name_claim.h"
+#include "files/whole_file.h"
 #include "host/autostart.h"
 #include "host/dialogs/hold.h"
 #include "host/disk_journal.h"
 #include "host/disk_questions.h"
 #include "host/menu.h"
 #include "host/shell_state.h"
-#include "media/files/drive_files.h"
+#include "media/files/rescue.h"
 #include "platform/platform.h"
 #include "wall/machine_host.h"
 
@@ -20,6 +21,8 @@
 #include <memory>
 #include <utility>
 #include <vector>
+
+#include <unistd.h>
 
 namespace {
 
@@ -33,11 +36,13 @@ struct DiskCare {
     bool journal_failed = false; ///< which has been reported
     /// There may be a journal of an earlier run, about which the user has to be asked.
     bool journal_waits = false;
+    bool is_followed = false; ///< the disk belongs to the drive's file, or to none
 };
 std::array<DiskCare, DISK_DRIVES> cares;
 /// Paths of remembered images that could not be put in.
 std::array<std::string, DISK_DRIVES> absent;
 bool journals_are_offered = false;
+bool journals_are_held = false;
 int64_t last_kept = 0; ///< in counts of the host's clock
 
 std::string drive_text(unsigned drive, const std::string& content) {
@@ -58,15 +63,28 @@ std::string image_problem(const std::string& path) {
 
 std::string drive_name(unsigned drive) { return "drive :" + std::to_string(drive); }
 
+void show_drive(unsigned drive) {
+    const bool empty = !diskimg_inserted(wd1771.disks[drive]);
+    const std::string& path = drive_files[drive].path;
+    const std::string content = empty ? "<no disk>" : path.empty() ? "<no file>" : path;
+    modify_menu_text(COMMAND_ATTACH_DISK + int(drive), drive_text(drive, content));
+}
+
 void empty_drive(unsigned drive) {
     diskimg_detach(drive, false);
     cares[drive] = {};
-    modify_menu_text(COMMAND_ATTACH_DISK + int(drive), drive_text(drive, "<no disk>"));
+    show_drive(drive);
+}
+
+void set_protection(unsigned drive) {
+    const bool level = cares[drive].is_protected;
+    if ((wd1771.disks[drive].write_protected != 0) == level) return;
+    machine_apply(event_kind::disk_protect, int32_t(drive), level);
 }
 
 void protect(unsigned drive, bool level) {
     cares[drive].is_protected = level;
-    machine_apply(event_kind::disk_protect, int32_t(drive), level);
+    set_protection(drive);
 }
 
 // ---- writing back ------------------------------------------------------------------------------
@@ -264,10 +282,74 @@ bool put_in(unsigned drive, const std::string& path) {
     const disk_record& disk = wd1771.disks[drive];
     StatusBarText("Disk: %u side(s), %u tracks, %u sectors, %u kb.", disk.side_value + 1,
                   disk.tracks, disk.sectors, disk.size / KILOBYTE);
-    modify_menu_text(COMMAND_ATTACH_DISK + int(drive), drive_text(drive, path));
+    cares[drive].is_followed = true;
+    show_drive(drive);
     claim_image(drive);
     watch_journal(drive);
     return true;
+}
+
+// ---- another state of the machine ---------------------------------------------------------------
+
+/// Whether the drive has the file already. A state's disk is no journal's to replace any more.
+bool belongs_to(unsigned drive, const disk_file& file) {
+    const disk_file& present = drive_files[drive];
+    const DiskCare& care = cares[drive];
+    return diskimg_inserted(wd1771.disks[drive]) && care.is_followed && !care.journal_waits &&
+           present.path == file.path && present.hash == file.hash;
+}
+
+void leave_file(unsigned drive) {
+    drive_files[drive] = {};
+    cares[drive] = {};
+    show_drive(drive);
+}
+
+bool differs_from_file(unsigned drive) {
+    const auto bytes = read_whole_file(drive_files[drive].path);
+    return !bytes || content_hash(*bytes) != content_hash(drive_contents[drive].view());
+}
+
+/// The disk's journal goes on from what it holds.
+void go_on_with_journal(unsigned drive) {
+    const disk_file& file = drive_files[drive];
+    DiskJournal& journal = cares[drive].journal;
+    // Without a journal, a disk that is not as its file has to get one.
+    journal.begin(differs_from_file(drive) ? shared_bytes() : drive_contents[drive]);
+    const auto left = find_left_journal(file);
+    if (!left) return;
+    const uint64_t hash = content_hash(left->image);
+    if (hash != file.hash && hash != content_hash(drive_contents[drive].view())) {
+        const std::string rescue = rescue_path(file.path);
+        if (!replace_whole_file(rescue, left->image)) return report(unwritable(rescue));
+        report({.text = "What was written to the disk of " + drive_name(drive) + " is in " + rescue,
+                .file = file.path,
+                .reason = "the disk is now as it was at another time",
+                .severity = Severity::note});
+    }
+    journal.begin(shared_bytes(left->image));
+    journal.resume(*left);
+}
+
+void take_file(unsigned drive, const disk_file& file) {
+    drive_files[drive] = {file.path, file_identity(file.path), file.hash};
+    cares[drive].is_followed = true;
+    show_drive(drive);
+    if (file.path.empty()) return;
+    const std::string problem = file_problem(file.path);
+    if (!problem.empty() || diskimg_file_changed(drive)) {
+        report({.text = "The disk of " + drive_name(drive) + " is another than that in its file",
+                .file = file.path,
+                .reason = problem.empty() ? "the file holds something else than before" : problem,
+                .remedy = "The file stays as it is until the disk is taken out and saved.",
+                .severity = Severity::warning});
+    }
+    cares[drive].is_protected = problem.empty() && access(file.path.c_str(), W_OK) != 0;
+    set_protection(drive);
+    claim_image(drive);
+    if (shell_state.start.keep_disk_journals && !cares[drive].is_protected) {
+        go_on_with_journal(drive);
+    }
 }
 
 /// Takes out this disk and those of the drives after it.
@@ -356,7 +438,7 @@ void main_disk_offer_journals() {
 }
 
 void main_disk_keep_journals() {
-    if (!shell_state.start.keep_disk_journals) return;
+    if (!shell_state.start.keep_disk_journals || journals_are_held) return;
     last_kept = platform().clock().counter();
     for (unsigned drive = 0; drive < DISK_DRIVES; ++drive) {
         if (diskimg_inserted(wd1771.disks[drive])) keep_journal(drive);
@@ -371,18 +453,22 @@ void main_disk_keep_journals_when_due() {
     main_disk_keep_journals();
 }
 
-void main_disk_follow_machine() {
+void main_disk_hold_journals(bool on) { journals_are_held = on; }
+
+void main_disk_follow(const std::array<disk_file, DISK_DRIVES>& files) {
+    std::array<bool, DISK_DRIVES> stays;
     for (unsigned drive = 0; drive < DISK_DRIVES; ++drive) {
-        disk_record& disk = wd1771.disks[drive];
-        const disk_file& file = drive_files[drive];
-        if (!diskimg_inserted(disk)) {
-            if (!file.path.empty()) empty_drive(drive);
-            continue;
+        stays[drive] = belongs_to(drive, files[drive]);
+        if (!stays[drive]) leave_file(drive); // before any drive claims it
+    }
+    for (unsigned drive = 0; drive < DISK_DRIVES; ++drive) {
+        if (!diskimg_inserted(wd1771.disks[drive])) continue;
+        absent[drive].clear();
+        if (!stays[drive]) take_file(drive, files[drive]);
+        set_protection(drive);
+        if (!wd1771.disks[drive].modified && differs_from_file(drive)) {
+            machine_apply(event_kind::disk_replace, int32_t(drive), 0, drive_contents[drive]);
         }
-        modify_menu_text(COMMAND_ATTACH_DISK + int(drive),
-                         drive_text(drive, file.path.empty() ? "<no file>" : file.path));
-        machine_apply(event_kind::disk_protect, int32_t(drive), cares[drive].is_protected);
-        if (content_hash(drive_contents[drive].view()) != file.hash) disk.modified = 1;
     }
 }
 

@@ -7,6 +7,9 @@
 /// another drive, or in one of another running program, is write-protected. Other drive numbers,
 /// and an empty path, do nothing. The status bar tells the result.
 
+#include "media/files/drive_files.h"
+
+#include <array>
 #include <functional>
 #include <string>
 
@@ -34,10 +37,14 @@ void main_disk_offer_journals();
 /// most.
 void main_disk_keep_journals();
 void main_disk_keep_journals_when_due();
-/// To be called when another state of the machine has been loaded, which brings its own disks. The
-/// disk of a drive then belongs to the file that the drive had, and counts as changed when it
-/// differs from it. What was written to a disk that is gone stays in its journal.
-void main_disk_follow_machine();
+/// While it is on, journals stay as they are: the machine shows an earlier moment, and comes back.
+void main_disk_hold_journals(bool on);
+/// For another state of the machine, which brings its own disks: the one of each drive belongs to
+/// the file of that drive here, or to none without a path. It counts as changed when the file holds
+/// anything else. What was written to a disk that is gone stays in its journal; where a disk comes
+/// back that has a journal, what only that one has goes to the rescue folder. The user is told,
+/// also of files that are missing or have changed.
+void main_disk_follow(const std::array<disk_file, DISK_DRIVES>& files);
 /// For the end of the program: takes out all disks as above. From the first one that stays, what
 /// was written is left in the journals. When a disk's journal cannot be written, or with
 /// save_changed_disks its file, the disk goes to a rescue file; when neither is asked for, its loss

@@ -1,19 +1,24 @@
 #include "host/machine_callbacks.h"
 
 #include "cgenie/palette.h"
+#include "core/frame_driver.h"
+#include "core/machine.h"
 #include "core/pacing/pacing.h"
+#include "host/attachments.h"
 #include "host/avi.h"
 #include "host/commands.h"
-#include "host/disks.h"
 #include "host/display.h"
 #include "host/joysticks.h"
 #include "host/key_map.h"
 #include "host/messages.h"
+#include "host/options.h"
 #include "host/rom_files.h"
 #include "host/save_question.h"
 #include "host/screenshot.h"
 #include "host/status.h"
 #include "media/files/media_files.h"
+#include "media/tape_audio.h"
+#include "media/wd1771.h"
 #include "sound/output/sound_ring.h"
 #include "wall/machine_host.h"
 
@@ -35,8 +40,8 @@ void connect_machine() {
     };
     machine_host.was_reset = [] { last_file_name.clear(); };
     machine_host.stale = [] {
-        main_disk_follow_machine();
-        palette_update();
+        attachments_are_unknown();
+        show_machine_anew();
     };
     machine_host.save_question = take_save_answer;
     machine_host.breakpoint_reached = host_breakpoint_reached;
@@ -50,4 +55,15 @@ void connect_machine() {
         .answer_question = ask_save_question,
         .frame_ran = [] {},
     };
+}
+
+void show_machine_anew() {
+    palette_update();
+    show_palette();
+    set_check_marks();
+    machine_show_cfg();
+    led_update(wd1771_is_active());
+    tape_show_counter_anew();
+    timer_recalibrate_fps(frames_per_second());
+    update_screen(1);
 }

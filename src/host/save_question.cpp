@@ -14,6 +14,8 @@ bool asking = false; ///< the dialog is open
 
 save_answer take_save_answer() { return std::exchange(answer, SAVE_NOT_YET); }
 
+void forget_save_answer() { answer = SAVE_NOT_YET; }
+
 bool ask_save_question() {
     if (!std::exchange(asking, true)) get_ui_save_tape_filename(answer_save_question);
     return answer != SAVE_NOT_YET;

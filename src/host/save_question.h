@@ -13,5 +13,7 @@ save_answer take_save_answer();
 /// Puts the question to the user, by the dialog of saved tapes; true when it is answered already.
 /// Otherwise the shell is held until it is, and the machine goes on with the next frame.
 bool ask_save_question();
+/// An answer that has not been taken was for another state of the machine.
+void forget_save_answer();
 /// The user's answer: a file to be made, or none (nothing, or an empty name).
 void answer_save_question(const std::optional<std::string>& path);

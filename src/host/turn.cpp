@@ -2,6 +2,7 @@
 
 #include "core/machine_events.h"
 #include "core/pacing/pacing.h"
+#include "host/attachments.h"
 #include "host/autostart.h"
 #include "host/commands.h"
 #include "host/dialogs/hold.h"
@@ -224,6 +225,7 @@ void WindowProcedure(const Event& event) {
 ShellTurn shell_turn() {
     using enum ShellTurn::Next;
     const bool was_held = shell_is_held();
+    attachments_settle();
     if (std::exchange(turn.menu_closed, false)) leave_menu();
     handle_messages();
     if (const int64_t left = rest_left()) return {.next = in_time, .microseconds = left};

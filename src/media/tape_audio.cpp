@@ -209,6 +209,12 @@ void tape_update_counter(int64_t cycles) {
     show_counter();
 }
 
+void tape_show_counter_anew() {
+    tape_audio.shown_counter = NOTHING_SHOWN;
+    if (!tape_wav_is_open()) StatusBarPartText(PART_CASSETTE, "%s", "");
+    show_counter();
+}
+
 void tape_play_wav(const wav_format& wav) {
     tape_remove_traps();
     wav_forget_window();

@@ -61,6 +61,8 @@ int tape_load_wav(int64_t cycles);
 void tape_save_wav(int64_t cycles, int bit);
 /// Moves a running tape up to `cycles` and shows the seconds from its start when they changed.
 void tape_update_counter(int64_t cycles);
+/// Shows the seconds of the tape that is in, changed or not; nothing without one.
+void tape_show_counter_anew();
 
 /// A WAV file is in, to be played; none was before. The host reads it (machine_host.read_tape).
 void tape_play_wav(const wav_format& wav);

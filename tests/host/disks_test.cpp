@@ -254,26 +254,6 @@ TEST_F(DisksTest, OneDriveAtATimeWritesToAnImage) {
     EXPECT_FALSE(wd1771_disk(3).write_protected);
 }
 
-TEST_F(DisksTest, ALoadedStateBringsItsDisks) {
-    machine_state state;
-    attach(1, "a.dsk");
-    machine_save(state);
-    change(1);
-    host->dialogs().answers = {YES, NO};
-    command(DETACH + 1);
-    attach(0, "b.dsk");
-    machine_load(state);
-    EXPECT_EQ(text_of(0), text_of(0, "<no disk>"));
-    EXPECT_EQ(text_of(1), text_of(1, "<no file>"));
-    host->dialogs().answers = {NO};
-    command(DETACH + 1);
-    attach(1, "a.dsk");
-    machine_load(state);
-    host->dialogs().answers = {YES}; // it is another than that of the file
-    command(DETACH + 1);
-    EXPECT_FALSE(is_changed("a.dsk"));
-}
-
 class DiskJournalTest : public DisksTest {
 protected:
     static constexpr int TAKE = 0, LOOK = 1;

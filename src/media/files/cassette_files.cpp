@@ -3,8 +3,10 @@
 #include "core/machine_events.h"
 #include "files/file_handle.h"
 #include "files/whole_file.h"
+#include "media/files/rescue.h"
 #include "media/tape.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <string_view>
@@ -22,6 +24,8 @@ constexpr int TOKENIZED_MARK = 0xFF;
 FileHandle saved; ///< the tape that is being saved
 std::string saved_path;
 std::string casfilename;
+bool is_named_after_tape = false; ///< and not after that of the last run
+std::string left; ///< path of a tape that goes on in a new file, as soon as it does; else empty
 
 /// Regular files only: a folder holds no tape, and a pipe would hold up the machine.
 FileHandle open_regular_file(const std::string& path, int flags, const char* mode) {
@@ -40,9 +44,28 @@ uint16_t hexadecimal(const std::string& text) {
     return std::sscanf(text.c_str(), "%4hx", &value) == 1 ? value : uint16_t(0);
 }
 
+/// Makes the new file for the tape that is saved.
+bool go_on_elsewhere() {
+    const std::string old = std::exchange(left, {});
+    const std::string path = rescue_path(old);
+    if (path.empty() || !replace_whole_file(path, cas.view())) {
+        report(unwritable(path));
+        return false;
+    }
+    saved = open_regular_file(path, O_RDWR, "r+b");
+    casfilename = saved_path = path;
+    report({.text = "The tape goes on in " + path,
+            .file = old,
+            .reason = "the machine has gone back to an earlier state of it",
+            .remedy = "This file stays as it was written.",
+            .severity = Severity::warning});
+    return saved != nullptr;
+}
+
 void put_in(std::string path, std::vector<uint8_t> image) {
     machine_apply(event_kind::tape_in, 0, 0, shared_bytes(std::move(image)));
     casfilename = std::move(path);
+    is_named_after_tape = true;
 }
 
 } // namespace
@@ -63,6 +86,7 @@ void tape_attach_bytes(std::string path, std::span<const uint8_t> bytes) {
 
 void tape_detach_cas() {
     if (tape_cas_is_attached()) casfilename.clear();
+    is_named_after_tape = false;
     machine_apply(event_kind::tape_out);
 }
 
@@ -120,6 +144,7 @@ int tape_create_file(const std::string& path) {
     saved = open_regular_file(path, O_RDWR | O_CREAT | O_TRUNC, "r+b");
     if (saved) {
         casfilename = saved_path = path;
+        is_named_after_tape = true;
         return 1;
     }
     report(unwritable(path));
@@ -128,7 +153,7 @@ int tape_create_file(const std::string& path) {
 }
 
 int tape_file_write(uint64_t position, const uint8_t* bytes, size_t count) {
-    if (!saved) return 0;
+    if (!saved && (left.empty() || !go_on_elsewhere())) return 0;
     if (pwrite(fileno(saved.get()), bytes, count, off_t(position)) == ssize_t(count)) return 1;
     const Report failed = unwritable(saved_path);
     saved.reset();
@@ -138,7 +163,21 @@ int tape_file_write(uint64_t position, const uint8_t* bytes, size_t count) {
 
 /// Not every file system can promise it.
 void tape_file_end() {
+    left.clear();
     if (!saved) return;
     if (fdatasync(fileno(saved.get())) != 0 && errno != EINVAL) report(unwritable(saved_path));
     saved.reset();
+}
+
+void tape_file_follow(const std::string& path) {
+    tape_file_end();
+    if (cassette.attached || is_named_after_tape) casfilename = path;
+    is_named_after_tape = cassette.attached != 0;
+    if (!cassette.saving) return;
+    const auto bytes = read_whole_file(path);
+    if (bytes && std::ranges::equal(*bytes, cas.view())) {
+        saved = open_regular_file(path, O_RDWR, "r+b");
+        saved_path = path;
+    }
+    if (!saved) left = path.empty() ? "tape.cas" : path;
 }

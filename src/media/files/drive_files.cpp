@@ -2,11 +2,10 @@
 
 #include "core/machine_events.h"
 #include "files/whole_file.h"
+#include "media/files/rescue.h"
 #include "media/wd1771.h"
-#include "platform/platform.h"
 #include "wall/report.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -16,31 +15,7 @@
 
 std::array<disk_file, DISK_DRIVES> drive_files;
 
-namespace {
-
 namespace fs = std::filesystem;
-
-constexpr int MOST_RESCUES = 1000;       ///< of one name
-constexpr size_t LONGEST_NAME = 255 - 7; ///< leaves room for the end that a file being written has
-
-/// A name in the user's data directory that no file has yet; empty when all are taken.
-fs::path rescue_path(const std::string& path) {
-    const fs::path folder = fs::path(platform().paths().data_directory()) / "rescue";
-    const std::string name = fs::path(path).filename().string();
-    const std::string extension = fs::path(name).extension().string();
-    const std::string stem = name.substr(0, name.size() - extension.size());
-    std::error_code error;
-    fs::create_directories(folder, error);
-    for (int n = 0; n < MOST_RESCUES; ++n) {
-        const std::string ending = (n ? "-" + std::to_string(n) : "") + extension;
-        const size_t room = LONGEST_NAME - std::min(LONGEST_NAME, ending.size());
-        fs::path rescue = folder / (stem.substr(0, room) + ending);
-        if (!fs::exists(fs::symlink_status(rescue, error))) return rescue;
-    }
-    return {};
-}
-
-} // namespace
 
 int diskimg_attach(unsigned drive, const std::string& path) {
     diskimg_detach(drive, false);
@@ -70,7 +45,7 @@ int diskimg_write_back(unsigned drive) {
 }
 
 std::optional<std::string> diskimg_rescue(unsigned drive) {
-    const std::string rescue = rescue_path(drive_files[drive].path).string();
+    const std::string rescue = rescue_path(drive_files[drive].path);
     if (rescue.empty() || !replace_whole_file(rescue, drive_contents[drive].view())) return {};
     return rescue;
 }

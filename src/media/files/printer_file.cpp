@@ -42,6 +42,15 @@ FileHandle open_printout() {
     return {};
 }
 
+void open_print() {
+    if (print) return;
+    std::error_code ignored; // a directory that cannot be made shows when the file is opened
+    std::filesystem::create_directories(printout_path.parent_path(), ignored);
+    print = open_printout();
+    // Each byte reaches the file at once, for whoever watches it.
+    if (print) std::setvbuf(print.get(), nullptr, _IONBF, 0);
+}
+
 } // namespace
 
 void printer_set_filename(const std::string& directory) {
@@ -49,13 +58,7 @@ void printer_set_filename(const std::string& directory) {
 }
 
 void printer_init() {
-    if (!print) {
-        std::error_code ignored; // a directory that cannot be made shows when the file is opened
-        std::filesystem::create_directories(printout_path.parent_path(), ignored);
-        print = open_printout();
-        // Each byte reaches the file at once, for whoever watches it.
-        if (print) std::setvbuf(print.get(), nullptr, _IONBF, 0);
-    }
+    open_print();
     machine_apply(event_kind::printer_reset);
     machine_apply(event_kind::printer_file, print != nullptr);
 }
@@ -63,6 +66,13 @@ void printer_init() {
 void printer_close() {
     machine_apply(event_kind::printer_file, 0);
     print.reset();
+}
+
+void printer_file_follow() {
+    if (!printer_enabled) return print.reset();
+    open_print();
+    if (printer.open != (print != nullptr))
+        machine_apply(event_kind::printer_file, print != nullptr);
 }
 
 int printer_file_write(const uint8_t* bytes, size_t count) {

@@ -13,6 +13,8 @@ void printer_set_filename(const std::string& directory);
 void printer_init();
 /// Prints what waits, and closes the file.
 void printer_close();
+/// For another state of the machine: its printer goes on at the file's end.
+void printer_file_follow();
 /// Writes what is printed. When that fails, the file is closed, the user is told, and the result is
 /// 0.
 int printer_file_write(const uint8_t* bytes, size_t count);

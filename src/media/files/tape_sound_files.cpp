@@ -1,25 +1,30 @@
 #include "media/files/tape_sound_files.h"
 
 #include "core/machine_events.h"
+#include "files/file_identity.h"
 #include "media/tape_audio.h"
 #include "sound/wav_header.h"
 #include "wall/report.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <utility>
+#include <vector>
 
 #include <unistd.h>
 
 namespace {
 
 constexpr uint32_t RECORDED_BITS = 8;
+constexpr size_t HASHED_BLOCK = 1 << 20;
 /// The lengths have 32 bits.
 constexpr uint64_t MOST_SAMPLES = 0xFFFFFFFF - (WAV_HEADER_BYTES - WAV_RIFF_OVERHEAD);
 
 FileHandle played;
+played_wav played_file;
 
 struct Recording {
     FileHandle file;
@@ -61,6 +66,30 @@ int write_samples(uint64_t position, const uint8_t* samples, size_t count) {
     return error;
 }
 
+/// Of the whole file that plays; it may be too long to be read at once.
+uint64_t hash_of_played() {
+    std::vector<uint8_t> block(HASHED_BLOCK);
+    std::array<uint64_t, 2> sums = {};
+    for (uint64_t offset = 0;;) {
+        const size_t count = tape_sound_read(offset, block.data(), block.size());
+        if (count == 0) return sums[0];
+        offset += count;
+        sums[1] = content_hash(std::span(block).first(count));
+        sums[0] = content_hash({reinterpret_cast<const uint8_t*>(sums.data()), sizeof sums});
+    }
+}
+
+/// The event tape_play_wav.
+shared_bytes event_of(const wav_format& wav) {
+    std::vector<uint8_t> bytes(sizeof wav);
+    std::memcpy(bytes.data(), &wav, sizeof wav);
+    for (unsigned n = 0; n < sizeof played_file.hash; ++n) {
+        bytes.push_back(uint8_t(played_file.hash >> 8 * n));
+    }
+    bytes.insert(bytes.end(), played_file.path.begin(), played_file.path.end());
+    return shared_bytes(std::move(bytes));
+}
+
 void print_diagnostics(const wav_format& wav) {
     std::fprintf(stderr, "WAV. Resolution: %i\n", int(wav.bits));
     std::fprintf(stderr, "WAV. Samples per second: %i\n", int(wav.rate));
@@ -79,7 +108,8 @@ int tape_open_wav(const std::string& path) {
         report({.text = path + " cannot be played: " + problem + "."});
         return 0;
     }
-    machine_apply(event_kind::tape_play_wav, 0, 0, bytes_of(wav));
+    played_file = {path, hash_of_played()};
+    machine_apply(event_kind::tape_play_wav, 0, 0, event_of(wav));
     print_diagnostics(wav);
     return 1;
 }
@@ -116,4 +146,40 @@ void tape_sound_end() {
     if (recording.file) fdatasync(fileno(recording.file.get()));
     recording = {};
     played.reset();
+    played_file = {};
+}
+
+played_wav tape_sound_played() { return played_file; }
+
+std::string tape_sound_follow(const played_wav& wav) {
+    const bool same = played && wav.path == played_file.path && wav.hash == played_file.hash;
+    if (same && !recording.file) return {};
+    tape_sound_end();
+    if (wav.path.empty()) return {};
+    wav_format found;
+    std::string problem = wav_file_open(wav.path, played, found);
+    if (problem.empty() && hash_of_played() != wav.hash) {
+        problem = "it holds something else than before";
+    }
+    if (problem.empty()) {
+        played_file = wav;
+    } else {
+        played.reset();
+    }
+    return problem;
+}
+
+played_wav tape_sound_of_event(std::span<const uint8_t> event) {
+    played_wav wav;
+    if (event.size() < sizeof(wav_format) + sizeof wav.hash) return wav;
+    event = event.subspan(sizeof(wav_format));
+    for (unsigned n = 0; n < sizeof wav.hash; ++n) wav.hash |= uint64_t(event[n]) << 8 * n;
+    event = event.subspan(sizeof wav.hash);
+    wav.path.assign(event.begin(), event.end());
+    return wav;
+}
+
+void tape_sound_flush() {
+    if (!tape_audio.recording || !recording.file) return;
+    tape_sound_write(tape_audio.position, tape_audio.pending, tape_audio.pending_count);
 }

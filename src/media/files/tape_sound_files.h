@@ -13,6 +13,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 
 /// Puts in a recording to be played, for the one that is in. 1 on success; a file that cannot be
@@ -20,6 +21,21 @@
 int tape_open_wav(const std::string& path);
 /// A new recording at `rate` samples per second, for the one that is in; 1 on success.
 int tape_create_wav(const std::string& path, int rate);
+
+/// Which file plays, and the hash of what it held when it was put in.
+struct played_wav {
+    std::string path;
+    uint64_t hash = 0;
+};
+/// Without a path when none plays.
+played_wav tape_sound_played();
+/// For another state of the machine, in which `wav` plays, or none. A recording is complete as it
+/// is. Returns why the file cannot be played, in words for the user, or nothing.
+std::string tape_sound_follow(const played_wav& wav);
+/// What stands behind the wav_format in the event tape_play_wav: hash and path.
+played_wav tape_sound_of_event(std::span<const uint8_t> event);
+/// Writes the samples that the recorder has not put out yet, as it will do itself later.
+void tape_sound_flush();
 
 /// Opens a file and finds its samples. Returns why that failed, in words for the user, or nothing.
 std::string wav_file_open(const std::string& path, FileHandle& file, wav_format& wav);
