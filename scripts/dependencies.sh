@@ -31,8 +31,15 @@ done
 if [[ ${#missing[@]} -eq 0 ]]; then exit 0; fi
 
 echo "installing: ${missing[*]}"
-as_root=()
-if [[ $(id -u) -ne 0 ]]; then as_root=(sudo); fi
-export DEBIAN_FRONTEND=noninteractive
-"${as_root[@]}" apt-get update -qq
-"${as_root[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
+# With the archive's news where it can be reached, and after whoever installs just now. Debian has sudo
+# only where the administrator has no password.
+install="export DEBIAN_FRONTEND=noninteractive
+         apt-get update -qq
+         apt-get install -y -qq --no-install-recommends -o DPkg::Lock::Timeout=600 ${missing[*]} >/dev/null"
+if [[ $(id -u) -eq 0 ]]; then
+    sh -c "$install"
+elif command -v sudo >/dev/null; then
+    sudo sh -c "$install"
+else
+    su - -c "$install"
+fi
