@@ -20,6 +20,8 @@
 #include "media/tape_audio.h"
 #include "media/wd1771.h"
 #include "sound/output/sound_ring.h"
+#include "time/event_feed.h"
+#include "time/history.h"
 #include "wall/machine_host.h"
 
 #include <cstdio>
@@ -40,6 +42,7 @@ void connect_machine() {
     };
     machine_host.was_reset = [] { last_file_name.clear(); };
     machine_host.stale = [] {
+        event_feed_another_state();
         attachments_are_unknown();
         show_machine_anew();
     };
@@ -53,7 +56,11 @@ void connect_machine() {
         .save_screenshot = host_save_screenshot,
         .capture_frame = host_capture_frame,
         .answer_question = ask_save_question,
-        .frame_ran = [] {},
+        .frame_ran =
+            [] {
+                event_feed_frame();
+                history_frame_ran();
+            },
     };
 }
 

@@ -62,7 +62,8 @@ enum Command : int {
     COMMAND_SAVE_SLOT = 40201,
     COMMAND_LOAD_SLOT = 40202,
     COMMAND_NEXT_SLOT = 40203,
-    COMMAND_PREVIOUS_SLOT = 40204
+    COMMAND_PREVIOUS_SLOT = 40204,
+    COMMAND_KEEP_HISTORY = 40213
 };
 
 /// The menu as the program starts with it.

@@ -20,6 +20,7 @@
 #include "host/display.h"
 #include "host/interrupted_writes.h"
 #include "host/joysticks.h"
+#include "host/keep_history.h"
 #include "host/key_map.h"
 #include "host/machine_callbacks.h"
 #include "host/menu.h"
@@ -66,6 +67,7 @@ void tell_what_is_left_out(const CommandLine& line) {
 
 void take_over(const ShellOptions& options) {
     shell_state.start = options;
+    shell_state.keep_history = options.keep_history;
     for (const auto& [name, value] : options.line.settings) store_setting(name, value);
     if (!options.unattended) return;
     answer_video_compression(platform().settings().text("VideoCodec").value_or("uncompressed"));
@@ -129,9 +131,11 @@ void emu_init(const ShellOptions& options) {
     StatusBarText("%s", "");
     if (g_bSound && g_Timer) machine_apply(event_kind::start_sound);
     initJoyInput();
+    history_switched();
 }
 
 void emu_close(std::function<void()> done) {
+    end_history();
     ui_free_forms();
     printer_close();
     if (g_bRecordingVideo) Video_CloseOutput();

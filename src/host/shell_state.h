@@ -15,6 +15,7 @@ struct ShellOptions {
     bool unattended = false;
     /// What is written to a disk is kept in a journal, and journals left behind are offered.
     bool keep_disk_journals = false;
+    bool keep_history = false;       ///< unless the settings say otherwise
     bool save_changed_disks = false; ///< when they are taken out, without a question
 };
 
@@ -32,6 +33,8 @@ struct shell_record {
     bool video_cut = false;
     bool video_page = false;
     bool save_video_ram = false; ///< every screenshot is followed by a dump of the screen memory
+    bool keep_history = false;   ///< of the machine, to go back in
+    uint32_t history_limit = 0;  ///< MB
     uint32_t composite_blur = 0; ///< nonzero: composite filter, canvas of 32 bits per pixel
     uint32_t sound_latency = 0;  ///< ms, as it was read
 

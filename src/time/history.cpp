@@ -20,6 +20,7 @@
 history_calls history_host = {
     .nanoseconds = [] { return int64_t(0); },
     .companion = [] { return shared_bytes(); },
+    .present = [](bool) {},
     .follow = [](const shared_bytes&) {},
     .show = [] {},
 };
@@ -50,11 +51,12 @@ struct History {
     int64_t picture = 0;         ///< the last frame that has shown one
     uint32_t pictures_shown = 0; ///< the beam's counter of them
     shared_bytes companion;
-    bool acted = false;      ///< something was done to the machine since the last frame
-    bool lone_state = false; ///< the next frame's state stays for good
-    int64_t taken_at = 0;    ///< when the last state was taken, in ns
-    int64_t taken_in = 0;    ///< how long it took
-    uint64_t thin_above = 0; ///< bytes
+    bool acted = false;       ///< something was done to the machine since the last frame
+    bool lone_state = false;  ///< the next frame's state stays for good
+    bool has_arrived = false; ///< another state was loaded, and no frame has been run since
+    int64_t taken_at = 0;     ///< when the last state was taken, in ns
+    int64_t taken_in = 0;     ///< how long it took
+    uint64_t thin_above = 0;  ///< bytes
 
     // While the past is looked at.
     bool live = true;
@@ -131,11 +133,13 @@ bool state_is_due() {
 
 void look_at_companion() {
     History& now = *history;
+    const bool arrived = std::exchange(now.has_arrived, false);
     if (!std::exchange(now.acted, false)) return;
     shared_bytes companion = history_host.companion();
+    if (arrived) now.states.change_companion(companion); // the host has followed the other state
     if (companion == now.companion) return;
     now.companion = std::move(companion);
-    now.lone_state = true;
+    now.lone_state = !arrived;
 }
 
 void take_events(std::span<const machine_event> events) {
@@ -154,15 +158,17 @@ void take_events(std::span<const machine_event> events) {
 void take_another_state() {
     if (tells_others) return;
     History& now = *history;
+    if (!now.live) history_host.present(true);
     now.live = true;
     now.present = {};
     now.pending.clear();
     now.events.append_break();
     now.picture = -1;
     now.pictures_shown = crtc.frame_counter;
-    now.companion = history_host.companion();
     now.lone_state = true;
     take_state();
+    now.has_arrived = true;
+    now.acted = true;
 }
 
 void tell_others() {
@@ -290,6 +296,8 @@ std::string look_at(int64_t frame) {
 
 void leave_present() {
     History& now = *history;
+    history_host.present(false);
+    look_at_companion();
     now.live = false;
     now.touched = false;
     now.followed = now.present_companion = history_host.companion();
@@ -314,6 +322,7 @@ void return_to_present() {
     follow(now.present_companion);
     if (now.touched) tell_others();
     now.present = {};
+    history_host.present(true);
     if (!g_bCycleBasedEngine) picture = {};
     show(picture);
 }
@@ -400,6 +409,7 @@ void history_go_on() {
     if (!history || history->live) return; // a frame has run
     forget_future();
     history_host.follow(history->companion);
+    history_host.present(true);
     tell_others();
 }
 

@@ -28,7 +28,11 @@ struct history_calls {
     /// What the host knows about the machine and the machine does not, such as the files of its
     /// disks. Kept with the frame from which on it holds.
     shared_bytes (*companion)();
-    /// The machine has become one of a frame with these companion bytes.
+    /// The present ends, since the past is going to be looked at, or begins again. What the present
+    /// is about to write has to be written before, and nothing is written of the past.
+    void (*present)(bool begins);
+    /// The machine has become one of a frame with these companion bytes. What is done to it here
+    /// stays only in the present, to which the call belongs when the history goes on.
     void (*follow)(const shared_bytes& companion);
     /// Another frame is in the machine, and its picture in the frame buffer: to be shown.
     void (*show)();

@@ -41,6 +41,8 @@ public:
 
     /// Keeps the live machine, at the frame and with the picture and companion of `place`.
     void add(HistoryState place);
+    /// Changes that of the last state.
+    void change_companion(const shared_bytes& companion) { states_.back().companion = companion; }
     /// Makes the state again. 0 when it is damaged.
     int unpack(const HistoryState& state, machine_state& to);
     /// Forgets the states after this frame.

@@ -94,6 +94,8 @@ constexpr const char* MENU = R"(0 &File
   0 
   40058 &Giant screen|Alt+F2
   40007 Toggle fullscreen|Alt+Enter
+  0 
+  40213 Keep &history
 0 &Help
   103 &About...
   40130 &Messages...

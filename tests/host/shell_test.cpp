@@ -49,7 +49,8 @@ TEST_F(ShellTest, SettingsAreReadAndWrittenInTheirOrder) {
               "CustomRamStartupPattern=0 Saturation=75 Brightness=50 Gamma=50 Contrast=50 "
               "InterlacedLine=80 VideoCut=0 VideoPage=0 KeyMapping=0 GiantScreen=0 CleanSound=0 "
               "EnablePrinter=0 Disk0 Disk1 Disk2 Disk3 CompositeBlur=0 "
-              "SaveVideoRamWithScreenShots=0 CustomPalette=0 Tape CycleBasedEmulation=0 ");
+              "SaveVideoRamWithScreenShots=0 CustomPalette=0 Tape CycleBasedEmulation=0 "
+              "History=0 HistoryLimit=200 ");
     EXPECT_EQ(host->status_text(0), "CG NZ1");
     EXPECT_EQ(host->status_text(3), "");
     g_GiantScreen = g_1bitDisplay = true;
@@ -62,7 +63,7 @@ TEST_F(ShellTest, SettingsAreReadAndWrittenInTheirOrder) {
               "CustomPalette=0 Saturation=75 Brightness=50 Gamma=50 Contrast=50 InterlacedLine=80 "
               "VideoCut=0 VideoPage=0 KeyMapping=0 GiantScreen=1 CleanSound=0 EnablePrinter=0 "
               "SaveVideoRamWithScreenShots=0 CustomRamStartupPattern=0 CycleBasedEmulation=0 "
-              "Disk0= Disk1= Disk2= Disk3= Tape=7 ");
+              "Disk0= Disk1= Disk2= Disk3= Tape=7 History=0 HistoryLimit=200 ");
     EXPECT_FALSE(host_has_canvas());
 }
 
@@ -116,7 +117,8 @@ TEST_F(ShellTest, BadValuesAreCorrected) {
     } cases[] = {{"CompositeBlur", 150, 0}, {"SoundLatency", 29, 30},
                  {"ActiveConfig", 3, 0},    {"CustomScreenFreq", 151, 50},
                  {"CustomPalette", 7, 1},   {"CustomCpuClockFreq", 49'999, 2'216'750},
-                 {"Saturation", 101, 100},  {"Contrast", 0xFFFFFFFF, 100}};
+                 {"Saturation", 101, 100},  {"Contrast", 0xFFFFFFFF, 100},
+                 {"HistoryLimit", 1, 10}};
     for (const auto& [name, read, used] : cases) store_number(name, read);
     start();
     EXPECT_EQ(stored("SoundLatency"), 30U) << "at once";

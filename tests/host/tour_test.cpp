@@ -18,6 +18,7 @@
 #include "media/tape.h"
 #include "media/tape_audio.h"
 #include "sound/ym2149.h"
+#include "time/history.h"
 #include "z80/z80.h"
 
 #include <algorithm>
@@ -278,6 +279,12 @@ std::vector<Stop> TourTest::stops() {
         {40123, nothing, option(save_video_ram_w_screenshot, 40123, true)},
         {40131, nothing, option(ym2149_clean, 40131, true)},
 
+        {40213, nothing,
+         [] {
+             EXPECT_EQ(history_is_kept(), true);
+             EXPECT_TRUE(is_menu_item_checked(40213));
+             history_stop();
+         }},
         {40201, [] { choose_slot(0); }, status("State saved in slot 0")},
         {40202,
          [] {
