@@ -225,8 +225,11 @@ bool read_medium(StateReader& file, size_t number, uint8_t place, const medium_o
     if (place == IN_FILE) {
         if (!file.contents(machine_medium_name(number), 1, LARGEST_FILE, bytes)) return false;
     } else {
-        auto found = sources.medium ? sources.medium(number, origin) : std::nullopt;
-        if (!found || content_hash(*found) != origin.hash) {
+        auto files = sources.medium ? sources.medium(number, origin) : state_sources::Files();
+        const auto found = std::ranges::find_if(
+            files, [&](const Bytes& one) { return content_hash(one) == origin.hash; });
+        if (found == files.end()) {
+            if (sources.missing) *sources.missing = origin.path;
             return file.fail("it needs " + origin.path + " as it was then");
         }
         bytes = std::move(*found);

@@ -51,12 +51,15 @@ struct rom_piece {
     uint64_t hash = 0; ///< content_hash
 };
 
-/// What is not in a file is asked for here. An answer whose hash differs is the same as none; so is
-/// a missing function.
+/// What is not in a file is looked for here. Both functions give the contents of files that come
+/// into question, of which the one with the right hash is taken; without them there are none.
 struct state_sources {
-    std::function<std::optional<std::vector<uint8_t>>(size_t medium, const medium_origin&)> medium;
-    /// The contents of a ROM file, which may be longer or shorter than the piece.
-    std::function<std::optional<std::vector<uint8_t>>(const rom_piece&)> rom;
+    using Files = std::vector<std::vector<uint8_t>>;
+    std::function<Files(size_t medium, const medium_origin&)> medium = {};
+    /// ROM files may be longer than the piece, or shorter where the built-in one goes on.
+    std::function<Files(const rom_piece&)> rom = {};
+    /// Gets a name for what was in none of them.
+    std::string* missing = nullptr;
 };
 
 /// Turns the contents of an older version of a chunk into those of the next one, `version` + 1.

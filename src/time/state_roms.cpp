@@ -119,11 +119,14 @@ bool find_piece(const RomArea& area, const rom_piece& piece, std::span<uint8_t> 
     }
     if (is_it({area.live, area.live + area.size})) return true;
     if (!area.needed) return std::ranges::fill(to, area.filled_with), true;
-    const auto file = sources.rom ? sources.rom(piece) : std::nullopt;
-    if (!file) return false;
-    const auto below = firmware_bytes(area.images[0]);
-    return is_it(laid_over(area, *file,
-                           area.first_lies_below ? Bytes(below.begin(), below.end()) : Bytes()));
+    if (!sources.rom) return false;
+    Bytes below;
+    if (area.first_lies_below) {
+        const auto first = firmware_bytes(area.images[0]);
+        below.assign(first.begin(), first.end());
+    }
+    return std::ranges::any_of(
+        sources.rom(piece), [&](const Bytes& file) { return is_it(laid_over(area, file, below)); });
 }
 
 void write_patches(ByteWriter& to, std::span<const uint8_t> patched,
@@ -181,6 +184,7 @@ std::string put_roms_in(std::vector<uint8_t>& records, std::span<const uint8_t> 
                                  in.word64()};
         if (length > area.size || !in.good()) return "it is damaged";
         if (length == 0 || find_piece(area, piece, bytes_of_area(records, area), sources)) continue;
+        if (sources.missing) *sources.missing = area.name;
         return std::string("it needs the ") + area.name +
                " that it was made with, which is not there";
     }
