@@ -6,6 +6,7 @@
 #include "files/file_names.h"
 #include "files/whole_file.h"
 #include "host/disk_rom.h"
+#include "host/state_files.h"
 #include "media/damage.h"
 #include "media/files/cassette_files.h"
 #include "media/files/typed_text.h"
@@ -114,6 +115,11 @@ bool start_snapshot(const std::string& path, Bytes bytes) {
            0;
 }
 
+bool start_state(const std::string& path, Bytes bytes) {
+    load_state_bytes(path, bytes);
+    return false; // it tells by itself what came of it
+}
+
 /// `keys` follow the loading of a tokenized program.
 void give_basic(const std::string& path, Bytes bytes, const std::string& keys) {
     // Otherwise the question would take the first lines.
@@ -141,6 +147,7 @@ constexpr Loader loaders[] = {
     {"dsk", ROLE_START | ROLE_DISK, start_disk},
     {"img", ROLE_DISK, start_disk},
     {"jzs", ROLE_START | ROLE_STATE, start_snapshot},
+    {"tvs", ROLE_START | ROLE_STATE, start_state},
     {"txt", ROLE_START | ROLE_TYPE, start_basic},
 };
 

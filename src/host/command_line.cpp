@@ -3,6 +3,7 @@
 #include "core/machine.h"
 #include "host/autostart.h"
 #include "host/command_table.h"
+#include "host/state_files.h"
 
 #include <algorithm>
 #include <charconv>
@@ -97,8 +98,13 @@ private:
         } else if (word == "--setting") {
             read_setting(word);
         } else if (word == "--wav") {
-            line_.wav = value().value_or("");
-            if (line_.wav.empty()) refuse(word + ": FILE is missing");
+            read_file(word, line_.wav);
+        } else if (word == "--load-state") {
+            read_file(word, line_.load_state);
+        } else if (word == "--save-state") {
+            read_file(word, line_.save_state);
+        } else if (word == "--whole-state") {
+            line_.whole_state = true;
         } else if (word == "--regs") {
             line_.print_registers = true;
         } else if (word == "--disassemble") {
@@ -107,6 +113,11 @@ private:
         } else {
             refuse(word + ": unknown option; --help lists them");
         }
+    }
+
+    void read_file(const std::string& word, std::string& path) {
+        path = value().value_or("");
+        if (path.empty()) refuse(word + ": FILE is missing");
     }
 
     void read_setting(const std::string& word) {
@@ -150,6 +161,13 @@ private:
     CommandLine line_;
 };
 
+std::string state_problem(const std::string& path) {
+    std::string problem = file_problem(path);
+    state_description about;
+    if (problem.empty()) problem = describe_state_file(path, about);
+    return problem.empty() || problem.starts_with(path) ? problem : path + ": " + problem;
+}
+
 std::string value_problem(const CommandLine::Switch& given) {
     const LineSwitch* known = find_switch(given.letter);
     return known && known->problem ? known->problem(given.value) : std::string();
@@ -171,6 +189,7 @@ std::string command_line_problem(const CommandLine& line) {
     if (!line.refusal.empty()) return line.refusal;
     if (!line.problems.empty()) return line.problems.front();
     std::string problem;
+    if (!line.load_state.empty()) problem = state_problem(line.load_state);
     for (const CommandLine::Switch& given : line.switches) {
         if (problem.empty()) problem = value_problem(given);
     }

@@ -35,6 +35,9 @@ struct CommandLine {
     bool print_registers = false;
     std::vector<std::pair<std::string, std::string>> settings; ///< name and value
     std::string wav;                                           ///< sound recording to start with
+    std::string load_state;                                    ///< file of the state to begin with
+    std::string save_state;                                    ///< file of the state at the end
+    bool whole_state = false;                                  ///< which has all media in it
     std::optional<AddressRange> disassemble;
 
     std::vector<Switch> switches;   ///< from left to right

@@ -103,7 +103,11 @@ constexpr TextAccess tape_name = {
 using Given = CommandLine::Switch;
 using Value = LineSwitch::Value;
 
-int64_t cycles(const Given& given) { return given.seconds * int64_t(z80_state.clock_hz); }
+/// From now on: the machine may begin with a state that has run for a while.
+int64_t cycles(const Given& given) {
+    const int64_t wait = given.seconds * int64_t(z80_state.clock_hz);
+    return z80_state.t_count + std::min(wait, EVENT_DISARMED - z80_state.t_count);
+}
 
 void apply_model(const Given& given) {
     const auto number = uint32_t(std::atoi(given.value.c_str()));

@@ -30,6 +30,7 @@
 #include "host/screen_text.h"
 #include "host/settings/choices.h"
 #include "host/settings/prefs.h"
+#include "host/state_files.h"
 #include "host/status.h"
 #include "host/turn.h"
 #include "media/files/cassette_files.h"
@@ -122,6 +123,7 @@ void emu_init(const ShellOptions& options) {
     machine_apply(event_kind::key_mapping, g_KeyMapping);
     prefs_flush();
     if (!line.wav.empty()) start_sound_recording(line.wav); // from the first frame on
+    if (!line.load_state.empty()) load_state_file(line.load_state);
     get_command_line(line);
     if (!g_bSound) sound_null_driver_init(); // the command line may have switched it off
     set_check_marks();
@@ -129,12 +131,18 @@ void emu_init(const ShellOptions& options) {
     take_late_screenshot();
     if (!avi_name.empty()) video_save_to_avi(false, avi_name);
     StatusBarText("%s", "");
-    if (g_bSound && g_Timer) machine_apply(event_kind::start_sound);
+    const bool sound_begins = line.load_state.empty(); // that of a state goes on
+    if (g_bSound && g_Timer && sound_begins) machine_apply(event_kind::start_sound);
     initJoyInput();
     history_switched();
 }
 
 void emu_close(std::function<void()> done) {
+    const CommandLine& line = shell_state.start.line;
+    if (!line.save_state.empty()) {
+        save_state_file(line.save_state,
+                        line.whole_state ? MediaInState::all : MediaInState::changed);
+    }
     end_history();
     ui_free_forms();
     printer_close();

@@ -165,6 +165,7 @@ TEST_F(CommandLineTest, OptionsAreSetWithOneSwitchEach) {
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::PrintToString(c.arguments));
         machine_change_cfg(machine_cfg[0], 1);
+        z80_state.t_count = 0;
         run(c.arguments);
         const std::string changed = std::string(g_bDblScan ? "" : "d") + (lowe.enabled ? "g" : "") +
                                     (g_bSound ? "" : "h") + (g_Timer ? "" : "w") + avi_name;
