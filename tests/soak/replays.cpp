@@ -8,8 +8,10 @@
 /// unpaced, stepped, or pass a breakpoint, and in one run of three a WAV tape plays or records
 /// meanwhile. Ends with 1 and a line that begins with "FAILED" when something is wrong.
 
+#include "cgenie/hires_lowe.h"
 #include "cgenie/input.h"
 #include "cgenie/memory/memory.h"
+#include "cgenie/palette.h"
 #include "cgenie/typing/typing.h"
 #include "cgenie/video.h"
 #include "core/frame_driver.h"
@@ -28,6 +30,7 @@
 #include "z80/z80.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -85,14 +88,17 @@ int decide(int) {
 void connect() {
     machine_host = machine_without_host();
     machine_host.fragment = [](const uint16_t* samples) {
-        host.fragments.push_back(hash_of(samples, FRAGMENT_BYTES));
+        // With the moment that the output takes a decision by.
+        host.fragments.push_back(hash_of(samples, FRAGMENT_BYTES, sound_core.begun_at_frame_end));
     };
     // The beam engine shows its own frames, the line engine's are drawn at their end.
     machine_host.frame = [](int) {
-        host.pictures.push_back(hash_of(frame_buffer, size_t(SCREEN_WIDTH) * SCREEN_HEIGHT));
+        host.pictures.push_back(hash_of(frame_buffer, size_t(SCREEN_WIDTH) * SCREEN_HEIGHT,
+                                        hash_of(cgpalette, sizeof cgpalette)));
     };
+    machine_host.stale = palette_update;
     machine_host.lamp = [](int drive) {
-        host.bytes.push_back(uint64_t(drive));
+        host.bytes.push_back(uint64_t(drive) ^ hash_of(&lowe, offsetof(lowe_board, pixels)));
         if (g_bCycleBasedEngine) return;
         video_render_frame();
         machine_host.frame(1);
@@ -161,6 +167,7 @@ void change_configuration() {
     choice.custom.ram_size = below(2);
     choice.custom.cpu_clock = 2'000'000 + below(2'000'000);
     choice.custom.screen_frequency = 50 + 10 * below(2);
+    choice.custom.palette = below(2);
     host.rom_files = once_in(2);
     machine_apply(event_kind::choose, int32_t(below(2)), 0, bytes_of(choice));
     machine_apply(event_kind::configure, int32_t(choice.active), int32_t(below(2)));
@@ -181,7 +188,7 @@ void do_something() {
     using enum event_kind;
     const auto drive = int32_t(below(4));
     const auto flag = int32_t(below(2));
-    switch (below(26)) {
+    switch (below(27)) {
     case 0:
     case 1:
         machine_apply(typing_trap);
@@ -215,6 +222,7 @@ void do_something() {
     case 21: change_configuration(); break;
     case 22: machine_apply(flag ? start_sound : reset_sound); break;
     case 23: machine_apply(flag ? tape_traps : key_reset); break;
+    case 24: machine_apply(graphics_board, flag); break;
     default: host.input = random_input(); break;
     }
 }
@@ -232,6 +240,22 @@ std::vector<uint8_t> contents(const std::string& path) {
     if (!bytes) fail(path + " cannot be read");
     return *bytes;
 }
+
+/// What few programs use: the second registers, shown on the screen, frames of 256 to 280 lines,
+/// noise, and port B.
+constexpr uint8_t SELDOM[] = {
+    0xF3,                                           //       DI
+    0x08, 0xC6, 0x1D, 0x32, 0x10, 0x44, 0x08,       // loop: AF' + 1D00, shown
+    0xD9, 0x23, 0x22, 0x12, 0x44, 0xD9,             //       HL' + 1, shown
+    0x3E, 0x07, 0xD3, 0xFA, 0x3E, 0x1E, 0xD3, 0xFB, //       CRTC R7 = 30, sync
+    0x13, 0x7A, 0xE6, 0x0C, 0x0F, 0x0F, 0xC6, 0x1F, //       INC DE; B = 31 to 34 rows
+    0x47, 0x3E, 0x04, 0xD3, 0xFA, 0x78, 0xD3, 0xFB, //       CRTC R4 = B
+    0x3E, 0x07, 0xD3, 0xF8, 0xD3, 0xF9,             //       R7 = 7: noise only
+    0x3E, 0x08, 0xD3, 0xF8, 0x3E, 0x0F, 0xD3, 0xF9, //       R8 = 15
+    0x3E, 0x06, 0xD3, 0xF8, 0x7B, 0xD3, 0xF9,       //       R6 = E
+    0x3E, 0x0F, 0xD3, 0xF8, 0xDB, 0xF9,             //       port B, shown
+    0x32, 0x14, 0x44, 0x18, 0xBB};                  //       JR loop
+constexpr const char* SELDOM_USED = "seldom used";
 
 /// Every program of the folder, the soak's workload, and BASIC alone.
 std::vector<std::string> programs() {
@@ -254,7 +278,10 @@ void start(const std::string& path) {
     } else if (path.ends_with(".cmd")) {
         machine_apply(load_module, 1, 0, shared_bytes(contents(path)));
     } else {
-        machine_apply(poke, WORKLOAD_ORIGIN, 0, shared_bytes(contents(path)));
+        machine_apply(poke, WORKLOAD_ORIGIN, 0,
+                      shared_bytes(path == SELDOM_USED
+                                       ? std::vector(std::begin(SELDOM), std::end(SELDOM))
+                                       : contents(path)));
         machine_apply(go_to, WORKLOAD_ORIGIN);
     }
 }
@@ -410,7 +437,7 @@ int main(int argc, char** argv) {
         host.write_fails = once_in(2) ? 1 + below(300) : 0;
         machine_apply(event_kind::engine, int32_t(run % 2));
         const bool tape = once_in(3);
-        start(tape ? "" : all[run / 2 % all.size()]);
+        start(tape ? "" : once_in(3) ? SELDOM_USED : all[run / 2 % all.size()]);
         if (tape) start_tape();
         for (int part = 0; part < 3 && done < wanted; ++part) {
             std::fprintf(stderr, "\rrun %u, part %d, %d replays", run, part, done);
