@@ -199,6 +199,7 @@ TEST_F(Firmware, ResetKeyKeepsMemory) {
     for (unsigned address = 0x5801; address < 0x9000; ++address)
         ASSERT_EQ(memory[address], uint8_t(address * 7)) << std::hex << address;
     EXPECT_EQ(word(0x40F9), 0x6234u);
+    EXPECT_EQ(word(0x40FB), 0x6234u) << "no variables are left";
     EXPECT_EQ(crtc.registers[1], 40);
     EXPECT_EQ(crtc.start_address, 0x400u);
     EXPECT_EQ(ports[0xFF] | memory[LATCH_COPY], 0);
