@@ -88,10 +88,12 @@ bool start_cassette(const std::string& path, Bytes bytes) {
     const int kind = tape_cas_type(&name);
     if (!g_bAutoStart) return false;
     boot_to_basic();
-    machine_apply(event_kind::typing_trap);
-    if (kind == TAPE_BASIC) type_into_machine("\r\rCLOAD\r\rRUN\r");
-    if (kind == TAPE_MACHINE_CODE) {
+    if (kind == TAPE_BASIC) {
+        type_into_machine("\r\rCLOAD\r\rRUN\r");
+    } else if (kind == TAPE_MACHINE_CODE) {
         type_into_machine(std::string("\r\r\r\rSYSTEM\r\r") + name + "\r\r/\r");
+    } else {
+        machine_apply(event_kind::typing_trap);
     }
     return bytes_are_whole(path, bytes, tape_damage, path + " is damaged");
 }
