@@ -43,7 +43,7 @@ enum class event_kind : uint8_t {
     tape_motor,      ///< `a`: runs or not
     tape_level,      ///< `a` of the head, as tape_set_compare_level takes it
     tape_inversion,  ///< `a`: recordings are turned upside down
-    tape_play_wav,   ///< the bytes of its wav_format; behind it what tells the host which file
+    tape_play_wav,   ///< the bytes of its wav_format
     tape_record_wav, ///< `a` samples per second
     tape_close_wav,
     tape_traps,      ///< puts the cassette traps into the ROM

@@ -140,4 +140,5 @@ void attachments_are_unknown() { are_unknown = true; }
 
 void attachments_settle() {
     if (are_unknown) attachments_follow({});
+    main_disk_settle();
 }

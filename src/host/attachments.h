@@ -19,7 +19,8 @@ void attachments_leave();
 /// in the machine are events. Bytes that make no sense, such as none at all, stand for no files.
 void attachments_follow(const shared_bytes& attachments);
 
-/// For the shell: another state was loaded, of which nobody has said what files it has. When the
-/// shell turns next, it has none.
+/// For the shell: another state was loaded, of which nobody has said what files it has.
 void attachments_are_unknown();
+/// When the shell turns: such a state has none. Completes what was left while an earlier moment was
+/// looked at.
 void attachments_settle();

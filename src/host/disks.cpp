@@ -36,7 +36,7 @@ struct DiskCare {
     bool journal_failed = false; ///< which has been reported
     /// There may be a journal of an earlier run, about which the user has to be asked.
     bool journal_waits = false;
-    bool is_followed = false; ///< the disk belongs to the drive's file, or to none
+    bool is_followed = false; ///< the disk belongs to the drive's file, and all is done for it
 };
 std::array<DiskCare, DISK_DRIVES> cares;
 /// Paths of remembered images that could not be put in.
@@ -333,8 +333,9 @@ void go_on_with_journal(unsigned drive) {
 
 void take_file(unsigned drive, const disk_file& file) {
     drive_files[drive] = {file.path, file_identity(file.path), file.hash};
-    cares[drive].is_followed = true;
     show_drive(drive);
+    if (journals_are_held) return;
+    cares[drive].is_followed = true;
     if (file.path.empty()) return;
     const std::string problem = file_problem(file.path);
     if (!problem.empty() || diskimg_file_changed(drive)) {
@@ -469,6 +470,13 @@ void main_disk_follow(const std::array<disk_file, DISK_DRIVES>& files) {
         if (!wd1771.disks[drive].modified && differs_from_file(drive)) {
             machine_apply(event_kind::disk_replace, int32_t(drive), 0, drive_contents[drive]);
         }
+    }
+}
+
+void main_disk_settle() {
+    for (unsigned drive = 0; drive < DISK_DRIVES && !journals_are_held; ++drive) {
+        const bool waits = diskimg_inserted(wd1771.disks[drive]) && !cares[drive].is_followed;
+        if (waits) take_file(drive, disk_file(drive_files[drive]));
     }
 }
 

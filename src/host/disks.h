@@ -37,7 +37,7 @@ void main_disk_offer_journals();
 /// most.
 void main_disk_keep_journals();
 void main_disk_keep_journals_when_due();
-/// While it is on, journals stay as they are: the machine shows an earlier moment, and comes back.
+/// While it is on, journals and claims stay as they are: an earlier moment is looked at.
 void main_disk_hold_journals(bool on);
 /// For another state of the machine, which brings its own disks: the one of each drive belongs to
 /// the file of that drive here, or to none without a path. It counts as changed when the file holds
@@ -45,6 +45,9 @@ void main_disk_hold_journals(bool on);
 /// back that has a journal, what only that one has goes to the rescue folder. The user is told,
 /// also of files that are missing or have changed.
 void main_disk_follow(const std::array<disk_file, DISK_DRIVES>& files);
+/// When the machine is to go on: sees to the journals and claims of the disks that came while they
+/// were held.
+void main_disk_settle();
 /// For the end of the program: takes out all disks as above. From the first one that stays, what
 /// was written is left in the journals. When a disk's journal cannot be written, or with
 /// save_changed_disks its file, the disk goes to a rescue file; when neither is asked for, its loss

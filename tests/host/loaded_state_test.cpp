@@ -119,6 +119,12 @@ TEST_F(LoadedStateTest, DrivesBelongToTheFilesOfTheState) {
     EXPECT_NE(last_message().find("rescue/a.dsk"), std::string::npos);
     EXPECT_EQ(read_file("data/rescue/a.dsk").back(), 0x9A) << "what was written later";
     EXPECT_FALSE(wd1771_disk(0).write_protected);
+    attachments_leave();
+    main_disk_hold_journals(true); // while the past is looked at
+    for (const Kept* moment : {&empty, &early}) go_back(*moment);
+    main_disk_hold_journals(false);
+    attachments_settle();
+    EXPECT_FALSE(std::filesystem::exists("data/rescue/a-1.dsk"));
     main_disk_image_attach(1, "a.dsk");
     EXPECT_TRUE(wd1771_disk(1).write_protected) << "claimed";
     host->dialogs().answers = {0};

@@ -79,17 +79,6 @@ uint64_t hash_of_played() {
     }
 }
 
-/// The event tape_play_wav.
-shared_bytes event_of(const wav_format& wav) {
-    std::vector<uint8_t> bytes(sizeof wav);
-    std::memcpy(bytes.data(), &wav, sizeof wav);
-    for (unsigned n = 0; n < sizeof played_file.hash; ++n) {
-        bytes.push_back(uint8_t(played_file.hash >> 8 * n));
-    }
-    bytes.insert(bytes.end(), played_file.path.begin(), played_file.path.end());
-    return shared_bytes(std::move(bytes));
-}
-
 void print_diagnostics(const wav_format& wav) {
     std::fprintf(stderr, "WAV. Resolution: %i\n", int(wav.bits));
     std::fprintf(stderr, "WAV. Samples per second: %i\n", int(wav.rate));
@@ -109,7 +98,7 @@ int tape_open_wav(const std::string& path) {
         return 0;
     }
     played_file = {path, hash_of_played()};
-    machine_apply(event_kind::tape_play_wav, 0, 0, event_of(wav));
+    machine_apply(event_kind::tape_play_wav, 0, 0, bytes_of(wav));
     print_diagnostics(wav);
     return 1;
 }
@@ -167,16 +156,6 @@ std::string tape_sound_follow(const played_wav& wav) {
         played.reset();
     }
     return problem;
-}
-
-played_wav tape_sound_of_event(std::span<const uint8_t> event) {
-    played_wav wav;
-    if (event.size() < sizeof(wav_format) + sizeof wav.hash) return wav;
-    event = event.subspan(sizeof(wav_format));
-    for (unsigned n = 0; n < sizeof wav.hash; ++n) wav.hash |= uint64_t(event[n]) << 8 * n;
-    event = event.subspan(sizeof wav.hash);
-    wav.path.assign(event.begin(), event.end());
-    return wav;
 }
 
 void tape_sound_flush() {

@@ -13,7 +13,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <span>
 #include <string>
 
 /// Puts in a recording to be played, for the one that is in. 1 on success; a file that cannot be
@@ -32,8 +31,6 @@ played_wav tape_sound_played();
 /// For another state of the machine, in which `wav` plays, or none. A recording is complete as it
 /// is. Returns why the file cannot be played, in words for the user, or nothing.
 std::string tape_sound_follow(const played_wav& wav);
-/// What stands behind the wav_format in the event tape_play_wav: hash and path.
-played_wav tape_sound_of_event(std::span<const uint8_t> event);
 /// Writes the samples that the recorder has not put out yet, as it will do itself later.
 void tape_sound_flush();
 
