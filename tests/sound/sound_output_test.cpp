@@ -5,13 +5,16 @@
 #include "sound/output/sound_output.h"
 #include "sound/output/sound_ring.h"
 #include "support/fake_host.h"
+#include "wall/machine_host.h"
 #include "z80/z80.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdlib>
+#include <numbers>
 #include <vector>
 
 namespace {
@@ -160,15 +163,27 @@ TEST_F(SoundOutputTest, ReplacedAndClosedDriversLeaveNothingBehind) {
     EXPECT_FALSE(driver_is_ours());
 }
 
+/// What a device takes within a millisecond. It leaves silence behind.
+std::vector<int16_t> next_millisecond(HeadlessPlatform& host) {
+    std::vector<uint8_t>& ring = host.audio().ring;
+    auto taken = uint32_t(host.audio().position());
+    host.advance_ns(1'000'000);
+    std::vector<int16_t> samples;
+    for (const auto until = uint32_t(host.audio().position()); taken != until;
+         taken = (taken + 2) % RING_BYTES) {
+        samples.push_back(int16_t(ring[taken] | ring[taken + 1] << 8));
+        ring[taken] = ring[taken + 1] = 0;
+    }
+    return samples;
+}
+
 /// Milliseconds from a change of the beeper, anywhere in a frame that is run at once, to the
 /// device's taking the step.
 double median_latency(HeadlessPlatform& host) {
     constexpr int64_t FRAME = 44335;
     std::vector<double> found;
-    std::vector<uint8_t>& ring = host.audio().ring;
     int64_t changed = 0; ///< ms
     int16_t last = 0;
-    auto taken = uint32_t(host.audio().position());
     for (int64_t now = 0; now < 30'000; now += 20) {
         if (now > 10'000 && now % 240 == 0) {
             const int64_t before = now * 7919 % FRAME;
@@ -179,11 +194,7 @@ double median_latency(HeadlessPlatform& host) {
         }
         sound_flush(z80_state.t_count += FRAME);
         for (int64_t later = 1; later <= 20; ++later) {
-            host.advance_ns(1'000'000);
-            const auto until = uint32_t(host.audio().position());
-            for (; taken != until; taken = (taken + 2) % RING_BYTES) {
-                const auto sample = int16_t(ring[taken] | ring[taken + 1] << 8);
-                ring[taken] = ring[taken + 1] = 0;
+            for (const int16_t sample : next_millisecond(host)) {
                 if (std::abs(sample - last) > 2000) found.push_back(double(now + later - changed));
                 last = sample;
             }
@@ -210,6 +221,55 @@ TEST_F(SoundOutputTest, LatencyIsWhatIsSetAndGrowsAfterTwoGaps) {
     EXPECT_NEAR(median_latency(host), 80, 8);
     ASSERT_EQ(fake_host.reports.size(), 1U);
     EXPECT_EQ(fake_host.reports[0].text, "Sound latency raised to 80 ms");
+}
+
+TEST_F(SoundOutputTest, FadesAwayAndBackWithoutAClick) {
+    constexpr double LOUD = 8000, TONE = 440 * 2 * std::numbers::pi / SOUND_RATE;
+    audio().block = 480;
+    ASSERT_EQ(dsound_init(SOUND_RATE), 1);
+    double phase = 0;
+    int before = 0, largest_step = 0;
+    /// Runs `frames` frames in each 20 ms. Returns the loudest sample behind the first `skip` ms.
+    const auto play = [&](int ms, int frames, int skip) {
+        int loudest = 0;
+        for (int now = 0; now < ms; ++now) {
+            for (int frame = now % 20 ? frames : 0; frame < frames; ++frame) {
+                for (int n = machine_host.fragment_decision(1); n > 0; --n) {
+                    std::array<uint16_t, FRAGMENT_SAMPLES> fragment;
+                    for (auto& sample : fragment) {
+                        sample = uint16_t(int16_t(LOUD * std::sin(phase += TONE)));
+                    }
+                    machine_host.fragment(fragment.data());
+                }
+            }
+            for (const int sample : next_millisecond(host)) {
+                largest_step = std::max(largest_step, std::abs(sample - before));
+                before = sample;
+                if (now >= skip) loudest = std::max(loudest, std::abs(sample));
+            }
+        }
+        return loudest;
+    };
+    play(1000, 1, 0);
+    largest_step = 0;
+    const struct {
+        FadeReason reason;
+        int frames, ms; ///< meanwhile
+    } cases[] = {{FadeReason::speed, 30, 700},
+                 {FadeReason::held, 0, 400},
+                 {FadeReason::speed, 30, 5},
+                 {FadeReason::speed, 30, 1300},
+                 {FadeReason::held, 0, 40}};
+    for (const auto& c : cases) {
+        EXPECT_NEAR(play(500, 1, 100), LOUD, 2) << "before " << c.ms;
+        sound_fade(true, c.reason);
+        EXPECT_EQ(play(c.ms, c.frames, 12), 0) << c.ms;
+        sound_fade(true, FadeReason::held);
+        sound_fade(false, c.reason);
+        sound_fade(false, FadeReason::held);
+    }
+    EXPECT_NEAR(play(500, 1, 100), LOUD, 2);
+    EXPECT_LE(largest_step, LOUD * TONE * 1.01 + 2) << "the tone's own steps";
 }
 
 } // namespace

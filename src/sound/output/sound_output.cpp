@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <span>
 #include <string>
 
@@ -182,11 +183,70 @@ int32_t cursor(int32_t position) {
 }
 
 const sound_driver_table dsound_driver = {
-    "DirectSound", [] { return dsound_init(SOUND_RATE); },
-    dsound_close,  dsound_write,
-    dsound_reset,  dsound_pause,
-    dsound_resume, dsound_get_current_position,
+    "DirectSound",   [] { return dsound_init(SOUND_RATE); },
+    dsound_close,    dsound_write,
+    dsound_reset,    dsound_pause,
+    dsound_resume,   dsound_get_current_position,
+    dsound_fade_out, dsound_begin_again,
 };
+
+constexpr uint32_t SAMPLE_BYTES = 2;
+
+/// The samples that are written and not taken yet. While it lives, the device waits.
+class WaitingSamples {
+public:
+    explicit WaitingSamples(Audio& audio) : audio_(audio) {
+        const int32_t position = audio.has_ring() ? audio.position() : -1;
+        const int32_t bytes = position < 0 ? 0 : ahead(latency.write_offset, position);
+        if (bytes <= 0) return;
+        locked_ = audio.lock(uint32_t(position), uint32_t(bytes), first_, second_);
+        // The device may have taken some before it was locked.
+        const int32_t taken = locked_ ? ahead(uint32_t(audio.position()), position) : bytes;
+        first_untaken_ = uint32_t(std::clamp(taken, 0, bytes)) / SAMPLE_BYTES;
+        count_ = uint32_t(bytes) / SAMPLE_BYTES;
+    }
+    ~WaitingSamples() {
+        if (locked_) audio_.unlock();
+    }
+    WaitingSamples(const WaitingSamples&) = delete;
+    WaitingSamples& operator=(const WaitingSamples&) = delete;
+
+    /// Calls `act` (sample, number) for each, from number 0 on.
+    template <typename Act>
+    void for_each(Act act) {
+        for (uint32_t n = first_untaken_; n < count_; ++n) {
+            const size_t at = size_t(n) * SAMPLE_BYTES;
+            uint8_t* const bytes = at < first_.size() ? &first_[at] : &second_[at - first_.size()];
+            int16_t sample = 0;
+            std::memcpy(&sample, bytes, SAMPLE_BYTES);
+            act(sample, n - first_untaken_);
+            std::memcpy(bytes, &sample, SAMPLE_BYTES);
+        }
+    }
+
+private:
+    Audio& audio_;
+    std::span<uint8_t> first_;
+    std::span<uint8_t> second_;
+    bool locked_ = false;
+    uint32_t first_untaken_ = 0;
+    uint32_t count_ = 0;
+};
+
+bool something_waits(Audio& audio) {
+    bool something = false;
+    WaitingSamples(audio).for_each([&](int16_t& sample, uint32_t) { something |= sample != 0; });
+    return something;
+}
+
+void silence_ring(Audio& audio) {
+    std::span<uint8_t> first;
+    std::span<uint8_t> second;
+    if (!audio.lock(latency.write_offset, RING_BYTES, first, second)) return;
+    std::ranges::fill(first, uint8_t(0));
+    std::ranges::fill(second, uint8_t(0));
+    audio.unlock();
+}
 
 /// Closes what an earlier start has left. The driver must not be active when it is registered
 /// again: registering would close what has just been made.
@@ -262,6 +322,25 @@ int32_t dsound_get_current_position() {
 
 void dsound_pause() { platform().audio().stop(); }
 void dsound_resume() { platform().audio().play(); }
+
+void dsound_fade_out() {
+    WaitingSamples(platform().audio()).for_each([](int16_t& sample, uint32_t n) {
+        sample = n < FADE_SAMPLES ? faded(sample, FADE_SAMPLES - n) : int16_t(0);
+    });
+}
+
+bool dsound_begin_again() {
+    Audio& audio = platform().audio();
+    if (!audio.has_ring()) return true;
+    if (something_waits(audio)) return false;
+    silence_ring(audio);
+    if (audio.block_bytes()) {
+        place_device();
+    } else {
+        audio.seek(behind_write_offset(JUST_RIGHT * FRAGMENT));
+    }
+    return true;
+}
 
 void dsound_reset() {
     Audio& audio = platform().audio();

@@ -31,6 +31,9 @@ int32_t dsound_get_current_position();
 /// Stops the ring, and starts it again.
 void dsound_pause();
 void dsound_resume();
+/// See fade_out and begin_again of the driver table.
+void dsound_fade_out();
+bool dsound_begin_again();
 /// Gets a lost device back.
 void dsound_reset();
 /// Frees the ring and the device; the core's driver stays registered.

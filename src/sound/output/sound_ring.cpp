@@ -33,6 +33,11 @@ bool paused = false;
 /// How often the driver gets the next fragment: other than once only while something is recorded.
 int ring_writes = 1;
 
+struct {
+    uint8_t reasons = 0; ///< of those who want silence
+    bool silent = false; ///< what was written has been faded out, and nothing has come since
+} fade;
+
 /// Finished fragments that wait for the pictures of a film.
 struct FilmQueue {
     bool runs = false;
@@ -80,6 +85,10 @@ int getNoFragsToGenerate(int completed) {
     ring_writes = 1;
     if (paused) return 0;
     const bool recording = film.runs || sound_is_saving(nullptr);
+    if (fade.silent) {
+        if (recording) return fragments_for_recording(size_t(completed));
+        return fade.reasons ? 0 : 1;
+    }
     const int32_t position = sound_driver->get_current_position();
     if (position == POSITION_UNKNOWN) {
         return recording ? fragments_for_recording(size_t(completed)) : 1;
@@ -102,7 +111,22 @@ int getNoFragsToGenerate(int completed) {
     return 1;
 }
 
+void fade_in(const uint16_t* from, std::array<uint16_t, FRAGMENT_SAMPLES>& to) {
+    for (uint32_t n = 0; n < FRAGMENT_SAMPLES; ++n) to[n] = uint16_t(faded(int16_t(from[n]), n));
+}
+
+/// The next fragment may be heard again.
+bool silence_ends() { return fade.reasons == 0 && sound_driver->begin_again(); }
+
 void write_to_ring(const uint16_t* samples) {
+    std::array<uint16_t, FRAGMENT_SAMPLES> rising;
+    if (fade.silent) {
+        ring_writes = 1;
+        if (!silence_ends()) return;
+        fade.silent = false;
+        fade_in(samples, rising);
+        samples = rising.data();
+    }
     for (; ring_writes > 0; --ring_writes) {
         sound_driver->write(samples, sb_pos, FRAGMENT_BYTES);
         sb_pos = (sb_pos + FRAGMENT_BYTES) % RING_BYTES;
@@ -142,6 +166,7 @@ void sound_output_connect() {
 void sound_register_driver(const sound_driver_table* driver) {
     if (sound_driver) sound_driver->close();
     sound_driver = driver;
+    fade.silent = fade.reasons && driver->fade_out;
 }
 
 void sound_null_driver_init() { sound_register_driver(&null_driver); }
@@ -160,6 +185,14 @@ void sound_pause() {
 void sound_resume() {
     paused = false;
     sound_driver->resume();
+}
+
+void sound_fade(bool out, FadeReason reason) {
+    const auto bit = uint8_t(reason);
+    fade.reasons = out ? fade.reasons | bit : fade.reasons & ~bit;
+    if (!out || fade.silent || !sound_driver->fade_out) return;
+    fade.silent = true;
+    sound_driver->fade_out();
 }
 
 void sound_start_film() {
