@@ -1,8 +1,12 @@
 #include "host/command_table_time.h"
 
+#include "core/pacing/pacing.h"
+#include "core/pacing/run_ahead.h"
+#include "core/pacing/speed.h"
 #include "host/keep_history.h"
 #include "host/menu.h"
 #include "host/shell_state.h"
+#include "host/speed_commands.h"
 #include "host/states.h"
 
 #include <algorithm>
@@ -17,6 +21,14 @@ constexpr uint32_t LARGEST_HISTORY = 4000;
 
 uint32_t possible_history(uint32_t megabytes) {
     return std::clamp(megabytes, SMALLEST_HISTORY, LARGEST_HISTORY);
+}
+
+template <uint32_t FRAMES>
+CommandRow run_ahead_row(const char* label) {
+    return {.id = COMMAND_RUN_AHEAD + int(FRAMES),
+            .label = label,
+            .run = [] { choose_run_ahead(FRAMES); },
+            .marked = [] { return frames_ahead == FRAMES; }};
 }
 
 } // namespace
@@ -34,6 +46,28 @@ std::span<const CommandRow> time_command_rows() {
                      .initial = USUAL_HISTORY,
                      .read = StartStep::engine,
                      .possible = possible_history}},
+        {.setting = {.name = "RunAhead",
+                     .place = &frames_ahead,
+                     .initial = 0,
+                     .read = StartStep::options,
+                     .possible = [](uint32_t n) { return std::min(n, MOST_FRAMES_AHEAD); }}},
+        {.id = COMMAND_FAST_TAPES,
+         .label = "&Fast tapes",
+         .flag = &speed_choices.fast_tapes,
+         .setting = {.name = "TapeTurbo", .initial = 0, .read = StartStep::options}},
+
+        // Speed.
+        {.id = COMMAND_TURBO, .label = "T&urbo", .hint = "F7", .flag = &speed_choices.turbo},
+        {.id = COMMAND_SLOW_MOTION,
+         .label = "Slow &motion",
+         .hint = "F8",
+         .run = step_slow_motion,
+         .marked = [] { return speed_choices.slow > 1; }},
+        run_ahead_row<0>("&0 frames"),
+        run_ahead_row<1>("&1 frame"),
+        run_ahead_row<2>("&2 frames"),
+        run_ahead_row<3>("&3 frames"),
+        run_ahead_row<4>("&4 frames"),
 
         // States.
         {.id = COMMAND_SAVE_SLOT,

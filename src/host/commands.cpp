@@ -21,6 +21,7 @@
 #include "host/screenshot.h"
 #include "host/settings/choices.h"
 #include "host/shell.h"
+#include "host/speed_commands.h"
 #include "host/status.h"
 #include "host/turn.h"
 #include "media/damage.h"
@@ -113,6 +114,7 @@ void pause_machine() {
         ui_set_window_title("(Restarting)");
         check_menu_item(COMMAND_PAUSE, false);
     } else if (!g_bDebug) {
+        show_true_frame();
         ui_set_window_title("(Suspended)");
         check_menu_item(COMMAND_PAUSE, true);
     }

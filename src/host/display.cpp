@@ -14,6 +14,7 @@
 #include "wall/machine_host.h"
 
 #include <string>
+#include <utility>
 
 int g_iScreenX = 0;
 int g_iScreenY = 0;
@@ -34,6 +35,7 @@ bool fullscreen_mode = false;
 bool triggerClearBuffer = false; ///< the next stretched frame blackens the screen first
 Rectangle g_BackupRect;          ///< the window while the whole screen is used
 Size windowed_canvas;            ///< size of the canvas that g_BackupRect fits
+dib canvas_ahead;                ///< kept, so that its memory is used again
 
 BitmapView view_of(const dib& bitmap) {
     return {bitmap.width, bitmap.height, bitmap.header.bits, bitmap.pixels.data(),
@@ -177,8 +179,19 @@ int host_has_canvas() { return canvas.pixels.empty() ? 0 : 1; }
 void show_frame(int flag) {
     if (g_bDebug) return monitor_update();
     if (!flag || !host_has_canvas()) return;
+    const PictureUse use = use_of_picture();
+    if (use == PictureUse::dropped) return;
+    draw_frame();
+    if (use == PictureUse::shown) show_canvas();
+}
+
+void show_frame_ahead() {
+    if (g_bDebug || !host_has_canvas()) return;
+    canvas_ahead = canvas; // a picture may leave lines as they were
+    std::swap(canvas, canvas_ahead);
     draw_frame();
     show_canvas();
+    std::swap(canvas, canvas_ahead);
 }
 
 void show_canvas() {

@@ -37,7 +37,10 @@ Rectangle screen_rect_recalc(const Rectangle& area);
 void show_palette();
 /// 1 when there is a canvas to draw into.
 int host_has_canvas();
-/// Draws one frame into the canvas and presents it. A `flag` of 0 does nothing.
+/// Draws one frame into the canvas and presents it, as far as use_of_picture wants it. A `flag` of
+/// 0 does nothing.
 void show_frame(int flag);
+/// Presents the machine's picture and leaves the canvas as it is.
+void show_frame_ahead();
 /// Presents what the canvas holds.
 void show_canvas();

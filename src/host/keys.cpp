@@ -5,6 +5,7 @@
 #include "host/menu.h"
 #include "host/rom_files.h"
 #include "host/shell.h"
+#include "host/speed_commands.h"
 #include "monitor/monitor.h"
 #include "platform/keyboard.h"
 #include "wall/machine_host.h"
@@ -84,8 +85,8 @@ constexpr auto keys = std::to_array<KeyEntry>({
     {KEY_F3, ask_for_breakpoint, nullptr},
     {KEY_F4, toggle_breakpoint, [] { handle_command(COMMAND_VIDEO_PAGE); }},
     {KEY_F6, save_screenshot, save_screenshot},
-    {KEY_F7, run_until_back, nullptr},
-    {KEY_F8, dump_memory, nullptr},
+    {KEY_F7, run_until_back, nullptr}, // elsewhere pacing looks whether it is held
+    {KEY_F8, dump_memory, step_slow_motion},
     {KEY_F9, dump_disassembly, dump_disassembly},
 });
 

@@ -61,6 +61,7 @@ void connect_machine() {
                 event_feed_frame();
                 history_frame_ran();
             },
+        .show_ahead = show_frame_ahead,
     };
 }
 

@@ -53,7 +53,8 @@ MenuEntry file_menu() {
 
 MenuEntry time_menu() {
     return submenu("&Time", {item(COMMAND_SAVE_SLOT), item(COMMAND_LOAD_SLOT),
-                             item(COMMAND_NEXT_SLOT), item(COMMAND_PREVIOUS_SLOT)});
+                             item(COMMAND_NEXT_SLOT), item(COMMAND_PREVIOUS_SLOT), SEPARATOR,
+                             item(COMMAND_TURBO), item(COMMAND_SLOW_MOTION)});
 }
 
 MenuEntry machine_menu() {
@@ -70,13 +71,20 @@ MenuEntry tape_menu() {
                              item(COMMAND_REWIND), SEPARATOR, item(COMMAND_ADJUST_HEAD)});
 }
 
+MenuEntry run_ahead_menu() {
+    return submenu("Run &ahead", {item(COMMAND_RUN_AHEAD), item(COMMAND_RUN_AHEAD + 1),
+                                  item(COMMAND_RUN_AHEAD + 2), item(COMMAND_RUN_AHEAD + 3),
+                                  item(COMMAND_RUN_AHEAD + 4)});
+}
+
 MenuEntry options_menu() {
     return submenu("&Options",
                    {item(COMMAND_50HZ_TIMER), item(COMMAND_SOUND), item(COMMAND_CLEAN_SOUND),
                     item(COMMAND_SYMBOLIC_KEYS), item(COMMAND_PRINTER), SEPARATOR,
                     item(COMMAND_DOUBLE_SCAN), item(COMMAND_TV_BLUR),
                     item(COMMAND_DISPLAY_SETTINGS), SEPARATOR, item(COMMAND_GIANT_SCREEN),
-                    item(COMMAND_FULL_SCREEN), SEPARATOR, item(COMMAND_KEEP_HISTORY)});
+                    item(COMMAND_FULL_SCREEN), SEPARATOR, item(COMMAND_KEEP_HISTORY),
+                    run_ahead_menu(), item(COMMAND_FAST_TAPES)});
 }
 
 /// What the window's menu shows at the moment, and the marks of ids that it does not hold.

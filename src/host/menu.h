@@ -63,7 +63,11 @@ enum Command : int {
     COMMAND_LOAD_SLOT = 40202,
     COMMAND_NEXT_SLOT = 40203,
     COMMAND_PREVIOUS_SLOT = 40204,
-    COMMAND_KEEP_HISTORY = 40213
+    COMMAND_TURBO = 40210,
+    COMMAND_SLOW_MOTION = 40211,
+    COMMAND_KEEP_HISTORY = 40213,
+    COMMAND_RUN_AHEAD = 40214, ///< + frames, 0 to 4
+    COMMAND_FAST_TAPES = 40219
 };
 
 /// The menu as the program starts with it.

@@ -46,6 +46,7 @@ TEST_F(ShellTest, SettingsAreReadAndWrittenInTheirOrder) {
               "BitDepth=8 SyncSpeed=1 "
               "RunInBackground=0 CompositeBlur ActiveConfig=0 CustomRomBASIC=2 CustomRomChar=0 "
               "CustomRomExpansion=1 CustomRamSize=2 CustomCpuClockFreq=2216750 CustomScreenFreq=50 "
+              "RunAhead=0 TapeTurbo=0 "
               "CustomRamStartupPattern=0 Saturation=75 Brightness=50 Gamma=50 Contrast=50 "
               "InterlacedLine=80 VideoCut=0 VideoPage=0 KeyMapping=0 GiantScreen=0 CleanSound=0 "
               "EnablePrinter=0 Disk0 Disk1 Disk2 Disk3 CompositeBlur=0 "
@@ -63,7 +64,8 @@ TEST_F(ShellTest, SettingsAreReadAndWrittenInTheirOrder) {
               "CustomPalette=0 Saturation=75 Brightness=50 Gamma=50 Contrast=50 InterlacedLine=80 "
               "VideoCut=0 VideoPage=0 KeyMapping=0 GiantScreen=1 CleanSound=0 EnablePrinter=0 "
               "SaveVideoRamWithScreenShots=0 CustomRamStartupPattern=0 CycleBasedEmulation=0 "
-              "Disk0= Disk1= Disk2= Disk3= Tape=7 History=0 HistoryLimit=200 ");
+              "Disk0= Disk1= Disk2= Disk3= Tape=7 History=0 HistoryLimit=200 "
+              "RunAhead=0 TapeTurbo=0 ");
     EXPECT_FALSE(host_has_canvas());
 }
 

@@ -6,6 +6,7 @@
 #include "cgenie/typing/typing.h"
 #include "cgenie/video.h"
 #include "core/pacing/pacing.h"
+#include "core/pacing/speed.h"
 #include "host/canvas.h"
 #include "host/display.h"
 #include "host/screenshot.h"
@@ -295,7 +296,16 @@ std::vector<Stop> TourTest::stops() {
          status("State of slot 0 loaded")},
         {40203, [] { choose_slot(1); }, status("Slot 2: empty")},
         {40204, [] { choose_slot(0); }, status("Slot 9: empty")},
+        {40210, nothing, option(speed_choices.turbo, 40210, true)},
+        {40211, nothing, status("Slow motion: half speed")},
+        {40219, nothing, option(speed_choices.fast_tapes, 40219, true)},
     };
+    for (const int frames : {0, 1, 2, 3, 4}) {
+        list.push_back({40214 + frames, nothing, [this, frames] {
+                            EXPECT_EQ(frames_ahead, uint32_t(frames));
+                            expect_mark(40214 + frames, true);
+                        }});
+    }
     for (const unsigned drive : {0, 1, 2, 3}) {
         list.push_back({40018 + int(drive),
                         [this] {

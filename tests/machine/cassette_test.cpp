@@ -3,7 +3,9 @@
 #include "cgenie/typing/typing.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"
+#include "core/machine_state.h"
 #include "core/pacing/pacing.h"
+#include "core/pacing/speed.h"
 #include "host/autostart.h"
 #include "media/files/cassette_files.h"
 #include "media/files/tape_sound_files.h"
@@ -12,6 +14,7 @@
 #include "media/traps.h"
 #include "platform/headless/headless.h"
 #include "program_run.h"
+#include "support/paced_frames.h"
 #include "z80/z80.h"
 
 #include <gtest/gtest.h>
@@ -76,7 +79,7 @@ protected:
         EXPECT_TRUE(obey("")); // all of the memory
     }
     static void run(int frames) {
-        while (frames-- > 0) run_with_answers(machine_run);
+        while (frames-- > 0) paced ? run_paced_frame() : void(run_with_answers(machine_run));
     }
     static unsigned peek(unsigned address) {
         return memory[address] | unsigned(memory[address + 1]) << 8;
@@ -137,6 +140,7 @@ protected:
 
     HeadlessPlatform platform_;
     Folder folder_;
+    static inline bool paced = false;
 };
 
 const std::vector<std::string> LINES = {"\xB2\"HELLO\"", std::string(200, 'X'), "\x8D 10",
@@ -372,6 +376,38 @@ TEST_F(Cassette, SoundGoesRound) {
         }
         EXPECT_EQ(bytes_at(PROGRAM, program.size()), program);
     }
+}
+
+TEST_F(Cassette, FastTapesLoadTheSameInNoTime) {
+    constexpr int FRAMES = 200;
+    put_program(PROGRAM, program_at(PROGRAM, LINES));
+    ASSERT_EQ(tape_create_wav(file("save.wav"), 44100), 1);
+    tape_set_motor(1, z80_state.t_count);
+    EXPECT_TRUE(obey("CSAVE\"A\"", 300));
+    run(500); // and nothing for a while
+    tape_close_wav();
+    ASSERT_EQ(tape_open_wav(file("save.wav")), 1);
+    tape_set_motor(1, z80_state.t_count);
+    init_timers();
+    machine_state before, loaded[2];
+    machine_save(before);
+    paced = true;
+    for (const bool fast : {false, true}) {
+        machine_load(before);
+        speed_choices.fast_tapes = fast;
+        std::fill(memory + PROGRAM, memory + PROGRAM + 500, 0xEE);
+        run(10);
+        const int64_t slept = platform_.slept_ms();
+        ASSERT_TRUE(obey("CLOAD", 400));
+        EXPECT_EQ(platform_.slept_ms() - slept < FRAMES / 10, fast);
+        machine_save(loaded[fast]);
+        run(30); // until it is clear that nobody listens any more
+        const int64_t loading = platform_.slept_ms();
+        run(FRAMES);
+        EXPECT_GT(platform_.slept_ms() - loading, FRAMES / 2) << "the tape still runs";
+    }
+    EXPECT_EQ(machine_difference(loaded[0], loaded[1]), "");
+    paced = speed_choices.fast_tapes = false;
 }
 
 TEST_F(Cassette, BreakEndsEverySearch) {

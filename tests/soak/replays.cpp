@@ -6,7 +6,8 @@
 /// Each run has an example program, BASIC or the soak's workload, an engine, media, keys, a sound
 /// device that is early, late, jittery or absent, and files that fail. Its frames are paced,
 /// unpaced, stepped, or pass a breakpoint, and in one run of three a WAV tape plays or records
-/// meanwhile. Ends with 1 and a line that begins with "FAILED" when something is wrong.
+/// meanwhile. Now and then the machine looks ahead, which must leave no trace. Ends with 1 and a
+/// line that begins with "FAILED" when something is wrong.
 
 #include "cgenie/hires_lowe.h"
 #include "cgenie/input.h"
@@ -17,8 +18,8 @@
 #include "core/frame_driver.h"
 #include "core/machine.h"
 #include "core/machine_events.h"
-#include "core/machine_mute.h"
 #include "core/machine_state.h"
+#include "core/pacing/run_ahead.h"
 #include "files/whole_file.h"
 #include "media/tape_audio.h"
 #include "media/traps.h"
@@ -297,19 +298,8 @@ void start_tape() {
     machine_apply(type_text, 0, 0, text(plays ? "\r\nCLOAD\r" : "\r\nCSAVE\"A\"\r"));
 }
 
-/// What nobody may notice: some frames more than the true ones, and back again.
-void look_ahead() {
-    machine_state now;
-    machine_save(now);
-    {
-        const MachineMute mute;
-        for (unsigned n = below(4); n > 0; --n) machine_run();
-    }
-    machine_load(now);
-}
-
 void run_frame() {
-    if (once_in(8)) look_ahead();
+    if (once_in(8)) look_ahead(1 + below(MOST_FRAMES_AHEAD), [] { video_render_frame(); });
     const auto run = host.way == STEPPED ? machine_step : machine_run;
     for (int end = run(); end != MACHINE_FRAME; end = run()) {
         if (end != MACHINE_WAITS || !once_in(3)) continue;

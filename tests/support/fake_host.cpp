@@ -24,7 +24,9 @@ const bool connected = [] {
         std::fputs(lines, to == TEXT_ERROR ? stderr : stdout);
     };
     machine_host.lamp = [](int drive) { fake_host.lamp = drive; };
-    machine_host.frame = [](int flag) { fake_host.screen_updates += flag != 0; };
+    machine_host.frame = [](int flag) {
+        fake_host.screen_updates += flag != 0 && use_of_picture() == PictureUse::shown;
+    };
     machine_host.was_reset = [] { last_file_name.clear(); };
     connect_media_files();
     machine_host.save_question = [] {
@@ -45,6 +47,7 @@ const bool connected = [] {
         .capture_frame = [] { ++fake_host.captured_frames; },
         .answer_question = [] { return false; },
         .frame_ran = [] { ++fake_host.frames_told; },
+        .show_ahead = [] { ++fake_host.pictures_ahead; },
     };
     return true;
 }();

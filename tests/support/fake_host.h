@@ -15,6 +15,7 @@ struct FakeHost {
     int screenshots = 0;
     int captured_frames = 0;
     int frames_told = 0; ///< by frame_ran
+    int pictures_ahead = 0;
     bool canvas = true;
     std::string save_path;   ///< the answer when a save is to be named; empty cancels
     bool save_waits = false; ///< for the answer

@@ -5,6 +5,7 @@
 #include "cgenie/typing/typing.h"
 #include "core/frame_driver.h"
 #include "core/pacing/pacing.h"
+#include "core/pacing/speed.h"
 #include "host/dialogs/compression_dialog.h"
 #include "host/shell_state.h"
 #include "media/printer.h"
@@ -15,6 +16,8 @@
 inline void reset_program_options() {
     shell_state = {};
     g_Timer = true;
+    frames_ahead = 0;
+    speed_choices = {};
     printer_enabled = g_bCycleBasedEngine = ym2149_clean = false;
     g_bRecordingVideo = leftover = 0;
     event_screenshot_timout = event_shutdown_timout = EVENT_DISARMED;

@@ -3,16 +3,21 @@
 #include "core/frame_driver.h"
 #include "core/machine.h"
 #include "core/machine_events.h"
+#include "core/pacing/run_ahead.h"
+#include "core/pacing/speed.h"
 #include "media/tape_audio.h"
 #include "platform/platform.h"
+#include "sound/output/sound_ring.h"
 #include "sound/output/wav_capture.h"
 #include "wall/machine_host.h"
 #include "z80/z80.h"
 
+#include <algorithm>
 #include <cstdio>
 
 bool g_Timer = true;
 int g_bRecordingVideo = 0;
+uint32_t frames_ahead = 0;
 std::string last_file_name = "Tarvelin";
 int64_t event_shutdown_timout = EVENT_DISARMED;
 int64_t event_screenshot_timout = EVENT_DISARMED;
@@ -24,6 +29,7 @@ pacing_calls pacing_host = {
     .capture_frame = [] {},
     .answer_question = [] { return false; },
     .frame_ran = [] {},
+    .show_ahead = [] {},
 };
 
 namespace {
@@ -35,32 +41,131 @@ constexpr int64_t MICROSECONDS = 1'000'000; ///< in a second
 enum class Step : uint8_t { none, run, shown };
 Step step = Step::none;
 
+constexpr uint32_t TURBO = 0; ///< as a stretch
+/// How many times as long as it should a frame lasts; see frame_stretch.
+uint32_t stretch = 1;
+PictureUse picture_use = PictureUse::shown;
+bool beam_has_shown = false; ///< during the present frame, in turbo
+
+/// When the speed has changed, the speed report measures a shorter period, so that the title is
+/// true again soon; in turbo always.
+struct {
+    bool runs = false;
+    int64_t start = 0; ///< in counts of the clock
+} short_period;
+
 void look_at_clock() { pacing.elapsed_counter = platform().clock().counter(); }
+
+bool picture_is_due() {
+    return pacing.elapsed_counter >= pacing.next_frame || g_bRecordingVideo != 0;
+}
+
+bool runs_ahead() { return frames_ahead > 0 && g_Timer && stretch != TURBO; }
+
+int64_t frame_time() { return pacing.frame_period * stretch; }
 
 /// By how much the emulation is more than one frame period ahead of real time; 0 when it is not.
 int64_t microseconds_ahead() {
-    if (!g_Timer) return 0;
-    const int64_t ahead = pacing.elapsed_temp - pacing.elapsed_counter - pacing.frame_period + 1;
+    if (!g_Timer || stretch == TURBO) return 0;
+    const int64_t ahead = pacing.elapsed_temp - pacing.elapsed_counter - frame_time() + 1;
     const int64_t frequency = pacing.two_seconds / 2;
     return ahead <= 0 ? 0 : (ahead * MICROSECONDS + frequency - 1) / frequency;
+}
+
+void measure_again() {
+    pacing.ticks = 0;
+    pacing.last_total_frames = pacing.total_frames;
+}
+
+void measure_from_now() {
+    short_period = {true, pacing.elapsed_counter};
+    pacing.next_measure = pacing.elapsed_counter + pacing.two_seconds / 4;
+    measure_again();
+}
+
+/// Follows a change of the speed. What it has gained or lost is not made up for.
+void follow_speed() {
+    const uint32_t now = frame_stretch();
+    if (now == stretch) return;
+    stretch = now;
+    look_at_clock();
+    pacing.next_frame = pacing.elapsed_counter;
+    pacing.elapsed_temp = pacing.elapsed_counter + 2 * frame_time(); // the next frame waits in full
+    measure_from_now();
+    sound_fade(stretch != 1, FadeReason::speed);
+}
+
+void show_speed(int speed, int pictures) {
+    char title[80];
+    std::snprintf(title, sizeof title, "%1.3f Mhz CPU at %d%% (%d Hz video)",
+                  double(z80_state.clock_hz) / 1e6, speed, pictures);
+    pacing_host.title(title);
+    if (int64_t recorded = 0; sound_is_saving(&recorded)) {
+        StatusBarText("Saving to WAV: %6.1f kbyte so far...", double(recorded) / 1024.0);
+    }
+}
+
+/// `count` things in the period that has just been measured: how many there would be in `time`.
+int rate(int64_t count, int64_t time) {
+    const int64_t measured = pacing.elapsed_counter - short_period.start;
+    return int((count * time + measured / 2) / measured);
+}
+
+void report_short_period_when_due() {
+    if (pacing.elapsed_counter < pacing.next_measure) return;
+    const int64_t hundred_frames = pacing.frame_period * 100;
+    show_speed(rate(pacing.ticks, hundred_frames),
+               rate(pacing.total_frames - pacing.last_total_frames, pacing.two_seconds / 2));
+    if (stretch == TURBO) return measure_from_now();
+    short_period.runs = false;
+    pacing.next_measure = pacing.elapsed_counter + pacing.two_seconds;
+    measure_again();
+    --pacing.last_total_frames; // the usual report comes before the frame's picture
 }
 
 void report_speed_when_due() {
     if (pacing.elapsed_counter < pacing.next_measure) return;
     pacing.next_measure += pacing.two_seconds;
     show_frame_rate();
-    pacing.ticks = 0;
-    pacing.last_total_frames = pacing.total_frames;
+    measure_again();
+}
+
+void update_screen_as(PictureUse use) {
+    picture_use = use;
+    update_screen(1);
+    picture_use = PictureUse::shown;
 }
 
 /// Shows the frame, at most at the display's refresh rate. The beam engine presents its frames
 /// itself.
 void update_screen_when_due() {
-    if (pacing.elapsed_counter < pacing.next_frame && !g_bRecordingVideo) return;
-    if (!g_bCycleBasedEngine) update_screen(1);
+    const bool turbo = stretch == TURBO;
+    const bool beam_decides = turbo && g_bCycleBasedEngine && !g_bRecordingVideo;
+    if (beam_decides ? !beam_has_shown : !picture_is_due()) return;
+    const bool ahead = runs_ahead();
+    if (!g_bCycleBasedEngine) update_screen_as(ahead ? PictureUse::drawn : PictureUse::shown);
     ++pacing.total_frames;
     pacing.next_frame += pacing.frame_interval;
+    if (turbo) pacing.next_frame = std::max(pacing.next_frame, pacing.elapsed_counter);
     if (g_bRecordingVideo) pacing_host.capture_frame();
+    if (ahead) look_ahead(frames_ahead, pacing_host.show_ahead);
+}
+
+/// In turbo the beam engine would present far more pictures than can be seen.
+PictureUse use_of_turbo_picture() {
+    look_at_clock();
+    if (beam_has_shown || !picture_is_due()) return PictureUse::dropped;
+    beam_has_shown = true;
+    return PictureUse::shown;
+}
+
+int run_paced_frame() {
+    beam_has_shown = false;
+    if (runs_ahead()) picture_use = PictureUse::drawn;
+    if (stretch == TURBO) picture_use = PictureUse::dropped;
+    const int end = run_with_answers(machine_run);
+    picture_use = PictureUse::shown;
+    return end;
 }
 
 } // namespace
@@ -99,8 +204,9 @@ void do_some_frames(int count) {
 }
 
 int64_t paced_frame_step() {
+    follow_speed();
     if (step == Step::none) {
-        if (run_with_answers(machine_run) != MACHINE_FRAME) return 0;
+        if (run_paced_frame() != MACHINE_FRAME) return 0;
         platform().keyboard().release_tapped();
         run_timed_events();
         step = Step::run;
@@ -109,8 +215,12 @@ int64_t paced_frame_step() {
     if (const int64_t ahead = microseconds_ahead()) return ahead;
     show_paced_frame();
     step = Step::none;
-    pacing.elapsed_temp += pacing.frame_period;
+    pacing.elapsed_temp += frame_time();
     return 0;
+}
+
+PictureUse use_of_picture() {
+    return picture_use == PictureUse::dropped ? use_of_turbo_picture() : picture_use;
 }
 
 bool paced_frame_waits() { return step == Step::run; }
@@ -119,8 +229,10 @@ void show_paced_frame() {
     if (step != Step::run) return;
     step = Step::shown;
     ++pacing.ticks;
-    report_speed_when_due();
+    if (!short_period.runs) report_speed_when_due();
     update_screen_when_due();
+    if (short_period.runs) report_short_period_when_due();
+    speed_watch_tape();
     machine_apply(event_kind::tape_moves);
 }
 
@@ -145,6 +257,7 @@ void timer_recalibrate_fps(uint32_t screen_frequency) {
 
 void reset_timer() {
     step = Step::none;
+    short_period.runs = false;
     look_at_clock();
     pacing.next_frame = pacing.elapsed_counter;
     pacing.next_measure = pacing.elapsed_counter + pacing.two_seconds;
@@ -153,13 +266,6 @@ void reset_timer() {
 }
 
 void show_frame_rate() {
-    const int speed = pacing.ticks * 50 / int(frames_per_second());
-    const int shown = (pacing.total_frames - pacing.last_total_frames) >> 1;
-    char title[80];
-    std::snprintf(title, sizeof title, "%1.3f Mhz CPU at %d%% (%d Hz video)",
-                  double(z80_state.clock_hz) / 1e6, speed, shown);
-    pacing_host.title(title);
-    if (int64_t recorded = 0; sound_is_saving(&recorded)) {
-        StatusBarText("Saving to WAV: %6.1f kbyte so far...", double(recorded) / 1024.0);
-    }
+    show_speed(pacing.ticks * 50 / int(frames_per_second()),
+               (pacing.total_frames - pacing.last_total_frames) >> 1);
 }

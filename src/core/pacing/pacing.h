@@ -1,6 +1,7 @@
 #pragma once
-/// Pacing: keeps the machine in step with the host's clock, limits screen updates to the display's
-/// refresh rate, and serves the timed events of the command line.
+/// Pacing: keeps the machine in step with the host's clock, or faster or slower than that
+/// (speed.h), limits screen updates to the display's refresh rate, looks ahead (run_ahead.h), and
+/// serves the timed events of the command line.
 
 #include <cstdint>
 #include <string>
@@ -9,6 +10,9 @@
 extern bool g_Timer;
 /// A video capture is running: every frame is presented and handed to it (0 or 2).
 extern int g_bRecordingVideo;
+/// Run-ahead: frames that are run in advance of each that is shown, 0 to MOST_FRAMES_AHEAD. Films
+/// and screenshots keep the true frames. Without effect in turbo and while nothing is paced.
+extern uint32_t frames_ahead;
 /// Base name, without extension, of screenshots; empty after a reset.
 extern std::string last_file_name;
 
@@ -44,6 +48,8 @@ struct pacing_calls {
     bool (*answer_question)();
     /// A frame of the live machine is complete, whether it was paced, single or ended by a step.
     void (*frame_ran)();
+    /// Shows the picture of the machine as it is now and leaves the canvas as it is.
+    void (*show_ahead)();
 };
 /// Without a host nothing is shown, and there is no canvas.
 extern pacing_calls pacing_host;
@@ -69,6 +75,14 @@ bool paced_frame_waits();
 /// Shows the frame that waits, before anything else happens. The rest of its time still has to
 /// pass.
 void show_paced_frame();
+
+/// What is to be done with a picture that the machine presents or is asked for.
+enum class PictureUse : uint8_t {
+    shown,
+    drawn,  ///< into the canvas only: a later one is shown in its place
+    dropped ///< in turbo, between two refreshes of the display
+};
+PictureUse use_of_picture();
 
 /// Reads the clock's frequency and the display's refresh rate, and starts pacing for the active
 /// configuration; once, when the platform is there.
