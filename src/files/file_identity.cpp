@@ -19,6 +19,13 @@ std::string canonical_path(const std::string& path) {
     return error ? path : real.string();
 }
 
+std::string lasting_path(const std::string& path) {
+    std::error_code error;
+    const auto absolute =
+        path.empty() ? std::filesystem::path() : std::filesystem::absolute(path, error);
+    return error ? path : absolute.string();
+}
+
 uint64_t content_hash(std::span<const uint8_t> bytes) {
     // The basis and the prime of FNV-1a, with eight bytes taken at a time.
     constexpr uint64_t BASIS = 0xCBF29CE484222325, PRIME = 0x100000001B3;

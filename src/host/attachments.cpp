@@ -2,6 +2,7 @@
 
 #include "cgenie/input.h"
 #include "core/machine_events.h"
+#include "files/file_identity.h"
 #include "host/disks.h"
 #include "host/key_map.h"
 #include "host/machine_callbacks.h"
@@ -110,8 +111,8 @@ void follow_keyboard() {
 shared_bytes attachments_now() {
     std::vector<uint8_t> bytes;
     put(bytes, VERSION);
-    for (const disk_file& file : drive_files) put(bytes, file.path, file.hash);
-    put(bytes, tape_cas_is_attached() ? tape_get_cas_name() : std::string());
+    for (const disk_file& file : drive_files) put(bytes, lasting_path(file.path), file.hash);
+    put(bytes, tape_cas_is_attached() ? lasting_path(tape_get_cas_name()) : std::string());
     const played_wav wav = tape_sound_played();
     put(bytes, wav.path, wav.hash);
     shared_bytes now(std::move(bytes));

@@ -5,6 +5,7 @@
 #include "core/machine.h"
 #include "core/machine_events.h"
 #include "core/pacing/pacing.h"
+#include "files/file_identity.h"
 #include "host/autostart.h"
 #include "host/command_table_time.h"
 #include "host/commands.h"
@@ -29,7 +30,6 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <filesystem>
 #include <iterator>
 #include <vector>
 
@@ -45,14 +45,6 @@ constexpr uint8_t ALT = MODIFIER_ALT;
 constexpr uint8_t SHIFT = MODIFIER_SHIFT;
 
 constexpr SettingPlace OF_THE_DIALOG = TextAccess{};
-
-/// The path in absolute form, so that it holds wherever the next run starts.
-std::string lasting_path(const std::string& path) {
-    std::error_code error;
-    const auto absolute =
-        path.empty() ? std::filesystem::path() : std::filesystem::absolute(path, error);
-    return error ? path : absolute.string();
-}
 
 // ---- settings ----------------------------------------------------------------------------------
 

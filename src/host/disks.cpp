@@ -52,12 +52,14 @@ std::string drive_text(unsigned drive, const std::string& content) {
     return text;
 }
 
-/// Path and why there is no such image.
+/// Path and why there is no such image; empty when there is one.
 std::string image_problem(const std::string& path) {
     std::string problem = file_problem(path);
     if (!problem.empty()) return problem;
-    std::error_code error;
-    const auto size = std::filesystem::file_size(path, error);
+    disk_image disk;
+    disk.image = read_whole_file(path).value_or(std::vector<uint8_t>());
+    const size_t size = disk.image.size();
+    if (size && diskimg_find_geometry(disk)) return {};
     return path + ": its " + std::to_string(size) + " bytes are no layout that is known";
 }
 
@@ -296,7 +298,7 @@ bool belongs_to(unsigned drive, const disk_file& file) {
     const disk_file& present = drive_files[drive];
     const DiskCare& care = cares[drive];
     return diskimg_inserted(wd1771.disks[drive]) && care.is_followed && !care.journal_waits &&
-           present.path == file.path && present.hash == file.hash;
+           lasting_path(present.path) == file.path && present.hash == file.hash;
 }
 
 void leave_file(unsigned drive) {
@@ -337,15 +339,24 @@ void take_file(unsigned drive, const disk_file& file) {
     if (journals_are_held) return;
     cares[drive].is_followed = true;
     if (file.path.empty()) return;
-    const std::string problem = file_problem(file.path);
-    if (!problem.empty() || diskimg_file_changed(drive)) {
+    // Whoever made the state may have named any file, so that only an image is taken for one.
+    const std::string problem = image_problem(file.path);
+    if (!problem.empty()) {
+        drive_files[drive] = {};
+        show_drive(drive);
+        return report({.text = "The disk of " + drive_name(drive) + " has no file",
+                       .reason = problem,
+                       .remedy = "It can be saved when it is taken out.",
+                       .severity = Severity::warning});
+    }
+    if (diskimg_file_changed(drive)) {
         report({.text = "The disk of " + drive_name(drive) + " is another than that in its file",
                 .file = file.path,
-                .reason = problem.empty() ? "the file holds something else than before" : problem,
+                .reason = "the file holds something else than before",
                 .remedy = "The file stays as it is until the disk is taken out and saved.",
                 .severity = Severity::warning});
     }
-    cares[drive].is_protected = problem.empty() && access(file.path.c_str(), W_OK) != 0;
+    cares[drive].is_protected = access(file.path.c_str(), W_OK) != 0;
     set_protection(drive);
     claim_image(drive);
     if (shell_state.start.keep_disk_journals && !cares[drive].is_protected) {

@@ -41,9 +41,9 @@ void main_disk_keep_journals_when_due();
 void main_disk_hold_journals(bool on);
 /// For another state of the machine, which brings its own disks: the one of each drive belongs to
 /// the file of that drive here, or to none without a path. It counts as changed when the file holds
-/// anything else. What was written to a disk that is gone stays in its journal; where a disk comes
-/// back that has a journal, what only that one has goes to the rescue folder. The user is told,
-/// also of files that are missing or have changed.
+/// anything else. A file that is missing or is no image is none. What was written to a disk that is
+/// gone stays in its journal; where a disk comes back that has a journal, what only that one has
+/// goes to the rescue folder. The user is told, also of files that are missing or have changed.
 void main_disk_follow(const std::array<disk_file, DISK_DRIVES>& files);
 /// When the machine is to go on: sees to the journals and claims of the disks that came while they
 /// were held.

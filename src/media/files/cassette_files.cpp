@@ -2,6 +2,7 @@
 
 #include "core/machine_events.h"
 #include "files/file_handle.h"
+#include "files/file_names.h"
 #include "files/whole_file.h"
 #include "media/files/rescue.h"
 #include "media/tape.h"
@@ -9,6 +10,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
+#include <optional>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -174,7 +176,9 @@ void tape_file_follow(const std::string& path) {
     if (cassette.attached || is_named_after_tape) casfilename = path;
     is_named_after_tape = cassette.attached != 0;
     if (!cassette.saving) return;
-    const auto bytes = read_whole_file(path);
+    // Whoever made the state may have named any file: only a tape is written to.
+    const bool is_tape = lower_case_extension(path) == "cas";
+    const auto bytes = is_tape ? read_whole_file(path) : std::nullopt;
     if (bytes && std::ranges::equal(*bytes, cas.view())) {
         saved = open_regular_file(path, O_RDWR, "r+b");
         saved_path = path;

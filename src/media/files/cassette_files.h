@@ -37,8 +37,8 @@ int tape_create_file(const std::string& path);
 int tape_file_write(uint64_t position, const uint8_t* bytes, size_t count);
 /// Ends the file of a saved tape and writes it through to the disk.
 void tape_file_end();
-/// For another state of the machine, whose tape has this path; empty without one. A file that holds
-/// just the tape that is being saved goes on. Any other stays as it was written: the first byte
-/// that follows makes a new file in the rescue folder, with all of the tape, which the user is
+/// For another state of the machine, whose tape has this path; empty without one. A .cas file that
+/// holds just the tape that is being saved goes on. Any other stays as it was written: the first
+/// byte that follows makes a new file in the rescue folder, with all of the tape, which the user is
 /// told.
 void tape_file_follow(const std::string& path);

@@ -97,7 +97,7 @@ int tape_open_wav(const std::string& path) {
         report({.text = path + " cannot be played: " + problem + "."});
         return 0;
     }
-    played_file = {path, hash_of_played()};
+    played_file = {lasting_path(path), hash_of_played()};
     machine_apply(event_kind::tape_play_wav, 0, 0, bytes_of(wav));
     print_diagnostics(wav);
     return 1;
