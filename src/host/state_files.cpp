@@ -33,17 +33,11 @@ using GivenFiles = std::vector<std::string>;
 
 std::string file_name(const std::string& path) { return fs::path(path).filename().string(); }
 
-std::string absolute_path(const std::string& path) {
-    std::error_code error;
-    const fs::path absolute = fs::absolute(path, error);
-    return error ? path : absolute.string();
-}
-
 medium_origin drive_origin(unsigned drive) {
     const disk_file& file = drive_files[drive];
     if (file.path.empty()) return {};
     const bool unchanged = content_hash(drive_contents[drive].view()) == file.hash;
-    return {absolute_path(file.path), 0, unchanged};
+    return {lasting_path(file.path), 0, unchanged};
 }
 
 medium_origin cassette_origin() {
@@ -51,7 +45,7 @@ medium_origin cassette_origin() {
     const auto bytes = read_whole_file(tape_get_cas_name());
     const bool unchanged =
         !cassette.saving && bytes && content_hash(*bytes) == content_hash(cas.view());
-    return {absolute_path(tape_get_cas_name()), 0, unchanged};
+    return {lasting_path(tape_get_cas_name()), 0, unchanged};
 }
 
 /// The program that was started, or what it may have come from.
