@@ -13,6 +13,7 @@ program=$(realpath "$program")
 work=$(mktemp -d)
 export XDG_CONFIG_HOME=$work/config XDG_DATA_HOME=$work/data QT_QPA_PLATFORM=xcb
 export SDL_AUDIODRIVER=dummy
+export QT_NO_XDG_DESKTOP_PORTAL=1 # Qt 6.8 leaks its question to a portal that is not there
 unset WAYLAND_DISPLAY
 mkdir -p "$work/config/tarvelin"
 cd "$work"
