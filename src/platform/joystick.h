@@ -8,6 +8,7 @@ struct JoystickState {
     uint16_t y = 32767; ///< 0 up to 65535 down
     bool first_button = false;
     bool second_button = false;
+    bool third_button = false; ///< of a game controller the left shoulder button
 };
 
 /// Joysticks and game controllers, numbered from 0; they come and go while the program runs.

@@ -6,13 +6,22 @@
 #include <string>
 
 /// The areas that the program draws, from back to front. The picture is always there.
-enum class PaneId : uint8_t { picture, monitor };
-constexpr size_t PANES = 2;
+enum class PaneId : uint8_t { picture, monitor, film_bar };
+constexpr size_t PANES = 3;
+
+/// What a screen reader finds in a pane that works like a slider.
+struct SliderReading {
+    std::string name;
+    std::string text; ///< the value, as it is shown
+    double value = 0, lowest = 0, highest = 0;
+    bool operator==(const SliderReading&) const = default;
+};
 
 /// A drawable area of the main window. What is drawn stays until it is drawn over or the area gets
 /// another size: the host keeps it, whether the pane is shown or not, and paints it again by
 /// itself. Where a pane lies is the host's layout: the picture and the monitor have the same area,
-/// the client area above the status bar.
+/// the client area above the status bar; the film bar lies over the lowest lines of that area, as
+/// high as two rows of text with some room around them.
 struct Pane {
     virtual ~Pane() = default;
     virtual Size size() = 0;
@@ -28,4 +37,6 @@ struct Pane {
     virtual void text(int x, int y, const std::string& text, Colour colour, Colour background) = 0;
     /// A line one pixel high, `length` pixels from (x, y) to the right.
     virtual void line(int x, int y, int length, Colour colour) = 0;
+    /// Only the film bar tells it.
+    virtual void set_reading(const SliderReading& reading) = 0;
 };

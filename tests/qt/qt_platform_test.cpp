@@ -257,6 +257,31 @@ TEST_F(QtPlatformTest, PointerIsAtAPlaceInThePaneShown) {
     EXPECT_FALSE(used.touch);
 }
 
+TEST_F(QtPlatformTest, FilmBarLiesOverTheLowestLinesAndHasPointerAndReaderOfItsOwn) {
+    fit({80, 100});
+    Pane& bar = host->pane(PaneId::film_bar);
+    host->pane(PaneId::picture).fill_rectangle({0, 0, 80, 100}, 0x0000FF);
+    bar.show(true);
+    const Size size = bar.size();
+    EXPECT_EQ(size.width, 80);
+    bar.fill_rectangle({0, 0, 80, size.height}, 0x00FF00);
+    EXPECT_EQ(pixel(5, 99 - size.height), 0x0000FFu);
+    EXPECT_EQ(pixel(5, 100 - size.height), 0x00FF00u);
+    QMouseEvent event(QEvent::MouseButtonPress, {7, 5}, {0, 0}, Qt::LeftButton, Qt::LeftButton,
+                      NO_MODIFIERS);
+    QApplication::sendEvent(client().childAt(5, 99), &event);
+    const std::vector<Event> events = drain(Event::Kind::pointer);
+    ASSERT_EQ(events.size(), 1u) << "the pane behind gets none";
+    EXPECT_EQ(events[0].pointer.pane, PaneId::film_bar);
+    EXPECT_EQ(events[0].pointer.x * 100 + events[0].pointer.y, 705);
+    bar.set_reading({"Time", "-0:01.0 of 0:02", -1, -2, 0});
+    QAccessibleInterface* reader = QAccessible::queryAccessibleInterface(client().childAt(5, 99));
+    EXPECT_EQ(reader->text(QAccessible::Value), "-0:01.0 of 0:02");
+    EXPECT_EQ(reader->valueInterface()->currentValue().toDouble(), -1);
+    bar.show(false);
+    EXPECT_EQ(pixel(5, 99), 0x0000FFu);
+}
+
 TEST_F(QtPlatformTest, TakesTheFirstFileDroppedByteForByte) {
     QMimeData data;
     data.setData("text/uri-list", "http://host/x\r\nfile:///a%20b/%E4.cas\r\nfile:///c\r\n");
@@ -371,7 +396,7 @@ TEST_F(QtPlatformTest, StatusBarIsTheBottomOfTheClientArea) {
     bar.create(edges, 1);
     const int height = bar.height();
     bar.set_text(2, "Tape & more");
-    QAccessibleInterface* reader = QAccessible::queryAccessibleInterface(&client())->child(0);
+    QAccessibleInterface* reader = QAccessible::queryAccessibleInterface(&client())->child(1);
     EXPECT_EQ(reader->role(), QAccessible::StatusBar);
     EXPECT_EQ(reader->text(QAccessible::Name), "Status bar");
     EXPECT_EQ(reader->child(2)->text(QAccessible::Name), "Tape & more");

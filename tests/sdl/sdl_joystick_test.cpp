@@ -106,6 +106,7 @@ TEST_F(SdlJoystickTest, GameControllerNeedsNoConfiguration) {
         bool first;
     } buttons[] = {{SDL_CONTROLLER_BUTTON_A, 32768, 32768, true},
                    {SDL_CONTROLLER_BUTTON_X, 32768, 32768, false},
+                   {SDL_CONTROLLER_BUTTON_LEFTSHOULDER, 32768, 32768, false},
                    {SDL_CONTROLLER_BUTTON_DPAD_UP, 32768, 0, false},
                    {SDL_CONTROLLER_BUTTON_DPAD_DOWN, 32768, 65535, false},
                    {SDL_CONTROLLER_BUTTON_DPAD_LEFT, 0, 32768, false},
@@ -113,6 +114,8 @@ TEST_F(SdlJoystickTest, GameControllerNeedsNoConfiguration) {
     for (const auto& c : buttons) {
         pad.button(c.button, true);
         expect(0, c.x, c.y, c.first, false, SDL_GameControllerGetStringForButton(c.button));
+        const bool shoulder = c.button == SDL_CONTROLLER_BUTTON_LEFTSHOULDER;
+        EXPECT_EQ(sticks.read(0)->third_button, shoulder);
         pad.button(c.button, false);
     }
 }

@@ -118,8 +118,12 @@ struct HeadlessPlatform::State {
     explicit State(HeadlessOptions given)
         : options(std::move(given)),
           clock(options.real_time, options.look_ns, options.refresh_rate), paths(options),
-          window(options.screen), panes{HeadlessPane(window, status_bar, options.keep_pictures),
-                                        HeadlessPane(window, status_bar, options.keep_pictures)},
+          window(options.screen),
+          panes{
+              HeadlessPane(window, status_bar, options.keep_pictures),
+              HeadlessPane(window, status_bar, options.keep_pictures),
+              HeadlessPane(window, status_bar, options.keep_pictures, HEADLESS_FILM_BAR),
+          },
           settings_file(options.settings_path) {
         panes[size_t(PaneId::picture)].shown = true;
     }

@@ -113,7 +113,7 @@ std::string HeadlessWindow::item_text(int id) const {
 
 Size HeadlessPane::size() {
     const Size client = window_.client_size();
-    return {client.width, std::max(client.height - status_bar_.height(), 0)};
+    return {client.width, height_ ? height_ : std::max(client.height - status_bar_.height(), 0)};
 }
 
 void HeadlessPane::copy_bitmap(const BitmapView& picture, int x, int y) {

@@ -18,6 +18,7 @@ constexpr int HEADLESS_FRAME = 4;
 constexpr int HEADLESS_CAPTION = 20;
 constexpr int HEADLESS_MENU = 20;
 constexpr int HEADLESS_STATUS_BAR = 23;
+constexpr int HEADLESS_FILM_BAR = 40;
 constexpr Size HEADLESS_CELL{8, 12};
 constexpr Colour HEADLESS_SHADOW = 0x808080;
 constexpr Colour HEADLESS_HIGHLIGHT = 0xFFFFFF;
@@ -90,8 +91,10 @@ struct HeadlessText {
 };
 
 struct HeadlessPane final : public Pane {
-    HeadlessPane(HeadlessWindow& window, StatusBar& status_bar, bool keep_pictures)
-        : window_(window), status_bar_(status_bar), keep_pictures_(keep_pictures) {}
+    /// A height of 0 is that of the client area above the status bar.
+    HeadlessPane(HeadlessWindow& window, StatusBar& status_bar, bool keep_pictures, int height = 0)
+        : window_(window), status_bar_(status_bar), keep_pictures_(keep_pictures), height_(height) {
+    }
 
     Size size() override;
     void show(bool on) override { shown = on; }
@@ -104,6 +107,7 @@ struct HeadlessPane final : public Pane {
     void line(int x, int y, int length, Colour colour) override {
         lines.push_back({{x, y, x + length, y + 1}, colour});
     }
+    void set_reading(const SliderReading& given) override { reading = given; }
 
     /// What the pane holds, where pictures are kept; black where nothing was drawn.
     Colour pixel(int x, int y) const;
@@ -114,6 +118,7 @@ struct HeadlessPane final : public Pane {
     HeadlessFill last_fill;
     std::vector<HeadlessText> texts; ///< that begin where no fill or picture came later
     std::vector<HeadlessFill> lines; ///< likewise
+    SliderReading reading;
 
 private:
     void forget(const Rectangle& area);
@@ -123,6 +128,7 @@ private:
     HeadlessWindow& window_;
     StatusBar& status_bar_;
     bool keep_pictures_;
+    int height_;
     Size size_;
     std::vector<Colour> pixels_;
 };

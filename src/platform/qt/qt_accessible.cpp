@@ -2,6 +2,7 @@
 
 #include "platform/qt/qt_canvas.h"
 #include "platform/qt/qt_status_bar.h"
+#include "platform/qt/qt_text.h"
 
 #include <QAccessibleWidget>
 
@@ -67,7 +68,10 @@ public:
     void scrollToSubstring(int, int) override {}
 
 private:
-    QRect text_area() const { return rect().adjusted(0, 0, 0, -canvas_.childrenRect().height()); }
+    QRect text_area() const {
+        const Size room = canvas_.room();
+        return {rect().topLeft(), QSize(room.width, room.height)};
+    }
     QSize cell_size() const {
         const QStringList lines = canvas_.readable().text.split('\n');
         qsizetype columns = 1;
@@ -86,10 +90,39 @@ public:
         : QAccessibleWidget(&bar, QAccessible::StatusBar, "Status bar") {}
 };
 
+/// The film bar as a slider that is only read: the keys move it.
+class FilmBarReader final : public QAccessibleWidget, public QAccessibleValueInterface {
+public:
+    explicit FilmBarReader(QtFilmBar::Widget& bar)
+        : QAccessibleWidget(&bar, QAccessible::Slider), bar_(bar) {}
+
+    QString text(QAccessible::Text which) const override {
+        if (which == QAccessible::Name) return to_qt(bar_.reading().name);
+        return which == QAccessible::Value ? to_qt(bar_.reading().text) : QString();
+    }
+    void* interface_cast(QAccessible::InterfaceType type) override {
+        if (type == QAccessible::ValueInterface)
+            return static_cast<QAccessibleValueInterface*>(this);
+        return QAccessibleWidget::interface_cast(type);
+    }
+
+    QVariant currentValue() const override { return bar_.reading().value; }
+    QVariant minimumValue() const override { return bar_.reading().lowest; }
+    QVariant maximumValue() const override { return bar_.reading().highest; }
+    QVariant minimumStepSize() const override { return {}; }
+    void setCurrentValue(const QVariant&) override {}
+
+private:
+    QtFilmBar::Widget& bar_;
+};
+
 /// Qt owns what it gets.
 QAccessibleInterface* make_reader(const QString&, QObject* object) {
     if (auto* canvas = dynamic_cast<QtCanvas*>(object)) {
         return std::make_unique<CanvasReader>(*canvas).release();
+    }
+    if (auto* bar = dynamic_cast<QtFilmBar::Widget*>(object)) {
+        return std::make_unique<FilmBarReader>(*bar).release();
     }
     if (auto* bar = dynamic_cast<QtStatusBarWidget*>(object)) {
         return std::make_unique<StatusBarReader>(*bar).release();

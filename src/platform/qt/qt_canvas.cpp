@@ -14,7 +14,7 @@ QtCanvas::QtCanvas(QtEvents& events) : events_(events) {
 }
 
 PaneId QtCanvas::front_id() const {
-    size_t id = PANES - 1;
+    size_t id = panes_.size() - 1;
     while (id > 0 && !panes_[id].is_shown()) --id;
     return PaneId(id);
 }
@@ -47,6 +47,7 @@ void QtCanvas::paintEvent(QPaintEvent* event) {
 }
 
 void QtCanvas::resizeEvent(QResizeEvent*) {
+    film_bar_.lay_out();
     events_.paint(front_id());
     events_.post_once(Event::Kind::paint);
 }

@@ -1,6 +1,7 @@
 #pragma once
 #include "platform/geometry.h"
 #include "platform/qt/qt_events.h"
+#include "platform/qt/qt_film_bar.h"
 #include "platform/qt/qt_pane.h"
 #include "platform/window.h"
 
@@ -11,12 +12,14 @@
 #include <string>
 #include <utility>
 
-/// The client area. Shows the foremost pane.
+/// The client area. Shows the foremost of the panes that fill it, and the film bar over it.
 class QtCanvas final : public QWidget {
 public:
     explicit QtCanvas(QtEvents& events);
 
+    /// Of those that fill the client area.
     QtPane& pane(PaneId id) { return panes_[size_t(id)]; }
+    QtFilmBar& film_bar() { return film_bar_; }
     PaneId front_id() const;
     QtPane& front() { return pane(front_id()); }
     const CellFont& font() const { return font_; }
@@ -41,8 +44,9 @@ private:
 
     QtEvents& events_;
     CellFont font_;
-    std::array<QtPane, PANES> panes_{QtPane(*this), QtPane(*this)};
+    std::array<QtPane, 2> panes_{QtPane(*this), QtPane(*this)};
     std::function<Size()> room_;
+    QtFilmBar film_bar_{*this, events_};
     std::function<ReadableText()> readable_; ///< null: there is none
     Readable told_;                          ///< to screen readers
 };

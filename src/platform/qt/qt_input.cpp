@@ -32,12 +32,18 @@ uint8_t buttons_of(Qt::MouseButtons held) {
     return buttons;
 }
 
-Event pointer_event(Pointer::Act act, const QtCanvas& canvas, const QSinglePointEvent& event) {
+/// Of the widget that the pointer is in, which is the canvas or the film bar.
+PaneId pane_of(const QObject& widget) {
+    const auto* canvas = dynamic_cast<const QtCanvas*>(&widget);
+    return canvas ? canvas->front_id() : PaneId::film_bar;
+}
+
+Event pointer_event(Pointer::Act act, PaneId pane, const QSinglePointEvent& event) {
     const QPoint place = event.position().toPoint();
     Event message;
     message.kind = Event::Kind::pointer;
     message.pointer = {.act = act,
-                       .pane = canvas.front_id(),
+                       .pane = pane,
                        .x = place.x(),
                        .y = place.y(),
                        .button = button_of(event.button()),
@@ -67,10 +73,8 @@ bool QtInput::is_claimed(const QKeyEvent& event) const {
 }
 
 bool QtInput::eventFilter(QObject* watched, QEvent* event) {
-    // Only for events that a user makes: others still come when it is no canvas any more.
-    const auto canvas = [&]() -> const QtCanvas& { return *static_cast<QtCanvas*>(watched); };
     const auto pointer = [&](Pointer::Act act) {
-        events_.post(pointer_event(act, canvas(), *static_cast<QMouseEvent*>(event)));
+        events_.post(pointer_event(act, pane_of(*watched), *static_cast<QMouseEvent*>(event)));
         return false;
     };
     switch (event->type()) {
@@ -86,7 +90,9 @@ bool QtInput::eventFilter(QObject* watched, QEvent* event) {
     case QEvent::MouseMove: return pointer(Pointer::Act::move);
     case QEvent::MouseButtonRelease: return pointer(Pointer::Act::release);
     case QEvent::MouseButtonDblClick: return pointer(Pointer::Act::double_click);
-    case QEvent::Wheel: wheel_turned(canvas(), *static_cast<QWheelEvent*>(event)); return true;
+    case QEvent::Wheel:
+        wheel_turned(pane_of(*watched), *static_cast<QWheelEvent*>(event));
+        return true;
     default: return false;
     }
 }
@@ -137,12 +143,12 @@ void QtInput::focus_changed(const QFocusEvent& event) {
     }
 }
 
-void QtInput::wheel_turned(const QtCanvas& canvas, const QWheelEvent& event) {
+void QtInput::wheel_turned(PaneId pane, const QWheelEvent& event) {
     wheel_angle_ += event.angleDelta().y();
     const int notches = wheel_angle_ / NOTCH;
     wheel_angle_ -= notches * NOTCH;
     if (!notches) return;
-    Event message = pointer_event(Pointer::Act::wheel, canvas, event);
+    Event message = pointer_event(Pointer::Act::wheel, pane, event);
     message.value = notches * NOTCH;
     events_.post(message);
 }

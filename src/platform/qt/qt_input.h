@@ -26,7 +26,7 @@ private:
     void key_pressed(QKeyEvent& event);
     void key_released(QKeyEvent& event);
     void focus_changed(const QFocusEvent& event);
-    void wheel_turned(const QtCanvas& canvas, const QWheelEvent& event);
+    void wheel_turned(PaneId pane, const QWheelEvent& event);
 
     QtEvents& events_;
     QtKeyboard& keyboard_;

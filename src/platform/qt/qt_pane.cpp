@@ -35,6 +35,11 @@ int widest_character(const QFontMetrics& metrics) {
     return widest;
 }
 
+Rectangle in_device_pixels(const Rectangle& area, double ratio) {
+    const auto scaled = [ratio](int place) { return int(std::lround(place * ratio)); };
+    return {scaled(area.left), scaled(area.top), scaled(area.right), scaled(area.bottom)};
+}
+
 } // namespace
 
 CellFont::CellFont() {
@@ -44,30 +49,30 @@ CellFont::CellFont() {
     cell = {widest_character(metrics), std::max(metrics.height(), 1)};
 }
 
-Size QtPane::size() { return canvas_.room(); }
-
-void QtPane::show(bool on) {
-    if (std::exchange(shown_, on) != on) canvas_.update();
-}
-
-Size QtPane::cell_size() { return canvas_.font().cell; }
-
-void QtPane::copy_bitmap(const BitmapView& picture, int x, int y) {
-    copy_bitmap_to(drawing(), picture, x, y);
+void QtDrawing::copy_bitmap(const BitmapView& picture, int x, int y) {
+    QImage& target = drawing();
+    if (target.devicePixelRatio() == 1) {
+        copy_bitmap_to(target, picture, x, y);
+    } else {
+        QImage part = plain_picture({picture.width, picture.height}, Qt::black);
+        copy_bitmap_to(part, picture, 0, 0);
+        QPainter(&target).drawImage(x, y, part);
+    }
     drawn({x, y, picture.width, picture.height});
 }
 
-void QtPane::fill_rectangle(const Rectangle& area, Colour colour) {
-    fill_area(drawing(), area, colour);
+void QtDrawing::fill_rectangle(const Rectangle& area, Colour colour) {
+    QImage& target = drawing();
+    fill_area(target, in_device_pixels(area, target.devicePixelRatio()), colour);
     drawn({area.left, area.top, area.width(), area.height()});
 }
 
-void QtPane::line(int x, int y, int length, Colour colour) {
+void QtDrawing::line(int x, int y, int length, Colour colour) {
     fill_rectangle({x, y, x + length, y + 1}, colour);
 }
 
-void QtPane::text(int x, int y, const std::string& text, Colour colour, Colour background) {
-    const auto& [font, cell] = canvas_.font();
+void QtDrawing::text(int x, int y, const std::string& text, Colour colour, Colour background) {
+    const auto& [font, cell] = font_;
     const double baseline = std::round(y + font.ascent());
     QString characters;
     QList<QPointF> places;
@@ -80,8 +85,7 @@ void QtPane::text(int x, int y, const std::string& text, Colour colour, Colour b
         characters += QLatin1Char(c);
         places += QPointF(x + column++ * cell.width, baseline);
     }
-    const Rectangle area{x, y, x + column * cell.width, y + cell.height};
-    fill_area(drawing(), area, background);
+    fill_rectangle({x, y, x + column * cell.width, y + cell.height}, background);
     QGlyphRun run;
     run.setRawFont(font);
     run.setGlyphIndexes(font.glyphIndexesForString(characters));
@@ -90,7 +94,15 @@ void QtPane::text(int x, int y, const std::string& text, Colour colour, Colour b
     painter.setPen(QColor::fromRgb(colour));
     painter.drawGlyphRun(QPointF(), run);
     painter.end();
-    drawn({x, y, area.width(), area.height()});
+    drawn({x, y, column * cell.width, cell.height});
+}
+
+QtPane::QtPane(QtCanvas& canvas) : QtDrawing(canvas.font()), canvas_(canvas) {}
+
+Size QtPane::size() { return canvas_.room(); }
+
+void QtPane::show(bool on) {
+    if (std::exchange(shown_, on) != on) canvas_.update();
 }
 
 /// A canvas of another size starts black.

@@ -14,19 +14,35 @@ struct CellFont {
     Size cell;
 };
 
+/// Draws into a picture, whose device pixel ratio may be any.
+class QtDrawing : public Pane {
+public:
+    explicit QtDrawing(const CellFont& font) : font_(font) {}
+
+    void copy_bitmap(const BitmapView& picture, int x, int y) override;
+    void fill_rectangle(const Rectangle& area, Colour colour) override;
+    Size cell_size() override { return font_.cell; }
+    void text(int x, int y, const std::string& text, Colour colour, Colour background) override;
+    void line(int x, int y, int length, Colour colour) override;
+    void set_reading(const SliderReading&) override {}
+
+private:
+    /// The picture, in its present size.
+    virtual QImage& drawing() = 0;
+    /// Something was drawn there.
+    virtual void drawn(const QRect& area) = 0;
+
+    const CellFont& font_;
+};
+
 /// Shows either what was drawn into it, kept in a picture of one pixel per logical pixel, or
 /// another picture stretched over it: whatever was asked for last.
-class QtPane final : public Pane {
+class QtPane final : public QtDrawing {
 public:
-    explicit QtPane(QtCanvas& canvas) : canvas_(canvas) {}
+    explicit QtPane(QtCanvas& canvas);
 
     Size size() override;
     void show(bool on) override;
-    void copy_bitmap(const BitmapView& picture, int x, int y) override;
-    void fill_rectangle(const Rectangle& area, Colour colour) override;
-    Size cell_size() override;
-    void text(int x, int y, const std::string& text, Colour colour, Colour background) override;
-    void line(int x, int y, int length, Colour colour) override;
 
     bool is_shown() const { return shown_; }
     /// Shows `picture` in `target`, black around it. It must stay until the next drawing.
@@ -36,8 +52,8 @@ public:
     void paint(const QRect& dirty);
 
 private:
-    QImage& drawing();
-    void drawn(const QRect& area);
+    QImage& drawing() override;
+    void drawn(const QRect& area) override;
     void paint_stretched(const QRect& dirty);
 
     QtCanvas& canvas_;

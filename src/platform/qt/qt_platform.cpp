@@ -156,7 +156,11 @@ Events& QtPlatform::events() { return services_->events; }
 Forms& QtPlatform::forms() { return services_->forms; }
 Joysticks& QtPlatform::joysticks() { return services_->joysticks; }
 HostKeyboard& QtPlatform::keyboard() { return services_->keyboard; }
-Pane& QtPlatform::pane(PaneId id) { return services_->window.canvas().pane(id); }
+Pane& QtPlatform::pane(PaneId id) {
+    QtCanvas& canvas = services_->window.canvas();
+    if (id == PaneId::film_bar) return canvas.film_bar();
+    return canvas.pane(id);
+}
 Paths& QtPlatform::paths() { return services_->paths; }
 Settings& QtPlatform::settings() { return services_->settings; }
 StatusBar& QtPlatform::status_bar() { return services_->status_bar; }

@@ -58,6 +58,7 @@ QtWindow::QtWindow(QtEvents& events, QtInput& input)
       menu_(*frame_.menuBar(), events) {
     frame_.setCentralWidget(&canvas_);
     canvas_.installEventFilter(&input_);
+    canvas_.film_bar().widget().installEventFilter(&input_);
 }
 
 bool QtWindow::create(const std::string& title) {

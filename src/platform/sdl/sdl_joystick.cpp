@@ -39,6 +39,7 @@ JoystickState controller_state(SDL_GameController* pad) {
     push(state.y, down(SDL_CONTROLLER_BUTTON_DPAD_UP), down(SDL_CONTROLLER_BUTTON_DPAD_DOWN));
     state.first_button = down(SDL_CONTROLLER_BUTTON_A);
     state.second_button = down(SDL_CONTROLLER_BUTTON_B);
+    state.third_button = down(SDL_CONTROLLER_BUTTON_LEFTSHOULDER);
     return state;
 }
 
@@ -52,6 +53,7 @@ JoystickState plain_state(SDL_Joystick* joystick) {
     push(state.y, hat & SDL_HAT_UP, hat & SDL_HAT_DOWN);
     state.first_button = SDL_JoystickGetButton(joystick, 0) != 0;
     state.second_button = SDL_JoystickGetButton(joystick, 1) != 0;
+    state.third_button = SDL_JoystickGetButton(joystick, 2) != 0;
     return state;
 }
 
