@@ -5,6 +5,7 @@
 #include "core/pacing/speed.h"
 #include "host/keep_history.h"
 #include "host/menu.h"
+#include "host/rewind.h"
 #include "host/shell_state.h"
 #include "host/speed_commands.h"
 #include "host/states.h"
@@ -90,6 +91,13 @@ std::span<const CommandRow> time_command_rows() {
          .hint = "Alt+-",
          .keys = {{{KEY_OEM_MINUS, ALT}}},
          .run = [] { choose_slot(current_slot() - 1); }},
+
+        // The history.
+        {.id = COMMAND_FILM_BAR,
+         .label = "&Rewind...",
+         .hint = "Alt+R",
+         .keys = {{{'R', ALT}}},
+         .run = rewind_open},
     };
     return rows;
 }

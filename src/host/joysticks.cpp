@@ -46,3 +46,11 @@ void initJoyInput() {
 void read_host_joysticks(machine_input& input) {
     for (int number = 0; number < STICKS; ++number) input.sticks[number] = read_stick(number);
 }
+
+bool rewind_button_is_down() {
+    for (int number = 0; number < STICKS; ++number) {
+        const std::optional<JoystickState> host = platform().joysticks().read(number);
+        if (host && host->third_button) return true;
+    }
+    return false;
+}

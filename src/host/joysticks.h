@@ -9,3 +9,5 @@ struct machine_input;
 void initJoyInput();
 /// Fills in the sticks; one that cannot be read stands in the middle.
 void read_host_joysticks(machine_input& input);
+/// The third button of one of them, which leads back in time. The machine does not see it.
+bool rewind_button_is_down();

@@ -3,6 +3,7 @@
 #include "host/commands.h"
 #include "host/dialogs/dialogs.h"
 #include "host/menu.h"
+#include "host/rewind.h"
 #include "host/rom_files.h"
 #include "host/shell.h"
 #include "host/speed_commands.h"
@@ -98,7 +99,7 @@ bool belongs_to_menus(uint8_t modifiers) {
 } // namespace
 
 void handle_key(const Event& event) {
-    if (belongs_to_menus(event.modifiers)) return;
+    if (belongs_to_menus(event.modifiers) || rewind_take_event(event)) return;
     const auto* entry =
         std::ranges::find_if(keys, [&](const KeyEntry& row) { return row.key == event.value; });
     if (entry == keys.end()) return;

@@ -52,9 +52,10 @@ MenuEntry file_menu() {
 }
 
 MenuEntry time_menu() {
-    return submenu("&Time", {item(COMMAND_SAVE_SLOT), item(COMMAND_LOAD_SLOT),
-                             item(COMMAND_NEXT_SLOT), item(COMMAND_PREVIOUS_SLOT), SEPARATOR,
-                             item(COMMAND_TURBO), item(COMMAND_SLOW_MOTION)});
+    return submenu("&Time",
+                   {item(COMMAND_SAVE_SLOT), item(COMMAND_LOAD_SLOT), item(COMMAND_NEXT_SLOT),
+                    item(COMMAND_PREVIOUS_SLOT), SEPARATOR, item(COMMAND_FILM_BAR), SEPARATOR,
+                    item(COMMAND_TURBO), item(COMMAND_SLOW_MOTION)});
 }
 
 MenuEntry machine_menu() {

@@ -8,10 +8,12 @@
 #include "host/dialogs/hold.h"
 #include "host/disks.h"
 #include "host/display.h"
+#include "host/film_bar.h"
 #include "host/key_map.h"
 #include "host/menu.h"
 #include "host/messages.h"
 #include "host/options.h"
+#include "host/rewind.h"
 #include "host/shell.h"
 #include "host/status.h"
 #include "media/files/typed_text.h"
@@ -54,7 +56,13 @@ public:
         turn.menu_open = false;
         turn.menu_closed = true;
     }
-    void paint(PaneId pane) override { pane == PaneId::monitor ? monitor_update() : show_canvas(); }
+    void paint(PaneId pane) override {
+        switch (pane) {
+        case PaneId::picture: return show_canvas();
+        case PaneId::monitor: return monitor_update();
+        case PaneId::film_bar: return film_bar_draw();
+        }
+    }
     void draw_status() override { led_redraw(1); }
     void session_ends() override {
         main_disk_keep_journals();
@@ -104,8 +112,9 @@ bool is_scrolling(const Event& event) {
 /// What the shell has no use for does not even bring the waiting frame forward.
 bool is_of_use(const Event& event) {
     switch (event.kind) {
-    case Event::Kind::key_down: return !event.repeat || repeats(event);
-    case Event::Kind::pointer: return is_double_click(event) || is_scrolling(event);
+    case Event::Kind::key_down: return !event.repeat || repeats(event) || rewind_wants(event);
+    case Event::Kind::pointer:
+        return is_double_click(event) || is_scrolling(event) || rewind_wants(event);
     case Event::Kind::key_up:
     case Event::Kind::text: return false;
     default: return true;
@@ -113,6 +122,7 @@ bool is_of_use(const Event& event) {
 }
 
 void pointer_used(const Event& event) {
+    if (rewind_take_event(event)) return;
     if (is_double_click(event)) handle_command(COMMAND_GIANT_SCREEN);
     if (is_scrolling(event)) wheel_turned(event.value);
 }
@@ -168,6 +178,7 @@ void handle_messages() {
 /// The end of the program is a chain: the questions for each drive, and what comes behind them.
 void close_shell() {
     if (std::exchange(turn.closing, true)) return;
+    rewind_end();
     emu_close([] { turn.closed = true; });
 }
 
@@ -183,6 +194,8 @@ int64_t rest_left() {
     const int64_t left = turn.rest_ends - platform().clock().counter();
     return left <= 0 ? 0 : left * MICROSECONDS / platform().clock().frequency() + 1;
 }
+
+bool is_halted() { return !g_bActive || turn.menu_open; }
 
 } // namespace
 
@@ -234,13 +247,15 @@ ShellTurn shell_turn() {
         release_shell();
         return {};
     }
-    const bool halted = !g_bActive || turn.menu_open;
     // The frame before the quit message is still shown at its time.
-    if (turn.exit_code && (halted || !paced_frame_waits())) close_shell();
+    if (turn.exit_code && (is_halted() || !paced_frame_waits())) close_shell();
     if (turn.closed) return {.next = end, .exit_code = end_shell()};
     if (turn.closing || shell_is_held()) return {.next = on_event};
     if (was_held) return {};
-    if (!halted) {
+    if (!turn.menu_open) {
+        if (const auto wait = rewind_turn()) return {.next = in_time, .microseconds = *wait};
+    }
+    if (!is_halted()) {
         const int64_t wait = paced_frame_step();
         main_disk_keep_journals_when_due();
         return {.next = wait ? in_time : now, .microseconds = wait};

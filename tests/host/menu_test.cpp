@@ -70,6 +70,8 @@ constexpr const char* MENU = R"(0 &File
     40203 &Next slot|Alt++
     40204 &Previous slot|Alt+-
     0 
+    40207 &Rewind...|Alt+R
+    0 
     40210 T&urbo|F7
     40211 Slow &motion|F8
 0 &Tape
@@ -175,6 +177,7 @@ TEST_F(MenuTest, AcceleratorsNeedTheirModifiersExactly) {
         {'L', ALT, 40202},
         {KEY_OEM_PLUS, ALT, 40203},
         {KEY_OEM_MINUS, ALT, 40204},
+        {'R', ALT, 40207},
     };
     create_menu();
     int wanted[256][8] = {};

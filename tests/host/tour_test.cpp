@@ -9,6 +9,8 @@
 #include "core/pacing/speed.h"
 #include "host/canvas.h"
 #include "host/display.h"
+#include "host/film_bar.h"
+#include "host/rewind.h"
 #include "host/screenshot.h"
 #include "host/states.h"
 #include "host/whole_program.h"
@@ -296,6 +298,12 @@ std::vector<Stop> TourTest::stops() {
          status("State of slot 0 loaded")},
         {40203, [] { choose_slot(1); }, status("Slot 2: empty")},
         {40204, [] { choose_slot(0); }, status("Slot 9: empty")},
+        {40207, [] { history_start({}); },
+         [] {
+             EXPECT_TRUE(film_bar_is_shown() && g_bPaused);
+             rewind_end();
+             history_stop();
+         }},
         {40210, nothing, option(speed_choices.turbo, 40210, true)},
         {40211, nothing, status("Slow motion: half speed")},
         {40219, nothing, option(speed_choices.fast_tapes, 40219, true)},
