@@ -48,19 +48,11 @@ enum : uint16_t {
 constexpr uint16_t LINK_SIZE = 2; ///< a link of 0000 ends a program
 constexpr uint16_t RAM_END = 0xC000;
 
-bool is_possible(const machine_configuration& configuration) {
-    return configuration.psg_divider > 0 &&
-           configuration.cpu_clock / configuration.psg_divider >= SLOWEST_CLOCK &&
-           configuration.cpu_clock <= FASTEST_CLOCK &&
-           configuration.screen_frequency >= LOWEST_SCREEN_FREQUENCY &&
-           configuration.screen_frequency <= HIGHEST_SCREEN_FREQUENCY &&
-           std::memchr(configuration.name, 0, sizeof configuration.name) != nullptr;
-}
-
 const char* fault(const machine_setup_record& setup) {
     bool possible = true;
     for (uint32_t index = 0; index < MACHINE_CONFIGURATIONS; ++index) {
-        possible &= !machine_is_valid_cfg(index) || is_possible(setup.configurations[index]);
+        possible &=
+            !machine_is_valid_cfg(index) || machine_is_possible(setup.configurations[index]);
     }
     return first_fault({{"configurations", possible},
                         {"active", machine_is_valid_cfg(setup.active)},
@@ -143,6 +135,15 @@ void machine_change_cfg(const machine_configuration& configuration, int full) {
         start_cold();
     }
     machine_show_cfg();
+}
+
+bool machine_is_possible(const machine_configuration& configuration) {
+    return configuration.psg_divider > 0 &&
+           configuration.cpu_clock / configuration.psg_divider >= SLOWEST_CLOCK &&
+           configuration.cpu_clock <= FASTEST_CLOCK &&
+           configuration.screen_frequency >= LOWEST_SCREEN_FREQUENCY &&
+           configuration.screen_frequency <= HIGHEST_SCREEN_FREQUENCY &&
+           std::memchr(configuration.name, 0, sizeof configuration.name) != nullptr;
 }
 
 void machine_restart() {

@@ -59,6 +59,9 @@ extern const char* const ram_size[2];
 /// Is `index` one of the four configurations that can be active?
 bool machine_is_valid_cfg(uint32_t index);
 
+/// Whether a machine can run with these clocks and this name.
+bool machine_is_possible(const machine_configuration& configuration);
+
 /// Power-on of the whole machine with model 0; once, before the settings are read.
 void machine_init();
 /// Applies a configuration. With `full` 0 only the character set and the palette change; otherwise

@@ -251,7 +251,9 @@ void run_to(size_t target) {
     if (event.kind == event_kind::frame_end) {
         while (machine_run() == MACHINE_WAITS && !has_parted()) continue;
     } else {
-        while (!is_there() && z80_state.t_count <= event.cycle && !has_parted()) machine_step();
+        while (!is_there() && z80_state.t_count <= event.cycle && !has_parted()) {
+            if (machine_step() == MACHINE_FRAME) fail("the frame has ended");
+        }
     }
     if (z80_state.t_count != event.cycle) fail("the machine is at another cycle");
     if (next != target) fail("an answer that nobody has asked for");
@@ -286,7 +288,54 @@ machine_replay_end run_frame() {
     return has_parted() ? REPLAY_PARTED : REPLAY_OVER;
 }
 
+// ---- events from outside -----------------------------------------------------------------------
+
+template <typename Number>
+bool is_between(Number least, Number value, Number most) {
+    return value >= least && value <= most;
+}
+
+bool is_possible_rate(int64_t hz) { return is_between<int64_t>(1000, hz, 768'000); }
+
+bool is_possible_tape(const wav_format& wav) {
+    constexpr uint64_t LARGEST = uint64_t(1) << 40; // bytes
+    return is_possible_rate(wav.rate) && (wav.bits == 8 || wav.bits == 16) &&
+           is_between(1U, wav.channels, 2U) && wav.data_start < LARGEST && wav.samples < LARGEST;
+}
+
+bool is_possible_choice(const machine_choice& choice) {
+    return machine_is_valid_cfg(choice.active) && machine_is_possible(choice.custom);
+}
+
 } // namespace
+
+bool machine_event_is_possible(const machine_event& event) {
+    const int32_t a = event.a;
+    const size_t size = event.bytes.size();
+    switch (event.kind) {
+    case event_kind::configure: return machine_is_valid_cfg(uint32_t(a));
+    case event_kind::choose:
+        return size == sizeof(machine_choice) &&
+               is_possible_choice(record_of<machine_choice>(event));
+    case event_kind::main_clock:
+        return is_between(int32_t(SLOWEST_CLOCK), a, int32_t(FASTEST_CLOCK));
+    case event_kind::fragments:
+    case event_kind::fragment_count: return is_between(0, a, 2);
+    case event_kind::tape_level: return is_between(-0x8000, a, 0x7FFF);
+    case event_kind::tape_play_wav:
+        return size == sizeof(wav_format) && is_possible_tape(record_of<wav_format>(event));
+    case event_kind::tape_record_wav: return is_possible_rate(a);
+    case event_kind::disk_in:
+    case event_kind::disk_out:
+    case event_kind::disk_replace:
+    case event_kind::disk_protect: return is_between(0, a, int32_t(DISK_DRIVES) - 1);
+    case event_kind::rom_bytes:
+        return event.b == ROM_BY_REFERENCE || (size ? int64_t(size) == a : is_between(-1, a, 0));
+    case event_kind::input: return size == sizeof(machine_input);
+    case event_kind::save_reply: return is_between(int32_t(SAVE_REFUSED), a, int32_t(SAVE_FAILED));
+    default: return event.kind <= event_kind::save_reply;
+    }
+}
 
 int machine_apply(event_kind kind, int32_t a, int32_t b, shared_bytes bytes) {
     if (kept) append(kind, a, b, bytes);
@@ -316,15 +365,22 @@ void machine_log_moment() {
     if (kept && frame_state.begun) append(event_kind::moment);
 }
 
-machine_replay_end machine_replay_frame(const machine_log& log, machine_replay_position& position) {
+const machine_host_calls& machine_host_behind_log() { return kept ? asked : machine_host; }
+
+machine_replay_end machine_replay_frame(const machine_log& log, machine_replay_position& position,
+                                        const machine_host_calls& host) {
     const machine_host_calls outside = machine_host;
-    if (kept) machine_host = asked; // the answers are logged as they are given
-    replay = {&log, &position, machine_host};
+    machine_host = host; // answers that are given are logged as well
+    replay = {&log, &position, host};
     answer_from_log();
     const machine_replay_end end = run_frame();
     machine_host = outside;
     replay = {};
     return end;
+}
+
+machine_replay_end machine_replay_frame(const machine_log& log, machine_replay_position& position) {
+    return machine_replay_frame(log, position, machine_host_behind_log());
 }
 
 std::string machine_replay(const machine_log& log, size_t first) {

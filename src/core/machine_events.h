@@ -4,6 +4,7 @@
 /// the same machine again, to the byte.
 
 #include "core/machine.h"
+#include "wall/machine_host.h"
 #include "wall/shared_bytes.h"
 
 #include <cstdint>
@@ -75,6 +76,9 @@ struct machine_event {
     uint16_t pc = 0;   ///< PC when it came: a trap takes no time, so the cycle alone is not exact
 };
 
+/// As `b` of rom_bytes: the bytes only refer to the ROM image, which is kept elsewhere.
+constexpr int32_t ROM_BY_REFERENCE = 1;
+
 /// The user's own configuration, and which one is chosen.
 struct machine_choice {
     machine_configuration custom;
@@ -94,6 +98,10 @@ shared_bytes bytes_of(const Record& record) {
     const auto* const bytes = reinterpret_cast<const uint8_t*>(&record);
     return shared_bytes(std::vector<uint8_t>(bytes, bytes + sizeof record));
 }
+
+/// Whether an event that comes from outside, such as a file, can be replayed without harm to the
+/// program: no value in it is impossible. What it does to the machine may be anything.
+bool machine_event_is_possible(const machine_event& event);
 
 /// Appends every event from now on to `log`, which must outlive it; null ends the log, with a
 /// moment when a frame has begun. Only one log at a time; its owner may take events out of it
@@ -121,6 +129,11 @@ enum machine_replay_end : int {
 /// again, by read_tape. Between two calls the callbacks are as they were, and the machine can be
 /// parked.
 machine_replay_end machine_replay_frame(const machine_log& log, machine_replay_position& position);
+/// The same, with these callbacks for what the machine shows and puts out, and for read_tape.
+machine_replay_end machine_replay_frame(const machine_log& log, machine_replay_position& position,
+                                        const machine_host_calls& host);
+/// The callbacks of the host, without those that a log has put before them.
+const machine_host_calls& machine_host_behind_log();
 /// Runs through all events from number `first` on. Returns an empty text when the end of the log
 /// was reached, else the trouble.
 std::string machine_replay(const machine_log& log, size_t first = 0);

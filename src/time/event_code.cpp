@@ -52,21 +52,15 @@ std::initializer_list<Words> words_of(event_kind kind) {
     }
 }
 
-size_t record_size(event_kind kind) {
-    size_t size = 0;
-    for (const Words& words : words_of(kind)) size += size_t(words.bytes) * words.count;
-    return size;
-}
-
 /// Between this host's order of bytes and little-endian.
 shared_bytes reordered(event_kind kind, const shared_bytes& bytes) {
     if constexpr (std::endian::native == std::endian::little) return bytes;
-    if (bytes.size() != record_size(kind)) return bytes;
     shared_bytes other = bytes;
-    auto place = other.change().begin();
+    std::span<uint8_t> rest = other.change();
     for (const Words& words : words_of(kind)) {
-        for (int n = 0; n < words.count; ++n, place += words.bytes) {
-            std::reverse(place, place + words.bytes);
+        for (int n = 0; n < words.count && words.bytes <= rest.size(); ++n) {
+            std::ranges::reverse(rest.first(words.bytes));
+            rest = rest.subspan(words.bytes);
         }
     }
     return other;
@@ -213,8 +207,7 @@ public:
             if ((code & KIND) > LAST_KIND) return "an event of an unknown kind";
             machine_event event = next(code);
             if (!times_.good() || !rest_.good()) return "an event without its contents";
-            const size_t record = record_size(event.kind);
-            if (record && event.bytes.size() != record) return "an event with other contents";
+            if (!machine_event_is_possible(event)) return "an event that is not possible";
             events.push_back(std::move(event));
         }
         const bool used = rest_.good() && times_.empty() && rest_.empty();

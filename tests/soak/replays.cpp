@@ -27,6 +27,8 @@
 #include "media/wd1771.h"
 #include "sound/sound_core.h"
 #include "time/event_code.h"
+#include "time/event_feed.h"
+#include "time/replay.h"
 #include "wall/machine_host.h"
 #include "z80/z80.h"
 
@@ -60,6 +62,8 @@ uint64_t hash_of(const void* data, size_t size, uint64_t sum = 0xCBF29CE48422232
     for (size_t n = 0; n < size; ++n) sum = (sum ^ bytes[n]) * 0x100000001B3;
     return sum;
 }
+
+constexpr uint8_t RET = 0xC9;
 
 // ---- a host that is different in every run -----------------------------------------------------
 
@@ -112,7 +116,7 @@ void connect() {
     };
     machine_host.read_rom = [](rom_file, uint8_t* to, size_t size) {
         if (!host.rom_files) return int(below(2)) - 1; // not named, or not to be read
-        std::memset(to, 0xC9, size / 2);
+        std::memset(to, RET, size / 2);
         return int(size / 2);
     };
     // What is on a tape follows from its format, so a replay finds the same.
@@ -305,6 +309,7 @@ void run_frame() {
         if (end != MACHINE_WAITS || !once_in(3)) continue;
         machine_apply(once_in(2) ? event_kind::reset : event_kind::tape_out);
     }
+    event_feed_frame();
     if (host.way == PACED) machine_apply(event_kind::tape_moves);
     if (host.way == THROUGH_BREAKPOINT && once_in(4)) z80_cpu_set_breakpoint(z80_state.pc);
 }
@@ -366,6 +371,34 @@ void replay(const Parked& from, const machine_log& log, const machine_state& end
     if (!problem.empty()) fail(problem);
 }
 
+/// The states of the replay file that is being recorded; the file has their numbers.
+std::vector<machine_state> states;
+
+std::vector<uint8_t> park_for_file() {
+    machine_save(states.emplace_back());
+    return {uint8_t(states.size() - 1)};
+}
+
+/// The whole run once more, from its file.
+void play(const std::string& path, const machine_state& end) {
+    ReplayPlayer player;
+    const auto load = [](std::span<const uint8_t> number) {
+        machine_load(states.at(number[0]));
+        return std::string();
+    };
+    const auto rom = [](const replay_rom& wanted) {
+        return std::vector<uint8_t>(wanted.size, RET); // as the host reads them
+    };
+    std::string problem = player.start(contents(path), {load, rom, {}, machine_host.read_tape});
+    while (problem.empty() && player.is_on()) {
+        if (player.run_frame() == ReplayStep::parted) problem = player.trouble();
+    }
+    machine_state again;
+    machine_save(again);
+    problem += machine_difference(end, again);
+    if (!problem.empty()) fail(path + ": " + problem);
+}
+
 /// Runs a while, parks machines on the way, and replays from each. Returns the replays.
 int run_and_replay(int frames) {
     constexpr size_t MOST_PARKED = 4;
@@ -374,13 +407,20 @@ int run_and_replay(int frames) {
     host.pictures.clear();
     host.fragments.clear();
     host.bytes.clear();
-    machine_keep_log(&log);
+    states.clear();
+    ReplayRecorder recorder;
+    const std::string path = std::filesystem::temp_directory_path() / "tarvelin-replays.tvr";
+    if (!recorder.start(path, "", {park_for_file, [] { return replay_tape(); }})) fail(path);
+    const int reader = event_feed_add([&log](std::span<const machine_event> events) {
+        log.events.insert(log.events.end(), events.begin(), events.end());
+    });
     for (int frame = 0; frame < frames; ++frame) {
         if (once_in(2)) do_something();
         if (once_in(4)) {
             if (once_in(2)) run_steps(); // else between two frames
             if (once_in(2)) do_something();
             if (parked.size() < MOST_PARKED) {
+                event_feed_frame();
                 parked.push_back({.event = log.events.size(),
                                   .pictures = host.pictures.size(),
                                   .fragments = host.fragments.size(),
@@ -391,13 +431,14 @@ int run_and_replay(int frames) {
         run_frame();
     }
     if (once_in(2)) run_steps();
-    machine_keep_log(nullptr);
+    event_feed_remove(reader);
+    recorder.stop();
     machine_state end;
     machine_save(end);
     const Host first_run = host;
     const machine_log bytes = coded(log);
     for (const Parked& from : parked) replay(from, bytes, end, first_run);
-    machine_load(end);
+    play(path, end);
     return int(parked.size());
 }
 
