@@ -323,7 +323,7 @@ bool machine_event_is_possible(const machine_event& event) {
     case event_kind::fragment_count: return is_between(0, a, 2);
     case event_kind::tape_level: return is_between(-0x8000, a, 0x7FFF);
     case event_kind::tape_play_wav:
-        return size == sizeof(wav_format) && is_possible_tape(record_of<wav_format>(event));
+        return size >= sizeof(wav_format) && is_possible_tape(record_of<wav_format>(event));
     case event_kind::tape_record_wav: return is_possible_rate(a);
     case event_kind::disk_in:
     case event_kind::disk_out:

@@ -137,6 +137,8 @@ void attachments_follow(const shared_bytes& attachments) {
     show_machine_anew();
 }
 
+void attachments_are_none() { are_unknown = false; }
+
 void attachments_are_unknown() { are_unknown = true; }
 
 void attachments_settle() {

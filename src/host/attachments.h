@@ -19,6 +19,10 @@ void attachments_leave();
 /// in the machine are events. Bytes that make no sense, such as none at all, stand for no files.
 void attachments_follow(const shared_bytes& attachments);
 
+/// Instead, for a machine that a replay has, whose media belong to no files: nothing in it changes.
+/// The drives are to be empty, and no tape in, before the state is loaded.
+void attachments_are_none();
+
 /// For the shell: another state was loaded, of which nobody has said what files it has.
 void attachments_are_unknown();
 /// When the shell turns: such a state has none. Completes what was left while an earlier moment was

@@ -6,6 +6,7 @@
 #include "files/file_names.h"
 #include "files/whole_file.h"
 #include "host/disk_rom.h"
+#include "host/replays.h"
 #include "host/state_files.h"
 #include "media/damage.h"
 #include "media/files/cassette_files.h"
@@ -140,6 +141,11 @@ bool start_basic(const std::string& path, Bytes bytes) {
     return true;
 }
 
+bool start_replay(const std::string& path, Bytes bytes) {
+    play_replay_bytes(path, {bytes.begin(), bytes.end()});
+    return false; // it tells by itself
+}
+
 constexpr Loader loaders[] = {
     {"bas", ROLE_START | ROLE_TYPE, start_basic},
     {"cas", ROLE_START | ROLE_TAPE, start_cassette},
@@ -149,6 +155,7 @@ constexpr Loader loaders[] = {
     {"dsk", ROLE_START | ROLE_DISK, start_disk},
     {"img", ROLE_DISK, start_disk},
     {"jzs", ROLE_START | ROLE_STATE, start_snapshot},
+    {"tvr", ROLE_START | ROLE_REPLAY, start_replay},
     {"tvs", ROLE_START | ROLE_STATE, start_state},
     {"txt", ROLE_START | ROLE_TYPE, start_basic},
 };
@@ -162,7 +169,9 @@ const Loader* starter_of(const std::string& path) {
 
 } // namespace
 
-std::string file_problem(const std::string& path) {
+std::string file_problem(const std::string& path) { return file_problem(path, LARGEST_FILE); }
+
+std::string file_problem(const std::string& path, size_t largest) {
     std::error_code error;
     const fs::file_status status = fs::status(path, error);
     if (!fs::exists(status)) return path + ": no such file";
@@ -170,7 +179,7 @@ std::string file_problem(const std::string& path) {
     // A pipe or a device may never come to an end.
     if (!fs::is_regular_file(status)) return path + ": is not a file";
     if (access(path.c_str(), R_OK) != 0) return path + ": cannot be read";
-    if (fs::file_size(path, error) > LARGEST_FILE) return path + ": is too large";
+    if (fs::file_size(path, error) > largest) return path + ": is too large";
     return {};
 }
 

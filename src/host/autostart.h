@@ -14,7 +14,8 @@ enum LoaderRole : uint8_t {
     ROLE_DISK = 2,
     ROLE_TAPE = 4,
     ROLE_TYPE = 8, ///< their text is typed in
-    ROLE_STATE = 16
+    ROLE_STATE = 16,
+    ROLE_REPLAY = 32
 };
 
 /// A type of file that the program opens.
@@ -41,6 +42,8 @@ void autostart_bytes(const std::string& name, std::span<const uint8_t> bytes);
 void main_load_bas_file(const std::string& path);
 /// Why the file cannot be read as a program or an image, in one line; empty when it can.
 std::string file_problem(const std::string& path);
+/// The same for a file of which `largest` bytes can be read.
+std::string file_problem(const std::string& path, size_t largest);
 /// The same, and also a reason when files of its type cannot be started.
 std::string start_problem(const std::string& path);
 /// Tells the user, with `text` in the status bar, when the contents of a readable file are damaged,

@@ -3,6 +3,7 @@
 #include "core/machine.h"
 #include "host/autostart.h"
 #include "host/command_table.h"
+#include "host/replays.h"
 #include "host/state_files.h"
 
 #include <algorithm>
@@ -105,6 +106,13 @@ private:
             read_file(word, line_.save_state);
         } else if (word == "--whole-state") {
             line_.whole_state = true;
+        } else if (word == "--record") {
+            read_file(word, line_.record);
+        } else if (word == "--replay") {
+            read_file(word, line_.replay);
+        } else if (word == "--to-frame") {
+            line_.to_frame = number_of<int64_t>(value().value_or(""), DECIMAL);
+            if (!line_.to_frame) refuse(word + ": the number of a frame is missing");
         } else if (word == "--regs") {
             line_.print_registers = true;
         } else if (word == "--disassemble") {
@@ -150,6 +158,7 @@ private:
     }
 
     void check_mode() {
+        if (line_.to_frame && line_.replay.empty()) refuse("--to-frame: only with --replay");
         if (line_.headless) return;
         if (line_.real_time) refuse("--real-time: only with --headless");
         if (line_.save_disks) refuse("--save-disks: only with --headless");
@@ -196,6 +205,7 @@ std::string command_line_problem(const CommandLine& line) {
     for (const std::string& file : line.files) {
         if (problem.empty()) problem = start_problem(file);
     }
+    if (problem.empty() && !line.replay.empty()) problem = replay_problem(line.replay);
     return problem;
 }
 

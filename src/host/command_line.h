@@ -39,6 +39,9 @@ struct CommandLine {
     std::string save_state;                                    ///< file of the state at the end
     bool whole_state = false;                                  ///< which has all media in it
     std::optional<AddressRange> disassemble;
+    std::string record;              ///< replay to record
+    std::string replay;              ///< replay to play
+    std::optional<int64_t> to_frame; ///< of the replay
 
     std::vector<Switch> switches;   ///< from left to right
     std::vector<std::string> files; ///< from left to right

@@ -5,6 +5,7 @@
 #include "core/pacing/speed.h"
 #include "host/keep_history.h"
 #include "host/menu.h"
+#include "host/replays.h"
 #include "host/rewind.h"
 #include "host/shell_state.h"
 #include "host/speed_commands.h"
@@ -98,6 +99,10 @@ std::span<const CommandRow> time_command_rows() {
          .hint = "Alt+R",
          .keys = {{{'R', ALT}}},
          .run = rewind_open},
+
+        // Replays.
+        {.id = COMMAND_RECORD_REPLAY, .label = "Re&cord replay...", .run = record_replay},
+        {.id = COMMAND_PLAY_REPLAY, .label = "Pla&y replay...", .run = play_replay},
     };
     return rows;
 }

@@ -3,6 +3,7 @@
 #include "host/commands.h"
 #include "host/dialogs/dialogs.h"
 #include "host/menu.h"
+#include "host/replays.h"
 #include "host/rewind.h"
 #include "host/rom_files.h"
 #include "host/shell.h"
@@ -66,6 +67,10 @@ void pause_or_next_frame() {
 }
 
 void toggle_monitor() { handle_command(COMMAND_MONITOR); }
+void leave_replay_or_toggle_monitor() {
+    if (replay_plays()) return end_replay();
+    toggle_monitor();
+}
 void save_screenshot() { handle_command(COMMAND_SCREENSHOT); }
 
 struct KeyEntry {
@@ -76,7 +81,7 @@ struct KeyEntry {
 
 constexpr auto keys = std::to_array<KeyEntry>({
     {KEY_RETURN, single_step, nullptr},
-    {KEY_ESCAPE, toggle_monitor, toggle_monitor},
+    {KEY_ESCAPE, toggle_monitor, leave_replay_or_toggle_monitor},
     {KEY_PAGE_UP, [] { step_dir_page(-1); }, nullptr},
     {KEY_PAGE_DOWN, [] { step_dir_page(1); }, pause_or_next_frame},
     {KEY_UP, [] { step_dir(-1); }, nullptr},

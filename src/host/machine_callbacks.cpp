@@ -12,6 +12,7 @@
 #include "host/key_map.h"
 #include "host/messages.h"
 #include "host/options.h"
+#include "host/replays.h"
 #include "host/rom_files.h"
 #include "host/save_question.h"
 #include "host/screenshot.h"
@@ -60,8 +61,10 @@ void connect_machine() {
             [] {
                 event_feed_frame();
                 history_frame_ran();
+                replay_frame_ran();
             },
         .show_ahead = show_frame_ahead,
+        .run_frame = machine_run,
     };
 }
 

@@ -55,6 +55,7 @@ MenuEntry time_menu() {
     return submenu("&Time",
                    {item(COMMAND_SAVE_SLOT), item(COMMAND_LOAD_SLOT), item(COMMAND_NEXT_SLOT),
                     item(COMMAND_PREVIOUS_SLOT), SEPARATOR, item(COMMAND_FILM_BAR), SEPARATOR,
+                    item(COMMAND_RECORD_REPLAY), item(COMMAND_PLAY_REPLAY), SEPARATOR,
                     item(COMMAND_TURBO), item(COMMAND_SLOW_MOTION)});
 }
 

@@ -26,6 +26,7 @@
 #include "host/menu.h"
 #include "host/messages.h"
 #include "host/options.h"
+#include "host/replays.h"
 #include "host/rom_files.h"
 #include "host/screen_text.h"
 #include "host/settings/choices.h"
@@ -131,10 +132,12 @@ void emu_init(const ShellOptions& options) {
     take_late_screenshot();
     if (!avi_name.empty()) video_save_to_avi(false, avi_name);
     StatusBarText("%s", "");
-    const bool sound_begins = line.load_state.empty(); // that of a state goes on
+    const bool sound_begins = line.load_state.empty() && !replay_plays(); // else it goes on
     if (g_bSound && g_Timer && sound_begins) machine_apply(event_kind::start_sound);
     initJoyInput();
     history_switched();
+    if (!line.replay.empty()) play_replay_file(line.replay, line.to_frame.value_or(INT64_MAX));
+    if (!line.record.empty()) start_replay_recording(line.record);
 }
 
 void emu_close(std::function<void()> done) {
@@ -145,6 +148,8 @@ void emu_close(std::function<void()> done) {
     }
     end_history();
     ui_free_forms();
+    end_replay_recording();
+    end_replay();
     printer_close();
     if (g_bRecordingVideo) Video_CloseOutput();
     {

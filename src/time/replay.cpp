@@ -21,12 +21,14 @@ bool ReplayRecorder::start(const std::string& path, std::string_view program_ver
     reader_ = event_feed_add([this](std::span<const machine_event> events) { take(events); },
                              [this] { write_state(); });
     write_state();
+    complete_state();
     return good_;
 }
 
 bool ReplayRecorder::stop() {
     if (!is_on()) return good_;
     event_feed_remove(std::exchange(reader_, 0));
+    complete_state();
     if (!events_.empty()) write_events(replay_check_now(frames_));
     good_ = file_.end(frames_) && good_;
     return good_;
@@ -34,12 +36,20 @@ bool ReplayRecorder::stop() {
 
 void ReplayRecorder::write_state() {
     if (!events_.empty()) write_events({.frame = frames_}); // the machine is another one by now
+    state_ = calls_.state();
+}
+
+/// The tape of a state that was loaded is known only when the machine goes on from it.
+void ReplayRecorder::complete_state() {
+    if (state_.empty()) return;
     const replay_tape tape = calls_.tape();
     if (!tape.path.empty()) good_ = file_.tape(tape) && good_;
-    good_ = file_.state(calls_.state()) && good_;
+    good_ = file_.state(state_) && good_;
+    state_.clear();
 }
 
 void ReplayRecorder::take(std::span<const machine_event> events) {
+    complete_state();
     for (const machine_event& event : events) {
         frames_ += event.kind == event_kind::frame_end ? 1 : 0;
         if (event.kind == event_kind::tape_play_wav) begin_tape(event);
@@ -89,29 +99,29 @@ machine_host_calls calls_without_files(const replay_player_calls& calls) {
 
 } // namespace
 
-std::string ReplayPlayer::start(std::vector<uint8_t> file, replay_player_calls calls) {
+std::string ReplayPlayer::open(std::vector<uint8_t> file, replay_player_calls calls) {
+    *this = {};
     bytes_ = std::move(file);
     calls_ = std::move(calls);
-    frames_ = same_frame_ = 0;
-    on_ = ended_ = false;
-    trouble_.clear();
-    log_.events.clear();
-    position_ = {};
-    std::string problem = file_.open(bytes_);
-    if (problem.empty()) problem = load_start();
-    on_ = problem.empty();
-    return problem;
+    const std::string problem = file_.open(bytes_);
+    return problem.empty() ? read_start() : problem;
 }
 
-std::string ReplayPlayer::load_start() {
+std::string ReplayPlayer::read_start() {
     replay_chunk chunk = file_.next();
     if (chunk.kind == replay_chunk::Kind::tape) {
-        std::string problem = open_tape(chunk.tape);
-        if (!problem.empty()) return problem;
+        start_tape_ = std::move(chunk.tape);
         chunk = file_.next();
     }
     if (chunk.kind != replay_chunk::Kind::state) return "it does not begin with a whole state";
-    return calls_.load_state(chunk.state_file);
+    start_state_ = chunk.state_file;
+    return {};
+}
+
+std::string ReplayPlayer::begin() {
+    std::string problem = start_tape_.path.empty() ? std::string() : open_tape(start_tape_);
+    on_ = problem.empty();
+    return problem;
 }
 
 std::string ReplayPlayer::open_tape(const replay_tape& tape) {

@@ -41,11 +41,13 @@ public:
 private:
     void take(std::span<const machine_event> events);
     void write_state();
+    void complete_state();
     void begin_tape(const machine_event& event);
     void write_events(const replay_check& behind);
     ReplayWriter file_;
     replay_recorder_calls calls_;
     std::vector<machine_event> events_; ///< that are not in the file yet
+    std::vector<uint8_t> state_;        ///< likewise
     int64_t frames_ = 0;
     int64_t written_frames_ = 0;
     int reader_ = 0; ///< of the event feed
@@ -54,7 +56,7 @@ private:
 
 /// What a player asks the program around it.
 struct replay_player_calls {
-    /// Loads the state file; an empty text, or why it cannot be loaded.
+    /// Loads a state file in the middle of a replay; an empty text, or why that cannot be done.
     std::function<std::string(std::span<const uint8_t> state_file)> load_state;
     /// A ROM image that the user has to bring.
     std::function<std::optional<std::vector<uint8_t>>(const replay_rom&)> rom;
@@ -74,9 +76,12 @@ enum class ReplayStep : uint8_t {
 /// events go to the event feed like those of any live machine.
 class ReplayPlayer {
 public:
-    /// Loads the start state. An empty text, or why the file cannot be played; the machine is then
-    /// as it was.
-    std::string start(std::vector<uint8_t> file, replay_player_calls calls);
+    /// An empty text, or why the file cannot be played.
+    std::string open(std::vector<uint8_t> file, replay_player_calls calls);
+    /// The state file that the replay begins with; whoever plays it loads it before `begin`.
+    std::span<const uint8_t> start_state() const { return start_state_; }
+    /// An empty text, or why the WAV tape that plays at the start cannot be read.
+    std::string begin();
     bool is_on() const { return on_; }
     /// Plays the next frame. After `over` and `parted` it is off, and the machine stands where it
     /// has come to.
@@ -87,13 +92,15 @@ public:
     const std::string& trouble() const { return trouble_; }
 
 private:
-    std::string load_start();
+    std::string read_start();
     std::string open_tape(const replay_tape& tape);
     std::string read_on(); ///< to the next events, or to the end
     ReplayStep part(const std::string& reason);
     bool find_roms();
     std::vector<uint8_t> bytes_;
     ReplayReader file_;
+    std::span<const uint8_t> start_state_;
+    replay_tape start_tape_;
     replay_player_calls calls_;
     machine_log log_;
     machine_replay_position position_;

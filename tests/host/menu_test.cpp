@@ -72,6 +72,9 @@ constexpr const char* MENU = R"(0 &File
     0 
     40207 &Rewind...|Alt+R
     0 
+    40208 Re&cord replay...
+    40209 Pla&y replay...
+    0 
     40210 T&urbo|F7
     40211 Slow &motion|F8
 0 &Tape

@@ -304,6 +304,9 @@ std::vector<Stop> TourTest::stops() {
              rewind_end();
              history_stop();
          }},
+        {40208, [this] { choose("new.tvr"); }, status("Recording a replay: new.tvr")},
+        {40209, [this] { choose("new.tvr"); },
+         status("Playing new.tvr. Escape gives the machine to you.")},
         {40210, nothing, option(speed_choices.turbo, 40210, true)},
         {40211, nothing, status("Slow motion: half speed")},
         {40219, nothing, option(speed_choices.fast_tapes, 40219, true)},

@@ -389,7 +389,8 @@ void play(const std::string& path, const machine_state& end) {
     const auto rom = [](const replay_rom& wanted) {
         return std::vector<uint8_t>(wanted.size, RET); // as the host reads them
     };
-    std::string problem = player.start(contents(path), {load, rom, {}, machine_host.read_tape});
+    std::string problem = player.open(contents(path), {load, rom, {}, machine_host.read_tape});
+    if (problem.empty()) problem = load(player.start_state()) + player.begin();
     while (problem.empty() && player.is_on()) {
         if (player.run_frame() == ReplayStep::parted) problem = player.trouble();
     }

@@ -30,6 +30,7 @@ pacing_calls pacing_host = {
     .answer_question = [] { return false; },
     .frame_ran = [] {},
     .show_ahead = [] {},
+    .run_frame = machine_run,
 };
 
 namespace {
@@ -60,7 +61,11 @@ bool picture_is_due() {
     return pacing.elapsed_counter >= pacing.next_frame || g_bRecordingVideo != 0;
 }
 
-bool runs_ahead() { return frames_ahead > 0 && g_Timer && stretch != TURBO; }
+/// A replay has no keys that it could answer earlier.
+bool runs_ahead() {
+    const bool has_keys = pacing_host.run_frame == machine_run;
+    return frames_ahead > 0 && has_keys && g_Timer && stretch != TURBO;
+}
 
 int64_t frame_time() { return pacing.frame_period * stretch; }
 
@@ -163,7 +168,7 @@ int run_paced_frame() {
     beam_has_shown = false;
     if (runs_ahead()) picture_use = PictureUse::drawn;
     if (stretch == TURBO) picture_use = PictureUse::dropped;
-    const int end = run_with_answers(machine_run);
+    const int end = run_with_answers(pacing_host.run_frame);
     picture_use = PictureUse::shown;
     return end;
 }
@@ -233,7 +238,7 @@ void show_paced_frame() {
     update_screen_when_due();
     if (short_period.runs) report_short_period_when_due();
     speed_watch_tape();
-    machine_apply(event_kind::tape_moves);
+    if (pacing_host.run_frame == machine_run) machine_apply(event_kind::tape_moves);
 }
 
 void init_timers() {

@@ -16,7 +16,7 @@
 
 namespace {
 
-constexpr int DIALOG_TYPES = DIALOG_SAVE_DISK + 1;
+constexpr int DIALOG_TYPES = DIALOG_RECORD_REPLAY + 1;
 
 const FileFilter ALL = {"All (*.*)", "*.*"};
 
@@ -69,6 +69,9 @@ const std::map<int, FileDialogText>& dialog_types() {
         {DIALOG_SAVE_DISK,
          {"Save disk image as...",
           {{"Disk images (*.cgd,*.dsk;*.img)", "*.cgd;*.dsk;*.img", "dsk"}, all_files("dsk")}}},
+        {DIALOG_PLAY_REPLAY, {"Play replay", {{"Replays (*.tvr)", "*.tvr"}, ALL}}},
+        {DIALOG_RECORD_REPLAY,
+         {"Record replay", {{"Replays (*.tvr)", "*.tvr", "tvr"}, all_files("tvr")}}},
     };
     return types;
 }

@@ -8,7 +8,7 @@
 #include <optional>
 #include <string>
 
-/// Numbers of the file dialogs. 0 to 7 open a file, 9 to 16 save one.
+/// Numbers of the file dialogs.
 enum FileDialogType : int {
     DIALOG_LOAD_CMD = 0,
     DIALOG_LOAD_BAS = 1,
@@ -25,7 +25,9 @@ enum FileDialogType : int {
     DIALOG_SAVE_SNAPSHOT = 13,
     DIALOG_SAVE_VIDEO = 14,
     DIALOG_SAVE_WAV = 15,
-    DIALOG_SAVE_DISK = 16
+    DIALOG_SAVE_DISK = 16,
+    DIALOG_PLAY_REPLAY = 19,
+    DIALOG_RECORD_REPLAY = 20
 };
 
 /// A dialog hands its answer over before the call returns or later. The shell is held until then.
