@@ -303,7 +303,11 @@ void start_tape() {
 }
 
 void run_frame() {
-    if (once_in(8)) look_ahead(1 + below(MOST_FRAMES_AHEAD), [] { video_render_frame(); });
+    if (once_in(8)) {
+        const z80_record before = z80_state;
+        look_ahead(1 + below(MOST_FRAMES_AHEAD), [] { video_render_frame(); });
+        if (std::memcmp(&before, &z80_state, sizeof before) != 0) fail("a breakpoint was moved");
+    }
     const auto run = host.way == STEPPED ? machine_step : machine_run;
     for (int end = run(); end != MACHINE_FRAME; end = run()) {
         if (end != MACHINE_WAITS || !once_in(3)) continue;
