@@ -1,5 +1,6 @@
 #include "support/fake_host.h"
 
+#include "core/frame_driver.h"
 #include "core/pacing/pacing.h"
 #include "media/files/cassette_files.h"
 #include "media/files/media_files.h"
@@ -48,6 +49,7 @@ const bool connected = [] {
         .answer_question = [] { return false; },
         .frame_ran = [] { ++fake_host.frames_told; },
         .show_ahead = [] { ++fake_host.pictures_ahead; },
+        .run_frame = machine_run,
     };
     return true;
 }();
