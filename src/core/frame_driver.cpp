@@ -25,7 +25,7 @@ constexpr state_field fields[] = {
 };
 
 /// More than any frame has, and than any instruction uses.
-constexpr int32_t MOST_LEFT = FASTEST_CLOCK;
+constexpr int32_t MOST_LEFT = FASTEST_CLOCK / LOWEST_SCREEN_FREQUENCY;
 
 const char* fault(const frame_record& frame) {
     return first_fault({{"leftover", frame.leftover <= 0 && frame.leftover >= -MOST_LEFT},

@@ -105,26 +105,13 @@ void for_each_piece(Act act) {
     }
 }
 
-/// The records of a parked machine as objects that their modules may look at. What is not state in
+/// The records of a parked machine that their modules look at, as objects. What is not state in
 /// them is as in the live ones.
 class ParkedRecords {
 public:
     explicit ParkedRecords(const machine_state& state) {
-        for (size_t n = 0; n < std::size(records); ++n) {
-            copies_[n].resize(records[n]->size / sizeof(std::max_align_t) + 1);
-            std::memcpy(copies_[n].data(), records[n]->data, records[n]->size);
-        }
-        const state_record* last = nullptr;
-        size_t number = 0;
-        size_t in_record = 0;
-        for_each_field([&](const state_record& record, const state_field& field, size_t at) {
-            if (last && last != &record) ++number;
-            in_record = last == &record ? in_record : 0;
-            last = &record;
-            auto* const bytes = reinterpret_cast<uint8_t*>(copies_[number].data());
-            if (is_state(field)) std::memcpy(bytes + in_record, &state.records[at], field.size);
-            in_record += field.size;
-        });
+        const uint8_t* source = state.records.data();
+        for (size_t n = 0; n < std::size(records); ++n) copy(*records[n], copies_[n], source);
     }
     const void* bytes(size_t number) const { return copies_[number].data(); }
     template <typename Record>
@@ -134,18 +121,36 @@ public:
     }
 
 private:
-    std::array<std::vector<std::max_align_t>, std::size(records)> copies_;
+    using Copy = std::vector<std::max_align_t>;
+
+    /// Nobody looks at a record without a check, and two of them are large.
+    static void copy(const state_record& record, Copy& to, const uint8_t*& source) {
+        if (record.fault) {
+            to.resize(record.size / sizeof(std::max_align_t) + 1);
+            std::memcpy(to.data(), record.data, record.size);
+        }
+        size_t at = 0;
+        for (const state_field& field : record.fields) {
+            const uint32_t size = is_state(field) ? field.size : 0;
+            if (record.fault) {
+                std::memcpy(reinterpret_cast<uint8_t*>(to.data()) + at, source, size);
+            }
+            source += size;
+            at += field.size;
+        }
+    }
+
+    std::array<Copy, std::size(records)> copies_;
 };
 
-/// Without reading a tape, an hour of sound may have passed its head: what is longer is no tape any
-/// more, and would keep the program busy.
-constexpr uint64_t LONGEST_STEP = 3600;
+/// A recording that nothing is written to is silent for less than half an hour: what is longer
+/// would be no tape, and keep the program busy.
+constexpr int64_t LONGEST_SILENCE = int64_t(1) << 26; ///< samples
 
-const char* fault_of_tape_step(const z80_record& z80, const tape_audio_state& tape) {
-    const int64_t since = z80.t_count - tape.prev_save_clock;
-    const bool passes = tape.recording && tape.rolling;
-    return passes && since > int64_t(z80.clock_hz * LONGEST_STEP) ? "tape_audio.prev_save_clock"
-                                                                  : nullptr;
+bool is_possible(const z80_record& z80, const tape_audio_state& tape) {
+    if (!tape.recording || !tape.rolling) return true;
+    const int64_t cycles = z80.t_count - tape.prev_save_clock;
+    return cycles / int64_t(z80.clock_hz) <= LONGEST_SILENCE / tape.rate;
 }
 
 /// What each module alone cannot know.
@@ -157,15 +162,17 @@ const char* fault_between(const ParkedRecords& parked, const machine_state& stat
     for (size_t n = 0; n < DISK_DRIVES; ++n) disks_fit &= disks[n].size == state.media[n].size();
     const size_t tape_size = state.media[CASSETTE].size();
     const size_t text_size = state.media[TYPED_TEXT].size();
-    const char* const fault = first_fault(
-        {{"z80_state.clock_hz", z80.clock_hz >= SLOWEST_CLOCK && z80.clock_hz <= FASTEST_CLOCK},
+    const bool has_clock = z80.clock_hz >= SLOWEST_CLOCK && z80.clock_hz <= FASTEST_CLOCK;
+    return first_fault(
+        {{"z80_state.clock_hz", has_clock},
+         {"tape_audio.prev_save_clock",
+          !has_clock || is_possible(z80, parked.of<tape_audio_state>(tape_audio_record))},
          {"wd1771.disks", disks_fit},
          {"cassette.position", tape.position <= tape_size},
          {"cassette.cas_header_size", tape.cas_header_size <= tape_size},
          {"cassette.attached", tape.attached || tape_size == 0},
          // A carriage return at the end takes a byte behind it as well.
          {"typing.position", parked.of<typing_state>(typing_record).position <= text_size + 1}});
-    return fault ? fault : fault_of_tape_step(z80, parked.of<tape_audio_state>(tape_audio_record));
 }
 
 std::string value_of(const uint8_t* bytes, size_t size) {

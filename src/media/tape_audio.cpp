@@ -63,7 +63,7 @@ const char* fault(const tape_audio_state& tape) {
          {"prev_save_clock", is_cycle_count(tape.prev_save_clock)},
          {"rolling", tape.rolling <= 1},
          {"playing", tape.playing <= 1},
-         {"recording", tape.recording + tape.playing <= 1},
+         {"recording", tape.recording <= 1},
          {"wav.data_start", wav.data_start <= LONGEST_WAV},
          {"wav.samples", wav.samples <= LONGEST_WAV},
          {"wav.rate", !tape.playing || is_rate(wav.rate)},

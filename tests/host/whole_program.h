@@ -54,7 +54,6 @@ protected:
 
     /// The user's answers come after the calls that ask for them, as on a host that cannot block.
     bool later = false;
-    bool keep_pictures = false;
 
 private:
     void renew() {
@@ -63,7 +62,6 @@ private:
         options.refresh_rate = 60;
         options.settings_path = SETTINGS;
         options.data_directory = "data";
-        options.keep_pictures = keep_pictures;
         install_host(options);
         host->answer_later(later);
         reset_program_options();

@@ -229,18 +229,19 @@ TEST_F(SoundOutputTest, FadesAwayAndBackWithoutAClick) {
     ASSERT_EQ(dsound_init(SOUND_RATE), 1);
     double phase = 0;
     int before = 0, largest_step = 0;
-    const auto run_frame = [&] {
-        for (int n = machine_host.fragment_decision(1); n > 0; --n) {
-            std::array<uint16_t, FRAGMENT_SAMPLES> fragment;
-            for (auto& sample : fragment) sample = uint16_t(int16_t(LOUD * sin(phase += TONE)));
-            machine_host.fragment(fragment.data());
-        }
-    };
     /// Runs `frames` frames in each 20 ms. Returns the loudest sample behind the first `skip` ms.
     const auto play = [&](int ms, int frames, int skip) {
         int loudest = 0;
         for (int now = 0; now < ms; ++now) {
-            for (int frame = now % 20 ? frames : 0; frame < frames; ++frame) run_frame();
+            for (int frame = now % 20 ? frames : 0; frame < frames; ++frame) {
+                for (int n = machine_host.fragment_decision(1); n > 0; --n) {
+                    std::array<uint16_t, FRAGMENT_SAMPLES> fragment;
+                    for (auto& sample : fragment) {
+                        sample = uint16_t(int16_t(LOUD * std::sin(phase += TONE)));
+                    }
+                    machine_host.fragment(fragment.data());
+                }
+            }
             for (const int sample : next_millisecond(host)) {
                 largest_step = std::max(largest_step, std::abs(sample - before));
                 before = sample;
@@ -251,14 +252,23 @@ TEST_F(SoundOutputTest, FadesAwayAndBackWithoutAClick) {
     };
     play(1000, 1, 0);
     largest_step = 0;
-    for (const auto& [frames, ms] : {std::pair(30, 700), {0, 400}, {30, 5}, {30, 1300}, {0, 40}}) {
-        sound_fade(true, FadeReason::speed);
-        EXPECT_EQ(play(ms, frames, 12), 0) << ms;
+    const struct {
+        FadeReason reason;
+        int frames, ms; ///< meanwhile
+    } cases[] = {{FadeReason::speed, 30, 700},
+                 {FadeReason::held, 0, 400},
+                 {FadeReason::speed, 30, 5},
+                 {FadeReason::speed, 30, 1300},
+                 {FadeReason::held, 0, 40}};
+    for (const auto& c : cases) {
+        EXPECT_NEAR(play(500, 1, 100), LOUD, 2) << "before " << c.ms;
+        sound_fade(true, c.reason);
+        EXPECT_EQ(play(c.ms, c.frames, 12), 0) << c.ms;
         sound_fade(true, FadeReason::held);
-        sound_fade(false, FadeReason::speed);
+        sound_fade(false, c.reason);
         sound_fade(false, FadeReason::held);
-        EXPECT_NEAR(play(500, 1, 100), LOUD, 2) << "after " << ms;
     }
+    EXPECT_NEAR(play(500, 1, 100), LOUD, 2);
     EXPECT_LE(largest_step, LOUD * TONE * 1.01 + 2) << "the tone's own steps";
 }
 

@@ -8,10 +8,16 @@ constexpr uint8_t CARRIAGE_RETURN = 13;
 
 constexpr state_field typing_fields[] = {{"position", sizeof(typing_state::position)}};
 
+constexpr uint64_t LONGEST_TEXT = UINT32_MAX;
+const char* fault(const typing_state& state) {
+    return first_fault({{"position", state.position <= LONGEST_TEXT}});
+}
+
 } // namespace
 
 typing_state typing;
-constexpr state_record typing_record = {"typing", &typing, sizeof typing, typing_fields};
+constexpr state_record typing_record = {"typing", &typing, sizeof typing, typing_fields,
+                                        fault_of<typing_state, fault>};
 shared_bytes typing_text;
 
 void keyboard_open_from_bytes(shared_bytes text) {

@@ -94,6 +94,7 @@ void follow_speed() {
     if (now == stretch) return;
     stretch = now;
     look_at_clock();
+    pacing.next_frame = pacing.elapsed_counter;
     pacing.elapsed_temp = pacing.elapsed_counter + 2 * frame_time(); // the next frame waits in full
     measure_from_now();
     sound_fade(stretch != 1, FadeReason::speed);

@@ -331,7 +331,7 @@ void dsound_fade_out() {
 
 bool dsound_begin_again() {
     Audio& audio = platform().audio();
-    if (!audio.has_ring() || audio.position() < 0) return true; // no device: nothing to place
+    if (!audio.has_ring()) return true;
     if (something_waits(audio)) return false;
     silence_ring(audio);
     if (audio.block_bytes()) {
