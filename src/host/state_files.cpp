@@ -134,7 +134,6 @@ void unpark_machine(const parked_state& state) {
     attachments_leave();
     event_feed_frame();
     machine_load(state.machine);
-    event_feed_another_state();
     attachments_follow(state.about.attachments);
     reset_timer();
 }
