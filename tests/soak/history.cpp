@@ -2,11 +2,12 @@
 /// and these are visited afterwards, out of order. Each must be what it was, to the byte. Then it
 /// goes on from one of them.
 ///
-/// usage: history MINUTES MOMENTS [line|beam] [PROGRAM] [unpaced]
+/// usage: history MINUTES MOMENTS [line|beam] [PROGRAM] [unpaced] [KB]
 ///
 /// PROGRAM is an example's file name, or "session": BASIC with typing, disk, cassette and printer;
-/// without it, all of them. Unpaced, states are spaced by the host's time. Prints memory, cost and
-/// the time to any frame. Ends with 1 and a line that begins with "FAILED" when something is wrong.
+/// without it, all of them. Unpaced, states are spaced by the host's time. KB limits the memory.
+/// Prints memory, cost and the time to any frame. Ends with 1 and a line that begins with "FAILED"
+/// when something is wrong.
 
 #include "time/history.h"
 #include "cgenie/input.h"
@@ -24,6 +25,7 @@
 #include "z80/z80.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -65,6 +67,7 @@ int64_t processor_ns() {
 
 struct {
     bool paced = true;
+    history_settings settings;
     int64_t passed = 0; ///< ns, of frames at their own speed
     machine_input input;
     std::vector<uint8_t> shown; ///< the last picture
@@ -261,7 +264,7 @@ void run_and_visit(const std::string& program, bool beam, int minutes, unsigned 
     std::vector<Moment> none;
     for (int frame = 0; frame < 300; ++frame) machine_run(); // to the prompt
     start(program);
-    history_start({});
+    history_start(host.settings);
     auto moments = random_moments(1, frames, count);
     const Costs costs = run(program, frames, moments);
     const double seconds = double(minutes) * 60;
@@ -295,7 +298,7 @@ void run_and_visit(const std::string& program, bool beam, int minutes, unsigned 
 
 int main(int argc, char** argv) {
     if (argc < 3) {
-        std::fputs("usage: history MINUTES MOMENTS [line|beam] [PROGRAM] [unpaced]\n", stderr);
+        std::fputs("usage: history MINUTES MOMENTS [line|beam] [PROGRAM] [unpaced] [KB]\n", stderr);
         return 2;
     }
     std::vector<bool> engines = {false, true};
@@ -306,6 +309,8 @@ int main(int argc, char** argv) {
             engines = {word == "beam"};
         } else if (word == "unpaced") {
             host.paced = false;
+        } else if (std::isdigit(argv[n][0])) {
+            host.settings.limit = std::strtoull(argv[n], nullptr, 10) * 1000;
         } else {
             programs.emplace_back(word);
         }
