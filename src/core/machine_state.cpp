@@ -175,6 +175,16 @@ const char* fault_between(const ParkedRecords& parked, const machine_state& stat
          {"typing.position", parked.of<typing_state>(typing_record).position <= text_size + 1}});
 }
 
+/// In short parts: longer ones the C library copies by a single instruction, which on many
+/// processors takes fifteen times as long when the target stands eight bytes above the source
+/// within a page.
+void copy(uint8_t* to, const uint8_t* from, size_t size) {
+    constexpr size_t PART = 1984;
+    for (size_t at = 0; at < size; at += PART) {
+        std::memcpy(to + at, from + at, std::min(PART, size - at));
+    }
+}
+
 std::string value_of(const uint8_t* bytes, size_t size) {
     std::string text;
     for (size_t n = size; n > 0; --n) {
@@ -207,7 +217,7 @@ void machine_save(machine_state& to) {
     to.records.resize(machine_state_size());
     uint8_t* target = to.records.data();
     for_each_piece([&](const uint8_t* bytes, size_t size) {
-        std::memcpy(target, bytes, size);
+        copy(target, bytes, size);
         target += size;
     });
     for (size_t n = 0; n < media.size(); ++n) to.media[n] = *media[n].contents;
@@ -217,7 +227,7 @@ int machine_load(const machine_state& from) {
     if (from.records.size() != machine_state_size()) return 0;
     const uint8_t* source = from.records.data();
     for_each_piece([&](uint8_t* bytes, size_t size) {
-        std::memcpy(bytes, source, size);
+        copy(bytes, source, size);
         source += size;
     });
     for (size_t n = 0; n < media.size(); ++n) *media[n].contents = from.media[n];
