@@ -50,6 +50,8 @@ ROWS = [
      SECOND),
     ("sound, silence: a second", "sound", "one_second_through_the_core/silent", SECOND),
     ("GIF screenshot", "machine", "gif_of_example", FRAME),
+    ("state of the machine saved", "machine", "save_state", FRAME),
+    ("state of the machine loaded", "machine", "load_state", FRAME),
 ]
 AVI_PREFIX = "frame/"  # the codecs depend on the build
 UNITS = {"ns": 1e-9, "us": 1e-6, "ms": 1e-3, "s": 1.0}
