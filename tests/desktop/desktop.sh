@@ -121,8 +121,9 @@ types() {
     shows "MEM SIZE?" || fail "the firmware did not start"
     xdotool key Return
     shows READY || fail "the firmware did not take the answer"
-    # A busy host may miss a key that is down for a moment: another line is another try.
-    for _ in 1 2 3; do
+    # A busy host may miss a key that is down for a moment, hold one for so long that it repeats, or
+    # see the SHIFT of one gone before the key: another line is another try.
+    for _ in $(seq 8); do
         xdotool type --delay 120 "$1"
         if shows ">$2"; then return; fi
         xdotool key Return
