@@ -43,7 +43,7 @@ sed -n 's/^MimeType=//p' tarvelin.desktop | tr ';' '\n' | sed '/^$/d' | sort >"$
 sed -n 's:.*<mediatype>\(.*\)</mediatype>.*:\1:p' tarvelin.metainfo.xml | sort >"$work/provided"
 same "types of tarvelin.desktop" types opened
 same "types of tarvelin.metainfo.xml" types provided
-for extension in cas cgt cmd bas jzs tvs dsk cgd; do
+for extension in cas cgt cmd bas jzs tvr tvs dsk cgd; do
     grep -q ":application/x-colour-genie-[a-z]*:\*\.$extension\$" "$work/mime/globs2" ||
         fail "no type for .$extension"
 done

@@ -15,6 +15,7 @@
 #include "host/state_files.h"
 #include "host/status.h"
 #include "media/files/cassette_files.h"
+#include "media/files/drive_files.h"
 #include "media/files/tape_sound_files.h"
 #include "media/wd1771.h"
 #include "platform/platform.h"
@@ -250,4 +251,13 @@ void end_replay() {
     if (!replay_plays()) return;
     leave_replay();
     tell_end();
+}
+
+void end_replays() {
+    end_replay_recording();
+    end_replay();
+    if (!shell_state.start.unattended || playing.path.empty()) return;
+    for (unsigned drive = 0; drive < DISK_DRIVES; ++drive) {
+        if (drive_files[drive].path.empty()) machine_apply(event_kind::disk_out, int32_t(drive));
+    }
 }

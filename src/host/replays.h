@@ -33,3 +33,6 @@ void play_replay();
 bool replay_plays();
 /// The machine is the user's from now on.
 void end_replay();
+/// For the end of the program: nothing is recorded or played any more. With an unattended shell the
+/// disks of a replay go with it.
+void end_replays();

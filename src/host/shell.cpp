@@ -148,8 +148,7 @@ void emu_close(std::function<void()> done) {
     }
     end_history();
     ui_free_forms();
-    end_replay_recording();
-    end_replay();
+    end_replays();
     printer_close();
     if (g_bRecordingVideo) Video_CloseOutput();
     {

@@ -11,7 +11,7 @@
 
 namespace {
 
-constexpr std::string_view MARK = "TARVELIN replay\n";
+constexpr std::string_view MARK = "Tarvelin replay\n";
 constexpr uint16_t FORMAT_VERSION = 1;
 /// A second with a new disk in each drive stays below it.
 constexpr uint64_t MOST_EVENT_BYTES = 100 << 20;

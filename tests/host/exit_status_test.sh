@@ -16,6 +16,7 @@ truncate -s 17M large.cmd
 truncate -s 1000 odd.dsk
 true >empty.cas
 printf JZ01 >short.jzs
+printf 'Tarvelin replay\n\1\0\0' >short.tvr
 printf 'Tarvelin state\n\32\1' >short.tvs
 printf 'SAVE"A"\n' >save.bas
 cp "$disk" work.dsk
