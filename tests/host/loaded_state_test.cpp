@@ -4,6 +4,7 @@
 #include "core/machine.h"
 #include "core/machine_events.h"
 #include "core/machine_state.h"
+#include "host/autostart.h"
 #include "host/disks.h"
 #include "host/messages.h"
 #include "host/whole_program.h"
@@ -199,6 +200,34 @@ TEST_F(LoadedStateTest, AWavTapeIsTakenOutWhenItIsNotTheSame) {
                   std::string::npos);
         EXPECT_EQ(host->status_text(PART_CASSETTE), "");
     }
+    emu_close();
+}
+
+TEST_F(LoadedStateTest, AStateFileAsksForWhatIsMissing) {
+    const auto state = [] {
+        machine_state now;
+        machine_save(now);
+        return now;
+    };
+    write_text("a.dsk", std::string(102400, '\x14'));
+    start({"--save-state", "end.tvs", "/i", "a.dsk"});
+    for (int frame = 0; frame < 30; ++frame) run_paced_frame();
+    const machine_state end = state();
+    emu_close();
+    std::filesystem::rename("a.dsk", "moved.dsk");
+    start({"--load-state", "end.tvs"});
+    EXPECT_EQ(host->dialogs().file_dialogs.back().title, "The state needs: a.dsk");
+    EXPECT_FALSE(machine_equal(end, state())) << "the dialog was cancelled";
+    const std::string why = "end.tvs cannot be loaded: it needs " +
+                            std::filesystem::absolute("a.dsk").string() + " as it was then";
+    EXPECT_EQ(last_message(), why);
+    for (const char* wrong : {"end.tvs", "moved.dsk"}) host->dialogs().choices.push_back({{wrong}});
+    autostart_file("end.tvs");
+    EXPECT_EQ(machine_difference(end, state()), "wd1771.disks[30]: 00 and 01")
+        << "modified: it is in no file";
+    write_text("end.tvs", "Tarvelin state\n\x1A");
+    autostart_file("end.tvs");
+    EXPECT_EQ(last_message(), "end.tvs cannot be loaded: it is cut short");
     emu_close();
 }
 
