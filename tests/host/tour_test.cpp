@@ -384,24 +384,4 @@ TEST_F(TourTest, EveryAccelerator) {
     }
 }
 
-TEST_F(TourTest, TheGraphicsBoardIsRememberedAndChangesNothing) {
-    std::vector<uint8_t> pictures[2], memories[2];
-    for (const size_t board : {0, 1}) {
-        start(board ? Arguments{"/g"} : Arguments{});
-        run_frames(60);
-        EXPECT_EQ(lowe.enabled, board);
-        pictures[board].assign(frame_buffer, frame_buffer + SCREEN_WIDTH * SCREEN_HEIGHT);
-        memories[board].assign(memory, memory + MEMORY_SIZE);
-        WindowProcedure({Event::Kind::command, COMMAND_RESET, 0, {}});
-        EXPECT_EQ(lowe.enabled, board) << "no reset touches it";
-        emu_close();
-    }
-    EXPECT_EQ(pictures[0], pictures[1]);
-    EXPECT_EQ(memories[0], memories[1]);
-    start();
-    EXPECT_EQ(lowe.enabled, 1U) << "from the settings";
-    expect_mark(40046, true);
-    emu_close();
-}
-
 } // namespace
