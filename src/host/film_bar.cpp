@@ -115,10 +115,11 @@ void draw_texts(const Layout& at) {
     pane().text(left, at.text_top, *hint, HINT, GROUND);
 }
 
-/// "1:02:03", without hours "2:03"; with tenths of a second behind it when they are wanted.
-std::string time_text(int64_t frames, int64_t frames_per_second, bool tenths) {
-    const int64_t all = frames * 10 / std::max<int64_t>(frames_per_second, 1);
-    const int64_t seconds = all / 10;
+/// "1:02:03", without hours "2:03", with so many decimals of a second behind it, 0 to 2.
+std::string time_text(int64_t frames, int64_t frames_per_second, int decimals) {
+    const int64_t hundredths = frames * 100 / std::max<int64_t>(frames_per_second, 1);
+    const int64_t seconds = hundredths / 100;
+    const int part = int(hundredths % 100);
     const auto hours = (long long)(seconds / 3600);
     const int minutes = int(seconds / 60 % 60);
     char text[40];
@@ -126,9 +127,8 @@ std::string time_text(int64_t frames, int64_t frames_per_second, bool tenths) {
                        : std::snprintf(text, sizeof text, "%d", minutes);
     length +=
         std::snprintf(text + length, sizeof text - size_t(length), ":%02d", int(seconds % 60));
-    if (tenths) {
-        std::snprintf(text + length, sizeof text - size_t(length), ".%d", int(all % 10));
-    }
+    if (decimals == 1) std::snprintf(text + length, sizeof text - size_t(length), ".%d", part / 10);
+    if (decimals == 2) std::snprintf(text + length, sizeof text - size_t(length), ".%02d", part);
     return text;
 }
 
@@ -136,8 +136,9 @@ std::string time_text(int64_t frames, int64_t frames_per_second, bool tenths) {
 
 std::string film_bar_time(const FilmBarView& view) {
     const int64_t behind = view.last - view.position;
-    return (behind ? "-" : "") + time_text(behind, view.frames_per_second, true) + " of " +
-           time_text(view.last - view.first, view.frames_per_second, false);
+    return (behind ? "-" : "") +
+           time_text(behind, view.frames_per_second, view.single_frames ? 2 : 1) + " of " +
+           time_text(view.last - view.first, view.frames_per_second, 0);
 }
 
 void film_bar_show(FilmBarView view) {

@@ -10,6 +10,7 @@
 struct FilmBarView {
     int64_t first = 0, position = 0, last = 0; ///< frames
     uint32_t frames_per_second = 50;
+    bool single_frames = false; ///< the time is told to a hundredth of a second
     /// What the keys do, the longest text first: the first one that has room is shown.
     std::vector<std::string> hints = {};
 };
@@ -28,5 +29,5 @@ FilmBarPart film_bar_part_at(int x, int y);
 int64_t film_bar_frame_at(int x);
 
 /// How far the frame is before the last one, of how much in all: "-0:12.3 of 5:07", with hours
-/// "-1:00:12.3 of 9:59:07".
+/// "-1:00:12.3 of 9:59:07", to a hundredth "-0:12.34 of 5:07".
 std::string film_bar_time(const FilmBarView& view);

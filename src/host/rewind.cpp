@@ -82,8 +82,12 @@ std::vector<std::string> hints() {
 }
 
 void show_bar() {
-    film_bar_show(
-        {history_first(), history_position(), history_last(), frames_per_second(), hints()});
+    film_bar_show({.first = history_first(),
+                   .position = history_position(),
+                   .last = history_last(),
+                   .frames_per_second = frames_per_second(),
+                   .single_frames = !is_held(),
+                   .hints = hints()});
 }
 
 /// The listing follows the machine; all else the history shows itself.

@@ -196,6 +196,8 @@ TEST_F(RewindTest, WhatIsDoneInThePastIsDoneThere) {
 TEST_F(RewindTest, TimeIsToldInWords) {
     EXPECT_EQ(film_bar_time({.first = 100, .position = 14835, .last = 15450}), "-0:12.3 of 5:07");
     EXPECT_EQ(film_bar_time({.position = 50, .last = 50}), "0:00.0 of 0:01");
+    EXPECT_EQ(film_bar_time({.position = 49, .last = 50, .single_frames = true}),
+              "-0:00.02 of 0:01");
     EXPECT_EQ(film_bar_time({.position = 1'619'335, .last = 1'799'950}), "-1:00:12.3 of 9:59:59");
 }
 
