@@ -46,6 +46,13 @@ void event_feed_frame() {
     hand_out();
 }
 
+void event_feed_past(int reader) {
+    const std::vector<machine_event> events = std::exchange(feed.log.events, {});
+    for (const Reader& one : feed.readers) {
+        if (one.number == reader && !events.empty()) one.events(events);
+    }
+}
+
 void event_feed_another_state() {
     hand_out();
     for (const Reader& reader : feed.readers) {

@@ -19,6 +19,9 @@ void event_feed_remove(int reader);
 /// Hands the events to all readers: to be called after each live frame, and with a moment inside
 /// of a frame, before the machine becomes another one.
 void event_feed_frame();
+/// Hands the events to this reader only: what is done to a machine of the past is nothing to the
+/// others, unless the machine goes on from there, which event_feed_another_state tells them.
+void event_feed_past(int reader);
 /// To be called when the machine has become another one and is to run on from there; after
 /// event_feed_frame, which hands out what the former one did.
 void event_feed_another_state();

@@ -65,7 +65,6 @@ struct History {
     shared_bytes present_companion;
     shared_bytes followed;              ///< the companion that the host has followed
     std::vector<machine_event> pending; ///< done to the machine at the frame that is shown
-    bool touched = false;               ///< something has been done to the machine
     int64_t picture_then = 0;           ///< `picture` and
     uint32_t pictures_shown_then = 0;   ///< `pictures_shown` at the frame that is shown
 };
@@ -301,16 +300,8 @@ void leave_present() {
     history_host.present(false);
     look_at_companion();
     now.live = false;
-    now.touched = false;
     now.followed = now.present_companion = history_host.companion();
     machine_save(now.present);
-}
-
-/// What was done to the machine at the frame that is shown is forgotten, and soon undone.
-void undo_acts() {
-    History& now = *history;
-    now.touched = now.touched || !now.pending.empty();
-    now.pending.clear();
 }
 
 void return_to_present() {
@@ -322,7 +313,6 @@ void return_to_present() {
     }
     now.live = true;
     follow(now.present_companion);
-    if (now.touched) tell_others();
     now.present = {};
     history_host.present(true);
     if (!g_bCycleBasedEngine) picture = {};
@@ -388,30 +378,31 @@ bool history_is_live() { return !history || history->live; }
 
 std::string history_show(int64_t frame) {
     if (!history) return "no history is kept";
-    event_feed_frame();
     History& now = *history;
+    now.live ? event_feed_frame() : event_feed_past(now.reader);
     if (now.live && frame >= history_last()) return {};
     if (now.live) leave_present();
-    undo_acts();
+    now.pending.clear(); // what was done at the frame that is shown
     if (frame >= history_last()) {
         return_to_present();
         return {};
     }
     now.position = std::max(frame, history_first());
     std::string trouble = look_at(now.position);
-    event_feed_frame(); // the host does again what it did to follow, when it goes on
-    undo_acts();
+    event_feed_past(now.reader); // the host does again what it did to follow, when it goes on
+    now.pending.clear();
     if (!trouble.empty()) return_to_present();
     return trouble;
 }
 
 void history_go_on() {
     if (!history || history->live) return;
-    event_feed_frame();
-    if (!history || history->live) return; // a frame has run
+    event_feed_past(history->reader);
+    if (history->live) return; // a frame has run
     forget_future();
     history_host.follow(history->companion);
     history_host.present(true);
+    event_feed_past(history->reader); // the others get the machine as it is now
     tell_others();
 }
 

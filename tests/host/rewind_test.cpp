@@ -7,6 +7,7 @@
 #include "host/film_bar.h"
 #include "host/whole_program.h"
 #include "sound/output/wav_capture.h"
+#include "time/event_feed.h"
 #include "time/history.h"
 #include "wall/machine_host.h"
 
@@ -168,6 +169,16 @@ TEST_F(RewindTest, KeysAndMouseMoveInTheOpenBar) {
 
 TEST_F(RewindTest, WhatIsDoneInThePastIsDoneThere) {
     start();
+    bool in_order = true; // for a replay that is recorded meanwhile
+    int64_t cycle = 0;
+    const int reader = event_feed_add(
+        [&](std::span<const machine_event> events) {
+            for (const machine_event& event : events) {
+                in_order = in_order && event.cycle >= cycle;
+                cycle = event.cycle;
+            }
+        },
+        [&] { cycle = 0; });
     sound_create_wav("out.wav");
     turns(100);
     int64_t recorded = 0, after = 0;
@@ -185,6 +196,8 @@ TEST_F(RewindTest, WhatIsDoneInThePastIsDoneThere) {
     EXPECT_FALSE(bar().shown);
     EXPECT_NEAR(double(history_last()), double(there), 2);
     sound_close_wav();
+    EXPECT_TRUE(in_order);
+    event_feed_remove(reader);
 
     history_stop();
     press(KEY_PAGE_UP);
