@@ -211,6 +211,7 @@ std::string start_problem(const std::string& path) {
 }
 
 void autostart_file(const std::string& given) {
+    end_replay();
     // The host takes a path up to a zero byte.
     const std::string path = given.substr(0, given.find('\0'));
     name_screenshots(path);
@@ -222,6 +223,7 @@ void autostart_file(const std::string& given) {
 }
 
 void autostart_bytes(const std::string& name, Bytes bytes) {
+    end_replay();
     name_screenshots(name);
     const Loader* starter = starter_of(name);
     if (!starter) return report({.text = name + UNKNOWN_TYPE});
@@ -230,6 +232,7 @@ void autostart_bytes(const std::string& name, Bytes bytes) {
 }
 
 void main_load_bas_file(const std::string& path) {
+    end_replay();
     const std::string problem = file_problem(path);
     if (!problem.empty()) return report({.text = problem});
     const auto bytes = read_whole_file(path);

@@ -202,7 +202,7 @@ void take_late_screenshot() {
 
 void do_some_frames(int count) {
     for (int frame = 0; frame < count; ++frame) {
-        if (run_with_answers(machine_run) != MACHINE_FRAME) return;
+        if (run_with_answers(pacing_host.run_frame) != MACHINE_FRAME) return;
         run_timed_events();
         if (pacing_host.has_canvas()) update_screen(1);
     }

@@ -50,7 +50,7 @@ struct pacing_calls {
     void (*frame_ran)();
     /// Shows the picture of the machine as it is now and leaves the canvas as it is.
     void (*show_ahead)();
-    /// Runs a paced frame: machine_run, or what plays a replay, which has its own moves of the
+    /// Runs a whole frame: machine_run, or what plays a replay, which has its own moves of the
     /// tape.
     int (*run_frame)();
 };
