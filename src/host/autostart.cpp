@@ -7,6 +7,7 @@
 #include "files/whole_file.h"
 #include "host/disk_rom.h"
 #include "host/replays.h"
+#include "host/rewind.h"
 #include "host/state_files.h"
 #include "media/damage.h"
 #include "media/files/cassette_files.h"
@@ -36,6 +37,7 @@ bool is_starting_up() { return !machine_run_now.prompt_reached; }
 void run_start_up_frames() {
     // An armed breakpoint is meant for the program to be started, and must not stop the start-up.
     const int32_t armed = std::exchange(z80_state.breakpoint_enabled, 0);
+    rewind_stay_here();
     do_some_frames(BOOT_FRAMES);
     z80_state.breakpoint_enabled = armed;
 }

@@ -26,6 +26,7 @@ constexpr int LONGEST_RUN = 10001; ///< instructions of one F7
 constexpr const char* DISASSEMBLY = "eaca_disass.txt";
 
 void step() {
+    rewind_stay_here();
     if (run_with_answers(machine_step) == MACHINE_FRAME) run_timed_events();
 }
 

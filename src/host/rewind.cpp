@@ -290,6 +290,11 @@ void rewind_end() {
     if (goes_on) end_pause();
 }
 
+void rewind_stay_here() {
+    if (history_is_live()) return;
+    is_held() ? end_hold() : follow_change();
+}
+
 bool rewind_wants(const Event& event) {
     if (event.kind == Event::Kind::pointer) {
         return now.mode == Mode::open && event.pointer.pane == PaneId::film_bar;

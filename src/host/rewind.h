@@ -17,6 +17,10 @@
 void rewind_open();
 /// The machine is the one of the present again, and the bar is gone.
 void rewind_end();
+/// To be called before the machine is run otherwise than turn by turn: it goes on from the moment
+/// that is shown.
+void rewind_stay_here();
+
 /// Would rewind_take_event take it?
 bool rewind_wants(const Event& event);
 /// Takes the key that leads back, and what is for the bar: its keys, and the pointer in it. False:

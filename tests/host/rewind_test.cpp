@@ -196,6 +196,12 @@ TEST_F(RewindTest, WhatIsDoneInThePastIsDoneThere) {
     EXPECT_FALSE(bar().shown);
     EXPECT_NEAR(double(history_last()), double(there), 2);
     sound_close_wav();
+    press('R', MODIFIER_ALT);
+    press(KEY_LEFT);
+    command(COMMAND_MONITOR);
+    press(KEY_F7); // runs
+    EXPECT_FALSE(bar().shown);
+    command(COMMAND_MONITOR);
     EXPECT_TRUE(in_order);
     event_feed_remove(reader);
 
