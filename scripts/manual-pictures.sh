@@ -86,6 +86,16 @@ xdotool key alt+c space # two controls have that letter: it only leads there
 picture configuration "$dialog"
 xdotool key Escape
 
+for _ in 1 2 3; do
+    xdotool key alt+s
+    sleep 1
+    xdotool key alt+equal
+    sleep 1
+done
+xdotool key alt+p
+picture states "$(find_window States)"
+xdotool key Escape
+
 xdotool key alt+o
 sleep 0.3
 xdotool key d d Return # the second of two items with that letter

@@ -3,19 +3,23 @@
 #include "core/pacing/pacing.h"
 #include "core/pacing/run_ahead.h"
 #include "core/pacing/speed.h"
+#include "host/commands.h"
 #include "host/keep_history.h"
 #include "host/menu.h"
 #include "host/replays.h"
+#include "host/resume.h"
 #include "host/rewind.h"
 #include "host/shell_state.h"
 #include "host/speed_commands.h"
 #include "host/states.h"
+#include "host/states_panel.h"
 
 #include <algorithm>
 
 namespace {
 
 constexpr uint8_t ALT = MODIFIER_ALT;
+constexpr uint8_t SHIFT = MODIFIER_SHIFT;
 
 constexpr uint32_t USUAL_HISTORY = 200; ///< MB
 constexpr uint32_t SMALLEST_HISTORY = 10;
@@ -57,6 +61,11 @@ std::span<const CommandRow> time_command_rows() {
          .label = "&Fast tapes",
          .flag = &speed_choices.fast_tapes,
          .setting = {.name = "TapeTurbo", .initial = 0, .read = StartStep::options}},
+        {.id = COMMAND_RESUME,
+         .label = "&Resume where I left",
+         .flag = &shell_state.resume,
+         .run = resume_switched,
+         .setting = {.name = "Resume", .initial = 0, .read = StartStep::engine}},
 
         // Speed.
         {.id = COMMAND_TURBO, .label = "T&urbo", .hint = "F7", .flag = &speed_choices.turbo},
@@ -72,6 +81,11 @@ std::span<const CommandRow> time_command_rows() {
         run_ahead_row<4>("&4 frames"),
 
         // States.
+        {.id = COMMAND_STATES,
+         .label = "&States...",
+         .hint = "Alt+P",
+         .keys = {{{'P', ALT}}},
+         .run = ui_states},
         {.id = COMMAND_SAVE_SLOT,
          .label = "&Save state",
          .hint = "Alt+S",
@@ -85,13 +99,19 @@ std::span<const CommandRow> time_command_rows() {
         {.id = COMMAND_NEXT_SLOT,
          .label = "&Next slot",
          .hint = "Alt++",
-         .keys = {{{KEY_OEM_PLUS, ALT}}},
+         .keys = {{{KEY_OEM_PLUS, ALT}, {KEY_OEM_PLUS, ALT | SHIFT}}},
          .run = [] { choose_slot(current_slot() + 1); }},
         {.id = COMMAND_PREVIOUS_SLOT,
          .label = "&Previous slot",
          .hint = "Alt+-",
          .keys = {{{KEY_OEM_MINUS, ALT}}},
          .run = [] { choose_slot(current_slot() - 1); }},
+        {.id = COMMAND_LOAD_STATE,
+         .label = "&Open state...",
+         .run = [] { with_file(DIALOG_LOAD_STATE, load_state); }},
+        {.id = COMMAND_SAVE_STATE,
+         .label = "Save state &as...",
+         .run = [] { with_file(DIALOG_SAVE_STATE, save_state_as); }},
 
         // The history.
         {.id = COMMAND_FILM_BAR,

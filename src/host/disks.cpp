@@ -492,3 +492,5 @@ void main_disk_settle() {
 }
 
 void main_disk_end(const std::function<void()>& done) { end_drive(0, true, done); }
+
+void main_disk_leave(const std::function<void()>& done) { end_drive(0, false, done); }

@@ -53,3 +53,6 @@ void main_disk_settle();
 /// save_changed_disks its file, the disk goes to a rescue file; when neither is asked for, its loss
 /// is only reported. `done` is called when all drives are empty.
 void main_disk_end(const std::function<void()>& done);
+/// The same for disks that are in a state to be resumed: nothing is asked, and what was written is
+/// left in the journals.
+void main_disk_leave(const std::function<void()>& done);

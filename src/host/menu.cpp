@@ -54,16 +54,17 @@ MenuEntry file_menu() {
 MenuEntry time_menu() {
     return submenu("&Time",
                    {item(COMMAND_SAVE_SLOT), item(COMMAND_LOAD_SLOT), item(COMMAND_NEXT_SLOT),
-                    item(COMMAND_PREVIOUS_SLOT), SEPARATOR, item(COMMAND_FILM_BAR), SEPARATOR,
+                    item(COMMAND_PREVIOUS_SLOT), SEPARATOR, item(COMMAND_LOAD_STATE),
+                    item(COMMAND_SAVE_STATE), SEPARATOR, item(COMMAND_FILM_BAR), SEPARATOR,
                     item(COMMAND_RECORD_REPLAY), item(COMMAND_PLAY_REPLAY), SEPARATOR,
                     item(COMMAND_TURBO), item(COMMAND_SLOW_MOTION)});
 }
 
 MenuEntry machine_menu() {
-    return submenu("&Machine",
-                   {item(COMMAND_PAUSE), item(COMMAND_RESET), item(COMMAND_RESTART), SEPARATOR,
-                    item(COMMAND_COPY), item(COMMAND_PASTE), SEPARATOR, item(COMMAND_MONITOR),
-                    SEPARATOR, item(COMMAND_CONFIGURATION), SEPARATOR, time_menu()});
+    return submenu("&Machine", {item(COMMAND_PAUSE), item(COMMAND_RESET), item(COMMAND_RESTART),
+                                SEPARATOR, item(COMMAND_COPY), item(COMMAND_PASTE), SEPARATOR,
+                                item(COMMAND_MONITOR), SEPARATOR, item(COMMAND_CONFIGURATION),
+                                SEPARATOR, item(COMMAND_STATES), time_menu()});
 }
 
 MenuEntry tape_menu() {
@@ -86,7 +87,7 @@ MenuEntry options_menu() {
                     item(COMMAND_DOUBLE_SCAN), item(COMMAND_TV_BLUR),
                     item(COMMAND_DISPLAY_SETTINGS), SEPARATOR, item(COMMAND_GIANT_SCREEN),
                     item(COMMAND_FULL_SCREEN), SEPARATOR, item(COMMAND_KEEP_HISTORY),
-                    run_ahead_menu(), item(COMMAND_FAST_TAPES)});
+                    run_ahead_menu(), item(COMMAND_FAST_TAPES), item(COMMAND_RESUME)});
 }
 
 /// What the window's menu shows at the moment, and the marks of ids that it does not hold.

@@ -27,11 +27,13 @@
 #include "host/messages.h"
 #include "host/options.h"
 #include "host/replays.h"
+#include "host/resume.h"
 #include "host/rom_files.h"
 #include "host/screen_text.h"
 #include "host/settings/choices.h"
 #include "host/settings/prefs.h"
 #include "host/state_files.h"
+#include "host/states.h"
 #include "host/status.h"
 #include "host/turn.h"
 #include "media/files/cassette_files.h"
@@ -149,6 +151,7 @@ void emu_close(std::function<void()> done) {
     end_history();
     ui_free_forms();
     end_replays();
+    const bool goes_on = resume_keep_now();
     printer_close();
     if (g_bRecordingVideo) Video_CloseOutput();
     {
@@ -156,8 +159,11 @@ void emu_close(std::function<void()> done) {
         write_options();
     }
     sound_close();
-    main_disk_end([done = std::move(done)] {
+    const auto end_disks = goes_on ? main_disk_leave : main_disk_end;
+    end_disks([done = std::move(done)] {
         tape_detach_cas();
+        end_states();
+        resume_end();
         machine_apply(event_kind::stop_typing);
         dib_destroy(canvas);
         prefs_done();
@@ -181,6 +187,7 @@ int run_shell(const ShellOptions& options) {
     tell_what_is_left_out(line);
     show_held_message_boxes();
     when_free(offer_interrupted_writes);
+    when_free(resume_where_left);
     when_free(main_disk_offer_journals);
     when_free(offer_disk_rom_late);
     when_free(reset_timer); // the time that the start took is not caught up

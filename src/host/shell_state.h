@@ -16,6 +16,7 @@ struct ShellOptions {
     /// What is written to a disk is kept in a journal, and journals left behind are offered.
     bool keep_disk_journals = false;
     bool keep_history = false;       ///< unless the settings say otherwise
+    bool resumes = false;            ///< the option to go on where the program was left counts
     bool save_changed_disks = false; ///< when they are taken out, without a question
 };
 
@@ -32,6 +33,7 @@ struct shell_record {
     bool kept_key_mapping = false;  ///< symbolic by the user's own choice; kept in the settings
     bool video_cut = false;
     bool video_page = false;
+    bool resume = false;         ///< go on where the program was left
     bool save_video_ram = false; ///< every screenshot is followed by a dump of the screen memory
     bool keep_history = false;   ///< of the machine, to go back in
     uint32_t history_limit = 0;  ///< MB

@@ -13,6 +13,7 @@
 #include "host/menu.h"
 #include "host/messages.h"
 #include "host/options.h"
+#include "host/resume.h"
 #include "host/rewind.h"
 #include "host/shell.h"
 #include "host/status.h"
@@ -66,6 +67,7 @@ public:
     void draw_status() override { led_redraw(1); }
     void session_ends() override {
         main_disk_keep_journals();
+        resume_keep_now();
         write_options();
     }
 };
@@ -258,9 +260,11 @@ ShellTurn shell_turn() {
     if (!is_halted()) {
         const int64_t wait = paced_frame_step();
         main_disk_keep_journals_when_due();
+        resume_keep_when_due();
         return {.next = wait ? in_time : now, .microseconds = wait};
     }
     main_disk_keep_journals(); // the program may now wait for long
+    if (!turn.menu_open) resume_keep_halted();
     platform().keyboard().release_tapped();
     return {.next = on_event};
 }

@@ -23,6 +23,10 @@ enum class ControlKind : uint8_t {
     note,      ///< words that explain something, in as many lines as they need
     text_view, ///< lines to read, select and copy; it scrolls
     radio,     ///< all the radio buttons of a form exclude each other
+    /// A picture with lines of `text` below it, which has no access key; the first line stands out.
+    /// All the pictures of a form exclude each other, and the arrow keys lead from one to another.
+    /// Enter and a double click press the form's default button.
+    picture,
     check,
     list,  ///< one of `items`
     combo, ///< a text field that offers `items`
@@ -31,6 +35,13 @@ enum class ControlKind : uint8_t {
     button,
     default_button, ///< Enter presses it; it closes the form
     cancel_button   ///< Escape presses it; it closes the form
+};
+
+/// A picture, empty without pixels.
+struct FormPicture {
+    int width = 0;
+    int height = 0;
+    std::vector<Colour> pixels = {}; ///< rows from the top
 };
 
 struct FormControl {
@@ -46,6 +57,8 @@ struct FormControl {
     int page = 1;    ///< of a slider: the step of Page Up, Page Down and a click beside the knob
     std::vector<std::string> items = {};
     std::vector<FormControl> children = {};
+    FormPicture picture = {};
+    Size picture_area = {}; ///< which it is stretched to fill, or which stays empty
 };
 
 /// The controls from top to bottom. Tab follows the order of description.
@@ -57,7 +70,7 @@ struct FormDescription {
 /// What the user did. What the program sets raises no event.
 struct FormEvent {
     enum class Kind : uint8_t {
-        changed, ///< value or text of the control; of radio buttons, that of the one chosen
+        changed, ///< value or text of the control; of radio buttons and pictures, of the one chosen
         pressed, ///< a button
         closed   ///< the window's close button; no control
     };
@@ -72,8 +85,8 @@ constexpr int FORM_CLOSED = 0; ///< in place of a button: the window's close but
 struct Form {
     virtual ~Form() = default;
 
-    /// Radio button and check box: 0 or 1. List: the number of the item, -1 without one. Combo: of
-    /// the item with the field's text. Slider: the position, kept within its range.
+    /// Radio button, picture and check box: 0 or 1. List: the number of the item, -1 without one.
+    /// Combo: of the item with the field's text. Slider: the position, kept within its range.
     virtual int value(int id) = 0;
     virtual void set_value(int id, int value) = 0;
     /// Text field: what stands in it, cut at its limit. List: the text of its item, which cannot be
@@ -83,6 +96,8 @@ struct Form {
     /// Replaces the items of a list or combo. The first item of a list is then chosen; the text of
     /// a combo stays.
     virtual void set_items(int id, const std::vector<std::string>& items) = 0;
+    /// Another picture, or an empty one; nothing for other controls.
+    virtual void set_picture(int id, const FormPicture& picture) = 0;
     virtual bool is_enabled(int id) = 0;
     virtual void set_enabled(int id, bool enabled) = 0;
 

@@ -64,11 +64,15 @@ constexpr const char* MENU = R"(0 &File
   0 
   141 &Configuration...|Alt+Q
   0 
+  40200 &States...|Alt+P
   0 &Time
     40201 &Save state|Alt+S
     40202 &Load state|Alt+L
     40203 &Next slot|Alt++
     40204 &Previous slot|Alt+-
+    0 
+    40205 &Open state...
+    40206 Save state &as...
     0 
     40207 &Rewind...|Alt+R
     0 
@@ -111,6 +115,7 @@ constexpr const char* MENU = R"(0 &File
     40217 &3 frames
     40218 &4 frames
   40219 &Fast tapes
+  40212 &Resume where I left
 0 &Help
   103 &About...
   40130 &Messages...
@@ -178,7 +183,9 @@ TEST_F(MenuTest, AcceleratorsNeedTheirModifiersExactly) {
         {KEY_F5, 0, 122},
         {'S', ALT, 40201},
         {'L', ALT, 40202},
+        {'P', ALT, 40200},
         {KEY_OEM_PLUS, ALT, 40203},
+        {KEY_OEM_PLUS, ALT | MODIFIER_SHIFT, 40203},
         {KEY_OEM_MINUS, ALT, 40204},
         {'R', ALT, 40207},
     };

@@ -288,14 +288,20 @@ std::vector<Stop> TourTest::stops() {
              EXPECT_TRUE(is_menu_item_checked(40213));
              history_stop();
          }},
-        {40201, [] { choose_slot(0); }, status("State saved in slot 0")},
+        {40200,
+         [this] {
+             choose_slot(0);
+             in_next_form([](HeadlessForm& form) { form.choose(101, 1); });
+         },
+         [] { EXPECT_EQ(current_slot(), 1); }},
+        {40201, [] { choose_slot(0); }, [] { EXPECT_TRUE(fs::exists("data/states/slot-0.tvs")); }},
         {40202,
          [] {
              choose_slot(0);
              save_slot(0);
              memory[0x9000] ^= 1;
          },
-         status("State of slot 0 loaded")},
+         [] { EXPECT_TRUE(load_can_be_undone()); }},
         {40203, [] { choose_slot(1); }, status("Slot 2: empty")},
         {40204, [] { choose_slot(0); }, status("Slot 9: empty")},
         {40207, [] { history_start({}); },
@@ -310,6 +316,14 @@ std::vector<Stop> TourTest::stops() {
         {40210, nothing, option(speed_choices.turbo, 40210, true)},
         {40211, nothing, status("Slow motion: half speed")},
         {40219, nothing, option(speed_choices.fast_tapes, 40219, true)},
+        {40205,
+         [this] {
+             save_state_as("given.tvs");
+             choose("given.tvs");
+         },
+         [] { EXPECT_TRUE(load_can_be_undone()); }},
+        {40206, chosen("saved"), [] { EXPECT_TRUE(fs::exists("saved.tvs")); }},
+        {40212, nothing, option(shell_state.resume, 40212, true)},
     };
     for (const int frames : {0, 1, 2, 3, 4}) {
         list.push_back({40214 + frames, nothing, [this, frames] {

@@ -26,11 +26,12 @@ protected:
     }
 
     /// Starts it as in a process of its own.
-    void start(const Arguments& arguments = {}) {
+    void start(const Arguments& arguments = {}, ShellOptions options = {}) {
         renew();
         ASSERT_TRUE(host->window().create("start"));
         create_menu();
-        emu_init({.line = read_command_line(arguments)});
+        options.line = read_command_line(arguments);
+        emu_init(options);
     }
     /// Turns until nothing holds the shell any more; runs no frame.
     void turn_until_free() {

@@ -8,6 +8,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QMouseEvent>
 #include <QTimer>
 
 #include <map>
@@ -190,6 +191,47 @@ TEST_F(QtFormsTest, TabFollowsTheDescriptionAndEveryControlHasAName) {
     }
     EXPECT_EQ(buddies, (std::map<QString, QString>{
                            {"&Model:", "Model:"}, {"Clock:", "Clock:"}, {"Pa&th:", "Path:"}}));
+}
+
+TEST_F(QtFormsTest, PicturesAreChosenWithArrowsAndTakenWithEnterOrADoubleClick) {
+    using enum ControlKind;
+    FormControl pictures = {.kind = grid};
+    for (const int first : {1, 3}) {
+        pictures.children.push_back({.kind = row});
+        for (const int id : {first, first + 1}) {
+            pictures.children.back().children.push_back({.kind = picture,
+                                                         .id = id,
+                                                         .text = std::to_string(id) + " R&B\nlate",
+                                                         .picture_area = {40, 30}});
+        }
+    }
+    const auto form = host->forms().create(
+        {"Pictures", {pictures, {.kind = default_button, .id = OK, .text = "OK"}}},
+        [this](Form&, const FormEvent& event) {
+            heard += "cpx"[int(event.kind)] + std::to_string(event.control) + " ";
+        });
+    form->set_value(1, 1);
+    form->set_picture(4, {2, 1, {0xFF0000, 0x0000FF}});
+    QTimer::singleShot(0, [&] {
+        QWidget* const chosen = reach("1 R&B, late");
+        key(chosen, Qt::Key_Right);
+        key(shown()->focusWidget(), Qt::Key_Down);
+        EXPECT_EQ(spoken(*shown()->focusWidget()), "4 R&B, late");
+        const QImage drawn = shown()->focusWidget()->grab().toImage();
+        EXPECT_GT(qRed(drawn.pixel(14, 20)), 200);
+        EXPECT_GT(qBlue(drawn.pixel(drawn.width() - 14, 20)), 200);
+        key(shown()->focusWidget(), Qt::Key_Return);
+    });
+    form->run([](int id) { EXPECT_EQ(id, OK); });
+    EXPECT_EQ(take_heard() + form->text(4), "c2 c4 p10 4 R&B\nlate");
+    QTimer::singleShot(0, [] {
+        const QPointF place(20, 20);
+        QMouseEvent click(QEvent::MouseButtonDblClick, place, place, Qt::LeftButton, Qt::LeftButton,
+                          Qt::NoModifier);
+        QApplication::sendEvent(shown()->focusWidget(), &click);
+    });
+    form->run([](int id) { EXPECT_EQ(id, OK); });
+    EXPECT_EQ(form->value(4), 1);
 }
 
 TEST_F(QtFormsTest, FileDialogHasFields) {

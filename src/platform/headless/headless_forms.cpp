@@ -62,9 +62,10 @@ void HeadlessForm::set_value(int id, int value) {
     const FormControl& described = control->described;
     switch (described.kind) {
     case ControlKind::radio:
+    case ControlKind::picture:
         if (!value) return;
         for (auto& [other, state] : controls_) {
-            if (state.described.kind == ControlKind::radio) state.value = other == id;
+            if (state.described.kind == described.kind) state.value = other == id;
         }
         return;
     case ControlKind::check: control->value = value != 0; return;
@@ -99,6 +100,18 @@ void HeadlessForm::set_items(int id, const std::vector<std::string>& items) {
     if (!control) return;
     control->described.items = items;
     control->value = items.empty() ? -1 : 0;
+}
+
+void HeadlessForm::set_picture(int id, const FormPicture& picture) {
+    Control* control = find(id);
+    if (control && control->described.kind == ControlKind::picture) {
+        control->described.picture = picture;
+    }
+}
+
+FormPicture HeadlessForm::picture(int id) {
+    const Control* control = find(id);
+    return control ? control->described.picture : FormPicture();
 }
 
 bool HeadlessForm::is_enabled(int id) {

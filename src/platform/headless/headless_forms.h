@@ -24,6 +24,7 @@ public:
     std::string text(int id) override;
     void set_text(int id, const std::string& text) override;
     void set_items(int id, const std::vector<std::string>& items) override;
+    void set_picture(int id, const FormPicture& picture) override;
     bool is_enabled(int id) override;
     void set_enabled(int id, bool enabled) override;
     void run(std::function<void(int)> done) override;
@@ -33,8 +34,10 @@ public:
     Size size() override { return {300, 200}; }
     void move(int left, int top) override { place = {left, top, left + 300, top + 200}; }
 
+    FormPicture picture(int id); ///< as it is shown
+
     // The user, who cannot do anything to a disabled control or a closed form.
-    void choose(int id, int value);             ///< radio button, check box, item, slider position
+    void choose(int id, int value); ///< radio button, picture, check box, item, slider position
     void type(int id, const std::string& text); ///< in place of what the field holds
     void press(int id);
     void press_enter() { press(button_of(ControlKind::default_button)); }

@@ -1,5 +1,6 @@
 #include "platform/qt/qt_forms.h"
 
+#include "platform/qt/qt_picture_button.h"
 #include "platform/qt/qt_text.h"
 
 #include <QButtonGroup>
@@ -70,6 +71,7 @@ public:
     std::string text(int id) override;
     void set_text(int id, const std::string& text) override;
     void set_items(int id, const std::vector<std::string>& items) override;
+    void set_picture(int id, const FormPicture& picture) override;
     bool is_enabled(int id) override;
     void set_enabled(int id, bool enabled) override;
     void run(std::function<void(int)> done) override;
@@ -89,7 +91,7 @@ private:
     template <typename Widget>
     Widget* control(int id) const {
         const auto found = controls_.find(id);
-        return found == controls_.end() ? nullptr : qobject_cast<Widget*>(found->second);
+        return found == controls_.end() ? nullptr : dynamic_cast<Widget*>(found->second);
     }
 
     void add_all(const std::vector<FormControl>& controls, QBoxLayout& box, QWidget& parent,
@@ -100,6 +102,7 @@ private:
     QLayout* arrangement(const FormControl& described, QWidget& parent, const Naming& naming);
     QWidget* make(const FormControl& described, QWidget& parent, Naming& naming);
     QWidget* make_button(const FormControl& described, QWidget& parent);
+    QWidget* make_picture(const FormControl& described, QWidget& parent);
     QWidget* make_group(const FormControl& described, QWidget& parent);
     QWidget* make_label(const FormControl& described, QWidget& parent, Naming& naming);
     QWidget* make_text_view(const FormControl& described, QWidget& parent);
@@ -118,10 +121,11 @@ private:
     QtWindow& owner_;
     FormHandler handler_;
     FormWindow dialog_;
-    QButtonGroup radios_;
+    QButtonGroup radios_, pictures_;
     std::map<int, QWidget*> controls_;
     QWidget* first_in_tab_order_ = nullptr;
     QWidget* last_in_tab_order_ = nullptr;
+    QPushButton* default_ = nullptr;
     QPushButton* cancel_ = nullptr;
     int closing_id_ = FORM_CLOSED;
 };
@@ -197,6 +201,7 @@ QWidget* QtForm::make(const FormControl& described, QWidget& parent, Naming& nam
     case ControlKind::combo: widget = make_list(described, parent); break;
     case ControlKind::edit: widget = make_edit(described, parent); break;
     case ControlKind::slider: widget = make_slider(described, parent); break;
+    case ControlKind::picture: widget = make_picture(described, parent); break;
     default: widget = make_button(described, parent);
     }
     if (described.id) controls_[described.id] = widget;
@@ -258,7 +263,10 @@ QWidget* QtForm::make_button(const FormControl& described, QWidget& parent) {
         button = child_of<QCheckBox>(parent);
     } else {
         auto* push = child_of<QPushButton>(parent);
-        if (described.kind == ControlKind::default_button) push->setDefault(true);
+        if (described.kind == ControlKind::default_button) {
+            default_ = push;
+            push->setDefault(true);
+        }
         if (described.kind == ControlKind::cancel_button) cancel_ = push;
         button = push;
         kind = FormEvent::Kind::pressed;
@@ -273,6 +281,20 @@ QWidget* QtForm::make_button(const FormControl& described, QWidget& parent) {
                          raise(kind, id);
                          if (closing) finish(closing);
                      });
+    return button;
+}
+
+QWidget* QtForm::make_picture(const FormControl& described, QWidget& parent) {
+    const auto [width, height] = described.picture_area;
+    auto* button = std::make_unique<QtPictureButton>(&parent, QSize(width, height)).release();
+    pictures_.addButton(button);
+    button->set_picture(described.picture);
+    button->set_caption(to_qt(described.text));
+    button->on_activation = [this] {
+        if (default_) default_->click();
+    };
+    const auto chosen = raiser(described.id);
+    QObject::connect(button, &QAbstractButton::clicked, &dialog_, [chosen](bool) { chosen(); });
     return button;
 }
 
@@ -320,13 +342,12 @@ void QtForm::enter_tab_order(QWidget& widget) {
     last_in_tab_order_ = &widget;
 }
 
-/// Gives the focus to the first control. Of radio buttons that is the chosen one, or the arrow keys
-/// would start at another.
+/// Gives the focus to the first control. Of radio buttons and pictures that is the chosen one, or
+/// the arrow keys would start at another.
 void QtForm::focus_first() {
     QWidget* first = first_in_tab_order_;
-    if (qobject_cast<QRadioButton*>(first) && radios_.checkedButton()) {
-        first = radios_.checkedButton();
-    }
+    const auto* radio = qobject_cast<QRadioButton*>(first);
+    if (radio && radio->group()->checkedButton()) first = radio->group()->checkedButton();
     if (first) first->setFocus();
 }
 
@@ -353,6 +374,7 @@ std::string QtForm::text(int id) {
     if (const auto* list = control<QComboBox>(id)) text = list->currentText();
     if (const auto* label = control<QLabel>(id)) text = label->text();
     if (const auto* button = control<QAbstractButton>(id)) text = button->text();
+    if (const auto* picture = control<QtPictureButton>(id)) text = picture->caption();
     if (const auto* group = control<QGroupBox>(id)) text = group->title();
     return text.toStdString();
 }
@@ -362,7 +384,11 @@ void QtForm::set_text(int id, const std::string& text) {
     if (auto* edit = control<QLineEdit>(id)) edit->setText(shown);
     if (auto* list = control<QComboBox>(id); list && list->isEditable()) list->setEditText(shown);
     if (auto* label = control<QLabel>(id)) label->setText(shown);
-    if (auto* button = control<QAbstractButton>(id)) button->setText(shown);
+    if (auto* picture = control<QtPictureButton>(id)) {
+        picture->set_caption(shown);
+    } else if (auto* button = control<QAbstractButton>(id)) {
+        button->setText(shown);
+    }
     if (auto* group = control<QGroupBox>(id)) group->setTitle(shown);
 }
 
@@ -373,6 +399,10 @@ void QtForm::set_items(int id, const std::vector<std::string>& items) {
     list->clear();
     for (const std::string& item : items) list->addItem(to_qt(item));
     if (list->isEditable()) list->setEditText(before);
+}
+
+void QtForm::set_picture(int id, const FormPicture& picture) {
+    if (auto* button = control<QtPictureButton>(id)) button->set_picture(picture);
 }
 
 bool QtForm::is_enabled(int id) {

@@ -1,0 +1,38 @@
+#pragma once
+/// A picture with lines of text below it that can be chosen, as one of several.
+
+#include "platform/forms.h"
+
+#include <QImage>
+#include <QRadioButton>
+
+#include <functional>
+
+/// A radio button in all but its looks, to screen readers too.
+class QtPictureButton final : public QRadioButton {
+public:
+    QtPictureButton(QWidget* parent, QSize area);
+
+    void set_caption(const QString& lines);
+    const QString& caption() const { return caption_; }
+    void set_picture(const FormPicture& picture);
+    std::function<void()> on_activation; ///< Enter or a double click
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override { return sizeHint(); }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void enterEvent(QEnterEvent* event) override;
+    void leaveEvent(QEvent* event) override;
+    bool hitButton(const QPoint& point) const override { return rect().contains(point); }
+
+private:
+    QFont heading_font() const;
+
+    QString caption_;
+    QSize area_;     ///< of the picture
+    QImage picture_; ///< null for an empty one
+};
