@@ -28,6 +28,7 @@ namespace {
 /// The log that is being kept, and the callbacks of the host whose answers go into it.
 machine_log* kept = nullptr;
 machine_host_calls asked;
+shared_bytes noted_input; ///< of the last event of its kind: those of the same keys share it
 
 void append(event_kind kind, int32_t a = 0, int32_t b = 0, shared_bytes bytes = {}) {
     kept->events.push_back({kind, a, b, std::move(bytes), z80_state.t_count, z80_state.pc});
@@ -154,7 +155,10 @@ int note_rom(rom_file which, uint8_t* to, size_t size) {
 
 void note_input(machine_input& input) {
     asked.read_input(input);
-    append(event_kind::input, 0, 0, bytes_of(input));
+    const auto last = noted_input.view();
+    const bool same = !last.empty() && std::memcmp(last.data(), &input, sizeof input) == 0;
+    if (!same) noted_input = bytes_of(input);
+    append(event_kind::input, 0, 0, noted_input);
 }
 
 save_answer note_save() {

@@ -14,14 +14,17 @@ struct Reader {
 struct {
     std::vector<Reader> readers;
     machine_log log;
+    std::vector<machine_event> spare; ///< empty, with room for the events of a frame
     int numbers = 0;
 } feed;
 
 /// Events that come while a reader looks at these stay for the next time.
 void hand_out() {
-    const std::vector<machine_event> events = std::exchange(feed.log.events, {});
-    if (events.empty()) return;
+    if (feed.log.events.empty()) return;
+    std::vector<machine_event> events = std::exchange(feed.log.events, std::move(feed.spare));
     for (const Reader& reader : feed.readers) reader.events(events);
+    events.clear();
+    feed.spare = std::move(events);
 }
 
 } // namespace

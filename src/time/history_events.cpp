@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr int64_t SEGMENT_FRAMES = 500;
+constexpr int64_t SEGMENT_FRAMES = 1000;
 /// A frame that no events lead to ends with a moment that has this argument.
 constexpr int32_t BREAK = 1;
 
