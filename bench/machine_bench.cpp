@@ -17,11 +17,13 @@
 #include "host/recording/gif.h"
 #include "media/files/program_files.h"
 #include "platform/headless/headless.h"
+#include "time/history.h"
 #include "wall/machine_host.h"
 #include "z80/z80.h"
 
 #include <benchmark/benchmark.h>
 
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -30,6 +32,7 @@ namespace {
 constexpr double CLOCK = 2216750; ///< Hz
 constexpr uint16_t WORKLOAD_ORIGIN = 0x4000;
 constexpr int WARM_UP_FRAMES = 100;
+constexpr int64_t FRAME_NS = 20'000'000;
 
 void power_on() {
     connect_machine();
@@ -89,12 +92,32 @@ void load_state(benchmark::State& state) {
 }
 BENCHMARK(load_state)->Unit(benchmark::kMicrosecond);
 
+/// With a state each second of the machine, as at its own speed, or by the host's time.
+void frame_with_history(benchmark::State& state, bool unpaced) {
+    start_example("bounce.cmd");
+    static int64_t passed = 0;
+    history_host.nanoseconds = [] {
+        using namespace std::chrono;
+        return duration_cast<nanoseconds>(steady_clock::now().time_since_epoch()).count() + passed;
+    };
+    history_start({});
+    for (auto _ : state) {
+        machine_run();
+        history_frame_ran();
+        if (!unpaced) passed += FRAME_NS;
+    }
+    state.counters["bytes per frame"] = double(history_bytes()) / double(history_last());
+    history_stop();
+}
+
 void frame_of_example(benchmark::State& state, const char* name) {
     start_example(name);
     run_frames(state, false);
 }
 BENCHMARK_CAPTURE(frame_of_example, colours, "colours.cmd")->Unit(benchmark::kMicrosecond);
 BENCHMARK_CAPTURE(frame_of_example, bounce, "bounce.cmd")->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(frame_with_history, paced, false)->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(frame_with_history, unpaced, true)->Unit(benchmark::kMicrosecond);
 
 /// The whole way to the canvas: single or giant, plain or through the composite filter.
 void frame_of_example_with_picture(benchmark::State& state, const char* name, bool giant,
