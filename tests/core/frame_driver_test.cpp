@@ -215,18 +215,6 @@ TEST_F(FrameDriver, SpeedReport) {
     }
 }
 
-TEST_F(FrameDriver, UnpacedRunNeverSleepsAndShowsAtTheRefreshRate) {
-    const int64_t seconds = 2;
-    for (const auto& [refresh, shown] : {std::pair{60U, 60}, {100U, 100}, {0U, 100}, {144U, 144}}) {
-        start(refresh);
-        g_Timer = false;
-        step(int(seconds) * 1000, MS);
-        EXPECT_EQ(host->slept_ms(), 0);
-        // The first is due at once.
-        EXPECT_EQ(fake_host.screen_updates, seconds * shown + 1) << refresh;
-    }
-}
-
 TEST_F(FrameDriver, CaptureGetsEveryFrameAndTheBeamPresentsItsOwn) {
     g_Timer = false;
     g_bRecordingVideo = 2;
