@@ -26,6 +26,7 @@ constexpr size_t SUM_AT = MARK.size() + 2 * sizeof(uint32_t);
 constexpr size_t CHUNKS_AT = SUM_AT + sizeof(uint32_t);
 constexpr size_t MOST_CHUNKS = 64;
 constexpr size_t LARGEST_CHUNK = 1 << 20;
+constexpr size_t LONGEST_NAME = 255;
 constexpr uint32_t LARGEST_PICTURE = 512; ///< pixels of a side
 
 constexpr const char* DAMAGED = "it is damaged";
@@ -79,9 +80,9 @@ bool is_elsewhere(const medium_origin& origin, bool whole) {
 
 Bytes about_bytes(const machine_state& state, const state_description& about, bool whole) {
     ByteWriter to;
-    to.text(about.version);
+    to.text(about.version.substr(0, LONGEST_NAME));
     to.signed_number(about.time);
-    to.text(about.running);
+    to.text(about.running.substr(0, LONGEST_NAME));
     for (size_t n = 0; n < MACHINE_MEDIA; ++n) {
         const medium_origin& origin = about.media[n];
         const bool empty = state.media[n].empty();
@@ -178,7 +179,9 @@ bool read_about(StateReader& file, state_description& about,
         about.media[n] = {from.text(), from.word64(), places[n] == ELSEWHERE};
         if (places[n] > ELSEWHERE) from.fail();
     }
-    return from.good() && from.empty() ? true : file.fail(DAMAGED);
+    const bool is_short =
+        about.version.size() <= LONGEST_NAME && about.running.size() <= LONGEST_NAME;
+    return from.good() && from.empty() && is_short ? true : file.fail(DAMAGED);
 }
 
 bool read_picture(StateReader& file, state_picture& picture) {
