@@ -118,14 +118,32 @@ void complete_recording() {
     write_pending();
 }
 
+/// Records a sample `count` times.
+bool put(uint8_t sample, int64_t count) {
+    while (count > 0) {
+        const int64_t room = sizeof tape_audio.pending - tape_audio.pending_count;
+        const int64_t part = std::min(count, room);
+        std::fill_n(tape_audio.pending + tape_audio.pending_count, part, sample);
+        tape_audio.pending_count += uint32_t(part);
+        count -= part;
+        if (part == room && !write_pending()) return false;
+    }
+    return true;
+}
+
 /// Records `count` samples of the present level.
 bool record(int64_t count) {
     const int32_t level = tape_audio.tape_last_level ? SAMPLE_HIGH : 0;
-    for (; count > 0; --count) {
+    while (count > 0) {
+        const double before = tape_audio.tape_filter.y;
         const int32_t sample = filter_output(&tape_audio.tape_filter, level, tape_audio.rate);
-        tape_audio.pending[tape_audio.pending_count++] =
-            uint8_t(sample - SAMPLE_MIDDLE) ^ tape_audio.tape_signal_inverted;
-        if (tape_audio.pending_count == sizeof tape_audio.pending && !write_pending()) return false;
+        // A filter that has come to rest stays there, and silence may be long.
+        const int64_t same = tape_audio.tape_filter.y == before ? count : 1;
+        const int byte = uint8_t(sample - SAMPLE_MIDDLE) ^ tape_audio.tape_signal_inverted;
+        if (!put(uint8_t(byte), same)) {
+            return false;
+        }
+        count -= same;
     }
     return true;
 }
