@@ -150,7 +150,7 @@ constexpr int64_t LONGEST_SILENCE = int64_t(1) << 26; ///< samples
 bool is_possible(const z80_record& z80, const tape_audio_state& tape) {
     if (!tape.recording || !tape.rolling) return true;
     const int64_t cycles = z80.t_count - tape.prev_save_clock;
-    return cycles / int64_t(z80.clock_hz) <= LONGEST_SILENCE / tape.rate;
+    return cycles >= 0 && cycles / int64_t(z80.clock_hz) <= LONGEST_SILENCE / tape.rate;
 }
 
 /// What each module alone cannot know.
