@@ -9,6 +9,7 @@
 #include "host/dialogs/ask.h"
 #include "host/dialogs/dialogs.h"
 #include "host/shell_state.h"
+#include "host/status.h"
 #include "media/files/cassette_files.h"
 #include "media/files/drive_files.h"
 #include "media/tape.h"
@@ -50,7 +51,8 @@ medium_origin cassette_origin() {
 
 /// The program that was started, or what it may have come from.
 std::string what_is_running(const state_description& about) {
-    if (!last_file_name.empty()) return file_name(last_file_name);
+    const bool started = !last_file_name.empty() && last_file_name != PRODUCT_NAME;
+    if (started) return file_name(last_file_name);
     for (const size_t medium : {CASSETTE, size_t(0)}) {
         if (!about.media[medium].path.empty()) return file_name(about.media[medium].path);
     }
