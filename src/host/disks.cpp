@@ -453,7 +453,9 @@ void main_disk_keep_journals() {
     if (!shell_state.start.keep_disk_journals || journals_are_held) return;
     last_kept = platform().clock().counter();
     for (unsigned drive = 0; drive < DISK_DRIVES; ++drive) {
-        if (diskimg_inserted(wd1771.disks[drive])) keep_journal(drive);
+        // One that waits for its file (main_disk_settle) would claim its journal from itself.
+        const bool has_file = cares[drive].is_followed;
+        if (has_file && diskimg_inserted(wd1771.disks[drive])) keep_journal(drive);
     }
 }
 
