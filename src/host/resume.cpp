@@ -4,6 +4,7 @@
 #include "files/name_claim.h"
 #include "files/whole_file.h"
 #include "host/disks.h"
+#include "host/messages.h"
 #include "host/shell_state.h"
 #include "host/state_files.h"
 #include "host/states.h"
@@ -105,6 +106,7 @@ bool disks_have_changed() {
 void set_aside(const std::string& problem) {
     const std::string aside = state_file_path("not-resumed.tvs");
     std::rename(resume_file().c_str(), aside.c_str());
+    const UserCommand failure_opens_a_box; // the start is the user's
     report({.text = "The program cannot go on where it was left",
             .file = resume_file(),
             .reason = problem,

@@ -174,6 +174,7 @@ TEST_F(StatesTest, TheProgramGoesOnWhereItWasLeftOrKilled) {
     host->dialogs().answers = {1}; // the journal is offered then
     begin();
     EXPECT_TRUE(fs::exists("data/states/not-resumed.tvs"));
+    EXPECT_EQ(host->dialogs().messages.size(), 1U);
     EXPECT_FALSE(host->dialogs().questions.empty());
     emu_close();
 }
