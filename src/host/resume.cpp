@@ -10,6 +10,7 @@
 #include "host/states.h"
 #include "media/wd1771.h"
 #include "platform/platform.h"
+#include "time/history.h"
 #include "wall/machine_host.h"
 #include "wall/report.h"
 #include "z80/z80.h"
@@ -48,6 +49,9 @@ bool is_ours() {
     return shell_state.start.resumes && shell_state.resume && resume.claim &&
            resume.claim->result() != NameClaim::Result::taken;
 }
+
+/// An earlier moment that is being looked at is not where the program is left.
+bool is_kept_now() { return is_ours() && history_is_live(); }
 
 /// Claims the file. On a host without such names, it is as if nobody else had it.
 bool claim_file() {
@@ -130,18 +134,18 @@ void resume_where_left() {
 }
 
 void resume_keep_when_due() {
-    if (!is_ours()) return;
+    if (!is_kept_now()) return;
     const int64_t seconds = seconds_since_kept();
     if (seconds < DISK_INTERVAL || (seconds < INTERVAL && !disks_have_changed())) return;
     if (!is_writing()) start_writing();
 }
 
 void resume_keep_halted() {
-    if (is_ours() && z80_state.t_count != resume.kept_cycle && !is_writing()) start_writing();
+    if (is_kept_now() && z80_state.t_count != resume.kept_cycle && !is_writing()) start_writing();
 }
 
 bool resume_keep_now() {
-    if (!is_ours()) return false;
+    if (!is_kept_now()) return false;
     collect();
     start_writing();
     return collect();

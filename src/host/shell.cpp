@@ -143,12 +143,12 @@ void emu_init(const ShellOptions& options) {
 }
 
 void emu_close(std::function<void()> done) {
+    end_history();
     const CommandLine& line = shell_state.start.line;
     if (!line.save_state.empty()) {
         save_state_file(line.save_state,
                         line.whole_state ? MediaInState::all : MediaInState::changed);
     }
-    end_history();
     ui_free_forms();
     end_replays();
     const bool goes_on = resume_keep_now();
