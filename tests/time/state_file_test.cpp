@@ -171,8 +171,8 @@ TEST_F(StateFile, OlderChunksAreConvertedAndNewerOnesRefused) {
     const auto with_version = [&](uint8_t version) {
         Bytes other = file;
         constexpr std::string_view NAME = "palette_state";
-        const auto name = std::ranges::search(other, NAME).end();
-        *name = version;
+        const auto name = std::search(other.begin(), other.end(), NAME.begin(), NAME.end());
+        name[NAME.size()] = version;
         return with_right_sum(other);
     };
     EXPECT_EQ(refusal(with_version(2)), "it was made by a newer version of the program");
