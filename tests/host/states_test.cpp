@@ -119,7 +119,7 @@ TEST_F(StatesTest, ThePanelShowsAndDoesIt) {
     host->dialogs().choices.push_back({{"given.tvs", 0}});
     for (const auto& [button, value] : {std::pair{UNDO_LOAD, 8}, {OPEN, 7}, {CLOSE, 9}}) {
         memory[PLACE] = 9;
-        host->forms().acts.push_back([button](HeadlessForm& form) { form.press(button); });
+        host->forms().acts.push_back([button = button](HeadlessForm& form) { form.press(button); });
         command(COMMAND_STATES);
         EXPECT_EQ(memory[PLACE], value) << button;
     }
