@@ -11,50 +11,20 @@
 
 #include "time/history.h"
 #include "cgenie/input.h"
-#include "cgenie/memory/memory.h"
 #include "cgenie/video.h"
 #include "core/frame_driver.h"
-#include "core/machine.h"
-#include "core/machine_events.h"
 #include "core/machine_state.h"
-#include "files/whole_file.h"
 #include "media/traps.h"
-#include "media/wd1771.h"
-#include "sound/sound_core.h"
+#include "random_run.h"
 #include "wall/machine_host.h"
-#include "z80/z80.h"
 
-#include <algorithm>
 #include <cctype>
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
 #include <ctime>
-#include <filesystem>
-#include <random>
-#include <string>
-#include <string_view>
-#include <vector>
 
 namespace {
 
 constexpr int64_t FRAME_NS = 20'000'000;
 constexpr int64_t HOUR = 180'000; ///< frames
-
-std::mt19937 generator;
-unsigned below(unsigned count) { return unsigned(generator() % count); }
-bool once_in(unsigned count) { return below(count) == 0; }
-
-uint64_t hash_of(std::span<const uint8_t> bytes, uint64_t sum = 0xCBF29CE484222325) {
-    for (const uint8_t byte : bytes) sum = (sum ^ byte) * 0x100000001B3;
-    return sum;
-}
-
-[[noreturn]] void fail(const std::string& problem) {
-    std::printf("FAILED: %s\n", problem.c_str());
-    std::fflush(stdout);
-    std::_Exit(1);
-}
 
 /// Of the processor, so that what else the host does is not counted.
 int64_t processor_ns() {
@@ -89,37 +59,13 @@ void connect() {
 
 // ---- what is run -------------------------------------------------------------------------------
 
-shared_bytes text(std::string_view characters) {
-    return shared_bytes(std::vector<uint8_t>(characters.begin(), characters.end()));
-}
-
-shared_bytes contents(const std::string& name) {
-    const auto bytes = read_whole_file(std::string(EXAMPLES "/") + name);
-    if (!bytes) fail(name + " cannot be read");
-    return shared_bytes(*bytes);
-}
-
-void type(std::string_view characters) {
-    machine_apply(event_kind::typing_trap);
-    machine_apply(event_kind::type_text, 0, 0, text(characters));
-}
+constexpr const char* BOOT_DISK = EXAMPLES "/bootdisk.dsk";
 
 /// What a user at the BASIC prompt does now and then.
 void go_on_with_session() {
-    static constexpr std::string_view typed[] = {
-        "\rPRINT 1\r",
-        "\r10 FOR I=1 TO 50:PRINT I,RND(100):NEXT\r\n20 GOTO 10\rRUN\r",
-        "\rCSAVE\"A\"\r",
-        "\rCLOAD\r",
-        "\r10 SOUND 7,56:SOUND 8,15\r\n20 SOUND 0,RND(200):GOTO 20\r\nRUN\r",
-        "\rLPRINT \"ABC\"\r",
-        "\r10 FGR:FCLS:FOR I=1 TO 30:FCOLOUR RND(4):CIRCLE 40,40,I:NEXT\r\n20 GOTO 10\r\nRUN\r",
-        "\rSAVE \"X\"\r",
-        "\rLOAD \"X\"\r",
-        "\rNEW\r\rLIST\r"};
     using enum event_kind;
     switch (below(24)) {
-    case 0: machine_apply(disk_in, int32_t(below(2)), 0, contents("bootdisk.dsk")); break;
+    case 0: machine_apply(disk_in, int32_t(below(2)), 0, shared_bytes(contents(BOOT_DISK))); break;
     case 1: machine_apply(tape_out); break;
     case 2: machine_apply(tape_rewind); break;
     case 3: machine_apply(printer, int32_t(below(2))); break;
@@ -134,20 +80,7 @@ void go_on_with_session() {
         break;
     case 7:
     case 8: machine_apply(reset); break;
-    default: type(typed[below(std::size(typed))]); break;
-    }
-}
-
-void start(const std::string& program) {
-    using enum event_kind;
-    if (program == "session" || program.ends_with(".dsk")) {
-        machine_apply(disk_in, 0, 0, contents("bootdisk.dsk"));
-        machine_apply(restart_with_disk_rom);
-    } else if (program.ends_with(".cmd")) {
-        machine_apply(load_module, 1, 0, contents(program));
-    } else {
-        machine_apply(typing_trap);
-        machine_apply(type_text, 0, 0, contents(program));
+    default: type_something(); break;
     }
 }
 
@@ -176,10 +109,10 @@ Moment present(bool keep) {
         keep_shown();
     }
     machine_save(now.whole);
-    now.state = hash_of(now.whole.records);
+    now.state = hash_of(now.whole.records.data(), now.whole.records.size());
     for (const shared_bytes& medium : now.whole.media)
-        now.state = hash_of(medium.view(), now.state);
-    now.picture = hash_of(host.shown);
+        now.state = hash_of(medium.view().data(), medium.view().size(), now.state);
+    now.picture = hash_of(host.shown.data(), host.shown.size());
     if (!keep) now.whole = {};
     return now;
 }
@@ -238,7 +171,7 @@ void visit(std::vector<Moment> moments, bool print) {
         const double ms = double(processor_ns() - begin) / 1e6;
         (moment.frame > last - HOUR ? young : old).push_back(ms);
         if (!trouble.empty()) fail("frame " + std::to_string(moment.frame) + ": " + trouble);
-        const uint64_t picture = hash_of(host.shown);
+        const uint64_t picture = hash_of(host.shown.data(), host.shown.size());
         const Moment again = present(true);
         std::string difference = again.state == moment.state ? "" : "another state";
         if (!moment.whole.records.empty()) {
@@ -263,7 +196,7 @@ void run_and_visit(const std::string& program, bool beam, int minutes, unsigned 
     const int64_t frames = int64_t(minutes) * 3000;
     std::vector<Moment> none;
     for (int frame = 0; frame < 300; ++frame) machine_run(); // to the prompt
-    start(program);
+    start_example(program == "session" ? BOOT_DISK : EXAMPLES "/" + program);
     history_start(host.settings);
     auto moments = random_moments(1, frames, count);
     const Costs costs = run(program, frames, moments);
@@ -317,12 +250,9 @@ int main(int argc, char** argv) {
     }
     if (programs.empty()) {
         programs.emplace_back("session");
-        for (const auto& entry : std::filesystem::directory_iterator(EXAMPLES)) {
-            const std::string kind = entry.path().extension();
-            if (kind != ".cmd" && kind != ".dsk" && kind != ".bas") continue;
-            programs.push_back(entry.path().filename());
+        for (const std::filesystem::path path : examples({".cmd", ".dsk", ".bas"})) {
+            programs.push_back(path.filename());
         }
-        std::sort(programs.begin() + 1, programs.end());
     }
     connect();
     machine_init();

@@ -17,14 +17,12 @@
 #include "cgenie/video.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"
-#include "core/machine_events.h"
 #include "core/machine_state.h"
 #include "core/pacing/run_ahead.h"
-#include "files/whole_file.h"
 #include "media/tape_audio.h"
 #include "media/traps.h"
 #include "media/wav_samples.h"
-#include "media/wd1771.h"
+#include "random_run.h"
 #include "sound/sound_core.h"
 #include "time/event_code.h"
 #include "time/event_feed.h"
@@ -33,35 +31,18 @@
 #include "wall/machine_host.h"
 #include "z80/z80.h"
 
-#include <algorithm>
+#include <array>
 #include <cstddef>
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
-#include <filesystem>
-#include <random>
 #include <span>
-#include <string>
-#include <string_view>
-#include <vector>
+#include <unistd.h>
 
 namespace {
-
-std::mt19937 generator;
-
-unsigned below(unsigned count) { return unsigned(generator() % count); }
-bool once_in(unsigned count) { return below(count) == 0; }
 
 shared_bytes random_bytes(size_t count) {
     std::vector<uint8_t> bytes(count);
     for (uint8_t& byte : bytes) byte = uint8_t(generator());
     return shared_bytes(std::move(bytes));
-}
-
-uint64_t hash_of(const void* data, size_t size, uint64_t sum = 0xCBF29CE484222325) {
-    const auto* bytes = static_cast<const uint8_t*>(data);
-    for (size_t n = 0; n < size; ++n) sum = (sum ^ bytes[n]) * 0x100000001B3;
-    return sum;
 }
 
 constexpr uint8_t RET = 0xC9;
@@ -70,15 +51,17 @@ constexpr uint8_t RET = 0xC9;
 
 enum frame_way : unsigned { PACED, UNPACED, STEPPED, THROUGH_BREAKPOINT };
 
+/// The beam may be caught up, and a picture shown, before or after a fragment of the same moment:
+/// each kind has its own order.
+enum output : size_t { PICTURES, SOUND, BYTES, OUTPUTS };
+
 struct Host {
     unsigned way = PACED;
     unsigned device = 0;      ///< what the sound device does with the decision
     unsigned write_fails = 0; ///< once in so many; 0 never
     bool rom_files = false;
     machine_input input;
-    /// Hashes of what was put out. The beam may be caught up, and a picture shown, before or after
-    /// a fragment of the same moment: each kind has its own order.
-    std::vector<uint64_t> pictures, fragments, bytes;
+    std::array<std::vector<uint64_t>, OUTPUTS> put_out; ///< hashes
 } host;
 
 int decide(int) {
@@ -95,16 +78,18 @@ void connect() {
     machine_host = machine_without_host();
     machine_host.fragment = [](const uint16_t* samples) {
         // With the moment that the output takes a decision by.
-        host.fragments.push_back(hash_of(samples, FRAGMENT_BYTES, sound_core.begun_at_frame_end));
+        host.put_out[SOUND].push_back(
+            hash_of(samples, FRAGMENT_BYTES, sound_core.begun_at_frame_end));
     };
     // The beam engine shows its own frames, the line engine's are drawn at their end.
     machine_host.frame = [](int) {
-        host.pictures.push_back(hash_of(frame_buffer, size_t(SCREEN_WIDTH) * SCREEN_HEIGHT,
-                                        hash_of(cgpalette, sizeof cgpalette)));
+        host.put_out[PICTURES].push_back(hash_of(frame_buffer, size_t(SCREEN_WIDTH) * SCREEN_HEIGHT,
+                                                 hash_of(cgpalette, sizeof cgpalette)));
     };
     machine_host.stale = palette_update;
     machine_host.lamp = [](int drive) {
-        host.bytes.push_back(uint64_t(drive) ^ hash_of(&lowe, offsetof(lowe_board, pixels)));
+        host.put_out[BYTES].push_back(uint64_t(drive) ^
+                                      hash_of(&lowe, offsetof(lowe_board, pixels)));
         if (g_bCycleBasedEngine) return;
         video_render_frame();
         machine_host.frame(1);
@@ -112,7 +97,7 @@ void connect() {
     machine_host.fragment_decision = decide;
     machine_host.write = [](output_stream stream, uint64_t position, const uint8_t* bytes,
                             size_t count) {
-        host.bytes.push_back(hash_of(bytes, count, position * 4 + uint64_t(stream)));
+        host.put_out[BYTES].push_back(hash_of(bytes, count, position * 4 + uint64_t(stream)));
         return host.write_fails && once_in(host.write_fails) ? 0 : 1;
     };
     machine_host.read_rom = [](rom_file, uint8_t* to, size_t size) {
@@ -139,11 +124,6 @@ void connect() {
 }
 
 // ---- what happens to the machine ---------------------------------------------------------------
-
-shared_bytes text(const char* characters) {
-    const std::string_view view = characters;
-    return shared_bytes(std::vector<uint8_t>(view.begin(), view.end()));
-}
 
 machine_input random_input() {
     machine_input input;
@@ -181,71 +161,49 @@ void change_configuration() {
 
 /// What a user, a menu or the host may do between two instructions.
 void do_something() {
-    static constexpr const char* typed[] = {"\r",
-                                            "PRINT 1\r",
-                                            "CSAVE\"A\"\r",
-                                            "CLOAD\r",
-                                            "10 SOUND 7,56:SOUND 8,15\r\n20 GOTO 10\r\nRUN\r",
-                                            "LPRINT \"ABC\"\r",
-                                            "FCLS:FCOLOUR 3:CIRCLE 40,40,20\r",
-                                            "SAVE \"X\"\r",
-                                            "LOAD \"X\"\r",
-                                            "SYSTEM\r\nA\r"};
     using enum event_kind;
+    static constexpr event_kind switches[] = {key_mapping,
+                                              clean_sound,
+                                              tape_motor,
+                                              tape_inversion,
+                                              event_kind::printer,
+                                              printer_file,
+                                              tape_out,
+                                              graphics_board,
+                                              start_sound,
+                                              reset_sound,
+                                              tape_traps,
+                                              key_reset,
+                                              event_kind::tape_rewind,
+                                              event_kind::tape_close_wav};
     const auto drive = int32_t(below(4));
     const auto flag = int32_t(below(2));
     switch (below(27)) {
     case 0:
-    case 1:
-        machine_apply(typing_trap);
-        machine_apply(type_text, 0, 0, text(typed[below(std::size(typed))]));
-        break;
-    case 2: machine_apply(key_mapping, flag); break;
-    case 3: machine_apply(clean_sound, flag); break;
-    case 4: machine_apply(tape_motor, flag); break;
-    case 5: machine_apply(event_kind::tape_rewind); break;
-    case 6: machine_apply(tape_level, int32_t(below(64))); break;
-    case 7: machine_apply(tape_inversion, flag); break;
-    case 8: machine_apply(event_kind::printer, flag); break;
-    case 9: machine_apply(printer_file, flag); break;
-    case 10: machine_apply(tape_in, 0, 0, random_bytes(1 + below(2000))); break;
-    case 11: machine_apply(tape_out); break;
-    case 12: machine_apply(tape_record_wav, 11025 << below(3)); break;
-    case 13: machine_apply(event_kind::tape_close_wav); break;
-    case 14: machine_apply(tape_play_wav, 0, 0, bytes_of(random_tape())); break;
-    case 15:
+    case 1: type_something(); break;
+    case 2: machine_apply(tape_level, int32_t(below(64))); break;
+    case 3: machine_apply(tape_in, 0, 0, random_bytes(1 + below(2000))); break;
+    case 4: machine_apply(tape_record_wav, 11025 << below(3)); break;
+    case 5: machine_apply(tape_play_wav, 0, 0, bytes_of(random_tape())); break;
+    case 6:
         machine_apply(disk_in, drive, flag, shared_bytes(std::vector<uint8_t>(102400, 0xE5)));
         break;
-    case 16: machine_apply(disk_out, drive); break;
-    case 17: machine_apply(disk_protect, drive, flag); break;
-    case 18: machine_apply(poke, int32_t(0x4400 + below(0x3000)), 0, random_bytes(40)); break;
-    case 19:
+    case 7: machine_apply(disk_out, drive); break;
+    case 8: machine_apply(disk_protect, drive, flag); break;
+    case 9: machine_apply(poke, int32_t(0x4400 + below(0x3000)), 0, random_bytes(40)); break;
+    case 10:
         if (once_in(4)) machine_apply(reset);
         break;
-    case 20:
+    case 11:
         if (once_in(8)) machine_apply(flag ? restart : restart_with_disk_rom);
         break;
-    case 21: change_configuration(); break;
-    case 22: machine_apply(flag ? start_sound : reset_sound); break;
-    case 23: machine_apply(flag ? tape_traps : key_reset); break;
-    case 24: machine_apply(graphics_board, flag); break;
-    default: host.input = random_input(); break;
+    case 12: change_configuration(); break;
+    case 13: host.input = random_input(); break;
+    default: machine_apply(switches[below(std::size(switches))], flag); break;
     }
 }
 
 // ---- runs --------------------------------------------------------------------------------------
-
-[[noreturn]] void fail(const std::string& problem) {
-    std::printf("FAILED: %s\n", problem.c_str());
-    std::fflush(stdout);
-    std::_Exit(1);
-}
-
-std::vector<uint8_t> contents(const std::string& path) {
-    const auto bytes = read_whole_file(path);
-    if (!bytes) fail(path + " cannot be read");
-    return *bytes;
-}
 
 /// What few programs use: the second registers, shown on the screen, frames of 256 to 280 lines,
 /// noise, and port B.
@@ -277,33 +235,14 @@ machine_state from_file(const machine_state& state) {
     return read;
 }
 
-/// Every program of the folder, the soak's workload, and BASIC alone.
-std::vector<std::string> programs() {
-    std::vector<std::string> found = {"", WORKLOAD};
-    for (const auto& entry : std::filesystem::directory_iterator(EXAMPLES)) {
-        const std::string kind = entry.path().extension();
-        if (kind == ".cmd" || kind == ".dsk") found.push_back(entry.path());
-    }
-    std::sort(found.begin() + 2, found.end());
-    return found;
-}
-
+/// An example, the soak's workload, what is seldom used, or BASIC alone.
 void start(const std::string& path) {
-    constexpr uint16_t WORKLOAD_ORIGIN = 0x5800;
-    using enum event_kind;
+    constexpr uint16_t ORIGIN = 0x5800;
     if (path.empty()) return;
-    if (path.ends_with(".dsk")) {
-        machine_apply(disk_in, 0, 0, shared_bytes(contents(path)));
-        machine_apply(restart_with_disk_rom);
-    } else if (path.ends_with(".cmd")) {
-        machine_apply(load_module, 1, 0, shared_bytes(contents(path)));
-    } else {
-        machine_apply(poke, WORKLOAD_ORIGIN, 0,
-                      shared_bytes(path == SELDOM_USED
-                                       ? std::vector(std::begin(SELDOM), std::end(SELDOM))
-                                       : contents(path)));
-        machine_apply(go_to, WORKLOAD_ORIGIN);
-    }
+    if (path != WORKLOAD && path != SELDOM_USED) return start_example(path);
+    const auto code = path == WORKLOAD ? contents(path) : std::vector(SELDOM, std::end(SELDOM));
+    machine_apply(event_kind::poke, ORIGIN, 0, shared_bytes(code));
+    machine_apply(event_kind::go_to, ORIGIN);
 }
 
 /// A WAV tape under way, that BASIC loads from or saves to.
@@ -313,12 +252,15 @@ void start_tape() {
     if (plays) machine_apply(tape_play_wav, 0, 0, bytes_of(random_tape()));
     if (!plays) machine_apply(tape_record_wav, 11025 << below(3));
     machine_apply(tape_motor, 1);
-    machine_apply(typing_trap);
-    machine_apply(type_text, 0, 0, text(plays ? "\r\nCLOAD\r" : "\r\nCSAVE\"A\"\r"));
+    type(plays ? "\r\nCLOAD\r" : "\r\nCSAVE\"A\"\r");
 }
 
 void run_frame() {
-    if (once_in(8)) look_ahead(1 + below(MOST_FRAMES_AHEAD), [] { video_render_frame(); });
+    if (once_in(8)) {
+        const auto breakpoint = z80_state.breakpoint_enabled;
+        look_ahead(1 + below(MOST_FRAMES_AHEAD), [] { video_render_frame(); });
+        if (z80_state.breakpoint_enabled != breakpoint) fail("a look ahead ends a breakpoint");
+    }
     const auto run = host.way == STEPPED ? machine_step : machine_run;
     for (int end = run(); end != MACHINE_FRAME; end = run()) {
         if (end != MACHINE_WAITS || !once_in(3)) continue;
@@ -339,13 +281,8 @@ void run_steps() {
 struct Parked {
     machine_state state = {};
     size_t event;
-    size_t pictures, fragments, bytes; ///< put out before it
+    std::array<size_t, OUTPUTS> put_out; ///< before it
 };
-
-bool same_behind(const std::vector<uint64_t>& all, size_t first,
-                 const std::vector<uint64_t>& again) {
-    return std::equal(all.begin() + ptrdiff_t(first), all.end(), again.begin(), again.end());
-}
 
 /// The log as it comes back from blocks of bytes.
 machine_log coded(const machine_log& log) {
@@ -363,25 +300,18 @@ machine_log coded(const machine_log& log) {
 
 void replay(const Parked& from, const machine_log& log, const machine_state& end,
             const Host& first_run) {
-    host.pictures.clear();
-    host.fragments.clear();
-    host.bytes.clear();
+    host.put_out = {};
     machine_load(from.state);
     std::string problem = machine_replay(log, from.event);
     machine_state again;
     machine_save(again);
     const std::string difference = machine_difference(end, again);
     if (!difference.empty()) problem += "; " + difference;
-    const struct {
-        const char* name;
-        bool same;
-    } outputs[] = {
-        {"pictures", same_behind(first_run.pictures, from.pictures, host.pictures)},
-        {"sound", same_behind(first_run.fragments, from.fragments, host.fragments)},
-        {"bytes put out", same_behind(first_run.bytes, from.bytes, host.bytes)},
-    };
-    for (const auto& [name, same] : outputs) {
-        if (!same) problem += std::string("; other ") + name;
+    constexpr const char* NAMES[] = {"pictures", "sound", "bytes put out"};
+    for (size_t n = 0; n < OUTPUTS; ++n) {
+        const auto expected = std::span(first_run.put_out[n]).subspan(from.put_out[n]);
+        if (!std::ranges::equal(expected, host.put_out[n]))
+            problem += std::string("; other ") + NAMES[n];
     }
     if (!problem.empty()) fail(problem);
 }
@@ -394,18 +324,20 @@ std::vector<uint8_t> park_for_file() {
     return {uint8_t(states.size() - 1)};
 }
 
+std::string load_for_file(std::span<const uint8_t> number) {
+    if (number[0] < states.size()) machine_load(states[number[0]]);
+    return "";
+}
+
 /// The whole run once more, from its file.
 void play(const std::string& path, const machine_state& end) {
     ReplayPlayer player;
-    const auto load = [](std::span<const uint8_t> number) {
-        machine_load(states.at(number[0]));
-        return std::string();
-    };
     const auto rom = [](const replay_rom& wanted) {
         return std::vector<uint8_t>(wanted.size, RET); // as the host reads them
     };
-    std::string problem = player.open(contents(path), {load, rom, {}, machine_host.read_tape});
-    if (problem.empty()) problem = load(player.start_state()) + player.begin();
+    std::string problem =
+        player.open(contents(path), {load_for_file, rom, {}, machine_host.read_tape});
+    if (problem.empty()) problem = load_for_file(player.start_state()) + player.begin();
     while (problem.empty() && player.is_on()) {
         if (player.run_frame() == ReplayStep::parted) problem = player.trouble();
     }
@@ -418,15 +350,11 @@ void play(const std::string& path, const machine_state& end) {
 /// Every byte of the file changed, and every end of it cut off: it is refused, or plays up to there
 /// and says so.
 void play_damaged(const std::vector<uint8_t>& whole) {
-    const auto load = [](std::span<const uint8_t> number) {
-        if (number[0] < states.size()) machine_load(states[number[0]]);
-        return std::string();
-    };
     const auto trouble = [&](std::vector<uint8_t> bytes, uint8_t change = 0) {
         ReplayPlayer player;
-        const std::string problem = player.open(std::move(bytes), {load, {}, {}, {}});
+        const std::string problem = player.open(std::move(bytes), {load_for_file, {}, {}, {}});
         if (!problem.empty()) return problem;
-        load(player.start_state());
+        load_for_file(player.start_state());
         z80_state.t_count += change;
         player.begin();
         while (player.is_on()) player.run_frame();
@@ -447,12 +375,11 @@ int run_and_replay(int frames) {
     constexpr size_t MOST_PARKED = 4;
     machine_log log;
     std::vector<Parked> parked;
-    host.pictures.clear();
-    host.fragments.clear();
-    host.bytes.clear();
+    host.put_out = {};
     states.clear();
     ReplayRecorder recorder;
-    const std::string path = std::filesystem::temp_directory_path() / "tarvelin-replays.tvr";
+    const std::string path = std::filesystem::temp_directory_path() /
+                             ("tarvelin-replays-" + std::to_string(getpid()) + ".tvr");
     if (!recorder.start(path, "", {park_for_file, [] { return replay_tape(); }})) fail(path);
     const int reader = event_feed_add([&log](std::span<const machine_event> events) {
         log.events.insert(log.events.end(), events.begin(), events.end());
@@ -464,13 +391,11 @@ int run_and_replay(int frames) {
             if (once_in(2)) do_something();
             if (parked.size() < MOST_PARKED) {
                 event_feed_frame();
-                parked.push_back({.event = log.events.size(),
-                                  .pictures = host.pictures.size(),
-                                  .fragments = host.fragments.size(),
-                                  .bytes = host.bytes.size()});
                 machine_state now;
                 machine_save(now);
-                parked.back().state = from_file(now);
+                parked.push_back({from_file(now), log.events.size(), {}});
+                for (size_t n = 0; n < OUTPUTS; ++n)
+                    parked.back().put_out[n] = host.put_out[n].size();
             }
         }
         run_frame();
@@ -489,6 +414,7 @@ int run_and_replay(int frames) {
         play_damaged(file);
         damaged = true;
     }
+    std::filesystem::remove(path);
     machine_load(end);
     return int(parked.size());
 }
@@ -507,7 +433,8 @@ int main(int argc, char** argv) {
     tape_init();
     machine_state power_on;
     machine_save(power_on);
-    const std::vector<std::string> all = programs();
+    std::vector<std::string> all = {"", WORKLOAD};
+    std::ranges::copy(examples({".cmd", ".dsk"}), std::back_inserter(all));
     int done = 0;
     for (unsigned run = 0; done < wanted; ++run) {
         generator.seed(seed * 100'000 + run);
