@@ -1,18 +1,15 @@
 // Run-ahead: what it gains, and that nothing else is different with it.
 
 #include "core/frame_driver.h"
-#include "core/machine_events.h"
 #include "core/machine_state.h"
 #include "core/pacing/pacing.h"
 #include "core/pacing/run_ahead.h"
-#include "host/commands.h"
 #include "host/menu.h"
 #include "host/shell.h"
 #include "program_run.h"
 #include "support/host_files.h"
 #include "support/paced_frames.h"
 #include "support/program_options.h"
-#include "z80/z80.h"
 
 #include <gtest/gtest.h>
 
@@ -108,37 +105,6 @@ TEST_F(RunAhead, ShowsWhatAKeyDoesInTheNextPicture) {
             EXPECT_EQ(latest, c.answers[frames_ahead])
                 << c.name << (c.beam ? ", beam, " : ", ") << frames_ahead << " ahead:" << found;
         }
-        emu_close();
-    }
-}
-
-TEST_F(RunAhead, LeavesNoTrace) {
-    for (const bool beam : {false, true}) {
-        start("", beam, 200);
-        machine_state before, end[2];
-        std::string seen[2];
-        machine_save(before);
-        for (const bool ahead : {false, true}) {
-            machine_load(before);
-            frames_ahead = ahead ? MOST_FRAMES_AHEAD : 0;
-            host->dialogs().choices = {FileChoice{"saved.cas"}};
-            const std::string keys = "\r\n10 PRINT 1\r\nCSAVE\"A\"\r\nPRINT 1\r\n";
-            machine_apply(event_kind::typing_trap);
-            machine_apply(event_kind::type_text, 0, 0,
-                          shared_bytes(std::vector<uint8_t>(keys.begin(), keys.end())));
-            for (int frame = 0; frame < 200; ++frame) run_paced_frame();
-            z80_cpu_set_breakpoint(0x2B);
-            for (int frame = 0; frame < 20 && !g_bDebug; ++frame) run_paced_frame();
-            EXPECT_EQ(z80_state.pc, 0x2B);
-            machine_save(end[ahead]);
-            seen[ahead] = read_text("saved.cas") + host->status_text(2) + host->status_text(3);
-            std::filesystem::remove("saved.cas");
-            handle_command(COMMAND_MONITOR);
-            z80_cpu_set_breakpoint(0x2B);
-        }
-        EXPECT_EQ(machine_difference(end[0], end[1]), "");
-        EXPECT_EQ(seen[0], seen[1]);
-        EXPECT_EQ(host->dialogs().file_dialogs.size(), 2) << "each run asks once";
         emu_close();
     }
 }
