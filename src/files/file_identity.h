@@ -17,7 +17,8 @@ FileIdentity file_identity(const std::string& path);
 /// The path without links and "..", or as it is when it leads nowhere.
 std::string canonical_path(const std::string& path);
 
-/// The path in absolute form, so that it holds wherever the next run starts; empty for an empty one.
+/// The path in absolute form, so that it holds wherever the next run starts; empty for an empty
+/// one.
 std::string lasting_path(const std::string& path);
 
 /// Tells one run of bytes from another. Quick, and no protection against someone who means harm.
