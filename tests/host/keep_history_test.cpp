@@ -26,9 +26,7 @@ class KeepHistoryTest : public WholeProgramTest {
 protected:
     static machine_state now() {
         if (!g_bCycleBasedEngine) video_render_frame();
-        machine_state state;
-        machine_save(state);
-        return state;
+        return saved_machine();
     }
     static void frames(int count) {
         for (; count > 0; --count) {
@@ -45,8 +43,7 @@ protected:
         std::string all;
         for (const auto& entry : std::filesystem::recursive_directory_iterator(".")) {
             if (!entry.is_regular_file()) continue;
-            const auto bytes = read_file(entry.path());
-            all += entry.path().string() + ": " + std::string(bytes.begin(), bytes.end()) + "\n";
+            all += entry.path().string() + ": " + read_text(entry.path()) + "\n";
         }
         return all;
     }

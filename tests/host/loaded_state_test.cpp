@@ -30,10 +30,6 @@ protected:
                kept_messages().back().line.find(text) != std::string::npos;
     }
     static std::string text_of(int drive) { return menu_item_text(COMMAND_ATTACH_DISK + drive); }
-    static std::string content(const std::string& path) {
-        const auto bytes = read_file(path);
-        return {bytes.begin(), bytes.end()};
-    }
     static void save_to_tape(const char* text) {
         for (; *text; ++text) tape_write_one_byte(uint8_t(*text));
     }
@@ -63,7 +59,7 @@ TEST_F(LoadedStateTest, ChangesNoSetting) {
         run_paced_frame();
         EXPECT_EQ(g_bCycleBasedEngine, loads) << "it goes on as it was";
         emu_close();
-        settings[loads] = content(SETTINGS);
+        settings[loads] = read_text(SETTINGS);
     }
     EXPECT_EQ(settings[0], settings[1]);
     EXPECT_NE(settings[0].find("HiResLowe = 1"), std::string::npos);
@@ -77,7 +73,7 @@ TEST_F(LoadedStateTest, ChangesNoSetting) {
     });
     command(COMMAND_CONFIGURATION);
     emu_close();
-    EXPECT_NE(content(SETTINGS).find("CustomCpuClockFreq = 1000000"), std::string::npos);
+    EXPECT_NE(read_text(SETTINGS).find("CustomCpuClockFreq = 1000000"), std::string::npos);
 }
 
 TEST_F(LoadedStateTest, DrivesHaveItsFiles) {
@@ -137,11 +133,11 @@ TEST_F(LoadedStateTest, NothingIsWrittenOverWhatATapeHolds) {
     const parked_state early = park_machine();
     unpark_machine(early);
     save_to_tape("DE");
-    EXPECT_EQ(content("a.cas"), "ABCDE") << "it was the present";
+    EXPECT_EQ(read_text("a.cas"), "ABCDE") << "it was the present";
     unpark_machine(early);
     EXPECT_EQ(tape_get_cas_name(), std::filesystem::absolute("a.cas"));
     save_to_tape("xy");
-    EXPECT_EQ(content("a.cas") + content("data/rescue/a.cas"), "ABCDEABCxy");
+    EXPECT_EQ(read_text("a.cas") + read_text("data/rescue/a.cas"), "ABCDEABCxy");
     EXPECT_TRUE(was_told("goes on in data/rescue/a.cas"));
     emu_close();
 }
@@ -172,27 +168,22 @@ TEST_F(LoadedStateTest, AWavTapeIsTakenOutWhenItIsNotTheSame) {
 }
 
 TEST_F(LoadedStateTest, AStateFileAsksForWhatIsMissing) {
-    const auto state = [] {
-        machine_state now;
-        machine_save(now);
-        return now;
-    };
     emu_close();
     write_text("a.dsk", std::string(102400, '\x14'));
     start({"--save-state", "end.tvs", "/i", "a.dsk"});
-    for (int frame = 0; frame < 30; ++frame) run_paced_frame();
-    const machine_state end = state();
+    run_frames(30);
+    const machine_state end = saved_machine();
     emu_close();
     std::filesystem::rename("a.dsk", "moved.dsk");
     start({"--load-state", "end.tvs"});
     EXPECT_EQ(host->dialogs().file_dialogs.back().title, "The state needs: a.dsk");
-    EXPECT_FALSE(machine_equal(end, state())) << "the dialog was cancelled";
+    EXPECT_FALSE(machine_equal(end, saved_machine())) << "the dialog was cancelled";
     const std::string why = "end.tvs cannot be loaded: it needs " +
                             std::filesystem::absolute("a.dsk").string() + " as it was then";
     EXPECT_TRUE(was_told(why.c_str()));
     for (const char* wrong : {"end.tvs", "moved.dsk"}) host->dialogs().choices.push_back({{wrong}});
     autostart_file("end.tvs");
-    EXPECT_EQ(machine_difference(end, state()), "wd1771.disks[30]: 00 and 01")
+    EXPECT_EQ(machine_difference(end, saved_machine()), "wd1771.disks[30]: 00 and 01")
         << "modified: it is in no file";
     write_text("end.tvs", "Tarvelin state\n\x1A");
     autostart_file("end.tvs");

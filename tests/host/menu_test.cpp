@@ -136,25 +136,6 @@ TEST_F(MenuTest, WindowGetsTheWholeMenuAtItsStart) {
     EXPECT_EQ(menu_item_text(COMMAND_ATTACH_DISK), "Drive :&0 - <no disk>");
 }
 
-/// The access keys that come more than once in a menu, "-" for an item without one; submenus first.
-std::string collisions(const std::vector<MenuEntry>& entries) {
-    std::string keys, found, below;
-    for (const MenuEntry& entry : entries) {
-        if (entry.text.empty()) continue;
-        const size_t mark = entry.text.find('&') + 1; // 0: there is none
-        const char key = mark ? char(tolower(entry.text[mark])) : '-';
-        if (!mark || keys.find(key) != std::string::npos) found += key;
-        keys += key;
-        if (!entry.children.empty()) below += collisions(entry.children) + " ";
-    }
-    return below + found;
-}
-
-TEST_F(MenuTest, NewItemsHaveAccessKeysOfTheirOwn) {
-    // In labels that stay as they are: media snapshots, File, Tape, Options.
-    EXPECT_EQ(collisions(main_menu()), "  -v m   c  sd-  ");
-}
-
 TEST_F(MenuTest, AcceleratorsNeedTheirModifiersExactly) {
     constexpr uint8_t ALT = MODIFIER_ALT;
     const struct {

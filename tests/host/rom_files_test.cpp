@@ -1,7 +1,6 @@
 #include "host/rom_files.h"
 
 #include "cgenie/firmware_images.h"
-#include "cgenie/memory/memory.h"
 #include "host/messages.h"
 #include "support/host_files.h"
 
@@ -46,12 +45,4 @@ TEST_F(RomFiles, TheFileThatTheSettingNamesIsReadAsFarAsItGoes) {
     }
 }
 
-TEST_F(RomFiles, DumpIsTheWholeAddressSpace) {
-    const Bytes image = pattern(65536);
-    std::ranges::copy(image, memory);
-    write_file("memdump.bin", Bytes(70000, 1)); // an older file gives way
-    mem_dump();
-    EXPECT_EQ(read_file("memdump.bin"), image);
-    EXPECT_EQ(save_binary("no/such/folder", memory, 16), 0);
-}
 } // namespace

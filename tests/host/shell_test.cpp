@@ -26,11 +26,6 @@ protected:
         store.open();
         return store.number(name);
     }
-    void store_number(const char* name, uint32_t value) {
-        SettingsFile store(SETTINGS);
-        store.open();
-        store.set_number(name, value);
-    }
 };
 
 TEST_F(ShellTest, SettingsAreReadAndWrittenInTheirOrder) {
@@ -70,11 +65,7 @@ TEST_F(ShellTest, SettingsAreReadAndWrittenInTheirOrder) {
 }
 
 TEST_F(ShellTest, TheTapeOfTheLastRunIsOnlyAName) {
-    {
-        SettingsFile store(SETTINGS);
-        store.open();
-        store.set_text("Tape", "game.cas");
-    }
+    write_text(SETTINGS, "Tape = 'game.cas'\n");
     std::ofstream("game.cas") << "x";
     for (const char* kept : {"game.cas", ""}) {
         start();
@@ -89,11 +80,7 @@ TEST_F(ShellTest, TheTapeOfTheLastRunIsOnlyAName) {
 }
 
 TEST_F(ShellTest, DisksThatAreMissingAreToldTogetherAndRemembered) {
-    {
-        SettingsFile store(SETTINGS);
-        store.open();
-        for (const char* disk : {"Disk1", "Disk2", "Disk3"}) store.set_text(disk, "/gone/a.dsk");
-    }
+    write_text(SETTINGS, "Disk1 = '/gone/a.dsk'\nDisk2 = '/gone/a.dsk'\nDisk3 = '/gone/a.dsk'\n");
     std::ofstream("ok.dsk") << std::string(89600, '\0');
     hold_message_boxes();
     start();
@@ -121,7 +108,9 @@ TEST_F(ShellTest, BadValuesAreCorrected) {
                  {"CustomPalette", 7, 1},   {"CustomCpuClockFreq", 49'999, 2'216'750},
                  {"Saturation", 101, 100},  {"Contrast", 0xFFFFFFFF, 100},
                  {"HistoryLimit", 1, 10}};
-    for (const auto& [name, read, used] : cases) store_number(name, read);
+    std::string settings;
+    for (const auto& c : cases) settings += c.name + (" = " + std::to_string(c.read)) + "\n";
+    write_text(SETTINGS, settings);
     start();
     EXPECT_EQ(stored("SoundLatency"), 30U) << "at once";
     EXPECT_EQ(active_machine_cfg, 0U);
@@ -131,13 +120,9 @@ TEST_F(ShellTest, BadValuesAreCorrected) {
 }
 
 TEST_F(ShellTest, StoredOptionsReachTheProgram) {
-    for (const char* name : {"GiantScreen", "KeyMapping", "EnablePrinter", "RunInBackground",
-                             "SaveVideoRamWithScreenShots", "VideoPage", "CleanSound"}) {
-        store_number(name, 1);
-    }
-    store_number("DoubleScan", 0);
-    store_number("ActiveConfig", 2);
-    store_number("CompositeBlur", 66);
+    write_text(SETTINGS, "GiantScreen = 1\nKeyMapping = 1\nEnablePrinter = 1\n"
+                         "RunInBackground = 1\nSaveVideoRamWithScreenShots = 1\nVideoPage = 1\n"
+                         "CleanSound = 1\nDoubleScan = 0\nActiveConfig = 2\nCompositeBlur = 66\n");
     start();
     const struct {
         int item;
@@ -175,7 +160,7 @@ TEST_F(ShellTest, ActivationRule) {
 TEST_F(ShellTest, HaltedTimeIsNotCaughtUp) {
     start();
     const int64_t frame = frame_budget();
-    for (int n = 0; n < 10; ++n) run_paced_frame();
+    run_frames(10);
     const int64_t cycles = z80_state.t_count;
     const int64_t slept = host->slept_ms();
     EXPECT_EQ(slept, 161) << "the tenth frame began at 180 ms less one frame's lead";
@@ -184,7 +169,7 @@ TEST_F(ShellTest, HaltedTimeIsNotCaughtUp) {
     EXPECT_EQ(shell_turn().next, ShellTurn::Next::on_event);
     EXPECT_EQ(z80_state.t_count, cycles);
     send(Event::Kind::activate, 1);
-    for (int n = 0; n < 10; ++n) run_paced_frame();
+    run_frames(10);
     EXPECT_NEAR(double(z80_state.t_count - cycles), double(10 * frame), 40);
     EXPECT_EQ(host->slept_ms() - slept, 161) << "no burst after a minute";
     emu_close();

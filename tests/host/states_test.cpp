@@ -34,9 +34,6 @@ protected:
         memory[PLACE] = uint8_t(value);
         command(COMMAND_SAVE_SLOT);
     }
-    static void run_frames(int count) {
-        while (count-- > 0) run_paced_frame();
-    }
     void turns(int count) {
         while (count-- > 0) host->events().wait(shell_turn().microseconds);
     }

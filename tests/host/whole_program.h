@@ -1,6 +1,7 @@
 #pragma once
 /// The whole program, with its settings in a file.
 
+#include "core/machine_state.h"
 #include "host/dialogs/hold.h"
 #include "host/menu.h"
 #include "host/shell.h"
@@ -36,6 +37,14 @@ protected:
     /// Turns until nothing holds the shell any more; runs no frame.
     void turn_until_free() {
         while (shell_is_held()) host->events().wait(shell_turn().microseconds);
+    }
+    static void run_frames(int count) {
+        while (count-- > 0) run_paced_frame();
+    }
+    static machine_state saved_machine() {
+        machine_state state;
+        machine_save(state);
+        return state;
     }
     /// With the user's answers.
     void emu_close() {
