@@ -10,6 +10,9 @@
 #include "time/replay_file.h"
 #include "z80/z80.h"
 
+#include <algorithm>
+#include <tuple>
+
 namespace {
 
 void read_file(Input input) {
@@ -46,13 +49,11 @@ void replay_events(Input input) {
     if (!events_from_bytes(input.rest(), events).empty()) return;
     std::vector<machine_event> again;
     require(events_from_bytes(events_to_bytes(events), again).empty(), "what was read is written");
-    require(again.size() == events.size(), "all of it");
-    for (size_t n = 0; n < events.size(); ++n) {
-        const machine_event &a = events[n], &b = again[n];
-        require(a.kind == b.kind && a.a == b.a && a.b == b.b && a.bytes == b.bytes &&
-                    a.cycle == b.cycle,
-                "each as it was");
-    }
+    const auto same = [](const machine_event& a, const machine_event& b) {
+        return std::tie(a.kind, a.a, a.b, a.cycle) == std::tie(b.kind, b.a, b.b, b.cycle) &&
+               a.bytes == b.bytes;
+    };
+    require(std::ranges::equal(events, again, same), "each as it was");
     fresh_machine();
     program_standard_picture();
     for (const machine_event& event : events) let_happen(event);

@@ -1,7 +1,6 @@
 #include "core/frame_driver.h"
 
 #include "cgenie/crtc.h"
-#include "cgenie/input.h"
 #include "cgenie/memory/memory.h"
 #include "core/machine.h"
 #include "core/pacing/pacing.h"
@@ -9,12 +8,10 @@
 #include "platform/headless/headless.h"
 #include "support/fake_host.h"
 #include "support/paced_frames.h"
-#include "wall/machine_host.h"
 #include "z80/z80.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cstdint>
 #include <optional>
 
@@ -88,36 +85,6 @@ TEST_F(FrameDriver, BudgetIsClockByFrequencyAndOvershootIsCarried) {
     }
 }
 
-TEST_F(FrameDriver, AFrameLooksAtTheInputOnce) {
-    constexpr uint8_t READ_ROWS[] = {0x3A, 0x01, 0xF8, 0x32, 0x00, 0x50, 0x18, 0xF8};
-    std::ranges::copy(READ_ROWS, memory + 0x4000); // LD A,(F801), LD (5000),A
-    static int looks;
-    looks = 0;
-    machine_host.read_input = [](machine_input& input) { input.symbolic[0][0] = uint8_t(++looks); };
-    for (int frame = 1; frame <= 3; ++frame) {
-        machine_run();
-        EXPECT_EQ(memory[0x5000], frame) << "the first look of the frame, to its end";
-    }
-    EXPECT_EQ(mem_read(0xF801), 4) << "between frames each read looks";
-    EXPECT_EQ(mem_read(0xF801), 5);
-    machine_step();
-    EXPECT_EQ(mem_read(0xF801), 6);
-    EXPECT_EQ(mem_read(0xF801), 6) << "in the middle of one";
-    machine_host.read_input = machine_without_host().read_input;
-    machine_run();
-}
-
-TEST_F(FrameDriver, BeamEngineCarriesNothing) {
-    leftover = -9;
-    g_bCycleBasedEngine = true;
-    for (int64_t frame = 1; frame <= 20; ++frame) {
-        machine_run();
-        ASSERT_EQ(z80_state.t_count, frame * 44338) << "3167 loops in every frame";
-    }
-    EXPECT_EQ(leftover, -9);
-    EXPECT_EQ(crtc.frame_counter, 0u) << "the blank comes from the beam";
-}
-
 TEST_F(FrameDriver, ScreenshotFiresOnceAtTheFirstFrameEndThatReachesIt) {
     struct {
         int64_t start, event; ///< cycles; frames end at start + 44338 and start + 88676
@@ -165,19 +132,6 @@ TEST_F(FrameDriver, UnpacedFramesAreShownWhereThereIsACanvas) {
     EXPECT_EQ(fake_host.frames_told, 5);
     EXPECT_EQ(z80_state.t_count, next_multiple(5 * 44335, LOOP));
     EXPECT_EQ(host->slept_ms(), 0);
-}
-
-TEST_F(FrameDriver, StaysLessThanOneFrameAheadOfRealTime) {
-    // Before frame n + 1 the emulation stands at 20 n ms; it sleeps until less than 20 ms remain.
-    const int64_t slept[] = {0, 1, 21, 41, 61};
-    for (const int64_t expected : slept) {
-        step(1, 0);
-        EXPECT_EQ(host->slept_ms(), expected);
-    }
-    step(100, 5 * MS); // the frame's own time counts
-    EXPECT_EQ(host->slept_ms(), 61 + 100 * 15);
-    EXPECT_EQ(fake_host.screen_updates, 104)
-        << "a display of 60 Hz shows all of 50, but for the second that comes 1 ms after the first";
 }
 
 TEST_F(FrameDriver, SpeedReport) {

@@ -117,21 +117,6 @@ TEST_F(SoundOutputTest, FragmentsGoRoundTheRing) {
     EXPECT_EQ(at(0), 961 % 256) << "and not beyond";
 }
 
-TEST_F(SoundOutputTest, PositionFollowsTheClockWhileItPlays) {
-    ASSERT_EQ(dsound_init(SOUND_RATE), 1);
-    EXPECT_EQ(dsound_get_current_position(), 0);
-    host.advance_ns(20'000'000);
-    EXPECT_EQ(dsound_get_current_position(), 1920);
-    sound_pause();
-    host.advance_ns(500'000'000);
-    EXPECT_EQ(dsound_get_current_position(), 1920) << "stands still while paused";
-    sound_resume();
-    host.advance_ns(36'000'000'000'000 + 990'000'000); // ten hours
-    EXPECT_EQ(dsound_get_current_position(), (1920 + 95040) % 96000);
-    EXPECT_EQ(audio().plays, 2);
-    EXPECT_EQ(audio().stops, 1);
-}
-
 TEST_F(SoundOutputTest, LostDeviceComesBackWithAReset) {
     ASSERT_EQ(dsound_init(SOUND_RATE), 1);
     audio().lost = true;
