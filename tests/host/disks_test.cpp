@@ -283,7 +283,6 @@ protected:
         main_disk_offer_journals();
         turn_until_free();
     }
-    void TearDown() override { DisksTest::TearDown(); }
     static std::filesystem::path journal() {
         for (const auto& entry : std::filesystem::directory_iterator("data/journal")) return entry;
         return {};

@@ -3,7 +3,6 @@
 #include "cgenie/video.h"
 #include "core/frame_driver.h"
 #include "core/machine_events.h"
-#include "core/machine_state.h"
 #include "host/commands.h"
 #include "host/dialogs/compression_dialog.h"
 #include "host/disks.h"

@@ -1,6 +1,5 @@
 #include "host/rom_files.h"
 
-#include "cgenie/firmware_images.h"
 #include "host/messages.h"
 #include "support/host_files.h"
 

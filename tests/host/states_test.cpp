@@ -3,8 +3,6 @@
 #include "host/states.h"
 
 #include "cgenie/memory/memory.h"
-#include "core/machine_state.h"
-#include "core/pacing/pacing.h"
 #include "host/disks.h"
 #include "host/resume.h"
 #include "host/state_files.h"

@@ -125,7 +125,12 @@ std::vector<Stop> TourTest::stops() {
              expect_mark(108, true);
          },
          true},
-        {109, [] { memory[0x9000] = 0x55; }, [] { EXPECT_EQ(memory[0x9000] + z80_state.pc, 0); }},
+        {109,
+         [] {
+             keyboard_open_from_buffer("RUN");
+             memory[0x9000] = 0x55;
+         },
+         [] { EXPECT_EQ(memory[0x9000] + z80_state.pc + next_typed(), 0); }},
         {110, with_cmd, cmd_runs},
         {111, with_listing, [] { EXPECT_EQ(next_typed(), '1'); }},
         {112, [] { last_file_name = "tour"; }, [] { EXPECT_TRUE(fs::exists("tour0000.gif")); }},

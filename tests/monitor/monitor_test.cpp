@@ -203,7 +203,6 @@ TEST_F(Monitor, DialogForTheBreakpoint) {
     } cases[] = {{"60", nullptr, 0x60},
                  {"12345", nullptr, 0x1234},
                  {"AbCd", nullptr, 0xABCD},
-                 {"AbCd", nullptr, 0xABCD},
                  {"zz", "0", 0},
                  {"", "fFfF", 0xFFFF},
                  {"0x6", "6", 6},
