@@ -10,8 +10,6 @@
 #include "z80/z80.h"
 
 namespace {
-using Bytes = std::vector<uint8_t>;
-
 constexpr uint16_t NOT_STARTED = 0x1234;
 
 /// A module that puts `mark` at 9000 and starts at 9100 + mark.
@@ -102,20 +100,6 @@ TEST_F(CommandLineTest, ProgramsAreOnlyLoadedBehindTheSwitchForThat) {
     }
     run({"/b", "one.cmd", "/a"});
     EXPECT_EQ(z80_state.pc, 0x9101) << "too late";
-}
-
-TEST_F(CommandLineTest, SnapshotsSetMemoryAndRegisters) {
-    Bytes snapshot(49702);
-    snapshot[4 + 2 * 8] = 0x21; // program counter, the ninth register word
-    snapshot[4 + 2 * 8 + 1] = 0x43;
-    snapshot[38 + 0x5000] = 0x99; // RAM from 4000
-    write_file("state.JZS", snapshot);
-    for (const Arguments& arguments : {Arguments{"state.JZS"}, {"/a", "state.JZS"}}) {
-        run(arguments);
-        EXPECT_EQ(memory[0x9000], 0x99);
-        EXPECT_EQ(z80_state.pc, 0x4321);
-        EXPECT_EQ(last_file_name, "state");
-    }
 }
 
 TEST_F(CommandLineTest, ModelsAreAppliedAndNotMadeActive) {
