@@ -11,7 +11,6 @@
 namespace {
 
 using Words = std::vector<std::string>;
-const std::string COLOURS = EXAMPLES_DIR "/colours.cmd";
 
 const std::string NO_JOYSTICKS =
     "No joystick driver found.\nNumber of joysticks found: 0\nNo joysticks are plugged.\n";
@@ -82,21 +81,6 @@ TEST_F(ProgramTest, PrintsRegistersAndDisassemblyAfterTheRun) {
     EXPECT_NE(result.output.find(",IP:5001,R:"), std::string::npos) << result.output;
     EXPECT_TRUE(result.output.ends_with(" FFFE FF          rst 38h\n FFFF FF          rst 38h\n"));
     EXPECT_NE(result.output.find("\nTCOUNT:00000000000000000"), std::string::npos);
-}
-
-TEST_F(ProgramTest, WritesTheSamePictureInEveryRun) {
-    std::filesystem::copy_file(COLOURS, folder_ / "colours.cmd");
-    const Words runs[] = {{"/w", "/s", "1", "/t", "2", "colours.cmd"},
-                          {"/w", "/s", "1", "/t", "2", "colours.cmd"},
-                          {"/s", "1", "/t", "2", "colours.cmd"}}; // paced by virtual time
-    for (int n = 0; n < 3; ++n) {
-        ASSERT_EQ(run(runs[n]).exit_code, 0);
-        const std::string file = "colours000" + std::to_string(n) + ".gif";
-        EXPECT_EQ(picture(file).pixels.size(), 384U * 288U) << file;
-        EXPECT_EQ(read_text(folder_ / file), read_text(folder_ / "colours0000.gif")) << file;
-    }
-    ASSERT_EQ(run({"/s", "1", "/t", "1", "colours.cmd"}).exit_code, 0);
-    EXPECT_FALSE(std::filesystem::exists(folder_ / "colours0003.gif")) << "the end comes first";
 }
 
 TEST_F(ProgramTest, AScreenshotThatCannotBeWrittenIsAnError) {
