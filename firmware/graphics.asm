@@ -1,11 +1,8 @@
-; 3852: the graphics screen, and the switch between it and the text screen.
+; The graphics screen, and the switch between it and the text screen.
 ;
 ; The graphics screen lies at 4800, 40 bytes a line, four pixels of two bits in a byte, the left
 ; one in bits 7 and 6. A line of it is two scan lines high, and the controller takes it for a row
 ; of characters two lines high.
-
-        fill_to 3852h
-        JR fill_graphics
 
 ; Controller registers R0 to R13 of both screens: the same scan line of 64 us, 40 columns, and the
 ; vertical sync on the same line (240), which gives both pictures the same upper border.
@@ -56,10 +53,6 @@ colour_pattern:
         ADD A,A
         OR B
         RET
-
-        fill_to 38A9h
-        JR show_graphics
-        JR show_text            ; 38AC
 
 ; Shows the graphics screen.
 ; Uses: AF, C, DE

@@ -32,60 +32,67 @@ DEFAULT_COLOUR  EQU 0
 
         ORG 0000h
         INCLUDE vectors.asm
-        INCLUDE words_keys.asm
+        INCLUDE words_screen.asm
+        INCLUDE lineio.asm
 
         fill_to 01C9h
         JP clear_text_screen
-        INCLUDE disk_search.asm
+        INCLUDE printer.asm
 
 ; 01ED-0280: cassette. An emulator may put traps at 01EE, 01FB, 0221, 023F and 0264, so nothing
 ; else may live here.
         INCLUDE cassette.asm
+        INCLUDE words_keys.asm
+        INCLUDE variables.asm
+        INCLUDE control_lines.asm
+        INCLUDE math_functions.asm
 
-        INCLUDE strings_functions.asm
-        INCLUDE tokens.asm
-        INCLUDE math_core.asm
-        INCLUDE math_arithmetic.asm
         INCLUDE entries.asm
-        INCLUDE control_input.asm
-        INCLUDE words_graphics.asm
+        INCLUDE strings_functions.asm
+        INCLUDE math_core.asm
         INCLUDE print_using.asm
-        INCLUDE start.asm
-        INCLUDE math_double.asm
         INCLUDE tape_commands.asm
         INCLUDE math_text.asm
-        INCLUDE strings.asm
         INCLUDE screen.asm
+        INCLUDE math_print.asm
+        INCLUDE words_paint.asm
+        INCLUDE graphics.asm
+        INCLUDE math_extended.asm
 
         fill_to 1A19h
         JP ready
+        INCLUDE math_arithmetic.asm
+        INCLUDE start.asm
+        INCLUDE strings.asm
         INCLUDE math_circle.asm
-        INCLUDE variables.asm
-        INCLUDE math_single.asm
         INCLUDE expr_eval.asm
-        INCLUDE control_lines.asm
-        INCLUDE math_print.asm
+        INCLUDE control_edit.asm
+        INCLUDE control_run.asm
 
         fill_to 28A7h
         JP print_text
+        INCLUDE control_input.asm
+        INCLUDE math_double.asm
         INCLUDE print.asm
         INCLUDE keyboard.asm
-        INCLUDE words_table.asm
         INCLUDE control_list.asm
-        INCLUDE words_paint.asm
-        INCLUDE printer.asm
-        INCLUDE control_edit.asm
         INCLUDE control_errors.asm
         INCLUDE math_using.asm
         INCLUDE expr_assign.asm
-        INCLUDE words_screen.asm
-        INCLUDE lineio.asm
         INCLUDE control_renum.asm
         INCLUDE words_sound.asm
         INCLUDE control_loops.asm
         INCLUDE expr_functions.asm
-        INCLUDE graphics.asm
-        INCLUDE math_extended.asm
-        INCLUDE math_functions.asm
-        INCLUDE control_run.asm
+
+        fill_to 3852h
+        JP fill_graphics
+        INCLUDE disk_search.asm
+        INCLUDE words_table.asm
+
+        fill_to 38A9h
+        JP show_graphics
+        JP show_text            ; 38AC
+        INCLUDE tokens.asm
+        INCLUDE words_graphics.asm
+        INCLUDE math_single.asm
         fill_to 4000h
