@@ -28,6 +28,7 @@ DEFAULT_COLOUR  EQU 0
         INCLUDE token_codes.asm
         INCLUDE control_cells.asm
         INCLUDE expr_cells.asm
+        INCLUDE math_cells.asm
         INCLUDE words_cells.asm
 
         ORG 0000h

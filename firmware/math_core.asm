@@ -1,25 +1,5 @@
-; Numbers: cells, moves, types, whole numbers. A single is worked on as C:HL (mantissa with its
+; Numbers: moves, types, whole numbers. A single is worked on as C:HL (mantissa with its
 ; leading 1), B exponent, A the 8 bits below the mantissa, SIGN bit 7.
-
-ACC_BELOW       EQU 411Bh       ; scratch; while a number becomes text: exponent of its first digit
-ACC_GUARD       EQU 411Ch       ; 8 bits below a double
-ACC_LOW         EQU 411Dh
-ACC_HIGH        EQU 4123h
-ACC_EXPONENT    EQU 4124h
-SIGN            EQU 4125h       ; bit 7: sign of what is worked on
-LEFT_GUARD      EQU 4126h
-LEFT            EQU 4127h
-LEFT_SINGLE     EQU 412Bh
-LEFT_HIGH       EQU 412Dh
-LEFT_EXPONENT   EQU 412Eh
-LEFT_TYPE       EQU 412Fh
-NUMBER_TEXT     EQU 4130h
-WIDE            EQU 4310h       ; ten bytes for products, quotients and decimal scaling
-WIDE_TOP        EQU WIDE + 9
-WIDE_POINT      EQU WIDE + 10   ; bytes before the binary point
-WIDE_FIRST      EQU WIDE + 11   ; low byte of the address of the lowest byte in use
-
-BIAS            EQU 128
 
 ; Copies the value at HL of NUMBER_TYPE into the accumulator; a string's is its address.
 ; Uses: AF, BC, DE, HL

@@ -1,9 +1,6 @@
 ; Text to number and back. The number stands as WIDE (ten bytes, lowest first) with WIDE_POINT of
 ; them, counted from the top, before the point. Singles use the upper seven bytes only.
 
-FIRST_EXPONENT  EQU ACC_BELOW   ; power of ten of the first digit
-DIGITS_VALID    EQU ACC_GUARD   ; digits that count; those behind are 0
-DIGITS          EQU LEFT_GUARD  ; nine bytes, two digits each, the first on top
 SINGLE_DIGITS   EQU 6
 DOUBLE_DIGITS   EQU 16
 SINGLE_WORK     EQU 8           ; digits made before they are rounded
