@@ -44,43 +44,43 @@ DEFAULT_COLOUR  EQU 0
 ; else may live here.
         INCLUDE cassette.asm
         INCLUDE words_keys.asm
+        INCLUDE control_run.asm
         INCLUDE variables.asm
-        INCLUDE control_lines.asm
-        INCLUDE math_functions.asm
+        INCLUDE math_text.asm
 
         INCLUDE entries.asm
-        INCLUDE strings_functions.asm
-        INCLUDE math_core.asm
-        INCLUDE print_using.asm
-        INCLUDE tape_commands.asm
-        INCLUDE math_text.asm
-        INCLUDE screen.asm
+        INCLUDE math_functions.asm
         INCLUDE math_print.asm
-        INCLUDE words_paint.asm
-        INCLUDE graphics.asm
+        INCLUDE strings_functions.asm
         INCLUDE math_extended.asm
+        INCLUDE math_circle.asm
+        INCLUDE tape_commands.asm
+        INCLUDE words_paint.asm
+        INCLUDE control_input.asm
+        INCLUDE keyboard.asm
 
         fill_to 1A19h
         JP ready
-        INCLUDE math_arithmetic.asm
-        INCLUDE start.asm
+        INCLUDE control_lines.asm
         INCLUDE strings.asm
-        INCLUDE math_circle.asm
+        INCLUDE graphics.asm
+        INCLUDE start.asm
         INCLUDE expr_eval.asm
-        INCLUDE control_edit.asm
-        INCLUDE control_run.asm
+        INCLUDE math_double.asm
+        INCLUDE math_core.asm
+        INCLUDE print_using.asm
 
         fill_to 28A7h
         JP print_text
-        INCLUDE control_input.asm
-        INCLUDE math_double.asm
-        INCLUDE print.asm
-        INCLUDE keyboard.asm
+        INCLUDE screen.asm
+        INCLUDE control_edit.asm
         INCLUDE control_list.asm
+        INCLUDE control_renum.asm
+        INCLUDE math_arithmetic.asm
+        INCLUDE print.asm
         INCLUDE control_errors.asm
         INCLUDE math_using.asm
         INCLUDE expr_assign.asm
-        INCLUDE control_renum.asm
         INCLUDE words_sound.asm
         INCLUDE control_loops.asm
         INCLUDE expr_functions.asm

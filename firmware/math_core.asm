@@ -73,17 +73,6 @@ left_to_acc:
         LD DE,ACC_LOW
         JR copy_eight
 
-; Makes the accumulator an integer from A or HL.
-; Uses: AF, HL
-set_byte:
-        LD L,A
-        LD H,0
-set_integer:
-        LD (ACCUMULATOR),HL
-        LD A,TYPE_INTEGER
-        LD (NUMBER_TYPE),A
-        RET
-
 ; Brings both operands to the greater type.
 ; Out:  flags of type - 4: C integer, Z single, NC double
 ; Uses: all
@@ -230,25 +219,6 @@ _done:
         LD H,L
         LD L,0
         RET
-
-negate_hl:
-        XOR A
-        SUB L
-        LD L,A
-        SBC A,A
-        SUB H
-        LD H,A
-        RET
-
-; CINT: the greatest integer not above the accumulator.
-; Out:  HL and the accumulator
-; Uses: AF, BC, DE
-to_integer:
-        CALL to_word
-        JP NC,set_integer
-        BIT 7,H
-        JP Z,set_integer
-        JP error_ov
 
 ; -32768 to 65535 as a 16-bit address.
 ; Out:  DE
