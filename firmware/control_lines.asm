@@ -305,10 +305,15 @@ _hexadecimal:
         JR NZ,_next
 _digit:
         CALL _put
-        CP '0'
-        JP C,_next
-        CP 'F' + 1
+        LD C,A
+        SUB '0'
+        CP 10
+        JR C,_hexadecimal_digit
+        SUB 'A' - '0'
+        CP 6
         JP NC,_next
+_hexadecimal_digit:
+        LD A,C
         JR _digit
 _letter:
         PUSH DE
