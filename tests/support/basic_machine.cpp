@@ -5,6 +5,7 @@
 #include "cgenie/typing/typing.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"
+#include "core/pacing/pacing.h"
 #include "media/traps.h"
 #include "support/test_files.h"
 #include "z80/z80.h"
@@ -57,7 +58,7 @@ bool BasicMachine::type(const std::string& text, int frames) {
 bool BasicMachine::run_until_idle(int frames) {
     int idle = 0;
     for (frames_ = 0; frames_ < frames && idle < IDLE_FRAMES; ++frames_) {
-        machine_run();
+        run_with_answers(machine_run);
         const bool typed = memory[KEYBOARD_ENTRY] != 0xED;
         const bool waits = z80_state.pc >= DELAY && z80_state.pc < DELAY_END;
         idle = typed && waits ? idle + 1 : 0;
