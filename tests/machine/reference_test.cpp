@@ -1,0 +1,118 @@
+// Runs the examples of docs/reference.html, each after a start of the machine. Of its blocks,
+// "asm" is assembled and put into memory; "program" is typed in and RUN; "typed" is what is typed
+// at the prompt, instead of RUN when it follows a program. A cassette is rewound before each
+// program and each "typed" of its own. "printer" is what the printer gets, "screen" the rows below
+// the last first command.
+#include "basic_cases.h"
+
+#include "cgenie/memory/memory.h"
+#include "media/files/cassette_files.h"
+#include "media/files/printer_file.h"
+#include "media/printer.h"
+#include "media/traps.h"
+#include "support/basic_machine.h"
+#include "support/html_examples.h"
+#include "support/test_files.h"
+#include "tools/basic_tokens.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdlib>
+#include <regex>
+#include <set>
+
+namespace {
+
+const std::string DOCS = std::string(DOCS_DIR) + "/";
+
+std::string join(const std::vector<std::string>& rows) {
+    std::string text;
+    for (const auto& row : rows) text += row + "\n";
+    return text;
+}
+
+/// Puts the routine at its ORG.
+void assemble(const std::vector<std::string>& source, const Folder& folder) {
+    const std::string text = join(source), path = folder / "routine";
+    write_text(path + ".asm", text);
+    const std::string command = PASMO " --bin " + path + ".asm " + path + ".bin";
+    ASSERT_EQ(std::system(command.c_str()), 0) << text;
+    std::smatch origin;
+    ASSERT_TRUE(std::regex_search(text, origin, std::regex("ORG +([0-9A-F]+)h"))) << text;
+    std::ranges::copy(read_file(path + ".bin"), memory + std::stoul(origin[1], nullptr, 16));
+}
+
+std::vector<BasicCase> steps_of(const HtmlExample& example) {
+    std::vector<BasicCase> steps;
+    bool runs = false; // the last step is a program that waits for what is typed
+    for (const HtmlBlock& block : example.blocks) {
+        if (block.kind == "typed") {
+            if (!runs) steps.emplace_back();
+            steps.back().commands = block.lines;
+        } else if (block.kind == "program") {
+            steps.push_back({example.line, block.lines, {"RUN"}, {}});
+        }
+        runs = block.kind == "program";
+    }
+    return steps;
+}
+
+void run(BasicMachine& machine, int model, const HtmlExample& example) {
+    const Folder folder;
+    const std::string tape = folder / "tape.cas";
+    const auto printed = example.lines("printer"), source = example.lines("asm");
+    machine.boot(model, trial_rom());
+    machine.platform().dialogs().choices = {FileChoice{tape}};
+    if (!source.empty()) assemble(source, folder);
+    printer_set_filename((folder.path() / "").string());
+    printer_enabled = !printed.empty();
+    if (printer_enabled) printer_init();
+    std::vector<std::string> rows;
+    for (const BasicCase& step : steps_of(example)) {
+        tape_attach_cas(tape);
+        rows = run_basic_case(machine, step);
+        tape_detach_cas();
+    }
+    printer_close();
+    printer_enabled = false;
+    EXPECT_EQ(join(rows), join(example.lines("screen"))) << "line " << example.line;
+    EXPECT_EQ(read_text(folder / "printer.txt"), join(printed)) << "line " << example.line;
+}
+
+TEST(Reference, ExamplesShowTheirScreens) {
+    const auto examples = read_html_examples(DOCS + "reference.html");
+    ASSERT_FALSE(examples.empty());
+    BasicMachine machine;
+    tape_init();
+    for (int model : {0, 1, 2}) {
+        SCOPED_TRACE(model);
+        for (const HtmlExample& example : examples) run(machine, model, example);
+    }
+}
+
+/// Codes of the words in the lines of all examples; of two bytes the first one is FF.
+std::set<unsigned> words_used(const std::vector<HtmlExample>& examples) {
+    std::set<unsigned> words;
+    for (const HtmlExample& example : examples)
+        for (const char* kind : {"program", "typed"})
+            for (const std::string& line : example.lines(kind)) {
+                const BasicBytes bytes = basic_tokenize(line);
+                for (size_t i = 0; i < bytes.size(); ++i)
+                    words.insert(bytes[i] == 0xFF ? 0xFF00u | bytes[++i] : bytes[i]);
+            }
+    return words;
+}
+
+// Words that only a disk gives a meaning.
+const std::set<unsigned> DISK_WORDS = {0x85, 0xA2, 0xA3, 0xA4, 0xA5, 0xA6, 0xA7, 0xA8, 0xA9,
+                                       0xAA, 0xAB, 0xAC, 0xAD, 0xB0, 0xBE, 0xC7, 0xE6, 0xE7,
+                                       0xE8, 0xE9, 0xEA, 0xEB, 0xEC, 0xED, 0xEE};
+
+TEST(Reference, EachWordHasAnExample) {
+    const auto used = words_used(read_html_examples(DOCS + "reference.html"));
+    for (unsigned code = 0x80; code <= 0xFF99; code = code == 0xFB ? 0xFF80 : code + 1)
+        EXPECT_TRUE(used.contains(code) || DISK_WORDS.contains(code)) << std::hex << code;
+}
+
+} // namespace
