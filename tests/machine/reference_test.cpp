@@ -115,4 +115,30 @@ TEST(Reference, EachWordHasAnExample) {
         EXPECT_TRUE(used.contains(code) || DISK_WORDS.contains(code)) << std::hex << code;
 }
 
+// The addresses in the first column of the tables of the firmware manual.
+TEST(Reference, EachAddressHasAnExample) {
+    std::set<unsigned long> used;
+    std::string text;
+    for (const HtmlExample& example : read_html_examples(DOCS + "reference.html"))
+        for (const char* kind : {"program", "typed", "asm"}) text += join(example.lines(kind));
+    const std::regex number("&H([0-9A-F]+)|\\b([0-9][0-9A-F]*)h");
+    for (std::sregex_iterator i(text.begin(), text.end(), number), end; i != end; ++i)
+        used.insert(std::stoul((*i)[1].str() + (*i)[2].str(), nullptr, 16));
+
+    const std::string page = read_text(DOCS + "firmware.html");
+    const size_t from = page.find("<h2 id=\"code\""), to = page.find("<h2 id=\"files\"");
+    ASSERT_LT(from, to);
+    const std::string tables = page.substr(from, to - from);
+    const std::regex cell("<tr><td>([0-9A-F, -]+)</td>"), range("([0-9A-F]{4})(?:-([0-9A-F]{4}))?");
+    for (std::sregex_iterator row(tables.begin(), tables.end(), cell), end; row != end; ++row) {
+        const std::string addresses = (*row)[1];
+        for (std::sregex_iterator i(addresses.begin(), addresses.end(), range); i != end; ++i) {
+            const auto first = std::stoul((*i)[1], nullptr, 16);
+            const auto last = (*i)[2].matched ? std::stoul((*i)[2], nullptr, 16) : first;
+            const auto found = used.lower_bound(first);
+            EXPECT_TRUE(found != used.end() && *found <= last) << (*i)[0];
+        }
+    }
+}
+
 } // namespace
