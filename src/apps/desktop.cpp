@@ -20,8 +20,11 @@ int run_desktop(int argc, char** argv) {
     const CommandLine line = read_command_line(rest);
     if (!line.refusal.empty()) return fail(line.refusal);
     install_platform(host);
-    const int exit_code = run_shell(
-        {.line = line, .keep_disk_journals = true, .keep_history = true, .resumes = true});
+    const int exit_code = run_shell({.line = line,
+                                     .keep_disk_journals = true,
+                                     .keep_history = true,
+                                     .resumes = true,
+                                     .answers_memory_question = true});
     print_results(line);
     return exit_code;
 }

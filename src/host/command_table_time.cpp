@@ -66,6 +66,10 @@ std::span<const CommandRow> time_command_rows() {
          .flag = &shell_state.resume,
          .run = resume_switched,
          .setting = {.name = "Resume", .initial = 0, .read = StartStep::engine}},
+        {.id = COMMAND_ASK_MEMORY_SIZE,
+         .label = "&Wait at MEM SIZE?",
+         .flag = &shell_state.ask_memory_size,
+         .setting = {.name = "AskMemorySize", .initial = 0, .read = StartStep::engine}},
 
         // Speed.
         {.id = COMMAND_TURBO, .label = "T&urbo", .hint = "F7", .flag = &speed_choices.turbo},

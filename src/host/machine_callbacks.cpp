@@ -10,6 +10,7 @@
 #include "host/display.h"
 #include "host/joysticks.h"
 #include "host/key_map.h"
+#include "host/memory_question.h"
 #include "host/messages.h"
 #include "host/options.h"
 #include "host/replays.h"
@@ -40,6 +41,7 @@ void connect_machine() {
     machine_host.read_input = [](machine_input& input) {
         read_host_keys(input);
         read_host_joysticks(input);
+        memory_question_answer(input);
     };
     machine_host.was_reset = [] { last_file_name.clear(); };
     machine_host.stale = [] {
@@ -62,6 +64,7 @@ void connect_machine() {
                 event_feed_frame();
                 history_frame_ran();
                 replay_frame_ran();
+                memory_question_frame_ran();
             },
         .show_ahead = show_frame_ahead,
         .run_frame = machine_run,

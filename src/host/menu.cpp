@@ -87,7 +87,8 @@ MenuEntry options_menu() {
                     item(COMMAND_DOUBLE_SCAN), item(COMMAND_TV_BLUR),
                     item(COMMAND_DISPLAY_SETTINGS), SEPARATOR, item(COMMAND_GIANT_SCREEN),
                     item(COMMAND_FULL_SCREEN), SEPARATOR, item(COMMAND_KEEP_HISTORY),
-                    run_ahead_menu(), item(COMMAND_FAST_TAPES), item(COMMAND_RESUME)});
+                    run_ahead_menu(), item(COMMAND_FAST_TAPES), item(COMMAND_RESUME),
+                    item(COMMAND_ASK_MEMORY_SIZE)});
 }
 
 /// What the window's menu shows at the moment, and the marks of ids that it does not hold.

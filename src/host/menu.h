@@ -74,7 +74,8 @@ enum Command : int {
     COMMAND_RESUME = 40212,
     COMMAND_KEEP_HISTORY = 40213,
     COMMAND_RUN_AHEAD = 40214, ///< + frames, 0 to 4
-    COMMAND_FAST_TAPES = 40219
+    COMMAND_FAST_TAPES = 40219,
+    COMMAND_ASK_MEMORY_SIZE = 40220
 };
 
 /// The menu as the program starts with it.

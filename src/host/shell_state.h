@@ -15,9 +15,10 @@ struct ShellOptions {
     bool unattended = false;
     /// What is written to a disk is kept in a journal, and journals left behind are offered.
     bool keep_disk_journals = false;
-    bool keep_history = false;       ///< unless the settings say otherwise
-    bool resumes = false;            ///< the option to go on where the program was left counts
-    bool save_changed_disks = false; ///< when they are taken out, without a question
+    bool keep_history = false;            ///< unless the settings say otherwise
+    bool resumes = false;                 ///< the option to go on where the program was left counts
+    bool save_changed_disks = false;      ///< when they are taken out, without a question
+    bool answers_memory_question = false; ///< of a machine that was switched on, after a while
 };
 
 struct shell_record {
@@ -33,12 +34,13 @@ struct shell_record {
     bool kept_key_mapping = false;  ///< symbolic by the user's own choice; kept in the settings
     bool video_cut = false;
     bool video_page = false;
-    bool resume = false;         ///< go on where the program was left
-    bool save_video_ram = false; ///< every screenshot is followed by a dump of the screen memory
-    bool keep_history = false;   ///< of the machine, to go back in
-    uint32_t history_limit = 0;  ///< MB
-    uint32_t composite_blur = 0; ///< nonzero: composite filter, canvas of 32 bits per pixel
-    uint32_t sound_latency = 0;  ///< ms, as it was read
+    bool resume = false;          ///< go on where the program was left
+    bool ask_memory_size = false; ///< and wait for the answer
+    bool save_video_ram = false;  ///< every screenshot is followed by a dump of the screen memory
+    bool keep_history = false;    ///< of the machine, to go back in
+    uint32_t history_limit = 0;   ///< MB
+    uint32_t composite_blur = 0;  ///< nonzero: composite filter, canvas of 32 bits per pixel
+    uint32_t sound_latency = 0;   ///< ms, as it was read
 
     // At the moment.
     bool active = true;     ///< frames are run in idle time

@@ -116,6 +116,7 @@ constexpr const char* MENU = R"(0 &File
     40218 &4 frames
   40219 &Fast tapes
   40212 &Resume where I left
+  40220 &Wait at MEM SIZE?
 0 &Help
   103 &About...
   40130 &Messages...

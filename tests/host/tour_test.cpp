@@ -320,6 +320,7 @@ std::vector<Stop> TourTest::stops() {
         {40210, nothing, option(speed_choices.turbo, 40210, true)},
         {40211, nothing, status("Slow motion: half speed")},
         {40219, nothing, option(speed_choices.fast_tapes, 40219, true)},
+        {40220, nothing, option(shell_state.ask_memory_size, 40220, true)},
         {40205,
          [this] {
              save_state_as("given.tvs");
