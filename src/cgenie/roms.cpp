@@ -2,6 +2,8 @@
 
 #include "cgenie/firmware_images.h"
 #include "cgenie/memory/memory.h"
+#include "media/tape.h"
+#include "media/tape_audio.h"
 #include "media/traps.h"
 #include "wall/machine_host.h"
 
@@ -24,7 +26,9 @@ constexpr FirmwareImage basic_image(uint32_t index) {
 } // namespace
 
 void memory_set_basic_rom(uint32_t index) {
-    const bool patched = cas_is_traps_installed() != 0;
+    // A ROM that the traps did not fit may give way to one that they fit.
+    const bool patched = cas_is_traps_installed() ||
+                         (cassette.ready && !tape_traps_fit(active_rom) && !tape_wav_is_open());
     std::ranges::copy(firmware_bytes(basic_image(index)), memory);
     if (index == CUSTOM_BASIC_ROM) machine_host.read_rom(ROM_BASIC, memory, BASIC_ROM_SIZE);
     std::copy_n(memory, BASIC_ROM_SIZE, active_rom);

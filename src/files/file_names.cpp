@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cctype>
+#include <filesystem>
 
 size_t extension_point(const std::string& path) {
     const size_t point = path.rfind('.');
@@ -10,13 +11,31 @@ size_t extension_point(const std::string& path) {
     return in_folder ? std::string::npos : point;
 }
 
+std::string lower_case(std::string text) {
+    std::ranges::transform(text, text.begin(),
+                           [](unsigned char c) { return char(std::tolower(c)); });
+    return text;
+}
+
+std::string find_in_any_case(const std::string& folder, const std::string& name) {
+    namespace fs = std::filesystem;
+    std::error_code error;
+    const fs::path exact = fs::path(folder) / name;
+    if (fs::exists(exact, error)) return exact.string();
+    std::string found;
+    for (fs::directory_iterator entry(folder.empty() ? "." : folder, error), end;
+         !error && entry != end; entry.increment(error)) {
+        const std::string other = entry->path().filename().string();
+        if (lower_case(other) != lower_case(name)) continue;
+        const std::string path = (fs::path(folder) / other).string();
+        if (found.empty() || path < found) found = path;
+    }
+    return found;
+}
+
 std::string lower_case_extension(const std::string& path) {
     const size_t point = extension_point(path);
-    if (point == std::string::npos) return {};
-    std::string extension = path.substr(point + 1);
-    std::ranges::transform(extension, extension.begin(),
-                           [](unsigned char c) { return char(std::tolower(c)); });
-    return extension;
+    return point == std::string::npos ? std::string() : lower_case(path.substr(point + 1));
 }
 
 std::string with_extension(const std::string& path, const std::string& extension) {

@@ -6,6 +6,7 @@
 #include "files/file_names.h"
 #include "files/whole_file.h"
 #include "host/disk_rom.h"
+#include "host/menu.h"
 #include "host/replays.h"
 #include "host/rewind.h"
 #include "host/state_files.h"
@@ -13,6 +14,7 @@
 #include "media/files/cassette_files.h"
 #include "media/files/typed_text.h"
 #include "media/tape.h"
+#include "media/tape_audio.h"
 #include "platform/platform.h"
 #include "wall/machine_host.h"
 #include "z80/z80.h"
@@ -54,6 +56,13 @@ void boot_to_basic() {
     machine_apply(event_kind::reset);
 }
 
+/// Where an image is in as sound, the recorder starts for what is typed next.
+void run_tape_of_sound() {
+    if (!tape_wav_is_open()) return;
+    machine_apply(event_kind::tape_motor, 1);
+    check_menu_item(COMMAND_PLAY_RECORD, true);
+}
+
 using Bytes = std::span<const uint8_t>;
 
 constexpr const char* UNKNOWN_TYPE = ": files of this type cannot be started";
@@ -88,9 +97,10 @@ bool start_cmd(const std::string& path, Bytes bytes) {
 bool start_cassette(const std::string& path, Bytes bytes) {
     tape_attach_bytes(path, bytes);
     char name = 0;
-    const int kind = tape_cas_type(&name);
+    const int kind = tape_cas_is_attached() ? tape_cas_type(&name) : tape_type(bytes, &name);
     if (!g_bAutoStart) return false;
     boot_to_basic();
+    run_tape_of_sound();
     if (kind == TAPE_BASIC) {
         type_into_machine("\r\rCLOAD\r\rRUN\r");
     } else if (kind == TAPE_MACHINE_CODE) {
@@ -131,6 +141,7 @@ void give_basic(const std::string& path, Bytes bytes, const std::string& keys) {
     if (g_bAutoStart && is_starting_up()) answer_start_question();
     if (is_tokenized_bas(bytes)) {
         tape_attach_basic(path, bytes);
+        run_tape_of_sound();
         return type_into_machine("\r\r\r\rCLOAD\r\r" + keys);
     }
     // A machine that is slow, or was not let start up, still has its question to come.

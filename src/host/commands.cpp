@@ -270,7 +270,8 @@ void tell_bad_image(const std::string& path) { report({.text = "Error opening im
 
 void attach_cas(const std::string& path) {
     if (!tape_attach_cas(path)) return tell_bad_image(path);
-    const std::string text = "CAS image attached: " + path;
+    const std::string text = tape_wav_is_open() ? "CAS image in real time, F5 plays it: " + path
+                                                : "CAS image attached: " + path;
     if (is_whole(path, tape_damage, text)) StatusBarText("%s", text.c_str());
 }
 

@@ -139,9 +139,11 @@ int tape_cas_is_attached() { return cassette.attached; }
 
 void tape_cas_rewind() { cassette.position = 0; }
 
+int tape_type(std::span<const uint8_t> image, char* name) { return kind_of_tape({image}, name); }
+
 int tape_cas_type(char* name) {
     tape_cas_rewind();
-    return kind_of_tape({cas.view()}, name);
+    return tape_type(cas.view(), name);
 }
 
 uint32_t cg_get_header_size(std::span<const uint8_t> image, uint64_t* position) {

@@ -62,7 +62,9 @@ void tape_make_room();
 int tape_cas_is_attached();
 /// The image to its start; nothing without one.
 void tape_cas_rewind();
-/// The kind of tape, and the first character of a machine-code program's name. Rewinds the image.
+/// The kind of tape that an image holds, and the first character of a machine-code program's name.
+int tape_type(std::span<const uint8_t> image, char* name);
+/// The same of the attached image, which is rewound.
 int tape_cas_type(char* name);
 
 /// The offset of the sync byte behind a CGT file's text; 0 for any other. `position` is where it

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <array>
+#include <span>
 
 namespace {
 
@@ -107,6 +108,16 @@ void let_frame_end() {
     traps.last_trap = z80_state.t_count;
 }
 
+/// Bytes that a ROM must have for the traps.
+struct Mark {
+    uint16_t address;
+    std::array<uint8_t, 2> bytes;
+};
+constexpr std::array<Mark, 2> cassette_marks = {{
+    {0x01FB, {0xDB, 0xFF}}, // IN A,(FF)
+    {0x023F, {0x06, 0xFF}}, // LD B,255
+}};
+
 void restore(size_t address, size_t size) {
     std::copy_n(source_rom_pointer() + address, size, rom_pointer() + address);
 }
@@ -134,7 +145,15 @@ void tape_reset() {
     if (tape_ready) tape_read_in = 0;
 }
 
+bool tape_traps_fit(const uint8_t* rom) {
+    return std::ranges::all_of(cassette_marks, [rom](const Mark& mark) {
+        return std::ranges::equal(mark.bytes, std::span(rom + mark.address, mark.bytes.size()));
+    });
+}
+
 void tape_place_traps(uint8_t* rom) {
+    traps.cas_traps_installed = 0;
+    if (!tape_traps_fit(source_rom_pointer())) return;
     for (const Patch& patch : cassette_patches) {
         uint8_t* const bytes = rom + patch.address;
         std::fill_n(bytes, patch.size, uint8_t(0));

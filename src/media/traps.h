@@ -25,7 +25,12 @@ void tape_init();
 void tape_withdraw_save_question();
 /// Clears the cassette input bit, once the cassette system is ready.
 void tape_reset();
-/// Patches the cassette traps into a ROM image, the working copy.
+/// Whether the BASIC ROM has its cassette routines where the traps go in: DB FF at 01FB, the first
+/// look at the port for a bit, and 06 FF at 023F, which counts the bytes of a leader. What lies
+/// between two traps may differ.
+bool tape_traps_fit(const uint8_t* rom);
+/// Patches the cassette traps into a ROM image, the working copy. Where they do not fit the BASIC
+/// ROM as it was loaded nothing is patched, and cassettes run as sound, in real time.
 void tape_place_traps(uint8_t* rom);
 /// Takes the cassette patches out of the working copy; nothing when they are not in it.
 void tape_remove_traps();

@@ -1,5 +1,7 @@
 #include "host/rom_files.h"
 
+#include "cgenie/firmware_images.h"
+#include "files/file_names.h"
 #include "host/messages.h"
 #include "support/host_files.h"
 
@@ -42,6 +44,36 @@ TEST_F(RomFiles, TheFileThatTheSettingNamesIsReadAsFarAsItGoes) {
         host->settings().set_text(setting, "");
         EXPECT_EQ(read_rom_file(which, area.data(), 16384), ROM_NOT_NAMED) << setting;
     }
+}
+
+TEST_F(RomFiles, FourChipsAreOneRomAndNamesHaveAnyCase) {
+    for (const int n : {0, 1, 2, 3}) {
+        Bytes chip = pattern(4096);
+        chip[0] = uint8_t(n);
+        write_file(n % 2 ? "ROM" + std::to_string(n) + ".BIN" : "rom" + std::to_string(n) + ".bin",
+                   chip);
+    }
+    std::filesystem::create_directories("firmware");
+    write_file("firmware/Charset-German.ROM", pattern(2048));
+    EXPECT_EQ(firmware_load_user_images("firmware"), 1);
+    firmware_forget_user_images();
+    const std::pair<const char*, int> chosen[] = {
+        {"rom0.bin", 16384}, {"ROM1.BIN", 4096}, {"rom2.bin", 4096}}; // there is no rom4
+    for (const auto& [name, count] : chosen) {
+        host->settings().set_text("BasicROMPath", name);
+        Bytes rom(16384);
+        EXPECT_EQ(read_rom_file(ROM_BASIC, rom.data(), rom.size()), count) << name;
+        for (size_t n = 0; count > 4096 && n < 4; ++n) EXPECT_EQ(rom[n * 4096], n);
+        EXPECT_EQ(read_rom_file(ROM_EXPANSION, rom.data(), rom.size()), ROM_NOT_NAMED);
+    }
+    write_file("ROM3.BIN", pattern(4095));
+    host->settings().set_text("BasicROMPath", "rom0.bin");
+    Bytes rom(16384);
+    EXPECT_EQ(read_rom_file(ROM_BASIC, rom.data(), rom.size()), 4096);
+    const auto told = std::ranges::count_if(kept_messages(), [](const KeptMessage& message) {
+        return lower_case(message.line).find(".bin: its cassette") != std::string::npos;
+    });
+    EXPECT_EQ(told, 3) << "once for each file";
 }
 
 } // namespace

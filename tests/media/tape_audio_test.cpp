@@ -1,3 +1,4 @@
+#include "cgenie/roms.h"
 #include "media/files/tape_sound_files.h"
 #include "media/tape_audio.h"
 
@@ -46,6 +47,7 @@ class TapeAudioTest : public testing::Test {
 protected:
     void SetUp() override {
         z80_state.clock_hz = 2000000;
+        memory_set_basic_rom(0);
         tape_init();
         fake_host = {};
     }

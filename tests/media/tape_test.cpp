@@ -3,6 +3,7 @@
 #include "media/tape.h"
 
 #include "cgenie/memory/memory.h"
+#include "cgenie/roms.h"
 #include "media/tape_audio.h"
 #include "support/fake_host.h"
 #include "support/full_disk.h"
@@ -25,6 +26,7 @@ protected:
     void SetUp() override {
         HostFilesTest::SetUp();
         folder = fs::current_path();
+        memory_set_basic_rom(0);
         fake_host = {};
     }
     void TearDown() override {

@@ -81,13 +81,23 @@ TEST_F(Traps, PatchesComeAndGo) {
     EXPECT_EQ(working_copy(), unpatched()) << "no patches, none placed again";
 
     tape_remove_traps();
-    std::ranges::fill(active_rom, uint8_t(0x76)); // a ROM of the user's own
-    std::copy_n(active_rom, BASIC_ROM_SIZE, memory);
-    attach("\x66");
-    EXPECT_EQ(working_copy(), patched());
-    tape_remove_traps();
-    EXPECT_EQ(bas_to_cas_open(PATH), 1);
-    EXPECT_EQ(working_copy(), patched());
+    for (const bool fits : {true, false}) { // ROMs of the user's own
+        std::ranges::fill(active_rom, uint8_t(0x76));
+        active_rom[0x01FB] = 0xDB;
+        active_rom[0x01FC] = active_rom[0x0240] = 0xFF;
+        active_rom[0x023F] = fits ? 0x06 : 0x16;
+        std::copy_n(active_rom, BASIC_ROM_SIZE, memory);
+        attach("\x66");
+        EXPECT_EQ(working_copy(), fits ? patched() : unpatched());
+        EXPECT_EQ(tape_wav_is_open(), !fits) << "it plays as sound";
+        memory_set_basic_rom(fits ? 1 : 0);
+        EXPECT_EQ(cas_is_traps_installed(), fits);
+        tape_close_wav();
+        tape_remove_traps();
+        EXPECT_EQ(bas_to_cas_open(PATH), 1);
+        EXPECT_EQ(working_copy(), patched());
+        tape_remove_traps();
+    }
     tape_remove_traps();
     tape_create_cas(); // cancelled
     EXPECT_EQ(working_copy(), unpatched());

@@ -1,11 +1,14 @@
 #include "media/files/cassette_files.h"
 
+#include "cgenie/memory/memory.h"
 #include "core/machine_events.h"
 #include "files/file_handle.h"
 #include "files/file_names.h"
 #include "files/whole_file.h"
 #include "media/files/rescue.h"
+#include "media/files/tape_sound_files.h"
 #include "media/tape.h"
+#include "media/traps.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -65,6 +68,10 @@ bool go_on_elsewhere() {
 }
 
 void put_in(std::string path, std::vector<uint8_t> image) {
+    if (!tape_traps_fit(source_rom_pointer())) {
+        tape_play_cassette(path, image);
+        return;
+    }
     machine_apply(event_kind::tape_in, 0, 0, shared_bytes(std::move(image)));
     casfilename = std::move(path);
     is_named_after_tape = true;

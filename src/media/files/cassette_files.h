@@ -7,6 +7,9 @@
 #include <span>
 #include <string>
 
+/// Where the cassette traps do not fit the firmware, an image is put in as the sound of its tape
+/// (tape_play_cassette), and the recorder's motor moves it.
+
 /// 1 on success; 0 for an empty path or a file that cannot be opened, and then nothing is attached.
 int tape_attach_cas(const std::string& path);
 /// The same for the bytes of a file, which may be known by its name only.

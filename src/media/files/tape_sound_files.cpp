@@ -2,6 +2,7 @@
 
 #include "core/machine_events.h"
 #include "files/file_identity.h"
+#include "media/files/cassette_sound.h"
 #include "media/tape_audio.h"
 #include "sound/wav_header.h"
 #include "wall/report.h"
@@ -79,6 +80,17 @@ uint64_t hash_of_played() {
     }
 }
 
+/// Puts the file that has been opened into the machine, unless there was a problem with it.
+int play(const std::string& path, const wav_format& wav, const std::string& problem) {
+    if (!problem.empty()) {
+        report({.text = path + " cannot be played: " + problem + "."});
+        return 0;
+    }
+    played_file = {lasting_path(path), hash_of_played()};
+    machine_apply(event_kind::tape_play_wav, 0, 0, bytes_of(wav));
+    return 1;
+}
+
 void print_diagnostics(const wav_format& wav) {
     std::fprintf(stderr, "WAV. Resolution: %i\n", int(wav.bits));
     std::fprintf(stderr, "WAV. Samples per second: %i\n", int(wav.rate));
@@ -93,14 +105,16 @@ int tape_open_wav(const std::string& path) {
     if (path.empty()) return 0;
     wav_format wav;
     const std::string problem = wav_file_open(path, played, wav);
-    if (!problem.empty()) {
-        report({.text = path + " cannot be played: " + problem + "."});
-        return 0;
-    }
-    played_file = {lasting_path(path), hash_of_played()};
-    machine_apply(event_kind::tape_play_wav, 0, 0, bytes_of(wav));
+    if (!play(path, wav, problem)) return 0;
     print_diagnostics(wav);
     return 1;
+}
+
+int tape_play_cassette(const std::string& path, std::span<const uint8_t> tape) {
+    machine_apply(event_kind::tape_close_wav);
+    wav_format wav;
+    const std::string problem = cassette_sound_open(tape, played, wav);
+    return play(path, wav, problem);
 }
 
 int tape_create_wav(const std::string& path, int rate) {

@@ -13,11 +13,14 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 
 /// Puts in a recording to be played, for the one that is in. 1 on success; a file that cannot be
 /// played is refused with a warning.
 int tape_open_wav(const std::string& path);
+/// Puts in a cassette image as the sound of its tape; `path` is that of its file. 1 on success.
+int tape_play_cassette(const std::string& path, std::span<const uint8_t> tape);
 /// A new recording at `rate` samples per second, for the one that is in; 1 on success.
 int tape_create_wav(const std::string& path, int rate);
 
@@ -34,7 +37,8 @@ std::string tape_sound_follow(const played_wav& wav);
 /// Writes the samples that the recorder has not put out yet, as it will do itself later.
 void tape_sound_flush();
 
-/// Opens a file and finds its samples. Returns why that failed, in words for the user, or nothing.
+/// Opens a file and finds its samples; those of a cassette image are made. Returns why that failed,
+/// in words for the user, or nothing.
 std::string wav_file_open(const std::string& path, FileHandle& file, wav_format& wav);
 /// Bytes of the file that plays; 0 at its end, after an error and without one.
 size_t tape_sound_read(uint64_t offset, uint8_t* to, size_t bytes);

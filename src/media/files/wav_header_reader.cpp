@@ -1,3 +1,4 @@
+#include "media/files/cassette_sound.h"
 #include "media/files/tape_sound_files.h"
 
 #include <fcntl.h>
@@ -120,6 +121,8 @@ std::string find_samples(Source& source, uint64_t length) {
 } // namespace
 
 std::string wav_file_open(const std::string& path, FileHandle& file, wav_format& wav) {
+    const auto tape = tape_of_file(path);
+    if (!tape.empty()) return cassette_sound_open(tape, file, wav);
     Source source = {{}, {}};
     uint64_t length = 0;
     std::string problem = open_regular(source, path, &length);
