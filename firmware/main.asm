@@ -33,8 +33,8 @@ DEFAULT_COLOUR  EQU 0
 
         ORG 0000h
         INCLUDE vectors.asm
-        INCLUDE words_screen.asm
         INCLUDE lineio.asm
+        INCLUDE words_screen.asm
 
         fill_to 01C9h
         JP clear_text_screen
@@ -43,46 +43,47 @@ DEFAULT_COLOUR  EQU 0
 ; 01ED-0280: cassette. An emulator may put traps at 01EE, 01FB, 0221, 023F and 0264, so nothing
 ; else may live here.
         INCLUDE cassette.asm
-        INCLUDE math_functions.asm
-        INCLUDE math_print.asm
-        INCLUDE tape_commands.asm
-        INCLUDE control_renum.asm
-
-        INCLUDE entries.asm
-        INCLUDE keyboard.asm
-        INCLUDE start.asm
-        INCLUDE control_edit.asm
-        INCLUDE control_loops.asm
+        INCLUDE math_using.asm
+        INCLUDE variables.asm
         INCLUDE math_core.asm
         INCLUDE tokens.asm
-        INCLUDE words_keys.asm
-        INCLUDE strings_functions.asm
-        INCLUDE control_errors.asm
-        INCLUDE math_arithmetic.asm
+
+        INCLUDE entries.asm
+        INCLUDE control_loops.asm
+        INCLUDE math_circle.asm
+        INCLUDE screen.asm
+        INCLUDE expr_eval.asm
+        INCLUDE print_using.asm
+        INCLUDE strings.asm
+        INCLUDE control_input.asm
+        INCLUDE words_paint.asm
+        INCLUDE graphics.asm
+        INCLUDE words_graphics.asm
 
         fill_to 1A19h
         JP ready
-        INCLUDE strings.asm
-        INCLUDE screen.asm
-        INCLUDE variables.asm
-        INCLUDE math_extended.asm
-        INCLUDE math_double.asm
+        INCLUDE math_functions.asm
+        INCLUDE math_print.asm
         INCLUDE control_lines.asm
-        INCLUDE math_single.asm
+        INCLUDE tape_commands.asm
+        INCLUDE math_extended.asm
+        INCLUDE math_text.asm
+        INCLUDE math_double.asm
 
         fill_to 28A7h
         JP print_text
-        INCLUDE math_circle.asm
-        INCLUDE words_graphics.asm
-        INCLUDE math_text.asm
-        INCLUDE words_paint.asm
-        INCLUDE control_input.asm
-        INCLUDE print_using.asm
-        INCLUDE control_list.asm
         INCLUDE print.asm
+        INCLUDE control_list.asm
+        INCLUDE control_edit.asm
+        INCLUDE start.asm
+        INCLUDE control_errors.asm
+        INCLUDE words_keys.asm
         INCLUDE expr_assign.asm
-        INCLUDE words_sound.asm
+        INCLUDE control_renum.asm
+        INCLUDE keyboard.asm
+        INCLUDE strings_functions.asm
         INCLUDE expr_functions.asm
+        INCLUDE words_sound.asm
 
         fill_to 3852h
         JP fill_graphics
@@ -92,8 +93,7 @@ DEFAULT_COLOUR  EQU 0
         fill_to 38A9h
         JP show_graphics
         JP show_text            ; 38AC
-        INCLUDE expr_eval.asm
-        INCLUDE graphics.asm
-        INCLUDE math_using.asm
         INCLUDE control_run.asm
+        INCLUDE math_arithmetic.asm
+        INCLUDE math_single.asm
         fill_to 4000h

@@ -1,92 +1,97 @@
 ; Number to text.
 
-; Digits of the accumulator, a single or double but not 0, cut off, not rounded.
+; Digits of the accumulator, a single or double, cut off, not rounded; 0 has only digits behind the
+; point. The number is scaled until its whole part fills as many bytes as the type has and the top
+; one is below 10, which leaves 8 digits of a single or 17 of a double at least.
 ; Out:  DIGITS, FIRST_EXPONENT
-; Uses: all but IY
+; Uses: AF, BC, DE, HL, IX
 make_digits:
+        LD HL,DIGITS
+        LD B,9
+        CALL clear_bytes
         CALL clear_wide
+        LD A,(ACC_EXPONENT)
+        SUB 1
+        LD (FIRST_EXPONENT),A
+        RET C
         LD A,(NUMBER_TYPE)
-        CP TYPE_DOUBLE
-        LD HL,ACCUMULATOR
-        LD DE,WIDE + 7
-        LD BC,3
-        LD A,WIDE + 3 & 0FFh
-        LD IX,single_limits
-        JR NZ,_copy
-        LD L,ACC_LOW & 0FFh
-        LD E,A
-        LD C,7
-        LD A,WIDE & 0FFh
-        LD IX,double_limits
-_copy:
+        LD IXL,A                ; 4 or 8
+        DEC A
+        LD IXH,A
+        LD C,A                  ; B is 0
+        LD HL,ACC_HIGH
+        LD DE,WIDE_TOP
+        LDDR
+        CPL
+        AND 4
+        RRCA
+        ADD A,WIDE & 0FFh       ; singles: eight bytes are enough
         LD (WIDE_FIRST),A
-        LDIR
         LD HL,WIDE_TOP
         SET 7,(HL)
         LD A,(ACC_EXPONENT)
-        LD C,A
-        ADD A,7
-        RRA
-        SRL A
-        SRL A
-        SUB BIAS / 8
-        LD (WIDE_POINT),A
-        XOR A
-        SUB C
-        AND 7
-        JR Z,_aligned
+        DEC A
         LD C,A
 _shift:
+        LD A,C
+        CPL
+        AND 7
+        JR Z,_aligned
+        INC C
         LD HL,WIDE_TOP
         LD B,10
-        OR A
         CALL shift_bytes
-        DEC C
-        JR NZ,_shift
+        JR _shift
 _aligned:
-        LD A,(IX)
+        LD A,C
+        RRCA
+        RRCA
+        RRCA
+        AND 1Fh
+        SUB BIAS / 8 - 1
+        LD (WIDE_POINT),A
+        LD A,IXL
+        ADD A,A
+        INC A
         LD (FIRST_EXPONENT),A
 _down:
-        LD BC,10
-        CALL _compare
-        JR C,_up
+        LD HL,(WIDE_TOP)        ; H: WIDE_POINT
+        LD A,L
+        CP 10
+        LD A,H
+        SBC A,IXL
+        JP M,_up
         CALL wide_over_ten
         LD HL,FIRST_EXPONENT
         INC (HL)
         JR _down
 _up:
-        LD BC,1
-        CALL _compare
-        JR NC,_convert
+        LD A,(WIDE_POINT)
+        SUB IXL
+        JP P,_convert
         LD C,0
         CALL wide_times_ten
         LD HL,FIRST_EXPONENT
         DEC (HL)
         JR _up
 _convert:
-        LD A,(IX)               ; bytes of digits
-        INC A
-        SRL A
-        LD B,A
-        LD IXL,A
-        LD HL,DIGITS
-_clear:
-        LD (HL),0
-        INC HL
-        DJNZ _clear
-        DEC HL
+        LD A,IXL
+        ADD A,DIGITS & 0FFh
+        LD L,A
+        LD H,DIGITS / 256
         LD DE,WIDE_TOP
-        LD A,(WIDE_POINT)
-        LD IXH,A
-_byte:
         LD A,(DE)
+        LD (HL),A               ; a digit already
+_byte:
         DEC DE
+        LD A,(DE)
         SCF
         ADC A,A                 ; a 1 behind the last bit
         LD C,A
 _bit:
         PUSH HL
         LD B,IXL
+        INC B
 _double:
         LD A,(HL)
         ADC A,A
@@ -99,77 +104,63 @@ _double:
         JR NZ,_bit
         DEC IXH
         JR NZ,_byte
-        RET
-; Carry if WIDE is below the limit at IX + BC.
-_compare:
-        PUSH IX
-        POP HL
-        ADD HL,BC
-        LD A,(WIDE_POINT)
-        LD B,(HL)
-        SUB B
-        SCF
-        RET M
-        JR Z,_equal
-        OR A
-        RET
-_equal:
-        LD DE,WIDE_TOP
-_next:
-        INC HL
-        LD A,(DE)
-        CP (HL)
-        RET NZ
-        DEC DE
-        DJNZ _next
-        RET
-
-; Digits made but one; bytes and value where they begin; the same, ten times as much.
-single_limits:
-        DEFB SINGLE_WORK - 1
-        DEFB 3, 98h, 96h, 80h, 0, 0, 0, 0, 0
-        DEFB 4, 05h, 0F5h, 0E1h, 00h
-double_limits:
-        DEFB DOUBLE_WORK - 1
-        DEFB 8, 01h, 63h, 45h, 78h, 5Dh, 8Ah, 00h, 00h
-        DEFB 8, 0Dh, 0E0h, 0B6h, 0B3h, 0A7h, 64h, 00h, 00h
-
-; Rounds the digits to A of them, which may be 0 or below.
-; Out:  DIGITS_VALID, at least 1 when it was rounded up to a power of ten
-; Uses: AF, BC, E, HL
-round_digits:
-        OR A
-        LD E,A
-        JP P,_keep
-        XOR A
-_keep:
-        LD (DIGITS_VALID),A
-        BIT 7,E
-        RET NZ
-        SRL A
-        LD C,A
-        LD B,0
-        LD HL,DIGITS
-        ADD HL,BC
-        LD B,C
+_left:
+        LD A,(DIGITS)           ; the first digit on top
+        CP 10h
+        RET NC
+        PUSH HL
+        LD B,IXL
         INC B
+        XOR A
+_digit:
+        RLD
+        DEC HL
+        DJNZ _digit
+        LD HL,FIRST_EXPONENT
+        DEC (HL)
+        POP HL
+        JR _left
+
+; Rounds the digits to A of them, which may be 0 or below, and to as many as the type has at most.
+; Out:  DIGITS_VALID, at least 1 when it was rounded up to a power of ten
+; Uses: AF, B, HL
+round_digits:
+        LD HL,DIGITS_VALID
+        LD (HL),0
+        OR A
+        RET M
+        LD B,A
+        RST 20h
+        LD A,DOUBLE_DIGITS
+        JR NC,_most
+        LD A,USING_SINGLE
+_most:
+        CP B
+        JR C,_valid
+        LD A,B
+_valid:
+        LD (HL),A
+        ADD A,2 * (DIGITS & 0FFh)
+        SRL A
+        LD L,A
         LD A,50h
-        BIT 0,E
-        JR Z,_add
+        JR NC,_add
         LD A,05h
 _add:
         ADD A,(HL)
         DAA
         LD (HL),A
         RET NC
-        DEC HL
+        DEC L
+        LD A,L
+        CP (DIGITS & 0FFh) - 1
         LD A,1
-        DJNZ _add
-        INC HL
+        JR NZ,_add
+        INC L
         LD (HL),10h
-        LD HL,FIRST_EXPONENT
+        LD L,FIRST_EXPONENT & 0FFh
         INC (HL)
-        INC HL                  ; DIGITS_VALID: the new 1 counts
+        INC L                   ; DIGITS_VALID: the new 1 counts
         LD A,(HL)
         OR A
         RET NZ
@@ -180,20 +171,15 @@ _add:
 ; In:   C number of the digit
 ; Out:  A, C next
 digit:
-        LD A,C
-        INC C
-        OR A
-        JP M,_none
         PUSH HL
         LD HL,DIGITS_VALID
+        LD A,C
+        INC C
         CP (HL)
-        JR NC,_behind
+        JR NC,_none             ; or below 0
+        ADD A,2 * (DIGITS & 0FFh)
         SRL A
-        LD HL,DIGITS
-        PUSH AF
-        ADD A,L
         LD L,A
-        POP AF
         LD A,(HL)
         JR C,_low
         RRCA
@@ -202,51 +188,52 @@ digit:
         RRCA
 _low:
         AND 0Fh
+        DEFB 0FEh               ; CP n
+_none:
+        XOR A
         ADD A,'0'
         POP HL
         RET
-_behind:
-        POP HL
-_none:
-        LD A,'0'
-        RET
 
-; B digits, B not 0, from number C to HL.
+; The point and B digits, from number C, to HL.
+put_fraction:
+        LD (HL),'.'
+        INC HL
+; B digits from number C to HL.
 put_digits:
+        INC B
+        JR _test
+_digit:
         CALL digit
         LD (HL),A
         INC HL
-        DJNZ put_digits
+_test:
+        DJNZ _digit
         RET
 
 ; Letter and exponent A to HL.
-; Uses: AF, DE
+; Uses: AF, B
 put_exponent:
-        LD E,A
-        LD A,(NUMBER_TYPE)
-        CP TYPE_DOUBLE
+        LD B,A
+        RST 20h
         LD A,'D'
-        JR Z,_letter
-        INC A
-_letter:
+        ADC A,0                 ; E of a single
         LD (HL),A
         INC HL
-        LD A,E
+        LD (HL),'+'
+        LD A,B
         OR A
-        LD D,'+'
         JP P,_sign
         NEG
-        LD D,'-'
+        LD (HL),'-'
 _sign:
-        LD (HL),D
         INC HL
-        LD D,'0' - 1
+        LD (HL),'0' - 1
 _ten:
-        INC D
+        INC (HL)
         SUB 10
         JR NC,_ten
         ADD A,10 + '0'
-        LD (HL),D
         INC HL
         LD (HL),A
         INC HL
@@ -264,25 +251,53 @@ format_number:
 _positive:
         CALL num_abs
         LD HL,(ACCUMULATOR)
-        LD A,(NUMBER_TYPE)
-        CP TYPE_SINGLE
-        JR C,_whole
-        LD HL,0
+        RST 20h
+        JP M,_whole
         LD A,(ACC_EXPONENT)
-        OR A
-        JR Z,_whole
         CP BIAS + 17
         JR NC,_digits
         CALL to_word
         LD A,E
         OR A
-        JR Z,_whole
+        JR NZ,_digits
+_whole:
+        LD DE,NUMBER_TEXT + 1
+        LD BC,-10000
+        CALL _power
+        LD BC,-1000
+        CALL _power
+        LD BC,-100
+        CALL _power
+        LD C,-10 & 0FFh
+        CALL _power
+        LD A,L
+        ADD A,'0'
+        LD (DE),A
+        INC DE
+        EX DE,HL
+        JR end_number
+_power:
+        LD A,'0' - 1
+_count:
+        INC A
+        ADD HL,BC
+        JR C,_count
+        SBC HL,BC
+        CP '0'
+        JR NZ,_put
+        LD A,E
+        CP NUMBER_TEXT + 1 & 0FFh
+        RET Z
+        LD A,'0'
+_put:
+        LD (DE),A
+        INC DE
+        RET
 _digits:
         CALL make_digits
-        LD A,(NUMBER_TYPE)
-        CP TYPE_DOUBLE
+        RST 20h
         LD A,DOUBLE_DIGITS
-        JR Z,_round
+        JR NC,_round
         LD A,SINGLE_DIGITS
 _round:
         PUSH AF
@@ -310,10 +325,7 @@ _trimmed:
         JR NC,_before
         DEC A
         LD B,A                  ; digits before the point
-        DEC A
         JP P,_before
-        INC A
-        JR Z,_behind
         LD C,A
         JR _behind
 _before:
@@ -321,51 +333,15 @@ _before:
 _behind:
         LD A,(DIGITS_VALID)
         SUB C
-        JR Z,_exponent
-        JP M,_exponent
         LD B,A
-        LD (HL),'.'
-        INC HL
-        CALL put_digits
+        DEC A
+        JP M,_exponent
+        CALL put_fraction
 _exponent:
         POP AF
         LD A,(FIRST_EXPONENT)
         CALL NC,put_exponent
+end_number:
         LD (HL),0
         LD HL,NUMBER_TEXT
-        RET
-_whole:
-        LD DE,NUMBER_TEXT + 1
-        LD BC,-10000
-        CALL _power
-        LD BC,-1000
-        CALL _power
-        LD BC,-100
-        CALL _power
-        LD BC,-10
-        CALL _power
-        LD A,L
-        ADD A,'0'
-        LD (DE),A
-        INC DE
-        XOR A
-        LD (DE),A
-        LD HL,NUMBER_TEXT
-        RET
-_power:
-        LD A,'0' - 1
-_count:
-        INC A
-        ADD HL,BC
-        JR C,_count
-        SBC HL,BC
-        CP '0'
-        JR NZ,_put
-        LD A,E
-        CP NUMBER_TEXT + 1 & 0FFh
-        RET Z
-        LD A,'0'
-_put:
-        LD (DE),A
-        INC DE
         RET

@@ -3,18 +3,17 @@
 
 SINGLE_DIGITS   EQU 6
 DOUBLE_DIGITS   EQU 16
-SINGLE_WORK     EQU 8           ; digits made before they are rounded
-DOUBLE_WORK     EQU 18
 FOUND_POINT     EQU 0           ; bits of D while a number is read
 FOUND_LETTER    EQU 1
 
 clear_wide:
         LD HL,WIDE
         LD B,12
-_byte:
+; B bytes from HL become 0.
+clear_bytes:
         LD (HL),0
         INC HL
-        DJNZ _byte
+        DJNZ clear_bytes
         RET
 
 ; WIDE * 10 + C.

@@ -1,271 +1,182 @@
 ; PRINT USING.
 
-USING_EXPONENT    EQU 0           ; flags of a field
-USING_BEHIND      EQU 2
-USING_PLUS        EQU 3
-USING_DOLLAR      EQU 4
-USING_ASTERISKS   EQU 5
-USING_COMMAS      EQU 6
-FIELD_FLAGS     EQU WIDE        ; while the text is made
-FIELD_BEFORE    EQU WIDE + 1
-FIELD_BEHIND    EQU WIDE + 2
-FIELD_SIGN      EQU WIDE + 3
+USING_EXPONENT  EQU 0           ; flags of a field
+USING_BEHIND    EQU 2
+USING_PLUS      EQU 3
+USING_DOLLAR    EQU 4
+USING_ASTERISKS EQU 5
+USING_COMMAS    EQU 6
+USING_SIGNS     EQU 1 << USING_BEHIND | 1 << USING_PLUS
 USING_SINGLE    EQU 7           ; most digits that are not 0
 
 ; The accumulator in a field. The sign takes one of the places before the point when nothing else
 ; is said; the dollar sign, a plus in front and a sign behind take one of their own.
-; In:   A flags, B places before the point with those for commas, C places behind it plus 1 or 0
+; In:   D flags, E places before the point with those for commas, C places behind it plus 1 or 0
 ; Out:  HL text, ended by 0
 ; Uses: all
 format_using:
-        PUSH BC
-        PUSH AF
+        LD IYL,C
         CALL num_sign
-        LD A,'-'
+        LD A,'-'                ; the sign that is shown: minus, plus, blank, or none
         JP M,_sign
+        LD A,'+'
+        BIT USING_PLUS,D
+        JR NZ,_sign
+        LD A,' '
+        BIT USING_BEHIND,D
+        JR NZ,_sign
         XOR A
 _sign:
-        PUSH AF
+        LD IYH,A
+        EXX                     ; flags and places wait there
         CALL num_abs
-        LD A,(NUMBER_TYPE)
-        CP TYPE_SINGLE
-        CALL C,to_single
-        LD A,(ACC_EXPONENT)
-        OR A
-        JR Z,_zero
+        RST 20h
+        CALL M,to_single
         CALL make_digits
-        JR _made
-_zero:
-        LD (FIRST_EXPONENT),A
-        LD HL,DIGITS
-        LD B,9
-_clear:
-        LD (HL),A
-        INC HL
-        DJNZ _clear
-_made:
-        POP BC
-        POP AF
-        POP DE
-        LD C,A                  ; C flags, B sign, D and E places
-        LD HL,FIELD_FLAGS
-        LD (HL),C
-        INC HL
-        LD (HL),D
-        INC HL
-        LD (HL),E
-        INC HL
-        LD A,B                  ; the sign that is shown: minus, plus, blank, or none
-        OR A
-        JR NZ,_known
-        BIT USING_PLUS,C
-        LD A,'+'
-        JR NZ,_known
-        BIT USING_BEHIND,C
-        LD A,' '
-        JR NZ,_known
-        XOR A
-_known:
-        LD (HL),A
-        LD A,E
-        OR A
-        JR Z,_places
-        DEC A
-_places:
-        LD E,A                  ; places behind the point
-        BIT USING_EXPONENT,C
-        JP NZ,_scientific
-        LD A,(FIRST_EXPONENT)
-        INC A
-        ADD A,E
-        CALL using_round
-        LD A,(FIRST_EXPONENT)
-        INC A
-        JP P,_before
-        XOR A
-_before:
-        LD C,A                  ; digits before the point
-        LD HL,FIELD_FLAGS
-        LD D,0
-        BIT USING_COMMAS,(HL)
-        JR Z,_room
+        EXX
+        LD C,0                  ; number of the first digit shown
+        LD A,IYL
         SUB 1
-        JR C,_room
+        ADC A,C
+        LD B,A                  ; places behind the point
+        BIT USING_EXPONENT,D
+        JR NZ,_scientific
+        LD A,(FIRST_EXPONENT)
+        INC A
+        ADD A,B
+        CALL round_digits
+        LD A,(FIRST_EXPONENT)
+        INC A
+        LD L,A                  ; digits before the point
+        JP P,_before
+        LD C,A
+        LD L,0
+_before:
+        LD A,E
+        SUB L
+        LD H,A                  ; what is left before them
+        BIT USING_COMMAS,D
+        JR Z,_room
+        LD A,L
+        DEC A
 _thousand:
         SUB 3
-        JR C,_room
-        INC D
+        JP M,_room
+        DEC H
         JR _thousand
+_scientific:
+        LD A,D
+        AND 1 << USING_PLUS | 1 << USING_BEHIND | 1 << USING_EXPONENT
+        LD D,A
+        DEC A                   ; the exponent alone: a place is for the sign
+        LD L,E
+        JR NZ,_all
+        LD A,E
+        SUB 1
+        ADC A,0
+        LD L,A
+_all:
+        LD A,L
+        ADD A,B
+        PUSH HL
+        CALL round_digits
+        POP HL
+        LD A,E
+        SUB L
+        LD H,A
 _room:
-        INC HL
-        LD A,(HL)
-        SUB C
-        SUB D
-        LD B,A                  ; what is left before them
-        DEC HL
-        LD A,(HL)
-        AND 1 << USING_BEHIND | 1 << USING_PLUS
+        LD A,D
+        AND USING_SIGNS
         JR NZ,_own_place
-        LD A,(FIELD_SIGN)
-        OR A
+        OR IYH
         JR Z,_own_place
-        DEC B
+        DEC H
 _own_place:
-        LD A,C
+        LD A,D
+        RRA
+        LD A,L
+        JR C,_start
         OR A
         JR NZ,_start
-        LD A,B
+        LD A,H
         DEC A
         JP M,_start             ; no room for a 0 before the point
-        LD B,A
-        INC C
+        LD H,A
+        INC L
+        DEC C
 _start:
+        LD A,H
+        LD E,L
         LD HL,NUMBER_TEXT
-        LD A,B
         OR A
         JP P,_fits
         LD (HL),'%'
         INC HL
-        LD B,0
+        XOR A
 _fits:
-        LD A,(FIELD_FLAGS)
-        BIT USING_ASTERISKS,A
-        LD A,' '
-        JR Z,_fill
-        LD A,'*'
-_fill:
-        INC B
-        JR _filled
+        INC A
 _filler:
-        LD (HL),A
-        INC HL
+        DEC A
+        JR Z,_front
+        LD (HL),' '
+        BIT USING_ASTERISKS,D
+        JR Z,_filled
+        LD (HL),'*'
 _filled:
-        DJNZ _filler
-        CALL using_front
-        LD A,(FIELD_FLAGS)
-        BIT USING_DOLLAR,A
+        INC HL
+        JR _filler
+_front:
+        BIT USING_BEHIND,D
+        CALL Z,using_sign
+        BIT USING_DOLLAR,D
         JR Z,_digits
         LD (HL),'$'
         INC HL
 _digits:
-        LD B,C
-        LD A,(FIRST_EXPONENT)
-        INC A
-        SUB B
-        LD C,A                  ; number of the first digit shown
+        LD B,E
         INC B
-        DEC B
-        JR Z,_point
+        JR _next
 _digit:
         CALL digit
         LD (HL),A
         INC HL
-        DEC B
-        JR Z,_point
-        LD A,(FIELD_FLAGS)
-        BIT USING_COMMAS,A
-        JR Z,_digit
+        BIT USING_COMMAS,D
+        JR Z,_next
         LD A,B
+        DEC A
+        JR Z,_next
 _modulo:
         SUB 3
-        JR Z,_comma
-        JR NC,_modulo
-        JR _digit
-_comma:
+        JR C,_next
+        JR NZ,_modulo
         LD (HL),','
         INC HL
-        JR _digit
-_point:
-        CALL using_fraction
-        JR using_end
-_scientific:
-        LD A,C                  ; places for digits: all but that of a sign
-        AND 1 << USING_BEHIND | 1 << USING_PLUS
-        LD A,D
-        JR NZ,_all
+_next:
+        DJNZ _digit
+        LD A,IYL
         SUB 1
-        ADC A,0
-_all:
-        LD D,A
-        ADD A,E
-        PUSH DE
-        CALL using_round
-        POP DE
-        LD HL,NUMBER_TEXT
-        LD A,(FIELD_BEFORE)
-        SUB D
-        JR Z,_signed
-        LD A,(FIELD_SIGN)
-        OR A
-        JR NZ,_signed
-        LD (HL),' '
-        INC HL
-_signed:
-        CALL using_front
-        LD C,0
-        LD B,D
-        LD A,D
-        OR A
-        CALL NZ,put_digits
-        PUSH DE
-        CALL using_fraction
-        POP DE
+        LD B,A
+        CALL NC,put_fraction
+        BIT USING_EXPONENT,D
+        JR Z,_end
         LD A,(ACC_EXPONENT)
         OR A
         JR Z,_exponent
         LD A,(FIRST_EXPONENT)
         INC A
-        SUB D
+        SUB E
 _exponent:
         CALL put_exponent
-using_end:
-        LD A,(FIELD_FLAGS)
-        BIT USING_BEHIND,A
-        JR Z,_end
-        LD A,(FIELD_SIGN)
-        LD (HL),A
-        INC HL
 _end:
-        LD (HL),0
-        LD HL,NUMBER_TEXT
-        RET
+        BIT USING_BEHIND,D
+        CALL NZ,using_sign
+        JP end_number
 
-; Rounds to A digits, as many as the type has at most.
-using_round:
-        OR A
-        JP M,round_digits
-        LD B,A
-        LD A,(NUMBER_TYPE)
-        CP TYPE_DOUBLE
-        LD A,DOUBLE_DIGITS
-        JR Z,_limit
-        LD A,USING_SINGLE
-_limit:
-        CP B
-        JP C,round_digits
-        LD A,B
-        JP round_digits
-
-; The sign, where it stands in front.
-using_front:
-        LD A,(FIELD_FLAGS)
-        BIT USING_BEHIND,A
-        RET NZ
-        LD A,(FIELD_SIGN)
+; The sign, if one is shown.
+using_sign:
+        LD A,IYH
         OR A
         RET Z
         LD (HL),A
         INC HL
         RET
-
-; The point and the places behind it, from digit number C.
-using_fraction:
-        LD A,(FIELD_BEHIND)
-        OR A
-        RET Z
-        LD (HL),'.'
-        INC HL
-        DEC A
-        RET Z
-        LD B,A
-        JP put_digits

@@ -181,8 +181,6 @@ _behind:
         DEC B
 _format:
         CALL keep_place
-        LD A,D
-        LD B,E
         CALL format_using
         JP put_text
 
