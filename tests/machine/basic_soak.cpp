@@ -1,13 +1,16 @@
-/// Whatever is typed, BREAK or the reset key brings the prompt back, and the reset key keeps the
-/// program. The normal run is short; BASIC_SOAK=<bursts> in the environment makes it longer and
+/// Whatever is typed or stands in a program, BREAK or the reset key brings the prompt back, and the
+/// reset key keeps the program; on all models, without and with the disk ROM and a disk. The normal
+/// run is short; BASIC_SOAK=<hours of the machine> in the environment makes it longer and
 /// BASIC_SOAK_SEED another one.
 
 #include "cgenie/memory/memory.h"
 #include "cgenie/typing/typing.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"
+#include "media/files/drive_files.h"
 #include "media/traps.h"
 #include "support/basic_machine.h"
+#include "support/test_files.h"
 
 #include <gtest/gtest.h>
 
@@ -20,6 +23,12 @@ namespace {
 
 constexpr unsigned PROGRAM_START = 0x5801, PROGRAM_END = 0x40F9;
 constexpr int BURST_FRAMES = 150, KEY_FRAMES = 12, PROMPT_FRAMES = 150;
+constexpr double FRAMES_PER_HOUR = 50.0 * 3600;
+
+/// Tokens of words that may write over the system, or wait for a cassette: POKE OUT SYSTEM CLOAD
+/// CSAVE USR, and CALL and VERIFY behind FF.
+constexpr uint8_t DANGEROUS[] = {0xB1, 0xA0, 0xAE, 0xB9, 0xBA, 0xC1};
+constexpr uint8_t TWO_BYTE_CALL = 0x96, TWO_BYTE_VERIFY = 0x97;
 
 // Without the words that may write over the system, and those that wait for a cassette.
 constexpr const char* WORDS[] = {
@@ -44,21 +53,32 @@ constexpr const char* WORDS[] = {
     "%",       "$",       "?",     " ",      "0",       "1",       "2",      "3",       "9",
     "10",      "20",      "255",   "256",    "32767",   "65535",   "1E38",   "-1"};
 
-int number_of(const char* variable, int otherwise) {
+double number_of(const char* variable, double otherwise) {
     const char* text = std::getenv(variable);
-    return text ? std::atoi(text) : otherwise;
+    return text ? std::atof(text) : otherwise;
 }
 
 class Soak {
 public:
-    Soak() {
-        machine_.boot(0, trial_rom());
-        random_.seed(unsigned(number_of("BASIC_SOAK_SEED", 1)));
+    Soak(int slot, bool disk) : disk_(disk) {
+        random_.seed(unsigned(number_of("BASIC_SOAK_SEED", 1)) * 6 + unsigned(slot * 2 + disk));
+        if (disk) {
+            write_file("soak.dsk", std::vector<uint8_t>(40 * 10 * 256, 0xE5));
+            machine_cfg[slot].expansion_rom = 0;
+            EXPECT_EQ(diskimg_attach(0, "soak.dsk"), 1);
+        }
+        machine_.boot(slot, trial_rom());
+        if (disk) machine_.type("FORMAT 0\nY\n");
+    }
+    ~Soak() {
+        if (disk_) diskimg_detach(0, false);
     }
 
     void burst() {
-        typed_ = random_() % 4 ? soup() : noise();
+        const unsigned kind = random_() % 8;
+        typed_ = kind < 5 ? soup() : kind < 7 ? noise() : tokens();
         machine_.type(typed_, BURST_FRAMES);
+        frames_ += machine_.frames();
         keyboard_type_reset();
         memory_remove_bas_trap();
         press_break();
@@ -81,6 +101,7 @@ public:
         EXPECT_EQ(program(), before) << "the reset key changed the program" << report();
     }
     int resets() const { return resets_; }
+    int64_t frames() const { return frames_; }
 
 private:
     std::string line_of_words() {
@@ -101,7 +122,7 @@ private:
     std::string direct_lines() {
         std::string text;
         for (unsigned lines = 1 + random_() % 4; lines > 0; --lines) text += line_of_words();
-        for (const char* word : {"NEW", "DELETE", "RENUM", "AUTO", "EDIT"})
+        for (const char* word : {"NEW", "DELETE", "RENUM", "AUTO", "EDIT", "LOAD", "MERGE", "RUN"})
             if (text.find(word) != std::string::npos) text.clear();
         for (size_t at = 0; at < text.size(); at = text.find('\n', at) + 1)
             if (std::isdigit(text[at]) || text[at] == ' ') text.insert(at, ":");
@@ -117,7 +138,41 @@ private:
             if (text.find(word) != std::string::npos) text.clear();
         return text + "\n";
     }
-    static void run(int frames) {
+    /// A program of any bytes, as a file may bring it in, and what is done with it.
+    std::string tokens() {
+        unsigned at = PROGRAM_START;
+        for (unsigned line = 1 + random_() % 20; line > 0; --line) {
+            const unsigned start = at;
+            put_word(at + 2, line_number_ = uint16_t(line_number_ + random_() % 1000));
+            at += 4;
+            for (unsigned count = 1 + random_() % 120; count > 0; --count) {
+                auto byte = uint8_t(random_() % 3 ? 0x80 + random_() % 128 : 1 + random_() % 127);
+                if (std::ranges::find(DANGEROUS, byte) != std::end(DANGEROUS) ||
+                    byte == TWO_BYTE_CALL || byte == TWO_BYTE_VERIFY)
+                    byte = ':';
+                memory[at++] = byte;
+            }
+            memory[at++] = 0;
+            put_word(start, at);
+        }
+        put_word(at, 0);
+        for (const unsigned cell : {PROGRAM_END, PROGRAM_END + 2, PROGRAM_END + 4})
+            put_word(cell, at + 2);
+        const char* const acts[] = {"RUN\n",
+                                    "LIST\n",
+                                    "RENUM\n",
+                                    "EDIT.\nX1\n",
+                                    "GOTO500\n",
+                                    "DELETE-100\n",
+                                    "RUN\nLIST\nSAVE\"A\",A\nLOAD\"A\"\n"};
+        return acts[random_() % std::size(acts)];
+    }
+    static void put_word(unsigned address, unsigned value) {
+        memory[address] = uint8_t(value);
+        memory[address + 1] = uint8_t(value >> 8);
+    }
+    void run(int frames) {
+        frames_ += frames;
         while (frames-- > 0) machine_run();
     }
     void press_break() {
@@ -131,7 +186,9 @@ private:
         run(KEY_FRAMES);
     }
     bool answers() {
-        if (!machine_.type("\nLGR:COLOUR1:CLS\nPRINT 7*6;\n", PROMPT_FRAMES)) return false;
+        const bool idle = machine_.type("\nLGR:COLOUR1:CLS\nPRINT 7*6;\n", PROMPT_FRAMES);
+        frames_ += machine_.frames();
+        if (!idle) return false;
         const auto rows = machine_.screen();
         return std::ranges::find(rows, " 42") != rows.end() && rows.back() == ">";
     }
@@ -162,18 +219,25 @@ private:
     BasicMachine machine_;
     std::mt19937 random_;
     std::string typed_;
+    uint16_t line_number_ = 0;
+    int64_t frames_ = 0;
     int resets_ = 0;
+    bool disk_;
 };
 
 TEST(BasicSoak, BreakOrResetBringsThePromptBackAndTheProgramStays) {
-    const int bursts = number_of("BASIC_SOAK", 100);
-    Soak soak;
-    for (int i = 0; i < bursts && !testing::Test::HasFailure(); ++i) {
-        soak.burst();
-        if (i % 5 == 0) soak.reset_keeps_program();
+    const double hours = number_of("BASIC_SOAK", 0.1);
+    for (int variant = 0; variant < 6 && !testing::Test::HasFailure(); ++variant) {
+        SCOPED_TRACE(variant);
+        Soak soak(variant / 2, variant % 2);
+        int bursts = 0;
+        while (soak.frames() < hours * FRAMES_PER_HOUR / 6 && !testing::Test::HasFailure()) {
+            soak.burst();
+            if (++bursts % 5 == 0) soak.reset_keeps_program();
+        }
+        // BREAK does it alone but for a wait for the printer.
+        EXPECT_LE(soak.resets(), 1 + bursts / 20);
     }
-    // BREAK does it alone but for a wait for the printer.
-    EXPECT_LE(soak.resets(), 1 + bursts / 20);
 }
 
 } // namespace
