@@ -24,6 +24,7 @@ namespace {
 constexpr unsigned PROGRAM_START = 0x5801, PROGRAM_END = 0x40F9;
 constexpr int BURST_FRAMES = 150, KEY_FRAMES = 12, PROMPT_FRAMES = 150;
 constexpr double FRAMES_PER_HOUR = 50.0 * 3600;
+constexpr const char* DISK = TEST_BINARY_DIR "/soak.dsk";
 
 /// Tokens of words that may write over the system, or wait for a cassette: POKE OUT SYSTEM CLOAD
 /// CSAVE USR, and CALL and VERIFY behind FF.
@@ -63,9 +64,9 @@ public:
     Soak(int slot, bool disk) : disk_(disk) {
         random_.seed(unsigned(number_of("BASIC_SOAK_SEED", 1)) * 6 + unsigned(slot * 2 + disk));
         if (disk) {
-            write_file("soak.dsk", std::vector<uint8_t>(40 * 10 * 256, 0xE5));
+            write_file(DISK, std::vector<uint8_t>(40 * 10 * 256, 0xE5));
             machine_cfg[slot].expansion_rom = 0;
-            EXPECT_EQ(diskimg_attach(0, "soak.dsk"), 1);
+            EXPECT_EQ(diskimg_attach(0, DISK), 1);
         }
         machine_.boot(slot, trial_rom());
         if (disk) machine_.type("FORMAT 0\nY\n");
