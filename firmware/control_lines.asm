@@ -379,13 +379,7 @@ _two_bytes:
         INC DE
         LD A,C
         ADD A,EXTENDED_WORDS
-        CP WORD_FCOLOU
-        JP NZ,_store
-        CALL _put
-        CP 'R'
-        JP NZ,_next
-        INC HL                  ; FCOLOUR
-        JP _next
+        JP _store
 ; In:   A byte of the line made
 ; Out:  A next character as a capital
 _put:

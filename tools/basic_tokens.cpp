@@ -12,7 +12,6 @@ using namespace std::literals;
 
 constexpr unsigned FIRST_TOKEN = 0x80, TAPE_MARK = 0xFF, EXTENDED = 0xFF;
 constexpr unsigned DATA = 0x88, REM = 0x93, ELSE = 0x95, PRINT = 0xB2, QUOTE = 0xFB;
-constexpr unsigned FCOLOU = 0x81; ///< second byte
 constexpr unsigned PROGRAM_START = 0x5801, MEMORY_END = 0xC000, LAST_NUMBER = 65529;
 constexpr unsigned LINE_HEAD = 4; ///< address of the next line, number
 
@@ -190,9 +189,6 @@ private:
     void put_word(unsigned token) {
         if (token < FIRST_TOKEN) {
             out_.insert(out_.end(), {EXTENDED, uint8_t(FIRST_TOKEN + token)});
-            // The word ends before the R that a listing may write.
-            if (FIRST_TOKEN + token == FCOLOU && at_ < line_.size() && line_[at_].capital() == 'R')
-                ++at_;
             return;
         }
         if (token == ELSE) out_.push_back(':');
@@ -251,9 +247,7 @@ private:
         if (byte == EXTENDED) {
             const unsigned number = ahead(1) - FIRST_TOKEN;
             if (number >= EXTENDED_WORDS.size()) return character();
-            // With the R the word stays the same and reads better.
-            const std::string tail = number + FIRST_TOKEN == FCOLOU ? "R" : "";
-            return take(2, std::string(EXTENDED_WORDS[number]) + tail);
+            return take(2, std::string(EXTENDED_WORDS[number]));
         }
         if (byte < FIRST_TOKEN || byte == ELSE || byte == QUOTE ||
             byte - FIRST_TOKEN >= WORDS.size())
