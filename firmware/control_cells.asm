@@ -33,6 +33,7 @@ LIST_LAST       EQU 43E2h       ; last line number of a range
 ; A line is made into tokens below the line buffer: the text grows by two bytes at most before it
 ; meets what is still to be read.
 TOKEN_BUFFER    EQU LINE_BUFFER - 4
+LAST_NUMBER     EQU 65529
 LIST_LENGTH     EQU 250         ; of a line with its words written out
 
 ; Rooms kept between the stack and what grows towards it.

@@ -76,6 +76,7 @@ store_line:
         LD HL,TOKEN_BUFFER
         LD BC,(LINE_SIZE)
         LDIR
+auto_off:
         POP HL
         CALL relink
         CALL clear_variables
@@ -87,7 +88,6 @@ reset_devices:
         CALL reset_temporaries
         XOR A
         LD (OUTPUT_DEVICE),A
-auto_off:
         LD (AUTO_ON),A
         RET
 
@@ -129,10 +129,10 @@ _exists:
         LD HL,(AUTO_STEP)
         ADD HL,DE
         LD (AUTO_NUMBER),HL
-        SBC A,A
-        OR H
-        INC A
-        CALL Z,auto_off         ; numbers end
+        CALL C,auto_off
+        LD BC,65536 - LAST_NUMBER - 1
+        ADD HL,BC
+        CALL C,auto_off         ; numbers end
         LD HL,LINE_BUFFER
         LD A,(HL)
         OR A
