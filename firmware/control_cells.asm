@@ -32,9 +32,10 @@ LIST_LAST       EQU 43E2h       ; last line number of a range
 
 ; A line is made into tokens below the line buffer: the text grows by two bytes at most before it
 ; meets what is still to be read.
-TOKEN_BUFFER    EQU LINE_BUFFER - 4
+TOKEN_BUFFER    EQU LINE_BUFFER - 3
+LINE_HEAD       EQU 4           ; link and number of a line
 LAST_NUMBER     EQU 65529
-LIST_LENGTH     EQU 250         ; of a line with its words written out
+LIST_LENGTH     EQU 251         ; of LINE_BUFFER with the text of a line for EDIT, 0 behind it
 
 ; Rooms kept between the stack and what grows towards it.
 STACK_ROOM      EQU 80
@@ -50,4 +51,4 @@ FOR_VARIABLE    EQU 4088h
 NEXT_TEXT       EQU 408Ah
 FOR_LIMIT       EQU 43E6h       ; four bytes
 FOR_KIND        EQU 43EAh
-LINE_SIZE       EQU 43EBh       ; of a line to be stored, with its 0
+LINE_SIZE       EQU 43EBh       ; of a line to be stored, with its head and its 0

@@ -1,54 +1,61 @@
 ; EDIT: a line of the program is changed by commands of one key.
 ;
-; HL is the place in LINE_BUFFER, C the count typed before a command.
+; HL is the place in LINE_BUFFER, B the count typed before a command, C 0.
 
-; EDIT line
+; EDIT line. Where a line is too long with its words in full, PRINT is ?.
 stmt_edit:
-        LD A,(HL)
         CALL number_or_dot
         RET NZ
-        POP BC                  ; new_statement
         LD (EDIT_LINE),DE
-_again:
+_reload:
+        POP DE                  ; new_statement, _command
         LD DE,(EDIT_LINE)
         CALL before_line
-        INC HL
-        INC HL
-        INC HL
-        INC HL
-        INC HL
+        LD BC,5
+        ADD HL,BC
+_words:
+        PUSH HL
+        LD DE,LINE_BUFFER
         CALL detokenize
+        LD (DE),A
+        POP HL
+        LD A,E
+        CP LOW (LINE_BUFFER + LIST_LENGTH - 1)
+        JR NZ,_line
+        LD A,B
+        LD B,TOKEN_PRINT
+        CP B
+        JR NZ,_words
+        JP error_ls
 _line:
+        CALL text_screen_row
         LD HL,(EDIT_LINE)
-        CALL print_line_number
-        LD A,' '
-        CALL print_entry
+        CALL list_number
         LD HL,LINE_BUFFER
 _command:
-        LD C,0
+        LD BC,0
 _key:
-        CALL wait_for_key
+        CALL _wait
         CALL capital
         LD E,A
         SUB '0'
         CP 10
         JR NC,_letter
-        LD B,A                  ; the count, ten times and the digit
-        LD A,C
+        LD D,A                  ; the count, ten times and the digit
+        LD A,B
         ADD A,A
-        ADD A,A
-        ADD A,C
         ADD A,A
         ADD A,B
-        LD C,A
+        ADD A,A
+        ADD A,D
+        LD B,A
         JR _key
 _letter:
-        LD A,C
-        OR A
+        INC B
+        DEC B
         JR NZ,_counted
-        INC C
+        INC B
 _counted:
-        LD B,C
         LD A,E
         LD DE,_command
         PUSH DE                 ; where commands return
@@ -57,45 +64,41 @@ _counted:
 _next:
         INC HL
         BIT 7,(HL)
-        JR NZ,_unknown
+        JR NZ,_routine
         CP (HL)
         INC HL
         JR NZ,_next
+_routine:
         LD E,(HL)
         LD D,0
-        LD HL,_forward
+        LD HL,_enter
         ADD HL,DE
         EX (SP),HL
         RET
-_unknown:
-        POP HL
-        RET
-_commands:
-        DEFB ' ', _forward - _forward
-        DEFB BACKSPACE, _back - _forward
-        DEFB RETURN, _enter - _forward
-        DEFB 'E', _save - _forward
-        DEFB 'Q', _quit - _forward
-        DEFB BREAK, _quit - _forward
-        DEFB 'L', _list - _forward
-        DEFB 'A', _reload - _forward
-        DEFB 'X', _extend - _forward
-        DEFB 'H', _hack - _forward
-        DEFB 'I', _insert - _forward
-        DEFB 'D', _delete - _forward
-        DEFB 'C', _change - _forward
-        DEFB 'S', _search - _forward
-        DEFB 'K', _kill - _forward
-        DEFB 80h
-
-_forward:
+_enter:
+        CALL print_text
+_save:
+        CALL new_screen_row
+        LD HL,LINE_BUFFER
+        LD DE,(EDIT_LINE)
         LD A,(HL)
         OR A
-        RET Z
-        CALL print_entry
-        INC HL
-        DJNZ _forward
-        RET
+        JP NZ,store_line
+_anew:
+        JR _reload              ; a line without text would go
+_show:
+        CALL print_text
+        POP DE
+        JR _line
+
+; A key; BREAK leaves.
+_wait:
+        CALL wait_for_key
+        CP BREAK
+        RET NZ
+_quit:
+        JP ready
+
 _back:
         CALL _step_back
         DJNZ _back
@@ -109,39 +112,18 @@ _step_back:
         CALL print_entry
         OR H                    ; NZ
         RET
-_list:
-        CALL print_text
-        CALL new_screen_row
-        POP DE
-        JP _line
-_reload:
-        CALL new_screen_row
-        POP DE
-        JP _again
-_quit:
-        CALL new_screen_row
-        JP prompt
-_enter:
-        CALL print_text
-_save:
-        CALL new_screen_row
-        LD HL,LINE_BUFFER
-        LD DE,(EDIT_LINE)
-        JP store_line
 _extend:
         CALL print_text
         DEC HL
         JR _insert
 _hack:
-        LD (HL),0
+        LD (HL),C
 _insert:
-        CALL wait_for_key
+        CALL _wait
         CP ESCAPE
         RET Z
         CP RETURN
         JR Z,_enter
-        CP BREAK
-        JR Z,_quit
         CP BACKSPACE
         JR Z,_rub_out
         CP ' '
@@ -151,7 +133,7 @@ _insert:
         CALL skip_line
         LD A,L
         SUB LOW LINE_BUFFER
-        CP LINE_LENGTH
+        CP LIST_LENGTH - 2
         POP HL
         JR NC,_insert           ; full
         PUSH HL
@@ -173,43 +155,11 @@ _rub_out:
         CALL NZ,_take
         JR _insert
 
-; Takes the character at HL out.
-; Uses: AF, DE
-_take:
-        PUSH HL
-        LD D,H
-        LD E,L
-_move:
-        INC HL
-        LD A,(HL)
-        LD (DE),A
-        INC DE
-        OR A
-        JR NZ,_move
-        POP HL
-        RET
-
-; What is taken out is shown between exclamation marks.
-_delete:
-        CALL _mark
-_one:
-        LD A,(HL)
-        OR A
-        JR Z,_mark
-        CALL print_entry
-        CALL _take
-        DJNZ _one
-_mark:
-        LD A,'!'
-        JP print_entry
-
 _change:
         LD A,(HL)
         OR A
         RET Z
-        CALL wait_for_key
-        CP BREAK
-        RET Z
+        CALL _wait
         CP ' '
         JR C,_change
         LD (HL),A
@@ -218,33 +168,72 @@ _change:
         DJNZ _change
         RET
 
+; What is taken out is shown between exclamation marks.
+_kill:
+        CALL _wait
+        LD C,A
+_delete:
+        CALL _mark
+        PUSH HL
+        CALL _forward
+        POP DE
+        CALL _take_to
+_mark:
+        LD A,'!'
+        JP print_entry
+
 ; Up to the character that the next key names, which may be found several times.
 _search:
-        CALL wait_for_key
+        CALL _wait
         LD C,A
-_over:
+; In:   C 0: any character
+_forward:
         LD A,(HL)
         OR A
         RET Z
         CALL print_entry
         INC HL
-        LD A,(HL)
-        CP C
-        JR NZ,_over
-        DJNZ _over
-        RET
-_kill:
-        CALL wait_for_key
-        LD C,A
-        CALL _mark
-_out:
-        LD A,(HL)
+        LD A,C
         OR A
-        JR Z,_mark
-        CALL print_entry
-        CALL _take
+        JR Z,_any
+        CP (HL)
+        JR NZ,_forward
+_any:
+        DJNZ _forward
+_nothing:
+        RET
+
+; Takes the character at HL out, or those from DE to HL.
+; Out:  HL where they were
+; Uses: AF, DE
+_take:
+        LD D,H
+        LD E,L
+        INC HL
+_take_to:
+        PUSH DE
+_move:
         LD A,(HL)
-        CP C
-        JR NZ,_out
-        DJNZ _out
-        JR _mark
+        LD (DE),A
+        INC HL
+        INC DE
+        OR A
+        JR NZ,_move
+        POP HL
+        RET
+_commands:
+        DEFB ' ', _forward - _enter
+        DEFB BACKSPACE, _back - _enter
+        DEFB RETURN, _enter - _enter
+        DEFB 'E', _save - _enter
+        DEFB 'Q', _quit - _enter
+        DEFB 'L', _show - _enter
+        DEFB 'A', _anew - _enter
+        DEFB 'X', _extend - _enter
+        DEFB 'H', _hack - _enter
+        DEFB 'I', _insert - _enter
+        DEFB 'D', _delete - _enter
+        DEFB 'C', _change - _enter
+        DEFB 'S', _search - _enter
+        DEFB 'K', _kill - _enter
+        DEFB _nothing - _enter  ; 80 or more

@@ -46,38 +46,28 @@ _blanks:
 ; In:   DE line number, HL text, in LINE_BUFFER, ended by 0
 store_line:
         LD (EDIT_LINE),DE
+        LD (TOKEN_BUFFER - 2),DE
         CALL tokenize
         LD (LINE_SIZE),BC
         CALL clear_variables
         LD DE,(EDIT_LINE)
         CALL find_line
-        CALL Z,delete_lines
+        CALL Z,close_gap
         LD A,(TOKEN_BUFFER)
         OR A
-        JR Z,prompt
-        PUSH HL
-        LD HL,(LINE_SIZE)
-        LD BC,4                 ; link and number
-        ADD HL,BC
-        LD B,H
-        LD C,L
-        POP HL
+        JR Z,_changed
+        LD BC,(LINE_SIZE)
         CALL open_gap
         PUSH HL
-        INC HL
-        LD (HL),H               ; a link that is not 0
-        INC HL
-        LD DE,(EDIT_LINE)
-        LD (HL),E
-        INC HL
-        LD (HL),D
-        INC HL
         EX DE,HL
-        LD HL,TOKEN_BUFFER
+        LD HL,TOKEN_BUFFER - LINE_HEAD
         LD BC,(LINE_SIZE)
         LDIR
-auto_off:
         POP HL
+        INC HL
+        LD (HL),H               ; a link that is not 0
+        DEC HL
+_changed:
         CALL relink
         CALL clear_variables
         JP prompt
@@ -86,6 +76,7 @@ auto_off:
 ; Uses: AF, HL
 reset_devices:
         CALL reset_temporaries
+auto_off:
         XOR A
         LD (OUTPUT_DEVICE),A
         LD (AUTO_ON),A
@@ -159,22 +150,11 @@ open_gap:
         LD C,L
         POP HL
         POP DE
-        DEC HL
-        DEC DE
+        INC BC                  ; with a byte behind the program
         LDDR
         POP HL
         RET
 
-; Takes lines out of the program.
-; In:   HL first, BC the one behind the last
-; Out:  HL kept
-; Uses: AF, BC, DE
-delete_lines:
-        CALL close_gap
-        PUSH HL
-        CALL relink
-        POP HL
-        RET
 ; Takes bytes out of the program; the links have to be set afterwards.
 ; In:   HL first, BC the one behind the last
 ; Out:  HL kept
@@ -190,6 +170,7 @@ close_gap:
         LD C,L
         POP HL
         LDIR
+        LD (PROGRAM_END),DE
         POP HL
         RET
 
@@ -221,11 +202,13 @@ _end:
         RET
 
 ; Makes tokens of the words of a line: below LINE_BUFFER, with three bytes 0 behind.
-; In:   HL text in LINE_BUFFER, ended by 0
-; Out:  TOKEN_BUFFER, BC its length with the first 0
+; In:   HL text in LINE_BUFFER, ended by 0; for tokenize_to, DE place two bytes or more before it
+; Out:  TOKEN_BUFFER, BC the size of the line with its head and the first 0; for tokenize_to, HL
+;       place + BC - TOKEN_BUFFER
 ; Uses: AF, DE, HL
 tokenize:
         LD DE,TOKEN_BUFFER
+tokenize_to:
 _next:
         LD A,(HL)
         CP STRING_QUOTE
@@ -265,7 +248,7 @@ _end:
         LD (HL),A
         INC HL
         LD (HL),A
-        LD DE,-(TOKEN_BUFFER + 1)
+        LD DE,LINE_HEAD - TOKEN_BUFFER - 1
         ADD HL,DE
         LD B,H
         LD C,L

@@ -12,7 +12,6 @@ stmt_list:
         POP BC                  ; new_statement
         CALL find_line
 _line:
-        PUSH HL
         INC HL
         LD A,(HL)
         OR A
@@ -24,25 +23,17 @@ _line:
         INC HL
         PUSH HL
         LD HL,(LIST_LAST)
-        RST 18h
-        JP C,ready
-        LD (EDIT_LINE),DE
-        CALL test_break
+        RST 18h                 ; NZ, too, when it is beyond
+        CALL NC,test_break
         JP NZ,ready
+        LD (EDIT_LINE),DE
         EX DE,HL
-        CALL print_line_number
-        LD A,' '
-        CALL put_character
+        CALL list_number
         POP HL
+        LD B,0                  ; words in full
+        LD D,B                  ; to the device
         CALL detokenize
-        LD HL,LINE_BUFFER
-        CALL put_text
         CALL new_row
-        POP HL
-        LD A,(HL)
-        INC HL
-        LD H,(HL)
-        LD L,A
         JR _line
 
 ; Range of lines: n, n-, -n, n-m, or nothing for all of them; "." is the current line.
@@ -98,84 +89,74 @@ _behind:
         PUSH BC
         CALL find_line
         POP BC
-        CALL delete_lines
+        CALL close_gap
+        CALL relink
 program_changed:
         CALL clear_variables
         JP ready
 
 ; Writes the words of a line out.
-; In:   HL text of a line in memory
-; Out:  LINE_BUFFER, ended by 0; DE its end
-; Uses: AF, BC, HL
+; In:   HL text of a line in memory; B 0, or TOKEN_PRINT: ? for PRINT; D 0: to the device, else DE
+;       in LINE_BUFFER
+; Out:  HL the line behind, A 0; DE the end, at most the last byte of LIST_LENGTH
+; Uses: F, C
 detokenize:
-        LD DE,LINE_BUFFER
-        LD C,0                  ; bit 0 in a string, bit 7 in a remark
 _next:
         LD A,(HL)
         INC HL
         OR A
-        JR Z,_end
+        RET Z
+        LD C,A
+        CP B
+        JR Z,_print
         CP STRING_QUOTE
-        JR NZ,_no_quote
-        INC C
-_no_quote:
-        BIT 7,C
-        JR NZ,_character
-        BIT 0,C
-        JR NZ,_character
+        JR Z,_copy
         CP ':'
         JR Z,_colon
-        CP FIRST_TOKEN
-        JR C,_character
-        CP TOKEN_REM
-        JR NZ,_token
-        SET 7,C
-_token:
-        CALL put_word
-        JR _next
+        ADD A,A
+        JR C,_word
 _character:
-        CALL put_in_buffer
+        LD A,C
+        CALL put_listed
         JR _next
+_print:
+        LD C,'?'
+        JR _character
 _colon:
         LD A,(HL)
         CP TOKEN_ELSE
         JR Z,_next
         CP TOKEN_REM
-        LD A,':'
         JR NZ,_character
         INC HL
         LD A,(HL)
-        CP TOKEN_QUOTE
         DEC HL
-        LD A,':'
+        CP TOKEN_QUOTE
         JR NZ,_character
         INC HL
         INC HL
-        SET 7,C
+        LD C,0
         LD A,"'"
-        JR _character
-_end:
-        LD (DE),A
-        RET
-
-; Writes a word out.
-; In:   A token, HL behind it, DE place in LINE_BUFFER
-; Out:  HL behind the whole token, DE behind the word
-; Uses: AF
-put_word:
-        PUSH BC
-        CP EXTENDED
+        JR _copy
+_word:
+        LD A,C
+        INC A
         JR NZ,_one_byte
         LD A,(HL)
+        SUB FIRST_TOKEN
+        CP EXTENDED_WORDS
+        JR NC,_character
         INC HL
-        CP FIRST_TOKEN + EXTENDED_WORDS
-        JR NC,_unknown
-        SUB EXTENDED_WORDS
+        JR _number
 _one_byte:
-        CP TOKEN_QUOTE
-        JR NC,_unknown
-        SUB FIRST_TOKEN - EXTENDED_WORDS - 1
+        LD A,C
+        SUB FIRST_TOKEN - EXTENDED_WORDS
+        CP TOKEN_QUOTE - FIRST_TOKEN + EXTENDED_WORDS
+        JR NC,_character
+_number:
+        PUSH BC
         LD B,A
+        INC B
         PUSH HL
         LD HL,keyword_table
         JR _first
@@ -189,17 +170,33 @@ _first:
 _put:
         LD A,(HL)
         AND 7Fh
-        CALL put_in_buffer
+        CALL put_listed
         BIT 7,(HL)
         INC HL
         JR Z,_put
         POP HL
-_unknown:
         POP BC
-        RET
+        LD A,C
+        CP TOKEN_REM
+        JR NZ,_next
+        LD C,0
+; Up to a character like C.
+_copied:
+        LD A,(HL)
+        INC HL
+        OR A
+        RET Z
+        CP C
+        JR Z,_character
+_copy:
+        CALL put_listed
+        JR _copied
 
-; In:   A character, DE place in LINE_BUFFER
-put_in_buffer:
+; In:   A character, DE as for detokenize
+put_listed:
+        INC D
+        DEC D
+        JP Z,put_character
         LD (DE),A
         INC DE
         LD A,E
@@ -208,9 +205,13 @@ put_in_buffer:
         DEC DE                  ; full
         RET
 
-; Shows a number without blanks, on the device in use.
+; Shows a number without blanks, on the device in use; list_number with one behind.
 ; In:   HL
 ; Uses: all
+list_number:
+        CALL print_line_number
+        LD A,' '
+        JP put_character
 print_line_number:
         CALL line_number_text
         JP put_text

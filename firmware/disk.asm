@@ -33,6 +33,7 @@ ROWS            EQU 25          ; unused here, the same code serves 24
         INCLUDE disk_programs.asm
         INCLUDE disk_data.asm
         INCLUDE disk_format.asm
+        INCLUDE disk_lines.asm
         INCLUDE disk_same.asm
         INCLUDE disk_sectors.asm
         fill_to 0E000h

@@ -156,7 +156,12 @@ merge_text:
         CALL first_file
         CALL read_text_line
         JP C,program_loaded
-        CALL next_line_character
+        LD A,H
+        CP HIGH TEXT_SCREEN
+        LD HL,LINE_BUFFER
+        CALL NC,text_behind_program
+        DEC HL
+        RST 10h
         JR NC,merge_text        ; no number, no line of a program
         CALL line_number
 _blanks:
@@ -171,7 +176,27 @@ _blanks:
         INC HL
 _text:
         PUSH DE
-        CALL tokenize
+        LD D,H
+        LD E,L
+        DEC DE
+        DEC DE
+        PUSH DE
+        CALL tokenize_to
+        POP HL
+        PUSH HL
+        LD DE,TOKEN_BUFFER
+        OR A
+        SBC HL,DE
+        LD A,C
+        SUB L
+        LD C,A
+        LD A,B
+        SBC A,H
+        LD B,A
+        POP HL
+        LD A,H
+        CP HIGH TEXT_SCREEN
+        CALL NC,move_up
         POP DE
         CALL insert_line
         JR merge_text
@@ -204,48 +229,13 @@ _store:
         JP Z,error_ls
         OR A
         JR NZ,_character
-        CALL insert_line
-        JR merge_tokens
-
-; Puts a line into the program.
-; In:   DE number, TOKEN_BUFFER text, BC its length with the 0
-; Uses: all
-insert_line:
-        LD (LINE_SIZE),BC
-        LD (EDIT_LINE),DE
-        CALL find_line
-        CALL Z,delete_lines
-        LD A,(TOKEN_BUFFER)
-        OR A
-        JR Z,_ends
-        PUSH HL
-        LD HL,(LINE_SIZE)
-        LD BC,4                 ; link and number
+        LD HL,LINE_HEAD
         ADD HL,BC
         LD B,H
         LD C,L
-        POP HL
-        CALL open_gap
-        PUSH HL
-        INC HL
-        LD (HL),H               ; a link that is not 0
-        INC HL
-        LD DE,(EDIT_LINE)
-        LD (HL),E
-        INC HL
-        LD (HL),D
-        INC HL
-        EX DE,HL
         LD HL,TOKEN_BUFFER
-        LD BC,(LINE_SIZE)
-        LDIR
-        POP HL
-        CALL relink
-_ends:
-        LD HL,(PROGRAM_END)
-        LD (ARRAYS),HL
-        LD (FREE_SPACE),HL
-        RET
+        CALL insert_line
+        JR merge_tokens
 
 ; SAVE "name", SAVE "name",A for a text
         fill_to 0CC0Ah
@@ -287,7 +277,6 @@ _text:
         CALL begin_redirection
         LD HL,(PROGRAM_START)
 _line:
-        PUSH HL
         INC HL
         LD A,(HL)
         OR A
@@ -299,22 +288,14 @@ _line:
         INC HL
         PUSH HL
         EX DE,HL
-        CALL print_line_number
-        LD A,' '
-        CALL put_character
+        CALL list_number
         POP HL
+        LD B,0                  ; words in full
+        LD D,B                  ; to the device
         CALL detokenize
-        LD HL,LINE_BUFFER
-        CALL put_text
         CALL new_row
-        POP HL
-        LD A,(HL)
-        INC HL
-        LD H,(HL)
-        LD L,A
         JR _line
 _end:
-        POP HL
         CALL end_redirection
         CALL first_file
         CALL close_file

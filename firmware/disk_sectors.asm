@@ -421,10 +421,11 @@ _store:
         INC HL
         RET
 
-; A line of a text, up to 255 characters, to LINE_BUFFER, ended by 0.
+; A line of a text, ended by 0: up to 255 characters to LINE_BUFFER, a longer line of a program to
+; text_behind_program.
 ; In:   IX file
-; Out:  carry at the end of the file
-; Uses: AF, B, HL
+; Out:  HL end of the line, carry at the end of the file
+; Uses: AF, B, DE
 read_text_line:
         LD HL,LINE_BUFFER
         LD B,0                  ; 256 less the characters
@@ -436,7 +437,7 @@ _character:
         CP LINE_FEED
         JR Z,_feed
         DEC B
-        JP Z,error_ls
+        CALL Z,long_line
         LD (HL),A
         INC HL
         JR _character

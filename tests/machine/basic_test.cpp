@@ -37,7 +37,8 @@ TEST(BasicModels, RunTheSameCases) {
     for (const int slot : {1, 2}) {
         SCOPED_TRACE(slot);
         machine.boot(slot, trial_rom());
-        for (const char* table : {"numbers", "control", "strings"}) run_table(machine, table);
+        for (const char* table : {"numbers", "control", "strings", "listing"})
+            run_table(machine, table);
     }
 }
 

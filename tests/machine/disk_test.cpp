@@ -195,6 +195,14 @@ TEST(Disk, FormatsAndKeepsPrograms) {
         EXPECT_EQ(disk.answer("NEW\n20 PRINT 7\nMERGE\"ONE/BAS\"\nSAVE\"TWO\",A\nRUN\n"), " 7");
         EXPECT_EQ(disk.contents("TWO     "), "10 PRINT\r20 PRINT 7\r");
         EXPECT_EQ(disk.found(), "ONE/BAS 0 8, TWO 2 20");
+        // A line of 10 + 39 * 10 characters.
+        std::string jumps = "1 GOTO1", listed = "65000 GOTO65000";
+        for (int i = 1; i < 39; ++i) jumps += ":GOTO1", listed += ":GOTO65000";
+        disk.rows("NEW\n" + jumps + "\nRENUM65000\n65001?\nSAVE\"L\"\nSAVE\"T\",A\n");
+        disk.rows("NEW\n65001 REM\nMERGE\"T\"\nSAVE\"M\"\n");
+        EXPECT_EQ(disk.contents("T          "), listed + "\r65001 PRINT\r");
+        EXPECT_EQ(disk.contents("M          "), disk.contents("L          "));
+        disk.rows("KILL\"L\"\nKILL\"T\"\nKILL\"M\"\nLOAD\"TWO\"\n");
         EXPECT_EQ(disk.answer("NEW\nNAME\"TWO\"TO\"THREE\"\nRUN\"THREE\"\n"), " 7");
         EXPECT_EQ(disk.answer("30 PRINT 8\nSAVE\"ONE/BAS\"\nNEW\nRUN\"ONE/BAS\"\n"), " 8");
         EXPECT_EQ(disk.found(), "ONE/BAS 0 24, THREE 2 20");
