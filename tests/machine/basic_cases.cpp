@@ -82,3 +82,9 @@ std::vector<std::string> run_basic_case(BasicMachine& machine, const BasicCase& 
     rows.erase(rows.begin(), rows.begin() + long(std::min(above, rows.size())));
     return rows;
 }
+
+std::string join(const std::vector<std::string>& rows) {
+    std::string text;
+    for (const auto& row : rows) text += row + "\n";
+    return text;
+}

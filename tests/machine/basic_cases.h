@@ -24,3 +24,6 @@ std::vector<BasicCase> read_basic_cases(const std::string& path);
 /// Types a case in. Gives the rows below its first command without the last READY, or a single row
 /// in brackets when the prompt does not come back.
 std::vector<std::string> run_basic_case(BasicMachine& machine, const BasicCase& basic_case);
+
+/// The rows with a line feed behind each.
+std::string join(const std::vector<std::string>& rows);

@@ -15,12 +15,6 @@ namespace {
 
 const std::filesystem::path TABLES = std::filesystem::path(TEST_SOURCE_DIR) / "basic";
 
-std::string join(const std::vector<std::string>& rows) {
-    std::string text;
-    for (const auto& row : rows) text += row + "\n";
-    return text;
-}
-
 void run_table(BasicMachine& machine, const std::string& table) {
     const auto cases = read_basic_cases(TABLES / (table + ".txt"));
     ASSERT_FALSE(cases.empty());

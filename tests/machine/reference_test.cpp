@@ -26,21 +26,31 @@ namespace {
 
 const std::string DOCS = std::string(DOCS_DIR) + "/";
 
-std::string join(const std::vector<std::string>& rows) {
-    std::string text;
-    for (const auto& row : rows) text += row + "\n";
-    return text;
+std::vector<HtmlExample> examples() { return read_html_examples(DOCS + "reference.html"); }
+
+/// Lines of all examples.
+std::vector<std::string> lines_of(std::initializer_list<std::string> kinds) {
+    std::vector<std::string> all;
+    for (const HtmlExample& example : examples())
+        for (const std::string& kind : kinds)
+            for (const std::string& line : example.lines(kind)) all.push_back(line);
+    return all;
 }
 
-/// Puts the routine at its ORG.
-void assemble(const std::vector<std::string>& source, const Folder& folder) {
+struct Routine {
+    size_t origin = 0;
+    std::vector<uint8_t> code;
+};
+
+Routine assemble(const std::vector<std::string>& source, const Folder& folder) {
+    if (source.empty()) return {};
     const std::string text = join(source), path = folder / "routine";
     write_text(path + ".asm", text);
     const std::string command = PASMO " --bin " + path + ".asm " + path + ".bin";
-    ASSERT_EQ(std::system(command.c_str()), 0) << text;
     std::smatch origin;
-    ASSERT_TRUE(std::regex_search(text, origin, std::regex("ORG +([0-9A-F]+)h"))) << text;
-    std::ranges::copy(read_file(path + ".bin"), memory + std::stoul(origin[1], nullptr, 16));
+    EXPECT_TRUE(std::regex_search(text, origin, std::regex("ORG +([0-9A-F]+)h"))) << text;
+    EXPECT_EQ(std::system(command.c_str()), 0) << text;
+    return {std::stoul(origin[1], nullptr, 16), read_file(path + ".bin")};
 }
 
 std::vector<BasicCase> steps_of(const HtmlExample& example) {
@@ -58,50 +68,38 @@ std::vector<BasicCase> steps_of(const HtmlExample& example) {
     return steps;
 }
 
-void run(BasicMachine& machine, int model, const HtmlExample& example) {
+void run(BasicMachine& machine, const HtmlExample& example) {
     const Folder folder;
-    const std::string tape = folder / "tape.cas";
-    const auto printed = example.lines("printer"), source = example.lines("asm");
-    machine.boot(model, trial_rom());
-    machine.platform().dialogs().choices = {FileChoice{tape}};
-    if (!source.empty()) assemble(source, folder);
-    printer_set_filename((folder.path() / "").string());
-    printer_enabled = !printed.empty();
-    if (printer_enabled) printer_init();
-    std::vector<std::string> rows;
-    for (const BasicCase& step : steps_of(example)) {
-        tape_attach_cas(tape);
-        rows = run_basic_case(machine, step);
-        tape_detach_cas();
+    const Routine routine = assemble(example.lines("asm"), folder);
+    const auto printed = example.lines("printer");
+    for (int model : {0, 1, 2}) {
+        const std::filesystem::path files = folder / std::to_string(model) / "";
+        const std::string tape = files / "tape.cas";
+        std::filesystem::create_directory(files);
+        machine.boot(model, trial_rom());
+        machine.platform().dialogs().choices = {FileChoice{tape}};
+        std::ranges::copy(routine.code, memory + routine.origin);
+        printer_set_filename(files);
+        printer_enabled = !printed.empty();
+        if (printer_enabled) printer_init();
+        std::vector<std::string> rows;
+        for (const BasicCase& step : steps_of(example)) {
+            tape_attach_cas(tape);
+            rows = run_basic_case(machine, step);
+            tape_detach_cas();
+        }
+        printer_close();
+        printer_enabled = false;
+        const auto at = testing::Message() << "line " << example.line << ", model " << model;
+        EXPECT_EQ(join(rows), join(example.lines("screen"))) << at;
+        EXPECT_EQ(read_text(files / "printer.txt"), join(printed)) << at;
     }
-    printer_close();
-    printer_enabled = false;
-    EXPECT_EQ(join(rows), join(example.lines("screen"))) << "line " << example.line;
-    EXPECT_EQ(read_text(folder / "printer.txt"), join(printed)) << "line " << example.line;
 }
 
 TEST(Reference, ExamplesShowTheirScreens) {
-    const auto examples = read_html_examples(DOCS + "reference.html");
-    ASSERT_FALSE(examples.empty());
     BasicMachine machine;
     tape_init();
-    for (int model : {0, 1, 2}) {
-        SCOPED_TRACE(model);
-        for (const HtmlExample& example : examples) run(machine, model, example);
-    }
-}
-
-/// Codes of the words in the lines of all examples; of two bytes the first one is FF.
-std::set<unsigned> words_used(const std::vector<HtmlExample>& examples) {
-    std::set<unsigned> words;
-    for (const HtmlExample& example : examples)
-        for (const char* kind : {"program", "typed"})
-            for (const std::string& line : example.lines(kind)) {
-                const BasicBytes bytes = basic_tokenize(line);
-                for (size_t i = 0; i < bytes.size(); ++i)
-                    words.insert(bytes[i] == 0xFF ? 0xFF00u | bytes[++i] : bytes[i]);
-            }
-    return words;
+    for (const HtmlExample& example : examples()) run(machine, example);
 }
 
 // Words that only a disk gives a meaning.
@@ -109,8 +107,14 @@ const std::set<unsigned> DISK_WORDS = {0x85, 0xA2, 0xA3, 0xA4, 0xA5, 0xA6, 0xA7,
                                        0xAA, 0xAB, 0xAC, 0xAD, 0xB0, 0xBE, 0xC7, 0xE6, 0xE7,
                                        0xE8, 0xE9, 0xEA, 0xEB, 0xEC, 0xED, 0xEE};
 
+// Words by their codes; of those of two bytes the first one is FF.
 TEST(Reference, EachWordHasAnExample) {
-    const auto used = words_used(read_html_examples(DOCS + "reference.html"));
+    std::set<unsigned> used;
+    for (const std::string& line : lines_of({"program", "typed"})) {
+        const BasicBytes bytes = basic_tokenize(line);
+        for (size_t i = 0; i < bytes.size(); ++i)
+            used.insert(bytes[i] == 0xFF ? 0xFF00u | bytes[++i] : bytes[i]);
+    }
     for (unsigned code = 0x80; code <= 0xFF99; code = code == 0xFB ? 0xFF80 : code + 1)
         EXPECT_TRUE(used.contains(code) || DISK_WORDS.contains(code)) << std::hex << code;
 }
@@ -118,9 +122,7 @@ TEST(Reference, EachWordHasAnExample) {
 // The addresses in the first column of the tables of the firmware manual.
 TEST(Reference, EachAddressHasAnExample) {
     std::set<unsigned long> used;
-    std::string text;
-    for (const HtmlExample& example : read_html_examples(DOCS + "reference.html"))
-        for (const char* kind : {"program", "typed", "asm"}) text += join(example.lines(kind));
+    const std::string text = join(lines_of({"program", "typed", "asm"}));
     const std::regex number("&H([0-9A-F]+)|\\b([0-9][0-9A-F]*)h");
     for (std::sregex_iterator i(text.begin(), text.end(), number), end; i != end; ++i)
         used.insert(std::stoul((*i)[1].str() + (*i)[2].str(), nullptr, 16));
