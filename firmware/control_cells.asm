@@ -8,7 +8,8 @@
 RENUM_NEW       EQU 4080h
 RENUM_OLD       EQU 4082h
 RENUM_STEP      EQU 4084h
-RENUM_TEXT      EQU 4086h
+RENUM_TEXT      EQU 4086h       ; text that is still to be moved
+RENUM_TABLE     EQU 4088h       ; old and new numbers, the last line's first
 STATEMENT       EQU 4090h       ; end of the statement before, where RESUME and CONT begin
 DATA_LINE       EQU 4092h       ; line of the DATA pointer
 AUTO_NUMBER     EQU 4094h

@@ -1,38 +1,28 @@
 ; RENUM new,old,step: the lines from old get new numbers, and what names them follows.
+;
+; The old and the new numbers lie on the stack while the text is gone through twice: first for the room that
+; longer numbers may need at most, then, moved up by that much, on its way back down. So every byte
+; is moved twice, however many numbers change their length, and what can fail does so before the
+; program is touched.
 
 stmt_renum:
         LD DE,10
+        CALL _argument
         LD (RENUM_NEW),DE
-        LD (RENUM_STEP),DE
-        LD E,D
+        LD DE,0
+        CALL _argument
         LD (RENUM_OLD),DE
-        LD BC,RENUM_NEW
-        DEC HL
-_argument:
-        RST 10h
-        JR Z,_checked
-        CP ','
-        JR Z,_left_out
-        CALL line_number
-        LD A,E
-        LD (BC),A
-        INC BC
-        LD A,D
-        LD (BC),A
-        DEC BC
-        LD A,(HL)
-_left_out:
-        INC BC
-        INC BC
-        CP ','
-        JR NZ,_checked
-        LD A,C
-        CP LOW RENUM_TEXT
-        JR C,_argument
-_checked:
+        LD DE,10
+        CALL _argument
+        LD (RENUM_STEP),DE
         DEC HL
         RST 10h
         RET NZ
+        LD A,D
+        OR E
+        JP Z,error_fc
+        XOR A
+        LD (RENUM_TEXT + 1),A   ; the first time through the text
         CALL clear_variables
 ; The new numbers must come behind those that stay, and end before 65530.
         LD DE,(RENUM_OLD)
@@ -43,21 +33,59 @@ _checked:
         POP DE
         RST 18h
         JP C,error_fc
-        LD DE,0
-        CALL new_number
-; First what names lines, while these have their old numbers.
-        LD HL,(PROGRAM_START)
-_references:
+        EXX
+        LD HL,(RENUM_NEW)
+        LD DE,(RENUM_STEP)
+        EXX
+_old:
+        EX DE,HL
+        LD E,(HL)
+        INC HL
+        LD D,(HL)
+        LD A,D
+        OR E
+        JR Z,_all
+        INC HL
         LD A,(HL)
         INC HL
-        OR (HL)
-        JR Z,_numbers
-        INC HL
-        INC HL
-        INC HL
+        LD H,(HL)
+        LD L,A
+        EXX
+        PUSH HL
+        ADD HL,DE
+        JR NC,_fits
+        LD HL,0FFFFh
+_fits:
+        EXX
+        PUSH HL
+        CALL check_stack
+        JR _old
+_all:
+        LD (RENUM_TABLE),SP
+        POP HL                  ; the last line
+        POP DE
+        PUSH DE
+        PUSH HL
+        LD HL,65529
+        RST 18h
+        JP C,error_fc
+        LD DE,0
+        LD HL,(PROGRAM_START)
         CALL renumber_text
-        JR _references
-_numbers:
+        LD B,D
+        LD C,E
+        PUSH DE
+        LD HL,(PROGRAM_START)
+        CALL open_gap
+        POP DE
+        PUSH HL
+        ADD HL,DE
+        POP DE
+        LD (RENUM_TEXT),HL
+        CALL renumber_text
+        INC HL
+        CALL move_text
+        CALL relink_program
         LD DE,(RENUM_OLD)
         CALL find_line
         LD DE,(RENUM_NEW)
@@ -79,63 +107,72 @@ _line:
         LD L,C
         JR _line
 
-; New number of a line.
-; In:   DE its address
-; Out:  HL number; FC error when a number gets too great
-; Uses: AF, BC, DE
-new_number:
-        PUSH DE
-        LD DE,(RENUM_OLD)
-        CALL find_line
-        LD BC,(RENUM_NEW)
-        POP DE
-_line:
-        RST 18h
-        JR Z,_found
-        LD A,(HL)
-        INC HL
-        OR (HL)
-        JR Z,_found
-        PUSH HL
-        LD HL,65529
-        SBC HL,BC
-        JP C,error_fc
-        LD HL,(RENUM_STEP)
-        ADD HL,BC
-        JP C,error_fc
-        LD B,H
-        LD C,L
-        POP HL
-        LD A,(HL)
+; A number and the comma behind it.
+; In:   HL text, DE number if there is none
+; Out:  DE, HL behind
+_argument:
         DEC HL
-        LD L,(HL)
-        LD H,A
-        JR _line
-_found:
-        LD H,B
-        LD L,C
+        RST 10h
+        CALL C,line_number
+        LD A,(HL)
+        CP ','
+        RET NZ
+        INC HL
         RET
 
-; Corrects the line numbers in the text of a line.
-; In:   HL text
-; Out:  HL behind its 0
+; Moves text down.
+; In:   HL its end, RENUM_TEXT its start, DE new place
+; Out:  HL kept, DE behind the text
+; Uses: AF, BC
+move_text:
+        LD BC,(RENUM_TEXT)
+        OR A
+        SBC HL,BC
+        PUSH HL
+        LD H,B
+        LD L,C
+        POP BC
+        LDIR
+        RET
+
+; Goes through the text of the program. The first time, with 0 in the high byte of RENUM_TEXT, it
+; counts the bytes by which the numbers may grow. The second time it moves the text down and
+; writes the new numbers.
+; In:   HL first line; DE 0, or the place of the new text
+; Out:  HL last byte of the program; DE count, or the end of what is moved
+; Uses: all
 renumber_text:
         LD A,(HL)
         INC HL
-        OR A
+        OR (HL)
         RET Z
-        CP TOKEN_REM
-        JR Z,_remark
+        INC HL
+        INC HL
+        INC HL
+_text:
+        LD A,(HL)
+        INC HL
+        OR A
+        JR Z,renumber_text
+        CP STRING_QUOTE
+        CALL Z,skip_string
         CP EXTENDED
         JR Z,_two_bytes
-        CP STRING_QUOTE
-        JR Z,_string
+        CP TOKEN_REM
+        JR NZ,_word
+        CALL skip_line
+_two_bytes:
+        INC HL
+        OR A
+        JR NZ,_text
+        JR renumber_text
+_word:
         PUSH HL
         LD HL,naming_words
         LD BC,NAMING_WORDS
         CPIR
         POP HL
-        JR NZ,renumber_text
+        JR NZ,_text
 _item:
         DEC HL
 _blanks:
@@ -144,98 +181,89 @@ _blanks:
         CP ','
         JR Z,_blanks
         CP TOKEN_GREATER        ; ERL = line
-        JR C,renumber_text
+        JR C,_text
         CP TOKEN_SGN
         JR C,_blanks
-        JR renumber_text
-_remark:
-        CALL skip_line
-        INC HL
-        RET
-_string:
-        LD A,(HL)
-        OR A
-        JR Z,renumber_text
-        INC HL
-        CP STRING_QUOTE
-        JR NZ,_string
-        JR renumber_text
-_two_bytes:
-        INC HL
-        JR renumber_text
+        JR _text
 _number:
         PUSH HL
-        CALL line_number
-        POP HL
+        PUSH DE
+        CALL line_number        ; SN error for one that is too great, the first time
+        LD A,(RENUM_TEXT + 1)
+        OR A
+        JR NZ,_second
+        POP DE
+        INC DE                  ; from one digit to five
+        INC DE
+        INC DE
+        INC DE
+        POP BC
+        JR _item
+_second:
         PUSH HL
-        LD C,0                  ; digits
+        LD HL,(STRING_SPACE)    ; behind the table: a number that is not in it stays
+        DEC HL
+        LD (HL),D
+        DEC HL
+        LD (HL),E
+        DEC HL
+        LD (HL),D
+        DEC HL
+        LD (HL),E
+        LD HL,(RENUM_TABLE)
+        LD BC,4
+_compare:
+        LD A,E
+_find:
+        CP (HL)
+        JR Z,_low
+        ADD HL,BC
+        JP _find
+_low:
+        INC HL
+        LD A,(HL)
+        DEC HL
+        SUB D
+        JR Z,_found
+        ADD HL,BC
+        JR _compare
+_found:
+        INC HL
+        INC HL
+        LD C,(HL)
+        INC HL
+        LD B,(HL)
+        POP HL
+_end:
+        DEC HL
+        LD A,(HL)
+        CP ' '
+        JR Z,_end
+        INC HL                  ; behind the last digit
+        POP DE
+        EX (SP),HL
+        PUSH BC
+        CALL move_text
+        POP BC
+        POP HL
+        LD (RENUM_TEXT),HL
+        PUSH HL
+        PUSH DE
+        LD H,B
+        LD L,C
+        CALL line_number_text
+        POP DE
 _digit:
         LD A,(HL)
-        SUB '0'
-        CP 10
-        JR NC,_counted
-        INC C
-        INC HL
-        JR _digit
-_counted:
-        LD A,C
-        LD (LIST_LAST),A
-        LD HL,(RENUM_OLD)
-        EX DE,HL
-        RST 18h
-        JR C,_same              ; a line that stays
-        EX DE,HL
-        CALL find_line
-        JR NZ,_same             ; there is no such line
-        EX DE,HL
-        CALL new_number
-        CALL line_number_text
-        LD (RENUM_TEXT),HL
-        LD E,0
-_length:
-        INC E
-        INC HL
-        LD A,(HL)
         OR A
-        JR NZ,_length
-        LD A,(LIST_LAST)
-        LD C,A
-        LD A,E                  ; digits of the new one
+        JR Z,_written
+        LD (DE),A
+        INC HL
+        INC DE
+        JR _digit
+_written:
         POP HL
-        PUSH DE
-        LD B,0
-        SUB C
-        JR Z,_write
-        JR C,_shorter
-        LD C,A
-        CALL open_gap
-        JR _write
-_shorter:
-        NEG
-        LD C,A
-        PUSH HL
-        ADD HL,BC
-        LD B,H
-        LD C,L
-        POP HL
-        CALL close_gap
-_write:
-        POP BC
-        LD B,0
-        EX DE,HL
-        LD HL,(RENUM_TEXT)
-        LDIR
-        PUSH DE
-        CALL relink_program
-        POP HL
-        JP _item
-_same:
-        POP HL
-        LD A,(LIST_LAST)
-        LD C,A
-        LD B,0
-        ADD HL,BC
-        JP _item
+        JR _item
 
 ; Words that line numbers follow.
 naming_words:

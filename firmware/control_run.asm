@@ -328,7 +328,7 @@ skip_statement:
         RET Z
         INC HL
         CP STRING_QUOTE
-        JR Z,_string
+        CALL Z,skip_string
         CP EXTENDED
         JR Z,_two_bytes
         CP TOKEN_IF
@@ -338,14 +338,19 @@ skip_statement:
 _two_bytes:
         INC HL
         JR skip_statement
-_string:
+
+; Goes to the end of a string.
+; In:   HL behind the opening quote
+; Out:  HL behind the closing one, A quote; or HL the end of the line, A = 0
+; Uses: F
+skip_string:
         LD A,(HL)
         OR A
         RET Z
         INC HL
         CP STRING_QUOTE
-        JR NZ,_string
-        JR skip_statement
+        JR NZ,skip_string
+        RET
 
 ; REM, and an ELSE that is met at the end of what came behind THEN: the rest of the line.
 stmt_rem:
