@@ -27,7 +27,7 @@ ERROR_TEXT      EQU 40EEh       ; statement in which the error came
 ON_ERROR        EQU 40F0h       ; line of the program's own error handling, 0 none
 IN_HANDLER      EQU 40F2h       ; not 0 between an error and RESUME
 STOP_LINE       EQU 40F5h       ; line where CONT goes on
-CONT_TEXT       EQU 40F7h       ; text where CONT goes on, 0 not possible
+CONT_TEXT       EQU 40F7h       ; text where CONT goes on, high byte 0: not possible
 INPUT_TEXT      EQU 43E0h       ; READ and INPUT: where the values come from
 LIST_LAST       EQU 43E2h       ; last line number of a range
 

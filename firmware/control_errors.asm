@@ -55,14 +55,14 @@ error_l3:
 ; Any error.
 ; In:   E code
 raise_error:
-        LD SP,(SAVED_STACK)     ; loops and calls of the program stay
+        LD SP,(SAVED_STACK)     ; loops and calls stay for the program's own handling
         CALL hook_error
         LD A,E
         LD (ERROR_CODE),A
         CALL reset_devices
         CALL direct_mode
         LD (ERROR_LINE),BC
-        JR Z,_report            ; a direct statement
+        JR Z,_direct
         LD (EDIT_LINE),BC
         LD HL,(STATEMENT)
         LD (ERROR_TEXT),HL
@@ -70,13 +70,30 @@ raise_error:
         LD HL,(ON_ERROR)
         LD A,H
         OR L
-        JR Z,_report
+        JR Z,_unhandled
         LD A,(IN_HANDLER)
         OR A
-        JR NZ,_report           ; an error in the handling of one
+        JR NZ,_unhandled        ; an error in the handling of one
         DEC A
         LD (IN_HANDLER),A
         JP run_line
+_direct:
+        LD A,E
+        CP ERR_OM
+        JR NZ,_report           ; STOP and BREAK keep loops and calls for CONT
+; Loops and calls end, and CONT cannot go on in them.
+_unhandled:
+        POP BC
+        PUSH BC
+        LD A,C
+        OR A
+        JR Z,_report            ; there are none
+        LD HL,(STRING_SPACE)
+        DEC HL
+        DEC HL
+        LD (SAVED_STACK),HL
+        XOR A
+        LD (CONT_TEXT + 1),A
 _report:
         XOR A
         LD (IN_HANDLER),A

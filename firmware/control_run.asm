@@ -125,7 +125,7 @@ stmt_cont:
         RET NZ
         LD HL,(CONT_TEXT)
         LD A,H
-        OR L
+        OR A
         JP Z,error_cn
         LD DE,(STOP_LINE)
         LD (CURRENT_LINE),DE
