@@ -94,7 +94,10 @@ _bit:
         run_to 023Fh
 write_leader:
         LD B,LEADER_BYTES
-        LD A,LEADER             ; 0241
+; 0241: The same without the trap, where an emulator begins another tape: for a record behind others.
+; In:   B LEADER_BYTES
+write_record_leader:
+        LD A,LEADER
 _byte:
         CALL write_byte
         DJNZ _byte

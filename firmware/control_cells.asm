@@ -18,14 +18,15 @@ AUTO_ON         EQU 4098h       ; not 0 while AUTO numbers the lines
 INKEY_CODE      EQU 4099h       ; a key already taken
 ERROR_CODE      EQU 409Ah       ; last error
 TRACE           EQU 409Bh       ; not 0 after TRON
-OUTPUT_DEVICE   EQU 409Ch       ; 0 screen, 1 printer
-INPUT_SOURCE    EQU 409Dh       ; 0 READ, 1 INPUT
+OUTPUT_DEVICE   EQU 409Ch       ; 0 screen, 1 printer, 80 cassette
+INPUT_SOURCE    EQU 409Dh       ; 0 READ, RETURN INPUT#-1, else INPUT
 PRINT_COLUMN    EQU 40A6h       ; of the printer
 ERROR_LINE      EQU 40EAh
 EDIT_LINE       EQU 40ECh       ; the line that "." means
 ERROR_TEXT      EQU 40EEh       ; statement in which the error came
 ON_ERROR        EQU 40F0h       ; line of the program's own error handling, 0 none
 IN_HANDLER      EQU 40F2h       ; not 0 between an error and RESUME
+TAPE_OPEN       EQU 40F3h       ; not 0 when the next PRINT#-1 goes on with the same tape
 STOP_LINE       EQU 40F5h       ; line where CONT goes on
 CONT_TEXT       EQU 40F7h       ; text where CONT goes on, high byte 0: not possible
 INPUT_TEXT      EQU 43E0h       ; READ and INPUT: where the values come from

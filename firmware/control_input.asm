@@ -17,23 +17,30 @@ set_data_pointer:
         POP HL
         RET
 
-; INPUT "prompt";variable,variable ...
+; INPUT "prompt";variable,variable ...; INPUT#-1,variable,variable ...
+word_input:
+        CP '#'
+        CALL Z,tape_number
+        JP Z,input_from_tape
 stmt_input:
         CALL hook_input
         CALL input_prompt
         CALL ask_line
         OR A
         JP Z,skip_statement     ; Enter alone: the variables keep their values
+; In:   LINE_BUFFER values, A not 0: INPUT_SOURCE
+input_values:
         LD DE,LINE_BUFFER - 1
-        LD A,','
-        LD (DE),A               ; a value is behind a comma
+        EX DE,HL
+        LD (HL),','             ; a value is behind a comma
+        EX DE,HL
         JR read_values
 
 ; READ variable,variable ...
 stmt_read:
         XOR A
         LD DE,(DATA_POINTER)
-; In:   HL variables, DE before the values, A 0 for READ
+; In:   HL variables, DE before the values, A INPUT_SOURCE
 read_values:
         LD (INPUT_SOURCE),A
         LD (INPUT_TEXT),DE
@@ -57,6 +64,7 @@ _data:
         LD A,(HL)
         INC HL
         OR (HL)
+_out_of_data:
         LD E,ERR_OD
         JP Z,raise_error
         INC HL
@@ -124,6 +132,8 @@ _extra:
         POP HL
         RET
 _more:
+        CP RETURN
+        JR Z,_out_of_data
         LD A,'?'
         CALL print_entry
         CALL ask_line
@@ -143,6 +153,8 @@ _bad:
         LD (CURRENT_LINE),HL
         JP error_sn
 _again:
+        CP RETURN
+        JP Z,error_fd
         LD HL,redo_text
         CALL print_text
         LD HL,(STATEMENT)
@@ -178,6 +190,8 @@ input_prompt:
         CALL direct_mode
         JP Z,error_id
         LD A,(HL)
+        CP '#'
+        JP Z,error_l3           ; no disk ROM took it
         CP STRING_QUOTE
         RET NZ
         CALL literal_string
@@ -212,6 +226,7 @@ read_input:
         POP HL
         LD A,(LINE_BUFFER)
         RET NC
+break_statement:
         LD HL,(STATEMENT)
         JP stop_run
 

@@ -530,8 +530,7 @@ clear_variables:
         PUSH BC
         LD (ON_ERROR),DE
         LD (CONT_TEXT),DE
-        XOR A
-        LD (IN_HANDLER),A
+        LD (IN_HANDLER),DE      ; and TAPE_OPEN
         PUSH HL
         LD A,TYPE_SINGLE
         LD BC,26

@@ -43,47 +43,47 @@ DEFAULT_COLOUR  EQU 0
 ; 01ED-0280: cassette. An emulator may put traps at 01EE, 01FB, 0221, 023F and 0264, so nothing
 ; else may live here.
         INCLUDE cassette.asm
-        INCLUDE math_using.asm
-        INCLUDE variables.asm
         INCLUDE math_core.asm
         INCLUDE tokens.asm
+        INCLUDE control_loops.asm
+        INCLUDE start.asm
 
         INCLUDE entries.asm
-        INCLUDE control_loops.asm
-        INCLUDE math_circle.asm
-        INCLUDE screen.asm
-        INCLUDE expr_eval.asm
         INCLUDE print_using.asm
-        INCLUDE strings.asm
         INCLUDE control_input.asm
-        INCLUDE words_paint.asm
         INCLUDE graphics.asm
         INCLUDE words_graphics.asm
-
-        fill_to 1A19h
-        JP ready
-        INCLUDE math_functions.asm
         INCLUDE math_print.asm
-        INCLUDE control_lines.asm
         INCLUDE tape_commands.asm
-        INCLUDE math_extended.asm
-        INCLUDE math_text.asm
-        INCLUDE math_double.asm
-
-        fill_to 28A7h
-        JP print_text
         INCLUDE print.asm
         INCLUDE control_list.asm
         INCLUDE control_edit.asm
-        INCLUDE start.asm
+        INCLUDE strings_functions.asm
+        INCLUDE words_sound.asm
+
+        fill_to 1A19h
+        JP ready
+        INCLUDE math_circle.asm
+        INCLUDE expr_eval.asm
+        INCLUDE math_functions.asm
+        INCLUDE control_lines.asm
+        INCLUDE math_text.asm
+        INCLUDE math_double.asm
         INCLUDE control_errors.asm
+
+        fill_to 28A7h
+        JP print_text
+        INCLUDE math_using.asm
+        INCLUDE variables.asm
+        INCLUDE screen.asm
+        INCLUDE strings.asm
+        INCLUDE words_paint.asm
+        INCLUDE math_extended.asm
         INCLUDE words_keys.asm
         INCLUDE expr_assign.asm
         INCLUDE control_renum.asm
         INCLUDE keyboard.asm
-        INCLUDE strings_functions.asm
         INCLUDE expr_functions.asm
-        INCLUDE words_sound.asm
 
         fill_to 3852h
         JP fill_graphics

@@ -1,7 +1,7 @@
 ; PRINT and LPRINT, and what goes to the device of OUTPUT_DEVICE.
 ;
 ; A comma goes on to the next zone of 16 columns. The screen has room for two of them, a comma
-; behind column 15 begins a new row; the printer has eight.
+; behind column 15 begins a new row; the printer has eight. On a cassette it stays a comma.
 
 ZONE            EQU 16
 LAST_ZONE       EQU 16
@@ -16,11 +16,14 @@ put_character:
         LD A,(OUTPUT_DEVICE)
         OR A
         LD A,E
-        JR NZ,_printer
+        JR NZ,_other
         CALL print_entry
         POP DE
         RET
-_printer:
+_other:
+        POP DE
+        JP M,write_byte
+        PUSH DE
         PUSH AF
         CALL call_printer
         POP AF
@@ -114,6 +117,8 @@ stmt_print:
         LD A,(HL)
         CP '#'
         JR NZ,print_list
+        CALL tape_number
+        JP Z,print_to_tape
         CALL hook_print
         JP error_l3
 print_list:
@@ -162,14 +167,18 @@ _zone:
         CALL get_column
         LD C,A
         LD A,(OUTPUT_DEVICE)
-        OR A
+        ADD A,A
+        LD A,','
+        JR C,_comma             ; cassette
         LD A,LAST_ZONE - 1
         JR Z,_screen
         LD A,PRINTER_ZONE - 1
 _screen:
         CP C
         JR NC,_blanks
-        CALL new_row
+        LD A,RETURN
+_comma:
+        CALL put_character
         JR _in_zone
 _blanks:
         LD A,C

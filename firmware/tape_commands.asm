@@ -1,9 +1,10 @@
-; SYSTEM, CLOAD, CSAVE and VERIFY, and what the cassette routines need outside their fixed places.
+; SYSTEM, CLOAD, CSAVE, VERIFY, PRINT#-1 and INPUT#-1, and what the cassette routines need outside their fixed places.
 ;
 ; Machine-code tape, behind the sync byte: 55, six characters of name, blocks (3C, number of bytes
 ; with 0 for 256, address, bytes, checksum over address and bytes), at last 78 and the entry.
 ; BASIC tape: one character of name, then the program as it stands in memory. A tokenized file made
 ; into a tape has A5 D3 D3 D3 and the name in place of sync byte and name.
+; Record of data: text, ended by RETURN.
 ; Any time between two bytes must stay below 550 T states, or a fast tape runs away.
 
 MACHINE_CODE    EQU 55h
@@ -121,12 +122,12 @@ _end:
         SCF
         RET
 
-; The BREAK key leads to the prompt.
+; The BREAK key ends a statement.
 ; Uses: AF
 check_break:
         CALL test_break
         RET Z
-        JP ready
+        JP break_statement
 
 ; Byte from the cassette, for loops that a tape may keep going for ever.
 ; Out:  A
@@ -134,6 +135,66 @@ check_break:
 next_byte:
         CALL check_break
         JP read_byte
+
+; "-1," behind the # of PRINT and INPUT.
+; In:   HL text at the #
+; Out:  Z and HL behind it; NZ and HL kept without the minus
+; Uses: AF
+tape_number:
+        PUSH HL
+        RST 10h
+        CP TOKEN_MINUS
+        JR NZ,_other
+        POP AF
+        RST 10h
+        RST 08h
+        DEFB '1'
+        RST 08h
+        DEFB ','
+        CP A
+        RET
+_other:
+        POP HL
+        RET
+
+; PRINT#-1,list: a record, the values as PRINT shows them with the commas of the list between them.
+; It ends with RETURN.
+print_to_tape:
+        LD A,(TAPE_OPEN)
+        OR A
+        LD B,LEADER_BYTES
+        LD A,B
+        LD (TAPE_OPEN),A
+        CALL Z,write_leader     ; keeps the flags
+        CALL NZ,write_record_leader
+        LD A,80h
+        LD (OUTPUT_DEVICE),A
+        CALL print_list
+        LD A,RETURN
+        JP write_byte
+
+; INPUT#-1,variable,variable ...: values from the next record.
+input_from_tape:
+        CALL direct_mode
+        JP Z,error_id           ; the line buffer holds the statement
+        XOR A
+        LD (TAPE_OPEN),A
+        CALL find_sync
+        EX DE,HL
+        LD HL,LINE_BUFFER
+        LD B,LINE_LENGTH + 1
+_byte:
+        CALL next_byte
+        LD (HL),A
+        CP RETURN
+        JR Z,_end
+        INC HL
+        DJNZ _byte
+        JP error_fd
+_end:
+        LD (HL),0
+        EX DE,HL
+        JP input_values
 
 ; Two asterisks: the tape is being loaded.
 ; Uses: HL

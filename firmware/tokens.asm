@@ -62,7 +62,7 @@ keyword_table:
 statement_table:
         DEFW stmt_end, stmt_for, stmt_reset, stmt_set
         DEFW stmt_cls, disk_cmd, stmt_random, stmt_next
-        DEFW stmt_data, stmt_input, stmt_dim, stmt_read
+        DEFW stmt_data, word_input, stmt_dim, stmt_read
         DEFW stmt_let, stmt_goto, stmt_run, stmt_if
         DEFW stmt_restore, stmt_gosub, stmt_return, stmt_rem
         DEFW stmt_stop, stmt_else, stmt_tron, stmt_troff

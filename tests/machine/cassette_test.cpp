@@ -378,6 +378,38 @@ TEST_F(Cassette, SoundGoesRound) {
     }
 }
 
+TEST_F(Cassette, DataGoesRound) {
+    for (const char* line :
+         {"10 PRINT#-1,-.25,\"TOM\",CHR$(34)+\"A,B:C\"+CHR$(34):Q=EXP(SIN(1))", // and time passes
+          "20 FOR I=1 TO 2:PRINT#-1,I*1000;:NEXT:END",
+          "30 INPUT#-1,A,A$,B$:INPUT#-1,X:ON ERROR GOTO 40:INPUT#-1,Y,Z",
+          "40 PRINT A;A$;B$;X;Y;ERR/2+1:RESUME 50", "50 INPUT#-1,X"})
+        obey(line);
+    for (const bool sound : {false, true}) {
+        if (sound) {
+            ASSERT_EQ(tape_create_wav(file("data.wav"), 44100), 1);
+            tape_set_motor(1, z80_state.t_count);
+        } else {
+            platform_.dialogs().choices.push_back(FileChoice{file("data.cas")}); // asks once
+        }
+        EXPECT_TRUE(obey("RUN", 600));
+        if (sound) {
+            tape_close_wav();
+            ASSERT_EQ(tape_open_wav(file("data.wav")), 1);
+            tape_set_motor(1, z80_state.t_count);
+        } else {
+            const std::string leader = std::string(255, char(0xAA)) + '\x66';
+            EXPECT_EQ(read_text(file("data.cas")), leader + "-.25 ,TOM,\"A,B:C\"\r\r" + leader +
+                                                       " 1000 \r" + leader + " 2000 \r");
+            tape_cas_rewind();
+        }
+        EXPECT_FALSE(obey("RUN 30", 600)) << "there is no fourth record";
+        press_break("INPUT#-1");
+        EXPECT_EQ(row_above(3), "-.25 TOMA,B:C 1000  2000  4") << sound;
+        EXPECT_EQ(row_above(2), "BREAK IN 50");
+    }
+}
+
 TEST_F(Cassette, FastTapesLoadTheSameInNoTime) {
     constexpr int FRAMES = 200;
     put_program(PROGRAM, program_at(PROGRAM, LINES));
