@@ -32,6 +32,12 @@ machine() {
     store "$1" "${3%.*}0000.gif" -sample 200%
 }
 
+# listing NAME SECONDS [KEYS]: an example in BASIC, with keys that are typed behind its RUN
+listing() {
+    { cat "$examples/$1.bas" && printf '%s' "${3:-}"; } >"$1.bas"
+    machine "$1" "$2" "$1.bas"
+}
+
 # picture NAME WINDOW: the window with its frame, and what stands in front of it
 picture() {
     sleep 0.7 # drawn to the end
@@ -64,6 +70,7 @@ cp "$examples/colours.cmd" "$examples/bounce.cmd" .
 sed -n '/<pre id="listing">/,/<\/pre>/p' "$manual" | sed 's/<[^>]*>//g' >listing.bas
 machine colours 4 colours.cmd
 machine graphics 40 listing.bas
+listing raiders 55 ' '
 
 start_server 1024x768x24
 start_window_manager
