@@ -34,7 +34,6 @@ COLLECT_BEST    EQU 40DCh       ; garbage collection: highest string so far and 
 COLLECT_OWNER   EQU 40DEh
 USING_FORMAT    EQU 40E0h       ; descriptor of the format of PRINT USING
 USING_PLACE     EQU 40E2h       ; characters of it already used
-USING_FIELDS    EQU 40E3h       ; 0 until a field was found
 
 STRING_QUOTE    EQU '"'
 

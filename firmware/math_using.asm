@@ -11,11 +11,10 @@ USING_SINGLE    EQU 7           ; most digits that are not 0
 
 ; The accumulator in a field. The sign takes one of the places before the point when nothing else
 ; is said; the dollar sign, a plus in front and a sign behind take one of their own.
-; In:   D flags, E places before the point with those for commas, C places behind it plus 1 or 0
+; In:   D flags, E places before the point with those for commas, IYL places behind it plus 1 or 0
 ; Out:  HL text, ended by 0
 ; Uses: all
 format_using:
-        LD IYL,C
         CALL num_sign
         LD A,'-'                ; the sign that is shown: minus, plus, blank, or none
         JP M,_sign

@@ -6,7 +6,6 @@
 ; values than fields.
 
 ARROW           EQU 5Bh         ; the character of ^^^^, the key of the arrow
-USING_ON        EQU 80h
 
 ; In:   HL at the word USING
 print_using:
@@ -15,12 +14,12 @@ print_using:
         CALL check_string
         RST 08h
         DEFB ';'
-        PUSH HL
+        EX DE,HL
         LD HL,(ACCUMULATOR)
         LD (USING_FORMAT),HL
-        LD HL,0
-        LD (USING_PLACE),HL     ; and no fields yet
-        POP HL
+        EX DE,HL
+        XOR A
+        LD (USING_PLACE),A
 _value:
         CALL eval
         PUSH HL
@@ -28,7 +27,8 @@ _value:
         POP HL
         LD A,(HL)
         CALL end_of_statement
-        JR Z,_end
+        LD DE,print_last_row
+        JR Z,_close
         CP ','
         JR Z,_separator
         CP ';'
@@ -36,13 +36,10 @@ _value:
 _separator:
         RST 10h
         JR NZ,_value
-        CALL _close
-        JP print_end
-_end:
-        CALL _close
-        JP print_last_row
-; Prints what stands before the next field, and gives up the format.
+        LD DE,print_end
+; Prints what stands before the next field, gives up the format and goes on at DE.
 _close:
+        PUSH DE
         PUSH HL
         CALL find_field
         LD HL,(USING_FORMAT)
@@ -53,39 +50,33 @@ _close:
 ; Prints the value in the accumulator by the next field.
 ; Uses: all
 print_field:
+        LD A,(USING_PLACE)
+        PUSH AF
         CALL find_field
+        POP DE
         JR Z,_field
-        LD HL,USING_FIELDS
-        LD A,(HL)
+        LD A,D
         OR A
         JP Z,error_fc           ; a format without fields
-        DEC HL
-        LD (HL),0
-        CALL find_field
-        JP NZ,error_fc
+        XOR A
+        LD (USING_PLACE),A
+        JR print_field
 _field:
-        LD A,1
-        LD (USING_FIELDS),A
         LD A,(HL)
-        LD E,A
+        LD C,1
         CP '!'
-        LD A,1
         JR Z,_text
-        LD A,E
         CP '%'
         JR NZ,_number
-        LD C,1
 _blank:
         INC C
         CALL using_step
         CP '%'
         JR NZ,_blank
-        LD A,C
 _text:
-        PUSH AF
         CALL using_step
         CALL keep_place
-        POP BC                  ; B length of the field
+        LD B,C                  ; length of the field
         CALL take_string
         LD C,A
 _character:
@@ -102,9 +93,9 @@ _put:
         RET
 _number:
         CALL check_number
-        LD C,0                  ; places behind the point and one
-        LD DE,256 * USING_ON    ; D flags, E places before it
-        CALL using_peek
+        LD DE,0                 ; D flags, E places before the point
+        LD IYL,D                ; places behind it and one
+        LD A,(HL)
         CP '+'
         JR NZ,_asterisks
         SET USING_PLUS,D
@@ -117,8 +108,7 @@ _asterisks:
         CALL using_step
         CALL using_step
         CP '$'
-        JR NZ,_digits
-        JR _dollar
+        JR Z,_dollar
 _dollars:
         CP '$'
         JR NZ,_digits
@@ -126,31 +116,29 @@ _dollars:
         CALL using_step
 _dollar:
         SET USING_DOLLAR,D
+        JR _digit
+_comma:
+        SET USING_COMMAS,D
+_place:
+        INC E
 _digit:
         CALL using_step
 _digits:
         CP ','
         JR Z,_comma
         CP '#'
-        JR NZ,_point
-        INC E
-        JR _digit
-_comma:
-        SET USING_COMMAS,D
-        INC E
-        JR _digit
-_point:
+        JR Z,_place
         CP '.'
         JR NZ,_exponent
 _places:
-        INC C
+        INC IYL
         CALL using_step
         CP '#'
         JR Z,_places
 _exponent:
+        LD C,4
         PUSH HL
         PUSH BC
-        LD C,4
 _arrow:
         CP ARROW
         JR NZ,_no_arrow
@@ -158,11 +146,8 @@ _arrow:
         DEC C
         JR NZ,_arrow
         SET USING_EXPONENT,D
-        LD A,B
-        POP BC
-        LD B,A
-        INC SP
-        INC SP
+        POP AF
+        POP AF
         JR _sign
 _no_arrow:
         POP BC
@@ -207,16 +192,15 @@ _next:
         DEC B
         JR _next
 _end:
-        INC A                   ; NZ
 ; In:   B characters left of the format
-; Uses: AF, HL; flags of A kept
+; Out:  NZ
+; Uses: AF, HL
 keep_place:
-        PUSH AF
         LD HL,(USING_FORMAT)
         LD A,(HL)
         SUB B
         LD (USING_PLACE),A
-        POP AF
+        OR H
         RET
 
 ; The next character of the format.
