@@ -19,7 +19,7 @@ single_add:
         JP NC,left_to_acc
         EX AF,AF'
         LD A,H
-        LD (ACC_EXPONENT),A
+        LD IXH,A
         LD B,E
         LD C,L
         LD HL,(LEFT_SINGLE)
@@ -30,6 +30,7 @@ _acc_greater:
         CP NEGLIGIBLE
         RET NC
         EX AF,AF'
+        LD IXH,D
         LD B,L
         LD C,E
         LD HL,(ACCUMULATOR)
@@ -81,8 +82,7 @@ _aligned:
         LD A,C
         ADC A,B
         LD C,A
-        LD A,(ACC_EXPONENT)
-        LD B,A
+        LD B,IXH
         LD A,IXL
         JP NC,round_single
         RR C
@@ -112,8 +112,7 @@ _subtract:
         SBC A,C
         LD C,A
 _positive:
-        LD A,(ACC_EXPONENT)
-        LD B,A
+        LD B,IXH
         LD A,IXL
 ; Shifts C:HL:A up until the leading bit stands, then rounds and stores.
 ; In:   C:HL:A mantissa, B exponent, SIGN
@@ -337,13 +336,10 @@ _above:
         INC IYL
         JP Z,error_ov
 _divide:
-        LD C,1
         CALL divide_byte
         LD IXH,C
-        LD C,1
         CALL divide_byte
         LD IXL,C
-        LD C,1
         CALL divide_byte
         LD A,C
         CPL
@@ -362,9 +358,13 @@ _divide:
         LD B,IYL
         JP round_single
 ; Eight bits of a quotient, inverted.
-; In:   A:HL remainder below the divisor B:DE, C 1
+; In:   A:HL remainder below the divisor B:DE
 ; Out:  C, A:HL
 divide_byte:
+        LD C,1
+        OR A
+        JR Z,_small
+_bit:
         ADD HL,HL
         ADC A,A
         JR C,_one
@@ -375,7 +375,7 @@ divide_byte:
         ADC A,B
 _store:
         RL C
-        JR NC,divide_byte
+        JP NC,_bit
         RET
 _one:
         OR A
@@ -383,7 +383,16 @@ _one:
         SBC A,B
         OR A
         RL C
-        JR NC,divide_byte
+        JP NC,_bit
+        RET
+_small:
+        OR H
+        OR L
+        LD A,0
+        JR NZ,_bit
+        DEC A                   ; nothing remains
+        LD C,A
+        INC A
         RET
 
 ; Exponent and sign of a quotient.
@@ -407,93 +416,77 @@ _zero:
         POP HL
         JP set_zero
 
-; SQR of the accumulator, one bit of the root after the other. The radicand stands in BC' and A,
-; the remainder in HL:HL', four times the root in DE:DE'.
+; SQR of the accumulator, one bit of the root after the other: with a bit b of the root Q, twice the
+; remainder takes 2Q + b or does not. HL:HL' remainder, DE:DE' 2Q + b, BC:BC' b, the first two bits
+; before the point.
 ; Uses: all
 func_sqr:
         CALL to_single
         CALL num_sign
         RET Z
         JP M,error_fc
-        LD HL,(ACC_HIGH)
-        LD A,L
-        LD (SIGN),A
-        SET 7,A
-        SRL H                   ; half the exponent, rounded up
-        EXX
+        CALL load_extended
+        SRL C
+        LD A,2
+        ADC A,0                 ; odd exponent: half the radicand
         LD B,A
-        LD HL,(ACCUMULATOR)
-        LD C,H
-        LD D,L
+        ADD A,C
+        ADD A,BIAS / 2 - 2      ; half the exponent, rounded up
+        LD IYL,A
+        LD A,B
+        CALL shift_right_32
+        LD BC,2000h
+        LD D,B
+        LD E,C
         EXX
-        LD A,H
-        ADC A,BIAS / 2
-        LD C,A
-        LD B,25
-        LD HL,ACC_EXPONENT
-        BIT 0,(HL)
-        LD HL,0
-        LD D,H
-        LD E,L
+        LD BC,0
+        LD D,B
+        LD E,C
+        LD A,25
+_bit:
+        ADD HL,HL
         EXX
-        LD A,D
-        LD HL,0
-        LD D,H
-        LD E,L
-        EXX
-        JR NZ,_one_bit          ; odd exponent: half the radicand
-_two_bits:
-        CALL _next
-_one_bit:
-        CALL _next
-        EXX
-        SCF
-        SBC HL,DE
+        ADC HL,HL
         EXX
         SBC HL,DE
         EXX
+        SBC HL,DE
         JR NC,_one
-        SCF
-        ADC HL,DE
+        EXX
+        ADD HL,DE
         EXX
         ADC HL,DE
+        EX DE,HL
         EXX
         EX DE,HL
-        ADD HL,HL
-        JR _store
+        OR A
+        SBC HL,BC
+        EXX
+        SBC HL,BC
+        JR _half
 _one:
         EX DE,HL
-        ADD HL,HL
-        SET 2,L
-_store:
+        EXX
+        EX DE,HL
+        ADD HL,BC
+        EXX
+        ADC HL,BC
+_half:
+        SRL B
+        RR C
+        EXX
+        RR B
+        RR C
+        ADD HL,BC
+        EXX
+        ADC HL,BC
         EX DE,HL
         EXX
         EX DE,HL
-        ADC HL,HL
-        EX DE,HL
-        DJNZ _two_bits
+        DEC A
+        JR NZ,_bit
         EXX
-        PUSH DE
-        EXX
-        POP HL
-        LD B,5
-_align:
-        ADD HL,HL
-        RL E
-        RL D
-        DJNZ _align
-        LD B,C
-        LD C,D
-        LD A,L
-        LD L,H
-        LD H,E
-        JP round_single
-_next:
-        ADD A,A
-        EXX
-        RL C
-        RL B
-        ADC HL,HL
-        EXX
-        ADC HL,HL
-        RET
+        CALL exchange_32
+        CALL shift_left_32
+        LD C,IYL
+        JP round_extended
