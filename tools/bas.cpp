@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr char USAGE[] = R"(usage: tarvelin-bas encode [--force] IN.bas OUT
+constexpr char USAGE[] = R"(usage: tarvelin-bas encode [--force] [--long-lines] IN.bas OUT
        tarvelin-bas decode [--force] IN OUT.bas
 
 Converts programs of the Colour Genie's BASIC.
@@ -18,6 +18,8 @@ Converts programs of the Colour Genie's BASIC.
   encode      text to a tokenized file, as the machine keeps it
   decode      tokenized file to text
   --force     replace OUT where it exists
+  --long-lines
+              also lines of more than 240 characters, which cannot be typed
   --help      print this summary and exit
   --version   print the version and exit
 
@@ -30,7 +32,7 @@ enum : int { DONE = 0, FAILED = 1, WRONG_ARGUMENTS = 2 };
 
 struct Arguments {
     std::vector<std::string> words;
-    bool force = false, help = false, version = false;
+    bool force = false, long_lines = false, help = false, version = false;
 };
 
 int fail(const std::string& message) {
@@ -40,8 +42,9 @@ int fail(const std::string& message) {
 
 /// Nothing when an option is wrong, which has been told then.
 std::optional<Arguments> read_options(int count, char** words) {
-    enum : int { FORCE = 1, HELP, VERSION };
+    enum : int { FORCE = 1, LONG_LINES, HELP, VERSION };
     constexpr option OPTIONS[] = {{"force", no_argument, nullptr, FORCE},
+                                  {"long-lines", no_argument, nullptr, LONG_LINES},
                                   {"help", no_argument, nullptr, HELP},
                                   {"version", no_argument, nullptr, VERSION},
                                   {}};
@@ -51,6 +54,7 @@ std::optional<Arguments> read_options(int count, char** words) {
     for (int option; (option = getopt_long(count, words, "", OPTIONS, nullptr)) != -1;) {
         switch (option) {
         case FORCE: given.force = true; break;
+        case LONG_LINES: given.long_lines = true; break;
         case HELP: given.help = true; break;
         case VERSION: given.version = true; break;
         default: return {};
@@ -60,8 +64,13 @@ std::optional<Arguments> read_options(int count, char** words) {
     return given;
 }
 
-std::optional<BasicBytes> convert(bool encode, const BasicBytes& in, BasicProblem& problem) {
-    if (encode) return basic_encode(std::string(in.begin(), in.end()), problem);
+std::optional<BasicBytes> encode(const Arguments& given, const BasicBytes& in,
+                                 BasicProblem& problem) {
+    return basic_encode(std::string(in.begin(), in.end()), problem,
+                        given.long_lines ? SIZE_MAX : LONGEST_BASIC_LINE);
+}
+
+std::optional<BasicBytes> decode(const BasicBytes& in, BasicProblem& problem) {
     const std::optional<std::string> text = basic_decode(in, problem);
     if (!text) return {};
     return BasicBytes(text->begin(), text->end());
@@ -84,7 +93,7 @@ int main(int count, char** words) {
     const auto in = read_host_file(from, LARGEST_FILE);
     if (!in) return fail("cannot read " + from);
     BasicProblem problem;
-    const auto out = convert(act == "encode", *in, problem);
+    const auto out = act == "encode" ? encode(*given, *in, problem) : decode(*in, problem);
     if (!out) {
         const std::string place = problem.line == 0 ? ""
                                   : act == "encode" ? ":" + std::to_string(problem.line)

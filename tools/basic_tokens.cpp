@@ -295,6 +295,10 @@ constexpr size_t MOST_REPAIRS = 32;
 /// of a word that are no token, is escaped. A line that is full of them is escaped from there on.
 std::string line_text(unsigned number, const BasicBytes& bytes) {
     std::vector<Piece> pieces = Reader(bytes).run();
+    size_t length = std::to_string(number).size() + 1;
+    for (const Piece& piece : pieces) length += read_escapes(piece.text).size();
+    for (Piece& piece : pieces)
+        if (length > LONGEST_BASIC_LINE && piece.text == "PRINT") piece.text = "?";
     for (size_t tries = 0; tries <= std::min(pieces.size(), 2 * MOST_REPAIRS); ++tries) {
         std::string text = std::to_string(number) + " ";
         for (const Piece& piece : pieces) text += piece.text;
@@ -354,7 +358,8 @@ BasicBytes basic_tokenize(const std::string& text) {
     return Tokenizer(line).run();
 }
 
-std::optional<BasicBytes> basic_encode(const std::string& text, BasicProblem& problem) {
+std::optional<BasicBytes> basic_encode(const std::string& text, BasicProblem& problem,
+                                       size_t longest_line) {
     const std::vector<std::string_view> lines = split_lines(text);
     size_t last = lines.size();
     while (last > 0 && lines[last - 1].find_first_not_of(" \t") == std::string_view::npos) --last;
@@ -369,6 +374,11 @@ std::optional<BasicBytes> basic_encode(const std::string& text, BasicProblem& pr
         const Line characters = read_escapes(lines[i]);
         for (const Character& c : characters)
             if (c.byte == 0) return problem.text = "a line cannot hold the byte 00", std::nullopt;
+        if (characters.size() > longest_line)
+            return problem.text = "a line of " + std::to_string(characters.size()) +
+                                  " characters, of which the machine takes " +
+                                  std::to_string(longest_line),
+                   std::nullopt;
         const NumberedLine line = split_number(characters);
         if (!line.numbered) return problem.text = "no line number", std::nullopt;
         if (line.number > LAST_NUMBER)

@@ -17,6 +17,9 @@
 
 using BasicBytes = std::vector<uint8_t>;
 
+/// Characters that the machine takes when a line is typed.
+constexpr size_t LONGEST_BASIC_LINE = 240;
+
 struct BasicProblem {
     unsigned line = 0; ///< of the text, counted from 1, or number of the program's line; 0 = none
     std::string text;
@@ -27,9 +30,11 @@ BasicBytes basic_tokenize(const std::string& text);
 
 /// Text to tokenized file. Lines may come in any order, a later one replaces an earlier one of the
 /// same number, as if they were typed; a last line RUN is left out. Nothing and `problem` when the
-/// text is no program.
-std::optional<BasicBytes> basic_encode(const std::string& text, BasicProblem& problem);
+/// text is no program, or has a line of more than `longest_line` characters.
+std::optional<BasicBytes> basic_encode(const std::string& text, BasicProblem& problem,
+                                       size_t longest_line = SIZE_MAX);
 
-/// Tokenized file to text with a line feed behind each line. Nothing and `problem` when the bytes
+/// Tokenized file to text with a line feed behind each line; ? for PRINT in lines that would be too
+/// long to be typed. Nothing and `problem` when the bytes
 /// are no program.
 std::optional<std::string> basic_decode(const BasicBytes& file, BasicProblem& problem);

@@ -50,6 +50,7 @@ constexpr char LISTING[] =
 310 lowercase abc{|}~@#%!.,;_[\]
 320 fo r:pr int:e nd
 330 "":"a""b":data:rem
+340 ?"a line as long as can be":?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:?:
 )";
 
 unsigned word_at(unsigned address) { return memory[address] + 256u * memory[address + 1]; }
@@ -70,11 +71,12 @@ TEST(BasicTokensTest, AreWhatTheMachineMakesOfTypedLines) {
     machine.boot(0, trial_rom());
     machine.type(std::string("NEW\n") + LISTING);
     BasicProblem problem;
-    const auto file = basic_encode(LISTING, problem);
+    const auto file = basic_encode(LISTING, problem, LONGEST_BASIC_LINE);
     ASSERT_TRUE(file) << problem.line << problem.text;
     const std::string expected =
         hexadecimal(memory + PROGRAM_START, word_at(PROGRAM_END) - PROGRAM_START);
     EXPECT_EQ(hexadecimal(file->data() + 1, file->size() - 1), expected);
+    EXPECT_EQ(basic_encode(*basic_decode(*file, problem), problem, LONGEST_BASIC_LINE), file);
 }
 
 TEST(BasicTokensTest, LinesAreKeptInOrderAndReplaced) {
@@ -140,9 +142,12 @@ TEST(BasicTokensTest, FaultsAreNamed) {
                  {"10 A\n\n65530 B\n", 3, "line number above 65529"},
                  {"10 \"\xC3\xA4\"", 1, "byte C3 is not ASCII text, write it as \\xC3"},
                  {"10 \\x00", 1, "a line cannot hold the byte 00"},
+                 {"10 A\n" + long_line.substr(0, 241), 2,
+                  "a line of 241 characters, of which the machine takes 240"},
                  {long_line, 0, "the program is too long for the memory"}};
     for (const auto& text : texts) {
-        EXPECT_FALSE(basic_encode(text.text, problem)) << text.message;
+        const size_t longest = text.line ? LONGEST_BASIC_LINE : SIZE_MAX;
+        EXPECT_FALSE(basic_encode(text.text, problem, longest)) << text.message;
         EXPECT_EQ(problem.line, text.line) << text.message;
         EXPECT_EQ(problem.text, text.message);
     }
@@ -161,6 +166,9 @@ TEST(BasProgramTest, ConvertsFilesAndKeepsWhatIsThereOnFailure) {
     };
     write_text(folder / "in.bas", "20 goto10\n10 print\"HI\\x81\"\nRUN\n");
     write_text(folder / "bad.bas", "10 A\nB\n");
+    write_text(folder / "long.bas", "10 REM" + std::string(300, 'X') + "\n");
+    EXPECT_EQ(run("encode long.bas long"), 1);
+    EXPECT_EQ(run("encode --long-lines long.bas long"), 0);
     EXPECT_EQ(run("encode in.bas tokens"), 0);
     EXPECT_EQ(run("decode tokens text"), 0);
     EXPECT_EQ(read_text(folder / "text"), "10 PRINT\"HI\\x81\"\n20 GOTO10\n");
