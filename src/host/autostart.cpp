@@ -135,24 +135,24 @@ bool start_state(const std::string& path, Bytes bytes) {
     return false; // it tells by itself what came of it
 }
 
-/// `keys` follow the loading of a tokenized program.
-void give_basic(const std::string& path, Bytes bytes, const std::string& keys) {
+/// `keys` follow the loading of a tokenized program. False when the text cannot be typed.
+bool give_basic(const std::string& path, Bytes bytes, const std::string& keys) {
+    if (!is_tokenized_bas(bytes) && !lines_fit(path, bytes)) return false;
     // Otherwise the question would take the first lines.
     if (g_bAutoStart && is_starting_up()) answer_start_question();
     if (is_tokenized_bas(bytes)) {
         tape_attach_basic(path, bytes);
         run_tape_of_sound();
-        return type_into_machine("\r\r\r\rCLOAD\r\r" + keys);
+        type_into_machine("\r\r\r\rCLOAD\r\r" + keys);
+        return true;
     }
     // A machine that is slow, or was not let start up, still has its question to come.
     type_listing(bytes, is_starting_up() ? ENTER : "");
     machine_apply(event_kind::typing_trap);
-}
-
-bool start_basic(const std::string& path, Bytes bytes) {
-    give_basic(path, bytes, "RUN\r");
     return true;
 }
+
+bool start_basic(const std::string& path, Bytes bytes) { return give_basic(path, bytes, "RUN\r"); }
 
 bool start_replay(const std::string& path, Bytes bytes) {
     play_replay_bytes(path, {bytes.begin(), bytes.end()});

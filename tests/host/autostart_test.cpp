@@ -8,6 +8,7 @@
 #include "host/menu.h"
 #include "host/status.h"
 #include "media/files/cassette_files.h"
+#include "media/files/typed_text.h"
 #include "media/tape.h"
 #include "media/traps.h"
 #include "support/host_files.h"
@@ -73,6 +74,25 @@ TEST_F(AutostartTest, TextIsTypedWhateverTheFileIsCalled) {
         EXPECT_EQ(typed_text(), "10 CLS\n") << path;
     }
     EXPECT_EQ(z80_state.pc, 0x1234);
+}
+
+/// The firmware takes 240 characters; a tab goes on to the next eighth column.
+TEST_F(AutostartTest, LineThatTheMachineWouldCutIsToldAndNothingTyped) {
+    const std::string longest = "10 REM\t" + std::string(232, 'X');
+    const std::pair<std::string, std::string> cases[] = {
+        {"\r\n\n" + longest + "\r\n20 A", ""},
+        {"A\r\n" + longest + "X\n20 A", "Line 2 of long.bas is too long"},
+        {longest + "\n\n" + longest + "\t", "Line 3 of long.bas is too long"}};
+    for (const auto& [text, told] : cases) {
+        run("long.bas", &text);
+        EXPECT_EQ(host->status_text(3), told.empty() ? "Autoloaded: long.bas" : told);
+        EXPECT_EQ(is_typing(), told.empty());
+        EXPECT_EQ(typed_text().empty(), !told.empty());
+        host->clipboard().set_text(text);
+        gui_paste_from_clipboard();
+        EXPECT_EQ(typed_text().empty(), !told.empty()) << told;
+    }
+    EXPECT_EQ(host->status_text(3), "Line 3 of the clipboard is too long");
 }
 
 TEST_F(AutostartTest, WhatCannotBeStartedChangesNothing) {

@@ -4,7 +4,8 @@
 
 namespace {
 
-constexpr uint8_t CARRIAGE_RETURN = 13;
+constexpr uint8_t CARRIAGE_RETURN = 13, LINE_FEED = 10, TAB = 9;
+constexpr size_t TAB_STOP = 8; ///< characters
 
 constexpr state_field typing_fields[] = {{"position", sizeof(typing_state::position)}};
 
@@ -47,4 +48,21 @@ uint8_t convert_typed_character(uint8_t character) {
     case '`': return '\'';
     default: return character;
     }
+}
+
+long_line first_long_line(std::span<const uint8_t> text) {
+    long_line line{1, 0};
+    for (size_t at = 0; at < text.size(); ++at) {
+        const uint8_t character = text[at];
+        if (character == CARRIAGE_RETURN || character == LINE_FEED) {
+            if (line.length > LONGEST_TYPED_LINE) return line;
+            if (character == CARRIAGE_RETURN) ++at;
+            line = {line.number + 1, 0};
+        } else if (character == TAB) {
+            line.length = (line.length / TAB_STOP + 1) * TAB_STOP;
+        } else if (character >= ' ') {
+            ++line.length;
+        }
+    }
+    return line.length > LONGEST_TYPED_LINE ? line : long_line();
 }

@@ -6,6 +6,7 @@
 #include "wall/state_record.h"
 
 #include <cstdint>
+#include <span>
 #include <string>
 
 struct typing_state {
@@ -27,3 +28,12 @@ void keyboard_type_reset();
 /// A character of the host as the machine's: "^" becomes "[" and "`" becomes "'". After a carriage
 /// return, typing also skips a byte, the line feed of the pair.
 uint8_t convert_typed_character(uint8_t character);
+
+/// Characters that the firmware takes in a line.
+constexpr size_t LONGEST_TYPED_LINE = 240;
+struct long_line {
+    size_t number = 0; ///< of the text's lines, counted from 1; 0 = none
+    size_t length = 0; ///< in characters
+};
+/// The first line of a text that the firmware would cut if it were typed.
+long_line first_long_line(std::span<const uint8_t> text);
