@@ -38,6 +38,8 @@ void BasicMachine::boot(int slot, const std::vector<uint8_t>& rom) {
         for (uint8_t* const area : {rom_pointer(), source_rom_pointer()}) {
             std::copy_n(rom.begin(), std::min<size_t>(rom.size(), BASIC_ROM_SIZE), area);
         }
+        if (rom.size() > BASIC_ROM_SIZE)
+            std::copy(rom.begin() + BASIC_ROM_SIZE, rom.end(), current_eprom);
         z80_reset();
     }
     run_until_idle(200);

@@ -1,9 +1,13 @@
-/// basic_run [-r ROM] [-m MODEL] [-f FRAMES] [-p ADDRESS[,COUNT]] < TEXT
+/// basic_run [-r ROM] [-m MODEL] [-d TRACKS] [-f FRAMES] [-p ADDRESS[,COUNT]] < TEXT
 /// Types a text at the BASIC prompt of the machine and prints the screen that it leaves; -p prints
-/// bytes of the memory behind it. Ends with 1 when the machine was still busy.
+/// bytes of the memory behind it. -d gives it the disk ROM and a formatted disk in drive 0; behind
+/// the 16 KB of ROM another disk ROM may follow. Ends with 1 when the machine was still busy.
 #include "support/basic_machine.h"
 
 #include "cgenie/memory/memory.h"
+#include "core/machine.h"
+#include "media/disk_system.h"
+#include "media/wd1771.h"
 #include "support/test_files.h"
 
 #include <cstdio>
@@ -12,11 +16,13 @@
 int main(int count, char** words) {
     std::vector<uint8_t> rom;
     int model = 0, frames = 50 * 600;
+    unsigned tracks = 0;
     unsigned address = 0, bytes = 0;
     for (int i = 1; i + 1 < count; i += 2) {
         const char* value = words[i + 1];
         switch (words[i][1]) {
         case 'r': rom = read_file(value); break;
+        case 'd': tracks = unsigned(std::atoi(value)); break;
         case 'm': model = std::atoi(value); break;
         case 'f': frames = std::atoi(value); break;
         case 'p':
@@ -27,6 +33,16 @@ int main(int count, char** words) {
         }
     }
     BasicMachine machine;
+    if (tracks) {
+        std::string problem;
+        auto disk = disk_blank(DISK_PLAIN, tracks, 10, problem);
+        if (!disk || !disk_format(*disk, problem)) {
+            std::fprintf(stderr, "%s\n", problem.c_str());
+            return 2;
+        }
+        machine_cfg[model].expansion_rom = 0;
+        wd1771_attach(0, std::move(disk->image), false);
+    }
     machine.boot(model, rom);
     const std::string text(std::istreambuf_iterator<char>(std::cin), {});
     const bool idle = machine.type(text, frames);
