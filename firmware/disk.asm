@@ -9,7 +9,8 @@
 ; track is a block. Track 0 sector 0 is the boot sector, track D = T / 2 the directory: sector 0 of
 ; it is the map of the blocks, the others hold entries of 16 bytes.
 ;
-; The words keep their places (fill_to): a machine that was kept as a snapshot has jumps to them.
+; The words keep their places (fill_to), or have their jumps in disk_jumps.asm: a machine that was
+; kept as a snapshot has jumps to them.
 ;
 ; disk_basic.asm, made by the build, has the addresses of what BASIC provides.
 
@@ -18,6 +19,7 @@ ROWS            EQU 25          ; unused here, the same code serves 24
         INCLUDE token_codes.asm
         INCLUDE control_cells.asm
         INCLUDE expr_cells.asm
+        INCLUDE math_cells.asm
         INCLUDE disk_basic.asm
         INCLUDE disk_cells.asm
 
@@ -36,4 +38,7 @@ ROWS            EQU 25          ; unused here, the same code serves 24
         INCLUDE disk_lines.asm
         INCLUDE disk_same.asm
         INCLUDE disk_sectors.asm
+        INCLUDE disk_functions.asm
+        INCLUDE disk_errors.asm
+        INCLUDE disk_jumps.asm
         fill_to 0E000h

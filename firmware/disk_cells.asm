@@ -24,12 +24,15 @@ FILE_TYPE       EQU 41DDh       ; of the entry found
 FIRST_BLOCK     EQU 41DEh
 MAP_SUM         EQU 41DFh       ; of the map last read or written; a word
 QUIET_SECTORS   EQU 41E1h       ; sectors to be read before BREAK is looked at
+FN_CHAIN        EQU DISK_CELL   ; frame of the function that is worked out, 0 for none
 
-; Below the top of the memory: the sector buffer, then the files, each with a buffer behind it.
+; Below the top of the memory: the sector buffer, the files, each with a buffer behind it, and the
+; addresses of USR1 to USR9.
 FILES           EQU 3
 SECTOR_SIZE     EQU 256
 FILE_SIZE       EQU 24 + SECTOR_SIZE
-AREA_SIZE       EQU SECTOR_SIZE + FILES * FILE_SIZE
+USR_TABLE       EQU SECTOR_SIZE + FILES * FILE_SIZE
+AREA_SIZE       EQU USR_TABLE + 2 * 9
 AREA_ROOM       EQU 512         ; that must be left below it
 
 ; A file, at IX.
@@ -84,7 +87,7 @@ BOOT_MARK       EQU 0FEh
 BOOT_CODE       EQU 10h
 BOOT_ADDRESS    EQU 5700h
 
-; Errors, behind BASIC's; the order of disk_messages.
+; Errors, behind BASIC's; the order of messages.
 ERR_NO_DISK     EQU ERR_LAST + 2
 ERR_FORMAT      EQU ERR_LAST + 4
 ERR_DISK        EQU ERR_LAST + 6
@@ -102,4 +105,5 @@ ERR_END         EQU ERR_LAST + 28
 ERR_TYPE        EQU ERR_LAST + 30
 ERR_DAMAGED     EQU ERR_LAST + 32
 ERR_CHANGED     EQU ERR_LAST + 34
-ERR_DISK_LAST   EQU ERR_CHANGED
+ERR_FUNCTION    EQU ERR_LAST + 36
+ERR_DISK_LAST   EQU ERR_FUNCTION

@@ -59,13 +59,7 @@ _mode:
 _extend:
         CALL find_file
         JR NZ,_output
-        PUSH IX
-        CALL check_not_open
-        POP IX
-        LD A,(FILE_TYPE)
-        CP TYPE_TEXT
-        JP NZ,fail_type
-        CALL open_input
+        CALL open_text
         CALL go_to_end
         POP HL
         RET

@@ -281,6 +281,14 @@ write_entry:
         LD E,A
         JP write_directory
 
+; Deletes a file.
+; In:   HL entry in the sector buffer, FIRST_BLOCK
+delete_file:
+        LD (HL),ENTRY_DELETED
+        CALL write_entry
+        LD A,(FIRST_BLOCK)
+        JR free_blocks
+
 ; KILL "name"
         fill_to 0C5D6h
 word_kill:
@@ -291,12 +299,6 @@ word_kill:
         CALL delete_file
         POP HL
         RET
-; In:   HL entry in the sector buffer, FIRST_BLOCK
-delete_file:
-        LD (HL),ENTRY_DELETED
-        CALL write_entry
-        LD A,(FIRST_BLOCK)
-        JR free_blocks
 
 ; NAME "old" TO "new", also with AS
         fill_to 0C5EFh

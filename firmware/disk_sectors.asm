@@ -120,14 +120,30 @@ _zero:
         LD (IX + FILE_MODE),MODE_OUTPUT
         RET
 
+; A file opened for reading is to be written, too.
+; In:   IX file
+; Uses: AF, BC, DE, HL
+prepare_writing:
+        LD (IX + FILE_MODE),0   ; unless all is well
+        CALL check_blocks
+        CALL read_entry
+        JP keep_entry_sum
+; Opens the file found: data that no other number has.
+; In:   IX file, HL its entry in the sector buffer
+; Uses: AF, BC, DE, HL
+open_text:
+        PUSH IX
+        CALL check_not_open
+        POP IX
+        LD A,(FILE_TYPE)
+        CP TYPE_TEXT
+        JP NZ,fail_type
+        JP open_input
 ; Goes to the end of a file opened for reading, to write there.
 ; In:   IX file
 ; Uses: AF, BC, DE, HL
 go_to_end:
-        LD (IX + FILE_MODE),0   ; unless all is well
-        CALL check_blocks
-        CALL read_entry
-        CALL keep_entry_sum
+        CALL prepare_writing
         LD A,(IX + FILE_FIRST)
         CP NO_BLOCK
         JR Z,_output            ; empty
@@ -259,9 +275,10 @@ _break:
         CALL check_same_disk
         CALL delete_open_file
         JP break_act
-; A new block for a file. It counts as full until the file is closed.
-take_block:
-        CALL read_map
+; In:   HL the map
+; Out:  Z if there is a free block: C its number, HL its byte
+; Uses: AF, B
+find_free_block:
         LD A,(DISK_TRACKS)
         ADD A,A
         LD B,A
@@ -269,10 +286,16 @@ take_block:
 _search:
         LD A,(HL)
         CP MAP_FREE
-        JR Z,_found
+        RET Z
         INC HL
         INC C
         DJNZ _search
+        RET
+; A new block for a file. It counts as full until the file is closed.
+take_block:
+        CALL read_map
+        CALL find_free_block
+        JR Z,_found
         LD (IX + FILE_MODE),0   ; what was written so far stays, or goes with a program
         LD (IX + FILE_PLACE),0
         LD A,(IX + FILE_PROGRAM)
@@ -345,6 +368,10 @@ finish_file:
         ADD A,MAP_LAST
         LD (HL),A
         CALL write_map
+; The entry of a file gets its first block and the bytes in the last sector.
+; In:   IX file, its disk in use
+; Uses: AF, BC, DE, HL
+write_entry_ends:
         CALL read_entry
         LD DE,ENTRY_BLOCK
         ADD HL,DE
@@ -353,7 +380,7 @@ finish_file:
         INC HL
         LD A,(IX + FILE_LAST)
         LD (HL),A
-        JP write_entry
+        JP write_entry_of_file
 
 ; A value of INPUT to LINE_BUFFER, ended by 0: a number up to a blank, a string in quotes, or
 ; anything up to a comma or the end of the line.

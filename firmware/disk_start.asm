@@ -31,9 +31,11 @@ disk_start:
         PUSH HL
         LD HL,0
         LD (PRINT_FILE),HL
+        LD (FN_CHAIN),HL
         XOR A
         LD (LOADING),A
         CALL forget_files
+        CALL forget_usr
         LD HL,disk_jumps
 _jump:
         LD E,(HL)
@@ -96,26 +98,6 @@ _clear:
 disk_sign_on:
         DEFM "TARVELIN DISK SYSTEM 1.0"
         DEFB RETURN, 0
-
-; Places and what they jump to.
-disk_jumps:
-        DEFW disk_load, word_load
-        DEFW disk_save, word_save
-        DEFW disk_merge, word_merge
-        DEFW disk_kill, word_kill
-        DEFW disk_name, word_name
-        DEFW disk_cmd, word_cmd
-        DEFW disk_open, word_open
-        DEFW disk_close, word_close
-        DEFW disk_eof, function_eof
-        DEFW disk_loc, function_loc
-        DEFW disk_lof, function_lof
-        DEFW hook_error, serve_error
-        DEFW hook_print, serve_print
-        DEFW hook_input, serve_input
-        DEFW hook_run, serve_run
-        DEFW hook_line, serve_line
-        DEFW 0
 
 ; A line typed at the prompt: DIR and FORMAT, with a drive or without.
 ; In:   HL text
@@ -235,12 +217,27 @@ word_texts:
         DEFW word_format
         DEFB 0
 
-; An error, before BASIC reports it: the printer gets its driver back, a program half loaded goes,
-; and an error of the disk is told in words, unless the program handles it.
-; In:   E code
+; An error, before BASIC reports it: variables that were parameters and the printer's driver get back
+; what they had, a program half loaded goes, and the error is told in words, unless the program
+; handles it. A statement that begins with MID$ is none.
+; In:   E code, HL text
 ; Out:  E kept
         fill_to 0C19Ah
 serve_error:
+        CALL restore_parameters
+        CP TOKEN_MID - FIRST_TOKEN + 1  ; what the search for its word leaves
+        JR NZ,_error
+        LD A,(HL)
+        CP TOKEN_MID
+        JR NZ,_error
+        LD A,E
+        CP ERR_SN
+        JR NZ,_error
+        LD DE,new_statement
+        POP BC
+        PUSH DE
+        JP word_mid
+_error:
         CALL end_redirection
         POP HL
         LD (DISK_WORK),HL
@@ -251,15 +248,11 @@ serve_error:
         PUSH HL
         LD A,(ERROR_CODE)
         LD E,A
-        CP ERR_NO_DISK
-        RET C
-        CP ERR_DISK_LAST + 1
-        RET NC
         LD HL,(CURRENT_LINE)
         LD A,H
         AND L
         INC A
-        JR Z,_report
+        JR Z,_direct
         LD HL,(ON_ERROR)
         LD A,H
         OR L
@@ -274,6 +267,24 @@ _program:
         LD HL,(STATEMENT)
         LD (ERROR_TEXT),HL
         LD (CONT_TEXT),HL
+        JR _unhandled
+_direct:
+        LD A,E
+        CP ERR_OM
+        JR NZ,_report
+_unhandled:
+        POP BC
+        POP BC
+        PUSH BC
+        LD A,C
+        OR A
+        JR Z,_report            ; no loops and calls
+        LD HL,(STRING_SPACE)
+        DEC HL
+        DEC HL
+        LD (SAVED_STACK),HL
+        XOR A
+        LD (CONT_TEXT + 1),A
 _report:
         LD HL,(CURRENT_LINE)
         LD (ERROR_LINE),HL
@@ -289,11 +300,14 @@ _report:
         LD A,'?'
         CALL print_entry
         POP AF
-        SUB ERR_NO_DISK
+        CP ERR_DISK_LAST + 1
+        JR C,_known
+        LD A,ERR_UE
+_known:
         RRCA
         LD B,A
         INC B
-        LD HL,disk_messages
+        LD HL,messages
         XOR A
 _message:
         DEC B
@@ -303,83 +317,3 @@ _skip:
         INC HL
         JR NZ,_skip
         JR _message
-
-disk_messages:
-        DEFM "NO DISK"
-        DEFB 0
-        DEFM "DISK NOT FORMATTED"
-        DEFB 0
-        DEFM "DISK ERROR"
-        DEFB 0
-        DEFM "WRITE PROTECTED"
-        DEFB 0
-        DEFM "DISK FULL"
-        DEFB 0
-        DEFM "DIRECTORY FULL"
-        DEFB 0
-        DEFM "NOT FOUND"
-        DEFB 0
-        DEFM "FILE EXISTS"
-        DEFB 0
-        DEFM "BAD FILE NAME"
-        DEFB 0
-        DEFM "BAD FILE NUMBER"
-        DEFB 0
-        DEFM "FILE NOT OPEN"
-        DEFB 0
-        DEFM "FILE OPEN"
-        DEFB 0
-        DEFM "BAD FILE MODE"
-        DEFB 0
-        DEFM "END OF FILE"
-        DEFB 0
-        DEFM "WRONG FILE TYPE"
-        DEFB 0
-        DEFM "DISK DAMAGED"
-        DEFB 0
-        DEFM "DISK CHANGED"
-        DEFB 0
-
-; Errors of one place each, to be jumped at.
-fail_format:
-        LD E,ERR_FORMAT
-        DEFB 1                  ; LD BC, over the next LD E
-fail_full:
-        LD E,ERR_FULL
-        DEFB 1
-fail_directory:
-        LD E,ERR_DIRECTORY
-        DEFB 1
-fail_not_found:
-        LD E,ERR_NOT_FOUND
-        DEFB 1
-fail_exists:
-        LD E,ERR_EXISTS
-        DEFB 1
-fail_name:
-        LD E,ERR_NAME
-        DEFB 1
-fail_number:
-        LD E,ERR_NUMBER
-        DEFB 1
-fail_not_open:
-        LD E,ERR_NOT_OPEN
-        DEFB 1
-fail_open:
-        LD E,ERR_OPEN
-        DEFB 1
-fail_mode:
-        LD E,ERR_MODE
-        DEFB 1
-fail_end:
-        LD E,ERR_END
-        DEFB 1
-fail_type:
-        LD E,ERR_TYPE
-        DEFB 1
-fail_damaged:
-        LD E,ERR_DAMAGED
-        DEFB 1
-fail_changed:
-        LD E,ERR_CHANGED
-        JP raise_error

@@ -427,7 +427,7 @@ _end:
 ; In:   HL token, A the same
 function:
         CP TOKEN_MID + 1
-        JR NC,_extended
+        JR NC,extended_function
         LD DE,function_table
         SUB FIRST_FUNCTION
         CP TOKEN_MID - 2 - FIRST_FUNCTION
@@ -437,12 +437,14 @@ function:
         EX DE,HL
         PUSH DE                 ; routine; it gives the TM error for a wrong type
         RST 10h
+; In:   HL '(', routine on the stack
+call_function:
         CALL parentheses
         EX (SP),HL              ; the text below, the routine away
         CALL call_hl
         POP HL
         RET
-_extended:
+extended_function:
         INC A
         JP NZ,error_sn
         INC HL

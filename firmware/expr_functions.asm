@@ -74,12 +74,10 @@ _found:
 
 ; USR(value): calls the program at USR_ADDRESS, with the value in the accumulator.
 func_usr:
-        CALL parentheses
-        PUSH HL
-        LD HL,(USR_ADDRESS)
-        CALL call_hl
-        POP HL
-        RET
+        CALL hook_usr
+        LD DE,(USR_ADDRESS)
+        PUSH DE
+        JP call_function
 
 ; INKEY$: a key that was pressed, or nothing.
 func_inkey:

@@ -24,6 +24,7 @@ TOKEN_TAB       EQU 0BCh
 TOKEN_TO        EQU 0BDh
 TOKEN_FN        EQU 0BEh
 TOKEN_USING     EQU 0BFh
+TOKEN_USR       EQU 0C1h
 TOKEN_ERL       EQU 0C2h
 TOKEN_INKEY     EQU 0C9h
 TOKEN_THEN      EQU 0CAh
@@ -69,7 +70,7 @@ ERR_LAST        EQU ERR_L3
 
 ; Jumps that a disk ROM replaces; without one the words are an L3 error.
 DISK_VECTORS    EQU 4152h
-DISK_VECTOR_COUNT EQU 28
+DISK_VECTOR_COUNT EQU 27
 disk_cvi        EQU DISK_VECTORS + 0
 disk_fn         EQU DISK_VECTORS + 3
 disk_cvs        EQU DISK_VECTORS + 6
@@ -95,16 +96,16 @@ disk_kill       EQU DISK_VECTORS + 63
 disk_ampersand  EQU DISK_VECTORS + 66
 disk_lset       EQU DISK_VECTORS + 69
 disk_rset       EQU DISK_VECTORS + 72
-disk_instr      EQU DISK_VECTORS + 75
+DISK_CELL       EQU DISK_VECTORS + 75   ; of the disk ROM
 disk_save       EQU DISK_VECTORS + 78
-disk_line       EQU DISK_VECTORS + 81
 
 ; Calls that a disk ROM replaces; without one they return.
 DISK_HOOKS      EQU DISK_VECTORS + 3 * DISK_VECTOR_COUNT
-DISK_HOOK_COUNT EQU 6
-hook_error      EQU DISK_HOOKS + 0
-hook_ready      EQU DISK_HOOKS + 3
-hook_print      EQU DISK_HOOKS + 6
-hook_input      EQU DISK_HOOKS + 9
-hook_run        EQU DISK_HOOKS + 12
-hook_line       EQU DISK_HOOKS + 15     ; HL line typed in direct mode, kept; "ready" if served
+DISK_HOOK_COUNT EQU 7
+hook_usr        EQU DISK_HOOKS + 0
+hook_error      EQU DISK_HOOKS + 3
+hook_ready      EQU DISK_HOOKS + 6
+hook_print      EQU DISK_HOOKS + 9
+hook_input      EQU DISK_HOOKS + 12
+hook_run        EQU DISK_HOOKS + 15
+hook_line       EQU DISK_HOOKS + 18     ; HL line typed in direct mode, kept; "ready" if served

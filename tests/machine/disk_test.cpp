@@ -1,8 +1,11 @@
+#include "basic_cases.h"
+
 #include "cgenie/memory/memory.h"
 #include "core/machine.h"
 #include "media/disk_system.h"
 #include "media/files/drive_files.h"
 #include "support/basic_machine.h"
+#include "support/html_examples.h"
 #include "support/test_files.h"
 #include "tools/basic_tokens.h"
 
@@ -264,7 +267,13 @@ TEST(Disk, TellsItsErrorsInWords) {
         {"PRINT#2,1\n", "?FILE NOT OPEN"},
         {"OPEN\"O\",1,\"D\":KILL\"D\"\n", "?FILE OPEN"},
         {"CLOSE:OPEN\"I\",1,\"D\":PRINT#1,1\n", "?BAD FILE MODE"},
-        {"CLOSE:OPEN\"O\",1,\"D\":PRINT#1,1/0\n", "?/0 ERROR"},
+        {"CLOSE:OPEN\"O\",1,\"D\":PRINT#1,1/0\n", "?DIVISION BY ZERO"},
+        {"DEF FNA(X)=X\n", "?ILLEGAL DIRECT"},
+        {"PRINT FNA(1)\n", "?UNDEFINED FUNCTION"},
+        {"PRINT &8\n", "?SYNTAX ERROR"},
+        {"PRINT USR4(1)\n", "?ILLEGAL FUNCTION CALL"},
+        {"A$=\"AB\":MID$(A$,3)=\"C\"\n", "?ILLEGAL FUNCTION CALL"},
+        {"ERROR 99\n", "?UNPRINTABLE ERROR"},
         {"CLOSE:NEW\n10 ON ERROR GOTO 20:KILL\"NONE\"\n20 PRINT ERR;ERL:END\nRUN\n", " 58  10"},
         {"NEW\n10 CLEAR 999:OPEN\"O\",1,\"D\"\n20 PRINT#1,STRING$(255,65):GOTO 20\nRUN\n",
          "?DISK FULL IN 20"},
@@ -278,6 +287,37 @@ TEST(Disk, TellsItsErrorsInWords) {
     wd1771_write_protect(0, true);
     for (const char* typed : {"SAVE\"P\"\n", "KILL\"P\"\n", "FORMAT\nY"})
         EXPECT_EQ(disk.answer(typed), "?WRITE PROTECTED") << typed;
+}
+
+/// Whatever was nested, and how it ended.
+TEST(Disk, FunctionsGiveVariablesTheirValuesBack) {
+    const std::vector<std::string> program = {
+        "10 CLEAR 700:DEF FNR(X)=FNR(X+1)+X:DEF FNS$(A$,X)=FNS$(A$+STR$(X),X+1)",
+        "20 DEF FNX(X,X,D#)=X*D#:DEF FNT(A$,X)=A$:DEF FNH$(A$)=STRING$(99,A$)+A$",
+        "30 DEF FNG$(A$,B$)=A$+FNH$(B$)+B$:X=7:A$=\"OL\"+\"D\":B$=\"B\":D#=8",
+        "40 FOR I=1 TO 99:C$=FNG$(A$,\"X\"+B$):NEXT:PRINT LEFT$(C$,4);RIGHT$(C$,3);A$;B$",
+        "50 PRINT FNX(4,4,.5);X;D#:ON ERROR GOTO 70:A(3)=FNR(1)",
+        "60 PRINT FNS$(A$,1):PRINT FNT(A$,2):END",
+        "70 PRINT ERR/2+1;X;A$:RESUME NEXT"};
+    const std::vector<std::string> rows = {"OLDXBXBOLDB", " 2  7  8", " 7  7 OLD", " 16  7 OLD",
+                                           " 13  7 OLD"};
+    DiskMachine disk(2, 40, 10);
+    EXPECT_EQ(run_basic_case(disk.machine, {0, program, {"RUN"}, {}}), rows);
+}
+
+TEST(Disk, ExamplesOfThePageShowTheirScreens) {
+    const auto examples = read_html_examples(DOCS_DIR "/firmware.html");
+    ASSERT_FALSE(examples.empty());
+    for (const int model : {0, 1, 2}) {
+        DiskMachine disk(model, 35, 10);
+        disk.rows("FORMAT\nY");
+        for (const HtmlExample& example : examples) {
+            auto typed = example.lines("typed");
+            if (typed.empty()) typed = {"RUN"};
+            const BasicCase steps = {example.line, example.lines("program"), typed, {}};
+            EXPECT_EQ(run_basic_case(disk.machine, steps), example.lines("screen")) << example.line;
+        }
+    }
 }
 
 /// Images of the host's making, and what FORMAT makes of the same without a directory.
