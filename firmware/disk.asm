@@ -39,6 +39,7 @@ ROWS            EQU 25          ; unused here, the same code serves 24
         INCLUDE disk_same.asm
         INCLUDE disk_sectors.asm
         INCLUDE disk_functions.asm
+        INCLUDE disk_random.asm
         INCLUDE disk_errors.asm
         INCLUDE disk_jumps.asm
         fill_to 0E000h

@@ -26,6 +26,13 @@ MAP_SUM         EQU 41DFh       ; of the map last read or written; a word
 QUIET_SECTORS   EQU 41E1h       ; sectors to be read before BREAK is looked at
 FN_CHAIN        EQU DISK_CELL   ; frame of the function that is worked out, 0 for none
 
+; Of GET and PUT, where OPEN has a name.
+RECORD_SECTOR   EQU FILE_NAME       ; place of the part in the file; a word and a byte
+RECORD_OFFSET   EQU FILE_NAME + 2
+RECORD_LEFT     EQU FILE_NAME + 3   ; bytes of the record behind the part; a word
+RECORD_BUFFER   EQU FILE_NAME + 5   ; place of the part in the record; a word
+PART_SIZE       EQU FILE_NAME + 7   ; a word
+
 ; Below the top of the memory: the sector buffer, the files, each with a buffer behind it, and the
 ; addresses of USR1 to USR9.
 FILES           EQU 3
@@ -57,9 +64,13 @@ FILE_PROGRAM    EQU 19          ; not 0: of LOAD, MERGE or SAVE
 FILE_MAP_SUM    EQU 20          ; what the disk's map must add up to; a word
 FILE_ENTRY_SUM  EQU 22          ; writing: and the file's entry
 FILE_BUFFER     EQU 24
+; Of a random file:
+FILE_RECORD     EQU FILE_PLACE  ; length of a record, 0 for 256
+FILE_LENGTH     EQU FILE_LEFT   ; sectors; FILE_COUNT is the last record read or written
 
 MODE_INPUT      EQU 1
 MODE_OUTPUT     EQU 2
+MODE_RANDOM     EQU 4
 
 LOADING_ALL     EQU 1           ; it is in pieces
 LOADING_LINES   EQU 2           ; lines of MERGE are put in
@@ -106,4 +117,6 @@ ERR_TYPE        EQU ERR_LAST + 30
 ERR_DAMAGED     EQU ERR_LAST + 32
 ERR_CHANGED     EQU ERR_LAST + 34
 ERR_FUNCTION    EQU ERR_LAST + 36
-ERR_DISK_LAST   EQU ERR_FUNCTION
+ERR_FIELD       EQU ERR_LAST + 38
+ERR_RECORD      EQU ERR_LAST + 40
+ERR_DISK_LAST   EQU ERR_RECORD

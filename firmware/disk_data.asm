@@ -41,7 +41,7 @@ word_open:
         CP 'I'
         JR Z,_mode
         CP 'E'
-        JP NZ,fail_mode
+        JP NZ,open_random
 _mode:
         PUSH AF
         CALL mount_disk
@@ -241,7 +241,7 @@ _line:
 function_eof:
         CALL file_argument
         CP MODE_INPUT
-        JP NZ,fail_mode
+        JP NZ,random_eof
         LD HL,0
         LD A,(IX + FILE_LEFT)
         OR (IX + FILE_LEFT + 1)
@@ -252,17 +252,19 @@ function_eof:
         DEC HL
 _value:
         JP set_integer
-; LOC(n): sectors read or written
+; LOC(n): sectors read or written; of a random file the last record
         fill_to 0CE8Fh
 function_loc:
         CALL file_argument
         LD L,(IX + FILE_COUNT)
         LD H,(IX + FILE_COUNT + 1)
         JP set_word
-; LOF(n): sectors of the file
+; LOF(n): sectors of the file, or records
         fill_to 0CE9Bh
 function_lof:
         CALL file_argument
+        CP MODE_RANDOM
+        JP Z,random_lof
         CALL use_disk
         LD A,(IX + FILE_FIRST)
         CALL count_sectors

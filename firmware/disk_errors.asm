@@ -84,6 +84,10 @@ messages:
         DEFB 0
         DEFM "UNDEFINED FUNCTION"
         DEFB 0
+        DEFM "FIELD OVERFLOW"
+        DEFB 0
+        DEFM "BAD RECORD NUMBER"
+        DEFB 0
 
 ; Errors of one place each, to be jumped at.
 fail_format:
@@ -130,4 +134,10 @@ fail_changed:
         DEFB 1
 fail_function:
         LD E,ERR_FUNCTION
+        DEFB 1
+fail_field:
+        LD E,ERR_FIELD
+        DEFB 1
+fail_record:
+        LD E,ERR_RECORD
         JP raise_error

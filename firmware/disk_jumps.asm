@@ -29,6 +29,9 @@ disk_jumps:
         DEFW disk_mki, jump_mki
         DEFW disk_mks, jump_mks
         DEFW disk_mkd, jump_mkd
+        DEFW disk_field, jump_field
+        DEFW disk_get, jump_get
+        DEFW disk_put, jump_put
         DEFW disk_lset, jump_lset
         DEFW disk_rset, jump_rset
         DEFW 0
@@ -57,6 +60,12 @@ jump_mks:
         JP function_mks
 jump_mkd:
         JP function_mkd
+jump_field:
+        JP word_field
+jump_get:
+        JP word_get
+jump_put:
+        JP word_put
 jump_lset:
         JP word_lset
 jump_rset:

@@ -268,6 +268,11 @@ TEST(Disk, TellsItsErrorsInWords) {
         {"OPEN\"O\",1,\"D\":KILL\"D\"\n", "?FILE OPEN"},
         {"CLOSE:OPEN\"I\",1,\"D\":PRINT#1,1\n", "?BAD FILE MODE"},
         {"CLOSE:OPEN\"O\",1,\"D\":PRINT#1,1/0\n", "?DIVISION BY ZERO"},
+        {"CLOSE:OPEN\"R\",1,\"D\":FIELD 1,200 AS A$,57 AS B$\n", "?FIELD OVERFLOW"},
+        {"GET 1\n", "?END OF FILE"},
+        {"PUT 1,0\n", "?BAD RECORD NUMBER"},
+        {"FIELD 1,9 AS A\n", "?TYPE MISMATCH"},
+        {"CLOSE:OPEN\"R\",1,\"D\",257\n", "?ILLEGAL FUNCTION CALL"},
         {"DEF FNA(X)=X\n", "?ILLEGAL DIRECT"},
         {"PRINT FNA(1)\n", "?UNDEFINED FUNCTION"},
         {"PRINT &8\n", "?SYNTAX ERROR"},
@@ -303,6 +308,40 @@ TEST(Disk, FunctionsGiveVariablesTheirValuesBack) {
                                            " 13  7 OLD"};
     DiskMachine disk(2, 40, 10);
     EXPECT_EQ(run_basic_case(disk.machine, {0, program, {"RUN"}, {}}), rows);
+}
+
+TEST(Disk, RandomFilesHoldTheirRecords) {
+    DiskMachine disk(1, 35, 10);
+    disk.rows("CLEAR 999\nFORMAT\nY");
+    std::mt19937 random(3);
+    for (const size_t length : {256, 255, 100, 7, 1}) {
+        const std::string name = "R" + std::to_string(length), left = std::to_string(length / 2),
+                          right = std::to_string(length - length / 2);
+        const std::string open = "CLOSE:OPEN\"R\",1,\"" + name + "\"," + std::to_string(length) +
+                                 ":FIELD 1," + left + " AS A$," + right + " AS B$\n";
+        std::string file;
+        for (int i = 0; i < 12; ++i) {
+            const size_t record = 1 + random() % (length < 99 ? 300 : 12);
+            const char letter = char('A' + i);
+            std::string text = std::to_string(record);
+            text.resize(length / 2, ' ');
+            file.resize(std::max(file.size(), record * length));
+            file.replace((record - 1) * length, length,
+                         text + std::string(length - length / 2, letter));
+            disk.rows((i % 6 == 0 ? open : "") + "LSET A$=\"" + std::to_string(record) +
+                      "\":RSET B$=STRING$(255," + std::to_string(letter) + "):PUT 1," +
+                      std::to_string(record) + "\n");
+            const std::string padded = name + std::string(8 - name.size(), ' ');
+            ASSERT_TRUE(disk.contents(padded) == file) << name << " " << record;
+            const size_t count = file.size() / length, any = 1 + random() % count;
+            EXPECT_EQ(disk.answer("GET 1," + std::to_string(any) +
+                                  ":PRINTASC(B$);LOC(1);LOF(1);EOF(1)\n"),
+                      " " + std::to_string(int(file[any * length - 1])) + "  " +
+                          std::to_string(any) + "  " + std::to_string(count) +
+                          (any == count ? " -1" : "  0"));
+        }
+    }
+    EXPECT_EQ(disk.found().find(';'), std::string::npos) << disk.found();
 }
 
 TEST(Disk, ExamplesOfThePageShowTheirScreens) {
@@ -383,7 +422,8 @@ TEST(Disk, EveryActEndsAndKeepsToItsFileOnDamagedDisks) {
         "KILL\"#\"",
         "NAME\"#\"TO\"Z\"",
         "OPEN\"O\",2,\"#\":PRINT#2" + full,
-        "OPEN\"E\",1,\"#\":PRINT#1" + full};
+        "OPEN\"E\",1,\"#\":PRINT#1" + full,
+        "OPEN\"R\",1,\"#\",99:PUT 1,50:CLOSE"};
     constexpr size_t FIRST_TO_WRITE = 5;
     std::mt19937 random(7);
     const auto any = [&](size_t count) { return size_t(random() % count); };
@@ -480,7 +520,10 @@ TEST(Disk, NoFileComesToAnotherDisk) {
         {filled, fuller, extend + ":PRINT#1,1", "SAVE\"N\""},
         {filled, filled, output + ",,,,,,,,,,,,,,,\"123456789012345678901234567890\"", "CLOSE"},
         {filled, empty, extend, "PRINT#1,,,,,,,,,,,,,,,,,,,,,,,,,,"},
-        {filled, empty, "OPEN\"I\",1,\"C\"", "1 INPUT#1,A$\nGOTO 1"}};
+        {filled, empty, "OPEN\"I\",1,\"C\"", "1 INPUT#1,A$\nGOTO 1"},
+        {filled, empty, "OPEN\"R\",1,\"C\"", "GET 1"},
+        {filled, empty, "OPEN\"R\",1,\"C\"", "PUT 1,2"},
+        {filled, filled, "OPEN\"R\",1,\"C\":PUT 1,99", "PUT 1,2"}};
     for (const auto& [opened, changed, open, act] : cases) {
         drive = opened;
         disk.rows("NEW\n" + open + "\n");
