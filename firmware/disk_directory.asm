@@ -436,23 +436,7 @@ _next:
         JP NZ,_entry
 _end:
         CALL print_new_row
-        CALL read_map
-        LD A,(DISK_TRACKS)
-        ADD A,A
-        LD B,A
-        LD DE,0
-_block:
-        LD A,(HL)
-        INC HL
-        INC A
-        JR NZ,_used
-        LD A,(BLOCK_SECTORS)
-        ADD A,E
-        LD E,A
-        JR NC,_used
-        INC D
-_used:
-        DJNZ _block
+        CALL free_sectors
         EX DE,HL
         CALL print_line_number
         LD HL,_free_text
@@ -475,3 +459,26 @@ _damaged_text:
         DEFB 0
 _kinds:
         DEFM "BMT?"
+
+; Sectors of the disk in use that no file has.
+; Out:  DE, the map in the sector buffer
+; Uses: AF, BC, HL
+free_sectors:
+        CALL read_map
+        LD A,(DISK_TRACKS)
+        ADD A,A
+        LD B,A
+        LD DE,0
+_block:
+        LD A,(HL)
+        INC HL
+        INC A
+        JR NZ,_used
+        LD A,(BLOCK_SECTORS)
+        ADD A,E
+        LD E,A
+        JR NC,_used
+        INC D
+_used:
+        DJNZ _block
+        RET

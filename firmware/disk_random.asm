@@ -342,6 +342,7 @@ word_put:
         CALL begin_record
         CALL use_disk
         CALL check_same_disk
+        CALL check_growth
 _part:
         LD E,(IX + FILE_LENGTH)
         LD D,(IX + FILE_LENGTH + 1)
@@ -402,6 +403,43 @@ put_part:
         EX DE,HL
         LDIR
         RET
+
+; Has the disk room for the record and what is missing before it?
+; In:   IX file, its disk in use; RECORD_SECTOR, RECORD_LEFT
+; Uses: AF, BC, DE, HL
+check_growth:
+        LD HL,(RECORD_LEFT)
+        LD A,H
+        OR L
+        LD HL,(RECORD_SECTOR)
+        JR Z,_last
+        INC HL
+_last:
+        LD E,(IX + FILE_LENGTH)
+        LD D,(IX + FILE_LENGTH + 1)
+        OR A
+        SBC HL,DE
+        RET C
+        PUSH HL                 ; sectors missing, less 1
+        CALL free_sectors
+        LD A,(IX + FILE_FIRST)
+        CP NO_BLOCK
+        JR Z,_room
+        PUSH DE
+        CALL last_block
+        POP DE
+        CPL
+        ADD A,(IX + FILE_HALF)
+        INC A                   ; left in the last block
+        ADD A,E
+        LD E,A
+        JR NC,_room
+        INC D
+_room:
+        POP HL
+        RST 18h
+        RET C
+        JP fail_full
 
 ; Before a file grows: its last sector counts as whole.
 ; In:   IX file, its disk in use

@@ -271,6 +271,8 @@ TEST(Disk, TellsItsErrorsInWords) {
         {"CLOSE:OPEN\"R\",1,\"D\":FIELD 1,200 AS A$,57 AS B$\n", "?FIELD OVERFLOW"},
         {"GET 1\n", "?END OF FILE"},
         {"PUT 1,0\n", "?BAD RECORD NUMBER"},
+        {"PUT 1,331\n", "?DISK FULL"}, // a sector more than there are
+        {"PRINT LOF(1)\n", " 0"},
         {"FIELD 1,9 AS A\n", "?TYPE MISMATCH"},
         {"CLOSE:OPEN\"R\",1,\"D\",257\n", "?ILLEGAL FUNCTION CALL"},
         {"DEF FNA(X)=X\n", "?ILLEGAL DIRECT"},
