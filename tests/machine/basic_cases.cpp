@@ -52,8 +52,11 @@ std::vector<BasicCase> read_basic_cases(const std::string& path) {
     for (std::string line; std::getline(file, line);) {
         ++number;
         if (is_remark(line)) continue;
-        if (line.empty()) {
+        if (line.empty() || line.starts_with("! ")) {
             finish();
+            if (!line.empty())
+                cases.push_back(
+                    {number, {}, {line.substr(5)}, {"?" + line.substr(2, 2) + " ERROR"}});
             continue;
         }
         if (!next.line) next.line = number;

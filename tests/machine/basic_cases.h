@@ -6,7 +6,8 @@
 ///   > line     is typed in on a cleared screen, the first one behind the prompt,
 /// and the other lines are the rows that the screen has below the first command when the machine
 /// is back at its prompt. Lines that begin with # are remarks. "~" in a row stands for a blank at
-/// the end of it or for an empty row.
+/// the end of it or for an empty row. A line
+///   ! XX line  is a case of its own: the line gives the XX error.
 
 #include <string>
 #include <vector>
