@@ -46,7 +46,7 @@ messages:
         DEFB 0
         DEFM "BAD FILE DATA"
         DEFB 0
-        DEFM "DISK BASIC ONLY"
+        DEFM "WORD NOT AVAILABLE"
         DEFB 0
         DEFM "NO DISK"
         DEFB 0

@@ -372,6 +372,9 @@ values_kept:
         OR A
         RET
 
+; Before the prompt: BREAK may have ended a statement while strings were collected.
+serve_ready:
+        CALL end_redirection
 ; What an error or BREAK has left of FN goes: the variables get their values back.
 ; Out:  all registers kept
 restore_parameters:

@@ -39,7 +39,7 @@ disk_jumps:
 ; Words whose places may change have their jumps here, at the end of the ROM.
         fill_to 0DFA0h
 jump_ready:
-        JP restore_parameters
+        JP serve_ready
 jump_usr:
         JP serve_usr
 jump_def:

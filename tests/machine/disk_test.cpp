@@ -274,6 +274,11 @@ TEST(Disk, TellsItsErrorsInWords) {
         {"PUT 1,331\n", "?DISK FULL"}, // a sector more than there are
         {"PRINT LOF(1)\n", " 0"},
         {"FIELD 1,9 AS A\n", "?TYPE MISMATCH"},
+        {"10 CLOSE:OPEN\"R\",1,\"R\",5:FIELD 1,5 AS A$(9):LSET A$(9)=\"FIELD\":PUT 1:B$=A$(9)\n"
+         "20 RSET A$(9)=\"\":FOR I=1 TO 50:C$=\"A\"+STR$(I):NEXT:GET 1,1:PRINT A$(9);B$\n30 "
+         "CLOSE:KILL\"R\"\n"
+         "RUN\n",
+         "FIELDFIELD"},
         {"CLOSE:OPEN\"R\",1,\"D\",257\n", "?ILLEGAL FUNCTION CALL"},
         {"DEF FNA(X)=X\n", "?ILLEGAL DIRECT"},
         {"PRINT FNA(1)\n", "?UNDEFINED FUNCTION"},
