@@ -71,6 +71,7 @@ sed -n '/<pre id="listing">/,/<\/pre>/p' "$manual" | sed 's/<[^>]*>//g' >listing
 machine colours 4 colours.cmd
 machine graphics 40 listing.bas
 listing raiders 55 ' '
+listing maze 54 ' '
 
 start_server 1024x768x24
 start_window_manager
