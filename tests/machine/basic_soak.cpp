@@ -33,26 +33,28 @@ constexpr uint8_t TWO_BYTE_CALL = 0x96, TWO_BYTE_VERIFY = 0x97;
 
 // Without the words that may write over the system, and those that wait for a cassette.
 constexpr const char* WORDS[] = {
-    "END",     "FOR",     "RESET", "SET",    "CLS",     "CMD",     "RANDOM", "NEXT",    "DATA",
-    "INPUT",   "DIM",     "READ",  "LET",    "GOTO",    "RUN",     "IF",     "RESTORE", "GOSUB",
-    "RETURN",  "REM",     "STOP",  "ELSE",   "TRON",    "TROFF",   "DEFSTR", "DEFINT",  "DEFSNG",
-    "DEFDBL",  "LINE",    "EDIT",  "ERROR",  "RESUME",  "ON",      "OPEN",   "FIELD",   "GET",
-    "PUT",     "CLOSE",   "LOAD",  "MERGE",  "NAME",    "KILL",    "LSET",   "RSET",    "SAVE",
-    "LPRINT",  "DEF",     "PRINT", "CONT",   "LIST",    "LLIST",   "DELETE", "AUTO",    "CLEAR",
-    "NEW",     "TAB(",    "TO",    "FN",     "USING",   "VARPTR",  "ERL",    "ERR",     "STRING$(",
-    "INSTR(",  "POINT(",  "TIME$", "MEM",    "INKEY$",  "THEN",    "NOT",    "STEP",    "AND",
-    "OR",      "SGN(",    "INT(",  "ABS(",   "FRE(",    "INP(",    "POS(",   "SQR(",    "RND(",
-    "LOG(",    "EXP(",    "COS(",  "SIN(",   "TAN(",    "ATN(",    "PEEK(",  "CVI(",    "MKI$(",
-    "CINT(",   "CSNG(",   "CDBL(", "FIX(",   "LEN(",    "STR$(",   "VAL(",   "ASC(",    "CHR$(",
-    "LEFT$(",  "RIGHT$(", "MID$(", "COLOUR", "FCOLOUR", "KEYPAD1", "JOY1X",  "PLOT",    "FGR",
-    "LGR",     "FCLS",    "PLAY",  "CIRCLE", "SCALE",   "SHAPE",   "NSHAPE", "XSHAPE",  "PAINT",
-    "CPOINT(", "NPLOT",   "SOUND", "CHAR",   "RENUM",   "SWAP",    "FKEY",   "BGRD",    "NBGRD",
-    "A",       "B$",      "C%",    "D#",     "E(",      "F$(",     "Z9",     "I",       "I=1TO9",
-    "&H",      "1E",      "1D-",   "\"",     "\"X\"",   ".",       ",",      ";",       ":",
-    ":",       ":",       "(",     ")",      ")",       "+",       "-",      "*",       "/",
-    "^",       "=",       "<",     ">",      "'",       "@",       "#",      "##.##",   "!",
-    "%",       "$",       "?",     " ",      "0",       "1",       "2",      "3",       "9",
-    "10",      "20",      "255",   "256",    "32767",   "65535",   "1E38",   "-1"};
+    "END", "FOR", "RESET", "SET", "CLS", "CMD", "RANDOM", "NEXT", "DATA", "INPUT", "DIM", "READ",
+    "LET", "GOTO", "RUN", "IF", "RESTORE", "GOSUB", "RETURN", "REM", "STOP", "ELSE", "TRON",
+    "TROFF", "DEFSTR", "DEFINT", "DEFSNG", "DEFDBL", "LINE", "EDIT", "ERROR", "RESUME", "ON",
+    "OPEN", "FIELD", "GET", "PUT", "CLOSE", "LOAD", "MERGE", "NAME", "KILL", "LSET", "RSET", "SAVE",
+    "LPRINT", "DEF", "PRINT", "CONT", "LIST", "LLIST", "DELETE", "AUTO", "CLEAR", "NEW", "TAB(",
+    "TO", "FN", "USING", "VARPTR", "ERL", "ERR", "STRING$(", "INSTR(", "POINT(", "TIME$", "MEM",
+    "INKEY$", "THEN", "NOT", "STEP", "AND", "OR", "SGN(", "INT(", "ABS(", "FRE(", "INP(", "POS(",
+    "SQR(", "RND(", "LOG(", "EXP(", "COS(", "SIN(", "TAN(", "ATN(", "PEEK(", "CVI(", "MKI$(",
+    "CINT(", "CSNG(", "CDBL(", "FIX(", "LEN(", "STR$(", "VAL(", "ASC(", "CHR$(", "LEFT$(",
+    "RIGHT$(", "MID$(", "COLOUR", "FCOLOUR", "KEYPAD1", "JOY1X", "PLOT", "FGR", "LGR", "FCLS",
+    "PLAY", "CIRCLE", "SCALE", "SHAPE", "NSHAPE", "XSHAPE", "PAINT", "CPOINT(", "NPLOT", "SOUND",
+    "CHAR", "RENUM", "SWAP", "FKEY", "BGRD", "NBGRD", "A", "B$", "C%", "D#", "E(", "F$(", "Z9", "I",
+    "I=1TO9", "&H", "1E", "1D-", "\"", "\"X\"", ".", ",", ";", ":", ":", ":", "(", ")", ")", "+",
+    "-", "*", "/", "^", "=", "<", ">", "'", "@", "#", "##.##", "!", "%", "$", "?", " ", "0", "1",
+    "2", "3", "9", "10", "20", "255", "256", "32767", "65535", "1E38", "-1",
+    // Whole statements, so that more than their syntax is reached.
+    "DEF FNA(X,B$)=X*2+LEN(B$):", "FNA(3,\"AB\")",
+    "DEFUSR3=0:", "MID$(B$,2,1)=\"Z\":", "OPEN\"R\",1,\"X\":", "OPEN\"O\",2,\"T\":",
+    "OPEN\"I\",2,\"T\":", "FIELD 1,9 AS B$,200 AS F$(1):", "LSET B$=STR$(I):", "RSET F$(1)=B$:",
+    "PUT 1,I:", "GET 1:", "PRINT#2,B$;I:", "INPUT#2,B$:", "PRINT#-1,A,B$:", "INPUT#-1,A,B$:",
+    "SAVE\"P\",A:", "MERGE\"P\":", "LOAD\"P\":", "KILL\"X\":", "FORI=1TO300:F$(I)=STR$(I):NEXT:",
+    "DIM F$(400):", "CLEAR 2000:", "?FRE(B$):", "&O17", "CLOSE:"};
 
 double number_of(const char* variable, double otherwise) {
     const char* text = std::getenv(variable);
