@@ -1,5 +1,5 @@
 #pragma once
-/// Tables of short cases for the machine's BASIC.
+/// Tables of short cases for the machine's BASIC, besides the examples of docs/reference.html.
 ///
 /// A file of cases has blocks divided by empty lines. Of a block,
 ///   : line     is typed in first, as the lines of a program; ": <name" is all lines of that file,
