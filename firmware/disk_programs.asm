@@ -217,7 +217,7 @@ _end:
         CALL get_char
         LD D,A
         LD HL,TOKEN_BUFFER
-        LD BC,0
+        LD B,0                  ; 256 with the 0
 _character:
         CALL get_char
         JR NC,_store
@@ -225,11 +225,12 @@ _character:
 _store:
         LD (HL),A
         INC HL
-        INC C
-        JP Z,error_ls
         OR A
-        JR NZ,_character
-        LD HL,LINE_HEAD
+        JR Z,_whole
+        DJNZ _character
+        JP error_ls
+_whole:
+        LD BC,LINE_HEAD - TOKEN_BUFFER
         ADD HL,BC
         LD B,H
         LD C,L
