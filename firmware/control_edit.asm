@@ -106,11 +106,7 @@ _back:
 _step_back:
         LD A,L
         CP LOW LINE_BUFFER
-        RET Z                   ; the buffer is shorter than 256
-        DEC HL
-        LD A,BACKSPACE
-        CALL print_entry
-        OR H                    ; NZ
+        JP NZ,step_back         ; the buffer is shorter than 256
         RET
 _extend:
         CALL print_text

@@ -170,17 +170,16 @@ stmt_line:
         CALL find_variable
         BIT 0,B
         JP Z,error_tm
-        PUSH BC
-        PUSH DE
-        CALL read_input
-        EX (SP),HL              ; the variable, below it the text
         PUSH HL
+        PUSH DE
+        PUSH BC
+        CALL read_input
         LD HL,LINE_BUFFER
         LD BC,0
         CALL text_string
+        POP BC
         POP DE
         POP HL
-        POP BC
         JP assign
 
 ; Prompt of an INPUT statement, if there is one.

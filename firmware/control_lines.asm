@@ -240,6 +240,7 @@ _print:
         JR _store
 _string:
         CALL _copy
+_copied_part:
         JR NZ,_next             ; at 0 the line ends, too
 _end:
         EX DE,HL
@@ -252,24 +253,6 @@ _end:
         ADD HL,DE
         LD B,H
         LD C,L
-        RET
-; Copies up to a second character like the first.
-; Out:  A = 0 and Z at the end of the line
-_copy:
-        LD B,A
-        LD (DE),A
-_copied:
-        INC DE
-        INC HL
-        LD A,(HL)
-        OR A
-        RET Z
-        LD (DE),A
-        CP B
-        JR NZ,_copied
-        INC DE
-        INC HL
-        OR A
         RET
 ; ' is a REM that LIST shows otherwise.
 _quote:
@@ -340,28 +323,25 @@ _found:
         CP FIRST_TOKEN
         JR C,_two_bytes
         CP TOKEN_ELSE
-        JR NZ,_not_else
-        LD A,':'
-        LD (DE),A
-        INC DE
-        LD A,TOKEN_ELSE
-_not_else:
+        LD BC,':' * 256 + STRING_QUOTE
+        JR Z,_prefix
         CP TOKEN_DATA
         JR Z,_data
         CP TOKEN_REM
         JP NZ,_store
 _remark:
-        LD (DE),A
-        LD B,0                  ; all of the line
-        CALL _copied
-        JP _end
+        LD BC,0                 ; all of the line
+_data:
+        CALL _rest
+        JP _copied_part
 _two_bytes:
-        LD C,A
-        LD A,EXTENDED
-        LD (DE),A
-        INC DE
-        LD A,C
         ADD A,EXTENDED_WORDS
+        LD B,EXTENDED
+_prefix:
+        EX DE,HL
+        LD (HL),B
+        INC HL
+        EX DE,HL
         JP _store
 ; In:   A byte of the line made
 ; Out:  A next character as a capital
@@ -369,27 +349,36 @@ _put:
         LD (DE),A
         INC DE
         JR next_capital
-; DATA: up to a colon outside strings.
-_data:
+; Copies up to a second character like the first; _rest up to one like B, and strings whole where C
+; is a quote.
+; Out:  A = 0 and Z at the end of the line
+_copy:
+        LD B,A
+        LD C,0
+_rest:
         LD (DE),A
+_copied:
         INC DE
         INC HL
-_item:
+_copied_to:
         LD A,(HL)
         OR A
-        JP Z,_end
-        CP ':'
-        JP Z,_next
-        CP STRING_QUOTE
-        JR Z,_quoted
+        RET Z
+        CP C
+        JR Z,_inner
         LD (DE),A
+        CP B
+        JR NZ,_copied
         INC DE
         INC HL
-        JR _item
-_quoted:
+        OR A
+        RET
+_inner:
+        PUSH BC
         CALL _copy
-        JR NZ,_item
-        JP _end
+        POP BC
+        JR NZ,_copied_to
+        RET
 
 ; The next character of a text as a capital.
 ; In:   HL text
@@ -411,22 +400,19 @@ capital:
 stmt_auto:
         LD DE,10
         LD (AUTO_STEP),DE
-        JR Z,_start
+        JR Z,_first
         CP ','
         CALL NZ,number_or_dot
-        LD A,(HL)
+_first:
+        LD (AUTO_NUMBER),DE
         CP ','
         JR NZ,_start
         INC HL
-        PUSH DE
         CALL line_number
         LD (AUTO_STEP),DE
-        POP DE
 _start:
-        LD A,(HL)
         OR A
         RET NZ
-        LD (AUTO_NUMBER),DE
         DEC A
         LD (AUTO_ON),A
         JP prompt

@@ -41,19 +41,16 @@ _line:
 ; Out:  DE first, LIST_LAST, HL and flags behind it
 ; Uses: AF, DE
 line_range:
-        LD DE,0FFFFh
-        JR NZ,_first
-        LD (LIST_LAST),DE
-        INC DE
-        RET
-_first:
+        LD DE,0
+        JR Z,_to
         CALL number_or_dot
         LD (LIST_LAST),DE
         CP TOKEN_MINUS
         JR NZ,_end
-        PUSH DE
-        LD DE,0FFFFh
         RST 10h
+_to:
+        PUSH DE
+        LD DE,0FFFEh
         CALL NZ,number_or_dot
         LD (LIST_LAST),DE
         POP DE
@@ -80,13 +77,10 @@ stmt_delete:
         JP C,error_fc
         PUSH DE
         EX DE,HL
+        INC DE
         CALL find_line
-        JR Z,_behind
-        LD B,H
-        LD C,L
-_behind:
         POP DE
-        PUSH BC
+        PUSH HL
         CALL find_line
         POP BC
         CALL close_gap

@@ -31,12 +31,11 @@ _next:
         JR C,_next
         CALL _store
         JR _next
-_backspace:
-        CALL _remove
-        JR _next
 _erase:
         CALL _remove
         JR NZ,_erase
+_backspace:
+        CALL _remove
         JR _next
 _clear:
         CALL clear_text_screen
@@ -78,17 +77,18 @@ _store:
         JP print_entry
 
 ; Takes the last character back.
-; Out:  Z when there is none left
+; Out:  Z when there was none
 _remove:
         LD A,C
         OR A
         RET Z
-        DEC HL
         DEC C
+; Out:  HL one less, NZ
+step_back:
+        DEC HL
         LD A,BACKSPACE
         CALL print_entry
-        LD A,C
-        OR A
+        OR H
         RET
 
 ; 28A7: Shows a text.
