@@ -2,21 +2,24 @@
 
 SMALL_ANGLE     EQU BIAS - 12   ; exponents below: the functions are their argument
 
-; COS
-; Uses: all
-func_cos:
-        CALL to_single
-        LD A,(ACC_EXPONENT)
-        OR A
-        LD A,1
-        JR NZ,sine_function
-        CALL set_byte           ; COS(0)
-        JP to_single
-; SIN
-func_sin:
+; The argument of a function of angles.
+; Out:  the accumulator a single; A exponent, carry: too small to make a difference
+small_angle:
         CALL to_single
         LD A,(ACC_EXPONENT)
         CP SMALL_ANGLE
+        RET
+
+; COS
+; Uses: all
+func_cos:
+        CALL small_angle
+        JP C,single_one
+        LD A,1
+        JR sine_function
+; SIN
+func_sin:
+        CALL small_angle
         RET C
         XOR A
 sine_function:
@@ -26,9 +29,7 @@ sine_function:
 ; TAN
 ; Uses: all
 func_tan:
-        CALL to_single
-        LD A,(ACC_EXPONENT)
-        CP SMALL_ANGLE
+        CALL small_angle
         RET C
         LD A,1
         CALL sine_extended
@@ -36,17 +37,15 @@ func_tan:
         EXX
         PUSH HL
         EXX
-        PUSH BC
         LD A,(SIGN)
-        PUSH AF
+        LD B,A
+        PUSH BC
         XOR A
         CALL sine_extended
-        POP AF
-        LD B,A
-        LD A,(SIGN)
-        XOR B
-        LD (SIGN),A
         POP DE
+        LD A,(SIGN)
+        XOR D
+        LD (SIGN),A
         LD B,E                  ; exponent of the cosine
         EXX
         POP DE
@@ -59,11 +58,11 @@ func_tan:
 ; what remains beside a whole number is still exact: HL, HL', DE, DE' from the highest word down.
 ; Out:  HL:HL', C exponent, SIGN
 sine_extended:
-        LD (QUADRANT),A
+        LD B,A
         CALL load_extended
-        LD A,(QUADRANT)
-        OR A
-        JR Z,_odd
+        LD A,B
+        LD IYH,A                ; quarter turns
+        DJNZ _odd
         XOR A
         LD (SIGN),A             ; the cosine is even
 _odd:
@@ -73,30 +72,15 @@ _odd:
         LD DE,152Ah
         EXX
         CALL multiply_32
-        PUSH HL
-        EXX
-        PUSH HL
-        EXX
         LD DE,0A2F9h
         EXX
         LD DE,836Eh
+        CALL multiply_add
+        LD DE,(PRODUCT_LOW + 2)
         EXX
-        CALL multiply_32
+        LD DE,(PRODUCT_LOW)
         EXX
-        EX DE,HL
-        POP HL
-        LD BC,(PRODUCT_LOW)
-        ADD HL,BC
-        EX DE,HL
-        EXX
-        EX DE,HL
-        POP HL
-        LD BC,(PRODUCT_LOW + 2)
-        ADC HL,BC
-        EX DE,HL
-        CALL C,increment_32
-        LD A,(ACC_EXPONENT)
-        LD C,A
+        LD A,C
         SUB BIAS
         JR C,_normalize         ; below 1/2 already
         LD C,BIAS
@@ -120,23 +104,18 @@ _count:
         LD A,B
         LD B,80h                ; what remains is negative
 _below:
-        PUSH HL
-        LD HL,QUADRANT
-        ADD A,(HL)
-        LD (HL),A
-        BIT 0,A
-        JR NZ,_cosine           ; which does not care for the sign
+        ADD A,IYH
+        LD IYH,A
+        RRCA
+        JR NC,_sine
+        LD B,0                  ; the cosine does not care
+_sine:
+        RRCA                    ; the other half of the circle
+        XOR B
+        LD B,A
         LD A,(SIGN)
         XOR B
         LD (SIGN),A
-_cosine:
-        BIT 1,(HL)
-        JR Z,_upper
-        LD A,(SIGN)
-        CPL
-        LD (SIGN),A
-_upper:
-        POP HL
 _normalize:
         LD B,64
 _up:
@@ -147,16 +126,16 @@ _up:
         DJNZ _up
         LD C,B
 _series:
-        LD A,(QUADRANT)
+        LD A,IYH
         RRA
         JR C,_even
-        LD IX,sine_table
+        LD DE,sine_table
         CALL odd_polynomial
         INC C
         RET
 _even:
         CALL square_fraction
-        LD IX,cosine_table
+        LD DE,cosine_table
         CALL polynomial
         LD C,BIAS + 1
         CALL normalize_32
@@ -196,17 +175,17 @@ complement_words:
 ; ATN
 ; Uses: all
 func_atn:
-        CALL to_single
-        LD A,(ACC_EXPONENT)
-        CP SMALL_ANGLE
+        CALL small_angle
         RET C
         CALL load_extended
         LD A,C
         CP BIAS + 1
-        LD IX,arctangent_table
-        JR C,_small
-        CALL reciprocal         ; pi/2 - ATN(1/x)
+        PUSH AF
+        CALL NC,reciprocal      ; pi/2 - ATN(1/x)
+        LD DE,arctangent_table
         CALL odd_polynomial
+        POP AF
+        JR C,_small
         LD A,BIAS + 1
         SUB C
         CALL shift_right_32
@@ -220,9 +199,7 @@ func_atn:
         SBC HL,DE
         LD C,BIAS + 1
         CALL normalize_32
-        JP round_extended
 _small:
-        CALL odd_polynomial
         JP round_extended
 
 ; RND: argument 0 gives 0 to below 1, n gives 1 to n.
@@ -235,45 +212,32 @@ func_rnd:
         LD DE,(RANDOM_SEED)     ; times 65536 + RANDOM_FACTOR, plus RANDOM_STEP, modulo 2^24
         LD A,(RANDOM_SEED + 2)
         LD B,A
-        LD C,E                  ; C:HL: 65536 times the seed
-        LD HL,0
+        LD H,D
+        LD L,E
         LD IX,RANDOM_FACTOR
-        LD A,16
-        EX AF,AF'
-        LD A,C
-        LD C,0
-        PUSH AF
+        LD C,16
 _bit:
         ADD HL,HL
-        RL C
+        ADC A,A
         ADD IX,IX
         JR NC,_clear
         ADD HL,DE
-        LD A,C
         ADC A,B
-        LD C,A
 _clear:
-        EX AF,AF'
-        DEC A
-        JR Z,_done
-        EX AF,AF'
-        JR _bit
-_done:
-        POP AF
-        ADD A,C
-        LD C,A
+        DEC C
+        JR NZ,_bit
         LD DE,RANDOM_STEP
         ADD HL,DE
+        ADC A,C
         LD (RANDOM_SEED),HL
-        LD A,C
-        ADC A,0
         LD (RANDOM_SEED + 2),A
-        EX DE,HL
-        LD B,A                  ; B:DE the seed
         POP IX                  ; the argument
+        LD C,A
         LD A,IXL
         OR IXH
         JR Z,_fraction
+        EX DE,HL
+        LD B,C                  ; B:DE the seed
         XOR A
         LD H,A
         LD L,A
@@ -286,10 +250,7 @@ _done:
         INC HL
         JP set_integer
 _fraction:
-        LD C,B
         LD B,BIAS
-        EX DE,HL
-        XOR A
         LD (SIGN),A
         JP normalize_single
 
@@ -304,12 +265,12 @@ randomize:
         RET
 
 sine_table:                     ; sin(x*pi/2) / x / 2, by x^2 up to 1/4
-        DEFB 84h
+        DEFB 83h
         DEFW 0CDA0h,0096h,0F61Ch,0A32h,0EE65h,52AEh,0DA98h,0C90Fh
 cosine_table:                   ; cos(x*pi/2) / 2, by x^2 up to 1/4
-        DEFB 85h
+        DEFB 84h
         DEFW 9C32h,001Dh,8BC5h,02ABh,3BD1h,2078h,0E641h,9DE9h,0000h,8000h
 arctangent_table:               ; ATN(x) / x, by x^2 up to 1
-        DEFB 8Ah
+        DEFB 89h
         DEFW 7CE6h,006Fh,518Fh,02AFh,23CBh,07C5h,6BD0h,0E9Dh,1365h,1560h
         DEFW 9E8Ch,1BFCh,71B3h,2481h,0F049h,3331h,4BC3h,5555h,0FFF4h,0FFFFh

@@ -4,7 +4,6 @@
 FACTOR          EQU WIDE        ; 4 bytes: multiplier
 ARGUMENT        EQU WIDE + 4    ; 4 bytes: argument of a polynomial, base of a power
 ARGUMENT_EXP    EQU WIDE + 8
-QUADRANT        EQU WIDE + 9
 PRODUCT_LOW     EQU ACC_LOW     ; 4 bytes: lower half of a product; a single leaves them free
 
 ; Product of two 32-bit fractions.
@@ -15,6 +14,7 @@ multiply_32:
         LD HL,0
         EXX
         LD HL,0
+multiply_add:                   ; plus what is in HL:HL', called with the register sets exchanged
         LD A,(FACTOR)
         CALL _byte
         LD (PRODUCT_LOW),A
@@ -69,64 +69,6 @@ _zero:
         LD A,C
         RET
 
-; Product of two numbers, rounded to 32 bits.
-; In:   HL:HL', C exponent; DE:DE', B exponent
-; Out:  HL:HL', C; carry if the exponent left its range, C 0 or 255 then
-; Uses: AF, B', C'
-multiply_extended:
-        LD A,C
-        ADD A,B
-        JR C,_great
-        SUB BIAS + 1
-        JR NC,_multiply
-        LD C,0
-        RET
-_great:
-        ADD A,BIAS - 1
-        JR NC,_multiply
-_over:
-        LD C,255
-        SCF
-        RET
-_multiply:
-        LD C,A
-        CALL store_factor
-        CALL multiply_32
-        BIT 7,H
-        JR Z,_shift
-        INC C
-        JR Z,_over
-        JR _round
-_shift:
-        ADD A,A
-        EXX
-        ADC HL,HL
-        EXX
-        ADC HL,HL
-_round:
-        ADD A,A
-        RET NC
-        CALL increment_32
-        OR A
-        RET NZ
-        LD H,80h
-        INC C
-        RET
-
-; Adds 1 to HL:HL'.
-; Out:  A not 0 unless all bits went to 0
-increment_32:
-        EXX
-        INC HL
-        LD A,H
-        OR L
-        EXX
-        RET NZ
-        INC HL
-        LD A,H
-        OR L
-        RET
-
 store_argument:
         LD A,C
         LD (ARGUMENT_EXP),A
@@ -150,25 +92,17 @@ exchange_32:
         EXX
         RET
 
-; 0 - HL:HL', carry if not 0. Uses: F, DE, DE'
+; 0 - HL:HL', carry if not 0; DE:DE' what it was. Uses: F
 negate_32:
         EXX
         EX DE,HL
-        LD HL,0
         OR A
+        SBC HL,HL
         SBC HL,DE
         EXX
         EX DE,HL
         LD HL,0
         SBC HL,DE
-        RET
-
-; HL:HL' one bit left, the lost one in carry.
-shift_left_32:
-        EXX
-        ADD HL,HL
-        EXX
-        ADC HL,HL
         RET
 
 ; HL:HL' A places right.
@@ -189,28 +123,17 @@ _bit:
         JR NZ,_bit
         RET
 
-; Shifts up by one bit if the leading bit does not stand.
-normalize_32:
-        BIT 7,H
-        RET NZ
-        DEC C
-        JR shift_left_32
-
 ; The single in the accumulator.
 ; Out:  HL:HL', C exponent, SIGN
 load_extended:
-        LD HL,(ACC_HIGH)
-        LD C,H
-        LD A,L
+        LD HL,(ACCUMULATOR + 1)
+        LD A,(ACC_EXPONENT)
+        LD C,A
+        LD A,H
         LD (SIGN),A
-        OR 80h
-        LD HL,(ACCUMULATOR)
-        LD B,L
-        LD L,H
-        LD H,A
-        LD A,B
+        SET 7,H
         EXX
-        LD H,A
+        LD HL,(ACCUMULATOR - 1)
         LD L,0
         EXX
         RET
@@ -255,29 +178,36 @@ _less:
         SUB B
         ADD A,BIAS
         PUSH AF
-        LD A,32
+        LD IYL,32
 _bit:
-        CALL shift_left_32
-        JR C,_forced
         EXX
+        ADD HL,HL
+        EXX
+        ADC HL,HL
+        SBC A,A                 ; FF: greater than any divisor
+        EXX
+        OR A
         SBC HL,DE
         EXX
         SBC HL,DE
         JR NC,_one
+        INC A
+        JR Z,_one
         EXX
         ADD HL,DE
         EXX
-        ADC HL,DE
+        ADC HL,DE               ; with a carry
+        DEFB 3Eh                ; LD A,n
 _one:
+        OR A
         CCF
-_store:
         EXX
         RL C
         RL B
         EXX
         RL C
         RL B
-        DEC A
+        DEC IYL
         JR NZ,_bit
         LD H,B
         LD L,C
@@ -287,47 +217,35 @@ _store:
         EXX
         POP BC
         LD C,B
-        JR normalize_32
-_forced:
-        OR A
+; Shifts up by one bit if the leading bit does not stand.
+normalize_32:
+        BIT 7,H
+        RET NZ
+        DEC C
+; HL:HL' one bit left, the lost one in carry.
+shift_left_32:
         EXX
-        SBC HL,DE
+        ADD HL,HL
         EXX
-        SBC HL,DE
-        SCF
-        JR _store
+        ADC HL,HL
+        RET
 
 ; Polynomial of the fraction in FACTOR.
-; In:   IX table: number of coefficients, bit 7 if their signs alternate, the highest first
+; In:   DE table: number of coefficients but one, bit 7 if their signs alternate, the highest first
 ; Out:  HL:HL'
-; Uses: AF, DE, IX, IY, alternates
+; Uses: AF, DE, IY, alternates
 polynomial:
-        LD A,(IX)
-        LD IYH,A
-        AND 7Fh
-        LD IYL,A
-        INC IX
-        EXX
-        LD HL,0
-        EXX
-        LD HL,0
-        JR _add
-_term:
-        CALL exchange_32
-        CALL multiply_32
-_add:
-        EXX
-        LD E,(IX)
-        LD D,(IX + 1)
-        EXX
-        LD E,(IX + 2)
-        LD D,(IX + 3)
         PUSH BC
-        LD BC,4
-        ADD IX,BC
-        POP BC
-        LD A,IYH
-        RLA
+        LD B,D
+        LD C,E
+        LD A,(BC)
+        LD IYL,A
+        CALL _coefficient
+_term:
+        CALL multiply_32
+        CALL _coefficient
+        LD A,IYL
+        ADD A,A
         JR C,_alternating
         EXX
         ADD HL,DE
@@ -344,7 +262,31 @@ _alternating:
         SBC HL,DE
 _next:
         DEC IYL
-        JR NZ,_term
+        LD A,IYL
+        ADD A,A
+        JR Z,_end
+        CALL exchange_32
+        JR _term
+_end:
+        POP BC
+        RET
+_coefficient:
+        INC BC
+        LD A,(BC)
+        LD E,A
+        INC BC
+        LD A,(BC)
+        LD D,A
+        PUSH DE
+        EXX
+        POP DE
+        EXX
+        INC BC
+        LD A,(BC)
+        LD E,A
+        INC BC
+        LD A,(BC)
+        LD D,A
         RET
 
 ; Square of HL:HL', C exponent, as a fraction in FACTOR; 1 becomes the greatest fraction.
@@ -368,18 +310,67 @@ _one:
         RET
 
 ; x * P(x * x), P from 1/2 to below 1.
-; In:   HL:HL', C exponent, IX table of P
+; In:   HL:HL', C exponent, DE table of P
 ; Out:  HL:HL', C
 odd_polynomial:
+        PUSH DE
         CALL store_argument
-        LD B,BIAS
-        PUSH BC
         CALL square_fraction
+        POP DE
         CALL polynomial
-        POP BC
+        LD B,BIAS
 load_argument:
         LD DE,(ARGUMENT + 2)
         EXX
         LD DE,(ARGUMENT)
         EXX
-        JP multiply_extended
+; Product of two numbers, rounded to 32 bits.
+; In:   HL:HL', C exponent; DE:DE', B exponent
+; Out:  HL:HL', C; carry if the exponent left its range, C 0 or 255 then
+; Uses: AF, B', C'
+multiply_extended:
+        LD A,C
+        ADD A,B
+        JR C,_great
+        SUB BIAS + 1
+        JR NC,_multiply
+        LD C,0
+        RET
+_great:
+        ADD A,BIAS - 1
+        JR NC,_multiply
+_over:
+        LD C,255
+        SCF
+        RET
+_multiply:
+        LD C,A
+        CALL store_factor
+        CALL multiply_32
+        BIT 7,H
+        JR Z,_shift
+        INC C
+        JR Z,_over
+        JR _round
+_shift:
+        ADD A,A
+        EXX
+        ADC HL,HL
+        EXX
+        ADC HL,HL
+_round:
+        ADD A,A
+        RET NC
+        EXX
+        INC HL
+        LD A,H
+        OR L
+        EXX
+        RET NZ
+        INC HL
+        LD A,H
+        OR L
+        RET NZ
+        LD H,80h
+        INC C
+        RET

@@ -43,15 +43,12 @@ _split:
         CALL negate_32
         LD A,0
         SBC A,C
-        ADD A,BIAS + 1
-        JR _exponent
 _positive:
         ADD A,BIAS + 1
-        JP C,error_ov
-_exponent:
+        JP Z,error_ov
         LD C,A
         CALL store_factor
-        LD IX,exponential_table
+        LD DE,exponential_table
         CALL polynomial
         XOR A
         LD (SIGN),A
@@ -60,41 +57,35 @@ _limit:
         LD A,(SIGN)
         RLA
         JP NC,error_ov
-single_zero:
-        CALL set_zero
-        JP set_single
+        JP set_zero
 
 ; Logarithm to the base 2 of the single in the accumulator, greater than 0: that of the mantissa u
 ; between sqrt(1/2) and sqrt(2) from t = (u-1)/(u+1), and the exponent.
 ; Out:  HL:HL', C exponent, SIGN
 logarithm:
         CALL load_extended
-        LD D,H
-        LD E,L
-        EXX
-        LD D,H
-        LD E,L
-        EXX
         LD A,H
         CP 0B5h
         LD A,C
         JR C,_above
         SUB BIAS
         PUSH AF
-        SCF                     ; (1+u)/2
-        CALL _halve
-        CALL negate_32_keep     ; 1-u
+        CALL negate_32          ; 1-u
+        CALL _halve             ; (1+u)/2
         LD A,80h
         LD C,BIAS - 1
         JR _signed
 _above:
         SUB BIAS + 1
         PUSH AF
-        OR A
+        LD D,H
+        LD E,L
+        EXX
+        LD D,H
+        LD E,L
+        EXX
         CALL _halve
-        LD A,D
-        ADD A,40h               ; (1+u)/4
-        LD D,A
+        RES 6,D                 ; (1+u)/4
         CALL shift_left_32      ; u-1
         XOR A
         LD C,BIAS - 2
@@ -112,7 +103,7 @@ _normalize:
 _divide:
         LD B,BIAS
         CALL divide_extended
-        LD IX,logarithm_table
+        LD DE,logarithm_table
         CALL odd_polynomial
         INC C
         INC C
@@ -153,24 +144,13 @@ _test:
         JR NZ,_right
         JP normalize_32
 _halve:
+        SCF
         RR D
         RR E
         EXX
         RR D
         RR E
         EXX
-        RET
-
-negate_32_keep:
-        PUSH DE
-        EXX
-        PUSH DE
-        EXX
-        CALL negate_32
-        EXX
-        POP DE
-        EXX
-        POP DE
         RET
 
 ; LOG
@@ -178,8 +158,8 @@ negate_32_keep:
 func_log:
         CALL to_single
         CALL num_sign
-        JP Z,error_fc
-        JP M,error_fc
+        DEC A
+        JP NZ,error_fc
         CALL logarithm
         LD DE,0B172h            ; ln 2
         EXX
@@ -199,16 +179,14 @@ num_power:
         PUSH HL
         CALL left_to_acc
         CALL to_single
+        LD (LEFT_TYPE),A        ; of the exponent, from now on
         POP HL
         LD (LEFT_HIGH),HL
         LD A,H
         POP HL
         LD (LEFT_SINGLE),HL
         OR A
-        JR NZ,_base
-        LD HL,1                 ; also 0 ^ 0
-        JP acc_single_from_hl
-_base:
+        JP Z,single_one         ; also 0 ^ 0
         CALL num_sign
         LD A,(LEFT_HIGH)
         JR NZ,_small_whole
@@ -223,17 +201,52 @@ _small_whole:
         OR L
         JR NZ,_general
         LD A,(LEFT_EXPONENT)
-        CP BIAS + 1
+        SUB BIAS + 9
+        CP -8 & 0FFh
         JR C,_general
-        SUB BIAS + 8
-        JR Z,_whole
-        JR NC,_general
         LD B,A
 _shift:
-        SRL D
-        JR C,_general
         INC B
-        JR NZ,_shift
+        JR Z,_whole
+        SRL D
+        JR NC,_shift
+_general:
+        LD HL,ACC_HIGH
+        LD A,(HL)
+        RES 7,(HL)
+        PUSH AF
+        CALL logarithm
+        CALL store_argument
+        LD A,(SIGN)
+        LD IYL,A
+        CALL left_to_acc
+        POP AF
+        AND 80h
+        JR Z,_signed
+        CALL num_fix            ; a negative base takes whole exponents only
+        LD A,E
+        OR A
+        JP NZ,error_fc
+        CALL to_integer
+        PUSH HL
+        CALL to_single
+        POP HL
+        LD A,L
+        RRCA                    ; odd
+_signed:
+        PUSH AF
+        CALL load_extended
+        LD A,(SIGN)
+        XOR IYL
+        LD (SIGN),A
+        LD A,(ARGUMENT_EXP)
+        LD B,A
+        CALL load_argument
+        CALL power_of_two
+        POP AF
+        AND 80h
+        RET Z
+        JP flip_sign
 _whole:
         LD A,D
         RRCA                    ; odd: the base's sign
@@ -247,13 +260,14 @@ _whole:
         CALL C,reciprocal
         CALL store_argument
         POP DE
-        LD E,8
+        SCF                     ; a 1 behind the last bit
 _leading:
-        DEC E
-        SLA D
+        RL D
         JR NC,_leading
-        JR _test
 _step:
+        LD A,D
+        ADD A,A
+        JR Z,_done
         PUSH DE
         LD B,C
         LD D,H
@@ -266,83 +280,32 @@ _step:
         POP DE
         JR C,_limit
         SLA D
-        JR NC,_square
+        JR NC,_step
         PUSH DE
         LD A,(ARGUMENT_EXP)
         LD B,A
         CALL load_argument
         POP DE
-        JR C,_limit
-_square:
-        DEC E
-_test:
-        INC E
-        DEC E
-        JR NZ,_step
-        POP AF
-        LD (SIGN),A
-        JP round_extended
+        JR NC,_step
 _limit:
         POP AF
         INC C
         JP Z,error_ov
-        JP single_zero
-_general:
-        LD HL,ACC_HIGH
-        LD A,(HL)
-        RES 7,(HL)
-        AND 80h
-        JR Z,_signed
-        LD HL,(ACCUMULATOR)     ; a negative base takes whole exponents only
-        PUSH HL
-        LD HL,(ACC_HIGH)
-        PUSH HL
-        LD HL,(LEFT_SINGLE)
-        LD (ACCUMULATOR),HL
-        LD HL,(LEFT_HIGH)
-        LD (ACC_HIGH),HL
-        CALL num_fix
-        LD A,E
-        OR A
-        JP NZ,error_fc
-        CALL to_integer
-        LD A,L
-        POP HL
-        LD (ACC_HIGH),HL
-        POP HL
-        LD (ACCUMULATOR),HL
-        RRCA                    ; odd
-_signed:
-        PUSH AF
-        CALL logarithm
-        LD DE,(LEFT_HIGH)
-        LD B,D
-        LD A,(SIGN)
-        XOR E
-        LD (SIGN),A
-        SET 7,E
-        LD A,E
-        LD DE,(LEFT_SINGLE)
-        PUSH DE
-        LD E,D
-        LD D,A
-        EXX
-        POP DE
-        LD D,E
-        LD E,0
-        EXX
-        CALL multiply_extended
-        CALL power_of_two
+        JP set_zero
+_done:
         POP AF
-        AND 80h
-        RET Z
-        JP flip_sign
+        LD (SIGN),A
+        JP round_extended
+
+single_one:
+        LD HL,1
+        JP acc_single_from_hl
 
 ; Highest coefficient first, low word first; each error below the 27th bit.
 exponential_table:              ; 2^x / 2, 0 to 1
-        DEFB 7
+        DEFB 6
         DEFW 2B38h,0007h,0A302h,0028h,3BD5h,013Dh,1442h,071Ah,0D6B8h,1EBFh
         DEFW 0AF7h,58B9h,0000h,8000h
 logarithm_table:                ; log2((1+t)/(1-t)) / t / 4, by t^2
-        DEFB 5
+        DEFB 4
         DEFW 5FEFh,15CEh,0DAF7h,1A58h,0EFF1h,24EEh,13A2h,3D8Eh,3B29h,0B8AAh
