@@ -72,6 +72,7 @@ machine colours 4 colours.cmd
 machine graphics 40 listing.bas
 listing raiders 55 ' '
 listing maze 54 ' '
+listing prelude 70
 
 start_server 1024x768x24
 start_window_manager
