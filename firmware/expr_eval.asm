@@ -149,13 +149,13 @@ precedences:
 operator_table:
         DEFW num_add, num_subtract, num_multiply, num_divide, num_power, and_values, or_values
 
+; A text on the right of a number is refused by the operators.
 ; In:   left operand, B = LEFT_TYPE, accumulator, C operator or 80 + relation
 ; Out:  accumulator
 operate:
         LD A,B
         CP TYPE_STRING
         JR Z,_strings
-        CALL check_number
         LD A,C
         ADD A,A
         JR C,_compare

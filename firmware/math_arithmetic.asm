@@ -1,240 +1,5 @@
 ; Numbers: signs, FIX and INT, the four operations, comparison.
 
-; SGN of the accumulator.
-; Out:  A FF, 0 or 1, flags S and Z
-; Uses: HL
-num_sign:
-        LD A,(NUMBER_TYPE)
-        CP TYPE_STRING
-        JR C,_integer
-        JP Z,error_tm
-        LD HL,(ACC_HIGH)
-        LD A,H
-        OR A
-        RET Z
-        LD A,L
-        JR sign_result
-_integer:
-        LD HL,(ACCUMULATOR)
-        LD A,H
-        OR L
-        RET Z
-        LD A,H
-; FF or 1 by bit 7 of A.
-sign_result:
-        OR A
-        LD A,0FFh
-        JP M,_flags
-        LD A,1
-_flags:
-        OR A
-        RET
-
-; ABS
-; Uses: all
-num_abs:
-        CALL num_sign
-        RET P
-; Changes the sign of the accumulator.
-; Uses: AF, BC, DE, HL
-num_negate:
-        LD A,(NUMBER_TYPE)
-        CP TYPE_STRING
-        JP Z,error_tm
-        JR NC,flip_sign
-        LD HL,(ACCUMULATOR)
-        LD A,H
-        XOR 80h
-        OR L
-        JR Z,_lowest
-        CALL negate_hl
-        LD (ACCUMULATOR),HL
-        RET
-_lowest:
-        CALL acc_single_from_hl
-flip_sign:
-        LD HL,ACC_HIGH
-        LD A,(HL)
-        XOR 80h
-        LD (HL),A
-        RET
-
-; FIX: cuts the places behind the point.
-; Out:  E not 0 if there were any
-; Uses: AF, BC, HL
-num_fix:
-        LD E,0
-        LD A,(NUMBER_TYPE)
-        CP TYPE_STRING
-        RET C
-        JP Z,error_tm
-        LD HL,ACCUMULATOR
-        LD C,24
-        CP TYPE_DOUBLE
-        JR NZ,_count
-        LD HL,ACC_LOW
-        LD C,56
-_count:
-        LD A,(ACC_EXPONENT)
-        OR A
-        RET Z
-        SUB BIAS + 1
-        JR C,_fraction
-        INC A
-        SUB C
-        RET NC
-        NEG                     ; bits to clear
-_bytes:
-        SUB 8
-        JR C,_bits
-        LD C,A
-        LD A,E
-        OR (HL)
-        LD E,A
-        LD (HL),0
-        INC HL
-        LD A,C
-        JR _bytes
-_bits:
-        ADD A,8
-        RET Z
-        LD B,A
-        XOR A
-_mask:
-        SCF
-        RLA
-        DJNZ _mask
-        LD C,A
-        AND (HL)
-        OR E
-        LD E,A
-        LD A,C
-        CPL
-        AND (HL)
-        LD (HL),A
-        RET
-_fraction:
-        XOR A
-        LD (ACC_EXPONENT),A
-        INC E
-        RET
-
-; INT: greatest whole number not above.
-; Uses: all
-num_int:
-        LD A,(ACC_HIGH)
-        PUSH AF
-        CALL num_fix
-        POP AF
-        AND 80h
-        RET Z
-        LD A,E
-        OR A
-        RET Z
-        CALL acc_to_left
-        LD HL,-1
-        CALL set_integer
-; LEFT + accumulator
-; Uses: all, of this and the next three
-num_add:
-        CALL same_types
-        JP Z,single_add
-        JP NC,double_add
-        LD HL,(LEFT_SINGLE)
-        LD DE,(ACCUMULATOR)
-        OR A
-        ADC HL,DE
-        JP PE,_overflow
-        LD (ACCUMULATOR),HL
-        RET
-_overflow:
-        CALL both_single
-        JP single_add
-
-; LEFT - accumulator
-num_subtract:
-        CALL same_types
-        JR Z,_single
-        JR NC,_double
-        LD HL,(LEFT_SINGLE)
-        LD DE,(ACCUMULATOR)
-        OR A
-        SBC HL,DE
-        JP PE,_overflow
-        LD (ACCUMULATOR),HL
-        RET
-_overflow:
-        CALL both_single
-_single:
-        CALL flip_sign
-        JP single_add
-_double:
-        CALL flip_sign
-        JP double_add
-
-; LEFT * accumulator
-num_multiply:
-        CALL same_types
-        JP Z,single_multiply
-        JP NC,double_multiply
-        LD HL,(LEFT_SINGLE)
-        LD DE,(ACCUMULATOR)
-        LD A,H
-        XOR D
-        PUSH AF
-        BIT 7,H
-        CALL NZ,negate_hl
-        EX DE,HL
-        BIT 7,H
-        CALL NZ,negate_hl
-        LD B,H
-        LD C,L
-        LD HL,0
-        JR _test
-_bit:
-        SRL D
-        RR E
-        JR NC,_double
-        ADD HL,BC
-        JR C,_overflow
-_double:
-        SLA C
-        RL B
-        JR C,_last
-_test:
-        LD A,D
-        OR E
-        JR NZ,_bit
-_done:
-        BIT 7,H
-        JR NZ,_overflow
-        POP AF
-        CALL M,negate_hl
-        LD (ACCUMULATOR),HL
-        RET
-_last:
-        LD A,D
-        OR E
-        JR Z,_done
-_overflow:
-        POP AF
-        CALL both_single
-        JP single_multiply
-
-; LEFT / accumulator; integers are divided as singles
-num_divide:
-        CALL same_types
-        JP Z,single_divide
-        JP NC,double_divide
-        CALL both_single
-        JP single_divide
-
-both_single:
-        CALL left_to_single
-        LD A,TYPE_SINGLE
-        LD (LEFT_TYPE),A
-        JP to_single
-
 ; Compares LEFT with the accumulator.
 ; Out:  A FF, 0, 1 and flags S, Z for LEFT <, =, > accumulator
 ; Uses: all
@@ -251,7 +16,7 @@ num_compare:
         LD A,H
         JP PO,sign_result
         CPL
-        JP sign_result
+        JR sign_result
 _equal:
         XOR A
         RET
@@ -295,4 +60,212 @@ _right_zero:
 _opposite:
         CPL
 _by_sign:
-        JP sign_result
+; FF or 1 by bit 7 of A.
+sign_result:
+        ADD A,A
+        SBC A,A
+        OR 1
+        RET
+
+; SGN of the accumulator.
+; Out:  A FF, 0 or 1, flags S and Z
+; Uses: HL
+num_sign:
+        LD A,(NUMBER_TYPE)
+        CP TYPE_STRING
+        JR C,_integer
+        JP Z,error_tm
+        LD HL,(ACC_HIGH)
+        LD A,H
+        OR A
+        RET Z
+        LD A,L
+        JR sign_result
+_integer:
+        LD HL,(ACCUMULATOR)
+        LD A,H
+        OR L
+        RET Z
+        LD A,H
+        JR sign_result
+
+; ABS
+; Uses: all
+num_abs:
+        CALL num_sign
+        RET P
+; Changes the sign of the accumulator.
+; Uses: AF, BC, DE, HL
+num_negate:
+        LD A,(NUMBER_TYPE)
+        CP TYPE_STRING
+        JP Z,error_tm
+        JR NC,flip_sign
+        LD HL,(ACCUMULATOR)
+        CALL negate_hl
+        JP PO,set_integer
+        CALL acc_single_from_hl ; -32768
+flip_sign:
+        LD HL,ACC_HIGH
+        LD A,(HL)
+        XOR 80h
+        LD (HL),A
+        RET
+
+; FIX: cuts the places behind the point.
+; Out:  E not 0 if there were any
+; Uses: AF, BC, HL
+num_fix:
+        LD E,0
+        LD A,(NUMBER_TYPE)
+        CP TYPE_STRING
+        RET C
+        JP Z,error_tm
+        LD HL,ACCUMULATOR
+        LD C,24
+        CP TYPE_DOUBLE
+        JR NZ,_count
+        LD L,ACC_LOW & 0FFh
+        LD C,56
+_count:
+        LD A,(ACC_EXPONENT)
+        OR A
+        RET Z
+        SUB BIAS + 1
+        JR C,_fraction
+        CPL
+        ADD A,C                 ; bits to clear
+        RET NC
+_bytes:
+        SUB 8
+        JR C,_bits
+        LD C,A
+        LD A,E
+        OR (HL)
+        LD E,A
+        LD (HL),0
+        INC HL
+        LD A,C
+        JR _bytes
+_bits:
+        ADD A,8
+        RET Z
+        LD B,A
+        XOR A
+_mask:
+        SCF
+        RLA
+        DJNZ _mask
+        AND (HL)
+        LD C,A
+        OR E
+        LD E,A
+        LD A,(HL)
+        XOR C
+        LD (HL),A
+        RET
+_fraction:
+        XOR A
+        LD (ACC_EXPONENT),A
+        INC E
+        RET
+
+; INT: greatest whole number not above.
+; Uses: all
+num_int:
+        LD A,(ACC_HIGH)
+        PUSH AF
+        CALL num_fix
+        POP AF
+        AND 80h
+        RET Z
+        LD A,E
+        OR A
+        RET Z
+        CALL acc_to_left
+        LD HL,-1
+        CALL set_integer
+; LEFT + accumulator
+; Uses: all, of this and the next three
+num_add:
+        CALL same_types
+add_values:
+        JP Z,single_add
+        JP NC,double_add
+        LD HL,(LEFT_SINGLE)
+        LD DE,(ACCUMULATOR)
+        OR A
+        ADC HL,DE
+        JP PO,store_integer
+        CALL both_single
+        JP single_add
+store_integer:
+        LD (ACCUMULATOR),HL
+        RET
+
+; LEFT - accumulator
+num_subtract:
+        CALL same_types
+        JR NC,_negate
+        LD HL,(LEFT_SINGLE)
+        LD DE,(ACCUMULATOR)
+        OR A
+        SBC HL,DE
+        JP PO,store_integer
+        CALL both_single
+        CP A
+_negate:
+        EX AF,AF'
+        CALL flip_sign
+        EX AF,AF'
+        JR add_values
+
+; LEFT * accumulator
+num_multiply:
+        CALL same_types
+        JP Z,single_multiply
+        JP NC,double_multiply
+        LD HL,(LEFT_SINGLE)
+        LD DE,(ACCUMULATOR)
+        LD A,H
+        XOR D
+        PUSH AF
+        BIT 7,H
+        CALL NZ,negate_hl
+        EX DE,HL
+        BIT 7,H
+        CALL NZ,negate_hl
+        LD B,H
+        LD C,L
+        LD HL,0
+_bit:
+        SRL D
+        RR E
+        JR NC,_even
+        ADD HL,BC
+        JR C,_overflow
+_even:
+        LD A,D
+        OR E
+        JR Z,_done
+        SLA C
+        RL B
+        JR NC,_bit
+_overflow:
+        POP AF
+        CALL both_single
+        JP single_multiply
+_done:
+        BIT 7,H
+        JR NZ,_overflow
+        POP AF
+        CALL M,negate_hl
+        JR store_integer
+
+; LEFT / accumulator; integers are divided as singles
+num_divide:
+        CALL same_types
+        JP Z,single_divide
+        JP NC,double_divide
+        CALL both_single
+        JP single_divide

@@ -9,7 +9,7 @@ acc_from_hl:
         CP TYPE_SINGLE
         JR C,from_hl_small
         JR Z,copy_four
-        LD DE,ACC_LOW
+        LD E,ACC_LOW & 0FFh
 copy_eight:
         LDI
         LDI
@@ -37,7 +37,7 @@ acc_to_hl:
         CP TYPE_SINGLE
         JR C,_small
         JR Z,copy_four
-        LD HL,ACC_LOW
+        LD L,ACC_LOW & 0FFh
         JR copy_eight
 _small:
         CP TYPE_STRING
@@ -50,19 +50,13 @@ copy_two:
         RET
 
 ; Copies the accumulator and its type to the left operand.
-; Uses: AF, HL; BC, DE with doubles
+; Uses: AF, BC, DE, HL
 acc_to_left:
-        LD HL,(ACCUMULATOR)
-        LD (LEFT_SINGLE),HL
-        LD HL,(ACC_HIGH)
-        LD (LEFT_HIGH),HL
         LD A,(NUMBER_TYPE)
         LD (LEFT_TYPE),A
-        CP TYPE_DOUBLE
-        RET NZ
         LD HL,ACC_LOW
         LD DE,LEFT
-        JR copy_four
+        JR copy_eight
 
 ; Copies the left operand and its type to the accumulator.
 ; Uses: AF, BC, DE, HL
@@ -73,7 +67,7 @@ left_to_acc:
         LD DE,ACC_LOW
         JR copy_eight
 
-; Brings both operands to the greater type.
+; Brings both operands to the greater type. The left one is no string.
 ; Out:  flags of type - 4: C integer, Z single, NC double
 ; Uses: all
 same_types:
@@ -81,37 +75,37 @@ same_types:
         LD A,(NUMBER_TYPE)
         CP (HL)
         JR NZ,_differ
-_compare:
-        CP TYPE_SINGLE
-        RET NC
-        CP TYPE_STRING
-        RET C
-_mismatch:
-        JP error_tm
-_differ:
-        CP TYPE_STRING
-        JR Z,_mismatch
-        LD B,A
-        LD A,(HL)
-        CP TYPE_STRING
-        JR Z,_mismatch
-        CP B
-        JR C,_left
-        CALL convert
+_flags:
         CP TYPE_SINGLE
         RET
-_left:
-        LD (HL),B               ; the left one's type is A, wanted is B
-        PUSH BC
-        CP TYPE_INTEGER
-        CALL Z,left_to_single
+_differ:
+        CP TYPE_STRING
+        JP Z,error_tm
+        CP (HL)
+        JR C,_right
+        LD B,(HL)
+        LD (HL),A
+        DEC B
+        DJNZ _single
+        PUSH AF                 ; from 2, an integer
+        CALL left_to_single
         POP AF
-        CP TYPE_DOUBLE
-        JR NZ,_compare
+_single:
+        CP TYPE_SINGLE
+        RET Z
         LD HL,0
         LD (LEFT),HL
         LD (LEFT + 2),HL
-        JR _compare
+        RET
+_right:
+        BIT 2,(HL)
+        JR Z,_double
+        LD HL,(ACCUMULATOR)
+        CALL acc_single_from_hl
+        JR _flags
+_double:
+        CALL to_double
+        JR _flags
 
 left_to_single:
         LD HL,(LEFT_SINGLE)
@@ -120,20 +114,14 @@ left_to_single:
         LD (LEFT_HIGH),DE
         RET
 
-; Accumulator to the numeric type A.
-; Out:  A type
-; Uses: all
-convert:
-        CP TYPE_DOUBLE
-        JR Z,to_double
-        JR NC,_mismatch
-        CP TYPE_SINGLE
-        JR Z,to_single
-        CALL to_integer
-        LD A,TYPE_INTEGER
-        RET
-_mismatch:
-        JP error_tm
+; Both operands from integers to singles.
+; Uses: AF, C, DE, HL
+both_single:
+        CALL left_to_single
+        LD A,TYPE_SINGLE
+        LD (LEFT_TYPE),A
+        LD HL,(ACCUMULATOR)
+        JR acc_single_from_hl
 
 ; CDBL
 ; Out:  A type
@@ -170,15 +158,13 @@ set_single:
         LD (NUMBER_TYPE),A
         RET
 double_to_single:
-        LD HL,(ACC_HIGH)
-        LD B,H
-        LD A,B
-        OR A
+        LD BC,(ACC_HIGH)
+        INC B
+        DEC B
         JR Z,set_single
-        LD A,L
+        LD A,C
         LD (SIGN),A
-        OR 80h
-        LD C,A
+        SET 7,C
         LD HL,(ACCUMULATOR)
         LD A,(ACCUMULATOR - 1)
         JP round_single
@@ -192,27 +178,24 @@ float_integer:
         AND 80h
         LD C,A
         CALL NZ,negate_hl
-        LD D,BIAS + 16
         LD A,H
+        LD D,BIAS + 16
         OR A
         JR NZ,_normalize
         OR L
         LD D,A                  ; 0 when the number is 0
         LD E,A
         RET Z
-        LD H,A
-        LD L,0
+        LD L,H
         LD D,BIAS + 8
 _normalize:
-        BIT 7,H
-        JR NZ,_done
+        JP M,_done              ; A:L, by A's sign
 _shift:
         DEC D
-        ADD HL,HL
-        BIT 7,H
-        JR Z,_shift
+        SLA L
+        ADC A,A
+        JP P,_shift
 _done:
-        LD A,H
         AND 7Fh
         OR C
         LD E,A
@@ -240,7 +223,16 @@ to_word:
         JP Z,error_tm
         LD E,L                  ; the bits that fall away
         CP TYPE_DOUBLE
-        CALL NC,low_bytes
+        JR C,_single
+        LD A,E
+        LD HL,ACC_LOW
+        LD B,4
+_below:
+        OR (HL)
+        INC HL
+        DJNZ _below
+        LD E,A
+_single:
         LD HL,(ACC_HIGH - 1)
         LD C,H
         SET 7,H
@@ -280,14 +272,8 @@ _shifted:
         OR A
         JR Z,_negative
         INC HL
-        LD A,H
-        OR L
-        JR Z,_overflow
 _negative:
-        LD A,H
-        OR L
-        RET Z
-        CALL negate_hl          ; carry clear only for 0
+        CALL negate_hl          ; 0 here stands for 65536
         OR A
         RET M
 _overflow:
@@ -299,20 +285,3 @@ _fraction:
         OR A
         RET Z
         JR _shifted
-
-; The bytes of a double below a single, as one value that is 0 only if all are.
-; In:   E
-; Out:  E
-; Uses: AF, HL
-low_bytes:
-        LD A,E
-        LD HL,ACC_LOW
-        OR (HL)
-        INC L
-        OR (HL)
-        INC L
-        OR (HL)
-        INC L
-        OR (HL)
-        LD E,A
-        RET
