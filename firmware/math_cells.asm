@@ -13,6 +13,7 @@ LEFT_HIGH       EQU 412Dh
 LEFT_EXPONENT   EQU 412Eh
 LEFT_TYPE       EQU 412Fh
 NUMBER_TEXT     EQU 4130h
+WIDE_BELOW      EQU 430Fh       ; the eleventh byte of a quotient by ten
 WIDE            EQU 4310h       ; ten bytes for products, quotients and decimal scaling
 WIDE_TOP        EQU WIDE + 9
 WIDE_POINT      EQU WIDE + 10   ; bytes before the binary point

@@ -297,10 +297,10 @@ shift_bytes:
 shift_left_8:
         LD B,8
         OR A
-shift_left_bytes:
+_byte:
         RL (HL)
         INC HL
-        DJNZ shift_left_bytes
+        DJNZ _byte
         RET
 
 ; B bytes at HL plus those at DE.

@@ -3,12 +3,10 @@
 
 SINGLE_DIGITS   EQU 6
 DOUBLE_DIGITS   EQU 16
-FOUND_POINT     EQU 0           ; bits of D while a number is read
-FOUND_LETTER    EQU 1
 
 clear_wide:
-        LD HL,WIDE
-        LD B,12
+        LD HL,WIDE_BELOW
+        LD B,13
 ; B bytes from HL become 0.
 clear_bytes:
         LD (HL),0
@@ -16,7 +14,7 @@ clear_bytes:
         DJNZ clear_bytes
         RET
 
-; WIDE * 10 + C.
+; WIDE * 10 + C. It grows downward until all ten bytes are in use.
 ; Uses: AF, BC, DE, HL
 wide_times_ten:
         LD DE,WIDE
@@ -53,6 +51,11 @@ _five:
         LD (DE),A
         LD HL,WIDE_POINT
         INC (HL)
+        INC HL                  ; WIDE_FIRST
+        LD A,(HL)
+        CP WIDE & 0FFh
+        RET Z
+        DEC (HL)
         RET
 
 ; WIDE / 10; its top byte must not be 0 and is not 0 after it.
@@ -62,13 +65,8 @@ wide_over_ten:
         LD H,0
         LD B,11
 _byte:
-        LD L,0
-        DEC B
-        JR Z,_more
-        INC B
         LD A,(DE)
         LD L,A
-_more:
         LD C,8
 _bit:
         ADD HL,HL
@@ -80,52 +78,49 @@ _bit:
 _below:
         DEC C
         JR NZ,_bit
-        LD A,B
-        OR A
-        JR Z,_last
         LD A,L
         LD (DE),A
         DEC DE
         DJNZ _byte
-_last:
         LD A,(WIDE_TOP)
         OR A
         RET NZ
-        LD A,L
-; WIDE one byte up, A into the lowest.
-wide_up:
         LD HL,WIDE_TOP - 1
         LD DE,WIDE_TOP
-        LD BC,9
+        LD BC,10
         LDDR
-        LD (WIDE),A
+        LD (DE),A
         LD HL,WIDE_POINT
         DEC (HL)
         RET
 
 ; Reads a number, with or without a sign: more than 7 digits or an exponent behind D make a double,
 ; a point, an exponent behind E or a value above 32767 a single; % ! # behind it decide.
+; Seven digits are read into C':HL', more into WIDE.
 ; In:   HL text
 ; Out:  accumulator, HL behind the number
 ; Uses: all
 parse_number:
-        PUSH HL
-        CALL clear_wide
-        LD A,WIDE & 0FFh
-        LD (WIDE_FIRST),A
-        LD A,10
-        LD (WIDE_POINT),A
-        POP HL
+        EXX
+        LD HL,0
+        LD C,L
+        EXX
         LD BC,0                 ; B digits, C power of ten
-        LD D,B
+        LD D,B                  ; 0 in a whole number
         DEC HL
-        CALL number_sign        ; E sign
+        CALL number_sign        ; E sign, bit 0: digits stand in WIDE
         JR _test
 _point:
-        BIT FOUND_POINT,D
-        JR NZ,_suffix
-        SET FOUND_POINT,D
+        BIT 0,D
+        JP NZ,_suffix
+        INC D
 _next:
+        INC HL
+        LD A,(HL)
+        SUB '0'
+        CP 10
+        JR C,_value
+        DEC HL
         CALL next_character
 _test:
         JR C,_digit
@@ -138,26 +133,55 @@ _test:
         JR _suffix
 _digit:
         SUB '0'
+_value:
+        OR A
         JR NZ,_counts
         CP B
         JR Z,_place             ; a leading 0
 _counts:
         INC B
+        BIT 3,B
+        JR NZ,_long
+        EXX
+        LD B,A
+        LD A,C
+        LD D,H
+        LD E,L
+        ADD HL,HL
+        ADC A,A
+        ADD HL,HL
+        ADC A,A
+        ADD HL,DE
+        ADC A,C
+        ADD HL,HL
+        ADC A,A
+        LD E,B
+        LD D,0
+        ADD HL,DE
+        ADC A,D
+        LD C,A
+        EXX
+_place:
+        LD A,C
+        SUB D
+        LD C,A
+        JR _next
+_long:
+        EX AF,AF'
+        BIT 0,B
+        CALL Z,digits_to_wide   ; the eighth
+        LD B,8
+        EX AF,AF'
         EXX
         LD C,A
         CALL wide_times_ten
         EXX
-_place:
-        BIT FOUND_POINT,D
-        JR Z,_next
-        DEC C
-        JR _next
+        JR _place
 _exponent:
-        SET FOUND_LETTER,D
-        SUB 'D'
-        JR NZ,_letter
-        LD B,100                ; as many digits as a double has at least
-_letter:
+        INC D
+        SUB 'E'                 ; FF for D
+        AND 8
+        LD B,A                  ; digits that count: enough for a double, or not
         PUSH DE
         PUSH BC
         CALL number_sign
@@ -167,18 +191,17 @@ _figures:
         SUB '0'
         LD C,A
         LD A,B
-        CP 11
-        JR NC,_huge
+        CP 10
+        JR C,_small
+        LD A,8                  ; 80 and more is too much anyway
+_small:
+        LD B,A
         ADD A,A
         ADD A,A
         ADD A,B
         ADD A,A
         ADD A,C
         LD B,A
-        JR _following
-_huge:
-        LD B,100
-_following:
         CALL next_character
 _figure:
         JR C,_figures
@@ -192,18 +215,13 @@ _upward:
         POP DE
         ADD A,C
         LD C,A
-        LD A,B
-        CP 100
-        LD B,0
-        JR C,_suffix
-        LD B,8
 _suffix:
         LD A,(HL)
         CP '#'
         LD IXL,TYPE_DOUBLE
         JR Z,_given
-        CP '!'
         LD IXL,TYPE_SINGLE
+        CP '!'
         JR Z,_given
         CP '%'
         JR Z,_given
@@ -212,31 +230,16 @@ _suffix:
         JR NC,_double
         LD A,D
         OR A
-        JR NZ,_convert
+        CALL _convert
+        RET NZ
+        LD A,(ACC_EXPONENT)
+        CP BIAS + 16
+        RET NC
+_integer:
         PUSH HL
-        LD HL,(WIDE + 1)
-        LD A,H
-        LD H,L
-        BIT 7,L
-        JR NZ,_great
-        OR A
-        JR NZ,_great
-        LD A,(WIDE)
-        LD L,A
-        LD A,(WIDE + 3)
-        OR A
-        JR NZ,_great
-        BIT 7,E
-        CALL NZ,negate_hl
-        CALL set_integer
+        CALL to_integer
         POP HL
         RET
-_great:
-        POP HL
-        JR _convert
-_double:
-        LD IXL,TYPE_DOUBLE
-        JR _convert
 _given:
         PUSH AF
         CALL next_character
@@ -244,10 +247,9 @@ _given:
         CALL _convert
         CP '%'
         RET NZ
-        PUSH HL
-        CALL to_integer
-        POP HL
-        RET
+        JR _integer
+_double:
+        LD IXL,TYPE_DOUBLE
 _convert:
         PUSH AF
         PUSH HL
@@ -255,7 +257,7 @@ _convert:
         LD (NUMBER_TYPE),A
         LD A,E
         LD (SIGN),A
-        CALL wide_to_number
+        CALL digits_to_number
         POP HL
         POP AF
         RET
@@ -282,19 +284,81 @@ _minus:
 _plus:
         JP next_character
 
-; WIDE times the power C of ten to the accumulator of NUMBER_TYPE, with SIGN.
+; The digits of C':HL' to WIDE.
+; Out:  bit 0 of E set
+; Uses: AF, B and the other registers
+digits_to_wide:
+        PUSH HL
+        CALL clear_wide
+        POP HL
+        INC E
+        EXX
+        LD B,3
+_up:
+        LD A,C
+        OR A
+        JR NZ,_aligned
+        LD C,H
+        LD H,L
+        LD L,A
+        DJNZ _up
+_aligned:
+        LD (WIDE_TOP),A
+        LD (WIDE_TOP - 2),HL
+        LD L,B
+        LD A,WIDE_POINT & 0FFh
+        SUB B
+        LD H,A
+        LD (WIDE_POINT),HL
+        EXX
+        RET
+
+; The digits times the power C of ten to the accumulator, with SIGN. Seven digits and a power that a
+; single holds are multiplied or divided as singles.
+; In:   E, IXL type
 ; Uses: all
-wide_to_number:
-        LD B,10
-_normalize:
+digits_to_number:
+        BIT 0,E
+        JR NZ,_wide
+        LD A,IXL
+        CP TYPE_DOUBLE
+        JR Z,_spread
+        LD A,C
+        ADD A,10
+        CP 21
+        JR NC,_spread
+        PUSH BC
+        EXX
+        LD B,BIAS + 24
+        XOR A
+        CALL normalize_single
+        POP BC
+        LD A,C
+        OR A
+        RET Z
+        PUSH AF
+        JP M,_power
+        NEG
+_power:
+        ADD A,A
+        ADD A,A
+        LD E,A
+        LD D,-1
+        LD HL,powers_end
+        ADD HL,DE
+        PUSH HL
+        CALL acc_to_left
+        POP HL
+        CALL acc_from_hl
+        POP AF
+        JP M,single_divide
+        JP single_multiply
+_spread:
+        CALL digits_to_wide
+_wide:
         LD A,(WIDE_TOP)
         OR A
-        JR NZ,_scale
-        PUSH BC
-        CALL wide_up
-        POP BC
-        DJNZ _normalize
-        JP set_zero
+        JP Z,set_zero
 _scale:
         LD A,C
         OR A
@@ -312,44 +376,46 @@ _down:
         INC C
         JR _scale
 _scaled:
-        LD D,C                  ; 0
-        JR _test
-_bit:
-        INC D
-        LD HL,WIDE
-        LD B,10
-        OR A
-        CALL shift_left_bytes
-_test:
-        LD A,(WIDE_TOP)
-        OR A
-        JP P,_bit
         LD A,(WIDE_POINT)
-        CP 17
-        JP M,_fits
-        JP error_ov
-_fits:
-        CP -15
+        ADD A,15
         JP M,set_zero
+        CP 32
+        JR NC,_overflow
         ADD A,A
         ADD A,A
         ADD A,A
-        SUB D
-        ADD A,BIAS
-        JP Z,error_ov
+        ADD A,BIAS - 15 * 8     ; exponent, 0 for 256
+        LD HL,NUMBER_TYPE
+        BIT 3,(HL)
+        JR NZ,_double
         LD B,A
-        LD A,(NUMBER_TYPE)
-        CP TYPE_DOUBLE
-        JR Z,_double
+        OR A
         LD HL,(WIDE_TOP - 2)
         LD A,(WIDE_TOP)
         LD C,A
+        JR NZ,_fits
+        OR A
+        JP P,_fits
+_overflow:
+        JP error_ov
+_fits:
         LD A,(WIDE_TOP - 3)
-        JP round_single
+        JP normalize_single
 _double:
-        LD A,B
-        LD (ACC_EXPONENT),A
         LD HL,WIDE + 2
         LD DE,ACC_GUARD
         CALL copy_eight
-        JP round_double
+        JP finish_double
+
+; 10 to the power of 10 down to 1.
+        DEFB 0F9h, 2, 15h, 162
+        DEFB 28h, 6Bh, 6Eh, 158
+        DEFB 20h, 0BCh, 3Eh, 155
+        DEFB 80h, 96h, 18h, 152
+        DEFB 0, 24h, 74h, 148
+        DEFB 0, 50h, 43h, 145
+        DEFB 0, 40h, 1Ch, 142
+        DEFB 0, 0, 7Ah, 138
+        DEFB 0, 0, 48h, 135
+        DEFB 0, 0, 20h, 132
+powers_end:

@@ -106,6 +106,7 @@ Sum random_sum(std::mt19937& random) {
     if (a[0] == '-') a.erase(0, 1); // the names have their signs
     const bool power = random() % 8 == 0;
     if (power) return {"CDBL(" + a + "^1.375)", std::pow(single(a), 1.375), 2 * PLACE};
+    if (random() % 4 == 0) return {"CDBL(VAL(\"" + a + "\"))", single(a), DOUBLE};
     return {"CDBL(" + (name + a) + "))", function(single(a)), 2 * PLACE};
 }
 
