@@ -52,5 +52,5 @@ FRAME_SIZE      EQU 16          ; of a loop
 FOR_VARIABLE    EQU 4088h
 NEXT_TEXT       EQU 408Ah
 FOR_LIMIT       EQU 43E6h       ; four bytes
-FOR_KIND        EQU 43EAh
+FOR_TYPE        EQU 43EAh
 LINE_SIZE       EQU 43EBh       ; of a line to be stored, with its head and its 0

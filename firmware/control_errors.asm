@@ -109,11 +109,9 @@ _known:
         LD D,0
         LD HL,error_letters
         ADD HL,DE
-        LD A,(HL)
-        CALL print_entry
-        INC HL
-        LD A,(HL)
-        CALL print_entry
+        EX DE,HL
+        LD A,2
+        CALL put_string
         LD HL,error_text
 ; Ends a run with its message.
 ; In:   HL text
@@ -132,9 +130,6 @@ error_letters:
         DEFM "NFSNRGODFCOVOMULBSDD/0IDTMOSLSSTCNNRRWUEMOFDL3"
 error_text:
         DEFM " ERROR"
-        DEFB 0
-in_text:
-        DEFM " IN "
         DEFB 0
 break_text:
         DEFM "BREAK"
@@ -173,13 +168,9 @@ set_word:
         BIT 7,H
         JP Z,set_integer
         RES 7,H                 ; the leading 1 is hidden
-        LD A,H
-        LD H,L
-        LD L,0
-        LD (ACCUMULATOR),HL
-        LD H,90h                ; exponent of 32768 to 65535
-        LD L,A
-        LD (ACCUMULATOR + 2),HL
-        LD A,TYPE_SINGLE
-        LD (NUMBER_TYPE),A
-        RET
+        LD (ACCUMULATOR + 1),HL
+        XOR A
+        LD (ACCUMULATOR),A
+        LD A,90h                ; exponent of 32768 to 65535
+        LD (ACCUMULATOR + 3),A
+        JP set_single

@@ -197,19 +197,7 @@ input_prompt:
         RST 08h
         DEFB ';'
         CALL take_string
-        OR A
-        RET Z
-        LD B,A
-        EX DE,HL
-_character:
-        LD A,(HL)
-        INC HL
-        PUSH DE
-        CALL print_entry
-        POP DE
-        DJNZ _character
-        EX DE,HL
-        RET
+        JP put_string
 
 ; Reads a line behind a question mark. BREAK stops the program.
 ; In:   HL kept

@@ -12,38 +12,31 @@ stmt_for:
         JP C,error_sn           ; an element of an array
         POP HL
         LD A,(NUMBER_TYPE)
+        LD (FOR_TYPE),A
         RRCA
         JP C,error_tm
         CP TYPE_DOUBLE / 2
         JP Z,error_tm           ; no loops of double precision
-        DEC A
-        OR FRAME_INTEGER        ; or FRAME_SINGLE
-        LD (FOR_KIND),A
         POP BC                  ; new_statement
         RST 08h
         DEFB TOKEN_TO
-        CALL _value
+        CALL eval_number
+        CALL _convert
         PUSH HL
         LD HL,ACCUMULATOR
         LD DE,FOR_LIMIT
         CALL copy_four
+        LD HL,1
+        CALL set_integer
         POP HL
         LD A,(HL)
         CP TOKEN_STEP
-        JR Z,_step
-        PUSH HL
-        LD HL,1
-        CALL set_integer
-        LD A,(FOR_KIND)
-        RRCA
-        CALL C,to_single
-        POP HL
-        JR _frame
-_step:
+        JR NZ,_frame
         RST 10h
-        CALL _value
+        CALL eval_number
 ; A loop of the same variable ends, with those in it.
 _frame:
+        CALL _convert
         LD (NEXT_TEXT),HL
         LD DE,(FOR_VARIABLE)
         CALL first_loop
@@ -68,25 +61,21 @@ _build:
         CALL num_sign
         NEG
         LD D,A
-        LD A,(FOR_KIND)
+        LD A,(FOR_TYPE)
+        RRCA
+        DEC A
+        OR FRAME_INTEGER        ; or FRAME_SINGLE
         LD E,A
         PUSH DE
         LD (SAVED_STACK),SP
         CALL check_stack
         LD HL,(NEXT_TEXT)
         JP new_statement
-; A value of the variable's type.
-_value:
-        CALL eval_number
+; The accumulator as the variable's type.
+_convert:
         PUSH HL
-        LD A,(FOR_KIND)
-        RRCA
-        JR C,_single
-        CALL to_integer
-        POP HL
-        RET
-_single:
-        CALL to_single
+        LD BC,(FOR_TYPE - 1)
+        CALL convert_type
         POP HL
         RET
 

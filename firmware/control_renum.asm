@@ -6,15 +6,13 @@
 ; program is touched.
 
 stmt_renum:
+        LD BC,RENUM_NEW
         LD DE,10
         CALL _argument
-        LD (RENUM_NEW),DE
         LD DE,0
         CALL _argument
-        LD (RENUM_OLD),DE
         LD DE,10
         CALL _argument
-        LD (RENUM_STEP),DE
         DEC HL
         RST 10h
         RET NZ
@@ -108,12 +106,18 @@ _line:
         JR _line
 
 ; A number and the comma behind it.
-; In:   HL text, DE number if there is none
-; Out:  DE, HL behind
+; In:   HL text, DE number if there is none, BC cell for it
+; Out:  DE, HL and BC behind
 _argument:
         DEC HL
         RST 10h
         CALL C,line_number
+        LD A,E
+        LD (BC),A
+        INC BC
+        LD A,D
+        LD (BC),A
+        INC BC
         LD A,(HL)
         CP ','
         RET NZ

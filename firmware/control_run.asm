@@ -86,14 +86,11 @@ direct_mode:
         INC A
         RET
 
-; END and STOP. CONT goes on behind them.
+; END. CONT goes on behind it, as behind STOP.
 stmt_end:
         RET NZ
         CALL remember_position
         JP ready
-stmt_stop:
-        RET NZ
-        JR stop_run
 break_pressed:
         CALL test_break
 ; Stops the run with the message for BREAK.
@@ -158,8 +155,7 @@ stmt_run:
         DEC HL
         RST 10h
         JR NZ,stmt_goto
-        LD HL,(PROGRAM_START)
-        DEC HL
+        LD HL,(DATA_POINTER)    ; before the first line
         RET
 
 ; NEW

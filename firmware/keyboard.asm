@@ -14,14 +14,6 @@ NEXT_REPEAT     EQU 30
 BETWEEN_SCANS   EQU 170         ; delay counts of 12 us
 DEBOUNCE        EQU 420         ; 5 ms: contacts are quiet by then
 
-; 002B: Character of a key newly pressed, through the driver in the keyboard's control block.
-; Out:  A character, 0 for none
-; Uses: AF, DE
-call_keyboard:
-        PUSH HL
-        LD HL,(KEYBOARD_DRIVER)
-        JP call_driver
-
 ; The driver of the keyboard. One new key is reported at each call, the others of the same moment
 ; at the next ones. A key held down repeats.
 ; Out:  A character, 0 for none
@@ -52,7 +44,8 @@ _row:
         LD (KEY_HELD_ROW),A
         RET
 _held:
-        LD HL,KEY_REPEAT
+        INC L
+        INC L                   ; KEY_REPEAT
         LD A,(SHIFT_KEYS)
         BIT REPEAT_BIT,A
         JR Z,_count
@@ -65,7 +58,8 @@ _count:
         DEC (HL)
         RET NZ
         LD (HL),NEXT_REPEAT
-        LD A,(KEY_HELD_CODE)
+        DEC L
+        LD A,(HL)               ; KEY_HELD_CODE
         RET
 
 ; In:   A new keys of a row, E keys of the row, HL its place in the work area, BC its address
@@ -128,11 +122,10 @@ change_code:
         RET
 _graphics:
         CP 40h
-        JR C,_digits
+        JR NC,_letter
+        ADD A,60h
+_letter:
         ADD A,40h
-        RET
-_digits:
-        ADD A,0A0h
         RET
 
 ; What a key gives. Letters come as capitals, which is what BASIC is written in; SHIFT gives the
@@ -171,8 +164,6 @@ _code:
         RET Z
         CP FIRST_FKEY
         JR NC,_function
-        CP '['
-        JR Z,_up
         CP '@'
         JR NC,_small
         CP ','
@@ -182,16 +173,15 @@ _code:
         CP LINE_FEED + 1
         RET NC
 _other:
-        XOR 10h                 ; ! for 1, < for comma, the cursor keys
-        RET
+        XOR 10h + 'a' - 'A'     ; ! for 1, < for comma, the cursor keys
 _small:
         XOR 'a' - 'A'
+        CP '['+ 'a' - 'A'       ; cursor up
+        RET NZ
+        LD A,ESCAPE
         RET
 _function:
         ADD A,4
-        RET
-_up:
-        LD A,ESCAPE
         RET
 
 OTHER_KEYS      EQU 27          ; behind @ and the letters

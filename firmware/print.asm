@@ -145,15 +145,7 @@ _item:
         JR print_list
 _string:
         CALL take_string
-        LD B,A
-        INC B
-        JR _count
-_character:
-        LD A,(DE)
-        CALL put_character
-        INC DE
-_count:
-        DJNZ _character
+        CALL put_string
         POP HL
         JR print_list
 _at:
@@ -215,6 +207,22 @@ _blanks_to:
         POP HL
         JP print_list
 
+; Characters to the device.
+; In:   A number, DE the first one
+; Out:  HL kept
+; Uses: AF, B, DE
+put_string:
+        LD B,A
+        INC B
+        JR _count
+_character:
+        LD A,(DE)
+        CALL put_character
+        INC DE
+_count:
+        DJNZ _character
+        RET
+
 ; In:   B number of blanks
 ; Uses: AF, B
 put_blanks:
@@ -244,11 +252,4 @@ print_at:
         ADD HL,DE
         CALL set_cursor
         POP HL
-        RET
-
-; Out:  Z if A ends a statement
-end_of_statement:
-        OR A
-        RET Z
-        CP ':'
         RET

@@ -142,10 +142,11 @@ cursor_down:
         RST 18h
         RET NC
         JR set_cursor
+cursor_to_start:
+        CALL next_row
 cursor_up:
-        LD DE,COLUMNS
-        OR A
-        SBC HL,DE
+        LD DE,-COLUMNS
+        ADD HL,DE
         LD A,H
         CP HIGH TEXT_SCREEN
         RET C
@@ -153,23 +154,15 @@ cursor_up:
 cursor_home:
         LD HL,TEXT_SCREEN
         JP set_cursor
-cursor_to_start:
-        CALL next_row
-        LD DE,-COLUMNS
-        ADD HL,DE
-        JP set_cursor
 
 erase_line_end:
         CALL next_row
-        EX DE,HL
         JR erase_to
 erase_screen_end:
-        LD DE,SCREEN_END
-; Erases cells, which take the text colour.
-; In:   HL first cell, DE the one after the last
-; Uses: AF, BC, DE, HL
-erase_to:
         EX DE,HL
+        LD HL,SCREEN_END
+; DE first cell, HL the one after the last
+erase_to:
         OR A
         SBC HL,DE
         RET C
@@ -177,7 +170,9 @@ erase_to:
         LD B,H
         LD C,L
         EX DE,HL
+; Erases cells, which take the text colour.
 ; In:   HL first cell, BC cells, not 0
+; Uses: AF, BC, DE, HL
 erase_cells:
         PUSH BC
         PUSH HL
@@ -238,16 +233,16 @@ _row:
 ; Out:  HL last row
 ; Uses: AF, BC, DE
 scroll:
-        LD HL,TEXT_SCREEN + COLUMNS
-        LD DE,TEXT_SCREEN
-        LD BC,LAST_ROW - TEXT_SCREEN
-        LDIR
         LD HL,COLOUR_RAM + COLUMNS
         LD DE,COLOUR_RAM
         LD BC,LAST_ROW - TEXT_SCREEN
         LDIR
-        LD HL,LAST_ROW
-        LD BC,COLUMNS
+        LD HL,TEXT_SCREEN + COLUMNS
+        LD DE,TEXT_SCREEN
+        LD BC,LAST_ROW - TEXT_SCREEN
+        LDIR
+        EX DE,HL                ; last row
+        LD C,COLUMNS
         PUSH HL
         CALL erase_cells
         POP HL

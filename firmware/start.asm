@@ -13,15 +13,55 @@ cold_start:
         LD BC,GRAPHICS_END - VECTORS
         LD (HL),0
         LDIR                    ; with the 0 before the first program
-        LD A,DEFAULT_COLOUR
-        LD (TEXT_COLOUR),A
+        CALL start_devices
         LD HL,TEXT_SCREEN
         LD BC,GRAPHICS_SCREEN - TEXT_SCREEN
         CALL erase_cells        ; the whole KB and all colours
-        CALL draw_block_characters
-        CALL start_devices
-        CALL fill_disk_vectors
-        CALL fkey_defaults
+
+; The character RAM: 80-BF blocks of two by three, bit 0 upper left, bit 1 upper right, and so on to
+; bit 5; C0-FF blank.
+        LD HL,CHARACTER_RAM
+        LD C,0
+_character:
+        LD D,C
+        LD B,3
+        CALL draw_band
+        LD B,2
+        CALL draw_band
+        LD B,3
+        CALL draw_band
+        INC C
+        BIT 6,C
+        JR Z,_character
+        LD BC,0200h
+        XOR A
+        CALL fill_memory
+
+; The vectors that a disk ROM replaces.
+        LD HL,DISK_VECTORS
+        LD DE,error_l3
+        LD B,DISK_VECTOR_COUNT
+_vector:
+        LD (HL),0C3h            ; JP
+        INC HL
+        LD (HL),E
+        INC HL
+        LD (HL),D
+        INC HL
+        DJNZ _vector
+        LD C,3 * DISK_HOOK_COUNT
+        LD A,0C9h               ; RET
+        CALL fill_memory
+
+; The cells of the machine's own words; the others are 0.
+        LD HL,first_shape
+        LD (SHAPE_TABLE),HL
+        LD HL,0155h
+        LD (DRAW_COLOUR),HL     ; and SHAPE_SCALE
+        LD HL,first_texts
+        LD DE,FKEY_TEXTS
+        LD BC,first_texts_end - first_texts
+        LDIR
         LD HL,error_fc
         LD (USR_ADDRESS),HL
         LD HL,6A93h
@@ -62,8 +102,6 @@ reset_key:
         OR A
         SBC HL,DE
         JP NZ,cold_start
-        LD A,DEFAULT_COLOUR
-        LD (TEXT_COLOUR),A
         CALL start_devices
         CALL clear_text_screen
         CALL clear_variables
@@ -74,17 +112,18 @@ reset_key:
 ; Vectors, control blocks and devices as after power on.
 ; Uses: AF, BC, DE, HL
 start_devices:
+        LD A,DEFAULT_COLOUR
+        LD (TEXT_COLOUR),A
         LD HL,first_vectors
         LD DE,VECTORS
         LD BC,first_vectors_end - first_vectors
         LDIR
         LD HL,KEY_ROWS
-        LD BC,8
+        LD C,8
         XOR A
         LD (KEY_HELD_ROW),A
-        CALL fill_memory
-        XOR A
         LD (LATCH_COPY),A       ; character RAM for 80-FF, black background
+        CALL fill_memory
         LD A,FIRST_SPEED        ; for programs that read bits without a search
         LD (TAPE_SPEED),A
         LD A,ROWS
@@ -93,39 +132,15 @@ start_devices:
         LD HL,TEXT_SCREEN
         CALL set_cursor
 ; Silences the sound generator. Its port A drives the printer, port B reads.
-        LD HL,_registers
-        LD C,MIXER
-_register:
-        LD A,C
-        OUT (SOUND_REGISTER),A
-        LD A,(HL)
-        OUT (SOUND_DATA),A
-        INC HL
-        INC C
-        LD A,C
-        CP VOLUMES + CHANNELS
-        JR C,_register
-        RET
-_registers:
-        DEFB 7Fh, 0, 0, 0       ; no tone, no noise; the volumes
-
-; The vectors that a disk ROM replaces.
-; Uses: AF, BC, DE, HL
-fill_disk_vectors:
-        LD HL,DISK_VECTORS
-        LD DE,error_l3
-        LD B,DISK_VECTOR_COUNT
-_vector:
-        LD (HL),0C3h            ; JP
-        INC HL
-        LD (HL),E
-        INC HL
-        LD (HL),D
-        INC HL
-        DJNZ _vector
-        LD BC,3 * DISK_HOOK_COUNT
-        LD A,0C9h               ; RET
-        JP fill_memory
+        LD A,VOLUMES + CHANNELS - 1
+        LD C,0
+_volume:
+        CALL write_sound
+        DEC A
+        CP MIXER
+        JR NZ,_volume
+        LD C,7Fh                ; no tone, no noise
+        JP write_sound
 
 ; Asks for the end of the memory that BASIC may use.
 ; Out:  HL its last byte
@@ -172,33 +187,16 @@ size_memory:
         CP (HL)
         CPL
         LD (HL),A               ; as it was
-        LD HL,7FFFh
+        DEC HL
         RET NZ
-        LD HL,0BFFFh
+        LD H,HIGH 0BFFFh
         RET
 
-; Fills the character RAM: 80-BF blocks of two by three, bit 0 upper left, bit 1 upper right, and
-; so on to bit 5; C0-FF blank.
-; Uses: AF, BC, DE, HL
-draw_block_characters:
-        LD HL,CHARACTER_RAM
-        LD C,0
-_character:
-        LD D,C
-        LD B,3
-        CALL _band
-        LD B,2
-        CALL _band
-        LD B,3
-        CALL _band
-        INC C
-        BIT 6,C
-        JR Z,_character
-        LD BC,0200h
-        XOR A
-        JP fill_memory
-; In:   D the next two bits, B lines
-_band:
+; Part of a block character.
+; In:   D the next two bits, B lines, HL place
+; Out:  HL behind it
+; Uses: AF, B, D
+draw_band:
         XOR A
         RRC D
         JR NC,_right

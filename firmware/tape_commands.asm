@@ -122,20 +122,6 @@ _end:
         SCF
         RET
 
-; The BREAK key ends a statement.
-; Uses: AF
-check_break:
-        CALL test_break
-        RET Z
-        JP break_statement
-
-; Byte from the cassette, for loops that a tape may keep going for ever.
-; Out:  A
-; Uses: F
-next_byte:
-        CALL check_break
-        JP read_byte
-
 ; "-1," behind the # of PRINT and INPUT.
 ; In:   HL text at the #
 ; Out:  Z and HL behind it; NZ and HL kept without the minus
@@ -430,12 +416,8 @@ _end:
         OR A
         JP Z,ready
 _mismatch:
-        LD HL,_mismatch_text
-        CALL print_text
-        JP ready
-_mismatch_text:
-        DEFM "BAD"
-        DEFB 0
+        LD HL,mismatch_text
+        JP end_with_text
 
 ; In:   DE and BC for search_sync to take back from the stack
 _sync:

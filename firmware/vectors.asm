@@ -1,17 +1,37 @@
-; 0000: restarts, the published entries at the bottom, and what the restarts do.
+; 0000: restarts, the published entries at the bottom, what the restarts do; and between the entries
+; what is short enough for these places.
 
         DI                      ; 0000: power on
         JP cold_start
+; STOP
+stmt_stop:
+        RET NZ
+        JP stop_run
 
 ; The restarts go through RAM, so that programs may take them over.
         fill_to 0008h
         JP VECTORS              ; syntax check
+; Out:  Z if A ends a statement
+end_of_statement:
+        OR A
+        RET Z
+        CP ':'
+        RET
         fill_to 0010h
         JP VECTORS + 3          ; next character
+; A lozenge, what SHAPE draws after power on.
+first_shape:
+        DEFB 23h, 25h, 27h, 21h, 0
         fill_to 0018h
         JP VECTORS + 6          ; compare HL with DE
+in_text:
+        DEFM " IN "
+        DEFB 0
         fill_to 0020h
         JP VECTORS + 9          ; type test
+mismatch_text:
+        DEFM "BAD"
+        DEFB 0
         fill_to 0028h
         JP VECTORS + 12
 
@@ -19,7 +39,7 @@
 ; hold nothing that another routine needs. The last call through the replacement finds these bytes
 ; back behind its own first two, so the third one returns.
 key_entry:
-        JR key_jump             ; 002B
+        JR call_keyboard        ; 002B
         RET
 
         fill_to 0030h
@@ -32,10 +52,40 @@ print_entry:
 
         fill_to 0040h
         JP read_line
-key_jump:
-        JP call_keyboard
+; RST 18: Compares HL with DE.
+; Out:  Z, carry as of HL - DE
+; Uses: AF
+compare_words:
+        LD A,H
+        SUB D
+        RET NZ
+        LD A,L
+        SUB E
+        RET
         fill_to 0049h
         JP wait_for_key
+
+; 002B: Character of a key newly pressed, through the driver in the keyboard's control block.
+; Out:  A character, 0 for none
+; Uses: AF, DE
+call_keyboard:
+        PUSH HL
+        LD HL,(KEYBOARD_DRIVER)
+        JP call_driver
+
+; Byte from the cassette, for loops that a tape may keep going for ever.
+; Out:  A
+; Uses: F
+next_byte:
+        CALL check_break
+        JP read_byte
+
+; The BREAK key ends a statement.
+; Uses: AF
+check_break:
+        CALL test_break
+        RET Z
+        JP break_statement
 
 ; 0060: Delay of 26 T states for each count; code in ROM runs without wait states.
 ; In:   BC count, 0 counts as 65536
@@ -46,6 +96,9 @@ delay:
         LD A,B
         OR C
         JR NZ,delay
+; RST 28 and RST 30 belong to the program that takes them. RST 38: An interrupt that nobody expected
+; must not come again before its cause is served, so interrupts stay off.
+unused_restart:
         RET
 
         fill_to 0066h
@@ -82,17 +135,6 @@ _digit:
         DEC A
         RET
 
-; RST 18: Compares HL with DE.
-; Out:  Z, carry as of HL - DE
-; Uses: AF
-compare_words:
-        LD A,H
-        SUB D
-        RET NZ
-        LD A,L
-        SUB E
-        RET
-
 ; RST 20: Type of the accumulator.
 ; Out:  A type - 3; integer M, string Z, single PO, double NC
 ; Uses: AF
@@ -109,15 +151,6 @@ _double:
         OR A
         RET
 
-; RST 28 and RST 30 belong to the program that takes them.
-unused_restart:
-        RET
-
-; RST 38: An interrupt that nobody expected must not come again before its cause is served, so
-; interrupts stay off.
-unused_interrupt:
-        RET
-
 ; First contents of 4000-402C: the jumps of the restarts, then the control blocks of the devices:
 ; type, driver address, three bytes for the driver, two letters.
 first_vectors:
@@ -127,7 +160,7 @@ first_vectors:
         JP test_type
         JP unused_restart
         JP unused_restart
-        JP unused_interrupt
+        JP unused_restart
         DEFB 1
         DEFW scan_keyboard
         DEFB 0,0,0

@@ -1,4 +1,4 @@
-; The function keys: FKEY, their texts, and the first contents of the cells 4320-437F.
+; The function keys: FKEY, and their texts.
 
 FKEYS           EQU 8
 
@@ -128,19 +128,7 @@ _function:
         LD (FKEY_NEXT),HL
         JR _next
 
-; What the cells of the words hold after power on: the shape at SHAPE_TABLE, colour 2, scale 1, the
-; texts of the function keys. A cold start calls it; the other cells are 0 then.
-; Uses: AF, BC, DE, HL
-fkey_defaults:
-        LD HL,first_shape
-        LD (SHAPE_TABLE),HL
-        LD HL,0155h
-        LD (DRAW_COLOUR),HL     ; and SHAPE_SCALE
-        LD HL,first_texts
-        LD DE,FKEY_TEXTS
-        LD BC,first_texts_end - first_texts
-        LDIR
-        RET
+; The texts after power on.
 first_texts:
         DEFM "LIST"
         DEFB RETURN, 0
@@ -159,7 +147,3 @@ first_texts:
         DEFM "RENUM"
         DEFB RETURN, 0
 first_texts_end:
-
-; A lozenge.
-first_shape:
-        DEFB 23h, 25h, 27h, 21h, 0

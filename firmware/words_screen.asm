@@ -27,9 +27,8 @@ stmt_char:
 
 ; NBGRD, and BGRD [n] with n 1 to 4 for another background colour than the last.
 stmt_nbgrd:
-        XOR A
-        LD C,255 - LATCH_BACKGROUND
-        JR change_latch
+        XOR A                   ; Z, as BGRD alone
+        DEFB 1                  ; LD BC, over the next instruction
 stmt_bgrd:
         LD A,LATCH_BACKGROUND
         LD C,255 - LATCH_BACKGROUND
@@ -93,16 +92,14 @@ get_block:
         RST 08h
         DEFB ')'
         PUSH HL
-        LD HL,TEXT_SCREEN
+        LD HL,TEXT_SCREEN - COLUMNS
         LD A,D
         LD D,0
         LD BC,COLUMNS
 _row:
-        SUB 3
-        JR C,_found
         ADD HL,BC
-        JR _row
-_found:
+        SUB 3
+        JR NC,_row
         ADD A,3                 ; row within the cell
         SRL E
         RLA                     ; two blocks in a row

@@ -119,12 +119,10 @@ read_mixer:
 func_joy:
         CALL get_side
         ADD A,A
-        LD C,A
-        LD A,(HL)
-        SUB 'X'
-        CP 2
-        JP NC,error_sn
-        ADD A,C
+        LD D,A
+        LD B,'X'
+        CALL get_of_two
+        ADD A,D
         LD B,A
         INC B
         XOR A
@@ -133,7 +131,6 @@ _bit:
         RRA
         DJNZ _bit
         LD B,A
-        RST 10h
         PUSH HL
         LD E,0
 _level:
@@ -188,10 +185,13 @@ _row:
 ; Digit 1 or 2 of JOY and KEYPAD.
 ; In:   HL text
 ; Out:  A digit - 1 with its flags, HL next character
-; Uses: C
+; Uses: BC
 get_side:
+        LD B,'1'
+; In:   B the first of two characters
+get_of_two:
         LD A,(HL)
-        SUB '1'
+        SUB B
         CP 2
         JP NC,error_sn
         LD C,A
