@@ -149,13 +149,11 @@ stmt_error:
 ; Out:  accumulator
 func_err:
         PUSH HL
-        LD HL,(ERROR_CODE)      ; ERR/2+1 is the number of the error
-        LD H,0
-        JR set_number
+        LD A,(ERROR_CODE)       ; ERR/2+1 is the number of the error
+        JP byte_result
 func_erl:
         PUSH HL
         LD HL,(ERROR_LINE)
-set_number:
         CALL set_word
         POP HL
         RET

@@ -11,12 +11,10 @@ stmt_for:
         RST 18h
         JP C,error_sn           ; an element of an array
         POP HL
-        LD A,(NUMBER_TYPE)
+        LD A,B
         LD (FOR_TYPE),A
-        RRCA
-        JP C,error_tm
-        CP TYPE_DOUBLE / 2
-        JP Z,error_tm           ; no loops of double precision
+        AND 9                   ; no loops of double precision, or of strings
+        JP NZ,error_tm
         POP BC                  ; new_statement
         RST 08h
         DEFB TOKEN_TO

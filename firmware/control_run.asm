@@ -61,7 +61,6 @@ extended_word:
         INC HL
         LD A,(HL)
         SUB FIRST_TOKEN
-        JP C,error_sn
         CP EXTENDED_WORDS
         JP NC,error_sn
         LD DE,extended_statement_table
@@ -184,8 +183,7 @@ stmt_goto:
 ; In:   DE line number, HL text of the current line
 ; Out:  HL before the link of the line
 go_to_line:
-        CALL direct_mode
-        JR Z,before_line
+        LD BC,(CURRENT_LINE)
         LD A,C
         SUB E
         LD A,B
@@ -520,13 +518,12 @@ clear_variables:
         LD DE,0
         PUSH DE                 ; ends the frames
         LD (SAVED_STACK),SP
-        PUSH HL
-        LD HL,new_statement
-        EX (SP),HL
-        PUSH BC
         LD (ON_ERROR),DE
         LD (CONT_TEXT),DE
         LD (IN_HANDLER),DE      ; and TAPE_OPEN
+        LD DE,new_statement
+        PUSH DE
+        PUSH BC
         PUSH HL
         LD A,TYPE_SINGLE
         LD BC,26

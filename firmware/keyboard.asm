@@ -154,7 +154,7 @@ _special:
         JR _code
 _letter:
         ADD A,'@' + OTHER_KEYS
-        JR _code
+        DEFB 11h                ; LD DE, over the next instruction
 _mark:
         SUB '<' - ','
 _code:

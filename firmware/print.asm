@@ -53,15 +53,17 @@ put_text:
         JR put_text
 
 ; Column on the device.
-; Out:  A
-; Uses: F, DE, HL
+; Out:  A; Z for the screen, else NZ, M for a cassette
+; Uses: DE, HL
 get_column:
         LD A,(OUTPUT_DEVICE)
         OR A
         LD A,(PRINT_COLUMN)
         RET NZ
         LD HL,(CURSOR)
-        JP column_of
+        CALL column_of
+        CP A
+        RET
 
 ; Begins a row unless the device stands at the start of one.
 ; Uses: AF, DE, HL
@@ -148,8 +150,21 @@ _string:
         CALL put_string
         POP HL
         JR print_list
+; @ position: moves the cursor.
 _at:
-        CALL print_at
+        RST 10h
+        CALL get_integer
+        RST 08h
+        DEFB ','
+        DEC HL
+        PUSH HL
+        LD HL,COLUMNS * ROWS - 1
+        RST 18h
+        JP C,error_fc           ; below 0, too
+        LD HL,TEXT_SCREEN
+        ADD HL,DE
+        CALL set_cursor
+        POP HL
 _separator:
         RST 10h
         JR NZ,_item
@@ -158,10 +173,8 @@ _zone:
         PUSH HL
         CALL get_column
         LD C,A
-        LD A,(OUTPUT_DEVICE)
-        ADD A,A
         LD A,','
-        JR C,_comma             ; cassette
+        JP M,_comma
         LD A,LAST_ZONE - 1
         JR Z,_screen
         LD A,PRINTER_ZONE - 1
@@ -192,8 +205,6 @@ _tab:
         CALL get_column
         POP DE
         LD B,A
-        LD A,(OUTPUT_DEVICE)
-        OR A
         LD A,E
         JR NZ,_blanks_to
 _row:
@@ -233,23 +244,4 @@ _blank:
         CALL put_character
 _count:
         DJNZ _blank
-        RET
-
-; @ position: moves the cursor.
-; In:   HL '@'
-; Out:  HL the character before the one behind the comma
-print_at:
-        RST 10h
-        CALL get_integer
-        RST 08h
-        DEFB ','
-        DEC HL
-        PUSH HL
-        LD HL,COLUMNS * ROWS - 1
-        RST 18h
-        JP C,error_fc           ; below 0, too
-        LD HL,TEXT_SCREEN
-        ADD HL,DE
-        CALL set_cursor
-        POP HL
         RET

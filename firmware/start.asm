@@ -105,9 +105,7 @@ reset_key:
         CALL start_devices
         CALL clear_text_screen
         CALL clear_variables
-        LD HL,ready
-        PUSH HL
-        RETN                    ; leaves the interrupt, to the prompt
+        JP ready
 
 ; Vectors, control blocks and devices as after power on.
 ; Uses: AF, BC, DE, HL
@@ -118,8 +116,8 @@ start_devices:
         LD DE,VECTORS
         LD BC,first_vectors_end - first_vectors
         LDIR
-        LD HL,KEY_ROWS
-        LD C,8
+        EX DE,HL
+        LD C,KEY_ROWS + 8 - (VECTORS + first_vectors_end - first_vectors)
         XOR A
         LD (KEY_HELD_ROW),A
         LD (LATCH_COPY),A       ; character RAM for 80-FF, black background
@@ -129,8 +127,6 @@ start_devices:
         LD A,ROWS
         LD (ROW_COUNT),A
         CALL show_text
-        LD HL,TEXT_SCREEN
-        CALL set_cursor
 ; Silences the sound generator. Its port A drives the printer, port B reads.
         LD A,VOLUMES + CHANNELS - 1
         LD C,0

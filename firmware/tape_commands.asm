@@ -146,11 +146,12 @@ _other:
 ; PRINT#-1,list: a record, the values as PRINT shows them with the commas of the list between them.
 ; It ends with RETURN.
 print_to_tape:
-        LD A,(TAPE_OPEN)
+        LD DE,TAPE_OPEN
+        LD A,(DE)
         OR A
         LD B,LEADER_BYTES
         LD A,B
-        LD (TAPE_OPEN),A
+        LD (DE),A
         CALL Z,write_leader     ; keeps the flags
         CALL NZ,write_record_leader
         LD A,80h
@@ -182,13 +183,7 @@ _end:
         EX DE,HL
         JP input_values
 
-; Two asterisks: the tape is being loaded.
-; Uses: HL
-show_marks:
-        LD HL,'*' * 257
-        LD (LOAD_MARKS),HL
-        RET
-; The second one goes and comes.
+; The second asterisk goes and comes.
 ; Uses: AF
 flash_mark:
         LD A,(LOAD_MARKS + 1)
@@ -248,7 +243,8 @@ _name:
         JR NZ,load_code
 _same:
         DJNZ _name
-        CALL show_marks
+        LD HL,'*' * 257         ; two asterisks: the tape is being loaded
+        LD (LOAD_MARKS),HL
 _block:
         CALL next_byte
         CP ENTRY_BLOCK
@@ -369,7 +365,8 @@ _name:
         CP C
         JR NZ,_search
 _found:
-        CALL show_marks
+        LD HL,'*' * 257         ; two asterisks: the tape is being loaded
+        LD (LOAD_MARKS),HL
         LD HL,(PROGRAM_START)
         XOR A
         BIT 0,B

@@ -140,14 +140,13 @@ _digit:
 ; Uses: AF
 test_type:
         LD A,(NUMBER_TYPE)
-        CP TYPE_DOUBLE
-        JR NC,_double
         SUB TYPE_STRING
+        CP TYPE_DOUBLE - TYPE_STRING
+        JR Z,_double
         OR A
         SCF
         RET
 _double:
-        SUB TYPE_STRING
         OR A
         RET
 

@@ -123,13 +123,8 @@ func_joy:
         LD B,'X'
         CALL get_of_two
         ADD A,D
-        LD B,A
-        INC B
-        XOR A
-        SCF
-_bit:
-        RRA
-        DJNZ _bit
+        XOR 7
+        CALL bit_mask
         LD B,A
         PUSH HL
         LD E,0
@@ -156,22 +151,18 @@ byte_result:
 func_keypad:
         CALL get_side
         PUSH HL
-        LD E,0FBh
+        LD E,0FEh
         JR Z,_first
-        LD E,0DFh
+        LD E,0F7h
 _first:
-        LD B,1
+        LD B,3
 _column:
         CALL exchange_ports
         CPL
         AND 0Fh
         JR NZ,_found
-        RRC E
-        INC B
-        LD A,B
-        CP 4
-        JR C,_column
-        XOR A
+        RLC E
+        DJNZ _column
         JR byte_result
 _found:
         LD C,A
