@@ -97,10 +97,7 @@ _count:
         JR Z,_below
         INC A
         LD B,A
-        CALL complement_words
-        EXX
-        CALL complement_words
-        EXX
+        CALL complement_64
         LD A,B
         LD B,80h                ; what remains is negative
 _below:
@@ -157,7 +154,9 @@ shift_left_64:
         ADC HL,HL
         RET
 
-complement_words:
+complement_64:
+        CALL _words
+_words:
         LD A,H
         CPL
         LD H,A
@@ -170,6 +169,7 @@ complement_words:
         LD A,E
         CPL
         LD E,A
+        EXX
         RET
 
 ; ATN

@@ -24,7 +24,7 @@ single_add:
         LD C,L
         LD HL,(LEFT_SINGLE)
         LD DE,(ACCUMULATOR)
-        JP _align
+        JR _align
 _acc_greater:
         NEG
         CP NEGLIGIBLE
@@ -84,13 +84,13 @@ _aligned:
         LD C,A
         LD B,IXH
         LD A,IXL
-        JP NC,round_single
+        JR NC,round_single
         RR C
         RR H
         RR L
         RRA
         INC B
-        JP NZ,round_single
+        JR NZ,round_single
         JP error_ov
 _subtract:
         XOR A
@@ -126,7 +126,6 @@ normalize_single:
         OR L
         OR E
         JR Z,set_zero
-_bytes:
         LD A,B
         SUB 8
         JR C,set_zero
@@ -135,11 +134,8 @@ _bytes:
         LD C,H
         LD H,L
         LD L,E
-        LD E,0
-        LD A,C
-        OR A
-        JR Z,_bytes
-        JP M,_done
+        XOR A
+        JR normalize_single
 _bits:
         DEC B
         JR Z,set_zero
@@ -175,14 +171,6 @@ _store:
         LD (NUMBER_TYPE),A
         RET
 
-; The accumulator 0, its type kept; a value of type integer must not come here.
-; Uses: AF, HL
-set_zero:
-        LD HL,0
-        LD (ACCUMULATOR),HL
-        LD (ACC_HIGH),HL
-        RET
-
 ; Upper words of LEFT and accumulator to HL and DE, SIGN; Z if the accumulator is 0.
 operand_words:
         LD HL,(LEFT_HIGH)
@@ -199,21 +187,46 @@ operand_words:
 ;       returns to the caller's caller with 0 when it is too small
 product_exponent:
         CALL operand_words
-        JR Z,_zero
+        JR Z,zero_result
         LD A,H
         OR A
-        JR Z,_zero
+        JR Z,zero_result
         ADD A,D
         JR C,_great
         SUB BIAS + 1
         RET NC
-_zero:
-        POP HL
-        JR set_zero
+        JR zero_result
 _great:
         ADD A,BIAS - 1
         RET NC
         JP error_ov
+
+; Exponent and sign of a quotient.
+; Out:  A exponent of a quotient below 1, SIGN, HL and DE the upper words of LEFT and accumulator;
+;       returns to the caller's caller with 0 when it is too small
+quotient_exponent:
+        CALL operand_words
+        JP Z,error_dz
+        LD A,H
+        OR A
+        JR Z,zero_result
+        SUB D
+        JR C,_small
+        ADD A,BIAS
+        RET NC
+        JP error_ov
+_small:
+        ADD A,BIAS
+        RET C
+zero_result:
+        POP HL
+; The accumulator 0, its type kept; a value of type integer must not come here.
+; Uses: AF, HL
+set_zero:
+        LD HL,0
+        LD (ACCUMULATOR),HL
+        LD (ACC_HIGH),HL
+        RET
 
 ; LEFT * accumulator, singles
 ; Uses: all
@@ -237,23 +250,23 @@ single_multiply:
         LD C,IYL
         CALL multiply_byte
         RR C                    ; bits below
-        LD B,A
-        POP AF
-        BIT 7,B
-        JR NZ,_high
+        POP DE                  ; D exponent
+        OR A
+        JP M,_high
         SLA C
         ADC HL,HL
-        RL B
-        OR A
-        JP Z,set_zero
-        DEC A
+        ADC A,A
+        INC D
+        DEC D
+        JR Z,set_zero
+        DEC D
 _high:
-        INC A
+        INC D
         JP Z,error_ov
-        LD D,A
-        LD A,C
-        LD C,B
         LD B,D
+        LD D,C
+        LD C,A
+        LD A,D
         JP round_single
 
 ; Adds the product of a byte: A:HL = (A:HL + B:DE * C) / 256, what is shifted out in C and carry.
@@ -337,17 +350,19 @@ _above:
         JP Z,error_ov
 _divide:
         CALL divide_byte
-        LD IXH,C
+        PUSH BC
         CALL divide_byte
-        LD IXL,C
+        PUSH BC
         CALL divide_byte
         LD A,C
         CPL
         LD L,A
-        LD A,IXL
+        POP BC
+        LD A,C
         CPL
         LD H,A
-        LD A,IXH
+        POP BC
+        LD A,C
         CPL
         SCF                     ; the first bit of the quotient
         RRA
@@ -394,27 +409,6 @@ _small:
         LD C,A
         INC A
         RET
-
-; Exponent and sign of a quotient.
-; Out:  A exponent of a quotient below 1, SIGN, HL and DE the upper words of LEFT and accumulator;
-;       returns to the caller's caller with 0 when it is too small
-quotient_exponent:
-        CALL operand_words
-        JP Z,error_dz
-        LD A,H
-        OR A
-        JR Z,_zero
-        SUB D
-        JR C,_small
-        ADD A,BIAS
-        RET NC
-        JP error_ov
-_small:
-        ADD A,BIAS
-        RET C
-_zero:
-        POP HL
-        JP set_zero
 
 ; SQR of the accumulator, one bit of the root after the other: with a bit b of the root Q, twice the
 ; remainder takes 2Q + b or does not. HL:HL' remainder, DE:DE' 2Q + b, BC:BC' b, the first two bits

@@ -69,20 +69,19 @@ _scientific:
         LD D,A
         DEC A                   ; the exponent alone: a place is for the sign
         LD L,E
+        LD H,0
         JR NZ,_all
         LD A,E
-        SUB 1
-        ADC A,0
-        LD L,A
+        OR A
+        JR Z,_all
+        DEC L
+        INC H
 _all:
         LD A,L
         ADD A,B
         PUSH HL
         CALL round_digits
         POP HL
-        LD A,E
-        SUB L
-        LD H,A
 _room:
         LD A,D
         AND USING_SIGNS
