@@ -322,7 +322,8 @@ TEST(Disk, FunctionsGiveVariablesTheirValuesBack) {
 /// as they were.
 TEST(Disk, RandomFilesHoldTheirRecords) {
     DiskMachine disk(1, 35, 10);
-    disk.rows("CLEAR 999\nFORMAT\nYOPEN\"O\",1,\"R100\":PRINT#1,STRING$(150,43)\n");
+    disk.rows("CLEAR 999\nFORMAT\nYOPEN\"O\",1,\"LONG\":PRINT#1,STRING$(250,42):CLOSE\n"
+              "OPEN\"O\",1,\"R100\":PRINT#1,STRING$(150,43)\n");
     std::mt19937 random(3);
     for (const size_t length : {256, 255, 100, 7, 1}) {
         const std::string name = "R" + std::to_string(length), left = std::to_string(length / 2),
