@@ -73,6 +73,7 @@ machine graphics 40 listing.bas
 listing raiders 55 ' '
 listing maze 54 ' '
 listing prelude 70
+listing bell 60 $'n\nw\ntake lamp\ntake bread\nhelp\n'
 
 start_server 1024x768x24
 start_window_manager
