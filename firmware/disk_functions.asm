@@ -372,8 +372,21 @@ values_kept:
         OR A
         RET
 
-; Before the prompt: BREAK may have ended a statement while strings were collected.
+; Before the prompt: the reset key may have come while LOAD or MERGE changed the program, and BREAK
+; may have ended a statement while strings were collected.
 serve_ready:
+        LD A,(LOADING)
+        OR A
+        JR Z,_program_whole
+        POP HL
+        LD (DISK_WORK),HL
+        DEC A                   ; LOADING_ALL
+        CALL NZ,relink_program
+        CALL drop_program
+        CALL clear_variables
+        LD HL,(DISK_WORK)
+        PUSH HL
+_program_whole:
         CALL end_redirection
 ; What an error or BREAK has left of FN goes: the variables get their values back.
 ; Out:  all registers kept

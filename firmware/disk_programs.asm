@@ -153,6 +153,7 @@ word_merge:
         CP TYPE_TEXT
         JP NZ,fail_type
 merge_text:
+        CALL poll_break         ; the words of a long line take their time
         CALL first_file
         CALL read_text_line
         JP C,program_loaded
