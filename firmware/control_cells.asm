@@ -37,7 +37,7 @@ LIST_LAST       EQU 43E2h       ; last line number of a range
 TOKEN_BUFFER    EQU LINE_BUFFER - 3
 LINE_HEAD       EQU 4           ; link and number of a line
 LAST_NUMBER     EQU 65529
-LIST_LENGTH     EQU 251         ; of LINE_BUFFER with the text of a line for EDIT, 0 behind it
+LIST_LENGTH     EQU 252         ; of LINE_BUFFER with the text of a line for EDIT, 0 behind it
 
 ; Rooms kept between the stack and what grows towards it.
 STACK_ROOM      EQU 80
