@@ -23,6 +23,7 @@ _words:
         CP LOW (LINE_BUFFER + LIST_LENGTH - 1)
         JR NZ,_line
         LD A,B
+        RES 0,A
         LD B,TOKEN_PRINT
         CP B
         JR NZ,_words

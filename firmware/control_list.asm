@@ -92,7 +92,7 @@ program_changed:
 ; Writes the words of a line out.
 ; In:   HL text of a line in memory; B 0, or TOKEN_PRINT: ? for PRINT; D 0: to the device, else DE
 ;       in LINE_BUFFER
-; Out:  HL the line behind, A 0; DE the end, at most the last byte of LIST_LENGTH
+; Out:  HL the line behind, A 0; DE the end, at most the last byte of LIST_LENGTH; B or B + 1
 ; Uses: F, C
 detokenize:
 _next:
@@ -101,8 +101,6 @@ _next:
         OR A
         RET Z
         LD C,A
-        CP B
-        JR Z,_print
         CP STRING_QUOTE
         JR Z,_copy
         CP ':'
@@ -117,6 +115,7 @@ _print:
         LD C,'?'
         JR _character
 _colon:
+        RES 0,B
         LD A,(HL)
         CP TOKEN_ELSE
         JR Z,_next
@@ -133,7 +132,11 @@ _colon:
         LD A,"'"
         JR _copy
 _word:
+        BIT 0,B
+        JR NZ,_character        ; none in DATA
         LD A,C
+        CP B
+        JR Z,_print
         INC A
         JR NZ,_one_byte
         LD A,(HL)
@@ -171,6 +174,10 @@ _put:
         POP HL
         POP BC
         LD A,C
+        CP TOKEN_DATA
+        JR NZ,_no_data
+        INC B                   ; bit 0
+_no_data:
         CP TOKEN_REM
         JR NZ,_next
         LD C,0

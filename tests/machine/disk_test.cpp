@@ -202,9 +202,9 @@ TEST(Disk, FormatsAndKeepsPrograms) {
         // A line of 10 + 39 * 10 characters.
         std::string jumps = "1 GOTO1", listed = "65000 GOTO65000";
         for (int i = 1; i < 39; ++i) jumps += ":GOTO1", listed += ":GOTO65000";
-        disk.rows("NEW\n" + jumps + "\nRENUM65000\n65001?\nSAVE\"L\"\nSAVE\"T\",A\n");
+        disk.rows("NEW\n" + jumps + "\nRENUM65000\n65001DATA\x85,:?\nSAVE\"L\"\nSAVE\"T\",A\n");
         disk.rows("NEW\n65001 REM\nMERGE\"T\"\nSAVE\"M\"\n");
-        EXPECT_EQ(disk.contents("T          "), listed + "\r65001 PRINT\r");
+        EXPECT_EQ(disk.contents("T          "), listed + "\r65001 DATA\x85,:PRINT\r");
         EXPECT_EQ(disk.contents("M          "), disk.contents("L          "));
         disk.rows("KILL\"L\"\nKILL\"T\"\nKILL\"M\"\nLOAD\"TWO\"\n");
         EXPECT_EQ(disk.answer("NEW\nNAME\"TWO\"TO\"THREE\"\nRUN\"THREE\"\n"), " 7");
