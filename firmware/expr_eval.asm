@@ -245,7 +245,6 @@ operand:
         CP TOKEN_NOT
         JR Z,_not
         SUB TOKEN_FN
-        JR C,_wrong
         CP TOKEN_INKEY - TOKEN_FN + 1
         JR NC,_wrong
         LD DE,syntax_functions
@@ -291,12 +290,8 @@ _not:
         CALL unary_operand
         PUSH HL
         CALL to_integer
-        LD A,H
-        CPL
-        LD H,A
-        LD A,L
-        CPL
-        LD L,A
+        CALL negate_hl
+        DEC HL
         CALL set_integer
 pop_text:
         POP HL
@@ -351,7 +346,7 @@ _digit:
         POP HL
         JR _digit
 _blank:
-        CALL next_character
+        RST 10h
         JR C,_slow              ; a digit: the number goes on
         JR _what
 _end:
@@ -396,16 +391,13 @@ hexadecimal:
         LD DE,0
 _digit:
         RST 10h
-        CP 'A'
-        JR C,_decimal
-        SUB 'A' - 10
-        CP 16
-        JR C,_value
-        JR _end
-_decimal:
         SUB '0'
-        JR C,_end
         CP 10
+        JR C,_value
+        SUB 'A' - '0' - 10
+        CP 10
+        JR C,_end
+        CP 16
         JR NC,_end
 _value:
         EX DE,HL

@@ -41,17 +41,13 @@ fill_pattern:
 ; Out:  A pattern
 ; Uses: F, B
 colour_pattern:
-        AND 3
         LD B,A
-        ADD A,A
-        ADD A,A
-        OR B
-        LD B,A
-        ADD A,A
-        ADD A,A
-        ADD A,A
-        ADD A,A
-        OR B
+        RRA
+        SBC A,A
+        AND 55h
+        BIT 1,B
+        RET Z
+        OR 0AAh
         RET
 
 ; Shows the graphics screen.

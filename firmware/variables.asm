@@ -14,14 +14,22 @@ DIM_FLAG        EQU 7           ; bit of B besides the type
 ; Out:  DE address of its value, B and NUMBER_TYPE type, HL the next character that is no blank
 ; Uses: all
 find_variable:
-        CALL variable_name
-        CP '('
-        JP Z,find_element
-        CALL search_simple
+        CALL search_variable
         JP NZ,make_simple
         LD A,B
         LD (NUMBER_TYPE),A
         RET
+
+; Looks for the variable of a name; an array is made if there is none.
+; In:   HL first character of the name
+; Out:  Z if found: DE address of its value, else D, E name; B type, HL the next character that is
+;       no blank
+; Uses: all
+search_variable:
+        CALL variable_name
+        CP '('
+        JP NZ,search_simple
+        JP find_element
 
 ; The value of a variable. One that does not exist is 0 and is not made, since that would move
 ; arrays whose addresses are in use.
@@ -29,10 +37,7 @@ find_variable:
 ; Out:  accumulator, HL the next character that is no blank
 ; Uses: all
 read_variable:
-        CALL variable_name
-        CP '('
-        JR Z,_element
-        CALL search_simple
+        CALL search_variable
         JR Z,_load
         LD DE,no_value
 _load:
@@ -57,9 +62,6 @@ _other:
         CALL acc_from_hl
         POP HL
         RET
-_element:
-        CALL find_element
-        JR _load
 
 ; Reads a name.
 ; In:   HL first character
@@ -224,7 +226,7 @@ _zero:
 
 ; An element of an array; with DIM_FLAG of B the whole array is made and there is no element.
 ; In:   HL '(', D, E name, B type
-; Out:  DE address of the element, B and NUMBER_TYPE type, HL the next character that is no blank
+; Out:  DE address of the element, Z; B and NUMBER_TYPE type, HL the next character that is no blank
 ; Uses: all
 find_element:
         LD C,0                  ; subscripts
@@ -267,7 +269,7 @@ _array:
         JR NZ,_second
         LD A,(HL)
         CP D
-        JR Z,_found
+        JR Z,array_found
         JR _second
 _type:
         INC HL
@@ -287,50 +289,6 @@ _end:
         LD A,H
         CP IXH
         JR NZ,_array
-        JR make_array
-_found:
-        BIT DIM_FLAG,B
-        JP NZ,error_dd
-        INC HL
-        INC HL
-        INC HL
-        LD A,(HL)
-        CP C
-        JP NZ,error_bs
-        INC HL
-; In:   HL sizes, C dimensions, the subscripts on the stack, the last one on top
-element_address:
-        LD A,C
-        LD IXL,A
-        LD DE,0
-_dimension:
-        LD C,(HL)
-        INC HL
-        LD B,(HL)
-        INC HL
-        LD A,D
-        OR E
-        CALL NZ,multiply_words
-        EX (SP),HL
-        OR A
-        SBC HL,BC
-        JP NC,error_bs
-        ADD HL,BC
-        ADD HL,DE
-        EX DE,HL
-        POP HL
-        DEC IXL
-        JR NZ,_dimension
-        LD A,(NUMBER_TYPE)
-        LD B,A                  ; also the size
-_element:
-        ADD HL,DE
-        DEC A
-        JR NZ,_element
-        EX DE,HL
-        LD HL,(FIND_TEXT)
-        RET
-
 ; In:   HL = FREE_SPACE, D, E name, B DIM_FLAG, C dimensions, the subscripts on the stack
 make_array:
         PUSH HL
@@ -403,7 +361,50 @@ _automatic:
         INC HL
         LD C,(HL)
         INC HL
-        JP element_address
+        JR element_address
+
+array_found:
+        BIT DIM_FLAG,B
+        JP NZ,error_dd
+        INC HL
+        INC HL
+        INC HL
+        LD A,(HL)
+        CP C
+        JP NZ,error_bs
+        INC HL
+; In:   HL sizes, C dimensions, the subscripts on the stack, the last one on top
+element_address:
+        LD A,C
+        LD IXL,A
+        LD DE,0
+_dimension:
+        LD C,(HL)
+        INC HL
+        LD B,(HL)
+        INC HL
+        LD A,D
+        OR E
+        CALL NZ,multiply_words
+        EX (SP),HL
+        OR A
+        SBC HL,BC
+        JP NC,error_bs
+        ADD HL,BC
+        ADD HL,DE
+        EX DE,HL
+        POP HL
+        DEC IXL
+        JR NZ,_dimension
+        LD A,(NUMBER_TYPE)
+        LD B,A                  ; also the size
+_element:
+        ADD HL,DE
+        DEC A
+        JR NZ,_element
+        EX DE,HL
+        LD HL,(FIND_TEXT)
+        RET
 
 ; Out:  DE = DE * BC, OM error above 65535; HL, BC kept
 ; Uses: AF
