@@ -469,9 +469,23 @@ function_mkd:
         PUSH HL
         PUSH AF
         CALL acc_to_hl
-        POP BC
+        POP AF
+        CALL make_string        ; BC its length
         POP HL
-        JP copy_text
+        LDIR
+        JP push_string
+; The accumulator becomes a value of a type.
+; In:   B type
+; Out:  A type
+; Uses: all
+convert_type:
+        LD A,(NUMBER_TYPE)
+        CP B
+        RET Z
+        LD A,B
+        CP TYPE_STRING
+        JP NZ,convert
+        JP error_tm
 ; CVI, CVS, CVD: and back.
 function_cvi:
         LD B,TYPE_INTEGER

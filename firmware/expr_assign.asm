@@ -34,41 +34,19 @@ _store:
         RET
 _other:
         CP TYPE_STRING
-        JR Z,_string
+        CALL Z,own_string
         EX DE,HL
         CALL acc_to_hl
         POP HL
         RET
 _convert:
-        PUSH DE
-        CALL convert_type
-        POP DE
-        JR _store
-_string:
-        CALL assign_string
-        POP HL
-        RET
-
-; Converts the accumulator.
-; In:   B type
-; Out:  A type
-; Uses: all
-convert_type:
-        LD A,(NUMBER_TYPE)
-        CP B
-        RET Z
         LD A,B
         CP TYPE_STRING
         JP Z,error_tm
-        PUSH AF
-        CALL _to
-        POP AF
-        RET
-_to:
-        JP C,to_integer
-        CP TYPE_DOUBLE
-        JP Z,to_double
-        JP to_single
+        PUSH DE
+        CALL convert
+        POP DE
+        JR _store
 
 ; In:   HL text
 ; Out:  DE -32768 to 32767, HL behind
@@ -151,14 +129,13 @@ stmt_defdbl:
         LD B,TYPE_DOUBLE
 define_types:
         CALL _letter
-        LD C,A
-        LD A,(HL)
+        LD C,E
         CP TOKEN_MINUS
-        LD A,C
         JR NZ,_last
         RST 10h
         CALL _letter
 _last:
+        LD A,E
         SUB C                   ; count - 1
         JP C,error_sn
         PUSH HL
@@ -175,16 +152,15 @@ _type:
         RET NZ
         RST 10h
         JR define_types
-; Out:  A low address of the letter's type
+; Out:  E low address of the letter's type, A next character
 _letter:
         LD A,(HL)
         SUB 'A'
         CP 26
         JP NC,error_sn
         INC A                   ; LETTER_TYPES begins at 01
-        PUSH AF
+        LD E,A
         RST 10h
-        POP AF
         RET
 
 ; SWAP variable, variable
@@ -224,18 +200,15 @@ stmt_clear:
         LD HL,(MEMORY_TOP)
         OR A
         SBC HL,DE
-        JR C,_none
+        JP C,error_om
         EX DE,HL
         LD HL,(PROGRAM_END)
         LD BC,CLEAR_ROOM
         ADD HL,BC
-        JR C,_none
         SBC HL,DE
-        JR NC,_none
+        JP NC,error_om
         LD (STRING_SPACE),DE
         POP HL
 _clear:
         CALL clear_variables
         RET                     ; to the address that it left there
-_none:
-        JP error_om

@@ -58,15 +58,8 @@ func_mem:
 func_varptr:
         RST 08h
         DEFB '('
-        CALL variable_name
-        CP '('
-        JR NZ,_simple
-        CALL find_element
-        JR _found
-_simple:
-        CALL search_simple
+        CALL search_variable
         JP NZ,error_fc
-_found:
         EX DE,HL
         CALL set_integer
         EX DE,HL
@@ -83,13 +76,12 @@ func_usr:
 func_inkey:
         LD A,(INKEY_CODE)
         OR A
-        JR NZ,_key
-        CALL key_entry
-        OR A
-        JP Z,empty_string
-_key:
+        CALL Z,key_entry
         LD C,A
         XOR A
         LD (INKEY_CODE),A
+        CP C
         LD A,C
-        JP character_string
+        LD C,0
+        RL C                    ; no character for no key
+        JP equal_characters

@@ -15,60 +15,57 @@ reset_temporaries:
 
 ; Room for a new string.
 ; In:   A length
-; Out:  DE first character; STRING_WORK describes it; OS error if there is no room
+; Out:  DE first character, BC length; STRING_WORK describes it; OS error if there is no room
 ; Uses: all but IX, IY
 make_string:
         LD (STRING_WORK),A
         LD C,A
-        LD B,0
+        XOR A
+        LD B,A
         CALL _take
-        RET NC
         PUSH BC
         CALL collect_garbage
         POP BC
         CALL _take
-        RET NC
         JP error_os
+; Goes back to the caller of make_string unless there is no room.
+; In:   no carry
 _take:
         LD HL,(STRING_POINTER)
-        OR A
         SBC HL,BC
         RET C
         LD DE,(STRING_SPACE)
         RST 18h
         RET C
+        POP DE
         LD (STRING_POINTER),HL
         INC HL
         LD (STRING_WORK + 1),HL
         EX DE,HL
         RET
 
-; A string of one character, as the value.
-; In:   A character
-; Out:  HL kept
-character_string:
+; Two strings made one.
+; In:   LEFT + 4 and ACCUMULATOR the addresses of their descriptors
+; Out:  accumulator
+; Uses: all but IX, IY
+join_strings:
+        LD HL,(LEFT + 4)
+        LD DE,(ACCUMULATOR)
+        LD A,(DE)
+        ADD A,(HL)
+        JP C,error_ls
         PUSH HL
-        PUSH AF
-        LD A,1
-        CALL make_string
-        POP AF
-        LD (DE),A
-        JR string_made
-
-; A copy of a text, as the value.
-; In:   HL text outside the string space, B characters
-; Out:  accumulator, HL kept
-copy_text:
-        PUSH HL
-        PUSH BC
-        LD A,B
+        PUSH DE
         PUSH HL
         CALL make_string
         POP HL
-        POP BC
-        LD C,B
-        LD B,0
-        CALL copy_bytes
+        CALL copy_string
+        POP HL
+        CALL move_string
+        POP HL
+        PUSH HL
+        CALL release
+; STRING_WORK as the value, and HL from the stack.
 string_made:
         POP HL
 ; STRING_WORK becomes a temporary and the value.
@@ -77,33 +74,16 @@ string_made:
 push_string:
         PUSH HL
         LD DE,(TEMP_POINTER)
-        LD A,E
-        CP LOW TEMP_END
+        LD HL,STRING_WORK       ; also the end of the temporaries
+        RST 18h
         JP Z,error_st
         LD (ACCUMULATOR),DE
-        LD HL,STRING_WORK
         LD BC,3
         LDIR
         LD (TEMP_POINTER),DE
         LD A,TYPE_STRING
         LD (NUMBER_TYPE),A
         POP HL
-        RET
-
-; The characters of a string.
-; In:   HL descriptor, DE where the characters go
-; Out:  DE behind them
-; Uses: AF, BC, HL
-copy_string:
-        LD C,(HL)
-        LD B,0
-        CALL following_word
-; LDIR that also moves nothing.
-copy_bytes:
-        LD A,B
-        OR C
-        RET Z
-        LDIR
         RET
 
 ; A string between quotes, not copied.
@@ -123,9 +103,10 @@ literal_string:
 ; Uses: all but IX, IY
 text_string:
         LD (STRING_WORK + 1),HL
-        LD E,0
+        LD E,-1
         DEC HL
 _next:
+        INC E
         INC HL
         LD A,(HL)
         OR A
@@ -133,9 +114,7 @@ _next:
         CP B
         JR Z,_end
         CP C
-        JR Z,_end
-        INC E
-        JR _next
+        JR NZ,_next
 _end:
         LD A,E
         LD (STRING_WORK),A
@@ -172,6 +151,23 @@ _end:
         POP HL
         RET
 
+; A copy of a string, which is given up.
+; In:   HL descriptor
+; Out:  STRING_WORK describes the copy
+; Uses: all but IX, IY
+duplicate_string:
+        PUSH HL
+        LD A,(HL)
+        CALL make_string
+        POP HL
+; Copies the characters of a string and gives it up.
+; In:   HL descriptor, DE where the characters go
+; Out:  DE behind them
+; Uses: AF, BC, HL
+move_string:
+        PUSH HL
+        CALL copy_string
+        POP HL
 ; Gives up a descriptor if it is the newest temporary.
 ; In:   HL descriptor
 ; Out:  Z if so
@@ -184,16 +180,33 @@ release:
         DEC DE
         RST 18h
         JR NZ,_other
-        LD (TEMP_POINTER),DE
+        LD (TEMP_POINTER),HL
 _other:
         POP DE
         RET
 
-; The string in the accumulator into a variable. Characters in the program text stay there, those
-; of a temporary change hands, others are copied.
-; In:   DE variable
-; Uses: all but IX, IY
-assign_string:
+; The characters of a string.
+; In:   HL descriptor, DE where the characters go
+; Out:  DE behind them
+; Uses: AF, BC, HL
+copy_string:
+        LD C,(HL)
+        LD B,0
+        CALL following_word
+; LDIR that also moves nothing.
+copy_bytes:
+        LD A,B
+        OR C
+        RET Z
+        LDIR
+        RET
+
+; A string as a variable may own it: characters in the program text stay there, those of a temporary
+; change hands, others are copied.
+; In:   ACCUMULATOR descriptor
+; Out:  ACCUMULATOR descriptor, given up; DE kept
+; Uses: AF, BC, HL
+own_string:
         PUSH DE
         LD HL,(ACCUMULATOR)
         PUSH HL
@@ -203,66 +216,28 @@ assign_string:
         INC HL
         LD D,(HL)
         OR A
-        JR Z,_take              ; nothing to copy
-        LD HL,(PROGRAM_END)
-        RST 18h
-        JR C,_outside
+        JR Z,_own               ; nothing to copy
         LD HL,(PROGRAM_START)
         RST 18h
-        JR C,_take
-        JR Z,_take
+        JR NC,_copy
+        LD HL,(PROGRAM_END)
+        RST 18h
+        JR NC,_own
+        POP HL
+        PUSH HL
+        CALL release
+        JR Z,_own
 _copy:
         POP HL
-        PUSH HL
-        LD A,(HL)
-        CALL make_string
-        POP HL
-        PUSH HL
-        CALL copy_string
-        POP HL
-        CALL release
+        CALL duplicate_string
         LD HL,STRING_WORK
-        JR _store
-_outside:
-        POP HL
+        LD (ACCUMULATOR),HL
         PUSH HL
-        CALL release
-        JR NZ,_copy
-_take:
+_own:
         POP HL
         CALL release
-_store:
         POP DE
-        LD BC,3
-        LDIR
         RET
-
-; Two strings made one.
-; In:   LEFT + 4 and ACCUMULATOR the addresses of their descriptors
-; Out:  accumulator
-; Uses: all
-join_strings:
-        LD HL,(LEFT + 4)
-        LD DE,(ACCUMULATOR)
-        LD A,(DE)
-        ADD A,(HL)
-        JP C,error_ls
-        PUSH DE
-        PUSH HL
-        CALL make_string
-        POP HL
-        PUSH HL
-        CALL copy_string
-        POP BC
-        POP HL
-        PUSH BC
-        PUSH HL
-        CALL copy_string
-        POP HL
-        CALL release
-        POP HL
-        CALL release
-        JP push_string
 
 ; Two strings compared.
 ; In:   LEFT + 4 and ACCUMULATOR the addresses of their descriptors
@@ -280,150 +255,226 @@ compare_strings:
         INC HL
         LD D,(HL)
         POP HL
+        INC B
+        INC C
 _next:
-        LD A,B
-        OR A
+        DEC B
         JR Z,_ended
-        LD A,C
-        OR A
+        DEC C
         JR Z,_greater
         LD A,(DE)
-        SUB (HL)
-        JR NZ,_differ
+        CP (HL)
         INC HL
         INC DE
-        DEC B
-        DEC C
-        JR _next
-_ended:
-        SUB C
-        RET Z                   ; both at their end
-_differ:
+        JR Z,_next
         SBC A,A
         RET C
 _greater:
         LD A,1
         RET
+_ended:
+        XOR A
+        DEC C
+        RET Z                   ; both at their end
+        DEC A
+        RET
 
-; Brings all strings in use together at the top of the string space: again and again the highest
-; one that has not been moved yet.
-; Uses: all but IX, IY
+; Stops the statement that is being worked on if BREAK is down. CONT begins it again, so it must not
+; have done anything yet that it may not do twice.
+; Uses: AF
+poll_statement:
+        CALL test_break
+        RET Z
+        LD SP,(SAVED_STACK)
+        LD HL,(STATEMENT)
+        JP stop_run
+
+; Brings all strings in use together at the top of the string space, from the highest one down. The
+; string space is worked on in windows, each with a table in the free memory that has a word for
+; each of its bytes: the address of the descriptor of the string that begins there, or 0. BREAK ends
+; it between two strings: what has been moved stays, and the space below it is not given back yet.
+; Out:  no carry
+; Uses: all but IX, IY; OM error if there is next to no stack
 collect_garbage:
+        PUSH IX
         LD HL,(MEMORY_TOP)
-_next:
-        LD (STRING_POINTER),HL
-        LD HL,(STRING_SPACE)
-        LD (COLLECT_BEST),HL
-        LD HL,0
-        LD (COLLECT_OWNER),HL
-        LD HL,TEMPORARIES
-_temporary:
-        LD DE,(TEMP_POINTER)
+        LD (COLLECT_TOP),HL
+        LD (COLLECT_NEXT),HL
+_window:
+        LD HL,-COLLECT_STACK
+        ADD HL,SP
+        LD DE,(FREE_SPACE)
+        OR A
+        SBC HL,DE
+        JP C,error_om
+        SRL H
+        RR L
+        INC HL
+        LD A,COLLECT_PAGES
+        CP H
+        JR NC,_fits
+        LD H,A
+_fits:
+        EX DE,HL                ; bytes for which there is room
+        LD HL,(COLLECT_TOP)
+        LD BC,(STRING_POINTER)
+        OR A
+        SBC HL,BC               ; bytes left
+        JP Z,_end
         RST 18h
-        JR Z,_simple
-        CALL _look
-        JR _temporary
-_simple:
+        JR C,_last
+        EX DE,HL
+_last:
+        PUSH HL
+        POP IX
+        EX DE,HL
+        LD HL,(COLLECT_TOP)
+        OR A
+        SBC HL,DE
+        LD (COLLECT_TOP),HL     ; now the byte below the window
+        PUSH HL
+        EX DE,HL
+        ADD HL,HL
+        LD B,H
+        LD C,L
+        LD HL,(FREE_SPACE)
+        XOR A
+        CALL fill_memory
+        POP BC
+        INC BC
+        LD HL,TEMPORARIES
+        LD DE,(TEMP_POINTER)
+        CALL _descriptors
         LD HL,(PROGRAM_END)
 _variable:
-        LD DE,(ARRAYS)
-        RST 18h
-        JR Z,_array
-        LD A,(HL)
-        INC HL
-        INC HL
-        INC HL
-        CP TYPE_STRING
-        JR NZ,_number
-        CALL _look
-        JR _variable
-_number:
-        LD E,A
-        LD D,0
-        ADD HL,DE
-        JR _variable
-_array:
         LD DE,(FREE_SPACE)
         RST 18h
-        JR Z,_found
+        JR Z,_move
+        LD DE,(ARRAYS)
+        RST 18h
         LD A,(HL)
         INC HL
         INC HL
         INC HL
+        LD E,A
+        LD D,0
+        JR C,_simple
         LD E,(HL)
         INC HL
         LD D,(HL)
         INC HL
-        PUSH HL
-        ADD HL,DE
-        EX (SP),HL
-        POP DE                  ; end of the array
-        CP TYPE_STRING
-        JR Z,_sizes
-        EX DE,HL
-        JR _array
-_sizes:
+        PUSH BC
         LD C,(HL)
         LD B,0
+        EX DE,HL
+        ADD HL,DE
+        EX DE,HL
         INC HL
         ADD HL,BC
         ADD HL,BC
-_element:
-        RST 18h
-        JR Z,_array
-        PUSH DE
-        CALL _look
-        POP DE
-        JR _element
-_found:
-        LD HL,(COLLECT_OWNER)
-        LD A,H
-        OR L
-        RET Z
+        POP BC
+        JR _type
+_simple:
+        EX DE,HL
+        ADD HL,DE
+        EX DE,HL
+_type:
+        CP TYPE_STRING
+        CALL Z,_descriptors
+        EX DE,HL
+        JR _variable
+_move:
+        PUSH IX
+        POP HL
+        ADD HL,HL
+        ADD HL,DE               ; from the end of the table down
+_entry:
+        DEC HL
+        LD D,(HL)
+        DEC HL
+        LD A,D
+        OR A
+        JR Z,_empty
+        LD E,(HL)
         PUSH HL
+        EX DE,HL
+        LD D,(HL)
+        DEC HL
+        LD E,(HL)
+        DEC HL
         LD C,(HL)
         LD B,0
-        LD HL,(COLLECT_BEST)
+        PUSH HL
+        EX DE,HL
         ADD HL,BC
         DEC HL
-        LD DE,(STRING_POINTER)
+        LD DE,(COLLECT_NEXT)
         LDDR
+        LD (COLLECT_NEXT),DE
         POP HL
-        INC HL
         INC DE
+        INC HL
         LD (HL),E
         INC HL
         LD (HL),D
-        EX DE,HL
-        DEC HL
-        JP _next
-; Takes the string as the highest if it lies between COLLECT_BEST and STRING_POINTER.
-; In:   HL descriptor
-; Out:  HL behind it
-; Uses: AF, DE
-_look:
+        POP HL
+_empty:
+        LD A,(FREE_SPACE)
+        CP L
+        JR NZ,_entry
+        CALL poll_statement
+        LD A,(FREE_SPACE + 1)
+        CP H
+        JR NZ,_entry
+        JP _window
+_end:
+        LD HL,(COLLECT_NEXT)
+        LD (STRING_POINTER),HL
+        POP IX
+        RET
+
+; Puts descriptors of strings that begin in the window into the table.
+; In:   HL first one, DE end; BC first byte of the window, IX its size
+; Out:  HL and DE end, BC kept
+; Uses: AF
+_descriptors:
+        LD (COLLECT_END),DE
+        JR _next
+_descriptor:
         LD A,(HL)
         INC HL
         LD E,(HL)
         INC HL
         LD D,(HL)
-        INC HL
+        EX DE,HL
         OR A
-        RET Z
-        PUSH HL
-        LD HL,(STRING_POINTER)
-        RST 18h
-        JR C,_not
-        LD HL,(COLLECT_BEST)
-        RST 18h
-        JR NC,_not
-        LD (COLLECT_BEST),DE
-        POP HL
-        PUSH HL
-        DEC HL
-        DEC HL
-        DEC HL
-        LD (COLLECT_OWNER),HL
-_not:
-        POP HL
+        JR Z,_skip
+        SBC HL,BC
+        JR C,_skip
+        LD A,L
+        SUB IXL
+        LD A,H
+        SBC A,IXH
+        JR NC,_skip
+        ADD HL,HL
+        PUSH BC
+        LD BC,(FREE_SPACE)
+        ADD HL,BC
+        POP BC
+        LD (HL),E
+        INC HL
+        LD (HL),D               ; where the address in the descriptor ends
+_skip:
+        EX DE,HL
+        INC HL
+_next:
+        LD A,(COLLECT_END)
+        CP L
+        JR NZ,_descriptor
+        CALL poll_statement        ; each 256 descriptors, or more often
+        LD A,(COLLECT_END + 1)
+        CP H
+        JR NZ,_descriptor
+        LD D,H
+        LD E,L
         RET

@@ -1,35 +1,13 @@
 ; Functions of strings.
 
-func_len:
-        CALL take_string
-        JP set_byte
-
-func_asc:
-        CALL take_string
-        OR A
-        JP Z,out_of_values
-        LD A,(DE)
-        JP set_byte
-
-func_chr:
-        CALL value_byte
-        JP character_string
-
 func_str:
         CALL check_number
         CALL format_number
-; In:   HL text ended by 0
-; Out:  a copy as the value
-        LD B,-1
-        PUSH HL
-        XOR A
-_length:
-        INC B
-        CP (HL)
-        INC HL
-        JR NZ,_length
-        POP HL
-        JP copy_text
+        LD BC,0
+        CALL text_string
+        LD HL,(ACCUMULATOR)
+        CALL duplicate_string
+        JP push_string
 
 ; VAL(text): reads the number from a copy that a 0 ends, in the free space.
 func_val:
@@ -50,12 +28,6 @@ _fits:
         CALL skip_blanks
         JP parse_number
 VAL_LENGTH      EQU 40
-
-; Out:  an empty string as the value; HL kept
-empty_string:
-        XOR A
-        LD (STRING_WORK),A
-        JP push_string
 
 ; LEFT$(text, length), RIGHT$(text, length), MID$(text, start [, length])
 ; In:   HL text behind the word
@@ -101,24 +73,22 @@ close_part:
         LD D,A
 _inside:
         CP E
-        JR NC,_long_enough
-        LD E,A
-_long_enough:
-        PUSH DE
+        JR C,_rest
         LD A,E
+_rest:
+        PUSH DE
         CALL make_string        ; may move the characters, not the descriptor
-        POP BC
         POP HL
-        PUSH HL
-        CALL following_word
-        LD A,C
-        LD C,B
-        LD B,0
-        ADD HL,BC
-        LD C,A
-        CALL copy_bytes
-        POP HL
+        EX (SP),HL
         CALL release
+        CALL following_word
+        POP AF
+        ADD A,L
+        LD L,A
+        ADC A,H
+        SUB L
+        LD H,A
+        CALL copy_bytes
         JP string_made
 
 ; Reads '(' text ',' byte.
@@ -138,6 +108,35 @@ string_and_byte:
 out_of_values:
         JP error_fc
 
+func_len:
+        CALL take_string
+byte_value:
+        JP set_byte
+
+func_asc:
+        CALL first_character
+        JR byte_value
+
+; Out:  A first character of the string in the accumulator, Z; FC error if it has none
+first_character:
+        CALL take_string
+        OR A
+        JR Z,out_of_values
+        LD A,(DE)
+        CP A
+        RET
+
+func_chr:
+        CALL value_byte
+; A string of equal characters, as the value.
+; In:   A character, C length unless it is 1
+; Out:  HL kept
+character_string:
+        LD C,1
+equal_characters:
+        PUSH HL
+        JR fill_string
+
 ; STRING$(length, code or text)
 func_string:
         RST 08h
@@ -152,21 +151,14 @@ func_string:
         EX (SP),HL              ; L length
         PUSH HL
         RST 20h
-        JR Z,_text
-        CALL value_byte
-        JR _fill
-_text:
-        CALL take_string
-        OR A
-        JR Z,out_of_values
-        LD A,(DE)
-_fill:
+        CALL Z,first_character
+        CALL NZ,value_byte
         POP BC
+; In:   A character, C length, the text pointer on the stack
+fill_string:
         PUSH AF
         LD A,C
-        PUSH BC
         CALL make_string
-        POP BC
         POP AF
         INC C
 _next:

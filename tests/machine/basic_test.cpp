@@ -31,7 +31,7 @@ TEST(BasicModels, RunTheSameCases) {
     for (const int slot : {1, 2}) {
         SCOPED_TRACE(slot);
         machine.boot(slot, trial_rom());
-        for (const char* table : {"numbers", "control", "strings", "listing"})
+        for (const char* table : {"words", "numbers", "control", "strings", "listing"})
             run_table(machine, table);
     }
 }
@@ -126,6 +126,30 @@ TEST(BasicArithmetic, AgreesWithTheHost) {
         for (size_t i = 0; i < sums.size(); ++i)
             EXPECT_NEAR(values[i], sums[i].value, sums[i].allowed()) << sums[i].text;
     }
+}
+
+// Strings are collected again and again. BREAK stops it anywhere, and nothing is lost.
+TEST(BasicBreak, IsSeenWithinStatements) {
+    BasicMachine machine;
+    machine.boot(0, trial_rom());
+    std::mt19937 random(5);
+    const auto press_break = [&] {
+        machine.platform().set_key(KEY_END, true);
+        for (int i = 0; i < 8; ++i) machine_run();
+        machine.platform().set_key(KEY_END, false);
+        return machine.screen().back() == ">";
+    };
+    machine.type("10 CLEAR 4000:DEFINT A-Z:DIM A$(200),N(200),Z((MEM-200)/2)\n"
+                 "20 FOR K=1 TO 600:I=RND(201)-1:N(I)=RND(30)-1\n"
+                 "30 A$(I)=\"\":A$(I)=STRING$(N(I),I):F=FRE(\"\"):NEXT\n"
+                 "40 FOR I=0 TO 200:IF A$(I)<>STRING$(N(I),I) THEN PRINT \"LOST\"\n"
+                 "50 NEXT:PRINT \"DONE\"\nRUN\n",
+                 250);
+    do EXPECT_TRUE(press_break()) << join(machine.screen());
+    while (!machine.type("CLS:CONT\n", 60 + int(random() % 99)));
+    EXPECT_EQ(join(machine.screen()), "DONE\nREADY\n>\n");
+    machine.type("FGR:PAINT 80,48,2,3\n", 40);
+    EXPECT_TRUE(press_break());
 }
 
 class BasicTable : public testing::TestWithParam<std::string> {};
