@@ -10,7 +10,7 @@ STEP_MAJOR      EQU 4328h       ; line: what a step adds to a point, always and 
 STEP_MINOR      EQU 432Ah
 CENTRE          EQU 4328h       ; circle: column, row
 BORDER          EQU 4328h       ; fill: pattern of the border
-SPAN            EQU 432Ah       ; fill: first column of a span and the one behind it
+SPAN            EQU 432Ah       ; fill: first and last column of a span
 FKEY_NEXT       EQU 432Ch       ; next character that a function key types, or 0
 FKEY_TEXTS      EQU 4330h       ; eight texts, each ended by 0
 FKEY_END        EQU 4380h

@@ -5,7 +5,8 @@
 ;
 ; A list of seeds on the stack: each is a point from which a span to both sides is filled, and each
 ; run of open pixels right above and below the span leaves a seed. OM error when the list would meet
-; the variables.
+; the variables. To the right, four pixels of one colour in one byte are looked at as one wide
+; pixel; where a span ends within it, the rest of it belongs to the same run.
 stmt_paint:
         CALL get_point
         PUSH DE
@@ -18,6 +19,7 @@ stmt_paint:
         LD HL,0FFFFh
         PUSH HL                 ; ends the list
 _seed:
+        CALL poll_statement
         CALL pixel_address
         CALL _is_open
         JR Z,_next_seed
@@ -38,19 +40,17 @@ _first:
         LD A,E
         LD (SPAN),A
 _fill:
-        LD A,(PEN)
-        XOR (HL)
-        AND C
+        CALL _unlike_pen
         XOR (HL)
         LD (HL),A
         CALL _step_right
-        LD A,E
         CP PLOT_WIDTH
         JR Z,_filled
         CALL _is_open
         JR NZ,_fill
-_filled:
         LD A,E
+_filled:
+        DEC A
         LD (SPAN + 1),A
         DEC D
         CALL _leave_seeds
@@ -74,23 +74,21 @@ _leave_seeds:
         LD A,(SPAN)
         LD E,A
         CALL pixel_address
-        LD B,0                  ; 1 within a run
+        LD B,1                  ; else within a run
         JR NC,_end
 _look:
         CALL _is_open
-        LD A,B
-        LD B,0
-        JR Z,_go_on
-        INC B
-        OR A
-        JR NZ,_go_on
+        JR NZ,_open
+        LD B,2
+_open:
+        DJNZ _go_on
         CALL check_stack
         PUSH DE                 ; the first of a run
 _go_on:
         CALL _step_right
         LD A,(SPAN + 1)
         CP E
-        JR NZ,_look
+        JR NC,_look
 _end:
         JP (IX)
 
@@ -102,6 +100,7 @@ _is_open:
         XOR (HL)
         AND C
         RET Z
+_unlike_pen:
         LD A,(PEN)
         XOR (HL)
         AND C
@@ -109,13 +108,30 @@ _is_open:
 
 ; One pixel to the right.
 ; In, out: E column, HL address, C mask
+; Out:  A column
 ; Uses: F
 _step_right:
+        LD A,E
+        ADD A,4
+        INC C
+        JR Z,_byte
+        DEC C
         INC E
+        LD A,E
         RRC C
         RRC C
         RET NC
+_byte:
+        LD E,A
         INC HL
+        LD A,(HL)
+        RRCA
+        RRCA
+        XOR (HL)
+        LD C,0FFh
+        LD A,E
+        RET Z
+        LD C,0C0h
         RET
 
 ; SCALE n: every move of a shape is made n times, 1 to 255.
@@ -134,16 +150,15 @@ stmt_scale:
 ;   bits 2-0  direction: 0 up, then clockwise in eighths: 2 right, 4 down, 6 left
 ;   bits 6-3  count 1 to 15
 ;   bit 7     the pen is up: move without drawing
-stmt_xshape:
-        LD C,0
-        JR coloured_shape
 stmt_nshape:
         LD C,0FFh
         XOR A
         JR draw_shape
+stmt_xshape:
+        LD C,0
+        DEFB SKIP_TWO
 stmt_shape:
         LD C,0FFh
-coloured_shape:
         LD A,(DRAW_COLOUR)
 draw_shape:
         CALL set_pen_mode
