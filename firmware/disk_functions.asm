@@ -183,7 +183,7 @@ _argument:
         JP NZ,fail_function
         PUSH DE
         PUSH BC
-        CALL convert_type
+        CALL convert_value
         CP TYPE_STRING
         CALL Z,own_temporary
         EXX
@@ -240,7 +240,7 @@ _whole:
         INC HL
         INC HL
         LD B,(HL)
-        CALL convert_type
+        CALL convert_value
         CP TYPE_STRING
         JR NZ,_restore
         CALL own_temporary
@@ -464,7 +464,7 @@ function_mks:
         DEFB SKIP_TWO
 function_mkd:
         LD B,TYPE_DOUBLE
-        CALL convert_type
+        CALL convert_value
         LD HL,(DISK_AREA)
         PUSH HL
         PUSH AF
@@ -478,14 +478,11 @@ function_mkd:
 ; In:   B type
 ; Out:  A type
 ; Uses: all
-convert_type:
+convert_value:
         LD A,(NUMBER_TYPE)
         CP B
         RET Z
-        LD A,B
-        CP TYPE_STRING
-        JP NZ,convert
-        JP error_tm
+        JP convert_type
 ; CVI, CVS, CVD: and back.
 function_cvi:
         LD B,TYPE_INTEGER

@@ -2,7 +2,7 @@
 # images in SYMBOLS. One disk ROM serves all images, so the addresses must be the same in each.
 set(names
     acc_from_hl acc_to_hl assign call_function capital check_room check_stack clear_variables
-    close_gap convert copy_string detokenize direct_mode empty_program
+    close_gap convert_type copy_string detokenize direct_mode empty_program
     end_with_text error_fc error_id error_ls error_ov error_sn error_tm eval eval_string
     find_line find_variable get_address get_byte get_column get_integer line_number list_number
     make_simple make_string new_row new_statement open_gap parse_number print_entry

@@ -40,13 +40,23 @@ _other:
         POP HL
         RET
 _convert:
-        LD A,B
-        CP TYPE_STRING
-        JP Z,error_tm
         PUSH DE
-        CALL convert
+        CALL convert_type
         POP DE
         JR _store
+
+; Converts the accumulator to another type.
+; In:   B type, not the accumulator's if it is a string
+; Out:  A type
+; Uses: all
+convert_type:
+        LD A,B
+        CP TYPE_STRING
+        JP C,to_integer
+        JP Z,error_tm
+        CP TYPE_DOUBLE
+        JP Z,to_double
+        JP to_single
 
 ; In:   HL text
 ; Out:  DE -32768 to 32767, HL behind

@@ -10,6 +10,7 @@
 ;   get_address     HL text -> DE -32768 to 65535
 ;   find_variable   HL name -> DE value address (made if absent), B = NUMBER_TYPE = type, HL behind
 ;   assign          DE value address, B type: takes the accumulator, converted; HL kept
+;   convert_type    B type: converts the accumulator to it, from another one
 ;   literal_string  HL opening quote -> accumulator, HL behind the closing one
 ;   text_string     HL first character, B and C two characters that end it (0 always does)
 ;                   -> accumulator (temporary), HL at the end

@@ -33,8 +33,8 @@ DEFAULT_COLOUR  EQU 0
 
         ORG 0000h
         INCLUDE vectors.asm
-        INCLUDE lineio.asm
         INCLUDE words_screen.asm
+        INCLUDE expr_functions.asm
 
         fill_to 01C9h
         JP clear_text_screen
@@ -43,46 +43,46 @@ DEFAULT_COLOUR  EQU 0
 ; 01ED-0280: cassette. An emulator may put traps at 01EE, 01FB, 0221, 023F and 0264, so nothing
 ; else may live here.
         INCLUDE cassette.asm
-        INCLUDE math_text.asm
         INCLUDE control_lines.asm
-        INCLUDE tape_commands.asm
-        INCLUDE words_keys.asm
+        INCLUDE graphics.asm
+        INCLUDE expr_eval.asm
+        INCLUDE math_single.asm
 
         INCLUDE entries.asm
+        INCLUDE math_text.asm
+        INCLUDE tape_commands.asm
+        INCLUDE words_keys.asm
         INCLUDE math_arithmetic.asm
-        INCLUDE math_double.asm
         INCLUDE math_print.asm
-        INCLUDE graphics.asm
-        INCLUDE variables.asm
-        INCLUDE expr_eval.asm
-        INCLUDE math_circle.asm
-        INCLUDE control_run.asm
+        INCLUDE math_core.asm
+        INCLUDE start.asm
+        INCLUDE tokens.asm
 
         fill_to 1A19h
         JP ready
-        INCLUDE math_using.asm
+        INCLUDE variables.asm
         INCLUDE words_sound.asm
         INCLUDE print_using.asm
-        INCLUDE control_edit.asm
-        INCLUDE math_core.asm
-        INCLUDE strings.asm
         INCLUDE control_input.asm
-        INCLUDE math_single.asm
-        INCLUDE start.asm
-
-        fill_to 28A7h
-        JP print_text
         INCLUDE control_loops.asm
-        INCLUDE screen.asm
-        INCLUDE expr_assign.asm
-        INCLUDE words_graphics.asm
-        INCLUDE expr_functions.asm
         INCLUDE control_renum.asm
-        INCLUDE words_paint.asm
-        INCLUDE strings_functions.asm
         INCLUDE control_errors.asm
         INCLUDE keyboard.asm
         INCLUDE print.asm
+        INCLUDE math_extended.asm
+
+        fill_to 28A7h
+        JP print_text
+        INCLUDE lineio.asm
+        INCLUDE math_double.asm
+        INCLUDE math_circle.asm
+        INCLUDE math_using.asm
+        INCLUDE control_edit.asm
+        INCLUDE screen.asm
+        INCLUDE expr_assign.asm
+        INCLUDE words_graphics.asm
+        INCLUDE words_paint.asm
+        INCLUDE strings_functions.asm
         INCLUDE control_list.asm
 
         fill_to 3852h
@@ -93,7 +93,7 @@ DEFAULT_COLOUR  EQU 0
         fill_to 38A9h
         JP show_graphics
         JP show_text            ; 38AC
+        INCLUDE control_run.asm
+        INCLUDE strings.asm
         INCLUDE math_functions.asm
-        INCLUDE math_extended.asm
-        INCLUDE tokens.asm
         fill_to 4000h
