@@ -1,6 +1,5 @@
 #include "basic_cases.h"
 
-#include "core/frame_driver.h"
 #include "support/basic_machine.h"
 #include "support/test_files.h"
 
@@ -172,24 +171,6 @@ TEST(BasicExamples, RunFromTheirText) {
         EXPECT_EQ(screen.find("ERROR"), std::string::npos) << name << "\n" << screen;
         EXPECT_NE(machine.screen().back(), ">") << name << " does not run";
     }
-}
-
-// Text of a function key comes in as if it were typed.
-TEST(BasicKeys, FunctionKeysTypeTheirTexts) {
-    BasicMachine machine;
-    machine.boot(0, trial_rom());
-    machine.type("FKEY 2=\"PRINT 6*7+\"\nFKEY 6=\"PRINT 8*8+\"\nCLS\n");
-    const auto press = [&](bool shifted) {
-        machine.platform().set_key(KEY_SHIFT, shifted);
-        machine.platform().set_key(KEY_F2, true);
-        for (int i = 0; i < 5; ++i) machine_run();
-        machine.platform().set_key(KEY_F2, false);
-        machine.platform().set_key(KEY_SHIFT, false);
-        for (int i = 0; i < 10; ++i) machine_run();
-    };
-    press(false);
-    press(true);
-    EXPECT_EQ(join(machine.screen()), "READY\n>PRINT 6*7\n 42\nREADY\n>PRINT 8*8\n 64\nREADY\n>\n");
 }
 
 std::vector<std::string> tables() {

@@ -142,6 +142,11 @@ TEST_F(Firmware, EchoesAndStoresWhatIsTyped) {
     EXPECT_EQ(row(13), "READY") << "BREAK";
     press({'X', KEY_HOME, 'N'});
     EXPECT_EQ(row(0), "N") << "CLEAR";
+    shift(true);
+    press({KEY_F2}); // F6
+    shift(false);
+    press({KEY_F4});
+    EXPECT_EQ(row(0), "NCSAVE\"EDIT");
 }
 
 TEST_F(Firmware, RepeatsAHeldKeyAndLosesNoneOfThree) {
