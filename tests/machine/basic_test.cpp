@@ -1,5 +1,6 @@
 #include "basic_cases.h"
 
+#include "core/frame_driver.h"
 #include "support/basic_machine.h"
 #include "support/test_files.h"
 
