@@ -16,7 +16,8 @@ FIRST_RELATION  EQU TOKEN_GREATER - TOKEN_PLUS
 eval_number:
         CALL eval
 ; TM error unless the accumulator holds a number.
-; Uses: AF
+; Out:  A type, carry for an integer
+; Uses: F
 check_number:
         LD A,(NUMBER_TYPE)
         CP TYPE_STRING

@@ -97,9 +97,7 @@ num_abs:
 ; Changes the sign of the accumulator.
 ; Uses: AF, BC, DE, HL
 num_negate:
-        LD A,(NUMBER_TYPE)
-        CP TYPE_STRING
-        JP Z,error_tm
+        CALL check_number
         JR NC,flip_sign
         LD HL,(ACCUMULATOR)
         CALL negate_hl
@@ -117,10 +115,8 @@ flip_sign:
 ; Uses: AF, BC, HL
 num_fix:
         LD E,0
-        LD A,(NUMBER_TYPE)
-        CP TYPE_STRING
+        CALL check_number
         RET C
-        JP Z,error_tm
         LD HL,ACCUMULATOR
         LD C,24
         CP TYPE_DOUBLE
@@ -174,15 +170,18 @@ _fraction:
 ; Uses: all
 num_int:
         LD A,(ACC_HIGH)
-        PUSH AF
+        LD D,A
         CALL num_fix
-        POP AF
-        AND 80h
+        BIT 7,D
         RET Z
         LD A,E
         OR A
         RET Z
-        CALL acc_to_left
+        LD A,(NUMBER_TYPE)
+        LD (LEFT_TYPE),A
+        LD HL,ACC_LOW
+        LD DE,LEFT
+        CALL copy_eight
         LD HL,-1
         CALL set_integer
 ; LEFT + accumulator

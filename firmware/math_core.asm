@@ -49,15 +49,6 @@ copy_two:
         LDI
         RET
 
-; Copies the accumulator and its type to the left operand.
-; Uses: AF, BC, DE, HL
-acc_to_left:
-        LD A,(NUMBER_TYPE)
-        LD (LEFT_TYPE),A
-        LD HL,ACC_LOW
-        LD DE,LEFT
-        JR copy_eight
-
 ; Copies the left operand and its type to the accumulator.
 ; Uses: AF, BC, DE, HL
 left_to_acc:

@@ -225,9 +225,8 @@ _suffix:
         JR Z,_given
         CP '%'
         JR Z,_given
-        LD A,B
-        CP 8
-        JR NC,_double
+        BIT 3,B
+        JR NZ,_double
         LD A,D
         OR A
         CALL _convert
@@ -347,9 +346,12 @@ _power:
         LD HL,powers_end
         ADD HL,DE
         PUSH HL
-        CALL acc_to_left
+        LD HL,ACCUMULATOR
+        LD DE,LEFT_SINGLE
+        CALL copy_four
         POP HL
-        CALL acc_from_hl
+        LD DE,ACCUMULATOR
+        CALL copy_four
         POP AF
         JP M,single_divide
         JP single_multiply
