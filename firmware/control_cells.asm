@@ -19,6 +19,7 @@ INKEY_CODE      EQU 4099h       ; a key already taken
 ERROR_CODE      EQU 409Ah       ; last error
 TRACE           EQU 409Bh       ; not 0 after TRON
 OUTPUT_DEVICE   EQU 409Ch       ; 0 screen, 1 printer, 80 cassette
+TAPE_ROOM       EQU 409Dh       ; PRINT#-1: characters that the record can still take, and one
 INPUT_SOURCE    EQU 409Dh       ; 0 READ, RETURN INPUT#-1, else INPUT
 PRINT_COLUMN    EQU 40A6h       ; of the printer
 ERROR_LINE      EQU 40EAh

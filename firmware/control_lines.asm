@@ -76,6 +76,7 @@ _changed:
 ; Uses: AF, HL
 reset_devices:
         CALL reset_temporaries
+; The screen is the device again, and AUTO is off.
 auto_off:
         XOR A
         LD (OUTPUT_DEVICE),A

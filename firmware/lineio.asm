@@ -91,14 +91,15 @@ step_back:
         OR H
         RET
 
-; 28A7: Shows a text.
+; 28A7: Text to the device.
 ; In:   HL text, ended by 0
 ; Out:  HL behind it
-; Uses: AF, DE
+; Uses: AF
 print_text:
+put_text:
         LD A,(HL)
         INC HL
         OR A
         RET Z
-        CALL print_entry
+        CALL put_character
         JR print_text

@@ -21,9 +21,7 @@ put_character:
         POP DE
         RET
 _other:
-        POP DE
-        JP M,write_byte
-        PUSH DE
+        JP M,put_on_tape
         PUSH AF
         CALL call_printer
         POP AF
@@ -40,17 +38,6 @@ _column:
         LD (PRINT_COLUMN),A
         POP DE
         RET
-
-; Text to the device.
-; In:   HL text ended by 0
-; Uses: AF, HL
-put_text:
-        LD A,(HL)
-        OR A
-        RET Z
-        CALL put_character
-        INC HL
-        JR put_text
 
 ; Column on the device.
 ; Out:  A; Z for the screen, else NZ, M for a cassette
@@ -106,9 +93,7 @@ _fits:
 print_last_row:
         CALL new_row
 print_end:
-        XOR A
-        LD (OUTPUT_DEVICE),A
-        RET
+        JP auto_off
 
 ; LPRINT list
 stmt_lprint:

@@ -154,11 +154,21 @@ print_to_tape:
         LD (DE),A
         CALL Z,write_leader     ; keeps the flags
         CALL NZ,write_record_leader
-        LD A,80h
-        LD (OUTPUT_DEVICE),A
+        LD DE,80h + (LINE_LENGTH + 1) * 256
+        LD (OUTPUT_DEVICE),DE   ; and TAPE_ROOM
         CALL print_list
         LD A,RETURN
         JP write_byte
+; In:   A character, DE of the caller on the stack
+; Out:  BC, DE, HL kept; LS error when the record is full
+put_on_tape:
+        POP DE
+        PUSH HL
+        LD HL,TAPE_ROOM
+        DEC (HL)
+        POP HL
+        JP NZ,write_byte
+        JP error_ls
 
 ; INPUT#-1,variable,variable ...: values from the next record.
 input_from_tape:

@@ -381,9 +381,9 @@ TEST_F(Cassette, SoundGoesRound) {
 TEST_F(Cassette, DataGoesRound) {
     for (const char* line :
          {"10 PRINT#-1,-.25,\"TOM\",CHR$(34)+\"A,B:C\"+CHR$(34):Q=EXP(SIN(1))", // and time passes
-          "20 FOR I=1 TO 2:PRINT#-1,I*1000;:NEXT:END",
-          "30 INPUT#-1,A,A$,B$:INPUT#-1,X:ON ERROR GOTO 40:INPUT#-1,Y,Z",
-          "40 PRINT A;A$;B$;X;Y;ERR/2+1:RESUME 50", "50 INPUT#-1,X"})
+          "20 FOR I=1 TO 2:PRINT#-1,I*1000;:NEXT:PRINT#-1,\"NO\":END",
+          "30 INPUT#-1,A,A$,B$:INPUT#-1,X:ON ERROR GOTO 60:INPUT#-1,Y,Z:INPUT#-1,Z",
+          "40 PRINT A;A$;B$;X;Y:INPUT#-1,X", "60 PRINT ERR/2+1;:RESUME NEXT"})
         obey(line);
     for (const bool sound : {false, true}) {
         if (sound) {
@@ -400,13 +400,14 @@ TEST_F(Cassette, DataGoesRound) {
         } else {
             const std::string leader = std::string(255, char(0xAA)) + '\x66';
             EXPECT_EQ(read_text(file("data.cas")), leader + "-.25 ,TOM,\"A,B:C\"\r\r" + leader +
-                                                       " 1000 \r" + leader + " 2000 \r");
+                                                       " 1000 \r" + leader + " 2000 \r" + leader +
+                                                       "NO\r\r");
             tape_cas_rewind();
         }
-        EXPECT_FALSE(obey("RUN 30", 600)) << "there is no fourth record";
+        EXPECT_FALSE(obey("RUN 30", 600)) << "there is no fifth record";
         press_break("INPUT#-1");
-        EXPECT_EQ(row_above(3), "-.25 TOMA,B:C 1000  2000  4") << sound;
-        EXPECT_EQ(row_above(2), "BREAK IN 50");
+        EXPECT_EQ(row_above(3), " 4  22 -.25 TOMA,B:C 1000  2000") << sound;
+        EXPECT_EQ(row_above(2), "BREAK IN 40");
     }
 }
 
