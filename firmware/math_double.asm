@@ -2,55 +2,76 @@
 
 DOUBLE_NEGLIGIBLE EQU 58
 
-; LEFT * accumulator, doubles
+; LEFT * accumulator, doubles, the lowest bit of LEFT first. The product stands in A:HL:HL':(SP), what
+; is shifted out of it takes the place of the bits in C.
 ; Uses: all
 double_multiply:
         CALL product_exponent
         PUSH AF
         CALL unpack_doubles
-        CALL clear_wide
-        EXX
-        LD HL,ACC_LOW
-        LD B,7
-        EXX
-_byte:
-        EXX
-        LD A,(HL)
-        INC HL
-        EXX
+        LD IX,LEFT - 1
+        LD IY,256 * 8
+_zero:
+        INC IXL                 ; bytes of 0 make no product
+        DEC IYH
+        LD A,(IX)
         OR A
-        JR Z,_skip
-        LD C,A
-        LD IXL,8
+        JR Z,_zero
+        LD HL,0
+        PUSH HL
+        CALL factor_to_registers
+        LD HL,0
+        XOR A
+_byte:
+        LD C,(IX)
+        INC IXL
+        LD IYL,8
 _bit:
-        SRL C
+        RR C
         JR NC,_shift
-        LD HL,WIDE + 1
-        LD DE,LEFT
-        LD B,7
-        CALL add_bytes
+        EXX
+        EX (SP),HL
+        ADD HL,BC
+        EX (SP),HL
+        ADC HL,DE
+        EXX
+        ADC HL,DE
+        ADC A,B
 _shift:
-        LD HL,WIDE + 7
-        LD B,8
-        CALL shift_bytes
-        DEC IXL
+        RRA
+        RR H
+        RR L
+        EXX
+        RR H
+        RR L
+        EX (SP),HL
+        RR H
+        RR L
+        EX (SP),HL
+        EXX
+        DEC IYL
         JR NZ,_bit
-_next:
-        EXX
-        DEC B
-        EXX
+        DEC IYH
         JR NZ,_byte
-        LD HL,WIDE
-        LD DE,ACC_GUARD
-        CALL copy_eight
+        RR C
+        LD (ACC_HIGH),A
+        LD (ACCUMULATOR),HL
+        LD A,C
+        LD (ACC_GUARD),A
+        EXX
+        LD (ACC_LOW + 2),HL
+        POP HL
+        LD (ACC_LOW),HL
         JR finish_product
-_skip:
-        LD HL,WIDE + 1
-        LD DE,WIDE
-        LD BC,7
-        LDIR
-        LD (DE),A
-        JR _next
+
+; Out:  B:DE:DE':BC' mantissa of the accumulator; registers exchanged
+factor_to_registers:
+        LD BC,(ACC_LOW)
+        LD DE,(ACC_LOW + 2)
+        EXX
+        LD DE,(ACCUMULATOR)
+        LD BC,(ACC_HIGH - 1)
+        RET
 
 ; LEFT / accumulator, doubles. The remainder stands in A:HL:HL':(SP), the divisor in B:DE:DE':BC'.
 ; Uses: all
@@ -61,12 +82,8 @@ double_divide:
         LD HL,(LEFT)
         PUSH HL
         LD HL,(LEFT + 2)
-        LD BC,(ACC_LOW)
-        LD DE,(ACC_LOW + 2)
-        EXX
+        CALL factor_to_registers
         LD HL,(LEFT_SINGLE)
-        LD DE,(ACCUMULATOR)
-        LD BC,(ACC_HIGH - 1)
         LD A,(LEFT_HIGH)
         LD IX,ACC_HIGH
         LD IY,8 * 256 + 8
@@ -233,7 +250,13 @@ _aligned:
         BIT 7,B
         LD B,8
         JR NZ,_subtract
-        CALL add_bytes
+_sum:
+        LD A,(DE)
+        ADC A,(HL)
+        LD (HL),A
+        INC HL
+        INC DE
+        DJNZ _sum
         JR NC,_round
         INC (HL)                ; exponent
         JR Z,overflow_double
@@ -300,19 +323,5 @@ shift_left_8:
 _byte:
         RL (HL)
         INC HL
-        DJNZ _byte
-        RET
-
-; B bytes at HL plus those at DE.
-; Out:  carry, HL behind
-; Uses: A, B, DE
-add_bytes:
-        OR A
-_byte:
-        LD A,(DE)
-        ADC A,(HL)
-        LD (HL),A
-        INC HL
-        INC DE
         DJNZ _byte
         RET
