@@ -6,26 +6,24 @@
 ; Out:  DIGITS, FIRST_EXPONENT
 ; Uses: AF, BC, DE, HL, IX
 make_digits:
+        LD A,(NUMBER_TYPE)
+        LD IXL,A                ; 4 or 8
+        INC A
+        LD B,A
         LD HL,DIGITS
-        LD B,9
         CALL clear_bytes
         CALL clear_wide
         LD A,(ACC_EXPONENT)
         SUB 1
         LD (FIRST_EXPONENT),A
         RET C
-        LD A,(NUMBER_TYPE)
-        LD IXL,A                ; 4 or 8
+        LD A,IXL
         DEC A
-        LD IXH,A
         LD C,A                  ; B is 0
         LD HL,ACC_HIGH
         LD DE,WIDE_TOP
         LDDR
-        CPL
-        AND 4
-        RRCA
-        ADD A,WIDE & 0FFh       ; singles: eight bytes are enough
+        LD A,E
         LD (WIDE_FIRST),A
         LD HL,WIDE_TOP
         SET 7,(HL)
@@ -82,7 +80,10 @@ _convert:
         LD DE,WIDE_TOP
         LD A,(DE)
         LD (HL),A               ; a digit already
+        LD IXH,2                ; one byte of digits more with each byte of the number
+        DEC IXL
 _byte:
+        INC IXH
         DEC DE
         LD A,(DE)
         SCF
@@ -90,31 +91,29 @@ _byte:
         LD C,A
 _bit:
         PUSH HL
-        LD B,IXL
-        INC B
+        LD B,IXH
 _double:
         LD A,(HL)
         ADC A,A
         DAA
         LD (HL),A
-        DEC HL
+        DEC L
         DJNZ _double
         POP HL
         SLA C
         JR NZ,_bit
-        DEC IXH
+        DEC IXL
         JR NZ,_byte
 _left:
         LD A,(DIGITS)           ; the first digit on top
         CP 10h
         RET NC
         PUSH HL
-        LD B,IXL
-        INC B
+        LD B,IXH
         XOR A
 _digit:
         RLD
-        DEC HL
+        DEC L
         DJNZ _digit
         LD HL,FIRST_EXPONENT
         DEC (HL)
