@@ -75,6 +75,7 @@ listing maze 54 ' '
 listing prelude 70
 listing bell 60 $'n\nw\ntake lamp\ntake bread\nhelp\n'
 listing sketch 60 ' '
+listing glyphs 60
 
 start_server 1024x768x24
 start_window_manager
