@@ -34,8 +34,8 @@ machine() {
 
 # listing NAME SECONDS [KEYS]: an example in BASIC, with keys that are typed behind its RUN
 listing() {
-    { cat "$examples/$1.bas" && printf '%s' "${3:-}"; } >"$1.bas"
-    machine "$1" "$2" "$1.bas"
+    { cat "$examples/$1.txt" && printf '%s' "${3:-}"; } >"$1.txt"
+    machine "$1" "$2" "$1.txt"
 }
 
 # picture NAME WINDOW: the window with its frame, and what stands in front of it
