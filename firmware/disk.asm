@@ -29,9 +29,11 @@ ROWS            EQU 25          ; unused here, the same code serves 24
         JP disk_probe
         INCLUDE disk_start.asm
         INCLUDE disk_drive.asm
+        INCLUDE disk_strings.asm
         INCLUDE disk_directory.asm
         INCLUDE disk_files.asm
         INCLUDE disk_chains.asm
+        INCLUDE disk_numbers.asm
         INCLUDE disk_programs.asm
         INCLUDE disk_data.asm
         INCLUDE disk_format.asm
