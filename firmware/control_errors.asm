@@ -80,23 +80,23 @@ raise_error:
 _direct:
         LD A,E
         CP ERR_OM
-        JR NZ,_report           ; STOP and BREAK keep loops and calls for CONT
+        JR NZ,_report           ; STOP and BREAK keep all for CONT
 ; Loops and calls end, and CONT cannot go on in them.
 _unhandled:
         POP BC
         PUSH BC
         LD A,C
         OR A
-        JR Z,_report            ; there are none
+        JR Z,_ended             ; there are none
         LD HL,(STRING_SPACE)
         DEC HL
         DEC HL
         LD (SAVED_STACK),HL
         XOR A
         LD (CONT_TEXT + 1),A
-_report:
-        XOR A
+_ended:
         LD (IN_HANDLER),A
+_report:
         CALL text_screen_row
         LD A,'?'
         CALL print_entry

@@ -86,11 +86,10 @@ key_pressed:
         LD A,(SHIFT_KEYS)
         LD C,A
         LD A,L
-        SUB LOW KEY_ROWS
         ADD A,A
         ADD A,A
         ADD A,A
-        DEC A
+        SUB LOW (KEY_ROWS * 8 + 1)
 _column:
         INC A                   ; row * 8 + column
         RRC D

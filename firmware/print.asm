@@ -69,18 +69,19 @@ new_row:
 ; Uses: all
 print_number:
         CALL format_number
-        LD A,(OUTPUT_DEVICE)
-        OR A
+        PUSH HL
+        CALL get_column
+        POP HL
         JR NZ,_fits
         PUSH HL
-        LD C,A
+        LD B,A
+        XOR A
 _length:
-        INC C
+        INC B
         CP (HL)
         INC HL
         JR NZ,_length
-        CALL get_column
-        ADD A,C                 ; with the blank behind
+        LD A,B                  ; with the blank behind
         CP COLUMNS + 1
         CALL NC,new_row
         POP HL

@@ -337,6 +337,8 @@ cmd_cload:
         CP TOKEN_PRINT          ; what the tokenizer makes of ?
         JR Z,compare_program
         CALL clear_variables
+        LD DE,0FFFFh
+        LD (CURRENT_LINE),DE    ; no program that CONT could go on with
         LD B,0
         DEC HL
         JR find_program
