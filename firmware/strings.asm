@@ -286,6 +286,7 @@ poll_statement:
         CALL test_break
         RET Z
         LD SP,(SAVED_STACK)
+        CALL auto_off           ; the message is for the screen
         LD HL,(STATEMENT)
         JP stop_run
 

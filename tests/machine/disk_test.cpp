@@ -318,6 +318,24 @@ TEST(Disk, FunctionsGiveVariablesTheirValuesBack) {
     EXPECT_EQ(run_basic_case(disk.machine, {0, program, {"RUN"}, {}}), rows);
 }
 
+/// While the strings of an argument are collected and the output goes to a file.
+TEST(Disk, BreakInAFunctionLeavesNothingOfIt) {
+    DiskMachine disk(0, 35, 10);
+    disk.rows("FORMAT\nY10 CLEAR 9999:DIM A$(900):DEF FNL(X,B$)=LEN(B$+STRING$(250,65)):X=7\n"
+              "20 FOR I=1 TO 900:A$(I)=STR$(I):NEXT:B$=\"B\"+A$(9):OPEN\"O\",1,\"X\"\n"
+              "30 PRINT#1,FNL(3,\"C\"+STR$(X));:GOTO 30\n");
+    disk.machine.type("RUN\n", 600);
+    for (int i = 0; i < 9; ++i) {
+        disk.machine.platform().set_key(KEY_END, true); // BREAK
+        EXPECT_TRUE(disk.machine.type("", 60)) << i;
+        disk.machine.platform().release_all_keys();
+        const auto rows = disk.machine.screen();
+        EXPECT_EQ(rows[rows.size() - 3], "BREAK IN 30") << i;
+        EXPECT_EQ(disk.answer("PRINT X;B$\n"), " 7 B 9") << i;
+        disk.machine.type("CONT\n", 51 + i);
+    }
+}
+
 /// Against records in a string. Whenever the disk is taken out, it is sound, and other records are
 /// as they were.
 TEST(Disk, RandomFilesHoldTheirRecords) {
