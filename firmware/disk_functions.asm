@@ -146,6 +146,7 @@ function_fn:
         CALL search_simple
         JP NZ,fail_function
         CALL definition_place
+        CALL check_stack        ; for the gap
         PUSH HL
         LD HL,(TEMP_POINTER)
         EX (SP),HL
