@@ -161,14 +161,10 @@ func_erl:
 ; Numbers from 0 to 65535 as a value.
 ; In:   HL
 ; Out:  accumulator, an integer where it fits, single above
-; Uses: AF, HL
+; Uses: AF, C, DE, HL
 set_word:
         BIT 7,H
         JP Z,set_integer
-        RES 7,H                 ; the leading 1 is hidden
-        LD (ACCUMULATOR + 1),HL
-        XOR A
-        LD (ACCUMULATOR),A
-        LD A,90h                ; exponent of 32768 to 65535
-        LD (ACCUMULATOR + 3),A
-        JP set_single
+        LD C,0
+        CALL float_word
+        JP store_single

@@ -65,10 +65,8 @@ _build:
         OR FRAME_INTEGER        ; or FRAME_SINGLE
         LD E,A
         PUSH DE
-        LD (SAVED_STACK),SP
-        CALL check_stack
         LD HL,(NEXT_TEXT)
-        JP new_statement
+        JP opened
 ; The accumulator as the variable's type.
 _convert:
         PUSH HL

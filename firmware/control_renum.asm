@@ -170,13 +170,30 @@ _two_bytes:
         OR A
         JR NZ,_text
         JR renumber_text
+_error:
+        DEC HL
+        RST 10h
+        CP TOKEN_GOTO
+        JR NZ,_text
+        INC HL
+; The 0 of ON ERROR GOTO 0 and RESUME 0 is no line.
+_zero:
+        DEC HL
+        RST 10h
+        CP '0'
+        JR Z,_text
+        JR _item
 _word:
+        CP TOKEN_ERROR
+        JR Z,_error
         PUSH HL
         LD HL,naming_words
         LD BC,NAMING_WORDS
         CPIR
         POP HL
         JR NZ,_text
+        CP TOKEN_RESUME
+        JR Z,_zero
 _item:
         DEC HL
 _blanks:

@@ -68,13 +68,14 @@ extended_word:
 
 ; The text ends: of a program, or of a direct statement.
 end_of_program:
+        CALL direct_mode
+        JR Z,_ready
         LD A,(IN_HANDLER)
         OR A
-        JP Z,ready
-        CALL direct_mode
-        JP Z,ready
         LD E,ERR_NR
-        JP raise_error
+        JP NZ,raise_error
+_ready:
+        JP ready
 
 ; Out:  Z in direct mode
 ; Uses: AF, BC
@@ -160,8 +161,8 @@ stmt_run:
 ; NEW
 stmt_new:
         RET NZ
-        CALL empty_program
-        JP ready
+        LD HL,ready
+        PUSH HL
 ; Takes the program away.
 ; Uses: AF, BC, DE, HL
 empty_program:
@@ -462,6 +463,9 @@ call_line:
         PUSH BC
         LD C,FRAME_GOSUB
         PUSH BC
+; A loop or a call is open.
+; In:   HL end of the statement
+opened:
         LD (SAVED_STACK),SP
         CALL check_stack
         JP new_statement

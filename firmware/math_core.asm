@@ -142,6 +142,7 @@ to_single:
         LD HL,(ACCUMULATOR)
 acc_single_from_hl:
         CALL float_integer
+store_single:
         LD (ACCUMULATOR),HL
         LD (ACC_HIGH),DE
 set_single:
@@ -169,6 +170,8 @@ float_integer:
         AND 80h
         LD C,A
         CALL NZ,negate_hl
+; The same for HL without a sign, C the sign bit.
+float_word:
         LD A,H
         LD D,BIAS + 16
         OR A

@@ -175,8 +175,6 @@ _blanks:
         LD A,C
         CPL
         AND ZONE - 1
-        LD B,A
-        INC B
         CALL put_blanks
 _in_zone:
         POP HL
@@ -198,8 +196,8 @@ _row:
         JR NC,_row
         ADD A,COLUMNS
 _blanks_to:
+        INC B
         SUB B
-        LD B,A
         CALL NC,put_blanks
         POP HL
         JP print_list
@@ -220,14 +218,13 @@ _count:
         DJNZ _character
         RET
 
-; In:   B number of blanks
+; In:   A number of blanks, less one
 ; Uses: AF, B
 put_blanks:
+        LD B,A
         INC B
-        JR _count
 _blank:
         LD A,' '
         CALL put_character
-_count:
         DJNZ _blank
         RET

@@ -125,8 +125,8 @@ _keyboard:
         RET
 _function:
         CALL fkey_text
-        LD (FKEY_NEXT),HL
-        JR _next
+        CP A
+        JR _text
 
 ; The texts after power on.
 first_texts:
