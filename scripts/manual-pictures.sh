@@ -70,8 +70,8 @@ cp "$examples/colours.cmd" "$examples/bounce.cmd" .
 sed -n '/<pre id="listing">/,/<\/pre>/p' "$manual" | sed 's/<[^>]*>//g' >listing.bas
 machine colours 4 colours.cmd
 machine graphics 40 listing.bas
-listing raiders 55 ' '
-listing maze 54 ' '
+listing raiders 58 ' '
+listing maze 58 ' '
 listing prelude 70
 listing bell 60 $'n\nw\ntake lamp\ntake bread\nhelp\n'
 listing sketch 60 ' '
