@@ -383,6 +383,8 @@ _bit:
         ADD HL,HL
         ADC A,A
         JR C,_one
+        CP B
+        JR C,_store
         SBC HL,DE
         SBC A,B
         JR NC,_store
