@@ -99,6 +99,11 @@ _bit:
         RLA
 _first:
         RL C                    ; the bit that the remainder lost; then the divisor fits
+        BIT 0,C
+        JR NZ,_try
+        CP B
+        JR C,_stored
+_try:
         EXX
         OR A
         EX (SP),HL
