@@ -5,6 +5,7 @@
 ; as the field is long. Other characters are printed. The format starts again when there are more
 ; values than fields.
 
+USING_LENGTH    EQU 81          ; most of a field: with the digits of 1E38 a signed byte counts them
 ARROW           EQU 5Bh         ; the character of ^^^^, the key of the arrow
 
 ; In:   HL at the word USING
@@ -165,6 +166,10 @@ _behind:
         SET USING_BEHIND,D
         DEC B
 _format:
+        LD A,E
+        ADD A,IYL
+        CP USING_LENGTH + 1
+        JP NC,error_fc
         CALL keep_place
         CALL format_using
         JP put_text
