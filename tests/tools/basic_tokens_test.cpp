@@ -42,7 +42,7 @@ constexpr char LISTING[] =
 230 ?a;?"?";b
 240 torscoreforage:ifxorythenz=notw
 250 goto100:go to 100:gosub:on a goto1,2
-260 &hfade:&hg:&h12+&:&habsint(5)
+260 &hfade:b=&h9=c:&hg:&h12+&:&habsint(5)
 270 a=b<>c:a<=b=>c><d:a^b**
 280    leading blanks:::
 290if a then100else200:else'x
