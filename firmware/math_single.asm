@@ -116,6 +116,7 @@ _positive:
         LD A,IXL
 ; Shifts C:HL:A up until the leading bit stands, then rounds and stores.
 ; In:   C:HL:A mantissa, B exponent, SIGN
+; Out:  BC:HL the number as it is stored, A not 0; A 0 for 0
 normalize_single:
         LD E,A
         LD A,C

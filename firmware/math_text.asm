@@ -331,8 +331,12 @@ digits_to_number:
         LD B,BIAS + 24
         XOR A
         CALL normalize_single
-        POP BC
-        LD A,C
+        POP DE
+        OR A
+        RET Z                   ; the digits are 0
+        LD (LEFT_HIGH),BC
+        LD (LEFT_SINGLE),HL
+        LD A,E
         OR A
         RET Z
         PUSH AF
@@ -345,11 +349,6 @@ _power:
         LD D,-1
         LD HL,powers_end
         ADD HL,DE
-        PUSH HL
-        LD HL,ACCUMULATOR
-        LD DE,LEFT_SINGLE
-        CALL copy_four
-        POP HL
         LD DE,ACCUMULATOR
         CALL copy_four
         POP AF
