@@ -1,5 +1,6 @@
 ; Text to number and back. The number stands as WIDE (ten bytes, lowest first) with WIDE_POINT of
-; them, counted from the top, before the point. Singles use the upper seven bytes only.
+; them, counted from the top, before the point. It begins in the bytes of its mantissa and
+; grows downward.
 
 SINGLE_DIGITS   EQU 6
 DOUBLE_DIGITS   EQU 16
