@@ -135,7 +135,7 @@ TEST(BasicBreak, IsSeenWithinStatements) {
     std::mt19937 random(5);
     const auto press_break = [&] {
         machine.platform().set_key(KEY_END, true);
-        for (int i = 0; i < 8; ++i) machine_run();
+        for (int i = 0; i < 5; ++i) machine_run();
         machine.platform().set_key(KEY_END, false);
         return machine.screen().back() == ">";
     };
