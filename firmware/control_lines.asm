@@ -139,10 +139,18 @@ open_gap:
         PUSH HL
         EX DE,HL
         LD HL,(PROGRAM_END)
+        CALL move_up
+        LD (PROGRAM_END),HL
+        POP HL
+        RET
+; Moves memory up, with one byte behind it, for it may be empty.
+; In:   DE start, HL end, BC by how many bytes
+; Out:  HL new end; OM error if there is no room
+; Uses: AF, BC, DE
+move_up:
         PUSH HL
         ADD HL,BC
         CALL check_room
-        LD (PROGRAM_END),HL
         EX (SP),HL
         PUSH HL
         OR A
@@ -151,7 +159,8 @@ open_gap:
         LD C,L
         POP HL
         POP DE
-        INC BC                  ; with a byte behind the program
+        PUSH DE
+        INC BC
         LDDR
         POP HL
         RET

@@ -183,28 +183,17 @@ make_simple:
         ADD A,3
         LD C,A
         LD B,0
+        PUSH BC
+        LD DE,(ARRAYS)
+        PUSH DE
         LD HL,(FREE_SPACE)
-        PUSH HL
-        ADD HL,BC
-        CALL check_room
+        CALL move_up
         LD (FREE_SPACE),HL
-        EX DE,HL
-        LD HL,(ARRAYS)
-        PUSH HL
-        ADD HL,BC
+        POP DE                  ; old start of the arrays
+        POP HL
+        ADD HL,DE
         LD (ARRAYS),HL
-        POP BC
-        POP HL                  ; old end
-        PUSH BC                 ; old start of the arrays
-        PUSH HL
-        OR A
-        SBC HL,BC
-        LD B,H
-        LD C,L
-        POP HL
-        INC BC                  ; with the free byte behind, for there may be no arrays
-        LDDR
-        POP HL
+        EX DE,HL
         POP BC
         POP DE
         LD (HL),B
