@@ -270,7 +270,7 @@ _size:
         JP push_string
 
 ; The string in the accumulator becomes the newest temporary, with characters of its own.
-; Uses: all but IX, IY
+; Uses: all but IY
 own_temporary:
         LD HL,(TEMP_POINTER)
         DEC HL

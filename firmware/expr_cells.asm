@@ -30,7 +30,8 @@ TEMP_COUNT      EQU 10
 TEMP_END        EQU TEMPORARIES + 3 * TEMP_COUNT
 STRING_WORK     EQU TEMP_END        ; descriptor of a string being made: length, address
 FIND_TEXT       EQU 40D8h       ; text while an array is searched
-COLLECT_END     EQU 40DAh       ; string collection: end of the descriptors that are looked at,
+COLLECT_TABLE   EQU FIND_TEXT   ; string collection: the table of where strings begin,
+COLLECT_END     EQU 40DAh       ;  end of the descriptors that are looked at,
 COLLECT_TOP     EQU 40DCh       ;  the highest byte not yet looked at,
 COLLECT_NEXT    EQU 40DEh       ;  the byte where the next string ends
 USING_FORMAT    EQU 40E0h       ; descriptor of the format of PRINT USING

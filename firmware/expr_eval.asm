@@ -33,6 +33,9 @@ eval_string:
         CALL eval
         JP take_string
 
+; A string in the accumulator.
+eval_text:
+        CALL eval
 check_string:
         RST 20h
         RET Z

@@ -33,7 +33,6 @@ func_fre:
         JR NZ,free_memory
         CALL take_string
         CALL collect_garbage
-        LD HL,(STRING_POINTER)
         LD DE,(STRING_SPACE)
         JR space_between
 free_memory:

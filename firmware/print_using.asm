@@ -11,8 +11,7 @@ ARROW           EQU 5Bh         ; the character of ^^^^, the key of the arrow
 ; In:   HL at the word USING
 print_using:
         RST 10h
-        CALL eval
-        CALL check_string
+        CALL eval_text
         RST 08h
         DEFB ';'
         EX DE,HL

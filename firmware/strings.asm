@@ -16,7 +16,7 @@ reset_temporaries:
 ; Room for a new string.
 ; In:   A length
 ; Out:  DE first character, BC length; STRING_WORK describes it; OS error if there is no room
-; Uses: all but IX, IY
+; Uses: all but IY
 make_string:
         LD (STRING_WORK),A
         LD C,A
@@ -47,7 +47,7 @@ _take:
 ; Two strings made one.
 ; In:   LEFT + 4 and ACCUMULATOR the addresses of their descriptors
 ; Out:  accumulator
-; Uses: all but IX, IY
+; Uses: all but IY
 join_strings:
         LD HL,(LEFT + 4)
         LD DE,(ACCUMULATOR)
@@ -100,7 +100,7 @@ literal_string:
 ; A text where it stands.
 ; In:   HL first character, B and C characters that end it besides 0
 ; Out:  accumulator, HL and A the character that ended it
-; Uses: all but IX, IY
+; Uses: all but IY
 text_string:
         LD (STRING_WORK + 1),HL
         LD E,-1
@@ -154,7 +154,7 @@ _end:
 ; A copy of a string, which is given up.
 ; In:   HL descriptor
 ; Out:  STRING_WORK describes the copy
-; Uses: all but IX, IY
+; Uses: all but IY
 duplicate_string:
         PUSH HL
         LD A,(HL)
@@ -291,32 +291,48 @@ poll_statement:
         JP stop_run
 
 ; Brings all strings in use together at the top of the string space, from the highest one down. The
-; string space is worked on in windows, each with a table in the free memory that has a word for
-; each of its bytes: the address of the descriptor of the string that begins there, or 0. BREAK ends
+; string space is worked on in windows, each with a table that has a word for each of its bytes: the
+; address of the descriptor of the string that begins there, or 0. The table lies in the free memory
+; or in the gap that has come about in the string space, with 255 bytes on both sides for strings
+; that begin within the window or are moved before their place in the table was looked at. BREAK ends
 ; it between two strings: what has been moved stays, and the space below it is not given back yet.
-; Out:  no carry
-; Uses: all but IX, IY; OM error if there is next to no stack
+; Out:  HL STRING_POINTER, no carry
+; Uses: all but IY; OM error if there is next to no stack
 collect_garbage:
-        PUSH IX
         LD HL,(MEMORY_TOP)
         LD (COLLECT_TOP),HL
         LD (COLLECT_NEXT),HL
 _window:
         LD HL,-COLLECT_STACK
         ADD HL,SP
-        LD DE,(FREE_SPACE)
-        OR A
-        SBC HL,DE
+        LD BC,(FREE_SPACE)
+        SBC HL,BC
         JP C,error_om
-        SRL H
-        RR L
-        INC HL
+        PUSH BC
+        EX DE,HL
+        LD BC,(COLLECT_TOP)
+        INC B
+        INC B
+        LD HL,(COLLECT_NEXT)
+        SBC HL,BC
+        JR C,_free
+        RST 18h
+        JR C,_free
+        EX DE,HL                ; the gap is larger
+        POP AF
+        DEC B
+        PUSH BC
+_free:
+        POP BC
+        LD (COLLECT_TABLE),BC
+        SRL D
+        RR E
+        INC DE                  ; bytes for which there is room
         LD A,COLLECT_PAGES
-        CP H
+        CP D
         JR NC,_fits
-        LD H,A
+        LD D,A
 _fits:
-        EX DE,HL                ; bytes for which there is room
         LD HL,(COLLECT_TOP)
         LD BC,(STRING_POINTER)
         OR A
@@ -338,7 +354,7 @@ _last:
         ADD HL,HL
         LD B,H
         LD C,L
-        LD HL,(FREE_SPACE)
+        LD HL,(COLLECT_TABLE)
         XOR A
         CALL fill_memory
         POP BC
@@ -388,6 +404,7 @@ _move:
         PUSH IX
         POP HL
         ADD HL,HL
+        LD DE,(COLLECT_TABLE)
         ADD HL,DE               ; from the end of the table down
 _entry:
         DEC HL
@@ -420,18 +437,17 @@ _entry:
         LD (HL),D
         POP HL
 _empty:
-        LD A,(FREE_SPACE)
+        LD A,(COLLECT_TABLE)
         CP L
         JR NZ,_entry
         CALL poll_statement
-        LD A,(FREE_SPACE + 1)
+        LD A,(COLLECT_TABLE + 1)
         CP H
         JR NZ,_entry
         JP _window
 _end:
         LD HL,(COLLECT_NEXT)
         LD (STRING_POINTER),HL
-        POP IX
         RET
 
 ; Puts descriptors of strings that begin in the window into the table.
@@ -459,7 +475,7 @@ _descriptor:
         JR NC,_skip
         ADD HL,HL
         PUSH BC
-        LD BC,(FREE_SPACE)
+        LD BC,(COLLECT_TABLE)
         ADD HL,BC
         POP BC
         LD (HL),E

@@ -97,8 +97,7 @@ _rest:
 string_and_byte:
         RST 08h
         DEFB '('
-        CALL eval
-        CALL check_string
+        CALL eval_text
         POP BC
         LD DE,(ACCUMULATOR)
         PUSH DE
@@ -184,8 +183,7 @@ func_instr:
         PUSH DE
         RST 08h
         DEFB ','
-        CALL eval
-        CALL check_string
+        CALL eval_text
         POP DE
 _text:
         PUSH DE

@@ -280,17 +280,8 @@ _end:
         JR NZ,_array
 ; In:   HL = FREE_SPACE, D, E name, B DIM_FLAG, C dimensions, the subscripts on the stack
 make_array:
-        PUSH HL
-        PUSH DE
-        LD E,C
-        LD D,0
-        ADD HL,DE
-        ADD HL,DE
-        CALL check_room         ; for the sizes
-        POP DE
-        POP HL
         LD A,(NUMBER_TYPE)
-        LD (HL),A
+        LD (HL),A               ; there is room for a few sizes, and those of DIM leave the stack
         INC HL
         LD (HL),E
         INC HL

@@ -284,11 +284,10 @@ _down:
         LD (STEP_MINOR),BC
         POP HL
 _steep:
-        LD A,H                  ; H longer side, L shorter side
-        LD B,A
+        LD B,H                  ; H longer side, L shorter side
         INC B
-        SRL A
-        LD C,A                  ; error
+        LD C,H
+        SRL C                   ; error
 _pixel:
         CALL draw_pixel
         LD A,C

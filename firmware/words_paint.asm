@@ -16,7 +16,7 @@ stmt_paint:
         LD (BORDER),A
         POP DE
         PUSH HL
-        LD HL,0FFFFh
+        LD H,0FFh
         PUSH HL                 ; ends the list
 _seed:
         CALL poll_statement
@@ -37,7 +37,6 @@ _same:
         JR NZ,_left
         CALL _step_right
 _first:
-        LD A,E
         LD (SPAN),A
 _fill:
         CALL _unlike_pen
