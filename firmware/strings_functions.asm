@@ -25,7 +25,6 @@ _fits:
         XOR A
         LD (DE),A
         POP HL
-        CALL skip_blanks
         JP parse_number
 VAL_LENGTH      EQU 40
 
