@@ -15,9 +15,49 @@ DIM_FLAG        EQU 7           ; bit of B besides the type
 ; Uses: all
 find_variable:
         CALL search_variable
-        JP NZ,make_simple
         LD A,B
         LD (NUMBER_TYPE),A
+        RET Z
+; Makes a simple variable of value 0; the arrays move up.
+; In:   D, E name, B type
+; Out:  DE value; B, HL kept
+; Uses: AF, C
+make_simple:
+        PUSH HL
+        PUSH DE
+        PUSH BC
+        LD A,B
+        ADD A,3
+        LD C,A
+        LD B,0
+        PUSH BC
+        LD DE,(ARRAYS)
+        PUSH DE
+        LD HL,(FREE_SPACE)
+        CALL move_up
+        LD (FREE_SPACE),HL
+        POP DE                  ; old start of the arrays
+        POP HL
+        ADD HL,DE
+        LD (ARRAYS),HL
+        EX DE,HL
+        POP BC
+        POP DE
+        LD (HL),B
+        INC HL
+        LD (HL),E
+        INC HL
+        LD (HL),D
+        INC HL
+        PUSH HL
+        LD C,B
+_zero:
+        LD (HL),0
+        INC HL
+        DEC C
+        JR NZ,_zero
+        POP DE
+        POP HL
         RET
 
 ; Looks for the variable of a name; an array is made if there is none.
@@ -114,7 +154,7 @@ _suffix:
         JR Z,_double
         CP ' '
         JR NZ,_default
-        CALL next_character
+        RST 10h
         JR _default
 _double:
         LD B,TYPE_DOUBLE
@@ -167,49 +207,6 @@ _first:
         JR NZ,_skip
         INC HL
         EX DE,HL
-        POP HL
-        RET
-
-; Makes a simple variable of value 0; the arrays move up.
-; In:   D, E name, B type
-; Out:  DE value, B and NUMBER_TYPE type; HL kept
-; Uses: AF, C
-make_simple:
-        LD A,B
-        LD (NUMBER_TYPE),A
-        PUSH HL
-        PUSH DE
-        PUSH BC
-        ADD A,3
-        LD C,A
-        LD B,0
-        PUSH BC
-        LD DE,(ARRAYS)
-        PUSH DE
-        LD HL,(FREE_SPACE)
-        CALL move_up
-        LD (FREE_SPACE),HL
-        POP DE                  ; old start of the arrays
-        POP HL
-        ADD HL,DE
-        LD (ARRAYS),HL
-        EX DE,HL
-        POP BC
-        POP DE
-        LD (HL),B
-        INC HL
-        LD (HL),E
-        INC HL
-        LD (HL),D
-        INC HL
-        PUSH HL
-        LD C,B
-_zero:
-        LD (HL),0
-        INC HL
-        DEC C
-        JR NZ,_zero
-        POP DE
         POP HL
         RET
 

@@ -129,14 +129,13 @@ stmt_circle:
         CALL set_pen
         CALL get_point
         LD (CENTRE),DE
-        CALL comma_byte
+        CALL comma_byte         ; leaves no carry
         PUSH HL
         LD B,A                  ; the point of the octant: B from the radius down, C from 0 up
         LD C,0
         LD D,C
         LD E,A
         LD HL,1
-        OR A
         SBC HL,DE               ; negative while the point lies within the circle
 _octants:
         PUSH HL
@@ -151,7 +150,6 @@ _octants:
         JR NZ,_within
         DEC B
         LD E,B
-        OR A
         SBC HL,DE
         SBC HL,DE
 _within:
