@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr size_t SECTOR = DiskMachine::SECTOR, ENTRY = DiskMachine::ENTRY;
+constexpr size_t ENTRY = DiskMachine::ENTRY;
 
 /// A disk with a program, the same as a text, text in pieces, and machine code.
 struct FilledDisk : DiskMachine {
