@@ -152,6 +152,23 @@ TEST(BasicBreak, IsSeenWithinStatements) {
     EXPECT_TRUE(press_break());
 }
 
+TEST(BasicSticks, GiveTheirPositionsAndKeys) {
+    BasicMachine machine;
+    machine.boot(0, trial_rom());
+    auto& sticks = machine.platform().joysticks().sticks;
+    sticks.resize(2);
+    for (unsigned key = 0; key < 10; ++key) {
+        sticks[0].state = {0, uint16_t(65535 - key * 1024)};
+        sticks[1].state = {uint16_t(32767 - key * 1024), 0};
+        machine.platform().set_key(int(KEY_NUMPAD0 + key), true);
+        machine.type("CLS:PRINT JOY1X;JOY1Y;JOY2X;JOY2Y;KEYPAD1\n");
+        machine.platform().set_key(int(KEY_NUMPAD0 + key), false);
+        const std::string n = std::to_string(key), pad = key ? n : "11";
+        EXPECT_EQ(machine.screen()[0],
+                  " 0  " + n + "  " + std::to_string(31 - key) + "  63  " + pad);
+    }
+}
+
 class BasicTable : public testing::TestWithParam<std::string> {};
 
 TEST_P(BasicTable, ScreensAreAsExpected) {
