@@ -1,9 +1,9 @@
 ; RENUM new,old,step: the lines from old get new numbers, and what names them follows.
 ;
-; The old and the new numbers lie on the stack while the text is gone through twice: first for the room that
-; longer numbers may need at most, then, moved up by that much, on its way back down. So every byte
-; is moved twice, however many numbers change their length, and what can fail does so before the
-; program is touched.
+; The old and the new numbers lie on the stack while the text is gone through twice: first for the
+; room that longer numbers may need at most, then, moved up by that much, on its way back down. So
+; every byte is moved twice, however many numbers change their length, and what can fail does so
+; before the program is touched.
 
 stmt_renum:
         LD BC,RENUM_NEW
