@@ -94,7 +94,8 @@ _bit:
         run_to 023Fh
 write_leader:
         LD B,LEADER_BYTES
-; 0241: The same without the trap, where an emulator begins another tape: for a record behind others.
+; 0241: The same without the trap, at which an emulator begins another tape: for a record behind
+; others.
 ; In:   B LEADER_BYTES
 write_record_leader:
         LD A,LEADER

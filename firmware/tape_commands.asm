@@ -1,4 +1,5 @@
-; SYSTEM, CLOAD, CSAVE, VERIFY, PRINT#-1 and INPUT#-1, and what the cassette routines need outside their fixed places.
+; SYSTEM, CLOAD, CSAVE, VERIFY, PRINT#-1 and INPUT#-1, and what the cassette routines need outside
+; their fixed places.
 ;
 ; Machine-code tape, behind the sync byte: 55, six characters of name, blocks (3C, number of bytes
 ; with 0 for 256, address, bytes, checksum over address and bytes), at last 78 and the entry.
