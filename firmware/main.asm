@@ -42,48 +42,48 @@ DEFAULT_COLOUR  EQU 0
 ; 01ED-0280: cassette. An emulator may put traps at 01EE, 01FB, 0221, 023F and 0264, so nothing
 ; else may live here.
         INCLUDE cassette.asm
-        INCLUDE expr_eval.asm
-        INCLUDE lineio.asm
-        INCLUDE tape_commands.asm
-        INCLUDE math_single.asm
+        INCLUDE expr_functions.asm
+        INCLUDE math_text.asm
+        INCLUDE tokens.asm
+        INCLUDE math_functions.asm
 
         INCLUDE entries.asm
-        INCLUDE keyboard.asm
-        INCLUDE print_using.asm
+        INCLUDE tape_commands.asm
         INCLUDE math_extended.asm
         INCLUDE strings_functions.asm
+        INCLUDE graphics.asm
+        INCLUDE control_list.asm
+        INCLUDE control_renum.asm
+        INCLUDE control_edit.asm
+        INCLUDE math_arithmetic.asm
+        INCLUDE screen.asm
+        INCLUDE start.asm
+        INCLUDE control_loops.asm
+
+        fill_to 1A19h
+        JP ready
+        INCLUDE expr_eval.asm
+        INCLUDE math_single.asm
+        INCLUDE print_using.asm
+        INCLUDE math_double.asm
+        INCLUDE math_circle.asm
+        INCLUDE words_graphics.asm
+        INCLUDE words_paint.asm
+        INCLUDE control_input.asm
+
+        fill_to 28A7h
+        JP print_text
+        INCLUDE lineio.asm
+        INCLUDE keyboard.asm
         INCLUDE words_screen.asm
         INCLUDE words_keys.asm
         INCLUDE control_errors.asm
         INCLUDE print.asm
         INCLUDE math_core.asm
-        INCLUDE expr_functions.asm
-        INCLUDE graphics.asm
-        INCLUDE control_list.asm
-
-        fill_to 1A19h
-        JP ready
-        INCLUDE math_text.asm
         INCLUDE expr_assign.asm
-        INCLUDE math_double.asm
-        INCLUDE math_circle.asm
-        INCLUDE control_renum.asm
-        INCLUDE control_edit.asm
-        INCLUDE math_arithmetic.asm
-        INCLUDE tokens.asm
-
-        fill_to 28A7h
-        JP print_text
-        INCLUDE math_functions.asm
-        INCLUDE words_graphics.asm
         INCLUDE math_using.asm
-        INCLUDE screen.asm
-        INCLUDE start.asm
-        INCLUDE words_paint.asm
         INCLUDE math_print.asm
         INCLUDE control_lines.asm
-        INCLUDE control_input.asm
-        INCLUDE control_loops.asm
 
         fill_to 3852h
         JP fill_graphics

@@ -140,8 +140,9 @@ TEST(BasicBreak, IsSeenWithinStatements) {
         return machine.screen().back() == ">";
     };
     machine.type("10 CLEAR 4000:DEFINT A-Z:DIM A$(200),N(200),Z((MEM-200)/2)\n"
-                 "20 FOR K=1 TO 600:I=RND(201)-1:N(I)=RND(30)-1\n"
-                 "30 A$(I)=\"\":A$(I)=STRING$(N(I),I):F=FRE(\"\"):NEXT\n"
+                 "20 FOR K=1 TO 1500:I=RND(201)-1:N(I)=RND(30)-1\n"
+                 "30 A$(I)=\"\":A$(I)=STRING$(N(I),I):IF RND(50)=1 THEN F=FRE(\"\")\n"
+                 "35 NEXT\n"
                  "40 FOR I=0 TO 200:IF A$(I)<>STRING$(N(I),I) THEN PRINT \"LOST\"\n"
                  "50 NEXT:PRINT \"DONE\"\nRUN\n",
                  250);
