@@ -168,27 +168,36 @@ _overflow:
         CPL
         JR _sign
 _single:
-        LD A,TYPE_SINGLE
-        LD (NUMBER_TYPE),A
-        LD (LEFT_TYPE),A
         PUSH DE
         EX DE,HL
         PUSH DE
-        LD DE,LEFT_SINGLE
-        CALL copy_four
+        LD DE,LEFT_SINGLE       ; the moves in line: each loop passes here
+        LDI
+        LDI
+        LDI
+        LDI
         POP HL
         LD DE,ACCUMULATOR
-        CALL copy_four
+        LDI
+        LDI
+        LDI
+        LDI
         PUSH HL
         CALL single_add
         POP HL
         POP DE
         PUSH HL
         LD HL,ACCUMULATOR
-        CALL copy_four
+        LDI
+        LDI
+        LDI
+        LDI
         POP HL
         LD DE,LEFT_SINGLE
-        CALL copy_four
+        LDI
+        LDI
+        LDI
+        LDI
         CALL compare_single
 _compared:
         POP BC

@@ -42,48 +42,48 @@ DEFAULT_COLOUR  EQU 0
 ; 01ED-0280: cassette. An emulator may put traps at 01EE, 01FB, 0221, 023F and 0264, so nothing
 ; else may live here.
         INCLUDE cassette.asm
-        INCLUDE expr_functions.asm
-        INCLUDE math_text.asm
-        INCLUDE tokens.asm
-        INCLUDE math_functions.asm
+        INCLUDE words_keys.asm
+        INCLUDE control_lines.asm
+        INCLUDE control_run.asm
+        INCLUDE variables.asm
 
         INCLUDE entries.asm
-        INCLUDE tape_commands.asm
-        INCLUDE math_extended.asm
+        INCLUDE expr_functions.asm
         INCLUDE strings_functions.asm
-        INCLUDE graphics.asm
         INCLUDE control_list.asm
-        INCLUDE control_renum.asm
         INCLUDE control_edit.asm
-        INCLUDE math_arithmetic.asm
         INCLUDE screen.asm
-        INCLUDE start.asm
-        INCLUDE control_loops.asm
+        INCLUDE math_double.asm
+        INCLUDE words_graphics.asm
+        INCLUDE words_paint.asm
+        INCLUDE lineio.asm
+        INCLUDE words_screen.asm
+        INCLUDE expr_assign.asm
+        INCLUDE math_using.asm
 
         fill_to 1A19h
         JP ready
-        INCLUDE expr_eval.asm
-        INCLUDE math_single.asm
+        INCLUDE math_functions.asm
+        INCLUDE tape_commands.asm
+        INCLUDE graphics.asm
+        INCLUDE control_renum.asm
+        INCLUDE control_loops.asm
         INCLUDE print_using.asm
-        INCLUDE math_double.asm
         INCLUDE math_circle.asm
-        INCLUDE words_graphics.asm
-        INCLUDE words_paint.asm
-        INCLUDE control_input.asm
+        INCLUDE math_core.asm
+        INCLUDE math_print.asm
 
         fill_to 28A7h
         JP print_text
-        INCLUDE lineio.asm
+        INCLUDE math_text.asm
+        INCLUDE math_extended.asm
+        INCLUDE math_arithmetic.asm
+        INCLUDE math_single.asm
+        INCLUDE control_input.asm
         INCLUDE keyboard.asm
-        INCLUDE words_screen.asm
-        INCLUDE words_keys.asm
         INCLUDE control_errors.asm
         INCLUDE print.asm
-        INCLUDE math_core.asm
-        INCLUDE expr_assign.asm
-        INCLUDE math_using.asm
-        INCLUDE math_print.asm
-        INCLUDE control_lines.asm
+        INCLUDE strings.asm
 
         fill_to 3852h
         JP fill_graphics
@@ -93,7 +93,7 @@ DEFAULT_COLOUR  EQU 0
         fill_to 38A9h
         JP show_graphics
         JP show_text            ; 38AC
-        INCLUDE control_run.asm
-        INCLUDE strings.asm
-        INCLUDE variables.asm
+        INCLUDE tokens.asm
+        INCLUDE start.asm
+        INCLUDE expr_eval.asm
         fill_to 4000h
