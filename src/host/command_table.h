@@ -73,6 +73,7 @@ struct CommandRow {
     int id = 0;
     const char* label = nullptr;
     const char* hint = nullptr; ///< shown for a key
+    const char* tip = nullptr;  ///< a sentence on what the command does
     std::array<KeyChord, 2> keys = {};
     bool* flag = nullptr;       ///< the command toggles it, and its mark shows it
     void (*run)() = nullptr;    ///< called for the command, after the flag was toggled

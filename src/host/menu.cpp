@@ -93,7 +93,7 @@ MenuEntry options_menu() {
 
 /// What the window's menu shows at the moment, and the marks of ids that it does not hold.
 struct MenuState {
-    std::map<int, std::string> texts;
+    std::map<int, std::string> texts, tips;
     std::set<int> checked;
 };
 
@@ -158,6 +158,15 @@ void modify_menu_text(int id, const std::string& text) {
 std::string menu_item_text(int id) {
     const auto found = menu_state().texts.find(id);
     return found == menu_state().texts.end() ? std::string() : found->second;
+}
+
+void set_menu_tip(int id, const std::string& tip) { menu_state().tips[id] = tip; }
+
+std::string menu_tip(int id) {
+    const auto own = menu_state().tips.find(id);
+    if (own != menu_state().tips.end()) return own->second;
+    const CommandRow* row = find_command(id);
+    return row && row->tip ? row->tip : "";
 }
 
 int accelerator_command(int key, uint8_t modifiers) {

@@ -91,6 +91,11 @@ void modify_menu_text(int id, const std::string& text);
 /// The item's present text; empty for an id that the menu does not hold.
 std::string menu_item_text(int id);
 
+/// The sentence on what the item does. Without one of its own it is that of its command; empty
+/// without either.
+void set_menu_tip(int id, const std::string& tip);
+std::string menu_tip(int id);
+
 /// The command of an accelerator, or 0.
 int accelerator_command(int key, uint8_t modifiers);
 std::span<const KeyChord> accelerator_keys();

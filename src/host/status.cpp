@@ -25,6 +25,9 @@ constexpr int NO_DRIVE = -1;
 
 int led_state = NO_DRIVE; ///< the lit drive
 
+std::string message; ///< in its part, or behind a tip
+bool tip_is_shown = false;
+
 std::string format_text(const char* format, va_list arguments) {
     va_list again;
     va_copy(again, arguments);
@@ -38,6 +41,10 @@ std::string format_text(const char* format, va_list arguments) {
 void show_text(int part, const std::string& text, const std::string& tip) {
     StatusBar& bar = platform().status_bar();
     if (part == PART_LAMPS || !bar.exists()) return;
+    if (part == PART_MESSAGES) {
+        message = text;
+        tip_is_shown = false;
+    }
     bar.set_text(part, text);
     bar.set_tip(part, tip);
 }
@@ -93,6 +100,14 @@ void StatusBarRedraw() {
 void show_status(const std::string& text, const std::string& details) {
     show_text(PART_MESSAGES, text, details.empty() ? text : text + "\n" + details);
 }
+
+void show_tip(const std::string& tip) {
+    if (tip.empty() && !tip_is_shown) return;
+    tip_is_shown = !tip.empty();
+    platform().status_bar().set_text(PART_MESSAGES, tip_is_shown ? tip : message);
+}
+
+const std::string& shown_status() { return message; }
 
 void show_status_part(int part, const char* text) { show_text(part, text, text); }
 

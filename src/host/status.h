@@ -11,6 +11,10 @@ void CreateStatusBar();
 void DestroyStatusBar();
 /// Shows a text in the part for messages. Its tool tip shows `details`, which may be empty.
 void show_status(const std::string& text, const std::string& details);
+/// Shows a sentence in place of the message; an empty one, or a new message, ends that.
+void show_tip(const std::string& tip);
+/// The message that was shown last.
+const std::string& shown_status();
 int StatusBarHeight(); ///< 0 without a bar
 /// Lays the bar out again after a change of the window's size.
 void StatusBarRedraw();

@@ -56,7 +56,10 @@ public:
     void loop_ends() override {
         turn.menu_open = false;
         turn.menu_closed = true;
+        show_tip({});
     }
+    void menu_opens() override {}
+    void item_highlighted(int id) override { show_tip(menu_tip(id)); }
     void paint(PaneId pane) override {
         switch (pane) {
         case PaneId::picture: return show_canvas();

@@ -66,6 +66,10 @@ struct EventSink {
     /// of its own meanwhile.
     virtual void loop_begins() = 0;
     virtual void loop_ends() = 0;
+    /// A menu is about to be shown. Its items may still be changed.
+    virtual void menu_opens() = 0;
+    /// The item of a menu is highlighted; 0 for a menu or a submenu. Told until loop_ends.
+    virtual void item_highlighted(int id) = 0;
     /// What was drawn into the pane is lost.
     virtual void paint(PaneId pane) = 0;
     /// The drawn part of the status bar is blank.

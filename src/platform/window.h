@@ -1,10 +1,14 @@
 #pragma once
 #include "platform/geometry.h"
 
+#include <cstdint>
 #include <functional>
 #include <span>
 #include <string>
 #include <vector>
+
+/// How an item of the menu is shown; a greyed one cannot be chosen.
+enum class ItemState : uint8_t { usual, greyed, hidden };
 
 /// An item of the menu. The text has "&" before its access key, "&&" for one that is shown, and a
 /// tab before the key hint.
@@ -13,6 +17,7 @@ struct MenuEntry {
     std::string text;                ///< empty: a separator
     std::vector<MenuEntry> children; ///< not empty: a submenu
     bool checked = false;
+    ItemState state = ItemState::usual;
 };
 
 /// A key that the program takes before menus and controls see it.
@@ -61,6 +66,7 @@ struct Window {
     virtual void set_menu(const std::vector<MenuEntry>& menus) = 0;
     virtual void check_item(int id, bool checked) = 0; ///< unknown ids are ignored
     virtual void set_item_text(int id, const std::string& text) = 0;
+    virtual void set_item_state(int id, ItemState state) = 0;
     /// Keys that reach the program as key_down even where a menu or a control would take them.
     virtual void claim_keys(std::span<const KeyChord> chords) = 0;
     /// Name of the client area for screen readers, and its text, asked for only while one listens.

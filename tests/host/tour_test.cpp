@@ -375,6 +375,7 @@ void TourTest::visit(const Stop& stop) {
 void collect(const std::vector<MenuEntry>& entries, std::set<int>& ids) {
     for (const MenuEntry& entry : entries) {
         if (entry.id) ids.insert(entry.id);
+        EXPECT_EQ(entry.id != 0, menu_tip(entry.id).ends_with('.')) << entry.text;
         collect(entry.children, ids);
     }
 }

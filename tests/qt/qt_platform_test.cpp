@@ -12,6 +12,7 @@
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QMainWindow>
+#include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
@@ -29,6 +30,8 @@ constexpr Qt::KeyboardModifiers NO_MODIFIERS;
 struct Told final : EventSink {
     void loop_begins() override { menus += "("; }
     void loop_ends() override { menus += ")"; }
+    void menu_opens() override { menus += "m"; }
+    void item_highlighted(int id) override { menus += std::to_string(id); }
     void paint(PaneId) override {}
     void draw_status() override { ++status_draws; }
     void session_ends() override {}
@@ -174,7 +177,8 @@ TEST_F(QtPlatformTest, StretchesOverTheScreenWithBlackAround) {
 }
 
 TEST_F(QtPlatformTest, MenuReportsChoicesAndLeavesTheMarkToTheProgram) {
-    QAction& item = *frame->menuBar()->actions()[0]->menu()->actions()[0];
+    QMenu& menu = *frame->menuBar()->actions()[0]->menu();
+    QAction& item = *menu.actions()[0];
     item.trigger();
     const std::vector<Event> events = drain(Event::Kind::command);
     ASSERT_EQ(events.size(), 1u);
@@ -185,6 +189,17 @@ TEST_F(QtPlatformTest, MenuReportsChoicesAndLeavesTheMarkToTheProgram) {
     host->window().check_item(99, true);
     EXPECT_FALSE(item.isChecked());
     EXPECT_EQ(item.text(), "&New\tF1");
+    for (const auto state : {ItemState::greyed, ItemState::hidden, ItemState::usual}) {
+        host->window().set_item_state(7, state);
+        EXPECT_EQ(item.isEnabled(), state == ItemState::usual);
+        EXPECT_EQ(item.isVisible(), state != ItemState::hidden);
+    }
+    told.menus.clear();
+    menu.popup({0, 0});
+    item.activate(QAction::Hover);
+    menu.menuAction()->activate(QAction::Hover);
+    EXPECT_EQ(told.menus, "m70");
+    menu.close();
 }
 
 TEST_F(QtPlatformTest, ClaimedKeysComeBeforeTheMenuAndAreNotTheMachines) {

@@ -101,6 +101,10 @@ void HeadlessWindow::set_item_text(int id, const std::string& text) {
     if (MenuEntry* item = find_item(menu, id)) item->text = text;
 }
 
+void HeadlessWindow::set_item_state(int id, ItemState state) {
+    if (MenuEntry* item = find_item(menu, id)) item->state = state;
+}
+
 bool HeadlessWindow::checked(int id) const {
     const MenuEntry* item = find_item(menu, id);
     return item && item->checked;
@@ -109,6 +113,11 @@ bool HeadlessWindow::checked(int id) const {
 std::string HeadlessWindow::item_text(int id) const {
     const MenuEntry* item = find_item(menu, id);
     return item ? item->text : std::string();
+}
+
+ItemState HeadlessWindow::item_state(int id) const {
+    const MenuEntry* item = find_item(menu, id);
+    return item ? item->state : ItemState::hidden;
 }
 
 Size HeadlessPane::size() {

@@ -44,6 +44,7 @@ struct HeadlessWindow final : public Window {
     void set_menu(const std::vector<MenuEntry>& menus) override { menu = menus; }
     void check_item(int id, bool checked) override;
     void set_item_text(int id, const std::string& text) override;
+    void set_item_state(int id, ItemState state) override;
     void claim_keys(std::span<const KeyChord> chords) override {
         claimed.assign(chords.begin(), chords.end());
     }
@@ -52,9 +53,10 @@ struct HeadlessWindow final : public Window {
         readable = std::move(text);
     }
 
-    /// The menu's own state; false and empty for an id that it does not hold.
+    /// The menu's own state; false, empty and hidden for an id that it does not hold.
     bool checked(int id) const;
     std::string item_text(int id) const;
+    ItemState item_state(int id) const;
 
     bool creation_fails = false; ///< set by the driver
     bool exists = false, shown = false, destroyed = false;

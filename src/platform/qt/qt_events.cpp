@@ -80,6 +80,14 @@ void QtEvents::set_menu_open(bool open) {
     open ? sink_->loop_begins() : sink_->loop_ends();
 }
 
+void QtEvents::menu_opens() {
+    if (sink_) sink_->menu_opens();
+}
+
+void QtEvents::item_highlighted(int id) {
+    if (sink_) sink_->item_highlighted(id);
+}
+
 void QtEvents::draw_status() {
     if (sink_) sink_->draw_status();
 }

@@ -23,6 +23,8 @@ public:
     void post_once(Event::Kind kind);
     /// Reports a menu's opening or closing, when that is a change.
     void set_menu_open(bool open);
+    void menu_opens();
+    void item_highlighted(int id);
     void draw_status();
     void paint(PaneId pane);
     void session_ends();

@@ -25,8 +25,14 @@ void QtMenu::set(const std::vector<MenuEntry>& menus) {
     bar_.clear();
     for (const MenuEntry& menu : menus) {
         QMenu& pulldown = *bar_.addMenu(to_qt(menu.text));
+        QObject::connect(&pulldown, &QMenu::aboutToShow, [this] { events_.menu_opens(); });
+        tell_highlighted(*pulldown.menuAction(), 0);
         for (const MenuEntry& entry : menu.children) add(pulldown, entry);
     }
+}
+
+void QtMenu::tell_highlighted(const QAction& action, int id) {
+    QObject::connect(&action, &QAction::hovered, [this, id] { events_.item_highlighted(id); });
 }
 
 void QtMenu::add(QMenu& menu, const MenuEntry& entry) {
@@ -36,12 +42,15 @@ void QtMenu::add(QMenu& menu, const MenuEntry& entry) {
     }
     if (!entry.children.empty()) {
         QMenu& submenu = *menu.addMenu(to_qt(entry.text));
+        tell_highlighted(*submenu.menuAction(), 0);
         for (const MenuEntry& child : entry.children) add(submenu, child);
         return;
     }
     QAction* action = menu.addAction(to_qt(entry.text));
     items_[entry.id] = action;
     if (entry.checked) check(entry.id, true);
+    set_state(entry.id, entry.state);
+    tell_highlighted(*action, entry.id);
     QObject::connect(action, &QAction::triggered,
                      [this, id = entry.id, action] { choose(id, *action); });
 }
@@ -63,4 +72,11 @@ void QtMenu::check(int id, bool checked) {
 void QtMenu::set_text(int id, const std::string& text) {
     const auto item = items_.find(id);
     if (item != items_.end()) item->second->setText(to_qt(text));
+}
+
+void QtMenu::set_state(int id, ItemState state) {
+    const auto item = items_.find(id);
+    if (item == items_.end()) return;
+    item->second->setEnabled(state == ItemState::usual);
+    item->second->setVisible(state != ItemState::hidden);
 }

@@ -17,6 +17,7 @@ public:
     /// From the first call on, the item shows whether it is checked.
     void check(int id, bool checked);
     void set_text(int id, const std::string& text);
+    void set_state(int id, ItemState state);
 
 private:
     /// Marks the chosen menu also while none is pulled down: the bar has the keyboard then, and the
@@ -29,6 +30,7 @@ private:
 
     void add(QMenu& menu, const MenuEntry& entry);
     void choose(int id, QAction& action);
+    void tell_highlighted(const QAction& action, int id);
 
     Style style_;
     QMenuBar& bar_;

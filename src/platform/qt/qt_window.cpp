@@ -187,6 +187,8 @@ void QtWindow::check_item(int id, bool checked) { menu_.check(id, checked); }
 
 void QtWindow::set_item_text(int id, const std::string& text) { menu_.set_text(id, text); }
 
+void QtWindow::set_item_state(int id, ItemState state) { menu_.set_state(id, state); }
+
 void QtWindow::claim_keys(std::span<const KeyChord> chords) { input_.claim(chords); }
 
 void QtWindow::set_readable(const std::string& name, std::function<ReadableText()> text) {

@@ -31,6 +31,7 @@ public:
     void set_menu(const std::vector<MenuEntry>& menus) override;
     void check_item(int id, bool checked) override;
     void set_item_text(int id, const std::string& text) override;
+    void set_item_state(int id, ItemState state) override;
     void claim_keys(std::span<const KeyChord> chords) override;
     void set_readable(const std::string& name, std::function<ReadableText()> text) override;
 
