@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Kills a program while it saves, and looks at what is left: the old or the new file as a whole, and
-# nothing else after the next start; of a disk, what its journal has; of a tape, what it was given.
+# nothing else after the next start; of a disk, what its journal has.
 # Then a full disk, a folder without permission, the longest name.
 # usage: scripts/kills.sh [TIMES] [KIND...]         300 times each kind without arguments
 # BUILD_DIR names another build folder than build/release, which must be built. The full disk needs
@@ -10,7 +10,7 @@ cd "$(dirname "$0")/.."
 build=$(realpath "${BUILD_DIR:-build/release}")
 times=${1:-300}
 kinds=("${@:2}")
-[[ ${#kinds[@]} -gt 0 ]] || kinds=(snapshot export screenshot bitmap disk cassette)
+[[ ${#kinds[@]} -gt 0 ]] || kinds=(snapshot export screenshot bitmap disk)
 save=$build/tests/support/save_loop
 if [[ ! -x $save ]]; then cmake --build "$build" --target save_loop tarvelin-headless >/dev/null; fi
 
@@ -33,9 +33,9 @@ reference() { # KIND: the sums of its two contents
 }
 is_whole() { [[ $(sum "$1") == "$first" || $(sum "$1") == "$second" ]]; }
 
-# What is written bit by bit has tests of its own: BASIC writes to a disk all the time, and the
-# journal must have what it held in the last second; a tape must have every byte that it was given.
-declare -A tests=([disk]='host *KilledAtAny*' [cassette]='media Tape.AKilled*')
+# What is written bit by bit has a test of its own: BASIC writes to a disk all the time, and the
+# journal must have what it held in the last second.
+declare -A tests=([disk]='host *KilledAtAny*')
 files=()
 for kind in "${kinds[@]}"; do
     read -r folder filter <<<"${tests[$kind]:-}"

@@ -29,22 +29,10 @@ struct Snapshot : testing::Test {
     /// A machine in which no two neighbours are equal.
     void SetUp() override {
         z80_state = {};
-        z80_state.bc = 0x0102;
-        z80_state.de = 0x0304;
-        z80_state.hl = 0x0506;
-        z80_state.af = 0x0708;
-        z80_state.bc_alt = 0x1112;
-        z80_state.de_alt = 0x1314;
-        z80_state.hl_alt = 0x1516;
-        z80_state.af_alt = 0x1718;
-        z80_state.pc = 0x2122;
-        z80_state.sp = 0x2324;
-        z80_state.ix = 0x2526;
-        z80_state.iy = 0x2728;
-        z80_state.i = 0x77;
-        z80_state.r = 0x88;
-        z80_state.iff1 = 1;
-        z80_state.interrupt_mode = 2;
+        // AF BC DE HL, IX IY SP PC, AF' BC' DE' HL', I R IFF1 IFF2 IM
+        static_cast<z80_registers&>(z80_state) = {0x0708, 0x0102, 0x0304, 0x0506, 0x2526, 0x2728,
+                                                  0x2324, 0x2122, 0x1718, 0x1112, 0x1314, 0x1516,
+                                                  0x77,   0x88,   1,      0,      2};
         z80_state.t_count = 123456789;
         for (size_t i = 0; i < MEMORY_SIZE; ++i) memory[i] = uint8_t(i * 5 + (i >> 8));
         for (size_t i = 0; i < 256; ++i) ports[i] = uint8_t(i + 1);
@@ -76,18 +64,9 @@ TEST_F(Snapshot, LoadRestoresRegistersRamAndPortZeroOnly) {
     for (const size_t extra : {0, 1000}) {
         SetUp();
         Machine want;
-        want.cpu.bc = 0x8081;
-        want.cpu.de = 0x8283;
-        want.cpu.hl = 0x8485;
-        want.cpu.af = 0x8687;
-        want.cpu.bc_alt = 0x8889;
-        want.cpu.de_alt = 0x8A8B;
-        want.cpu.hl_alt = 0x8C8D;
-        want.cpu.af_alt = 0x8E8F;
-        want.cpu.pc = 0x9091;
-        want.cpu.sp = 0x9293;
-        want.cpu.ix = 0x9697;
-        want.cpu.iy = 0x9899;
+        static_cast<z80_registers&>(want.cpu) = {0x8687, 0x8081, 0x8283, 0x8485, 0x9697, 0x9899,
+                                                 0x9293, 0x9091, 0x8E8F, 0x8889, 0x8A8B, 0x8C8D,
+                                                 0x77,   0x88,   1,      0,      2};
         want.port_bytes[0x00] = 0xB0;
         Bytes file = {'?', 0, 0xFF, 'x'}; // the magic does not count
         for (int value = 0x80; value <= 0x99; value += 2) {

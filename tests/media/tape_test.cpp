@@ -9,11 +9,7 @@
 #include "support/full_disk.h"
 #include "support/host_files.h"
 
-#include <csignal>
-
 #include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace {
 
@@ -43,26 +39,6 @@ protected:
     static void save(const std::string& bytes) {
         for (const char c : bytes) tape_write_one_byte(uint8_t(c));
     }
-    /// Runs `act` in a process of its own and kills it without warning once it has written
-    /// `acknowledged` bytes to its pipe. Returns how many it wrote in the end.
-    static size_t kill_after(size_t acknowledged, void (*act)(int pipe)) {
-        int ends[2];
-        if (pipe(ends) != 0) return 0;
-        const pid_t child = fork();
-        if (child == 0) {
-            act(ends[1]);
-            pause();
-        }
-        close(ends[1]);
-        size_t count = 0;
-        for (char byte; ::read(ends[0], &byte, 1) == 1;) {
-            if (++count == acknowledged) kill(child, SIGKILL);
-        }
-        close(ends[0]);
-        waitpid(child, nullptr, 0);
-        return count;
-    }
-
     fs::path folder;
 };
 
@@ -243,28 +219,6 @@ TEST_F(Tape, SavesThatFailAreToldOnce) {
     EXPECT_EQ(tape_dump_cas("./dump.cas", "0", "0", "0"), 0);
     EXPECT_EQ(fake_host.status[3], "./dump.cas: cannot be written");
     EXPECT_EQ(read_text("full.cas"), "0123456789");
-}
-
-TEST_F(Tape, AKilledProgramHasSavedWhatItWasGiven) {
-    fake_host.save_path = "killed.cas";
-    unsigned seed = 1;
-    for (int round = 0; round < kills_wanted(); ++round) {
-        seed = seed * 1103515245 + 12345;
-        const size_t count = kill_after(1 + seed / 65536 % 3000, [](int pipe) {
-            tape_create_cas();
-            for (unsigned n = 0; n < 100000; ++n) {
-                tape_write_one_byte(uint8_t(n * 5 / 3));
-                if (::write(pipe, "", 1) != 1) return;
-            }
-        });
-        const std::string saved = read_text("killed.cas");
-        ASSERT_GT(count, 0U);
-        ASSERT_GE(saved.size(), count);
-        ASSERT_LE(saved.size(), count + 1) << "the byte that was not acknowledged";
-        for (size_t n = 0; n < saved.size(); ++n) {
-            ASSERT_EQ(uint8_t(saved[n]), uint8_t(n * 5 / 3)) << n;
-        }
-    }
 }
 
 /// Takes a machine-code tape apart: "" when it is one, else what is wrong.
