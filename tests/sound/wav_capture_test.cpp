@@ -3,6 +3,7 @@
 #include "sound/output/wav_capture.h"
 
 #include "support/full_disk.h"
+#include "support/riff.h"
 #include "support/test_files.h"
 
 #include <gtest/gtest.h>
@@ -13,27 +14,14 @@ constexpr uint32_t FRAGMENT = 1920;
 
 /// Empty where the file is no 16-bit mono recording at 48000 Hz, or its lengths do not fit it.
 std::vector<uint8_t> samples_of(const std::string& path) {
-    const std::vector<uint8_t> all = read_file(path);
-    const auto number = [&](size_t at, int bytes) {
-        uint32_t value = 0;
-        for (int n = bytes; n-- > 0;) value = value << 8 | all.at(at + size_t(n));
-        return value;
-    };
-    const auto tag = [&](size_t at) { return std::string(&all.at(at), &all.at(at) + 4); };
-    if (all.size() < 12 || tag(0) != "RIFF" || tag(8) != "WAVE") return {};
-    if (number(4, 4) != all.size() - 8) return {};
-    bool format_known = false;
-    for (size_t at = 12; at + 8 <= all.size(); at += 8 + number(at + 4, 4)) {
-        if (tag(at) == "fmt ") {
-            format_known = number(at + 8, 2) == 1 && number(at + 10, 2) == 1 &&
-                           number(at + 12, 4) == 48000 && number(at + 16, 4) == 96000 &&
-                           number(at + 20, 2) == 2 && number(at + 22, 2) == 16;
-        }
-        if (tag(at) != "data" || !format_known) continue;
-        if (at + 8 + number(at + 4, 4) != all.size()) return {};
-        return {all.begin() + long(at) + 8, all.end()};
-    }
-    return {};
+    const Riff riff(read_file(path));
+    const auto format = riff.all("WAVE/fmt "), data = riff.all("WAVE/data");
+    if (format.size() != 1 || data.size() != 1) return {};
+    const size_t at = format[0].start;
+    const bool known = riff.number(at) == 0x10001 && riff.number(at + 4) == 48000 &&
+                       riff.number(at + 8) == 96000 && riff.number(at + 12) == 0x100002;
+    const auto samples = riff.data.begin() + ptrdiff_t(data[0].start);
+    return known ? std::vector(samples, samples + ptrdiff_t(data[0].size)) : std::vector<uint8_t>();
 }
 
 class WavCaptureTest : public testing::Test {
