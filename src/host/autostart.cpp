@@ -9,6 +9,7 @@
 #include "host/menu.h"
 #include "host/replays.h"
 #include "host/rewind.h"
+#include "host/save_question.h"
 #include "host/state_files.h"
 #include "media/damage.h"
 #include "media/files/cassette_files.h"
@@ -95,6 +96,7 @@ bool start_cmd(const std::string& path, Bytes bytes) {
 }
 
 bool start_cassette(const std::string& path, Bytes bytes) {
+    save_next_to({});
     tape_attach_bytes(path, bytes);
     char name = 0;
     const int kind = tape_cas_is_attached() ? tape_cas_type(&name) : tape_type(bytes, &name);

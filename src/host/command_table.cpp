@@ -7,6 +7,7 @@
 #include "core/pacing/pacing.h"
 #include "files/file_identity.h"
 #include "host/autostart.h"
+#include "host/command_table_files.h"
 #include "host/command_table_time.h"
 #include "host/commands.h"
 #include "host/dialogs/dialogs.h"
@@ -512,8 +513,9 @@ const CommandRow rows[] = {
 std::span<const CommandRow> command_table() {
     static const std::vector<CommandRow> all = [] {
         std::vector<CommandRow> table(std::begin(rows), std::end(rows));
-        const auto behind = time_command_rows();
-        table.insert(table.end(), behind.begin(), behind.end());
+        for (const auto behind : {time_command_rows(), file_command_rows()}) {
+            table.insert(table.end(), behind.begin(), behind.end());
+        }
         return table;
     }();
     return all;

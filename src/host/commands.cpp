@@ -18,6 +18,7 @@
 #include "host/display.h"
 #include "host/menu.h"
 #include "host/messages.h"
+#include "host/save_question.h"
 #include "host/screenshot.h"
 #include "host/settings/choices.h"
 #include "host/shell.h"
@@ -269,6 +270,7 @@ void save_to_video() { video_save_to_avi(true, {}); }
 void tell_bad_image(const std::string& path) { report({.text = "Error opening image: " + path}); }
 
 void attach_cas(const std::string& path) {
+    save_next_to({});
     if (!tape_attach_cas(path)) return tell_bad_image(path);
     const std::string text = tape_wav_is_open() ? "CAS image in real time, F5 plays it: " + path
                                                 : "CAS image attached: " + path;
@@ -276,6 +278,7 @@ void attach_cas(const std::string& path) {
 }
 
 void detach_cas() {
+    save_next_to({});
     tape_detach_cas();
     tell_tape_is_out();
 }

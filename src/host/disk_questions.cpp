@@ -128,7 +128,7 @@ void ask_about_journal(unsigned drive, const std::shared_ptr<const LeftJournal>&
         switch (answer) {
         case 0:
             if (fits) return done(JournalAnswer::take);
-            return save_disk_elsewhere(shared_bytes(left->image), [=](bool saved) {
+            return save_disk_elsewhere(shared_bytes(left->image), [=](const auto& saved) {
                 saved ? done(JournalAnswer::discard) : again();
             });
         case 1: return look_at_names(drive, *left, again);
@@ -139,15 +139,16 @@ void ask_about_journal(unsigned drive, const std::shared_ptr<const LeftJournal>&
     ask("Warning", text, {first, "&Look at the names...", "&Discard it", "Later"}, answered);
 }
 
-void save_disk_elsewhere(const shared_bytes& image, const std::function<void(bool)>& done) {
+void save_disk_elsewhere(const shared_bytes& image,
+                         const std::function<void(const std::optional<std::string>&)>& done) {
     ui_select_file(DIALOG_SAVE_DISK, [=](const std::optional<std::string>& path) {
-        if (!path) return done(false);
+        if (!path) return done({});
         const bool saved = replace_whole_file(*path, image.view());
         if (saved) {
             report({.text = "The disk is saved: " + *path, .severity = Severity::note});
         } else {
             report({.text = *path + " cannot be written", .reason = std::strerror(errno)});
         }
-        done(saved);
+        done(saved ? path : std::nullopt);
     });
 }

@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 struct LeftJournal;
@@ -29,6 +30,7 @@ enum class JournalAnswer { take, discard, later };
 void ask_about_journal(unsigned drive, const std::shared_ptr<const LeftJournal>& left,
                        const std::function<void(JournalAnswer)>& done);
 
-/// Asks for a file and writes the image to it. False when that was given up or fails, which is
-/// reported.
-void save_disk_elsewhere(const shared_bytes& image, const std::function<void(bool saved)>& done);
+/// Asks for a file and writes the image to it. `done` gets its path, or nothing when that was given
+/// up or fails, which is reported.
+void save_disk_elsewhere(const shared_bytes& image,
+                         const std::function<void(const std::optional<std::string>& path)>& done);

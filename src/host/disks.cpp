@@ -5,6 +5,7 @@
 #include "files/name_claim.h"
 #include "files/whole_file.h"
 #include "host/autostart.h"
+#include "host/dialogs/ask.h"
 #include "host/dialogs/hold.h"
 #include "host/disk_journal.h"
 #include "host/disk_questions.h"
@@ -33,6 +34,7 @@ struct DiskCare {
     std::vector<NameClaim> claims; ///< on the image, while it may be written to
     DiskJournal journal;
     bool is_protected = false;   ///< the disk is write-protected, for whatever reason
+    bool user_protects = false;  ///< because the user wants it
     bool journal_failed = false; ///< which has been reported
     /// There may be a journal of an earlier run, about which the user has to be asked.
     bool journal_waits = false;
@@ -65,11 +67,24 @@ std::string image_problem(const std::string& path) {
 
 std::string drive_name(unsigned drive) { return "drive :" + std::to_string(drive); }
 
+/// The mark in the menu, and the tool tip of the lamps, which has a line for each disk.
+void show_protection(unsigned drive) {
+    check_menu_item(COMMAND_PROTECT_DISK + int(drive), wd1771.disks[drive].write_protected != 0);
+    std::string tip;
+    for (unsigned n = 0; n < DISK_DRIVES; ++n) {
+        if (!diskimg_inserted(wd1771.disks[n])) continue;
+        tip += (tip.empty() ? ":" : "\n:") + std::to_string(n) + " " + drive_files[n].path;
+        if (wd1771.disks[n].write_protected) tip += ", write-protected";
+    }
+    platform().status_bar().set_tip(PART_LAMPS, tip);
+}
+
 void show_drive(unsigned drive) {
     const bool empty = !diskimg_inserted(wd1771.disks[drive]);
     const std::string& path = drive_files[drive].path;
     const std::string content = empty ? "<no disk>" : path.empty() ? "<no file>" : path;
     modify_menu_text(COMMAND_ATTACH_DISK + int(drive), drive_text(drive, content));
+    show_protection(drive);
 }
 
 void empty_drive(unsigned drive) {
@@ -82,6 +97,7 @@ void set_protection(unsigned drive) {
     const bool level = cares[drive].is_protected;
     if ((wd1771.disks[drive].write_protected != 0) == level) return;
     machine_apply(event_kind::disk_protect, int32_t(drive), level);
+    show_protection(drive);
 }
 
 void protect(unsigned drive, bool level) {
@@ -104,7 +120,7 @@ void save_disk(unsigned drive, bool keep_mine, const DiskDone& done) {
         case TroubleAnswer::mine: return save_disk(drive, mine_next, done);
         case TroubleAnswer::elsewhere: break;
         }
-        save_disk_elsewhere(drive_contents[drive], [=](bool saved) {
+        save_disk_elsewhere(drive_contents[drive], [=](const auto& saved) {
             saved ? done(true) : save_disk(drive, keep_mine, done);
         });
     };
@@ -236,6 +252,28 @@ bool keep_journal(unsigned drive) {
                 .severity = Severity::warning});
     }
     return false;
+}
+
+/// Claims the image again, and asks about its journal again.
+void try_to_free(unsigned drive) {
+    protect(drive, false);
+    if (cares[drive].claims.empty()) claim_image(drive);
+    watch_journal(drive);
+    offer_journal(drive, [] {});
+}
+
+void offer_copy(unsigned drive) {
+    const auto copied = [drive](const std::optional<std::string>& copy) {
+        if (copy) main_disk_image_attach(drive, *copy);
+    };
+    ask("Write protection",
+        drive_files[drive].path + " in " + drive_name(drive) +
+            " cannot be written.\n\n"
+            "Save a copy: the disk goes into a file of yours, which takes its place in the drive.",
+        {"&Save a copy...", "Cancel"}, [=](int answer) {
+            constexpr int SAVE = 0;
+            if (answer == SAVE) save_disk_elsewhere(drive_contents[drive], copied);
+        });
 }
 
 /// Keeps the changes of a disk about which the user has not decided when the program ends.
@@ -441,6 +479,31 @@ void main_disk_image_detach(unsigned drive, DiskDone done) {
 }
 
 void main_disk_image_detach_all() { detach_from(0); }
+
+std::optional<unsigned> first_empty_drive(unsigned from) {
+    for (unsigned drive = from; drive < DISK_DRIVES; ++drive) {
+        if (!diskimg_inserted(wd1771.disks[drive])) return drive;
+    }
+    return {};
+}
+
+void main_disk_switch_protection(unsigned drive) {
+    if (!diskimg_inserted(wd1771.disks[drive])) {
+        return StatusBarText("There is no disk in drive :%u.", drive);
+    }
+    DiskCare& care = cares[drive];
+    if (!care.is_protected || care.user_protects) {
+        care.user_protects = !care.is_protected;
+        protect(drive, care.user_protects);
+    } else if (access(drive_files[drive].path.c_str(), W_OK) != 0) {
+        return offer_copy(drive);
+    } else {
+        try_to_free(drive);
+    }
+    if (care.is_protected != care.user_protects) return; // which has been told
+    StatusBarText("The disk in drive :%u %s.", drive,
+                  care.is_protected ? "is write-protected" : "can be written to");
+}
 
 void main_disk_offer_journals() {
     journals_are_offered = true;

@@ -11,6 +11,7 @@
 
 #include <array>
 #include <functional>
+#include <optional>
 #include <string>
 
 /// Gets the result, before the call returns or after the user's answers.
@@ -28,6 +29,13 @@ std::string main_disk_image_remembered(unsigned drive);
 void main_disk_image_detach(unsigned drive, DiskDone done = {});
 /// Takes out all disks, drive 0 first, up to the first one that stays.
 void main_disk_image_detach_all();
+
+/// The first drive from this one on that has no disk.
+std::optional<unsigned> first_empty_drive(unsigned from);
+/// Switches the write protection of the disk in the drive. A disk whose file cannot be written
+/// stays protected: the user is offered to save a copy, which then takes its place. The same holds
+/// for a disk that another drive or program has, as long as that is so.
+void main_disk_switch_protection(unsigned drive);
 
 /// From here on a journal is offered when its image is attached; those of disks attached before are
 /// offered now. Until then, and while there is no answer, such a disk is write-protected.

@@ -37,6 +37,12 @@ MenuEntry detach_disk_menu() {
                     item(COMMAND_DETACH_ALL)});
 }
 
+MenuEntry protect_disk_menu() {
+    return submenu("&Write protection",
+                   {item(COMMAND_PROTECT_DISK), item(COMMAND_PROTECT_DISK + 1),
+                    item(COMMAND_PROTECT_DISK + 2), item(COMMAND_PROTECT_DISK + 3)});
+}
+
 MenuEntry media_snapshots_menu() {
     return submenu("&Media snapshots", {item(COMMAND_SCREENSHOT), item(COMMAND_SCREENSHOT_AS),
                                         item(COMMAND_SAVE_VIDEO_RAM), SEPARATOR,
@@ -47,7 +53,8 @@ MenuEntry file_menu() {
     return submenu("&File",
                    {item(COMMAND_AUTOSTART), SEPARATOR, item(COMMAND_LOAD_BAS),
                     item(COMMAND_MEMORY_AS_CAS), SEPARATOR, attach_disk_menu(), detach_disk_menu(),
-                    SEPARATOR, item(COMMAND_LOAD_SNAPSHOT), item(COMMAND_SAVE_SNAPSHOT),
+                    protect_disk_menu(), item(COMMAND_NEW_DISK), item(COMMAND_NEW_TAPE), SEPARATOR,
+                    item(COMMAND_LOAD_SNAPSHOT), item(COMMAND_SAVE_SNAPSHOT),
                     media_snapshots_menu(), item(COMMAND_EXIT)});
 }
 

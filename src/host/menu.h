@@ -75,7 +75,10 @@ enum Command : int {
     COMMAND_KEEP_HISTORY = 40213,
     COMMAND_RUN_AHEAD = 40214, ///< + frames, 0 to 4
     COMMAND_FAST_TAPES = 40219,
-    COMMAND_ASK_MEMORY_SIZE = 40220
+    COMMAND_ASK_MEMORY_SIZE = 40220,
+    COMMAND_NEW_DISK = 40271,
+    COMMAND_NEW_TAPE = 40272,
+    COMMAND_PROTECT_DISK = 40273 ///< + drive 0 to 3
 };
 
 /// The menu as the program starts with it.

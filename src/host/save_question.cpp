@@ -8,7 +8,8 @@
 namespace {
 
 save_answer answer = SAVE_NOT_YET;
-bool asking = false; ///< the dialog is open
+bool asking = false;   ///< the dialog is open
+std::string next_file; ///< for the next save; else empty
 
 } // namespace
 
@@ -16,7 +17,13 @@ save_answer take_save_answer() { return std::exchange(answer, SAVE_NOT_YET); }
 
 void forget_save_answer() { answer = SAVE_NOT_YET; }
 
+void save_next_to(const std::string& path) { next_file = path; }
+
 bool ask_save_question() {
+    if (!asking && !next_file.empty()) {
+        answer_save_question(std::exchange(next_file, {}));
+        return true;
+    }
     if (!std::exchange(asking, true)) get_ui_save_tape_filename(answer_save_question);
     return answer != SAVE_NOT_YET;
 }

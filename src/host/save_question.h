@@ -15,5 +15,7 @@ save_answer take_save_answer();
 bool ask_save_question();
 /// An answer that has not been taken was for another state of the machine.
 void forget_save_answer();
+/// The next save goes to this file without a question; an empty path takes that back.
+void save_next_to(const std::string& path);
 /// The user's answer: a file to be made, or none (nothing, or an empty name).
 void answer_save_question(const std::optional<std::string>& path);

@@ -255,6 +255,13 @@ TEST_F(CommandsTest, ASaveAsksForItsFile) {
     host->answer_later(false);
     save(); // cancelled
     EXPECT_EQ(tape_get_cas_name(), "late.cas");
+    for (const int behind : {0, 124}) { // nothing, or the tape is taken out
+        choose("blank");
+        handle_command(40272);
+        if (behind) handle_command(behind);
+        save(); // a question would be cancelled
+        EXPECT_EQ(tape_get_cas_name(), behind ? "" : "blank.cas");
+    }
     tape_detach_cas();
 }
 

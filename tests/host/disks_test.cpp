@@ -430,6 +430,36 @@ TEST_F(DisksTest, DroppedDisksGoIntoDriveZero) {
     emu_close();
 }
 
+TEST_F(DisksTest, WriteProtectionIsTheUsersAsFarAsTheFileCanBeWritten) {
+    constexpr int PROTECT = 40273;
+    const auto is_protected = [&](unsigned drive) {
+        const bool marked = host->window().checked(PROTECT + int(drive));
+        EXPECT_EQ(wd1771.disks[drive].write_protected, marked);
+        return marked;
+    };
+    attach(0, "a.dsk");
+    for (const bool now : {true, false}) {
+        command(PROTECT);
+        EXPECT_EQ(is_protected(0), now);
+        EXPECT_EQ(host->status_bar().tips[1], now ? ":0 a.dsk, write-protected" : ":0 a.dsk");
+    }
+    attach(1, "a.dsk");
+    command(PROTECT + 1);
+    EXPECT_TRUE(is_protected(1)) << "drive 0 has it";
+    command(DETACH);
+    command(PROTECT + 1);
+    EXPECT_FALSE(is_protected(1));
+    host->dialogs().choices.push_back({{"new", 0}});
+    command(40271);
+    EXPECT_EQ(text_of(0), text_of(0, "new.dsk")) << "the first empty drive";
+    std::string problem;
+    const auto made = disk_mount(wd1771_disk(0), problem);
+    ASSERT_TRUE(made) << problem;
+    EXPECT_TRUE(disk_files(*made).empty() && disk_check(*made).empty());
+    EXPECT_EQ(disk_free_blocks(*made), 77U) << "all but the directory's two and the boot sector's";
+    emu_close();
+}
+
 TEST_F(DisksTest, AMachineWithoutTheDiskRomIsOfferedItForThisRun) {
     const auto& questions = host->dialogs().questions;
     for (const int answer : {NO, YES}) {

@@ -327,6 +327,8 @@ std::vector<Stop> TourTest::stops() {
              choose("given.tvs");
          },
          [] { EXPECT_TRUE(load_can_be_undone()); }},
+        {40271, chosen("work"), status("Disk: 2 side(s), 40 tracks, 10 sectors, 100 kb.")},
+        {40272, chosen("work"), status("The next CSAVE goes to work.cas")},
         {40206, chosen("saved"), [] { EXPECT_TRUE(fs::exists("saved.tvs")); }},
         {40212, nothing, option(shell_state.resume, 40212, true)},
     };
@@ -349,6 +351,8 @@ std::vector<Stop> TourTest::stops() {
                         }});
         list.push_back({40022 + int(drive), nothing,
                         status("Disk detached from drive #" + std::to_string(drive))});
+        list.push_back({40273 + int(drive), nothing,
+                        status("There is no disk in drive :" + std::to_string(drive) + ".")});
     }
     return list;
 }

@@ -16,7 +16,7 @@
 
 namespace {
 
-constexpr int DIALOG_TYPES = DIALOG_RECORD_REPLAY + 1;
+constexpr int DIALOG_TYPES = DIALOG_NEW_TAPE + 1;
 
 const FileFilter ALL = {"All (*.*)", "*.*"};
 
@@ -75,6 +75,9 @@ const std::map<int, FileDialogText>& dialog_types() {
         {DIALOG_PLAY_REPLAY, {"Play replay", {{"Replays (*.tvr)", "*.tvr"}, ALL}}},
         {DIALOG_RECORD_REPLAY,
          {"Record replay", {{"Replays (*.tvr)", "*.tvr", "tvr"}, all_files("tvr")}}},
+        {DIALOG_NEW_DISK,
+         {"New disk", {{"Disk images (*.dsk)", "*.dsk", "dsk"}, all_files("dsk")}}},
+        {DIALOG_NEW_TAPE, {"New tape", {{"CAS files (*.cas)", "*.cas", "cas"}, all_files("cas")}}},
     };
     return types;
 }

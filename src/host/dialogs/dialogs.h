@@ -29,7 +29,9 @@ enum FileDialogType : int {
     DIALOG_SAVE_DISK = 16,
     DIALOG_SAVE_STATE = 17,
     DIALOG_PLAY_REPLAY = 19,
-    DIALOG_RECORD_REPLAY = 20
+    DIALOG_RECORD_REPLAY = 20,
+    DIALOG_NEW_DISK = 21,
+    DIALOG_NEW_TAPE = 22
 };
 
 /// A dialog hands its answer over before the call returns or later. The shell is held until then.

@@ -1,0 +1,9 @@
+#pragma once
+/// Blank disks and tapes.
+
+/// Asks for a file, makes a formatted disk of 40 tracks with 10 sectors there and puts it into the
+/// first empty drive, see give_disk. Where no drive is empty, the user is told and nothing made.
+void new_disk();
+/// Asks for a file and makes an empty cassette image there, which the next save of the firmware
+/// goes to without a question, unless another tape is put in before or it is taken out.
+void new_tape();
