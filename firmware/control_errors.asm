@@ -93,7 +93,9 @@ _unhandled:
         DEC HL
         LD (SAVED_STACK),HL
         XOR A
-        LD (CONT_TEXT + 1),A
+        LD H,A
+        LD L,A
+        LD (CONT_TEXT),HL
 _ended:
         LD (IN_HANDLER),A
 _report:

@@ -283,8 +283,8 @@ _unhandled:
         DEC HL
         DEC HL
         LD (SAVED_STACK),HL
-        XOR A
-        LD (CONT_TEXT + 1),A
+        LD HL,0
+        LD (CONT_TEXT),HL
 _report:
         LD HL,(CURRENT_LINE)
         LD (ERROR_LINE),HL
