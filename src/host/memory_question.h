@@ -1,7 +1,8 @@
 #pragma once
-/// The firmware asks "MEM SIZE?" when the machine is switched on, and Enter is what nearly everybody
-/// answers. In a window the program presses it when nobody touches a key for a while. The firmware
-/// itself asks as ever, and the key comes as an input like any other, so that recordings hold it.
+/// The firmware asks "MEM SIZE?" when the machine is switched on, and Enter is what nearly
+/// everybody answers. In a window the program presses it when nobody touches a key for a while. The
+/// firmware itself asks as ever, and the key comes as an input like any other, so that recordings
+/// hold it.
 
 struct machine_input;
 
