@@ -3,10 +3,16 @@
 func_str:
         CALL check_number
         CALL format_number
-        LD BC,0
-        CALL text_string
-        LD HL,(ACCUMULATOR)
-        CALL duplicate_string
+        PUSH HL
+        XOR A
+        LD B,A
+        LD C,A
+        CPIR
+        LD A,C
+        CPL                     ; without the 0
+        CALL make_string
+        POP HL
+        LDIR
         JP push_string
 
 ; VAL(text): reads the number from a copy that a 0 ends, in the free space.
