@@ -54,6 +54,7 @@ namespace {
 constexpr int TAPE_SAMPLE_RATE = 44100; ///< Hz, of a new tape recording
 constexpr uint32_t RESTART_WAIT = 500;  ///< ms
 constexpr uint32_t BLUR_LEVEL = 66;
+constexpr const char* WAY_BACK = "Esc brings the machine back";
 constexpr int CAPTURE_RUNS = 2; ///< value of g_bRecordingVideo
 
 void tell_saved(const std::string& path) { StatusBarText("Saved: %s", path.c_str()); }
@@ -64,9 +65,11 @@ void enter_monitor() {
     ui_set_window_title("(Monitor)");
     platform().pane(PaneId::monitor).show(true);
     monitor_update();
+    StatusBarText("%s", WAY_BACK);
 }
 
 void leave_monitor() {
+    if (shown_status() == WAY_BACK) StatusBarText("%s", "");
     cpu_breakpoint_arrives(); // the breakpoint at this place has been reached already
     const Size client = platform().window().client_size();
     platform().pane(PaneId::picture).fill_rectangle({0, 0, client.width, client.height}, 0);
@@ -134,6 +137,11 @@ void toggle_monitor() {
         leave_monitor();
     }
     check_menu_item(COMMAND_MONITOR, g_bDebug);
+}
+
+void monitor_key_switched() {
+    const std::string label = find_command(COMMAND_MONITOR)->label;
+    modify_menu_text(COMMAND_MONITOR, label + (shell_state.monitor_f12 ? "\tF12" : "\tESC"));
 }
 
 void configure_machine() {

@@ -32,6 +32,8 @@ void with_file(int dialog, void (*act)(const std::string& path));
 void pause_machine();
 void restart_machine();
 void toggle_monitor();
+/// Shows in the menu which key opens the monitor.
+void monitor_key_switched();
 void configure_machine();
 void pacing_switched();
 void key_mapping_switched();

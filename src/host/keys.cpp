@@ -7,6 +7,7 @@
 #include "host/rewind.h"
 #include "host/rom_files.h"
 #include "host/shell.h"
+#include "host/shell_state.h"
 #include "host/speed_commands.h"
 #include "monitor/monitor.h"
 #include "platform/keyboard.h"
@@ -68,9 +69,12 @@ void pause_or_next_frame() {
 }
 
 void toggle_monitor() { handle_command(COMMAND_MONITOR); }
-void leave_replay_or_toggle_monitor() {
+void leave_replay_or_open_monitor() {
     if (replay_plays()) return end_replay();
-    toggle_monitor();
+    if (!shell_state.monitor_f12) toggle_monitor();
+}
+void toggle_monitor_with_f12() {
+    if (shell_state.monitor_f12) toggle_monitor();
 }
 void save_screenshot() { handle_command(COMMAND_SCREENSHOT); }
 
@@ -82,7 +86,7 @@ struct KeyEntry {
 
 constexpr auto keys = std::to_array<KeyEntry>({
     {KEY_RETURN, single_step, nullptr},
-    {KEY_ESCAPE, toggle_monitor, leave_replay_or_toggle_monitor},
+    {KEY_ESCAPE, toggle_monitor, leave_replay_or_open_monitor},
     {KEY_PAGE_UP, [] { step_dir_page(-1); }, nullptr},
     {KEY_PAGE_DOWN, [] { step_dir_page(1); }, pause_or_next_frame},
     {KEY_UP, [] { step_dir(-1); }, nullptr},
@@ -95,6 +99,7 @@ constexpr auto keys = std::to_array<KeyEntry>({
     {KEY_F7, run_until_back, nullptr}, // elsewhere pacing looks whether it is held
     {KEY_F8, dump_memory, step_slow_motion},
     {KEY_F9, dump_disassembly, dump_disassembly},
+    {KEY_F12, toggle_monitor_with_f12, toggle_monitor_with_f12},
 });
 
 /// Alt with a key is the window system's and the menu's; with Control it is AltGr.

@@ -95,7 +95,7 @@ MenuEntry options_menu() {
                     item(COMMAND_DISPLAY_SETTINGS), SEPARATOR, item(COMMAND_GIANT_SCREEN),
                     item(COMMAND_FULL_SCREEN), SEPARATOR, item(COMMAND_KEEP_HISTORY),
                     run_ahead_menu(), item(COMMAND_FAST_TAPES), item(COMMAND_RESUME),
-                    item(COMMAND_ASK_MEMORY_SIZE)});
+                    item(COMMAND_ASK_MEMORY_SIZE), item(COMMAND_MONITOR_F12)});
 }
 
 /// What the window's menu shows at the moment, and the marks of ids that it does not hold.
@@ -135,7 +135,8 @@ std::vector<KeyChord> all_accelerator_keys() {
 
 std::vector<MenuEntry> main_menu() {
     return {file_menu(), machine_menu(), tape_menu(), options_menu(),
-            submenu("&Help", {item(COMMAND_ABOUT), item(COMMAND_MESSAGES)})};
+            submenu("&Help", {item(COMMAND_MANUAL), item(COMMAND_KEYS), SEPARATOR,
+                              item(COMMAND_ABOUT), item(COMMAND_MESSAGES)})};
 }
 
 void create_menu() {

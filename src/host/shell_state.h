@@ -37,6 +37,7 @@ struct shell_record {
     bool resume = false;          ///< go on where the program was left
     bool ask_memory_size = false; ///< and wait for the answer
     bool save_video_ram = false;  ///< every screenshot is followed by a dump of the screen memory
+    bool monitor_f12 = false;     ///< F12 opens the monitor, and Esc does not
     bool keep_history = false;    ///< of the machine, to go back in
     uint32_t history_limit = 0;   ///< MB
     uint32_t composite_blur = 0;  ///< nonzero: composite filter, canvas of 32 bits per pixel

@@ -53,4 +53,6 @@ struct Dialogs {
     virtual void about(const std::string& title, const std::vector<std::string>& lines,
                        const std::string& link, const std::string& target,
                        std::function<void()> done) = 0;
+    /// Opens the page in the user's browser. False when the host has no way to do that.
+    virtual bool open_page(const std::string& url) = 0;
 };

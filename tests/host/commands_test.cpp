@@ -311,4 +311,23 @@ TEST_F(CommandsTest, KeysInTheMonitor) {
     EXPECT_TRUE(g_bActive);
 }
 
+TEST_F(CommandsTest, EscOrF12OpensTheMonitorAndEscClosesIt) {
+    create_menu();
+    for (const bool f12 : {false, true}) {
+        if (f12) handle_command(COMMAND_MONITOR_F12);
+        EXPECT_EQ(menu_item_text(COMMAND_MONITOR), f12 ? "&Monitor\tF12" : "&Monitor\tESC");
+        const int door = f12 ? KEY_F12 : KEY_ESCAPE;
+        press(f12 ? KEY_ESCAPE : KEY_F12);
+        EXPECT_FALSE(g_bDebug) << "the machine's key";
+        for (const int way_back : {int(KEY_ESCAPE), door}) {
+            press(door);
+            EXPECT_TRUE(g_bDebug);
+            EXPECT_EQ(host->status_text(3), "Esc brings the machine back");
+            press(way_back);
+            EXPECT_FALSE(g_bDebug);
+            EXPECT_EQ(host->status_text(3), "");
+        }
+    }
+}
+
 } // namespace

@@ -127,4 +127,25 @@ TEST_F(DialogsTest, ScreenToClipboard) {
     crtc = before;
 }
 
+TEST_F(DialogsTest, PagesOfTheManualOpenWhereThereIsABrowser) {
+    const Folder folder;
+    HeadlessOptions options;
+    options.program_directory = folder / "bin";
+    HeadlessPlatform installed{options};
+    install_platform(installed);
+    for (const char* name : {"bin", "share/doc/tarvelin"}) {
+        std::filesystem::create_directories(folder / name);
+    }
+    const std::string page = folder / "share/doc/tarvelin/keys.html";
+    for (const bool exists : {false, true}) {
+        if (exists) write_text(page, "");
+        for (const bool browser : {false, true}) {
+            installed.dialogs().has_browser = browser;
+            ui_open_manual("keys.html");
+            EXPECT_EQ(installed.dialogs().pages.size(), exists && browser);
+        }
+    }
+    EXPECT_EQ(installed.dialogs().pages[0], "file://" + page);
+}
+
 } // namespace

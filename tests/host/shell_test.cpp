@@ -46,7 +46,7 @@ TEST_F(ShellTest, SettingsAreReadAndWrittenInTheirOrder) {
               "InterlacedLine=80 VideoCut=0 VideoPage=0 KeyMapping=0 GiantScreen=0 CleanSound=0 "
               "EnablePrinter=0 Disk0 Disk1 Disk2 Disk3 CompositeBlur=0 "
               "SaveVideoRamWithScreenShots=0 CustomPalette=0 Tape CycleBasedEmulation=0 "
-              "History=0 HistoryLimit=200 Resume=0 AskMemorySize=0 ");
+              "History=0 HistoryLimit=200 Resume=0 AskMemorySize=0 MonitorF12=0 ");
     EXPECT_EQ(host->status_text(0), "CG NZ1");
     EXPECT_EQ(host->status_text(3), "");
     g_GiantScreen = g_1bitDisplay = true;
@@ -60,7 +60,7 @@ TEST_F(ShellTest, SettingsAreReadAndWrittenInTheirOrder) {
               "VideoCut=0 VideoPage=0 KeyMapping=0 GiantScreen=1 CleanSound=0 EnablePrinter=0 "
               "SaveVideoRamWithScreenShots=0 CustomRamStartupPattern=0 CycleBasedEmulation=0 "
               "Disk0= Disk1= Disk2= Disk3= Tape=7 History=0 HistoryLimit=200 "
-              "RunAhead=0 TapeTurbo=0 Resume=0 AskMemorySize=0 ");
+              "RunAhead=0 TapeTurbo=0 Resume=0 AskMemorySize=0 MonitorF12=0 ");
     EXPECT_FALSE(host_has_canvas());
 }
 

@@ -321,6 +321,9 @@ std::vector<Stop> TourTest::stops() {
         {40211, nothing, status("Slow motion: half speed")},
         {40219, nothing, option(speed_choices.fast_tapes, 40219, true)},
         {40220, nothing, option(shell_state.ask_memory_size, 40220, true)},
+        {40231, nothing, status("The manual is not installed")},
+        {40232, nothing, status("The manual is not installed")},
+        {40233, nothing, option(shell_state.monitor_f12, 40233, true)},
         {40205,
          [this] {
              save_state_as("given.tvs");

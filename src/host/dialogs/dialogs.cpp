@@ -1,5 +1,6 @@
 #include "host/dialogs/dialogs.h"
 
+#include "files/file_identity.h"
 #include "files/file_names.h"
 #include "host/dialogs/ask.h"
 #include "host/dialogs/hold.h"
@@ -149,12 +150,17 @@ std::string file_url(const std::string& path) {
     return url;
 }
 
+/// Where the page is, in the place of installation.
+std::string manual_page(const std::string& page) {
+    return canonical_path(platform().paths().program_directory() + "/" TARVELIN_MANUALS "/" + page);
+}
+
 /// The installed manual, or the program's folder when there is none.
 std::string manual_url() {
     std::error_code error;
-    const std::string program = platform().paths().program_directory();
-    const std::string manual = program + "/" TARVELIN_MANUAL;
-    return file_url(std::filesystem::exists(manual, error) ? manual : program);
+    const std::string manual = manual_page("manual.html");
+    return file_url(
+        std::filesystem::exists(manual, error) ? manual : platform().paths().program_directory());
 }
 
 } // namespace
@@ -203,4 +209,15 @@ void ui_about_dialog() {
                                {"Tarvelin", "EACA EG2000 Colour Genie emulator",
                                 std::string("Version ") + TARVELIN_VERSION},
                                "User manual", manual_url(), release_shell);
+}
+
+void ui_open_manual(const char* page) {
+    std::error_code error;
+    const std::string path = manual_page(page);
+    if (!std::filesystem::exists(path, error)) {
+        return report({.text = "The manual is not installed", .file = path});
+    }
+    if (!platform().dialogs().open_page(file_url(path))) {
+        report({.text = "No browser for the manual", .file = path});
+    }
 }

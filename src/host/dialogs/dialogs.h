@@ -52,6 +52,8 @@ void ui_get_casdata(std::array<std::string, 3>* addresses);
 /// Name, version, and the link to the user manual: beside the program in its place of installation,
 /// or else the program's folder.
 void ui_about_dialog();
+/// Opens a page of the manual, a file in its folder, in the user's browser. Reports what fails.
+void ui_open_manual(const char* page);
 /// Chooses the model or sets up the user's own configuration, and applies it on OK. `done` is
 /// called on OK and on Cancel.
 void ui_machine_config(std::function<void()> done);

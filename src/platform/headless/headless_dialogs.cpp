@@ -68,6 +68,11 @@ void HeadlessDialogs::about(const std::string& title, const std::vector<std::str
     answers_.give(std::move(done));
 }
 
+bool HeadlessDialogs::open_page(const std::string& url) {
+    if (has_browser) pages.push_back(url);
+    return has_browser;
+}
+
 bool HeadlessClipboard::set_text(const std::string& text) {
     if (available) content = text;
     return available;

@@ -48,6 +48,7 @@ struct HeadlessDialogs final : public Dialogs {
     void about(const std::string& title, const std::vector<std::string>& lines,
                const std::string& link, const std::string& target,
                std::function<void()> done) override;
+    bool open_page(const std::string& url) override;
 
     /// Answers, the next one in front. Without one a question has no answer and a file dialog is
     /// cancelled. Fields that a choice has no text for keep theirs.
@@ -57,6 +58,8 @@ struct HeadlessDialogs final : public Dialogs {
     std::vector<HeadlessMessage> messages, questions;
     std::vector<FileDialog> file_dialogs;
     std::vector<HeadlessAbout> abouts;
+    bool has_browser = false; ///< set by the driver
+    std::vector<std::string> pages;
 
 private:
     HeadlessAnswers& answers_;

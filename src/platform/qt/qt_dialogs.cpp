@@ -167,8 +167,7 @@ void QtDialogs::about(const std::string& title, const std::vector<std::string>& 
                 "</a>");
     page.setAlignment(Qt::AlignCenter);
     page.setTextInteractionFlags(Qt::TextBrowserInteraction);
-    QObject::connect(&page, &QLabel::linkActivated,
-                     [](const QString& url) { QDesktopServices::openUrl(QUrl(url)); });
+    QObject::connect(&page, &QLabel::linkActivated, [this, target] { open_page(target); });
     QDialogButtonBox buttons(QDialogButtonBox::Ok);
     QObject::connect(&buttons, &QDialogButtonBox::accepted, &box, &QDialog::accept);
 
@@ -181,4 +180,8 @@ void QtDialogs::about(const std::string& title, const std::vector<std::string>& 
     buttons.button(QDialogButtonBox::Ok)->setFocus();
     box.exec();
     done();
+}
+
+bool QtDialogs::open_page(const std::string& url) {
+    return QDesktopServices::openUrl(QUrl(to_qt(url)));
 }

@@ -16,6 +16,7 @@ public:
     void about(const std::string& title, const std::vector<std::string>& lines,
                const std::string& link, const std::string& target,
                std::function<void()> done) override;
+    bool open_page(const std::string& url) override;
 
 private:
     int ask(const std::string& title, const std::string& text,

@@ -1,0 +1,7 @@
+#pragma once
+/// The rows of what helps a newcomer: the manual, and the way into the monitor.
+
+#include "host/command_table.h"
+
+/// They stand behind those of time in the command table.
+std::span<const CommandRow> help_command_rows();
