@@ -133,7 +133,7 @@ private:
         for (const char* word : {"NEW", "DELETE", "RENUM", "AUTO", "EDIT", "LOAD", "MERGE", "RUN"})
             if (text.find(word) != std::string::npos) text.clear();
         for (size_t at = 0; at < text.size(); at = text.find('\n', at) + 1)
-            if (std::isdigit(text[at]) || text[at] == ' ') text.insert(at, ":");
+            if (std::isdigit(text[at]) || text[at] == ' ' || text[at] == '@') text.insert(at, ":");
         return text;
     }
     std::string noise() {

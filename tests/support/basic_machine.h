@@ -15,7 +15,8 @@ class BasicMachine {
 public:
     BasicMachine();
     /// Powers standard model `slot` on, with this BASIC ROM in place of its own when it is not
-    /// empty, and a disk ROM when one follows in the same bytes, and answers the question for the memory size.
+    /// empty, and a disk ROM when one follows in the same bytes, and answers the question for the
+    /// memory size.
     void boot(int slot, const std::vector<uint8_t>& rom = {});
     /// Types the text ("\n" is Enter) and runs until the machine waits for a key again; false when
     /// `frames` frames were not enough.
