@@ -6,47 +6,27 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
+#include <fstream>
+#include <sstream>
+
 namespace {
 
-// clang-format off
-
-/// Unprefixed, conditions false. The prefixes have their own tables.
-constexpr uint8_t costs[256] = {
-     4,10, 7, 6, 4, 4, 7, 4, 4,11, 7, 6, 4, 4, 7, 4, 8,10, 7, 6, 4, 4, 7, 4,12,11, 7, 6, 4, 4, 7, 4,
-     7,10,16, 6, 4, 4, 7, 4, 7,11,16, 6, 4, 4, 7, 4, 7,10,13, 6,11,11,10, 4, 7,11,13, 6, 4, 4, 7, 4,
-     4, 4, 4, 4, 4, 4, 7, 4, 4, 4, 4, 4, 4, 4, 7, 4, 4, 4, 4, 4, 4, 4, 7, 4, 4, 4, 4, 4, 4, 4, 7, 4,
-     4, 4, 4, 4, 4, 4, 7, 4, 4, 4, 4, 4, 4, 4, 7, 4, 7, 7, 7, 7, 7, 7, 4, 7, 4, 4, 4, 4, 4, 4, 7, 4,
-     4, 4, 4, 4, 4, 4, 7, 4, 4, 4, 4, 4, 4, 4, 7, 4, 4, 4, 4, 4, 4, 4, 7, 4, 4, 4, 4, 4, 4, 4, 7, 4,
-     4, 4, 4, 4, 4, 4, 7, 4, 4, 4, 4, 4, 4, 4, 7, 4, 4, 4, 4, 4, 4, 4, 7, 4, 4, 4, 4, 4, 4, 4, 7, 4,
-     5,10,10,10,10,11, 7,11, 5,10,10, 0,10,17, 7,11, 5,10,10,11,10,11, 7,11, 5, 4,10,10,10, 0, 7,11,
-     5,10,10,19,10,11, 7,11, 5, 4,10, 4,10, 0, 7,11, 5,10,10, 4,10,11, 7,11, 5, 6,10, 4,10, 0, 7,11};
-
-/// HALT stays on itself.
-constexpr char lengths[] =
-    "1311112111111121231111212111112123311121213111212331112121311121"
-    "1111111111111111111111111111111111111111111111111111110111111111"
-    "1111111111111111111111111111111111111111111111111111111111111111"
-    "1133312111303321113231211132302111313121113130211131312111313021";
-
-/// ED 40 to 7F; the opcodes around them cost nothing but the block instructions.
-constexpr uint8_t ed_costs[64] = {
-    11, 12, 15, 20,  8, 14,  8,  9,   11, 12, 15, 20,  8, 14,  0,  9,
-    11, 12, 15, 20,  8, 14,  8,  9,   11, 12, 15, 20,  8, 14,  8,  9,
-    11, 12, 15, 20,  8, 14,  8, 18,   11, 12, 15, 20,  8, 14,  0, 18,
-    11, 12, 15, 20,  8, 14,  8,  0,   11, 12, 15, 20,  8, 14,  8,  0};
-
-/// DD and FD; 0 where the prefix changes nothing and runs alone. CB has its own table.
-constexpr uint8_t index_costs[256] = {
-     0, 0, 0, 0, 0, 0, 0, 0, 0,15, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,15, 0, 0, 0, 0, 0, 0,
-     0,14,20,10, 8, 8,11, 0, 0,15,20,10, 8, 8,11, 0, 0, 0, 0, 0,23,23,19, 0, 0,15, 0, 0, 0, 0, 0, 0,
-     0, 0, 0, 0, 8, 8,19, 0, 0, 0, 0, 0, 8, 8,19, 0, 0, 0, 0, 0, 8, 8,19, 0, 0, 0, 0, 0, 8, 8,19, 0,
-     8, 8, 8, 8, 8, 8,19, 8, 8, 8, 8, 8, 8, 8,19, 8,19,19,19,19,19,19, 0,19, 0, 0, 0, 0, 8, 8,19, 0,
-     0, 0, 0, 0, 8, 8,19, 0, 0, 0, 0, 0, 8, 8,19, 0, 0, 0, 0, 0, 8, 8,19, 0, 0, 0, 0, 0, 8, 8,19, 0,
-     0, 0, 0, 0, 8, 8,19, 0, 0, 0, 0, 0, 8, 8,19, 0, 0, 0, 0, 0, 8, 8,19, 0, 0, 0, 0, 0, 8, 8,19, 0,
-     0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,
-     0,14, 0,23, 0,15, 0, 0, 0, 8, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0,10, 0, 0, 0, 0, 0, 0};
-
-// clang-format on
+/// The numbers of instruction_costs.txt; -1 where there are no more.
+std::array<int, 832> all_numbers() {
+    std::ifstream file(TEST_SOURCE_DIR "/instruction_costs.txt");
+    std::array<int, 832> numbers;
+    numbers.fill(-1);
+    size_t count = 0;
+    for (std::string line; std::getline(file, line);) {
+        std::istringstream stream(line[0] == '#' ? "" : line);
+        for (int number; stream >> number;) numbers.at(count++) = number;
+    }
+    return numbers;
+}
+const std::array<int, 832> numbers = all_numbers();
+const int *const costs = &numbers[0], *const lengths = &numbers[256],
+                 *const ed_costs = &numbers[512], *const index_costs = &numbers[576];
 
 constexpr int stacked = 0x5678;
 
@@ -79,7 +59,7 @@ TEST(InstructionCost, UnprefixedWithBothOutcomesOfConditions) {
             const int f = patterns[run / 2], bc = run % 2 ? 0x0110 : 0x0210;
             const int condition = op < 0x40 ? op >> 3 & 3 : op >> 3 & 7;
             const bool met = ((f & masks[condition / 2]) != 0) == (condition % 2 != 0);
-            int cost = costs[op], pc = origin + (lengths[op] - '0');
+            int cost = costs[op], pc = origin + lengths[op];
             if ((op & 0xE7) == 0x20 && met) cost = 12, pc += 0x34;
             if (op == 0x18) pc += 0x34;
             if (op == 0x10 && bc == 0x0210) cost = 13, pc += 0x34;
@@ -129,7 +109,7 @@ TEST(InstructionCost, IndexGroups) {
         if (op == 0xCB) continue;
         for (const int prefix : {0xDD, 0xFD}) {
             const bool displaced = index_costs[op] == 19 || (op | 1) == 0x35;
-            int pc = origin + (lengths[op] - '0') + 1 + (displaced ? 1 : 0);
+            int pc = origin + lengths[op] + 1 + (displaced ? 1 : 0);
             if (index_costs[op] == 0) pc = origin + 1;
             if (op == 0xE9) pc = prefix == 0xDD ? 0x5678 : 0x6789;
             const int cost = index_costs[op] ? index_costs[op] : 4;
