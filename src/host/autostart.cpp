@@ -7,6 +7,7 @@
 #include "files/whole_file.h"
 #include "host/disk_rom.h"
 #include "host/menu.h"
+#include "host/recent.h"
 #include "host/replays.h"
 #include "host/rewind.h"
 #include "host/save_question.h"
@@ -207,7 +208,9 @@ bool load_snapshot(const std::string& path) {
     const std::string problem = file_problem(path);
     if (!problem.empty()) return report({.text = problem}), false;
     const auto bytes = read_whole_file(path);
-    return bytes && start_snapshot(path, *bytes);
+    if (!bytes || !start_snapshot(path, *bytes)) return false;
+    note_opened(Opened::as_snapshot, path);
+    return true;
 }
 
 std::string patterns_of(uint8_t roles) {
@@ -234,6 +237,7 @@ void autostart_file(const std::string& given) {
     if (!problem.empty()) return report({.text = problem});
     const auto bytes = read_whole_file(path);
     if (!bytes) return report({.text = path + ": cannot be read"});
+    note_opened(Opened::started, path);
     if (starter_of(path)->load(path, *bytes)) tell_started(path);
 }
 
@@ -252,5 +256,6 @@ void main_load_bas_file(const std::string& path) {
     if (!problem.empty()) return report({.text = problem});
     const auto bytes = read_whole_file(path);
     if (!bytes) return report({.text = path + ": cannot be read"});
+    note_opened(Opened::as_listing, path);
     give_basic(path, *bytes, "");
 }

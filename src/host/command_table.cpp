@@ -17,6 +17,7 @@
 #include "host/display.h"
 #include "host/menu.h"
 #include "host/messages.h"
+#include "host/recent.h"
 #include "host/screen_text.h"
 #include "host/screenshot.h"
 #include "host/settings/choices.h"
@@ -101,6 +102,12 @@ using Value = LineSwitch::Value;
 int64_t cycles(const Given& given) {
     const int64_t wait = given.seconds * int64_t(z80_state.clock_hz);
     return z80_state.t_count + std::min(wait, EVENT_DISARMED - z80_state.t_count);
+}
+
+void insert_disk(const std::string& path) {
+    main_disk_image_attach(0, path, [path](bool attached) {
+        if (attached) note_opened(Opened::in_drive_0, path);
+    });
 }
 
 void apply_model(const Given& given) {
@@ -279,7 +286,7 @@ const CommandRow rows[] = {
      .line_switch = {.letter = 'i',
                      .value = Value::text,
                      .usage = " FILE   put a disk image into drive 0",
-                     .obey = [](const Given& given) { main_disk_image_attach(0, given.value); },
+                     .obey = [](const Given& given) { insert_disk(given.value); },
                      .problem = file_problem}},
     {.id = COMMAND_ATTACH_DISK + 1,
      .label = "Drive :&1 - <no disk>",
@@ -462,8 +469,7 @@ const CommandRow rows[] = {
      .label = "Attach &WAV...",
      .tip = "Puts a recording of a cassette into the recorder.",
      .keys = {{{'W', ALT}}},
-     .run =
-         [] { with_file(DIALOG_ATTACH_WAV, [](const std::string& wav) { tape_open_wav(wav); }); }},
+     .run = [] { with_file(DIALOG_ATTACH_WAV, attach_wav); }},
     {.id = COMMAND_CREATE_WAV,
      .label = "&Create WAV...",
      .tip = "Puts a blank recording into the recorder.",

@@ -2,11 +2,43 @@
 
 #include "host/commands.h"
 #include "host/dialogs/dialogs.h"
+#include "host/examples.h"
 #include "host/menu.h"
+#include "host/recent.h"
 #include "host/shell_state.h"
 
-std::span<const CommandRow> help_command_rows() {
-    static const CommandRow rows[] = {
+#include <utility>
+#include <vector>
+
+namespace {
+
+template <size_t N>
+CommandRow example_row() {
+    return {.id = COMMAND_EXAMPLE + int(N),
+            .label = examples[N].label,
+            .tip = examples[N].tip,
+            .run = [] { start_example(examples[N]); }};
+}
+
+template <size_t N>
+CommandRow recent_row() {
+    return {.id = COMMAND_RECENT + int(N), .label = "-", .tip = "Opens the file again.", .run = [] {
+                open_recent_file(int(N));
+            }};
+}
+
+template <size_t... N>
+void add_examples(std::vector<CommandRow>& rows, std::index_sequence<N...> /*all*/) {
+    (rows.push_back(example_row<N>()), ...);
+}
+
+template <size_t... N>
+void add_recent(std::vector<CommandRow>& rows, std::index_sequence<N...> /*all*/) {
+    (rows.push_back(recent_row<N>()), ...);
+}
+
+std::vector<CommandRow> make_rows() {
+    std::vector<CommandRow> rows = {
         {.id = COMMAND_MONITOR_F12,
          .label = "&Monitor with F12 only",
          .tip = "Esc does not open the monitor; F12 opens and closes it.",
@@ -28,6 +60,19 @@ std::span<const CommandRow> help_command_rows() {
          .label = "&Keys",
          .tip = "Shows in the browser what each key does.",
          .run = [] { ui_open_manual("keys.html"); }},
+        {.id = COMMAND_CLEAR_RECENT,
+         .label = "&Clear list",
+         .tip = "Forgets which files were opened.",
+         .run = clear_recent_files},
     };
+    add_examples(rows, std::make_index_sequence<examples.size()>());
+    add_recent(rows, std::make_index_sequence<RECENT_FILES>());
+    return rows;
+}
+
+} // namespace
+
+std::span<const CommandRow> help_command_rows() {
+    static const std::vector<CommandRow> rows = make_rows();
     return rows;
 }

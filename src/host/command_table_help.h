@@ -1,5 +1,6 @@
 #pragma once
-/// The rows of what helps a newcomer: the manual, and the way into the monitor.
+/// The rows of what helps a newcomer: the manual, examples, the files opened last, and
+/// the way into the monitor.
 
 #include "host/command_table.h"
 

@@ -18,6 +18,7 @@
 #include "host/display.h"
 #include "host/menu.h"
 #include "host/messages.h"
+#include "host/recent.h"
 #include "host/save_question.h"
 #include "host/screenshot.h"
 #include "host/settings/choices.h"
@@ -280,9 +281,14 @@ void tell_bad_image(const std::string& path) { report({.text = "Error opening im
 void attach_cas(const std::string& path) {
     save_next_to({});
     if (!tape_attach_cas(path)) return tell_bad_image(path);
+    note_opened(Opened::as_cassette, path);
     const std::string text = tape_wav_is_open() ? "CAS image in real time, F5 plays it: " + path
                                                 : "CAS image attached: " + path;
     if (is_whole(path, tape_damage, text)) StatusBarText("%s", text.c_str());
+}
+
+void attach_wav(const std::string& path) {
+    if (tape_open_wav(path)) note_opened(Opened::as_tape_sound, path);
 }
 
 void detach_cas() {
@@ -340,7 +346,13 @@ void save_snapshot(const std::string& path) {
 
 void select_disk(unsigned drive) {
     ui_select_file(DIALOG_ATTACH_DISK, [drive](const std::optional<std::string>& path) {
-        if (path) give_disk(drive, *path, [](bool) {});
+        if (path) open_disk(drive, *path);
+    });
+}
+
+void open_disk(unsigned drive, const std::string& path) {
+    give_disk(drive, path, [drive, path](bool attached) {
+        if (attached) note_opened(Opened(char(Opened::in_drive_0) + int(drive)), path);
     });
 }
 

@@ -54,6 +54,7 @@ void giant_screen_switched();
 void save_to_video();
 
 void attach_cas(const std::string& path);
+void attach_wav(const std::string& path);
 void detach_cas();
 void close_wav();
 void create_wav(const std::string& path);
@@ -63,3 +64,4 @@ void adjust_head();
 void save_memory_as_cas(const std::string& path);
 void save_snapshot(const std::string& path);
 void select_disk(unsigned drive);
+void open_disk(unsigned drive, const std::string& path);

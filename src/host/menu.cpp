@@ -1,6 +1,8 @@
 #include "host/menu.h"
 
 #include "host/command_table.h"
+#include "host/examples.h"
+#include "host/recent.h"
 #include "platform/platform.h"
 
 #include <algorithm>
@@ -49,13 +51,29 @@ MenuEntry media_snapshots_menu() {
                                         item(COMMAND_SAVE_VIDEO), item(COMMAND_SAVE_WAV)});
 }
 
+MenuEntry examples_menu() {
+    Entries children;
+    for (size_t n = 0; n < examples.size(); ++n) children.push_back(item(COMMAND_EXAMPLE + int(n)));
+    return submenu("Exam&ples", std::move(children));
+}
+
+MenuEntry recent_menu() {
+    Entries children;
+    for (int n = 0; n < RECENT_FILES; ++n) {
+        children.push_back(item(COMMAND_RECENT + n));
+        children.back().state = ItemState::hidden;
+    }
+    children.insert(children.end(), {SEPARATOR, item(COMMAND_CLEAR_RECENT)});
+    return submenu("&Recent", std::move(children));
+}
+
 MenuEntry file_menu() {
-    return submenu("&File",
-                   {item(COMMAND_AUTOSTART), SEPARATOR, item(COMMAND_LOAD_BAS),
-                    item(COMMAND_MEMORY_AS_CAS), SEPARATOR, attach_disk_menu(), detach_disk_menu(),
-                    protect_disk_menu(), item(COMMAND_NEW_DISK), item(COMMAND_NEW_TAPE), SEPARATOR,
-                    item(COMMAND_LOAD_SNAPSHOT), item(COMMAND_SAVE_SNAPSHOT),
-                    media_snapshots_menu(), item(COMMAND_EXIT)});
+    return submenu("&File", {item(COMMAND_AUTOSTART), examples_menu(), recent_menu(), SEPARATOR,
+                             item(COMMAND_LOAD_BAS), item(COMMAND_MEMORY_AS_CAS), SEPARATOR,
+                             attach_disk_menu(), detach_disk_menu(), protect_disk_menu(),
+                             item(COMMAND_NEW_DISK), item(COMMAND_NEW_TAPE), SEPARATOR,
+                             item(COMMAND_LOAD_SNAPSHOT), item(COMMAND_SAVE_SNAPSHOT),
+                             media_snapshots_menu(), item(COMMAND_EXIT)});
 }
 
 MenuEntry time_menu() {

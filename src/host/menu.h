@@ -79,6 +79,9 @@ enum Command : int {
     COMMAND_MANUAL = 40231,
     COMMAND_KEYS = 40232,
     COMMAND_MONITOR_F12 = 40233,
+    COMMAND_EXAMPLE = 40240, ///< + place in the list
+    COMMAND_RECENT = 40260,  ///< + place in the list, 0 to 9
+    COMMAND_CLEAR_RECENT = 40270,
     COMMAND_NEW_DISK = 40271,
     COMMAND_NEW_TAPE = 40272,
     COMMAND_PROTECT_DISK = 40273 ///< + drive 0 to 3

@@ -1,4 +1,5 @@
 #include "host/replays.h"
+#include "host/recent.h"
 
 #include "core/frame_driver.h"
 #include "core/pacing/pacing.h"
@@ -222,6 +223,7 @@ void play_replay_file(const std::string& path, int64_t last) {
     if (!problem.empty()) return report({.text = problem});
     auto bytes = read_whole_file(path, LARGEST_REPLAY);
     if (!bytes) return report({.text = path + ": cannot be read"});
+    note_opened(Opened::as_replay, path);
     play_replay_bytes(path, std::move(*bytes), last);
 }
 

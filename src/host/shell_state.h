@@ -18,6 +18,7 @@ struct ShellOptions {
     bool keep_history = false;            ///< unless the settings say otherwise
     bool resumes = false;                 ///< the option to go on where the program was left counts
     bool save_changed_disks = false;      ///< when they are taken out, without a question
+    bool remembers_files = false;         ///< that were opened, see recent.h
     bool answers_memory_question = false; ///< of a machine that was switched on, after a while
 };
 

@@ -1,4 +1,5 @@
 #include "host/state_files.h"
+#include "host/recent.h"
 
 #include "core/machine.h"
 #include "core/pacing/pacing.h"
@@ -174,6 +175,7 @@ void load_state_file(const std::string& path) {
     const auto bytes = problem.empty() ? read_whole_file(path) : std::nullopt;
     if (!problem.empty()) return report({.text = problem});
     if (!bytes) return report({.text = path + ": cannot be read"});
+    note_opened(Opened::as_state, path);
     load_state_bytes(path, *bytes);
 }
 

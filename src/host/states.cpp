@@ -1,4 +1,5 @@
 #include "host/states.h"
+#include "host/recent.h"
 
 #include "files/whole_file.h"
 #include "host/state_files.h"
@@ -143,7 +144,10 @@ void save_state_as(const std::string& path) {
     StatusBarText("Saved: %s", path.c_str());
 }
 
-void load_state(const std::string& path) { load_file(path, "State"); }
+void load_state(const std::string& path) {
+    if (exists(path)) note_opened(Opened::as_state, path);
+    load_file(path, "State");
+}
 
 bool load_can_be_undone() { return states.before_load.has_value(); }
 

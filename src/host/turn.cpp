@@ -8,11 +8,13 @@
 #include "host/dialogs/hold.h"
 #include "host/disks.h"
 #include "host/display.h"
+#include "host/examples.h"
 #include "host/film_bar.h"
 #include "host/key_map.h"
 #include "host/menu.h"
 #include "host/messages.h"
 #include "host/options.h"
+#include "host/recent.h"
 #include "host/resume.h"
 #include "host/rewind.h"
 #include "host/shell.h"
@@ -58,7 +60,10 @@ public:
         turn.menu_closed = true;
         show_tip({});
     }
-    void menu_opens() override {}
+    void menu_opens() override {
+        show_examples();
+        show_recent_files();
+    }
     void item_highlighted(int id) override { show_tip(menu_tip(id)); }
     void paint(PaneId pane) override {
         switch (pane) {

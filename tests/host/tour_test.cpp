@@ -341,6 +341,11 @@ std::vector<Stop> TourTest::stops() {
                             expect_mark(40214 + frames, true);
                         }});
     }
+    for (int id = 40240; id <= 40252; ++id) {
+        list.push_back({id, nothing, status("The example is not installed")});
+    }
+    const auto look = [this] { host->sink().menu_opens(); };
+    for (int id = 40260; id <= 40270; ++id) list.push_back({id, look, status("")});
     for (const unsigned drive : {0, 1, 2, 3}) {
         list.push_back({40018 + int(drive),
                         [this] {

@@ -1,0 +1,40 @@
+#include "host/examples.h"
+
+#include "core/machine_events.h"
+#include "files/file_identity.h"
+#include "host/autostart.h"
+#include "host/menu.h"
+#include "host/replays.h"
+#include "host/screenshot.h"
+#include "platform/platform.h"
+#include "wall/report.h"
+
+#include <filesystem>
+
+std::string example_path(const Example& example) {
+    for (const char* place : {TARVELIN_EXAMPLES, "../examples"}) {
+        const std::string folder = platform().paths().program_directory() + "/" + place;
+        const std::string path = canonical_path(folder + "/" + example.file);
+        std::error_code error;
+        if (std::filesystem::exists(path, error)) return path;
+    }
+    return {};
+}
+
+void start_example(const Example& example) {
+    const std::string path = example_path(example);
+    if (path.empty()) return report({.text = "The example is not installed", .file = example.file});
+    end_replay();
+    machine_apply(event_kind::restart);
+    autostart_file(path);
+    last_file_name = std::filesystem::path(path).stem();
+}
+
+void show_examples() {
+    Window& window = platform().window();
+    for (size_t n = 0; n < examples.size(); ++n) {
+        window.set_item_state(COMMAND_EXAMPLE + int(n), example_path(examples[n]).empty()
+                                                            ? ItemState::greyed
+                                                            : ItemState::usual);
+    }
+}
