@@ -1,10 +1,9 @@
 #include "monitor/monitor.h"
 
-#include "cgenie/crtc.h"
 #include "cgenie/memory/memory.h"
-#include "cgenie/video.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"
+#include "core/machine_state.h"
 #include "core/pacing/pacing.h"
 #include "host/display.h"
 #include "host/menu.h"
@@ -20,10 +19,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <functional>
 #include <optional>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace {
 
@@ -31,11 +27,14 @@ constexpr uint16_t CODE = 0x9000;
 
 class Monitor : public testing::Test {
 protected:
-    void SetUp() override {
+    static void renew_host() {
         host.emplace(HeadlessOptions{});
         install_platform(*host);
         CreateStatusBar();
         create_menu();
+    }
+    void SetUp() override {
+        renew_host();
         z80_state = {};
         memory_set_startup_pattern(0);
         machine_init();
@@ -251,29 +250,14 @@ enum class Way { unarmed, run_on, step_on };
 
 class Breakpoint : public Monitor {
 protected:
-    /// Everything that a run can leave behind.
-    static std::string state() {
-        g_bDebug = false;
-        update_screen(1);
-        const auto hash = [](const uint8_t* bytes, size_t count) {
-            return std::hash<std::string_view>()({reinterpret_cast<const char*>(bytes), count});
-        };
-        const z80_record& s = z80_state;
-        char text[300];
-        std::snprintf(
-            text, sizeof text,
-            "AF=%04X BC=%04X DE=%04X HL=%04X SP=%04X PC=%04X R=%02X IFF=%d T=%lld left=%d "
-            "frames=%u memory=%zX picture=%zX",
-            s.af, s.bc, s.de, s.hl, s.sp, s.pc, s.r, s.iff1, (long long)(s.t_count), leftover,
-            crtc.frame_counter, hash(memory, 65536),
-            hash(frame_buffer, size_t{SCREEN_WIDTH} * SCREEN_HEIGHT));
-        return text;
-    }
-
-    /// Six frames; at the breakpoint the user looks, and goes on. Returns the stops, the state.
-    static std::string run(Way way, uint16_t breakpoint, int most_stops) {
+    /// Six frames; at the breakpoint the user looks, and goes on. Returns the stops.
+    static int run(const machine_state& from, Way way, uint16_t breakpoint, machine_state& end) {
+        constexpr int MOST_STOPS = 30;
+        renew_host();
+        machine_load(from);
         z80_state.breakpoint = breakpoint;
         z80_state.breakpoint_enabled = way != Way::unarmed;
+        z80_state.stood_on_breakpoint = 0;
         event_shutdown_timout = z80_state.t_count + 6 * 44335 - 1000;
         int stops = 0;
         while (!host->quit_posted()) {
@@ -281,36 +265,21 @@ protected:
                 run_timed_events();
                 continue;
             }
-            if (++stops == most_stops) press(KEY_F4); // the listing begins at the breakpoint
+            if (++stops == MOST_STOPS) press(KEY_F4); // the listing begins at the breakpoint
             const bool as_promised = g_bDebug && host->title() == "Tarvelin - (Monitor)" &&
                                      z80_state.pc == breakpoint && local_pc == breakpoint &&
                                      monitor_page == MONITOR_DISASSEMBLY;
-            if (!as_promised) return "not as promised " + state();
+            if (!as_promised) return -1;
             for (int n = 0; way == Way::step_on && n < 3 && !host->quit_posted(); ++n) {
                 press(KEY_RETURN);
             }
             press(KEY_F2);
             if (!host->quit_posted()) press(KEY_ESCAPE);
         }
-        return std::to_string(stops) + " stops|" + state();
-    }
-
-    /// In a process of its own, so that all begin with the same machine.
-    static std::string run_apart(Way way, uint16_t breakpoint, int most_stops) {
-        int ends[2];
-        if (pipe(ends) != 0) return "no pipe";
-        const pid_t child = fork();
-        if (child == 0) {
-            const std::string result = run(way, breakpoint, most_stops);
-            const bool written = write(ends[1], result.data(), result.size()) > 0;
-            _exit(written ? 0 : 1);
-        }
-        close(ends[1]);
-        char text[400];
-        const ssize_t length = read(ends[0], text, sizeof text);
-        close(ends[0]);
-        waitpid(child, nullptr, 0);
-        return std::string(text, size_t(std::max<ssize_t>(length, 0)));
+        g_bDebug = false;
+        update_screen(1);
+        machine_save(end);
+        return stops;
     }
 };
 
@@ -352,13 +321,12 @@ TEST_F(Breakpoint, PassedItChangesNothing) {
             poke(0x9300, {0x1C, 0xFB, 0xED, 0x4D});
             z80_state.pc = CODE;
             z80_state.irq = std::string(c.name) == "interrupt";
-            const auto breakpoint = uint16_t(c.breakpoint);
-            const std::string plain = run_apart(Way::unarmed, breakpoint, 30);
-            ASSERT_TRUE(plain.starts_with("0 stops|")) << plain;
+            machine_state before, plain, passed;
+            machine_save(before);
+            EXPECT_EQ(run(before, Way::unarmed, uint16_t(c.breakpoint), plain), 0);
             for (const Way way : {Way::run_on, Way::step_on}) {
-                const std::string result = run_apart(way, breakpoint, 30);
-                const int stops = std::atoi(result.c_str());
-                EXPECT_EQ(result.substr(result.find('|') + 1), plain.substr(8)) << int(way);
+                const int stops = run(before, way, uint16_t(c.breakpoint), passed);
+                EXPECT_EQ(machine_difference(plain, passed), "") << int(way);
                 EXPECT_GE(stops, c.fewest) << int(way);
                 EXPECT_LE(stops, c.most) << int(way);
             }
