@@ -14,7 +14,7 @@
 std::string example_path(const Example& example) {
     for (const char* place : {TARVELIN_EXAMPLES, "../examples"}) {
         const std::string folder = platform().paths().program_directory() + "/" + place;
-        const std::string path = canonical_path(folder + "/" + example.file);
+        std::string path = canonical_path(folder + "/" + example.file);
         std::error_code error;
         if (std::filesystem::exists(path, error)) return path;
     }

@@ -30,7 +30,7 @@ constexpr const char* SETTING = "RecentFiles";
 constexpr char BETWEEN = '|';
 constexpr char ESCAPE = '%';
 constexpr int HEXADECIMAL = 16;
-constexpr size_t LONGEST_SHOWN = 40; ///< characters of a name or a folder
+constexpr size_t LONGEST_SHOWN = 32; ///< characters of a name or a folder
 constexpr std::chrono::milliseconds LONGEST_LOOK{30};
 
 struct Way {
