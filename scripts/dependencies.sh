@@ -7,7 +7,7 @@ set -euo pipefail
 # Qt's private headers have the Wayland connection until Qt 6.5.
 run_packages=(g++ make cmake ninja-build pasmo pkg-config libtomlplusplus-dev qt6-base-dev
               qt6-base-private-dev libgl-dev libxkbcommon-dev libxkbcommon-x11-dev libxcb1-dev
-              libxcb-xkb-dev libwayland-dev libsdl2-dev zlib1g-dev)
+              libxcb-xkb-dev libwayland-dev libsdl2-dev zlib1g-dev libminizip-dev)
 if [[ -n ${WAYLAND_DISPLAY:-} ]]; then run_packages+=(qt6-wayland); fi
 test_packages=(libgtest-dev libgif-dev libbenchmark-dev libz80ex-dev clang libclang-rt-dev
                clang-format clang-tidy python3 xvfb xdotool x11-xkb-utils x11-utils appstream

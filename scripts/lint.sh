@@ -22,6 +22,7 @@ media
 cgenie
 core
 platform
+files/zip
 media/files
 sound/output
 core/pacing

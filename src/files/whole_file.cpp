@@ -203,6 +203,9 @@ bool stays_in_place() { return errno == EACCES || errno == EPERM || errno == ERO
 
 } // namespace
 
+std::optional<std::vector<uint8_t>> (*read_in_archive)(const std::string& path,
+                                                       size_t limit) = nullptr;
+
 std::string random_name() {
     static std::random_device random;
     constexpr std::string_view LETTERS = "abcdefghijklmnopqrstuvwxyz234567";
@@ -216,7 +219,9 @@ bool is_temporary_name(std::string_view name) { return name.starts_with(TEMPORAR
 
 std::optional<std::vector<uint8_t>> read_whole_file(const std::string& path, size_t limit) {
     std::error_code error;
-    if (!fs::is_regular_file(path, error)) return {};
+    if (!fs::is_regular_file(path, error)) {
+        return read_in_archive ? read_in_archive(path, limit) : std::nullopt;
+    }
     const FileHandle file = open_file(path, "rb");
     if (!file) return {};
     std::vector<uint8_t> bytes;

@@ -17,6 +17,11 @@ constexpr size_t LARGEST_FILE = 16 << 20;
 std::optional<std::vector<uint8_t>> read_whole_file(const std::string& path,
                                                     size_t limit = LARGEST_FILE);
 
+/// What read_whole_file asks about a path that is not that of a file: a program that reads archives
+/// as if they were folders sets it. Null where there are no archives.
+extern std::optional<std::vector<uint8_t>> (*read_in_archive)(const std::string& path,
+                                                              size_t limit);
+
 /// Replaces the file, or makes it, at one stroke: whatever happens, the file holds either its old
 /// or its new contents. Permissions, owner, group and access lists stay as far as the user may set
 /// them, and a link keeps pointing to its file, which is made where it is missing.

@@ -5,6 +5,7 @@
 #include "core/pacing/pacing.h"
 #include "files/file_names.h"
 #include "files/whole_file.h"
+#include "files/zip/zip_folder.h"
 #include "host/disk_rom.h"
 #include "host/menu.h"
 #include "host/recent.h"
@@ -12,6 +13,7 @@
 #include "host/rewind.h"
 #include "host/save_question.h"
 #include "host/state_files.h"
+#include "host/zip_files.h"
 #include "media/damage.h"
 #include "media/files/cassette_files.h"
 #include "media/files/typed_text.h"
@@ -69,10 +71,14 @@ using Bytes = std::span<const uint8_t>;
 
 constexpr const char* UNKNOWN_TYPE = ": files of this type cannot be started";
 
-/// After the file that is started.
+/// After the file that is started; beside the zip file when it is in one.
 void name_screenshots(const std::string& path) {
     const size_t point = extension_point(path);
     last_file_name = point == std::string::npos ? std::string() : path.substr(0, point);
+    const auto inside = zip_path(path);
+    if (!inside) return;
+    last_file_name =
+        fs::path(inside->archive).replace_filename(fs::path(last_file_name).filename());
 }
 
 /// Tells the user when the contents are damaged, with `text` in the status bar.
@@ -176,11 +182,16 @@ constexpr Loader loaders[] = {
     {"txt", ROLE_START | ROLE_TYPE, start_basic},
 };
 
-/// The loader of a file that can be started; null for any other file.
-const Loader* starter_of(const std::string& path) {
+const Loader* loader_of(const std::string& path) {
     const std::string extension = lower_case_extension(path);
     const auto* found = std::ranges::find(loaders, extension, &Loader::extension);
-    return found != std::end(loaders) && found->roles & ROLE_START ? found : nullptr;
+    return found != std::end(loaders) ? found : nullptr;
+}
+
+/// The loader of a file that can be started; null for any other file.
+const Loader* starter_of(const std::string& path) {
+    const Loader* loader = loader_of(path);
+    return loader && loader->roles & ROLE_START ? loader : nullptr;
 }
 
 } // namespace
@@ -190,6 +201,10 @@ std::string file_problem(const std::string& path) { return file_problem(path, LA
 std::string file_problem(const std::string& path, size_t largest) {
     std::error_code error;
     const fs::file_status status = fs::status(path, error);
+    if (const auto inside = zip_path(path)) {
+        const std::string problem = zip_file_problem(*inside, largest);
+        return problem.empty() ? problem : path + ": " + problem;
+    }
     if (!fs::exists(status)) return path + ": no such file";
     if (fs::is_directory(status)) return path + ": is a folder";
     // A pipe or a device may never come to an end.
@@ -213,6 +228,11 @@ bool load_snapshot(const std::string& path) {
     return true;
 }
 
+uint8_t roles_of(const std::string& path) {
+    const Loader* loader = loader_of(path);
+    return loader ? loader->roles : uint8_t(0);
+}
+
 std::string patterns_of(uint8_t roles) {
     std::string patterns;
     for (const Loader& loader : loaders) {
@@ -223,6 +243,7 @@ std::string patterns_of(uint8_t roles) {
 }
 
 std::string start_problem(const std::string& path) {
+    if (is_zip_name(path)) return zip_problem(path, ROLE_START);
     std::string problem = file_problem(path);
     if (problem.empty() && !starter_of(path)) problem = path + UNKNOWN_TYPE;
     return problem;
@@ -232,6 +253,7 @@ void autostart_file(const std::string& given) {
     end_replay();
     // The host takes a path up to a zero byte.
     const std::string path = given.substr(0, given.find('\0'));
+    if (is_zip_name(path)) return with_file_of_zip(path, ROLE_START, autostart_file);
     name_screenshots(path);
     const std::string problem = start_problem(path);
     if (!problem.empty()) return report({.text = problem});

@@ -25,10 +25,13 @@ struct Loader {
     bool (*load)(const std::string& name, std::span<const uint8_t> bytes);
 };
 
+/// What a file with this name can be used for; 0 for a type that is not known.
+uint8_t roles_of(const std::string& path);
 /// The file names of all types with one of the roles, as a dialog's filter: "*.a;*.b".
 std::string patterns_of(uint8_t roles);
 
-/// Loads and starts the file, and says so in the status bar. Its name without the extension becomes
+/// Loads and starts the file, and says so in the status bar. Of a zip file, the one in it that can
+/// be started; of several, that which the user chooses. Its name without the extension becomes
 /// the base name of screenshots, until the next reset; the start of a cassette begins with one. A
 /// file that is missing, cannot be read or is of no known type leaves the machine as it is; this
 /// and what goes wrong later is reported. When the machine has not reached its prompt yet, BASIC

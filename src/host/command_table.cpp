@@ -311,7 +311,7 @@ const CommandRow rows[] = {
      .hint = "Alt+T",
      .tip = "Puts a cassette image into the recorder.",
      .keys = {{{'T', ALT}}},
-     .run = [] { with_file(DIALOG_ATTACH_CAS, attach_cas); },
+     .run = [] { with_file(DIALOG_ATTACH_CAS, attach_cas_of); },
      .setting = {.name = "Tape", .place = tape_name, .read = StartStep::tape}},
     {.setting = {.name = "BasicROMPath", .place = OF_THE_DIALOG, .written = false}},
     {.setting = {.name = "ExpansionROMPath", .place = OF_THE_DIALOG, .written = false}},

@@ -26,6 +26,7 @@
 #include "host/speed_commands.h"
 #include "host/status.h"
 #include "host/turn.h"
+#include "host/zip_files.h"
 #include "media/damage.h"
 #include "media/files/cassette_files.h"
 #include "media/files/printer_file.h"
@@ -278,6 +279,8 @@ void save_to_video() { video_save_to_avi(true, {}); }
 
 void tell_bad_image(const std::string& path) { report({.text = "Error opening image: " + path}); }
 
+void attach_cas_of(const std::string& path) { with_file_of_zip(path, ROLE_TAPE, attach_cas); }
+
 void attach_cas(const std::string& path) {
     save_next_to({});
     if (!tape_attach_cas(path)) return tell_bad_image(path);
@@ -346,7 +349,9 @@ void save_snapshot(const std::string& path) {
 
 void select_disk(unsigned drive) {
     ui_select_file(DIALOG_ATTACH_DISK, [drive](const std::optional<std::string>& path) {
-        if (path) open_disk(drive, *path);
+        if (!path) return;
+        with_file_of_zip(*path, ROLE_DISK,
+                         [drive](const std::string& disk) { open_disk(drive, disk); });
     });
 }
 

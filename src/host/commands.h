@@ -54,6 +54,8 @@ void giant_screen_switched();
 void save_to_video();
 
 void attach_cas(const std::string& path);
+/// The same, and of a zip file the cassette in it.
+void attach_cas_of(const std::string& path);
 void attach_wav(const std::string& path);
 void detach_cas();
 void close_wav();

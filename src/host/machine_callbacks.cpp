@@ -18,6 +18,7 @@
 #include "host/save_question.h"
 #include "host/screenshot.h"
 #include "host/status.h"
+#include "host/zip_files.h"
 #include "media/files/media_files.h"
 #include "media/tape_audio.h"
 #include "media/wd1771.h"
@@ -52,6 +53,7 @@ void connect_machine() {
     machine_host.save_question = take_save_answer;
     machine_host.breakpoint_reached = host_breakpoint_reached;
     connect_media_files();
+    connect_zip_files();
     sound_output_connect();
     pacing_host = {
         .title = [](const char* text) { ui_set_window_title("%s", text); },

@@ -107,7 +107,8 @@ void emu_init(const ShellOptions& options) {
     video_init(machine_cfg[active_machine_cfg].palette & 1);
     joystick_init();
     printer_set_filename(data_directory + "/");
-    ui_offer_filter(DIALOG_AUTOSTART, {"All that can be started", patterns_of(ROLE_START)});
+    ui_offer_filter(DIALOG_AUTOSTART,
+                    {"All that can be started", patterns_of(ROLE_START) + ";*.zip"});
     for (const StartStep step :
          {StartStep::options, StartStep::startup_pattern, StartStep::picture, StartStep::disks}) {
         read_options(step);

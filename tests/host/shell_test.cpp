@@ -185,8 +185,9 @@ TEST_F(ShellTest, MessagesReachTheirHandlers) {
     send(Event::Kind::command, COMMAND_AUTOSTART);
     const auto& filters = host->dialogs().file_dialogs.back().filters;
     ASSERT_EQ(filters.size(), 3U);
-    EXPECT_EQ(filters[1].text + filters[1].pattern,
-              "All that can be started*.bas;*.cas;*.cgd;*.cgt;*.cmd;*.dsk;*.jzs;*.tvr;*.tvs;*.txt");
+    EXPECT_EQ(
+        filters[1].text + filters[1].pattern,
+        "All that can be started*.bas;*.cas;*.cgd;*.cgt;*.cmd;*.dsk;*.jzs;*.tvr;*.tvs;*.txt;*.zip");
     for (const uint8_t button : {BUTTON_LEFT, BUTTON_RIGHT}) {
         WindowProcedure({.kind = Event::Kind::pointer,
                          .text = {},
