@@ -8,6 +8,7 @@
 #include "host/dialogs/hold.h"
 #include "host/disks.h"
 #include "host/display.h"
+#include "host/dropped_files.h"
 #include "host/examples.h"
 #include "host/film_bar.h"
 #include "host/key_map.h"
@@ -146,6 +147,7 @@ void key_pressed(const Event& event) {
 void file_dropped(const Event& event) {
     const auto start = [&event] {
         event.bytes ? autostart_bytes(event.text, *event.bytes) : autostart_file(event.text);
+        take_further_files(event.text, event.more);
     };
     obey_user(start, reset_timer);
 }

@@ -46,7 +46,8 @@ struct Event {
         text,           ///< text: what the layout gives for a key, in UTF-8
         command,        ///< value: id of the menu item chosen
         pointer,        ///< in a pane
-        drop,           ///< text: path of the first file dropped, or its name with its bytes
+        drop,           ///< text: path of the first file dropped, or its name with its bytes;
+                        ///< more: paths of the others
         clipboard       ///< text: in the machine's bytes, of a host that cannot answer at once
     };
     Kind kind = Kind::none;
@@ -56,6 +57,7 @@ struct Event {
     bool repeat = false; ///< a key_down of a key that is held
     Pointer pointer = {};
     std::optional<std::vector<uint8_t>> bytes = {}; ///< of a file without a path
+    std::vector<std::string> more = {};
 };
 
 /// Gets what the host tells at once, in the middle of its own work. These functions neither run nor

@@ -1,7 +1,8 @@
-// Zip files that open as if they were folders.
+// Zip files that open as if they were folders, and several files that are dropped at a time.
 
 #include "files/whole_file.h"
 #include "host/whole_program.h"
+#include "media/files/cassette_files.h"
 #include "media/files/drive_files.h"
 
 #include <zip.h>
@@ -28,8 +29,10 @@ protected:
         }
         ASSERT_EQ(zipClose(zip, nullptr), ZIP_OK);
     }
-    std::string drop(const std::string& path) {
-        WindowProcedure({Event::Kind::drop, 0, 0, path});
+    std::string drop(const std::string& path, const std::vector<std::string>& more = {}) {
+        Event event = {Event::Kind::drop, 0, 0, path};
+        event.more = more;
+        WindowProcedure(event);
         turn_until_free();
         return host->status_text(3);
     }
@@ -83,6 +86,18 @@ TEST_F(ZipFilesTest, HostileOnesAreRefused) {
         write_text("bad.zip", c.spoilt ? bytes : bytes.substr(0, 40));
         EXPECT_EQ(drop("bad.zip"), std::string("bad.zip") + c.text);
     }
+    emu_close();
+}
+
+TEST_F(ZipFilesTest, FurtherFilesOfADropGoWhereThereIsRoom) {
+    for (const char* name : {"a.dsk", "b.dsk", "c.dsk", "d.dsk"}) write_text(name, disk());
+    write_text("list.bas", "10 CLS\n");
+    for (const char* name : {"t.cas", "u.cas"}) write_text(name, std::string("\x66G\0\0", 4));
+    EXPECT_EQ(drop("list.bas", {"a.dsk", "t.cas", "b.dsk", "u.cas", "c.dsk", "d.dsk", "list.bas"}),
+              "Left out: u.cas, d.dsk, list.bas");
+    const std::string drives[] = {"", "a.dsk", "b.dsk", "c.dsk"};
+    for (size_t n = 0; n < 4; ++n) EXPECT_EQ(drive_files[n].path, drives[n]);
+    EXPECT_EQ(tape_get_cas_name(), "t.cas");
     emu_close();
 }
 

@@ -297,7 +297,7 @@ TEST_F(QtPlatformTest, FilmBarLiesOverTheLowestLinesAndHasPointerAndReaderOfItsO
     EXPECT_EQ(pixel(5, 99), 0x0000FFu);
 }
 
-TEST_F(QtPlatformTest, TakesTheFirstFileDroppedByteForByte) {
+TEST_F(QtPlatformTest, TakesTheFilesDroppedByteForByte) {
     QMimeData data;
     data.setData("text/uri-list", "http://host/x\r\nfile:///a%20b/%E4.cas\r\nfile:///c\r\n");
     QDragEnterEvent enter({1, 1}, Qt::CopyAction, &data, Qt::LeftButton, NO_MODIFIERS);
@@ -308,6 +308,7 @@ TEST_F(QtPlatformTest, TakesTheFirstFileDroppedByteForByte) {
     const std::vector<Event> events = drain(Event::Kind::drop);
     ASSERT_EQ(events.size(), 1u);
     EXPECT_EQ(events[0].text, "/a b/\xE4.cas");
+    EXPECT_EQ(events[0].more, std::vector<std::string>{"/c"});
 }
 
 TEST_F(QtPlatformTest, CollectsWheelStepsToNotches) {

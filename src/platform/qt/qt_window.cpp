@@ -10,23 +10,25 @@
 #include <QScreen>
 #include <QWindow>
 
+#include <string>
 #include <utility>
+#include <vector>
 
 namespace {
 
 constexpr int LONGEST_OPENING = 1000; ///< ms
 constexpr int OPENING_LOOK = 10;      ///< ms
 
-/// Path of the first local file of a list of URLs, in the bytes that the file system has; empty
-/// without one.
-std::string first_file(const QMimeData& data) {
+/// Paths of the local files of a list of URLs, in the bytes that the file system has.
+std::vector<std::string> local_files(const QMimeData& data) {
+    std::vector<std::string> files;
     for (const QByteArray& line : data.data("text/uri-list").split('\n')) {
         const QByteArray url = line.trimmed();
         if (!url.startsWith("file:")) continue;
         const qsizetype path = url.startsWith("file://") ? url.indexOf('/', 7) : 5;
-        if (path > 0) return QByteArray::fromPercentEncoding(url.mid(path)).toStdString();
+        if (path > 0) files.push_back(QByteArray::fromPercentEncoding(url.mid(path)).toStdString());
     }
-    return {};
+    return files;
 }
 
 } // namespace
@@ -41,14 +43,16 @@ void QtWindow::Frame::moveEvent(QMoveEvent*) { events_.post_once(Event::Kind::mo
 void QtWindow::Frame::resizeEvent(QResizeEvent*) { events_.post_once(Event::Kind::resized); }
 
 void QtWindow::Frame::dragEnterEvent(QDragEnterEvent* event) {
-    if (!first_file(*event->mimeData()).empty()) event->acceptProposedAction();
+    if (!local_files(*event->mimeData()).empty()) event->acceptProposedAction();
 }
 
 void QtWindow::Frame::dropEvent(QDropEvent* event) {
     Event drop;
     drop.kind = Event::Kind::drop;
-    drop.text = first_file(*event->mimeData());
-    if (drop.text.empty()) return;
+    drop.more = local_files(*event->mimeData());
+    if (drop.more.empty()) return;
+    drop.text = drop.more.front();
+    drop.more.erase(drop.more.begin());
     event->acceptProposedAction();
     events_.post(drop);
 }
