@@ -1,6 +1,7 @@
 #include "host/recent.h"
 
 #include "files/file_identity.h"
+#include "files/zip/zip_folder.h"
 #include "host/autostart.h"
 #include "host/commands.h"
 #include "host/menu.h"
@@ -123,7 +124,9 @@ std::array<bool, RECENT_FILES> missing_files(const std::vector<RecentFile>& file
     std::thread([look] {
         for (size_t n = 0; n < look->files.size(); ++n) {
             std::error_code error;
-            look->missing[n] = !fs::exists(look->files[n].path, error);
+            const std::string& path = look->files[n].path;
+            const auto inside = zip_path(path);
+            look->missing[n] = !fs::exists(inside ? inside->archive : path, error);
         }
         look->done.set_value();
     }).detach();
