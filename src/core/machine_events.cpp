@@ -34,8 +34,7 @@ void append(event_kind kind, int32_t a = 0, int32_t b = 0, shared_bytes bytes = 
     kept->events.push_back({kind, a, b, std::move(bytes), z80_state.t_count, z80_state.pc});
 }
 
-// ---- what each event does
-// ------------------------------------------------------------------------
+// ---- what each event does -----------------------------------------------------------------------
 
 template <typename Record>
 Record record_of(const machine_event& event) {

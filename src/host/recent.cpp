@@ -61,8 +61,7 @@ const Way* way_of(Opened how) {
 
 std::vector<RecentFile> shown; ///< by the menu's items
 
-// ---- as a text: entries of a letter and a path, whose unusual bytes are written as "%41"
-// ---------
+// ---- as a text: entries of a letter and a path, whose unusual bytes are written as "%41" ------
 
 void put(std::string& text, const RecentFile& file) {
     if (!text.empty()) text += BETWEEN;
@@ -102,8 +101,7 @@ void store(const std::vector<RecentFile>& files) {
     SetValueStr(SETTING, text.c_str());
 }
 
-// ---- in the menu
-// ---------------------------------------------------------------------------------
+// ---- in the menu -------------------------------------------------------------------------------
 
 /// What another thread finds out, since a folder of a network may not answer for minutes.
 struct Look {

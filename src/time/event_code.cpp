@@ -30,8 +30,7 @@ bool is_periodic(event_kind kind) {
     return kind == event_kind::frame_end || kind == event_kind::fragments;
 }
 
-// ---- records in the order of bytes of any host
-// -------------------------------------------------
+// ---- records in the order of bytes of any host --------------------------------------------------
 
 struct Words {
     uint8_t bytes; ///< of each
@@ -66,8 +65,7 @@ shared_bytes reordered(event_kind kind, const shared_bytes& bytes) {
     return other;
 }
 
-// ---- what both directions know of the events before
-// --------------------------------------------
+// ---- what both directions know of the events before ---------------------------------------------
 
 using InputBytes = std::array<uint8_t, sizeof(machine_input)>;
 
@@ -94,8 +92,7 @@ struct Context {
     explicit Context(int64_t first) : cycle(first), frame_ended(first) { answers.fill(1); }
 };
 
-// ---- to bytes
-// ----------------------------------------------------------------------------------
+// ---- to bytes -----------------------------------------------------------------------------------
 
 class Packer {
 public:
@@ -188,8 +185,7 @@ private:
     ByteWriter codes_, times_, rest_;
 };
 
-// ---- from bytes
-// --------------------------------------------------------------------------------
+// ---- from bytes ---------------------------------------------------------------------------------
 
 class Unpacker {
 public:
