@@ -146,10 +146,11 @@ bool start_state(const std::string& path, Bytes bytes) {
 
 /// `keys` follow the loading of a tokenized program. False when the text cannot be typed.
 bool give_basic(const std::string& path, Bytes bytes, const std::string& keys) {
-    if (!is_tokenized_bas(bytes) && !lines_fit(path, bytes)) return false;
+    const bool is_tokenized = is_tokenized_bas(bytes);
+    if (!is_tokenized && !lines_fit(path, bytes)) return false;
     // Otherwise the question would take the first lines.
     if (g_bAutoStart && is_starting_up()) answer_start_question();
-    if (is_tokenized_bas(bytes)) {
+    if (is_tokenized) {
         tape_attach_basic(path, bytes);
         run_tape_of_sound();
         type_into_machine("\r\r\r\rCLOAD\r\r" + keys);
@@ -199,12 +200,12 @@ const Loader* starter_of(const std::string& path) {
 std::string file_problem(const std::string& path) { return file_problem(path, LARGEST_FILE); }
 
 std::string file_problem(const std::string& path, size_t largest) {
-    std::error_code error;
-    const fs::file_status status = fs::status(path, error);
     if (const auto inside = zip_path(path)) {
         const std::string problem = zip_file_problem(*inside, largest);
         return problem.empty() ? problem : path + ": " + problem;
     }
+    std::error_code error;
+    const fs::file_status status = fs::status(path, error);
     if (!fs::exists(status)) return path + ": no such file";
     if (fs::is_directory(status)) return path + ": is a folder";
     // A pipe or a device may never come to an end.
