@@ -12,8 +12,11 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <cstdint>
 #include <optional>
+#include <vector>
 
 namespace {
 constexpr int64_t MS = 1'000'000; ///< in the clock's nanoseconds
@@ -166,6 +169,23 @@ TEST_F(FrameDriver, SpeedReport) {
         fake_host.title.clear();
         step(1, c.frame_ns);
         EXPECT_EQ(fake_host.title, "");
+    }
+}
+
+TEST_F(FrameDriver, PicturesComeEveryTwentyMillisecondsWhateverTheDisplay) {
+    for (const uint32_t refresh : {60U, 75U, 144U}) {
+        start(refresh);
+        std::vector<double> off; // from 20 ms, between two pictures
+        double shown = 0;
+        for (int64_t frame = 0; frame < 500; ++frame) {
+            step(1, frame * 7919 % 19 * MS); // 0 to 18 ms of work, in no order
+            const double now = double(host->clock().counter()) / MS;
+            if (frame > 2) off.push_back(std::abs(now - shown - 20));
+            shown = now;
+        }
+        std::ranges::sort(off);
+        EXPECT_LE(off[off.size() * 95 / 100], 2) << refresh;
+        EXPECT_GE(fake_host.screen_updates, 499) << refresh;
     }
 }
 
