@@ -77,7 +77,7 @@ void dib_draw() { platform().pane(PaneId::picture).copy_bitmap(view_of(canvas), 
 void UpdateFrameDX() {
     Surface& surface = platform().surface();
     if (!surface.exists()) return;
-    surface.present(view_of(canvas), g_rcScreen, triggerClearBuffer);
+    surface.present(view_of(canvas), g_rcScreen, {}, triggerClearBuffer);
     triggerClearBuffer = false;
 }
 
@@ -94,6 +94,9 @@ bool InitSurfaces() {
     report({.text = failure, .title = "Error", .icon = MessageIcon::error});
     return false;
 }
+
+/// Height of all that lies in the client area below the picture.
+int docked_height() { return StatusBarHeight(); }
 
 void fix_window_size() { platform().window().set_fixed_size(g_bUseGDI ? Size{cx, cy} : Size{}); }
 
@@ -155,8 +158,8 @@ int recreate_bitmap(bool giant, int bits) {
 int canvas_bits() { return g_1bitDisplay && !g_GiantScreen ? MONOCHROME : PALETTE; }
 
 void calc_cxcy(int width, int height) {
-    const Size outer = platform().window().outer_size(
-        {width + 2 * MARGIN, height + 2 * MARGIN + StatusBarHeight()});
+    const Size outer =
+        platform().window().outer_size({width + 2 * MARGIN, height + 2 * MARGIN + docked_height()});
     cx = outer.width;
     cy = outer.height;
 }
@@ -223,7 +226,8 @@ void ChangeCoopLevel() {
 
 void ResizeWindow(int width, int height, bool keep_aspect) {
     const Rectangle client = platform().window().client_on_screen();
-    Rectangle target = {0, 0, client.width(), client.height() - StatusBarHeight()};
+    const Size room = platform().pane(PaneId::picture).size();
+    Rectangle target = {0, 0, room.width, room.height};
     if (keep_aspect) target = screen_rect_recalc(target);
     g_rcViewport = {0, 0, width, height};
     g_rcScreen = {client.left + target.left, client.top + target.top, client.left + target.right,

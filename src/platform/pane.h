@@ -17,6 +17,15 @@ struct SliderReading {
     bool operator==(const SliderReading&) const = default;
 };
 
+/// How a picture is stretched.
+struct Scaling {
+    bool smooth = false; ///< colours flow into each other; else pixels keep their edges
+    /// Only to a whole multiple of the picture in the screen's own pixels, the largest that fits
+    /// into the middle of the target.
+    bool whole = false;
+    bool operator==(const Scaling&) const = default;
+};
+
 /// A drawable area of the main window. What is drawn stays until it is drawn over or the area gets
 /// another size: the host keeps it, whether the pane is shown or not, and paints it again by
 /// itself. Where a pane lies is the host's layout: the picture and the monitor have the same area,
@@ -29,6 +38,9 @@ struct Pane {
     virtual void show(bool on) = 0;
     /// Copies the picture 1:1, its top left corner at (x, y).
     virtual void copy_bitmap(const BitmapView& picture, int x, int y) = 0;
+    /// Stretches the picture into `target`, with the rest of the pane black.
+    virtual void stretch_bitmap(const BitmapView& picture, const Rectangle& target,
+                                const Scaling& how) = 0;
     virtual void fill_rectangle(const Rectangle& area, Colour colour) = 0;
     /// A character cell of the host's fixed-pitch font.
     virtual Size cell_size() = 0;

@@ -1,5 +1,5 @@
 #pragma once
-#include "platform/geometry.h"
+#include "platform/pane.h"
 
 #include <string>
 
@@ -13,5 +13,6 @@ struct Surface {
     virtual void release() = 0;
     /// Stretches the picture into `target`, in screen coordinates. `clear` first blackens the
     /// whole screen.
-    virtual void present(const BitmapView& picture, const Rectangle& target, bool clear) = 0;
+    virtual void present(const BitmapView& picture, const Rectangle& target, const Scaling& how,
+                         bool clear) = 0;
 };

@@ -159,7 +159,7 @@ TEST_F(QtPlatformTest, StretchesOverTheScreenWithBlackAround) {
     ASSERT_EQ(host->surface().create({2, 1}), "");
     const Rectangle origin = host->window().client_on_screen();
     const Rectangle target = {origin.left + 10, origin.top + 5, origin.left + 30, origin.top + 25};
-    host->surface().present({2, 1, 32, pixels, nullptr}, target, true);
+    host->surface().present({2, 1, 32, pixels, nullptr}, target, {}, true);
     EXPECT_EQ(pixel(9, 10), 0u);
     EXPECT_EQ(pixel(10, 5), 0xFF0000u);
     EXPECT_EQ(pixel(19, 24), 0xFF0000u);

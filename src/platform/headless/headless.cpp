@@ -186,7 +186,8 @@ std::string HeadlessPlatform::status_text(int part) const {
     return part >= 0 && size_t(part) < texts.size() ? texts[part] : std::string();
 }
 int HeadlessPlatform::frames_presented() const {
-    return state_->panes[size_t(PaneId::picture)].copies + state_->surface.presents;
+    const HeadlessPane& picture = state_->panes[size_t(PaneId::picture)];
+    return picture.copies + picture.stretches + state_->surface.presents;
 }
 
 void HeadlessPlatform::stop_on_signals() {

@@ -138,6 +138,25 @@ void HeadlessPane::copy_bitmap(const BitmapView& picture, int x, int y) {
     }
 }
 
+/// Each pixel becomes that of the picture below its middle, however the rest is to be scaled.
+void HeadlessPane::stretch_bitmap(const BitmapView& picture, const Rectangle& target,
+                                  const Scaling& how) {
+    ++stretches;
+    last_stretch = {{{picture.width, picture.height}, picture.bits, 0, 0}, target, how};
+    const Size all = size();
+    forget({0, 0, all.width, all.height});
+    if (!keep_pictures_) return;
+    fit_to_window();
+    std::ranges::fill(pixels_, 0);
+    for (int y = target.top; y < target.bottom; ++y) {
+        const int row = (2 * (y - target.top) + 1) * picture.height / (2 * target.height());
+        for (int x = target.left; x < target.right; ++x) {
+            const int column = (2 * (x - target.left) + 1) * picture.width / (2 * target.width());
+            set_pixel(x, y, colour_at(picture, column, row));
+        }
+    }
+}
+
 void HeadlessPane::fill_rectangle(const Rectangle& area, Colour colour) {
     ++fills;
     last_fill = {area, colour};
@@ -205,10 +224,12 @@ std::string HeadlessSurface::create(Size wanted) {
     return failure;
 }
 
-void HeadlessSurface::present(const BitmapView& picture, const Rectangle& target, bool clear) {
+void HeadlessSurface::present(const BitmapView& picture, const Rectangle& target,
+                              const Scaling& how, bool clear) {
     if (!present_now) return;
     ++presents;
     clears += clear;
     last_picture = {{picture.width, picture.height}, picture.bits, 0, 0};
     last_target = target;
+    last_scaling = how;
 }

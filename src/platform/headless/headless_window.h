@@ -80,6 +80,12 @@ struct HeadlessCopy {
     int x = 0, y = 0;
 };
 
+struct HeadlessStretch {
+    HeadlessCopy picture;
+    Rectangle target;
+    Scaling how;
+};
+
 struct HeadlessFill {
     Rectangle area;
     Colour colour = 0;
@@ -101,6 +107,8 @@ struct HeadlessPane final : public Pane {
     Size size() override;
     void show(bool on) override { shown = on; }
     void copy_bitmap(const BitmapView& picture, int x, int y) override;
+    void stretch_bitmap(const BitmapView& picture, const Rectangle& target,
+                        const Scaling& how) override;
     void fill_rectangle(const Rectangle& area, Colour colour) override;
     Size cell_size() override { return HEADLESS_CELL; }
     void text(int x, int y, const std::string& text, Colour colour, Colour background) override {
@@ -115,8 +123,9 @@ struct HeadlessPane final : public Pane {
     Colour pixel(int x, int y) const;
 
     bool shown = false;
-    int copies = 0, fills = 0;
+    int copies = 0, stretches = 0, fills = 0;
     HeadlessCopy last_copy;
+    HeadlessStretch last_stretch;
     HeadlessFill last_fill;
     std::vector<HeadlessText> texts; ///< that begin where no fill or picture came later
     std::vector<HeadlessFill> lines; ///< likewise
@@ -160,7 +169,8 @@ struct HeadlessSurface final : public Surface {
     std::string create(Size size) override;
     bool exists() override { return present_now; }
     void release() override { present_now = false; }
-    void present(const BitmapView& picture, const Rectangle& target, bool clear) override;
+    void present(const BitmapView& picture, const Rectangle& target, const Scaling& how,
+                 bool clear) override;
 
     std::string failure; ///< set by the driver: what creation answers
     bool present_now = false;
@@ -168,4 +178,5 @@ struct HeadlessSurface final : public Surface {
     int presents = 0, clears = 0;
     HeadlessCopy last_picture;
     Rectangle last_target;
+    Scaling last_scaling;
 };

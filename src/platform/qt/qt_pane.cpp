@@ -42,6 +42,23 @@ Rectangle in_device_pixels(const Rectangle& area, double ratio) {
 
 } // namespace
 
+void QtStretch::set(const BitmapView& bitmap, const Rectangle& area, const Scaling& scaling) {
+    const QSize size(bitmap.width, bitmap.height);
+    if (picture.size() != size) picture = QImage(size, QImage::Format_RGB32);
+    copy_bitmap_to(picture, bitmap, 0, 0);
+    target = QRect(area.left, area.top, area.width(), area.height());
+    how = scaling;
+}
+
+void QtStretch::paint(QPainter& painter, const QRect& dirty, double ratio) const {
+    for (const QRect& border : QRegion(dirty).subtracted(target)) {
+        painter.fillRect(border, Qt::black);
+    }
+    painter.setRenderHint(QPainter::SmoothPixmapTransform,
+                          !keeps_pixels_equal(picture.size(), target.size(), ratio));
+    painter.drawImage(target, picture);
+}
+
 CellFont::CellFont() {
     const QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
     const QFontMetrics metrics(fixed);
@@ -59,6 +76,18 @@ void QtDrawing::copy_bitmap(const BitmapView& picture, int x, int y) {
         QPainter(&target).drawImage(x, y, part);
     }
     drawn({x, y, picture.width, picture.height});
+}
+
+void QtDrawing::stretch_bitmap(const BitmapView& picture, const Rectangle& target,
+                               const Scaling& how) {
+    QImage& image = drawing();
+    const QRect all(QPoint(), image.deviceIndependentSize().toSize());
+    QtStretch stretch;
+    stretch.set(picture, target, how);
+    QPainter painter(&image);
+    stretch.paint(painter, all, image.devicePixelRatio());
+    painter.end();
+    drawn(all);
 }
 
 void QtDrawing::fill_rectangle(const Rectangle& area, Colour colour) {
@@ -112,37 +141,28 @@ QImage& QtPane::drawing() {
 }
 
 void QtPane::drawn(const QRect& area) {
-    const bool all_changes = std::exchange(stretched_, nullptr);
+    const bool all_changes = std::exchange(stretched_, false);
     if (&canvas_.front() != this) return;
     // One step of interpolation reaches into the neighbouring pixels.
     canvas_.update(all_changes ? canvas_.rect() : area.adjusted(-1, -1, 1, 1));
 }
 
-void QtPane::stretch(const QImage& picture, const QRect& target) {
-    const bool same_place = stretched_ && target_ == target;
-    stretched_ = &picture;
-    target_ = target;
-    if (&canvas_.front() == this) canvas_.update(same_place ? target : canvas_.rect());
+void QtPane::stretch_bitmap(const BitmapView& picture, const Rectangle& target,
+                            const Scaling& how) {
+    const QRect before = stretched_ && stretch_.how == how ? stretch_.target : QRect();
+    stretch_.set(picture, target, how);
+    stretched_ = true;
+    if (&canvas_.front() != this) return;
+    canvas_.update(before == stretch_.target ? stretch_.target : canvas_.rect());
 }
 
 void QtPane::end_stretch() {
-    if (std::exchange(stretched_, nullptr)) canvas_.update();
+    if (std::exchange(stretched_, false)) canvas_.update();
 }
 
 void QtPane::paint(const QRect& dirty) {
-    if (stretched_) return paint_stretched(dirty);
     QPainter painter(&canvas_);
+    if (stretched_) return stretch_.paint(painter, dirty, canvas_.devicePixelRatioF());
     painter.setRenderHint(QPainter::SmoothPixmapTransform, !is_whole(canvas_.devicePixelRatioF()));
     painter.drawImage(0, 0, drawing());
-}
-
-void QtPane::paint_stretched(const QRect& dirty) {
-    QPainter painter(&canvas_);
-    for (const QRect& border : QRegion(dirty).subtracted(target_)) {
-        painter.fillRect(border, Qt::black);
-    }
-    painter.setRenderHint(
-        QPainter::SmoothPixmapTransform,
-        !keeps_pixels_equal(stretched_->size(), target_.size(), canvas_.devicePixelRatioF()));
-    painter.drawImage(target_, *stretched_);
 }

@@ -5,6 +5,7 @@
 #include <QRawFont>
 #include <QRect>
 
+class QPainter;
 class QtCanvas;
 
 /// The host's font of fixed pitch.
@@ -14,12 +15,25 @@ struct CellFont {
     Size cell;
 };
 
+/// A picture that is stretched onto something.
+struct QtStretch {
+    QImage picture; ///< of 32 bits per pixel
+    QRect target;
+    Scaling how;
+
+    void set(const BitmapView& bitmap, const Rectangle& area, const Scaling& scaling);
+    /// Onto the part `dirty` of a device with so many pixels per unit, black around the target.
+    void paint(QPainter& painter, const QRect& dirty, double ratio) const;
+};
+
 /// Draws into a picture, whose device pixel ratio may be any.
 class QtDrawing : public Pane {
 public:
     explicit QtDrawing(const CellFont& font) : font_(font) {}
 
     void copy_bitmap(const BitmapView& picture, int x, int y) override;
+    void stretch_bitmap(const BitmapView& picture, const Rectangle& target,
+                        const Scaling& how) override;
     void fill_rectangle(const Rectangle& area, Colour colour) override;
     Size cell_size() override { return font_.cell; }
     void text(int x, int y, const std::string& text, Colour colour, Colour background) override;
@@ -45,8 +59,8 @@ public:
     void show(bool on) override;
 
     bool is_shown() const { return shown_; }
-    /// Shows `picture` in `target`, black around it. It must stay until the next drawing.
-    void stretch(const QImage& picture, const QRect& target);
+    void stretch_bitmap(const BitmapView& picture, const Rectangle& target,
+                        const Scaling& how) override;
     void end_stretch();
     /// Onto the canvas.
     void paint(const QRect& dirty);
@@ -54,11 +68,10 @@ public:
 private:
     QImage& drawing() override;
     void drawn(const QRect& area) override;
-    void paint_stretched(const QRect& dirty);
 
     QtCanvas& canvas_;
     bool shown_ = false;
     QImage drawing_; ///< of the canvas's size, or of one that it had
-    const QImage* stretched_ = nullptr;
-    QRect target_;
+    bool stretched_ = false;
+    QtStretch stretch_;
 };

@@ -1,27 +1,24 @@
 #include "platform/qt/qt_surface.h"
 
-#include "platform/qt/qt_pixels.h"
-
-std::string QtSurface::create(Size size) {
-    release();
-    picture_ = QImage(size.width, size.height, QImage::Format_RGB32);
-    return picture_.isNull() ? "No memory for the full-screen picture" : "";
+std::string QtSurface::create(Size /*size*/) {
+    exists_ = true; // the pane has room for any picture
+    return {};
 }
-
-bool QtSurface::exists() { return !picture_.isNull(); }
 
 void QtSurface::release() {
     window_.canvas().pane(PaneId::picture).end_stretch();
-    picture_ = QImage();
+    exists_ = false;
 }
 
-void QtSurface::present(const BitmapView& picture, const Rectangle& target, bool clear) {
-    if (!exists()) return;
-    copy_bitmap_to(picture_, picture, 0, 0);
+void QtSurface::present(const BitmapView& picture, const Rectangle& target, const Scaling& how,
+                        bool clear) {
+    if (!exists_) return;
     const Rectangle client = window_.client_on_screen();
-    const QRect area(target.left - client.left, target.top - client.top, target.width(),
-                     target.height());
     QtCanvas& canvas = window_.canvas();
-    canvas.pane(PaneId::picture).stretch(picture_, area);
+    canvas.pane(PaneId::picture)
+        .stretch_bitmap(picture,
+                        {target.left - client.left, target.top - client.top,
+                         target.right - client.left, target.bottom - client.top},
+                        how);
     if (clear) canvas.update();
 }

@@ -6,11 +6,12 @@ class QtSurface final : public Surface {
 public:
     explicit QtSurface(QtWindow& window) : window_(window) {}
     std::string create(Size size) override;
-    bool exists() override;
+    bool exists() override { return exists_; }
     void release() override;
-    void present(const BitmapView& picture, const Rectangle& target, bool clear) override;
+    void present(const BitmapView& picture, const Rectangle& target, const Scaling& how,
+                 bool clear) override;
 
 private:
     QtWindow& window_;
-    QImage picture_; ///< null: no surface
+    bool exists_ = false;
 };
