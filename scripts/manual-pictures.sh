@@ -65,6 +65,13 @@ press_until() {
     fail "the title is $(xdotool getwindowname "$window"), not $1"
 }
 
+# enter TEXT: typed, and the key Enter
+enter() {
+    xdotool type --delay 120 "$1"
+    xdotool key Return
+    sleep 0.3
+}
+
 cp "$examples/colours.cmd" "$examples/bounce.cmd" .
 # The manual's own listing, so that it shows what it draws.
 sed -n '/<pre id="listing">/,/<\/pre>/p' "$manual" | sed 's/<[^>]*>//g' >listing.bas
@@ -79,6 +86,34 @@ listing glyphs 60
 
 start_server 1024x768x24
 start_window_manager
+
+settings 'KeyMapping = 1'
+start_program
+sleep 5 # MEM SIZE? is answered
+picture ready "$window"
+enter '10 print "hello, world"'
+enter '20 goto 10'
+enter run
+sleep 1
+xdotool key End
+picture hello "$window"
+
+"$build/tools/tarvelin-disk" create games.dsk
+for example in raiders maze catch sketch; do
+    "$build/tools/tarvelin-disk" put games.dsk "$examples/$example.bas"
+done
+xdotool key alt+0
+find_window 'Attach disk image' >/dev/null
+enter "$work/games.dsk"
+sleep 1
+xdotool key Return # with the disk ROM
+sleep 5
+enter dir
+picture disk "$window"
+kill "$program_pid"
+wait "$program_pid"
+
+settings
 start_program bounce.cmd
 sleep 6 # the title shows the speed, and the program runs
 picture window "$window"
