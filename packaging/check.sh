@@ -31,7 +31,7 @@ silent desktop-file-validate tarvelin.desktop
 if ! appstreamcli validate --no-net tarvelin.metainfo.xml >"$work/told" && grep -q '^E:' "$work/told"; then
     fail "appstreamcli: $(cat "$work/told")"
 fi
-silent xmllint --noout --nonet tarvelin-mime.xml icons/tarvelin.svg ../docs/*.html
+silent xmllint --noout --nonet tarvelin-mime.xml icons/*.svg ../docs/*.html
 
 # The desktop finds the types by name and content, and the program for each.
 mkdir -p "$work/mime/packages"
@@ -48,7 +48,7 @@ for extension in cas cgt cmd bas jzs tvr tvs dsk cgd; do
         fail "no type for .$extension"
 done
 
-for size in 48 64 128 256; do
+for size in 16 22 24 32 48 64 128 256 512; do
     # Width and height stand behind the PNG header, eight bytes of signature and eight of chunk.
     read -r width height < <(od -An -j16 -N8 -tu4 --endian=big "icons/tarvelin-$size.png")
     [[ $width == "$size" && $height == "$size" ]] || fail "tarvelin-$size.png: $width x $height"

@@ -14,7 +14,7 @@ test_packages=(libgtest-dev libgif-dev libbenchmark-dev libz80ex-dev clang libcl
                desktop-file-utils groff-base libxml2-utils shared-mime-info openbox ffmpeg
                libavcodec-dev libswscale-dev weston qt6-wayland nlohmann-json3-dev)
 package_packages=(debootstrap dpkg-dev)
-picture_packages=(xvfb xdotool x11-utils openbox imagemagick)
+picture_packages=(xvfb xdotool x11-utils openbox imagemagick librsvg2-bin)
 
 packages=("${run_packages[@]}")
 case ${1:-run} in

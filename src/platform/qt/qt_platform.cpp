@@ -84,7 +84,7 @@ private:
 
 QIcon program_icon() {
     QIcon icon;
-    for (const int size : {48, 64, 128, 256}) {
+    for (const int size : {16, 22, 24, 32, 48, 64, 128, 256}) {
         icon.addFile(QStringLiteral(":/tarvelin-%1.png").arg(size), {size, size});
     }
     return icon;
