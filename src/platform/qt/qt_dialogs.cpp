@@ -1,16 +1,21 @@
 #include "platform/qt/qt_dialogs.h"
 
+#include "platform/qt/qt_room.h"
 #include "platform/qt/qt_text.h"
 
 #include <QApplication>
+#include <QComboBox>
 #include <QDesktopServices>
 #include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QGridLayout>
+#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QStyle>
+#include <QTreeView>
 #include <QUrl>
 #include <QVBoxLayout>
 
@@ -19,8 +24,9 @@
 
 namespace {
 
-constexpr int PICTURE_SIZE = 96;  ///< of the box about the program
-constexpr int FIELD_SPACING = 12; ///< after a field of a file dialog
+constexpr double HEADING = 1.6;     ///< size of the letters of a heading
+constexpr int WIDEST_MESSAGE = 700; ///< pixels; Qt cuts the buttons of wider boxes
+constexpr int TEXT_WIDTH = 60;      ///< characters in a line of a text that scrolls
 
 QMessageBox::Icon icon_of(MessageIcon icon) {
     switch (icon) {
@@ -65,13 +71,64 @@ std::vector<QLineEdit*> add_fields(QFileDialog& box, const std::vector<FileDialo
         label->setBuddy(edit);
         row->addWidget(label);
         row->addWidget(edit);
-        row->addSpacing(FIELD_SPACING);
+        row->addSpacing(box.style()->pixelMetric(QStyle::PM_LayoutHorizontalSpacing));
         edits.push_back(edit);
     }
     row->addStretch();
     auto* grid = qobject_cast<QGridLayout*>(box.layout());
     grid->addLayout(row, grid->rowCount(), 0, 1, grid->columnCount()); // owns the row now
     return edits;
+}
+
+/// Qt's own dialog within the screen, and without cut texts; the desktop's own has no layout here.
+void fit_file_dialog(QFileDialog& box) {
+    if (!box.layout()) return;
+    fit_on_screen(box);
+    if (auto* types = box.findChild<QComboBox*>("fileTypeCombo")) {
+        types->view()->setTextElideMode(Qt::ElideNone);
+        const auto tell = [types] { types->setToolTip(types->currentText()); };
+        tell();
+        QObject::connect(types, &QComboBox::currentIndexChanged, types, tell);
+    }
+    if (auto* files = box.findChild<QTreeView*>("treeView")) {
+        files->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+    }
+}
+
+/// A question or message that is too long for the screen scrolls, and has its buttons below each
+/// other where they are too wide.
+void fit_message(QMessageBox& box) {
+    box.ensurePolished();
+    auto* label = box.findChild<QLabel*>("qt_msgbox_label");
+    auto* buttons = box.findChild<QDialogButtonBox*>();
+    if (!label || !buttons) return;
+    const QSize room = room_on_screen(box);
+    const int margin = 2 * box.style()->pixelMetric(QStyle::PM_LayoutLeftMargin);
+    const int widest = std::min(room.width(), WIDEST_MESSAGE) - margin;
+    if (buttons->sizeHint().width() > widest) buttons->setOrientation(Qt::Vertical);
+
+    const int icon = box.style()->pixelMetric(QStyle::PM_MessageBoxIconSize);
+    const int bar = box.style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+    const QSize most(std::min(label->fontMetrics().averageCharWidth() * TEXT_WIDTH,
+                              room.width() - icon - bar - 3 * margin),
+                     room.height() - buttons->sizeHint().height() - 2 * margin);
+    label->setWordWrap(true);
+    const bool fits = label->heightForWidth(most.width()) <= most.height();
+    label->setWordWrap(false);
+    if (fits) return;
+    auto* area = std::make_unique<QtFittingArea>(&box, [=] {
+                     return QSize(most.width() + bar, most.height());
+                 }).release();
+    box.layout()->replaceWidget(label, area);
+    auto* text = std::make_unique<QLabel>(label->text()).release();
+    text->setTextFormat(label->textFormat());
+    text->setTextInteractionFlags(label->textInteractionFlags());
+    text->setWordWrap(true);
+    text->setFixedWidth(most.width());
+    text->setMinimumHeight(text->heightForWidth(most.width()));
+    area->setWidget(text);
+    text->setAutoFillBackground(false);
+    label->hide();
 }
 
 } // namespace
@@ -82,6 +139,7 @@ void QtDialogs::message(const std::string& title, const std::string& text, Messa
         QMessageBox box(icon_of(icon), to_qt(title), message_text(text), QMessageBox::Ok,
                         window_.owner());
         box.setTextFormat(Qt::PlainText);
+        fit_message(box);
         box.exec();
     }
     done();
@@ -112,6 +170,7 @@ int QtDialogs::ask(const std::string& title, const std::string& text,
     }
     box.setDefaultButton(qobject_cast<QPushButton*>(buttons.front()));
     box.setEscapeButton(nothing);
+    fit_message(box); // shows all buttons
     nothing->hide();
     box.exec();
     const auto chosen = std::ranges::find(buttons, box.clickedButton());
@@ -144,6 +203,7 @@ std::optional<FileChoice> QtDialogs::ask_for_file(const FileDialog& dialog) {
         QObject::connect(&box, &QFileDialog::filterSelected, &box, take_extension);
     }
     const std::vector<QLineEdit*> edits = add_fields(box, dialog.fields);
+    fit_file_dialog(box);
     if (box.exec() != QDialog::Accepted || box.selectedFiles().isEmpty()) return std::nullopt;
     FileChoice choice{path_from_qt(box.selectedFiles().first()), chosen_filter()};
     for (const QLineEdit* edit : edits) choice.field_texts.push_back(edit->text().toStdString());
@@ -156,13 +216,21 @@ void QtDialogs::about(const std::string& title, const std::vector<std::string>& 
     QDialog box(window_.owner());
     box.setWindowTitle(to_qt(title));
     QLabel picture;
-    picture.setPixmap(box.windowIcon().pixmap(PICTURE_SIZE));
+    const int icon_size = 2 * box.style()->pixelMetric(QStyle::PM_MessageBoxIconSize);
+    picture.setPixmap(box.windowIcon().pixmap(QSize(icon_size, icon_size), box.devicePixelRatio()));
     picture.setAlignment(Qt::AlignCenter);
     QStringList text;
     for (const std::string& line : lines) text += to_qt(line);
+    QLabel heading(text.takeFirst());
+    QFont large = heading.font();
+    large.setBold(true);
+    large.setPointSizeF(large.pointSizeF() * HEADING);
+    heading.setFont(large);
     QLabel words(text.join('\n'));
-    words.setTextFormat(Qt::PlainText);
-    words.setAlignment(Qt::AlignCenter);
+    for (QLabel* label : {&heading, &words}) {
+        label->setTextFormat(Qt::PlainText);
+        label->setAlignment(Qt::AlignCenter);
+    }
     QLabel page("<a href=\"" + to_qt(target).toHtmlEscaped() + "\">" + to_qt(link).toHtmlEscaped() +
                 "</a>");
     page.setAlignment(Qt::AlignCenter);
@@ -172,7 +240,8 @@ void QtDialogs::about(const std::string& title, const std::vector<std::string>& 
     QObject::connect(&buttons, &QDialogButtonBox::accepted, &box, &QDialog::accept);
 
     QVBoxLayout layout;
-    for (QWidget* row : std::initializer_list<QWidget*>{&picture, &words, &page, &buttons}) {
+    for (QWidget* row :
+         std::initializer_list<QWidget*>{&picture, &heading, &words, &page, &buttons}) {
         layout.addWidget(row);
     }
     layout.setSizeConstraint(QLayout::SetFixedSize);

@@ -1,6 +1,7 @@
 #include "platform/qt/qt_forms.h"
 
 #include "platform/qt/qt_picture_button.h"
+#include "platform/qt/qt_room.h"
 #include "platform/qt/qt_text.h"
 
 #include <QButtonGroup>
@@ -18,6 +19,7 @@
 #include <QScreen>
 #include <QSignalBlocker>
 #include <QSlider>
+#include <QStyle>
 
 #include <algorithm>
 #include <map>
@@ -25,12 +27,14 @@
 
 namespace {
 
-constexpr int SLIDER_LENGTH = 220; ///< pixels, at least
-constexpr int NOTE_WIDTH = 40;     ///< characters in a line
-constexpr int VIEW_WIDTH = 80;     ///< characters in a line of a text view
+constexpr int SLIDER_LENGTH = 30; ///< characters, at least
+constexpr int NOTE_WIDTH = 40;    ///< characters in a line
+constexpr int VIEW_WIDTH = 80;    ///< characters in a line of a text view
 constexpr int VIEW_LINES = 16;
 constexpr int WIDEST_FIELD = 40;     ///< characters; fields of longer texts scroll
 constexpr int UNLIMITED_FIELD = 6;   ///< characters
+constexpr int SMALLEST_PICTURE = 40; ///< percent, on a small screen
+constexpr int PICTURE_STEP = 5;
 constexpr int SMALL_BUTTON_TEXT = 3; ///< such a button stands at the field it belongs to
 
 /// A text without the mark of its access key.
@@ -94,6 +98,9 @@ private:
         return found == controls_.end() ? nullptr : dynamic_cast<Widget*>(found->second);
     }
 
+    void fit();
+    QSize room_for_contents() const;
+    void add_buttons(const FormControl& described, QBoxLayout& box);
     void add_all(const std::vector<FormControl>& controls, QBoxLayout& box, QWidget& parent,
                  Naming& naming);
     void add(const FormControl& described, QBoxLayout& box, QWidget& parent, Naming& naming);
@@ -121,6 +128,8 @@ private:
     QtWindow& owner_;
     FormHandler handler_;
     FormWindow dialog_;
+    QtFittingArea* area_ = nullptr; ///< all but the buttons at the end
+    QtButtonRows* buttons_ = nullptr;
     QButtonGroup radios_, pictures_;
     std::map<int, QWidget*> controls_;
     QWidget* first_in_tab_order_ = nullptr;
@@ -144,10 +153,59 @@ QtForm::QtForm(const FormDescription& description, FormHandler handler, QtWindow
         raise(FormEvent::Kind::closed, FORM_CLOSED);
         finish(FORM_CLOSED);
     };
-    auto layout = std::make_unique<QVBoxLayout>(&dialog_).release();
+    auto* layout = std::make_unique<QVBoxLayout>(&dialog_).release();
     layout->setSizeConstraint(QLayout::SetFixedSize);
+    area_ =
+        std::make_unique<QtFittingArea>(&dialog_, [this] { return room_for_contents(); }).release();
+    layout->addWidget(area_);
+    QWidget& contents = *child_of<QWidget>(*area_);
+    auto* box = std::make_unique<QVBoxLayout>(&contents).release();
+    box->setContentsMargins(0, 0, 0, 0);
     Naming naming;
-    add_all(description.controls, *layout, dialog_, naming);
+    for (const FormControl& control : description.controls) {
+        if (&control == &description.controls.back() && control.kind == ControlKind::buttons) {
+            add_buttons(control, *layout);
+        } else {
+            add(control, *box, contents, naming);
+        }
+    }
+    area_->setWidget(&contents);
+    contents.setAutoFillBackground(false);
+}
+
+/// What the screen leaves beside the buttons and the margins.
+QSize QtForm::room_for_contents() const {
+    const QLayout& layout = *dialog_.layout();
+    const QMargins margins = layout.contentsMargins();
+    QSize room = room_on_screen(dialog_) -
+                 QSize(margins.left() + margins.right(), margins.top() + margins.bottom());
+    if (buttons_) room.rheight() -= buttons_->sizeHint().height() + layout.spacing();
+    return room;
+}
+
+/// Small screens get more rows of buttons, and smaller pictures.
+void QtForm::fit() {
+    dialog_.ensurePolished();
+    if (buttons_) buttons_->fit(room_for_contents().width());
+    const QSize room = room_for_contents();
+    for (int percent = 100; percent >= SMALLEST_PICTURE; percent -= PICTURE_STEP) {
+        for (QAbstractButton* picture : pictures_.buttons()) {
+            static_cast<QtPictureButton*>(picture)->set_scale(percent);
+        }
+        area_->widget()->layout()->invalidate();
+        area_->widget()->layout()->activate(); // also the arrangements in it
+        if (area_->sizeHint().width() < room.width()) break;
+    }
+    area_->updateGeometry();
+}
+
+void QtForm::add_buttons(const FormControl& described, QBoxLayout& box) {
+    buttons_ = child_of<QtButtonRows>(dialog_);
+    Naming naming;
+    for (const FormControl& button : described.children) {
+        buttons_->add(*make(button, *buttons_, naming));
+    }
+    box.addWidget(buttons_);
 }
 
 void QtForm::add_all(const std::vector<FormControl>& controls, QBoxLayout& box, QWidget& parent,
@@ -247,8 +305,11 @@ QWidget* QtForm::make_text_view(const FormControl& described, QWidget& parent) {
     view->setReadOnly(true);
     view->setTabChangesFocus(true);
     view->setPlainText(to_qt(described.text));
-    view->setMinimumSize(characters_wide(*view, VIEW_WIDTH),
-                         view->fontMetrics().lineSpacing() * VIEW_LINES);
+    const QSize wanted(characters_wide(*view, VIEW_WIDTH),
+                       view->fontMetrics().lineSpacing() * VIEW_LINES);
+    const QSize room = room_on_screen(dialog_);
+    view->setMinimumSize(wanted.boundedTo({room.width() * 9 / 10, room.height() * 2 / 3}));
+    dialog_.layout()->setSizeConstraint(QLayout::SetDefaultConstraint); // it may become larger
     view->moveCursor(QTextCursor::End);
     return view;
 }
@@ -331,7 +392,7 @@ QWidget* QtForm::make_slider(const FormControl& described, QWidget& parent) {
     slider->setOrientation(Qt::Horizontal);
     slider->setRange(described.lowest, described.highest);
     slider->setPageStep(described.page);
-    slider->setMinimumWidth(SLIDER_LENGTH);
+    slider->setMinimumWidth(characters_wide(*slider, SLIDER_LENGTH));
     QObject::connect(slider, &QSlider::valueChanged, &dialog_, raiser(described.id));
     return slider;
 }
@@ -388,6 +449,7 @@ void QtForm::set_text(int id, const std::string& text) {
         picture->set_caption(shown);
     } else if (auto* button = control<QAbstractButton>(id)) {
         button->setText(shown);
+        fit();
     }
     if (auto* group = control<QGroupBox>(id)) group->setTitle(shown);
 }
@@ -416,13 +478,17 @@ void QtForm::set_enabled(int id, bool enabled) {
 
 void QtForm::run(std::function<void(int)> done) {
     closing_id_ = FORM_CLOSED;
+    fit();
     focus_first();
     dialog_.exec();
     done(closing_id_);
 }
 
 void QtForm::show() {
-    if (!is_open()) focus_first();
+    if (!is_open()) {
+        fit();
+        focus_first();
+    }
     dialog_.show();
     dialog_.raise();
     dialog_.activateWindow();

@@ -33,7 +33,8 @@ QPainterPath rounded(const QRectF& area, qreal radius) {
 
 } // namespace
 
-QtPictureButton::QtPictureButton(QWidget* parent, QSize area) : QRadioButton(parent), area_(area) {
+QtPictureButton::QtPictureButton(QWidget* parent, QSize area)
+    : QRadioButton(parent), whole_(area), area_(area) {
     setFocusPolicy(Qt::StrongFocus);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }
@@ -56,6 +57,11 @@ void QtPictureButton::set_picture(const FormPicture& picture) {
         }
     }
     update();
+}
+
+void QtPictureButton::set_scale(int percent) {
+    area_ = whole_ * percent / 100;
+    updateGeometry();
 }
 
 QFont QtPictureButton::heading_font() const {

@@ -16,6 +16,7 @@ public:
     void set_caption(const QString& lines);
     const QString& caption() const { return caption_; }
     void set_picture(const FormPicture& picture);
+    void set_scale(int percent);         ///< of the picture's area
     std::function<void()> on_activation; ///< Enter or a double click
 
     QSize sizeHint() const override;
@@ -33,6 +34,7 @@ private:
     QFont heading_font() const;
 
     QString caption_;
+    QSize whole_;    ///< the picture's area where there is room
     QSize area_;     ///< of the picture
     QImage picture_; ///< null for an empty one
 };

@@ -6,8 +6,14 @@
 
 #include <string>
 
+/// What is made of a text before it is shown; a test looks at longer ones.
+inline QString (*shown_text)(const QString& text) = nullptr;
+
 /// Shown texts are UTF-8.
-inline QString to_qt(const std::string& text) { return QString::fromStdString(text); }
+inline QString to_qt(const std::string& text) {
+    const QString shown = QString::fromStdString(text);
+    return shown_text ? shown_text(shown) : shown;
+}
 
 /// Paths are the host's bytes.
 inline std::string path_from_qt(const QString& path) {

@@ -1,0 +1,201 @@
+// Every dialog of the program on a small screen, at each scale, with longer texts: the menu is gone
+// through item by item, and what opens is looked at and closed.
+
+#include "host/dialogs/dialogs.h"
+#include "host/shell.h"
+#include "platform/qt/qt_picture_button.h"
+#include "platform/qt/qt_platform.h"
+#include "platform/qt/qt_text.h"
+#include "support/test_files.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDesktopServices>
+#include <QDialog>
+#include <QGroupBox>
+#include <QLabel>
+#include <QMainWindow>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QScreen>
+#include <QScrollArea>
+#include <QStyle>
+#include <QTimer>
+#include <QToolButton>
+
+#include <functional>
+#include <memory>
+#include <set>
+
+namespace {
+
+constexpr int LOOK = 15; ///< ms until a dialog is there
+
+/// As long as other languages make it, in words.
+QString longer(const QString& text) {
+    QStringList lines = text.split('\n');
+    for (QString& line : lines) {
+        const qsizetype end = line.contains('\t') ? line.indexOf('\t') : line.size();
+        QString more;
+        for (qsizetype n = 0; n < (end * 3 + 9) / 10; ++n)
+            more += n % 7 == 0 && end > 9 ? ' ' : 'n';
+        line.insert(end, more);
+    }
+    return lines.join('\n');
+}
+
+class DialogRoomTest : public testing::TestWithParam<const char*> {
+protected:
+    void SetUp() override {
+        write_text(files / "screen.json",
+                   R"({"screens":[{"name":"small","width":1280,"height":800}]})");
+        qputenv("QT_QPA_PLATFORM",
+                "offscreen:configfile=" + QByteArray((files / "screen.json").c_str()));
+        qputenv("QT_SCALE_FACTOR", GetParam());
+        qputenv("SDL_AUDIODRIVER", "dummy");
+        for (const char* folder : {"XDG_CONFIG_HOME", "XDG_DATA_HOME"}) {
+            qputenv(folder, files.path().c_str());
+        }
+        host = std::make_unique<QtPlatform>(argc, argv);
+        install_platform(*host);
+        QDesktopServices::setUrlHandler("file", &no_browser, "none");
+    }
+    void TearDown() override {
+        shown_text = nullptr;
+        host.reset();
+        for (const char* variable : {"QT_SCALE_FACTOR", "XDG_CONFIG_HOME", "XDG_DATA_HOME"})
+            qunsetenv(variable);
+    }
+
+    static QDialog* open_dialog() {
+        if (auto* modal = qobject_cast<QDialog*>(QApplication::activeModalWidget())) return modal;
+        for (QWidget* widget : QApplication::topLevelWidgets()) {
+            auto* dialog = qobject_cast<QDialog*>(widget);
+            if (dialog && dialog->isVisible()) return dialog;
+        }
+        return nullptr;
+    }
+
+    /// The room that its text needs.
+    static QSize needed(const QWidget& widget) {
+        if (const auto* label = qobject_cast<const QLabel*>(&widget)) {
+            if (label->wordWrap()) return {0, label->heightForWidth(label->width())};
+            return label->sizeHint();
+        }
+        if (const auto* list = qobject_cast<const QComboBox*>(&widget)) {
+            return list->isEditable() || !list->toolTip().isEmpty() ? QSize() : list->sizeHint();
+        }
+        if (const auto* group = qobject_cast<const QGroupBox*>(&widget)) {
+            return group->minimumSizeHint();
+        }
+        if (qobject_cast<const QToolButton*>(&widget)) return {}; // pictures
+        if (const auto* push = qobject_cast<const QPushButton*>(&widget)) {
+            return push->fontMetrics().size(Qt::TextShowMnemonic, push->text()) +
+                   QSize(push->style()->pixelMetric(QStyle::PM_ButtonMargin, nullptr, push), 0);
+        }
+        return qobject_cast<const QAbstractButton*>(&widget) ? widget.sizeHint() : QSize();
+    }
+    static bool scrolls(const QWidget& widget) {
+        for (const QWidget* at = &widget; at; at = at->parentWidget()) {
+            if (qobject_cast<const QAbstractScrollArea*>(at)) return true;
+        }
+        return false;
+    }
+
+    void look_at(QDialog& dialog) {
+        const std::string title = dialog.windowTitle().toStdString();
+        const QSize room = dialog.screen()->availableSize();
+        const int bar = dialog.style()->pixelMetric(QStyle::PM_TitleBarHeight);
+        EXPECT_LE(dialog.width(), room.width()) << title;
+        EXPECT_LE(dialog.height() + bar, room.height()) << title;
+        for (const QWidget* widget : dialog.findChildren<QWidget*>()) {
+            const QSize size = needed(*widget);
+            if (!widget->isVisible() || !size.isValid()) continue;
+            const std::string what = title + ": " + widget->metaObject()->className() + " " +
+                                     widget->property("text").toString().toStdString() +
+                                     widget->objectName().toStdString();
+            EXPECT_GE(widget->width(), size.width()) << what;
+            EXPECT_GE(widget->height(), size.height()) << what;
+            if (!scrolls(*widget)) {
+                EXPECT_EQ(widget->visibleRegion().boundingRect(), widget->rect()) << what;
+            }
+        }
+        seen.insert(title);
+        if (const char* pictures = std::getenv("DIALOG_PICTURES")) {
+            dialog.grab().save(QString("%1/%2-%3.png")
+                                   .arg(pictures)
+                                   .arg(seen.size(), 2, 10, QChar('0'))
+                                   .arg(GetParam()));
+        }
+    }
+
+    void collect(const QMenu& menu) {
+        for (QAction* action : menu.actions()) {
+            if (action->menu()) {
+                collect(*action->menu());
+            } else if (!action->isSeparator() && !action->text().startsWith("E&xit")) {
+                acts.push_back([action] {
+                    if (action->isEnabled()) action->trigger();
+                });
+            }
+        }
+    }
+    void collect_all() {
+        for (QWidget* widget : QApplication::topLevelWidgets()) {
+            auto* frame = qobject_cast<QMainWindow*>(widget);
+            if (!frame) continue;
+            for (const QAction* menu : frame->menuBar()->actions()) collect(*menu->menu());
+            QString lines = "Long\n";
+            for (int n = 1; n < 60; ++n)
+                lines += QString("Line %1 of a text that is long\n").arg(n);
+            acts.push_back([this, lines] {
+                host->dialogs().message("Long", lines.toStdString(), MessageIcon::error, [] {});
+            });
+            acts.push_back([this] {
+                const std::string answer = "&Keep what is in memory and write it";
+                host->dialogs().choose("Choice", "Which?", {answer, answer, answer, answer},
+                                       [](int) {});
+            });
+            acts.push_back([] { ui_machine_set_breakpoint([] {}); });
+            acts.push_back([frame] { frame->close(); });
+        }
+    }
+    void step() {
+        QTimer::singleShot(LOOK, [this] { step(); });
+        if (QDialog* dialog = open_dialog()) {
+            look_at(*dialog);
+            dialog->reject();
+            return;
+        }
+        if (next == acts.size()) return;
+        acts[next++]();
+    }
+
+    static inline int argc = 1;
+    static inline char program_name[] = "test";
+    static inline char* argv[] = {program_name, nullptr};
+    Folder files;
+    QObject no_browser;
+    std::unique_ptr<QtPlatform> host;
+    std::vector<std::function<void()>> acts;
+    size_t next = 0;
+    std::set<std::string> seen;
+};
+
+TEST_P(DialogRoomTest, EveryDialogFitsAndCutsNoText) {
+    shown_text = longer;
+    QTimer::singleShot(0, [this] {
+        collect_all();
+        step();
+    });
+    run_shell({});
+    EXPECT_GT(seen.size(), 20u);
+}
+
+INSTANTIATE_TEST_SUITE_P(Scales, DialogRoomTest, testing::Values("1", "1.25", "1.5", "2"));
+
+} // namespace
