@@ -2,6 +2,8 @@
 
 #include "support/host_files.h"
 
+#include <cctype>
+#include <set>
 #include <sstream>
 
 namespace {
@@ -38,6 +40,25 @@ TEST_F(MenuTest, WindowGetsTheWholeMenuAtItsStart) {
     EXPECT_TRUE(is_menu_item_checked(COMMAND_SOUND));
     EXPECT_FALSE(is_menu_item_checked(COMMAND_VIDEO_CUT));
     EXPECT_EQ(menu_item_text(COMMAND_ATTACH_DISK), "Drive :&0 - <no disk>");
+}
+
+/// Items whose access key another item of their menu has as well, or that have none.
+void find_shared_keys(const std::vector<MenuEntry>& menu, std::string& found) {
+    std::set<int> keys = {0};
+    for (const MenuEntry& entry : menu) {
+        const size_t mark = entry.text.find('&') + 1;
+        const bool free = keys.insert(mark ? std::tolower(entry.text[mark]) : 0).second;
+        if (!free && entry.text.size() > 1)
+            found += entry.text.substr(0, entry.text.find('\t')) + "|";
+        find_shared_keys(entry.children, found);
+    }
+}
+
+TEST_F(MenuTest, OnlyTheOldestItemsShareAccessKeys) {
+    std::string found;
+    find_shared_keys(main_menu(), found);
+    EXPECT_EQ(found, "&Media snapshots|Save video memory with screenshots (.V80)|Sa&ve to WAV...|"
+                     "&Create WAV...|&Symbolic keymapping|&Display settings...|Toggle fullscreen|");
 }
 
 TEST_F(MenuTest, AcceleratorsNeedTheirModifiersExactly) {

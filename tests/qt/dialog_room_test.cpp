@@ -4,8 +4,8 @@
 #include "host/dialogs/dialogs.h"
 #include "host/shell.h"
 #include "platform/qt/qt_picture_button.h"
-#include "platform/qt/qt_platform.h"
 #include "platform/qt/qt_text.h"
+#include "qt/offscreen.h"
 #include "support/test_files.h"
 
 #include <gtest/gtest.h>
@@ -15,6 +15,7 @@
 #include <QComboBox>
 #include <QDesktopServices>
 #include <QDialog>
+#include <QFileDialog>
 #include <QGroupBox>
 #include <QLabel>
 #include <QMainWindow>
@@ -60,6 +61,7 @@ protected:
         for (const char* folder : {"XDG_CONFIG_HOME", "XDG_DATA_HOME"}) {
             qputenv(folder, files.path().c_str());
         }
+        std::filesystem::current_path(files.path()); // for screenshots
         host = std::make_unique<QtPlatform>(argc, argv);
         install_platform(*host);
         QDesktopServices::setUrlHandler("file", &no_browser, "none");
@@ -112,12 +114,27 @@ protected:
         const int bar = dialog.style()->pixelMetric(QStyle::PM_TitleBarHeight);
         EXPECT_LE(dialog.width(), room.width()) << title;
         EXPECT_LE(dialog.height() + bar, room.height()) << title;
-        for (const QWidget* widget : dialog.findChildren<QWidget*>()) {
+        const bool of_qt = qobject_cast<const QFileDialog*>(&dialog);
+        std::set<QChar> keys;
+        for (QWidget* widget : dialog.findChildren<QWidget*>()) {
             const QSize size = needed(*widget);
-            if (!widget->isVisible() || !size.isValid()) continue;
+            if (!widget->isVisible()) continue;
             const std::string what = title + ": " + widget->metaObject()->className() + " " +
                                      widget->property("text").toString().toStdString() +
                                      widget->objectName().toStdString();
+            if (!of_qt) {
+                EXPECT_FALSE(widget->focusPolicy() & Qt::TabFocus && spoken(*widget).isEmpty())
+                    << what << " has no name";
+                const QString label =
+                    widget->property(qobject_cast<QGroupBox*>(widget) ? "title" : "text")
+                        .toString();
+                const qsizetype mark = label.indexOf('&') + 1;
+                if (mark && mark < label.size() && label[mark] != '&' &&
+                    !label.startsWith("&Cycle")) {
+                    EXPECT_TRUE(keys.insert(label[mark].toLower()).second) << what << ": key twice";
+                }
+            }
+            if (!size.isValid()) continue;
             EXPECT_GE(widget->width(), size.width()) << what;
             EXPECT_GE(widget->height(), size.height()) << what;
             if (!scrolls(*widget)) {
@@ -156,7 +173,7 @@ protected:
                 host->dialogs().message("Long", lines.toStdString(), MessageIcon::error, [] {});
             });
             acts.push_back([this] {
-                const std::string answer = "&Keep what is in memory and write it";
+                const std::string answer = "Keep what is in memory and write it";
                 host->dialogs().choose("Choice", "Which?", {answer, answer, answer, answer},
                                        [](int) {});
             });

@@ -5,9 +5,18 @@
 
 #include <gtest/gtest.h>
 
+#include <QAccessible>
 #include <QByteArray>
+#include <QWidget>
 
 #include <memory>
+
+/// What a screen reader calls it: by its label, else its name.
+inline QString spoken(QWidget& widget) {
+    QAccessibleInterface* reader = QAccessible::queryAccessibleInterface(&widget);
+    const auto labels = reader->relations(QAccessible::Label);
+    return (labels.empty() ? reader : labels[0].first)->text(QAccessible::Name);
+}
 
 class OffscreenTest : public testing::Test {
 protected:

@@ -2,7 +2,6 @@
 
 #include "qt/offscreen.h"
 
-#include <QAccessible>
 #include <QApplication>
 #include <QDialog>
 #include <QKeyEvent>
@@ -78,13 +77,6 @@ protected:
         }
         ADD_FAILURE() << "not reached: " << name.toStdString();
         return shown();
-    }
-    /// What a screen reader calls it: by its label, else its name.
-    static QString spoken(QWidget& widget) {
-        QAccessibleInterface* reader = QAccessible::queryAccessibleInterface(&widget);
-        const auto labels = reader->relations(QAccessible::Label);
-        if (!labels.empty()) reader = labels[0].first;
-        return reader->text(QAccessible::Name);
     }
     std::string take_heard() { return std::exchange(heard, {}); }
 

@@ -24,6 +24,8 @@
 
 namespace {
 
+constexpr int DARK = 128;           ///< lightness: windows below it are dark
+constexpr int LIGHT_LINK = 185;     ///< lightness
 constexpr double HEADING = 1.6;     ///< size of the letters of a heading
 constexpr int WIDEST_MESSAGE = 700; ///< pixels; Qt cuts the buttons of wider boxes
 constexpr int TEXT_WIDTH = 60;      ///< characters in a line of a text that scrolls
@@ -131,6 +133,16 @@ void fit_message(QMessageBox& box) {
     label->hide();
 }
 
+/// Not every dark desktop has a colour of its own for links; Qt's is for light ones.
+QPalette with_legible_links(QPalette palette) {
+    const QColor link = palette.color(QPalette::Link);
+    if (palette.color(QPalette::Window).lightness() < DARK && link.lightness() < LIGHT_LINK) {
+        palette.setColor(QPalette::Link,
+                         QColor::fromHsl(link.hslHue(), link.hslSaturation(), LIGHT_LINK));
+    }
+    return palette;
+}
+
 } // namespace
 
 void QtDialogs::message(const std::string& title, const std::string& text, MessageIcon icon,
@@ -234,6 +246,7 @@ void QtDialogs::about(const std::string& title, const std::vector<std::string>& 
     QLabel page("<a href=\"" + to_qt(target).toHtmlEscaped() + "\">" + to_qt(link).toHtmlEscaped() +
                 "</a>");
     page.setAlignment(Qt::AlignCenter);
+    page.setPalette(with_legible_links(page.palette()));
     page.setTextInteractionFlags(Qt::TextBrowserInteraction);
     QObject::connect(&page, &QLabel::linkActivated, [this, target] { open_page(target); });
     QDialogButtonBox buttons(QDialogButtonBox::Ok);

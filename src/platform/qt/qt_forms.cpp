@@ -273,6 +273,8 @@ QWidget* QtForm::make(const FormControl& described, QWidget& parent, Naming& nam
     } else if (!qobject_cast<QAbstractButton*>(widget)) {
         widget->setAccessibleName(naming.name);
     }
+    auto* combo = qobject_cast<QComboBox*>(widget);
+    if (combo && combo->isEditable()) combo->lineEdit()->setAccessibleName(naming.name);
     return widget;
 }
 
