@@ -34,7 +34,7 @@ constexpr int VIEW_LINES = 16;
 constexpr int WIDEST_FIELD = 40;     ///< characters; fields of longer texts scroll
 constexpr int UNLIMITED_FIELD = 6;   ///< characters
 constexpr int SMALLEST_PICTURE = 40; ///< percent, on a small screen
-constexpr int PICTURE_STEP = 5;
+constexpr int PICTURE_STEP = 1;
 constexpr int SMALL_BUTTON_TEXT = 3; ///< such a button stands at the field it belongs to
 
 /// A text without the mark of its access key.

@@ -11,6 +11,7 @@ namespace {
 
 constexpr int MARGIN = 8;     ///< around picture and text
 constexpr int TEXT_SPACE = 5; ///< between picture and text
+constexpr int TEXT_EDGE = 4;  ///< around the text
 constexpr int LINES = 2;      ///< of text, for which there is always room
 constexpr int ROUNDING = 6;
 constexpr int PICTURE_ROUNDING = 3;
@@ -42,6 +43,7 @@ QtPictureButton::QtPictureButton(QWidget* parent, QSize area)
 /// The button's own text is what a screen reader says.
 void QtPictureButton::set_caption(const QString& lines) {
     caption_ = lines;
+    setToolTip({});
     setText(QString(lines).replace('&', "&&").replace('\n', ", "));
     update();
 }
@@ -113,13 +115,14 @@ void QtPictureButton::paintEvent(QPaintEvent*) {
     painter.drawPath(outline);
 
     const QStringList lines = caption_.split('\n');
-    QRect line_place(MARGIN, MARGIN + area_.height() + TEXT_SPACE, area_.width(), 0);
+    QRect line_place(TEXT_EDGE, MARGIN + area_.height() + TEXT_SPACE, width() - 2 * TEXT_EDGE, 0);
     for (qsizetype n = 0; n < std::min<qsizetype>(lines.size(), LINES); ++n) {
         painter.setFont(n == 0 ? heading_font() : font());
         painter.setPen(n == 0 ? words : tinted(words, FAINT));
         line_place.setHeight(painter.fontMetrics().lineSpacing());
         const QString fitting =
-            painter.fontMetrics().elidedText(lines[n], Qt::ElideMiddle, area_.width());
+            painter.fontMetrics().elidedText(lines[n], Qt::ElideMiddle, line_place.width());
+        if (fitting != lines[n]) setToolTip(caption_);
         painter.drawText(line_place, Qt::AlignHCenter | Qt::AlignVCenter | Qt::TextSingleLine,
                          fitting);
         line_place.translate(0, line_place.height());

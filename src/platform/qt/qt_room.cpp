@@ -62,7 +62,8 @@ void QtButtonRows::add(QWidget& button) {
 void QtButtonRows::fit(int width) {
     auto* grid = static_cast<QGridLayout*>(layout());
     const int count = int(buttons_.size());
-    for (int columns = count; columns > 0; --columns) {
+    for (int rows = 1; rows <= count; ++rows) {
+        const int columns = (count + rows - 1) / rows;
         int place = (columns - count % columns) % columns; // the last row is full
         for (QWidget* button : buttons_) {
             grid->removeWidget(button);
