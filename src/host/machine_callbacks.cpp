@@ -37,6 +37,7 @@ void connect_machine() {
         std::fputs(lines, to == TEXT_ERROR ? stderr : stdout);
     };
     machine_host.lamp = light_lamp;
+    machine_host.disk_written = mark_lamp;
     machine_host.frame = show_frame;
     machine_host.read_rom = read_rom_file;
     machine_host.read_input = [](machine_input& input) {

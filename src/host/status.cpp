@@ -3,7 +3,9 @@
 #include "platform/platform.h"
 #include "wall/machine_host.h"
 
+#include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdarg>
 #include <cstdio>
 #include <string>
@@ -21,9 +23,18 @@ constexpr int LAMP_TOP = 10; ///< in the lowest led_rows lines of the bar
 constexpr int led_rows = 24;
 constexpr Colour LAMP_OFF = 0x000000;
 constexpr Colour LAMP_ON = 0xFF0000;
+constexpr Colour MARK = 0xFFFFFF; ///< in the lamp of a drive that writes
+constexpr int MARK_LEFT = 4;      ///< in the lamp, on both sides
+constexpr int MARK_TOP = 2;       ///< likewise
+constexpr int MARK_FRAMES = 12;   ///< a sector is written faster than anybody sees
 constexpr int NO_DRIVE = -1;
+/// Of brightness, between things that are to be told apart (WCAG 2.1, 1.4.11).
+constexpr double LEAST_CONTRAST = 3;
 
 int led_state = NO_DRIVE; ///< the lit drive
+int written_drive = NO_DRIVE;
+int mark_frames = 0; ///< that its mark is still to be seen
+bool mark_is_shown = false;
 
 std::string message; ///< in its part, or behind a tip
 bool tip_is_shown = false;
@@ -55,12 +66,43 @@ Rectangle lamp_rectangle(int lamp) {
     return {left, top, left + LAMP_WIDTH, top + LAMP_HEIGHT};
 }
 
+/// 0 for black to 1 for white, as the eye sees it (WCAG 2.1, relative luminance).
+double luminance(Colour colour) {
+    const auto linear = [colour](int shift) {
+        const double part = double(colour >> shift & 0xFF) / 255;
+        return part <= 0.03928 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * linear(16) + 0.7152 * linear(8) + 0.0722 * linear(0);
+}
+
+/// 1 (the same) to 21 (black and white).
+double contrast(Colour one, Colour other) {
+    const auto [darker, brighter] = std::minmax({luminance(one), luminance(other)});
+    return (brighter + 0.05) / (darker + 0.05);
+}
+
+struct Bevel {
+    Colour shadow, highlight;
+};
+
+/// The bar's own colours; where a dark lamp would be lost in the bar, a grey that is seen against
+/// both.
+Bevel bevel_colours() {
+    StatusBar& bar = platform().status_bar();
+    const Colour ground = bar.background_colour();
+    if (contrast(ground, LAMP_OFF) >= LEAST_CONTRAST)
+        return {bar.shadow_colour(), bar.highlight_colour()};
+    Colour grey = 0;
+    while (contrast(grey, ground) < LEAST_CONTRAST || contrast(grey, LAMP_OFF) < LEAST_CONTRAST)
+        grey += 0x010101;
+    return {grey, grey};
+}
+
 /// A frame of one pixel, which makes the lamp look sunk into the bar.
-void draw_bevel(const Rectangle& lamp) {
+void draw_bevel(const Rectangle& lamp, const Bevel& colours) {
     StatusBar& bar = platform().status_bar();
     const Rectangle edge = {lamp.left - 1, lamp.top - 1, lamp.right + 1, lamp.bottom + 1};
-    const Colour shadow = bar.shadow_colour();
-    const Colour highlight = bar.highlight_colour();
+    const auto [shadow, highlight] = colours;
     bar.fill_rectangle({edge.left, edge.top, lamp.left, edge.bottom}, shadow);
     bar.fill_rectangle({edge.left, edge.top, edge.right, lamp.top}, shadow);
     bar.fill_rectangle({lamp.right, lamp.top, edge.right, edge.bottom}, highlight);
@@ -71,7 +113,12 @@ void draw_lamps() {
     StatusBar& bar = platform().status_bar();
     if (!bar.exists()) return;
     for (int lamp = 0; lamp < LAMPS; ++lamp) {
-        bar.fill_rectangle(lamp_rectangle(lamp), lamp == led_state ? LAMP_ON : LAMP_OFF);
+        const Rectangle area = lamp_rectangle(lamp);
+        bar.fill_rectangle(area, lamp == led_state ? LAMP_ON : LAMP_OFF);
+        if (lamp != led_state || !mark_is_shown) continue;
+        bar.fill_rectangle({area.left + MARK_LEFT, area.top + MARK_TOP, area.right - MARK_LEFT,
+                            area.bottom - MARK_TOP},
+                           MARK);
     }
 }
 
@@ -85,6 +132,8 @@ void CreateStatusBar() {
         return;
     }
     led_state = NO_DRIVE;
+    mark_frames = 0;
+    mark_is_shown = false;
     led_redraw(1);
 }
 
@@ -120,14 +169,23 @@ void ui_set_window_title(const char* format, ...) {
 }
 
 void light_lamp(int drive) {
-    // Called for every frame: there is something to draw only when another lamp is to be lit.
-    if (drive == led_state) return;
+    const bool marked = mark_frames > 0 && drive == written_drive;
+    if (mark_frames > 0) --mark_frames;
+    // Called for every frame: mostly there is nothing new to draw.
+    if (drive == led_state && marked == mark_is_shown) return;
     led_state = drive;
+    mark_is_shown = marked;
     draw_lamps();
+}
+
+void mark_lamp(int drive) {
+    written_drive = drive;
+    mark_frames = MARK_FRAMES;
 }
 
 void led_redraw(int lamps) {
     if (!platform().status_bar().exists()) return;
-    for (int lamp = 0; lamp < LAMPS; ++lamp) draw_bevel(lamp_rectangle(lamp));
+    const Bevel colours = bevel_colours();
+    for (int lamp = 0; lamp < LAMPS; ++lamp) draw_bevel(lamp_rectangle(lamp), colours);
     if (lamps) draw_lamps();
 }

@@ -24,5 +24,7 @@ void led_redraw(int lamps);
 void show_status_part(int part, const char* text);
 /// Sets the window title to the product name, " - " and the text.
 [[gnu::format(printf, 1, 2)]] void ui_set_window_title(const char* format, ...);
-/// Lights the lamp of `drive` (0 to 3); any other value lights none.
+/// Lights the lamp of `drive` (0 to 3); any other value lights none. To be called after each frame.
 void light_lamp(int drive);
+/// The drive writes: for a quarter of a second there is a mark in its lamp, while that is lit.
+void mark_lamp(int drive);

@@ -304,9 +304,11 @@ uint8_t read_data(unsigned drive) {
 }
 
 int store_sector(unsigned drive) {
-    return disk_img_write_sector(wd1771.disks[drive], drive_contents[drive].change(), 0,
-                                 wd1771.head_track[drive], wd1771.sector,
-                                 wd1771.sector_buffer.data());
+    const int stored =
+        disk_img_write_sector(wd1771.disks[drive], drive_contents[drive].change(), 0,
+                              wd1771.head_track[drive], wd1771.sector, wd1771.sector_buffer.data());
+    if (stored) machine_host.disk_written(int(drive));
+    return stored;
 }
 
 void write_sector_byte(unsigned drive, uint8_t value) {

@@ -19,6 +19,7 @@ struct StatusBar {
     virtual void set_tip(int part, const std::string& text) = 0;
     /// Draws in the drawn part.
     virtual void fill_rectangle(const Rectangle& area, Colour colour) = 0;
+    virtual Colour background_colour() = 0;
     virtual Colour shadow_colour() = 0;    ///< of raised edges
     virtual Colour highlight_colour() = 0; ///< of raised edges
     /// Lays the bar out at the bottom of the window again and asks for its drawing.

@@ -12,6 +12,7 @@ constexpr machine_host_calls defaults = {
     .report = [](const Report&) {},
     .print = [](text_stream, const char*) {},
     .lamp = [](int) {},
+    .disk_written = [](int) {},
     .frame = [](int) {},
     .fragment = [](const uint16_t*) {},
     .sound_begins = [] {},

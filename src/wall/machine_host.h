@@ -39,6 +39,8 @@ struct machine_host_calls {
     void (*print)(text_stream to, const char* lines);
     /// The drive whose lamp is lit, 0 to 3; any other value lights none.
     void (*lamp)(int drive);
+    /// The machine has written a sector to the disk in the drive.
+    void (*disk_written)(int drive);
     /// A frame is ready to be shown. A `flag` of 0 shows nothing.
     void (*frame)(int flag);
     /// A finished sound fragment of FRAGMENT_SAMPLES samples.

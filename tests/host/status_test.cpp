@@ -5,6 +5,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
+
 namespace {
 
 class StatusTest : public testing::Test {
@@ -80,6 +82,31 @@ TEST_F(StatusTest, LampsShowTheActiveDrive) {
     StatusBarRedraw();
     EXPECT_EQ(shown(130, TOP), 0xFF0000U);
     EXPECT_EQ(bar.redraws, 1);
+
+    // A drive that writes has a mark in its lamp for a quarter of a second of frames.
+    const auto marked_frames = [&](int drive) {
+        int frames = 0;
+        for (int n = 0; n < 30; ++n) {
+            led_update(drive);
+            frames += shown(136, TOP + 4) == 0xFFFFFF;
+            EXPECT_EQ(shown(130, TOP), drive == 2 ? 0xFF0000U : 0U);
+        }
+        return frames;
+    };
+    mark_lamp(2);
+    EXPECT_NEAR(marked_frames(2), 50 / 4, 1);
+    mark_lamp(1);
+    EXPECT_EQ(marked_frames(2) + marked_frames(-1), 0) << "the lamp of another drive is lit";
+
+    // A dark lamp is told from a dark bar by its edge. Luminances by the formula of sRGB.
+    for (const auto& [ground, luminance] : {std::pair{0x323232U, 0.0319}, {0x000000U, 0.0}}) {
+        bar.background = ground;
+        led_redraw(1);
+        const double edge = std::pow(((shown(129, TOP) & 0xFF) / 255.0 + 0.055) / 1.055, 2.4);
+        EXPECT_GE((edge + 0.05) / (luminance + 0.05), 3);
+        EXPECT_LT((edge + 0.05) / (luminance + 0.05), 4) << "not louder than the lit lamps";
+        EXPECT_EQ(shown(143, TOP), shown(129, TOP));
+    }
 
     // A new bar starts dark, and the next frame lights the lamp again.
     DestroyStatusBar();

@@ -4,6 +4,7 @@
 #include "core/machine.h"
 #include "core/machine_state.h"
 #include "platform/headless/headless.h"
+#include "wall/machine_host.h"
 #include "z80/z80.h"
 
 #include <gtest/gtest.h>
@@ -186,6 +187,9 @@ TEST_F(Wd1771, ReadsSectors) {
 }
 
 TEST_F(Wd1771, WritesSectors) {
+    static int told; // of drive 0
+    told = 0;
+    machine_host.disk_written = [](int drive) { told += drive == 0; };
     seek(7);
     wd1771_write_reg(SECTOR, 4);
     command(0xA8);
@@ -214,6 +218,7 @@ TEST_F(Wd1771, WritesSectors) {
     wd1771_device_select(8);
     command(0xA8);
     EXPECT_NE(z80_state.irq, 0) << "no disk";
+    EXPECT_EQ(told, 1);
 }
 
 /// The sector that the identification read next names.

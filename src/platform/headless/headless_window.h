@@ -152,11 +152,13 @@ struct HeadlessStatusBar final : public StatusBar {
     void set_text(int part, const std::string& text) override;
     void set_tip(int part, const std::string& text) override;
     void fill_rectangle(const Rectangle& area, Colour colour) override;
+    Colour background_colour() override { return background; }
     Colour shadow_colour() override { return HEADLESS_SHADOW; }
     Colour highlight_colour() override { return HEADLESS_HIGHLIGHT; }
     void redraw() override { ++redraws; }
 
     bool creation_fails = false; ///< set by the driver
+    Colour background = 0xC0C0C0;
     bool present = false;
     int drawn = -1;
     int redraws = 0;

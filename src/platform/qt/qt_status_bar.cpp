@@ -115,6 +115,10 @@ void QtStatusBar::fill_rectangle(const Rectangle& area, Colour colour) {
     if (bar_) bar_->fill(area, colour);
 }
 
+Colour QtStatusBar::background_colour() {
+    return colour_of(canvas_.palette().color(QPalette::Window));
+}
+
 Colour QtStatusBar::shadow_colour() { return colour_of(canvas_.palette().color(QPalette::Dark)); }
 
 Colour QtStatusBar::highlight_colour() {

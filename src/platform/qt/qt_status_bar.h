@@ -59,6 +59,7 @@ public:
     void set_text(int part, const std::string& text) override;
     void set_tip(int part, const std::string& text) override;
     void fill_rectangle(const Rectangle& area, Colour colour) override;
+    Colour background_colour() override;
     Colour shadow_colour() override;
     Colour highlight_colour() override;
     void redraw() override;
