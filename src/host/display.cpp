@@ -6,6 +6,7 @@
 #include "core/machine.h"
 #include "core/pacing/pacing.h"
 #include "host/canvas.h"
+#include "host/overlay.h"
 #include "host/shell.h"
 #include "host/status.h"
 #include "monitor/monitor.h"
@@ -124,6 +125,7 @@ void enter_full_screen() {
     if (g_bUseGDI) change_video_mode(false, false);
     ChangeCoopLevel();
     DestroyStatusBar();
+    overlay_show("Alt+Enter leaves full screen");
     platform().window().invalidate();
 }
 
@@ -131,7 +133,9 @@ void leave_full_screen() {
     g_bUseGDI = g_bFullScreen - 1 != 0;
     if (g_bUseGDI) change_video_mode(true, false);
     g_bFullScreen = 0;
+    overlay_hide();
     CreateStatusBar();
+    restore_status();
     machine_show_cfg();
     ChangeCoopLevel();
     // If the canvas has another size by now, the window needs one, too.

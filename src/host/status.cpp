@@ -1,5 +1,7 @@
 #include "host/status.h"
 
+#include "host/overlay.h"
+#include "host/shell_state.h"
 #include "platform/platform.h"
 #include "wall/machine_host.h"
 
@@ -36,7 +38,8 @@ int written_drive = NO_DRIVE;
 int mark_frames = 0; ///< that its mark is still to be seen
 bool mark_is_shown = false;
 
-std::string message; ///< in its part, or behind a tip
+/// What the parts show; the message may be behind a tip.
+std::array<std::string, RIGHT_EDGES.size()> texts, tips;
 bool tip_is_shown = false;
 
 std::string format_text(const char* format, va_list arguments) {
@@ -51,10 +54,12 @@ std::string format_text(const char* format, va_list arguments) {
 
 void show_text(int part, const std::string& text, const std::string& tip) {
     StatusBar& bar = platform().status_bar();
-    if (part == PART_LAMPS || !bar.exists()) return;
+    if (part == PART_LAMPS || (!bar.exists() && !g_bFullScreen)) return;
+    texts.at(size_t(part)) = text;
+    tips.at(size_t(part)) = tip;
     if (part == PART_MESSAGES) {
-        message = text;
         tip_is_shown = false;
+        if (!bar.exists()) overlay_show(tip);
     }
     bar.set_text(part, text);
     bar.set_tip(part, tip);
@@ -137,6 +142,14 @@ void CreateStatusBar() {
     led_redraw(1);
 }
 
+void restore_status() {
+    StatusBar& bar = platform().status_bar();
+    for (const int part : {PART_CONFIGURATION, PART_CASSETTE, PART_MESSAGES}) {
+        bar.set_text(part, texts[size_t(part)]);
+        bar.set_tip(part, tips[size_t(part)]);
+    }
+}
+
 void DestroyStatusBar() { platform().status_bar().destroy(); }
 
 int StatusBarHeight() { return platform().status_bar().height(); }
@@ -153,10 +166,10 @@ void show_status(const std::string& text, const std::string& details) {
 void show_tip(const std::string& tip) {
     if (tip.empty() && !tip_is_shown) return;
     tip_is_shown = !tip.empty();
-    platform().status_bar().set_text(PART_MESSAGES, tip_is_shown ? tip : message);
+    platform().status_bar().set_text(PART_MESSAGES, tip_is_shown ? tip : texts[PART_MESSAGES]);
 }
 
-const std::string& shown_status() { return message; }
+const std::string& shown_status() { return texts[PART_MESSAGES]; }
 
 void show_status_part(int part, const char* text) { show_text(part, text, text); }
 

@@ -7,8 +7,11 @@ constexpr const char* PRODUCT_NAME = "Tarvelin";
 
 /// Creates the bar once, with its parts and lamps.
 void CreateStatusBar();
-/// Removes the bar; nothing is shown until it is created again.
+/// Removes the bar. In full screen messages are then shown over the picture (overlay.h), else
+/// nothing is shown.
 void DestroyStatusBar();
+/// Shows in a new bar what there was to show while there was none.
+void restore_status();
 /// Shows a text in the part for messages. Its tool tip shows `details`, which may be empty.
 void show_status(const std::string& text, const std::string& details);
 /// Shows a sentence in place of the message; an empty one, or a new message, ends that.

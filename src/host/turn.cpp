@@ -15,6 +15,7 @@
 #include "host/menu.h"
 #include "host/messages.h"
 #include "host/options.h"
+#include "host/overlay.h"
 #include "host/recent.h"
 #include "host/resume.h"
 #include "host/rewind.h"
@@ -26,6 +27,7 @@
 #include "sound/output/sound_ring.h"
 #include "wall/machine_host.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <deque>
 #include <optional>
@@ -71,6 +73,7 @@ public:
         case PaneId::picture: return show_canvas();
         case PaneId::monitor: return monitor_update();
         case PaneId::film_bar: return film_bar_draw();
+        case PaneId::overlay: return overlay_draw();
         }
     }
     void draw_status() override { led_redraw(1); }
@@ -209,6 +212,39 @@ int64_t rest_left() {
 
 bool is_halted() { return !g_bActive || turn.menu_open; }
 
+/// Of messages and machine.
+ShellTurn main_turn() {
+    using enum ShellTurn::Next;
+    const bool was_held = shell_is_held();
+    attachments_settle();
+    if (std::exchange(turn.menu_closed, false)) leave_menu();
+    handle_messages();
+    if (const int64_t left = rest_left()) return {.next = in_time, .microseconds = left};
+    if (turn.after_rest) {
+        std::exchange(turn.after_rest, nullptr)();
+        release_shell();
+        return {};
+    }
+    // The frame before the quit message is still shown at its time.
+    if (turn.exit_code && (is_halted() || !paced_frame_waits())) close_shell();
+    if (turn.closed) return {.next = end, .exit_code = end_shell()};
+    if (turn.closing || shell_is_held()) return {.next = on_event};
+    if (was_held) return {};
+    if (!turn.menu_open) {
+        if (const auto wait = rewind_turn()) return {.next = in_time, .microseconds = *wait};
+    }
+    if (!is_halted()) {
+        const int64_t wait = paced_frame_step();
+        main_disk_keep_journals_when_due();
+        resume_keep_when_due();
+        return {.next = wait ? in_time : now, .microseconds = wait};
+    }
+    main_disk_keep_journals(); // the program may now wait for long
+    if (!turn.menu_open) resume_keep_halted();
+    platform().keyboard().release_tapped();
+    return {.next = on_event};
+}
+
 } // namespace
 
 void take_immediate_events() { platform().events().set_sink(sink); }
@@ -249,34 +285,12 @@ void WindowProcedure(const Event& event) {
 
 ShellTurn shell_turn() {
     using enum ShellTurn::Next;
-    const bool was_held = shell_is_held();
-    attachments_settle();
-    if (std::exchange(turn.menu_closed, false)) leave_menu();
-    handle_messages();
-    if (const int64_t left = rest_left()) return {.next = in_time, .microseconds = left};
-    if (turn.after_rest) {
-        std::exchange(turn.after_rest, nullptr)();
-        release_shell();
-        return {};
-    }
-    // The frame before the quit message is still shown at its time.
-    if (turn.exit_code && (is_halted() || !paced_frame_waits())) close_shell();
-    if (turn.closed) return {.next = end, .exit_code = end_shell()};
-    if (turn.closing || shell_is_held()) return {.next = on_event};
-    if (was_held) return {};
-    if (!turn.menu_open) {
-        if (const auto wait = rewind_turn()) return {.next = in_time, .microseconds = *wait};
-    }
-    if (!is_halted()) {
-        const int64_t wait = paced_frame_step();
-        main_disk_keep_journals_when_due();
-        resume_keep_when_due();
-        return {.next = wait ? in_time : now, .microseconds = wait};
-    }
-    main_disk_keep_journals(); // the program may now wait for long
-    if (!turn.menu_open) resume_keep_halted();
-    platform().keyboard().release_tapped();
-    return {.next = on_event};
+    ShellTurn done = main_turn();
+    const std::optional<int64_t> left = overlay_turn();
+    if (!left) return done;
+    if (done.next == on_event) return {.next = in_time, .microseconds = *left};
+    done.microseconds = std::min(done.microseconds, *left);
+    return done;
 }
 
 int run_message_loop() {

@@ -6,8 +6,8 @@
 #include <string>
 
 /// The areas that the program draws, from back to front. The picture is always there.
-enum class PaneId : uint8_t { picture, monitor, film_bar };
-constexpr size_t PANES = 3;
+enum class PaneId : uint8_t { picture, monitor, film_bar, overlay };
+constexpr size_t PANES = 4;
 
 /// What a screen reader finds in a pane that works like a slider.
 struct SliderReading {
@@ -30,7 +30,9 @@ struct Scaling {
 /// another size: the host keeps it, whether the pane is shown or not, and paints it again by
 /// itself. Where a pane lies is the host's layout: the picture and the monitor have the same area,
 /// the client area above the status bar; the film bar lies over the lowest lines of that area, as
-/// high as two rows of text with some room around them.
+/// high as two rows of text with some room around them; the overlay lies over its top lines, in
+/// larger text where the area is large. Black lets some of what is behind the overlay through, and
+/// the pointer does not meet it.
 struct Pane {
     virtual ~Pane() = default;
     virtual Size size() = 0;
@@ -44,11 +46,14 @@ struct Pane {
     virtual void fill_rectangle(const Rectangle& area, Colour colour) = 0;
     /// A character cell of the host's fixed-pitch font.
     virtual Size cell_size() = 0;
-    /// Writes ASCII text, one character a cell, the first one's top left corner at (x, y). A tab
+    /// Writes text in UTF-8, one character a cell, the first one's top left corner at (x, y). A tab
     /// leads to the next column that is a multiple of eight.
     virtual void text(int x, int y, const std::string& text, Colour colour, Colour background) = 0;
     /// A line one pixel high, `length` pixels from (x, y) to the right.
     virtual void line(int x, int y, int length, Colour colour) = 0;
     /// Only the film bar tells it.
     virtual void set_reading(const SliderReading& reading) = 0;
+    /// Only the overlay tells it: a text for screen readers, and how many rows the pane is to have
+    /// room for.
+    virtual void set_message(const std::string& text, int rows) = 0;
 };

@@ -231,6 +231,41 @@ TEST_F(ShellTest, MessagesReachTheirHandlers) {
     EXPECT_EQ(stored("KeyMapping"), 0U) << "a change of layout is no choice for the next run";
 }
 
+TEST_F(ShellTest, MessagesOfTheWholeScreenGoByThemselves) {
+    start();
+    HeadlessPane& overlay = host->pane(PaneId::overlay);
+    send(Event::Kind::command, COMMAND_PAUSE);
+    EXPECT_EQ(shell_turn().next, ShellTurn::Next::on_event);
+    send(Event::Kind::command, COMMAND_FULL_SCREEN);
+    const std::string words = "a sentence of sixty columns is longer than half of the screen ";
+    for (const auto& [told, rows] : {std::pair<std::string, size_t>{"", 1},
+                                     {"\u00e4\u2192" + std::string(156, 'x'), 1},
+                                     {words + words + words, 2}}) {
+        SCOPED_TRACE(told);
+        if (!told.empty()) StatusBarText("%s", told.c_str());
+        EXPECT_EQ(overlay.message, told.empty() ? "Alt+Enter leaves full screen" : told);
+        ASSERT_EQ(overlay.texts.size(), rows);
+        const HeadlessText& row = overlay.texts[0];
+        const int ends = row.x + 8 * (rows == 1 && !told.empty() ? 158 : int(row.text.size()));
+        EXPECT_NEAR(row.x, 1280 - ends, 1) << "in the middle";
+        const ShellTurn turn = shell_turn();
+        EXPECT_EQ(turn.next, ShellTurn::Next::in_time);
+        EXPECT_NEAR(double(turn.microseconds), 3e6, 1e5);
+        host->advance_ns(2'800'000'000);
+        EXPECT_EQ(shell_turn().next, ShellTurn::Next::in_time);
+        EXPECT_TRUE(overlay.shown);
+        host->advance_ns(200'000'000);
+        EXPECT_EQ(shell_turn().next, ShellTurn::Next::on_event) << "the program rests";
+        EXPECT_FALSE(overlay.shown);
+    }
+    StatusBarText("%s", "last");
+    EXPECT_TRUE(overlay.shown);
+    send(Event::Kind::command, COMMAND_FULL_SCREEN);
+    EXPECT_FALSE(overlay.shown);
+    EXPECT_EQ(host->status_text(3), "last");
+    emu_close();
+}
+
 TEST_F(ShellTest, RunsFromStartToExitAndSaysWhenItsSettingsWereDamaged) {
     std::ofstream(SETTINGS) << "Sound = = 1";
     host->answer_later(true);

@@ -123,6 +123,7 @@ struct HeadlessPlatform::State {
               HeadlessPane(window, status_bar, options.keep_pictures),
               HeadlessPane(window, status_bar, options.keep_pictures),
               HeadlessPane(window, status_bar, options.keep_pictures, HEADLESS_FILM_BAR),
+              HeadlessPane(window, status_bar, options.keep_pictures, HEADLESS_OVERLAY),
           },
           settings_file(options.settings_path) {
         panes[size_t(PaneId::picture)].shown = true;

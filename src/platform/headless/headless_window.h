@@ -19,6 +19,7 @@ constexpr int HEADLESS_CAPTION = 20;
 constexpr int HEADLESS_MENU = 20;
 constexpr int HEADLESS_STATUS_BAR = 23;
 constexpr int HEADLESS_FILM_BAR = 40;
+constexpr int HEADLESS_OVERLAY = 24; ///< with a row of text
 constexpr Size HEADLESS_CELL{8, 12};
 constexpr Colour HEADLESS_SHADOW = 0x808080;
 constexpr Colour HEADLESS_HIGHLIGHT = 0xFFFFFF;
@@ -118,6 +119,10 @@ struct HeadlessPane final : public Pane {
         lines.push_back({{x, y, x + length, y + 1}, colour});
     }
     void set_reading(const SliderReading& given) override { reading = given; }
+    void set_message(const std::string& text, int rows) override {
+        message = text;
+        height_ = HEADLESS_OVERLAY + (rows - 1) * HEADLESS_CELL.height;
+    }
 
     /// What the pane holds, where pictures are kept; black where nothing was drawn.
     Colour pixel(int x, int y) const;
@@ -130,6 +135,7 @@ struct HeadlessPane final : public Pane {
     std::vector<HeadlessText> texts; ///< that begin where no fill or picture came later
     std::vector<HeadlessFill> lines; ///< likewise
     SliderReading reading;
+    std::string message;
 
 private:
     void forget(const Rectangle& area);

@@ -93,8 +93,8 @@ public:
 /// The film bar as a slider that is only read: the keys move it.
 class FilmBarReader final : public QAccessibleWidget, public QAccessibleValueInterface {
 public:
-    explicit FilmBarReader(QtFilmBar::Widget& bar)
-        : QAccessibleWidget(&bar, QAccessible::Slider), bar_(bar) {}
+    FilmBarReader(QtStrip::Widget& widget, const QtFilmBar& bar)
+        : QAccessibleWidget(&widget, QAccessible::Slider), bar_(bar) {}
 
     QString text(QAccessible::Text which) const override {
         if (which == QAccessible::Name) return to_qt(bar_.reading().name);
@@ -113,7 +113,13 @@ public:
     void setCurrentValue(const QVariant&) override {}
 
 private:
-    QtFilmBar::Widget& bar_;
+    const QtFilmBar& bar_;
+};
+
+class OverlayReader final : public QAccessibleWidget {
+public:
+    explicit OverlayReader(QtStrip::Widget& widget)
+        : QAccessibleWidget(&widget, QAccessible::AlertMessage) {}
 };
 
 /// Qt owns what it gets.
@@ -121,8 +127,10 @@ QAccessibleInterface* make_reader(const QString&, QObject* object) {
     if (auto* canvas = dynamic_cast<QtCanvas*>(object)) {
         return std::make_unique<CanvasReader>(*canvas).release();
     }
-    if (auto* bar = dynamic_cast<QtFilmBar::Widget*>(object)) {
-        return std::make_unique<FilmBarReader>(*bar).release();
+    if (auto* strip = dynamic_cast<QtStrip::Widget*>(object)) {
+        if (const auto* bar = dynamic_cast<const QtFilmBar*>(&strip->strip()))
+            return std::make_unique<FilmBarReader>(*strip, *bar).release();
+        return std::make_unique<OverlayReader>(*strip).release();
     }
     if (auto* bar = dynamic_cast<QtStatusBarWidget*>(object)) {
         return std::make_unique<StatusBarReader>(*bar).release();

@@ -2,6 +2,7 @@
 #include "platform/geometry.h"
 #include "platform/qt/qt_events.h"
 #include "platform/qt/qt_film_bar.h"
+#include "platform/qt/qt_overlay.h"
 #include "platform/qt/qt_pane.h"
 #include "platform/window.h"
 
@@ -12,7 +13,8 @@
 #include <string>
 #include <utility>
 
-/// The client area. Shows the foremost of the panes that fill it, and the film bar over it.
+/// The client area. Shows the foremost of the panes that fill it, and film bar and
+/// overlay over it.
 class QtCanvas final : public QWidget {
 public:
     explicit QtCanvas(QtEvents& events);
@@ -20,6 +22,7 @@ public:
     /// Of those that fill the client area.
     QtPane& pane(PaneId id) { return panes_[size_t(id)]; }
     QtFilmBar& film_bar() { return film_bar_; }
+    QtOverlay& overlay() { return overlay_; }
     PaneId front_id() const;
     QtPane& front() { return pane(front_id()); }
     const CellFont& font() const { return font_; }
@@ -47,6 +50,7 @@ private:
     std::array<QtPane, 2> panes_{QtPane(*this), QtPane(*this)};
     std::function<Size()> room_;
     QtFilmBar film_bar_{*this, events_};
+    QtOverlay overlay_{*this, events_};
     std::function<ReadableText()> readable_; ///< null: there is none
     Readable told_;                          ///< to screen readers
 };

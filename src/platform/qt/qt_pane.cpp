@@ -2,6 +2,7 @@
 
 #include "platform/qt/qt_canvas.h"
 #include "platform/qt/qt_pixels.h"
+#include "platform/qt/qt_text.h"
 
 #include <QFontDatabase>
 #include <QFontMetrics>
@@ -59,8 +60,9 @@ void QtStretch::paint(QPainter& painter, const QRect& dirty, double ratio) const
     painter.drawImage(target, picture);
 }
 
-CellFont::CellFont() {
-    const QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+CellFont::CellFont(int pixels) {
+    QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    if (pixels > QFontInfo(fixed).pixelSize()) fixed.setPixelSize(pixels);
     const QFontMetrics metrics(fixed);
     font = QRawFont::fromFont(fixed);
     cell = {widest_character(metrics), std::max(metrics.height(), 1)};
@@ -106,12 +108,12 @@ void QtDrawing::text(int x, int y, const std::string& text, Colour colour, Colou
     QString characters;
     QList<QPointF> places;
     int column = 0;
-    for (const char c : text) {
+    for (const QChar c : to_qt(text)) {
         if (c == '\t') {
             column += TAB_COLUMNS - column % TAB_COLUMNS;
             continue;
         }
-        characters += QLatin1Char(c);
+        characters += c;
         places += QPointF(x + column++ * cell.width, baseline);
     }
     fill_rectangle({x, y, x + column * cell.width, y + cell.height}, background);

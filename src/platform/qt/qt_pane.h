@@ -10,7 +10,8 @@ class QtCanvas;
 
 /// The host's font of fixed pitch.
 struct CellFont {
-    CellFont();
+    /// No smaller than the desktop's, and that where so many pixels are no more.
+    explicit CellFont(int pixels = 0);
     QRawFont font;
     Size cell;
 };
@@ -39,6 +40,7 @@ public:
     void text(int x, int y, const std::string& text, Colour colour, Colour background) override;
     void line(int x, int y, int length, Colour colour) override;
     void set_reading(const SliderReading&) override {}
+    void set_message(const std::string&, int) override {}
 
 private:
     /// The picture, in its present size.

@@ -159,6 +159,7 @@ HostKeyboard& QtPlatform::keyboard() { return services_->keyboard; }
 Pane& QtPlatform::pane(PaneId id) {
     QtCanvas& canvas = services_->window.canvas();
     if (id == PaneId::film_bar) return canvas.film_bar();
+    if (id == PaneId::overlay) return canvas.overlay();
     return canvas.pane(id);
 }
 Paths& QtPlatform::paths() { return services_->paths; }
