@@ -121,6 +121,8 @@ void fit_message(QMessageBox& box) {
     auto* area = std::make_unique<QtFittingArea>(&box, [=] {
                      return QSize(most.width() + bar, most.height());
                  }).release();
+    area->setFocusPolicy(Qt::StrongFocus); // the keyboard scrolls it
+    area->setAccessibleName(label->text());
     box.layout()->replaceWidget(label, area);
     auto* text = std::make_unique<QLabel>(label->text()).release();
     text->setTextFormat(label->textFormat());
@@ -131,6 +133,7 @@ void fit_message(QMessageBox& box) {
     area->setWidget(text);
     text->setAutoFillBackground(false);
     label->hide();
+    if (box.defaultButton()) box.defaultButton()->setFocus();
 }
 
 /// Not every dark desktop has a colour of its own for links; Qt's is for light ones.
@@ -151,6 +154,7 @@ void QtDialogs::message(const std::string& title, const std::string& text, Messa
         QMessageBox box(icon_of(icon), to_qt(title), message_text(text), QMessageBox::Ok,
                         window_.owner());
         box.setTextFormat(Qt::PlainText);
+        box.setDefaultButton(QMessageBox::Ok);
         fit_message(box);
         box.exec();
     }
