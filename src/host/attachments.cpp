@@ -5,6 +5,7 @@
 #include "files/file_identity.h"
 #include "host/disks.h"
 #include "host/key_map.h"
+#include "host/loaded_program.h"
 #include "host/machine_callbacks.h"
 #include "host/save_question.h"
 #include "host/shell_state.h"
@@ -33,6 +34,7 @@ struct Attachments {
     std::array<disk_file, DISK_DRIVES> drives;
     std::string tape;
     played_wav wav;
+    LoadedProgram program;
 };
 
 shared_bytes last; ///< as attachments_now has given it
@@ -78,6 +80,8 @@ Attachments read(std::span<const uint8_t> bytes) {
     files.tape = take_text(bytes);
     files.wav.path = take_text(bytes);
     files.wav.hash = take_hash(bytes);
+    files.program.name = take_text(bytes); // where there was one
+    files.program.hash = take_hash(bytes);
     return files;
 }
 
@@ -115,6 +119,8 @@ shared_bytes attachments_now() {
     put(bytes, tape_cas_is_attached() ? lasting_path(tape_get_cas_name()) : std::string());
     const played_wav wav = tape_sound_played();
     put(bytes, wav.path, wav.hash);
+    const auto& [name, program] = loaded_program();
+    if (program) put(bytes, name, program);
     shared_bytes now(std::move(bytes));
     if (!(now == last)) last = std::move(now);
     return last;
@@ -131,6 +137,7 @@ void attachments_follow(const shared_bytes& attachments) {
     main_disk_follow(files.drives);
     tape_file_follow(files.tape);
     follow_tape_sound(files.wav);
+    program_is(files.program);
     printer_file_follow();
     forget_save_answer();
     follow_keyboard();

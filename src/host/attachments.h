@@ -1,7 +1,7 @@
 #pragma once
 /// The files that the machine's media belong to: the images in the drives, the cassette's file, the
-/// WAV file that plays, the printer's file. They are not in the machine's state, so whoever keeps a
-/// state keeps these bytes beside it.
+/// WAV file that plays, the printer's file; and which program runs. They are not in the machine's
+/// state, so whoever keeps a state keeps these bytes beside it.
 
 #include "wall/shared_bytes.h"
 

@@ -7,6 +7,7 @@
 #include "files/whole_file.h"
 #include "files/zip/zip_folder.h"
 #include "host/disk_rom.h"
+#include "host/loaded_program.h"
 #include "host/menu.h"
 #include "host/recent.h"
 #include "host/replays.h"
@@ -270,6 +271,7 @@ void autostart_bytes(const std::string& name, Bytes bytes) {
     const Loader* starter = starter_of(name);
     if (!starter) return report({.text = name + UNKNOWN_TYPE});
     if (starter->roles & ROLE_DISK) return report({.text = name + ": a disk needs a file"});
+    program_is_loaded(name, bytes);
     if (starter->load(name, bytes)) tell_started(name);
 }
 

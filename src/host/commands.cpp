@@ -16,6 +16,7 @@
 #include "host/disk_rom.h"
 #include "host/disks.h"
 #include "host/display.h"
+#include "host/loaded_program.h"
 #include "host/menu.h"
 #include "host/messages.h"
 #include "host/recent.h"
@@ -127,7 +128,10 @@ void pause_machine() {
 }
 
 void restart_machine() {
-    rest_shell(RESTART_WAIT, [] { machine_apply(event_kind::restart); });
+    rest_shell(RESTART_WAIT, [] {
+        machine_apply(event_kind::restart);
+        program_after_restart();
+    });
 }
 
 void toggle_monitor() {

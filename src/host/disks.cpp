@@ -9,6 +9,7 @@
 #include "host/dialogs/hold.h"
 #include "host/disk_journal.h"
 #include "host/disk_questions.h"
+#include "host/loaded_program.h"
 #include "host/menu.h"
 #include "host/shell_state.h"
 #include "media/files/rescue.h"
@@ -110,7 +111,10 @@ void protect(unsigned drive, bool level) {
 /// Writes the image to its file, or wherever the user wants it. False when the disk is to stay.
 void save_disk(unsigned drive, bool keep_mine, const DiskDone& done) {
     const bool changed = !keep_mine && diskimg_file_changed(drive);
-    if (!changed && diskimg_write_back(drive)) return done(true);
+    if (!changed && diskimg_write_back(drive)) {
+        program_is_written(drive_files[drive].hash, content_hash(drive_contents[drive].view()));
+        return done(true);
+    }
     const std::string reason = std::strerror(errno);
     const bool mine_next = keep_mine || changed;
     const auto answered = [=](TroubleAnswer answer) {

@@ -1,6 +1,7 @@
 #include "host/joysticks.h"
 
 #include "cgenie/input.h"
+#include "host/pad_keys.h"
 #include "platform/platform.h"
 
 #include <cstdio>
@@ -8,13 +9,25 @@
 
 namespace {
 
-constexpr int STICKS = 2;
+constexpr int STICKS = PADS;
 constexpr uint16_t POSITION_MAX = 65535;
 
+bool is_key(int number, PadInput input) {
+    return pad_keys()[size_t(number)][input] != PAD_DOES_USUAL;
+}
+
+/// What is a key of the machine does not move its joystick.
 machine_stick read_stick(int number) {
     const std::optional<JoystickState> host = platform().joysticks().read(number);
-    if (!host) return {};
-    return {host->x, uint16_t(POSITION_MAX - host->y), host->first_button, host->second_button};
+    machine_stick stick;
+    if (!host) return stick;
+    if (!is_key(number, host->x < stick.x ? PAD_LEFT : PAD_RIGHT)) stick.x = host->x;
+    if (!is_key(number, host->y < stick.y ? PAD_UP : PAD_DOWN)) {
+        stick.y = uint16_t(POSITION_MAX - host->y);
+    }
+    stick.first_button = host->is_down(PAD_A) && !is_key(number, PAD_A);
+    stick.second_button = host->is_down(PAD_B) && !is_key(number, PAD_B);
+    return stick;
 }
 
 } // namespace
@@ -50,7 +63,8 @@ void read_host_joysticks(machine_input& input) {
 bool rewind_button_is_down() {
     for (int number = 0; number < STICKS; ++number) {
         const std::optional<JoystickState> host = platform().joysticks().read(number);
-        if (host && host->third_button) return true;
+        const bool down = host && host->is_down(PAD_LEFT_SHOULDER);
+        if (down && !is_key(number, PAD_LEFT_SHOULDER)) return true;
     }
     return false;
 }

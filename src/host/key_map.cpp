@@ -5,6 +5,7 @@
 #include "core/machine_events.h"
 #include "platform/platform.h"
 
+#include <algorithm>
 #include <array>
 
 namespace {
@@ -53,6 +54,18 @@ constexpr std::array<Row, 2 * ROWS> kb_symbolic = {{
 constexpr unsigned FUNCTION_KEYS = 28;
 constexpr unsigned FUNCTION_KEYS_END = 32;
 constexpr unsigned HOST_KEYS = 48;
+
+/// What is printed on the keys.
+constexpr std::array<std::array<const char*, COLUMNS>, ROWS> key_names = {{
+    {"@", "A", "B", "C", "D", "E", "F", "G"},
+    {"H", "I", "J", "K", "L", "M", "N", "O"},
+    {"P", "Q", "R", "S", "T", "U", "V", "W"},
+    {"X", "Y", "Z", nullptr, "F1", "F2", "F3", "F4"},
+    {"0", "1", "2", "3", "4", "5", "6", "7"},
+    {"8", "9", ":", ";", ",", "-", ".", "/"},
+    {"RETURN", "CLEAR", "BREAK", "UP", "DOWN", "LEFT", "RIGHT", "SPACE"},
+    {"SHIFT", "MODSEL", nullptr, "RPT", "CTRL", nullptr, nullptr, nullptr},
+}};
 
 /// A host key in the low byte, the modifiers that it needs (Modifier bits) above it.
 using MapEntry = uint16_t;
@@ -128,9 +141,28 @@ void read_host_keys(machine_input& input) {
         input.symbolic[0][row] = uint8_t(alone);
         input.symbolic[1][row] = uint8_t(shifted);
     }
+    std::ranges::fill(input.direct, uint8_t(0));
     if (!hidden && keys.is_down(KEY_BACKSPACE)) input.positional[ROW_CURSOR] |= COLUMN_LEFT;
     input.keypad = 0;
     for (unsigned digit = 0; digit < KEYPAD_DIGITS; ++digit) {
         if (keys.is_down(uint8_t(KEY_NUMPAD0 + digit))) input.keypad |= uint16_t(1U << digit);
     }
+}
+
+const char* machine_key_name(unsigned position) {
+    return position < POSITIONS ? key_names[position / COLUMNS][position % COLUMNS] : nullptr;
+}
+
+std::optional<uint8_t> machine_key_of(uint8_t host_key) {
+    if (host_key == KEY_NONE) return {};
+    if (input_state.keyboard_mapping == MAPPING_SYMBOLIC) {
+        const auto end = symbolic_key_map.begin() + POSITIONS;
+        const auto found = std::find(symbolic_key_map.begin(), end, map_entry(host_key, 0));
+        if (found != end) return uint8_t(found - symbolic_key_map.begin());
+    }
+    if (host_key == KEY_BACKSPACE) host_key = KEY_LEFT;
+    for (unsigned position = 0; position < POSITIONS; ++position) {
+        if (kb_matrix[position / COLUMNS][position % COLUMNS] == host_key) return uint8_t(position);
+    }
+    return {};
 }

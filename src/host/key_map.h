@@ -2,6 +2,9 @@
 /// Turns the keys of the host's keyboard into those of the machine's, in two mappings: by the place
 /// of the keys, or by the characters that they give in the host's layout.
 
+#include <cstdint>
+#include <optional>
+
 struct machine_input;
 
 /// Builds the symbolic map for the host's present layout, switches to the symbolic mapping, and
@@ -9,5 +12,13 @@ struct machine_input;
 void host_keyboard_init();
 /// Takes every key for released, by host and machine.
 void host_keyboard_reset();
-/// Fills in keyboard and keypads as the host's keys are at this moment.
+/// Fills in keyboard and keypads as the host's keys are at this moment. No key is held directly.
 void read_host_keys(machine_input& input);
+
+// Keys of the machine by position: row x 8 + column, below 64.
+
+/// What is printed on the key; null where the machine has none.
+const char* machine_key_name(unsigned position);
+/// The key that the host's key presses alone in the present mapping; nothing for one that the
+/// machine does not have.
+std::optional<uint8_t> machine_key_of(uint8_t host_key);

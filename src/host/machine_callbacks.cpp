@@ -13,6 +13,7 @@
 #include "host/memory_question.h"
 #include "host/messages.h"
 #include "host/options.h"
+#include "host/pad_keys.h"
 #include "host/replays.h"
 #include "host/rom_files.h"
 #include "host/save_question.h"
@@ -43,6 +44,7 @@ void connect_machine() {
     machine_host.read_input = [](machine_input& input) {
         read_host_keys(input);
         read_host_joysticks(input);
+        press_pad_keys(input);
         memory_question_answer(input);
     };
     machine_host.was_reset = [] { last_file_name.clear(); };

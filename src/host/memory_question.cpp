@@ -62,5 +62,5 @@ void memory_question_frame_ran() {
 }
 
 void memory_question_answer(machine_input& input) {
-    input.direct[ENTER_ROW] = waited == PATIENCE ? ENTER_COLUMN : 0;
+    if (waited == PATIENCE) input.direct[ENTER_ROW] |= ENTER_COLUMN;
 }

@@ -106,14 +106,26 @@ MenuEntry run_ahead_menu() {
 }
 
 MenuEntry options_menu() {
-    return submenu("&Options",
-                   {item(COMMAND_50HZ_TIMER), item(COMMAND_SOUND), item(COMMAND_CLEAN_SOUND),
-                    item(COMMAND_SYMBOLIC_KEYS), item(COMMAND_PRINTER), SEPARATOR,
-                    item(COMMAND_DOUBLE_SCAN), item(COMMAND_TV_BLUR),
-                    item(COMMAND_DISPLAY_SETTINGS), SEPARATOR, item(COMMAND_GIANT_SCREEN),
-                    item(COMMAND_FULL_SCREEN), SEPARATOR, item(COMMAND_KEEP_HISTORY),
-                    run_ahead_menu(), item(COMMAND_FAST_TAPES), item(COMMAND_RESUME),
-                    item(COMMAND_ASK_MEMORY_SIZE), item(COMMAND_MONITOR_F12)});
+    return submenu("&Options", {item(COMMAND_50HZ_TIMER),
+                                item(COMMAND_SOUND),
+                                item(COMMAND_CLEAN_SOUND),
+                                item(COMMAND_SYMBOLIC_KEYS),
+                                item(COMMAND_PRINTER),
+                                item(COMMAND_PAD_KEYS),
+                                SEPARATOR,
+                                item(COMMAND_DOUBLE_SCAN),
+                                item(COMMAND_TV_BLUR),
+                                item(COMMAND_DISPLAY_SETTINGS),
+                                SEPARATOR,
+                                item(COMMAND_GIANT_SCREEN),
+                                item(COMMAND_FULL_SCREEN),
+                                SEPARATOR,
+                                item(COMMAND_KEEP_HISTORY),
+                                run_ahead_menu(),
+                                item(COMMAND_FAST_TAPES),
+                                item(COMMAND_RESUME),
+                                item(COMMAND_ASK_MEMORY_SIZE),
+                                item(COMMAND_MONITOR_F12)});
 }
 
 /// What the window's menu shows at the moment, and the marks of ids that it does not hold.

@@ -84,7 +84,8 @@ enum Command : int {
     COMMAND_CLEAR_RECENT = 40270,
     COMMAND_NEW_DISK = 40271,
     COMMAND_NEW_TAPE = 40272,
-    COMMAND_PROTECT_DISK = 40273 ///< + drive 0 to 3
+    COMMAND_PROTECT_DISK = 40273, ///< + drive 0 to 3
+    COMMAND_PAD_KEYS = 40279
 };
 
 /// The menu as the program starts with it.

@@ -1,9 +1,11 @@
 #include "host/recent.h"
 
 #include "files/file_identity.h"
+#include "files/file_names.h"
 #include "files/zip/zip_folder.h"
 #include "host/autostart.h"
 #include "host/commands.h"
+#include "host/loaded_program.h"
 #include "host/menu.h"
 #include "host/replays.h"
 #include "host/settings/prefs.h"
@@ -57,6 +59,14 @@ constexpr Way ways[] = {
 const Way* way_of(Opened how) {
     const auto* found = std::ranges::find(ways, how, &Way::how);
     return found == std::end(ways) ? nullptr : found;
+}
+
+/// A state or a replay brings its program with it.
+bool is_program(Opened how, const std::string& path) {
+    const std::string extension = lower_case_extension(path);
+    if (extension == "tvs" || extension == "tvr") return false;
+    const bool further_disk = how >= Opened::in_drive_1 && how <= Opened::in_drive_3;
+    return !further_disk && how != Opened::as_state && how != Opened::as_replay;
 }
 
 std::vector<RecentFile> shown; ///< by the menu's items
@@ -152,6 +162,7 @@ std::string menu_text(const std::string& text) {
 } // namespace
 
 void note_opened(Opened how, const std::string& path) {
+    if (is_program(how, path)) program_is_loaded(path);
     if (!shell_state.start.remembers_files) return;
     const RecentFile file = {how, lasting_path(path)};
     std::vector<RecentFile> files = recent_files();

@@ -29,7 +29,8 @@ struct RecentFile {
 
 constexpr int RECENT_FILES = 10; ///< at most
 
-/// Puts the file in front of the list, and writes it at once.
+/// Puts the file in front of the list, and writes it at once. It also tells loaded_program.h, which
+/// counts on every host.
 void note_opened(Opened how, const std::string& path);
 /// Entries that make no sense are left out.
 std::vector<RecentFile> recent_files();

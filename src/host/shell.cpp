@@ -22,6 +22,7 @@
 #include "host/joysticks.h"
 #include "host/keep_history.h"
 #include "host/key_map.h"
+#include "host/loaded_program.h"
 #include "host/machine_callbacks.h"
 #include "host/menu.h"
 #include "host/messages.h"
@@ -37,6 +38,7 @@
 #include "host/status.h"
 #include "host/turn.h"
 #include "media/files/cassette_files.h"
+#include "media/files/drive_files.h"
 #include "media/files/printer_file.h"
 #include "media/printer.h"
 #include "media/tape.h"
@@ -102,6 +104,7 @@ void emu_init(const ShellOptions& options) {
     std::random_device seed;
     memory_seed_random(uint64_t(seed()) << 32 | seed());
     host_keyboard_init();
+    program_is({});
     machine_init();
     choices = {.custom = machine_cfg[CUSTOM_CONFIGURATION]};
     video_init(machine_cfg[active_machine_cfg].palette & 1);
@@ -114,6 +117,7 @@ void emu_init(const ShellOptions& options) {
         read_options(step);
     }
     main_disk_image_attach_remembered();
+    if (!drive_files[0].path.empty()) program_is_loaded(drive_files[0].path);
     read_options(StartStep::screenshots);
     read_options(StartStep::palette);
     choices_apply();

@@ -28,7 +28,10 @@ enum class ControlKind : uint8_t {
     /// Enter and a double click press the form's default button.
     picture,
     check,
-    list,  ///< one of `items`
+    list, ///< one of `items`
+    /// The same in a box that shows several of them and scrolls. A tab in an item begins its second
+    /// column.
+    list_box,
     combo, ///< a text field that offers `items`
     edit,  ///< a text field
     slider,
@@ -65,6 +68,7 @@ struct FormControl {
 struct FormDescription {
     std::string title;
     std::vector<FormControl> controls;
+    int tick = 0; ///< milliseconds from one FormEvent::Kind::ticked to the next; 0 = none
 };
 
 /// What the user did. What the program sets raises no event.
@@ -72,10 +76,13 @@ struct FormEvent {
     enum class Kind : uint8_t {
         changed, ///< value or text of the control; of radio buttons and pictures, of the one chosen
         pressed, ///< a button
-        closed   ///< the window's close button; no control
+        closed,  ///< the window's close button; no control
+        ticked,  ///< time passes while the form is open; no control
+        key      ///< that Form::await_key has asked for; no control
     };
     Kind kind = Kind::changed;
     int control = 0;
+    uint8_t key = 0; ///< HostKey; KEY_NONE for one that has no code
 };
 
 constexpr int FORM_CLOSED = 0; ///< in place of a button: the window's close button
@@ -85,21 +92,24 @@ constexpr int FORM_CLOSED = 0; ///< in place of a button: the window's close but
 struct Form {
     virtual ~Form() = default;
 
-    /// Radio button, picture and check box: 0 or 1. List: the number of the item, -1 without one.
+    /// Radio button, picture and check box: 0 or 1. Lists: the number of the item, -1 without one.
     /// Combo: of the item with the field's text. Slider: the position, kept within its range.
     virtual int value(int id) = 0;
     virtual void set_value(int id, int value) = 0;
-    /// Text field: what stands in it, cut at its limit. List: the text of its item, which cannot be
-    /// set. Other controls: the text of the description.
+    /// Text field: what stands in it, cut at its limit. Lists: the text of the item, which cannot
+    /// be set. Other controls: the text of the description.
     virtual std::string text(int id) = 0;
     virtual void set_text(int id, const std::string& text) = 0;
-    /// Replaces the items of a list or combo. The first item of a list is then chosen; the text of
-    /// a combo stays.
+    /// Replaces the items of a list, list box or combo. The first item of a list is then chosen;
+    /// the text of a combo stays.
     virtual void set_items(int id, const std::vector<std::string>& items) = 0;
     /// Another picture, or an empty one; nothing for other controls.
     virtual void set_picture(int id, const FormPicture& picture) = 0;
     virtual bool is_enabled(int id) = 0;
     virtual void set_enabled(int id, bool enabled) = 0;
+    /// The next key that the user presses in the form, whichever control has the focus, goes to the
+    /// handler and does nothing else. A click, or another window in front, counts as KEY_NONE.
+    virtual void await_key() = 0;
 
     /// Modal: `done` gets the id of the button that closed it, or FORM_CLOSED, before the call
     /// returns or later. It may remove the form.

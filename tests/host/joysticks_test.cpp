@@ -10,7 +10,9 @@ class HostJoysticks : public HostFilesTest {
 protected:
     void plug(uint16_t x, uint16_t y, bool first = false, bool second = false) {
         HeadlessStick stick;
-        stick.state = {x, y, first, second};
+        stick.state = {x, y};
+        stick.state.set(PAD_A, first);
+        stick.state.set(PAD_B, second);
         host->joysticks().sticks.push_back(stick);
     }
     /// X, Y, first and second button.

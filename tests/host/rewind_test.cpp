@@ -51,10 +51,11 @@ TEST_F(RewindTest, HeldKeyOrButtonLeadsBackAndTheMachinePlaysOnFromThere) {
     const std::pair<int, int> cases[] = {{0, 1}, {KEY_SHIFT, 2}, {KEY_CONTROL, 4}, {-1, 1}};
     start();
     host->joysticks().sticks.resize(1);
-    bool& button = host->joysticks().sticks[0].state.third_button;
+    JoystickState& pad = host->joysticks().sticks[0].state;
     for (const auto& [key, speed] : cases) {
         turns(500);
-        button = key < 0;
+        const bool button = key < 0;
+        pad.set(PAD_LEFT_SHOULDER, button);
         hold(KEY_PAGE_UP, !button);
         if (key > 0) hold(key, true);
         if (!button) press(KEY_PAGE_UP);
@@ -63,7 +64,7 @@ TEST_F(RewindTest, HeldKeyOrButtonLeadsBackAndTheMachinePlaysOnFromThere) {
         EXPECT_TRUE(bar().shown);
         const int64_t there = history_position();
         host->release_all_keys();
-        button = false;
+        pad = {};
         turns(100);
         EXPECT_NEAR(double(history_last()), double(there) + 6, 2) << "plays on";
         EXPECT_FALSE(bar().shown);

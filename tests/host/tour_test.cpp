@@ -341,6 +341,7 @@ std::vector<Stop> TourTest::stops() {
                             expect_mark(40214 + frames, true);
                         }});
     }
+    list.push_back({40279, nothing, status("")});
     for (int id = 40240; id <= 40252; ++id) {
         list.push_back({id, nothing, status("The example is not installed")});
     }

@@ -226,6 +226,40 @@ TEST_F(QtFormsTest, PicturesAreChosenWithArrowsAndTakenWithEnterOrADoubleClick) 
     EXPECT_EQ(form->value(4), 1);
 }
 
+TEST_F(QtFormsTest, AKeyThatIsAwaitedComesFromAnyControlAndDoesNothingElse) {
+    using enum ControlKind;
+    int ticks = 0;
+    const auto form = host->forms().create(
+        {"Keys",
+         {{.kind = list_box, .id = MODEL, .items = {"A\tone", "B\ttwo"}, .name = "Inputs"},
+          {.kind = cancel_button, .id = CANCEL, .text = "Cancel"}},
+         5},
+        [&](Form&, const FormEvent& event) {
+            if (event.kind == FormEvent::Kind::ticked) return void(++ticks);
+            heard += std::to_string(int(event.kind)) + "." + std::to_string(event.control) + "." +
+                     std::to_string(event.key) + " ";
+        });
+    form->show();
+    QWidget* box = reach("Inputs");
+    key(box, Qt::Key_Down);
+    EXPECT_EQ(take_heard() + form->text(MODEL), "0.3.0 B\ttwo");
+    for (const auto& [code, heard_key] :
+         {std::pair{Qt::Key_Up, "38"}, {Qt::Key_Escape, "27"}, {Qt::Key_Tab, "9"}}) {
+        form->await_key();
+        key(box, code);
+        EXPECT_EQ(take_heard(), std::string("4.0.") + heard_key + " ");
+    }
+    EXPECT_TRUE(form->is_open() && form->value(MODEL) == 1 && box->hasFocus());
+    form->set_items(MODEL, {"C\tthree"});
+    form->set_value(MODEL, 0);
+    EXPECT_EQ(form->text(MODEL), "C\tthree");
+    while (ticks == 0) QApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    form->await_key();
+    form->close();
+    key(box, Qt::Key_Q);
+    EXPECT_EQ(take_heard(), "");
+}
+
 TEST_F(QtFormsTest, FileDialogHasFields) {
     FileDialog dialog{"Save", {{"All (*.*)", "*.*"}}, 0, true, {}};
     dialog.fields = {{"&From:", 5, "5801"}, {"End:", 5, "C9AB"}};

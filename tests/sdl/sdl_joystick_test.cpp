@@ -55,8 +55,8 @@ protected:
         ASSERT_TRUE(state) << what;
         EXPECT_EQ(state->x, x) << what;
         EXPECT_EQ(state->y, y) << what;
-        EXPECT_EQ(state->first_button, first) << what;
-        EXPECT_EQ(state->second_button, second) << what;
+        EXPECT_EQ(state->is_down(PAD_A), first) << what;
+        EXPECT_EQ(state->is_down(PAD_B), second) << what;
     }
 
     SdlJoysticks sticks;
@@ -104,9 +104,11 @@ TEST_F(SdlJoystickTest, GameControllerNeedsNoConfiguration) {
         SDL_GameControllerButton button;
         int x, y;
         bool first;
+        int other = -1;
     } buttons[] = {{SDL_CONTROLLER_BUTTON_A, 32768, 32768, true},
-                   {SDL_CONTROLLER_BUTTON_X, 32768, 32768, false},
-                   {SDL_CONTROLLER_BUTTON_LEFTSHOULDER, 32768, 32768, false},
+                   {SDL_CONTROLLER_BUTTON_X, 32768, 32768, false, PAD_X},
+                   {SDL_CONTROLLER_BUTTON_LEFTSHOULDER, 32768, 32768, false, PAD_LEFT_SHOULDER},
+                   {SDL_CONTROLLER_BUTTON_START, 32768, 32768, false, PAD_START},
                    {SDL_CONTROLLER_BUTTON_DPAD_UP, 32768, 0, false},
                    {SDL_CONTROLLER_BUTTON_DPAD_DOWN, 32768, 65535, false},
                    {SDL_CONTROLLER_BUTTON_DPAD_LEFT, 0, 32768, false},
@@ -114,8 +116,8 @@ TEST_F(SdlJoystickTest, GameControllerNeedsNoConfiguration) {
     for (const auto& c : buttons) {
         pad.button(c.button, true);
         expect(0, c.x, c.y, c.first, false, SDL_GameControllerGetStringForButton(c.button));
-        const bool shoulder = c.button == SDL_CONTROLLER_BUTTON_LEFTSHOULDER;
-        EXPECT_EQ(sticks.read(0)->third_button, shoulder);
+        const uint16_t others = sticks.read(0)->buttons & ~(1U << PAD_A);
+        EXPECT_EQ(others, c.other < 0 ? 0 : 1U << c.other);
         pad.button(c.button, false);
     }
 }

@@ -42,8 +42,11 @@ void play_catch(HeadlessPlatform& host, int frame) {
 
 void move_sticks(HeadlessPlatform& host, int frame) {
     auto& sticks = host.joysticks().sticks;
-    sticks[0].state = {uint16_t(frame * 97), uint16_t(frame * 61), frame % 90 < 20, frame % 70 < 9};
-    sticks[1].state = {uint16_t(frame * 31), uint16_t(65535 - frame * 43), frame % 40 < 9, false};
+    sticks[0].state = {uint16_t(frame * 97), uint16_t(frame * 61)};
+    sticks[1].state = {uint16_t(frame * 31), uint16_t(65535 - frame * 43)};
+    sticks[0].state.set(PAD_A, frame % 90 < 20);
+    sticks[0].state.set(PAD_B, frame % 70 < 9);
+    sticks[1].state.set(PAD_A, frame % 40 < 9);
     for (int n = 0; n < 10; ++n) host.set_key(uint8_t(KEY_NUMPAD0 + n), frame / 25 % 10 == n);
 }
 

@@ -9,6 +9,10 @@ bool is_text_field(const FormControl& control) {
     return control.kind == ControlKind::edit || control.kind == ControlKind::combo;
 }
 
+bool is_list(const FormControl& control) {
+    return control.kind == ControlKind::list || control.kind == ControlKind::list_box;
+}
+
 bool is_button(const FormControl& control) { return control.kind >= ControlKind::button; }
 
 int index_of(const std::vector<std::string>& items, const std::string& text) {
@@ -36,7 +40,7 @@ void HeadlessForm::add(const std::vector<FormControl>& controls) {
             Control& added = controls_[control.id];
             added.described = control;
             added.described.children.clear();
-            if (control.kind == ControlKind::list) set_items(control.id, control.items);
+            if (is_list(control)) set_items(control.id, control.items);
             if (control.kind == ControlKind::slider) added.value = control.lowest;
             if (is_text_field(control)) set_text(control.id, control.text);
         }
@@ -69,7 +73,8 @@ void HeadlessForm::set_value(int id, int value) {
         }
         return;
     case ControlKind::check: control->value = value != 0; return;
-    case ControlKind::list: control->value = has_item(described, value) ? value : -1; return;
+    case ControlKind::list:
+    case ControlKind::list_box: control->value = has_item(described, value) ? value : -1; return;
     case ControlKind::combo:
         return set_text(id, has_item(described, value) ? described.items[size_t(value)] : "");
     case ControlKind::slider:
@@ -83,7 +88,7 @@ std::string HeadlessForm::text(int id) {
     const Control* control = find(id);
     if (!control) return {};
     const FormControl& described = control->described;
-    if (described.kind != ControlKind::list) return described.text;
+    if (!is_list(described)) return described.text;
     return has_item(described, control->value) ? described.items[size_t(control->value)] : "";
 }
 
@@ -155,6 +160,16 @@ void HeadlessForm::press(int id) {
     if (!user_reaches(id) || !is_button(find(id)->described)) return;
     handler_(*this, {FormEvent::Kind::pressed, id});
     if (find(id)->described.kind != ControlKind::button) finish(id);
+}
+
+bool HeadlessForm::press_key(uint8_t key) {
+    if (!open_ || !std::exchange(awaits_key_, false)) return false;
+    handler_(*this, {FormEvent::Kind::key, 0, key});
+    return true;
+}
+
+void HeadlessForm::tick() {
+    if (open_ && description.tick) handler_(*this, {FormEvent::Kind::ticked});
 }
 
 void HeadlessForm::press_escape() {

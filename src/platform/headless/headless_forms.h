@@ -27,6 +27,7 @@ public:
     void set_picture(int id, const FormPicture& picture) override;
     bool is_enabled(int id) override;
     void set_enabled(int id, bool enabled) override;
+    void await_key() override { awaits_key_ = true; }
     void run(std::function<void(int)> done) override;
     void show() override { open_ = true; }
     void close() override { open_ = false; }
@@ -40,6 +41,8 @@ public:
     void choose(int id, int value); ///< radio button, picture, check box, item, slider position
     void type(int id, const std::string& text); ///< in place of what the field holds
     void press(int id);
+    bool press_key(uint8_t key); ///< false when the form does not await one
+    void tick();                 ///< time passes
     void press_enter() { press(button_of(ControlKind::default_button)); }
     void press_escape();
     void press_close_button();
@@ -63,6 +66,7 @@ private:
     HeadlessForms& forms_;
     std::map<int, Control> controls_;
     bool open_ = false;
+    bool awaits_key_ = false;
     int closing_id_ = FORM_CLOSED;
 };
 

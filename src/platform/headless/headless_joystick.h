@@ -12,6 +12,7 @@ struct HeadlessStick {
     bool capture_fails = false;
     bool captured = false; ///< delivery was asked for
     std::string name = "Headless joystick";
+    PadKind kind = PadKind::lettered;
 };
 
 struct HeadlessJoysticks final : public Joysticks {
@@ -19,6 +20,9 @@ struct HeadlessJoysticks final : public Joysticks {
     bool plugged(int number) override { return exists(number) && sticks[number].plugged; }
     std::string name(int number) override {
         return exists(number) ? sticks[number].name : std::string();
+    }
+    PadKind kind(int number) override {
+        return exists(number) ? sticks[number].kind : PadKind::lettered;
     }
     bool capture(int number) override {
         if (!plugged(number) || sticks[number].capture_fails) return false;

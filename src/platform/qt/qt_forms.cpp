@@ -1,9 +1,11 @@
 #include "platform/qt/qt_forms.h"
 
+#include "platform/qt/qt_list_box.h"
 #include "platform/qt/qt_picture_button.h"
 #include "platform/qt/qt_room.h"
 #include "platform/qt/qt_text.h"
 
+#include <QApplication>
 #include <QButtonGroup>
 #include <QCheckBox>
 #include <QCloseEvent>
@@ -11,6 +13,7 @@
 #include <QDialog>
 #include <QGridLayout>
 #include <QGroupBox>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -20,6 +23,7 @@
 #include <QSignalBlocker>
 #include <QSlider>
 #include <QStyle>
+#include <QTimer>
 
 #include <algorithm>
 #include <map>
@@ -66,9 +70,45 @@ protected:
     }
 };
 
+/// Takes the next key of a window away from whatever has the focus in it.
+class KeyCatcher final : public QObject {
+public:
+    KeyCatcher(QWidget& window, const QtKeyboard& keyboard)
+        : window_(window), keyboard_(keyboard) {}
+    void start() { qApp->installEventFilter(this); }
+    void stop() { qApp->removeEventFilter(this); }
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+    std::function<void(uint8_t key)> on_key;
+
+private:
+    void end(uint8_t key) {
+        stop();
+        on_key(key);
+    }
+    QWidget& window_;
+    const QtKeyboard& keyboard_;
+};
+
+bool KeyCatcher::eventFilter(QObject* watched, QEvent* event) {
+    switch (event->type()) {
+    case QEvent::ShortcutOverride: event->accept(); return true;
+    case QEvent::KeyPress:
+        if (static_cast<QKeyEvent*>(event)->isAutoRepeat()) return true;
+        end(keyboard_.virtual_key(*static_cast<QKeyEvent*>(event)));
+        return true;
+    case QEvent::MouseButtonPress: end(KEY_NONE); return false;
+    case QEvent::WindowDeactivate:
+        if (watched == &window_) end(KEY_NONE);
+        return false;
+    default: return false;
+    }
+}
+
 class QtForm final : public Form {
 public:
-    QtForm(const FormDescription& description, FormHandler handler, QtWindow& owner);
+    QtForm(const FormDescription& description, FormHandler handler, QtWindow& owner,
+           const QtKeyboard& keyboard);
 
     int value(int id) override;
     void set_value(int id, int value) override;
@@ -78,9 +118,13 @@ public:
     void set_picture(int id, const FormPicture& picture) override;
     bool is_enabled(int id) override;
     void set_enabled(int id, bool enabled) override;
+    void await_key() override { catcher_.start(); }
     void run(std::function<void(int)> done) override;
     void show() override;
-    void close() override { dialog_.hide(); }
+    void close() override {
+        catcher_.stop();
+        dialog_.hide();
+    }
     bool is_open() override { return dialog_.isVisible(); }
     Size size() override;
     void move(int left, int top) override;
@@ -114,6 +158,7 @@ private:
     QWidget* make_label(const FormControl& described, QWidget& parent, Naming& naming);
     QWidget* make_text_view(const FormControl& described, QWidget& parent);
     QWidget* make_list(const FormControl& described, QWidget& parent);
+    QWidget* make_list_box(const FormControl& described, QWidget& parent);
     QWidget* make_edit(const FormControl& described, QWidget& parent);
     QWidget* make_slider(const FormControl& described, QWidget& parent);
     void enter_tab_order(QWidget& widget);
@@ -130,6 +175,8 @@ private:
     FormWindow dialog_;
     QtFittingArea* area_ = nullptr; ///< all but the buttons at the end
     QtButtonRows* buttons_ = nullptr;
+    KeyCatcher catcher_;
+    QTimer timer_;
     QButtonGroup radios_, pictures_;
     std::map<int, QWidget*> controls_;
     QWidget* first_in_tab_order_ = nullptr;
@@ -145,8 +192,17 @@ Widget* child_of(QWidget& parent) {
     return std::make_unique<Widget>(&parent).release();
 }
 
-QtForm::QtForm(const FormDescription& description, FormHandler handler, QtWindow& owner)
-    : owner_(owner), handler_(std::move(handler)), dialog_(owner.owner()) {
+QtForm::QtForm(const FormDescription& description, FormHandler handler, QtWindow& owner,
+               const QtKeyboard& keyboard)
+    : owner_(owner), handler_(std::move(handler)), dialog_(owner.owner()),
+      catcher_(dialog_, keyboard) {
+    catcher_.on_key = [this](uint8_t key) { handler_(*this, {FormEvent::Kind::key, 0, key}); };
+    if (description.tick) {
+        timer_.start(description.tick);
+        QObject::connect(&timer_, &QTimer::timeout, &dialog_, [this] {
+            if (is_open()) raise(FormEvent::Kind::ticked, 0);
+        });
+    }
     dialog_.setWindowTitle(to_qt(description.title));
     dialog_.on_escape = [this] { cancel_ ? cancel_->click() : dialog_.on_close_button(); };
     dialog_.on_close_button = [this] {
@@ -255,6 +311,7 @@ QWidget* QtForm::make(const FormControl& described, QWidget& parent, Naming& nam
     case ControlKind::label:
     case ControlKind::note: widget = make_label(described, parent, naming); break;
     case ControlKind::text_view: widget = make_text_view(described, parent); break;
+    case ControlKind::list_box: widget = make_list_box(described, parent); break;
     case ControlKind::list:
     case ControlKind::combo: widget = make_list(described, parent); break;
     case ControlKind::edit: widget = make_edit(described, parent); break;
@@ -377,6 +434,13 @@ QWidget* QtForm::make_list(const FormControl& described, QWidget& parent) {
     return box;
 }
 
+QWidget* QtForm::make_list_box(const FormControl& described, QWidget& parent) {
+    auto* box = child_of<QtListBox>(parent);
+    box->set_items(described.items);
+    box->on_choice = raiser(described.id);
+    return box;
+}
+
 QWidget* QtForm::make_edit(const FormControl& described, QWidget& parent) {
     auto* edit = child_of<QLineEdit>(parent);
     if (described.limit) edit->setMaxLength(described.limit);
@@ -417,6 +481,7 @@ void QtForm::focus_first() {
 int QtForm::value(int id) {
     if (const auto* button = control<QAbstractButton>(id)) return button->isChecked();
     if (const auto* slider = control<QSlider>(id)) return slider->value();
+    if (const auto* box = control<QtListBox>(id)) return box->item();
     const auto* list = control<QComboBox>(id);
     if (!list) return 0;
     return list->isEditable() ? list->findText(list->currentText()) : list->currentIndex();
@@ -425,6 +490,7 @@ int QtForm::value(int id) {
 void QtForm::set_value(int id, int value) {
     if (auto* button = control<QAbstractButton>(id)) button->setChecked(value != 0);
     if (auto* list = control<QComboBox>(id)) list->setCurrentIndex(value);
+    if (auto* box = control<QtListBox>(id)) box->choose(value);
     if (auto* slider = control<QSlider>(id)) {
         const QSignalBlocker silent(slider);
         slider->setValue(value);
@@ -435,6 +501,7 @@ std::string QtForm::text(int id) {
     QString text;
     if (const auto* edit = control<QLineEdit>(id)) text = edit->text();
     if (const auto* list = control<QComboBox>(id)) text = list->currentText();
+    if (const auto* box = control<QtListBox>(id)) text = box->text();
     if (const auto* label = control<QLabel>(id)) text = label->text();
     if (const auto* button = control<QAbstractButton>(id)) text = button->text();
     if (const auto* picture = control<QtPictureButton>(id)) text = picture->caption();
@@ -457,6 +524,7 @@ void QtForm::set_text(int id, const std::string& text) {
 }
 
 void QtForm::set_items(int id, const std::vector<std::string>& items) {
+    if (auto* box = control<QtListBox>(id)) box->set_items(items);
     auto* list = control<QComboBox>(id);
     if (!list) return;
     const QString before = list->currentText();
@@ -498,6 +566,7 @@ void QtForm::show() {
 
 void QtForm::finish(int closing_id) {
     closing_id_ = closing_id;
+    catcher_.stop();
     dialog_.done(closing_id);
 }
 
@@ -517,5 +586,5 @@ void QtForm::move(int left, int top) {
 } // namespace
 
 std::unique_ptr<Form> QtForms::create(const FormDescription& description, FormHandler handler) {
-    return std::make_unique<QtForm>(description, std::move(handler), window_);
+    return std::make_unique<QtForm>(description, std::move(handler), window_, keyboard_);
 }

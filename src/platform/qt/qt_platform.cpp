@@ -129,7 +129,7 @@ struct QtPlatform::Services {
     QtSurface surface{window};
     QtStatusBar status_bar{window.canvas(), events};
     QtDialogs dialogs{window, signals_};
-    QtForms forms{window};
+    QtForms forms{window, keyboard};
     SdlAudio audio;
     QtClipboard clipboard;
     QtClock clock{window};

@@ -11,6 +11,25 @@ constexpr Uint32 SUBSYSTEMS = SDL_INIT_JOYSTICK | SDL_INIT_GAMECONTROLLER;
 /// The machine looks many times per frame; the devices are asked once.
 constexpr std::chrono::milliseconds UPDATE_INTERVAL{4};
 constexpr uint16_t AXIS_LOW = 0, AXIS_HIGH = 65535;
+constexpr Sint16 TRIGGER_PRESSED = 20000; ///< of 32767
+constexpr int PLAIN_BUTTONS = PAD_INPUTS - PAD_A;
+
+constexpr std::pair<PadInput, SDL_GameControllerButton> CONTROLLER_BUTTONS[] = {
+    {PAD_A, SDL_CONTROLLER_BUTTON_A},
+    {PAD_B, SDL_CONTROLLER_BUTTON_B},
+    {PAD_LEFT_SHOULDER, SDL_CONTROLLER_BUTTON_LEFTSHOULDER},
+    {PAD_X, SDL_CONTROLLER_BUTTON_X},
+    {PAD_Y, SDL_CONTROLLER_BUTTON_Y},
+    {PAD_RIGHT_SHOULDER, SDL_CONTROLLER_BUTTON_RIGHTSHOULDER},
+    {PAD_BACK, SDL_CONTROLLER_BUTTON_BACK},
+    {PAD_START, SDL_CONTROLLER_BUTTON_START},
+    {PAD_LEFT_STICK, SDL_CONTROLLER_BUTTON_LEFTSTICK},
+    {PAD_RIGHT_STICK, SDL_CONTROLLER_BUTTON_RIGHTSTICK},
+};
+constexpr std::pair<PadInput, SDL_GameControllerAxis> TRIGGERS[] = {
+    {PAD_LEFT_TRIGGER, SDL_CONTROLLER_AXIS_TRIGGERLEFT},
+    {PAD_RIGHT_TRIGGER, SDL_CONTROLLER_AXIS_TRIGGERRIGHT},
+};
 
 struct JoystickCloser {
     void operator()(SDL_Joystick* joystick) const { SDL_JoystickClose(joystick); }
@@ -37,9 +56,10 @@ JoystickState controller_state(SDL_GameController* pad) {
     state.y = position(SDL_GameControllerGetAxis(pad, SDL_CONTROLLER_AXIS_LEFTY));
     push(state.x, down(SDL_CONTROLLER_BUTTON_DPAD_LEFT), down(SDL_CONTROLLER_BUTTON_DPAD_RIGHT));
     push(state.y, down(SDL_CONTROLLER_BUTTON_DPAD_UP), down(SDL_CONTROLLER_BUTTON_DPAD_DOWN));
-    state.first_button = down(SDL_CONTROLLER_BUTTON_A);
-    state.second_button = down(SDL_CONTROLLER_BUTTON_B);
-    state.third_button = down(SDL_CONTROLLER_BUTTON_LEFTSHOULDER);
+    for (const auto& [input, button] : CONTROLLER_BUTTONS) state.set(input, down(button));
+    for (const auto& [input, axis] : TRIGGERS) {
+        state.set(input, SDL_GameControllerGetAxis(pad, axis) > TRIGGER_PRESSED);
+    }
     return state;
 }
 
@@ -51,9 +71,9 @@ JoystickState plain_state(SDL_Joystick* joystick) {
     state.y = position(SDL_JoystickGetAxis(joystick, 1));
     push(state.x, hat & SDL_HAT_LEFT, hat & SDL_HAT_RIGHT);
     push(state.y, hat & SDL_HAT_UP, hat & SDL_HAT_DOWN);
-    state.first_button = SDL_JoystickGetButton(joystick, 0) != 0;
-    state.second_button = SDL_JoystickGetButton(joystick, 1) != 0;
-    state.third_button = SDL_JoystickGetButton(joystick, 2) != 0;
+    for (int button = 0; button < PLAIN_BUTTONS; ++button) {
+        state.set(PadInput(PAD_A + button), SDL_JoystickGetButton(joystick, button) != 0);
+    }
     return state;
 }
 
@@ -155,6 +175,18 @@ std::string SdlJoysticks::name(int number) {
     const Stick* stick = find(number);
     const char* text = stick ? SDL_JoystickName(stick->device()) : nullptr;
     return text ? text : "";
+}
+
+PadKind SdlJoysticks::kind(int number) {
+    const Stick* stick = find(number);
+    if (!stick) return PadKind::lettered;
+    if (!stick->controller) return PadKind::numbered;
+    switch (SDL_GameControllerGetType(stick->controller.get())) {
+    case SDL_CONTROLLER_TYPE_PS3:
+    case SDL_CONTROLLER_TYPE_PS4:
+    case SDL_CONTROLLER_TYPE_PS5: return PadKind::playstation;
+    default: return PadKind::lettered;
+    }
 }
 
 bool SdlJoysticks::capture(int number) { return plugged(number); }

@@ -19,6 +19,7 @@ public:
     int count() override;
     bool plugged(int number) override;
     std::string name(int number) override;
+    PadKind kind(int number) override;
     /// Positions are always there; false only without a device.
     bool capture(int number) override;
     std::optional<JoystickState> read(int number) override;
