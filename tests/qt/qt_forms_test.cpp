@@ -231,7 +231,7 @@ TEST_F(QtFormsTest, AKeyThatIsAwaitedComesFromAnyControlAndDoesNothingElse) {
     int ticks = 0;
     const auto form = host->forms().create(
         {"Keys",
-         {{.kind = list_box, .id = MODEL, .items = {"A\tone", "B\ttwo"}, .name = "Inputs"},
+         {{.kind = list_box, .id = MODEL, .name = "Inputs", .items = {"A\tone", "B\ttwo"}},
           {.kind = cancel_button, .id = CANCEL, .text = "Cancel"}},
          5},
         [&](Form&, const FormEvent& event) {

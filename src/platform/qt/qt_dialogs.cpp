@@ -123,7 +123,7 @@ void fit_message(QMessageBox& box) {
                  }).release();
     area->setFocusPolicy(Qt::StrongFocus); // the keyboard scrolls it
     area->setAccessibleName(label->text());
-    box.layout()->replaceWidget(label, area);
+    const std::unique_ptr<QLayoutItem> place(box.layout()->replaceWidget(label, area));
     auto* text = std::make_unique<QLabel>(label->text()).release();
     text->setTextFormat(label->textFormat());
     text->setTextInteractionFlags(label->textInteractionFlags());
