@@ -8,19 +8,32 @@
 #include <QFontMetrics>
 #include <QGlyphRun>
 #include <QPainter>
+#include <QWidget>
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <utility>
 
 namespace {
 
 bool is_whole(double factor) { return std::abs(factor - std::round(factor)) < 1e-6; }
 
-/// Pixels that become equal blocks of device pixels stay sharp; all others are interpolated.
-bool keeps_pixels_equal(QSize picture, QSize target, double device_pixels) {
-    return is_whole(target.width() * device_pixels / picture.width()) &&
-           is_whole(target.height() * device_pixels / picture.height());
+/// Rows that are stretched at a time: few enough to stay in the processor's cache.
+constexpr int BAND = 16;
+constexpr QRect EVERYTHING(0, 0, QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
+
+/// The first row that differs, and the one behind the last; the same where none does.
+std::pair<int, int> rows_that_differ(const QImage& one, const QImage& other) {
+    const auto differs = [&](int row) {
+        return std::memcmp(one.constScanLine(row), other.constScanLine(row),
+                           size_t(one.bytesPerLine())) != 0;
+    };
+    int first = 0;
+    int end = one.height();
+    while (first < end && !differs(first)) ++first;
+    while (end > first && !differs(end - 1)) --end;
+    return {first, end};
 }
 
 constexpr int TAB_COLUMNS = 8;
@@ -43,21 +56,58 @@ Rectangle in_device_pixels(const Rectangle& area, double ratio) {
 
 } // namespace
 
-void QtStretch::set(const BitmapView& bitmap, const Rectangle& area, const Scaling& scaling) {
-    const QSize size(bitmap.width, bitmap.height);
-    if (picture.size() != size) picture = QImage(size, QImage::Format_RGB32);
-    copy_bitmap_to(picture, bitmap, 0, 0);
-    target = QRect(area.left, area.top, area.width(), area.height());
-    how = scaling;
+QRect QtStretch::set(const BitmapView& picture, const Rectangle& target, const Scaling& how,
+                     double ratio) {
+    std::swap(picture_, before_);
+    const QSize size(picture.width, picture.height);
+    if (picture_.size() != size) picture_ = QImage(size, QImage::Format_RGB32);
+    copy_bitmap_to(picture_, picture, 0, 0);
+    const bool same_place = target == target_ && how == how_ && before_.size() == size;
+    target_ = target;
+    how_ = how;
+    if (!same_place) return EVERYTHING;
+    const auto [first, end] = rows_that_differ(picture_, before_);
+    if (first == end) return {};
+    // A row is mixed with its neighbours, and rounding may move it.
+    const Rectangle area = area_on_screen(ratio);
+    const double row = double(area.height()) / picture.height / ratio;
+    const int top = int(area.top / ratio + (first - 1) * row) - 1;
+    const int bottom = int(area.top / ratio + (end + 1) * row) + 2;
+    return {target.left - 1, top, target.width() + 2, bottom - top};
 }
 
-void QtStretch::paint(QPainter& painter, const QRect& dirty, double ratio) const {
-    for (const QRect& border : QRegion(dirty).subtracted(target)) {
+Rectangle QtStretch::area_on_screen(double ratio) const {
+    return stretched_area(in_device_pixels(target_, ratio), {picture_.width(), picture_.height()},
+                          how_.whole);
+}
+
+void QtStretch::paint(QPainter& painter, const QRect& dirty, double ratio) {
+    // From here on in pixels of the screen, from the first one of the pane.
+    const QTransform to_device = painter.deviceTransform();
+    const QPoint origin = to_device.map(QPointF()).toPoint();
+    painter.setWorldTransform(QTransform::fromTranslate(origin.x(), origin.y()) *
+                              to_device.inverted());
+    const Rectangle outer = in_device_pixels(
+        {dirty.left() - 1, dirty.top() - 1, dirty.right() + 2, dirty.bottom() + 2}, ratio);
+    const QRect all(outer.left, outer.top, outer.width(), outer.height());
+    const Rectangle at = area_on_screen(ratio);
+    const QRect area(at.left, at.top, at.width(), at.height());
+    for (const QRect& border : QRegion(all).subtracted(area)) {
         painter.fillRect(border, Qt::black);
     }
-    painter.setRenderHint(QPainter::SmoothPixmapTransform,
-                          !keeps_pixels_equal(picture.size(), target.size(), ratio));
-    painter.drawImage(target, picture);
+    const QRect rows = area & all;
+    if (rows.isEmpty() || picture_.isNull()) return;
+    scaler_.prepare({picture_.width(), picture_.height()}, {at.width(), at.height()}, how_.smooth);
+    scaler_.begin(reinterpret_cast<const uint32_t*>(picture_.constBits()));
+    const QSize band(at.width(), BAND);
+    if (band_.size() != band) band_ = QImage(band, QImage::Format_RGB32);
+    for (int top = rows.top(); top <= rows.bottom(); top += BAND) {
+        const int height = std::min(BAND, rows.bottom() + 1 - top);
+        for (int row = 0; row < height; ++row) {
+            scaler_.row(top - at.top + row, reinterpret_cast<uint32_t*>(band_.scanLine(row)));
+        }
+        painter.drawImage(at.left, top, band_, 0, 0, at.width(), height);
+    }
 }
 
 CellFont::CellFont(int pixels) {
@@ -85,7 +135,7 @@ void QtDrawing::stretch_bitmap(const BitmapView& picture, const Rectangle& targe
     QImage& image = drawing();
     const QRect all(QPoint(), image.deviceIndependentSize().toSize());
     QtStretch stretch;
-    stretch.set(picture, target, how);
+    stretch.set(picture, target, how, image.devicePixelRatio());
     QPainter painter(&image);
     stretch.paint(painter, all, image.devicePixelRatio());
     painter.end();
@@ -151,11 +201,14 @@ void QtPane::drawn(const QRect& area) {
 
 void QtPane::stretch_bitmap(const BitmapView& picture, const Rectangle& target,
                             const Scaling& how) {
-    const QRect before = stretched_ && stretch_.how == how ? stretch_.target : QRect();
-    stretch_.set(picture, target, how);
-    stretched_ = true;
+    const QRect changed = stretch_.set(picture, target, how, canvas_.devicePixelRatioF());
+    const bool was_stretched = std::exchange(stretched_, true);
     if (&canvas_.front() != this) return;
-    canvas_.update(before == stretch_.target ? stretch_.target : canvas_.rect());
+    if (!was_stretched) {
+        canvas_.update();
+    } else if (!changed.isEmpty()) {
+        canvas_.update(changed & canvas_.rect());
+    }
 }
 
 void QtPane::end_stretch() {

@@ -1,5 +1,6 @@
 #pragma once
 #include "platform/pane.h"
+#include "platform/picture_scaler.h"
 
 #include <QImage>
 #include <QRawFont>
@@ -17,14 +18,26 @@ struct CellFont {
 };
 
 /// A picture that is stretched onto something.
-struct QtStretch {
-    QImage picture; ///< of 32 bits per pixel
-    QRect target;
-    Scaling how;
+class QtStretch {
+public:
+    /// Returns the part of the device that changes, in its units, of which each has so many pixels
+    /// of the screen. It is empty where the same is shown already.
+    QRect set(const BitmapView& picture, const Rectangle& target, const Scaling& how, double ratio);
+    /// Onto the part `dirty` of the device, black around the target.
+    void paint(QPainter& painter, const QRect& dirty, double ratio);
 
-    void set(const BitmapView& bitmap, const Rectangle& area, const Scaling& scaling);
-    /// Onto the part `dirty` of a device with so many pixels per unit, black around the target.
-    void paint(QPainter& painter, const QRect& dirty, double ratio) const;
+    const QImage& picture() const { return picture_; }
+    const Scaling& how() const { return how_; }
+    /// Where the picture lies in pixels of the screen, from the first one of the device.
+    Rectangle area_on_screen(double ratio) const;
+
+private:
+    QImage picture_; ///< of 32 bits per pixel
+    QImage before_;  ///< kept, so that its memory is used again
+    Rectangle target_;
+    Scaling how_;
+    PictureScaler scaler_;
+    QImage band_; ///< some rows of the stretched picture
 };
 
 /// Draws into a picture, whose device pixel ratio may be any.
