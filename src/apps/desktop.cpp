@@ -24,6 +24,7 @@ int run_desktop(int argc, char** argv) {
                                      .keep_disk_journals = true,
                                      .keep_history = true,
                                      .resumes = true,
+                                     .sizable_window = true,
                                      .remembers_files = true,
                                      .answers_memory_question = true});
     print_results(line);

@@ -6,6 +6,7 @@
 #include "core/machine.h"
 #include "core/pacing/pacing.h"
 #include "host/canvas.h"
+#include "host/main_window.h"
 #include "host/overlay.h"
 #include "host/shell.h"
 #include "host/status.h"
@@ -35,7 +36,6 @@ constexpr bool g_bKeepAspectRatio = true; ///< nothing changes it
 bool fullscreen_mode = false;
 bool triggerClearBuffer = false; ///< the next stretched frame blackens the screen first
 Rectangle g_BackupRect;          ///< the window while the whole screen is used
-Size windowed_canvas;            ///< size of the canvas that g_BackupRect fits
 dib canvas_ahead;                ///< kept, so that its memory is used again
 
 BitmapView view_of(const dib& bitmap) {
@@ -73,12 +73,19 @@ void draw_frame() {
     if (g_bDblScan && !g_GiantScreen) video_draw_interlaced(pixels, PALETTE);
 }
 
-void dib_draw() { platform().pane(PaneId::picture).copy_bitmap(view_of(canvas), MARGIN, MARGIN); }
+void dib_draw() {
+    Pane& pane = platform().pane(PaneId::picture);
+    if (!window_is_sizable()) return pane.copy_bitmap(view_of(canvas), MARGIN, MARGIN);
+    const Size room = pane.size();
+    const Scaling how = picture_scaling();
+    const Rectangle area = {0, 0, room.width, room.height};
+    pane.stretch_bitmap(view_of(canvas), how.whole ? area : screen_rect_recalc(area), how);
+}
 
 void UpdateFrameDX() {
     Surface& surface = platform().surface();
     if (!surface.exists()) return;
-    surface.present(view_of(canvas), g_rcScreen, {}, triggerClearBuffer);
+    surface.present(view_of(canvas), g_rcScreen, picture_scaling(), triggerClearBuffer);
     triggerClearBuffer = false;
 }
 
@@ -96,31 +103,12 @@ bool InitSurfaces() {
     return false;
 }
 
-/// Height of all that lies in the client area below the picture.
-int docked_height() { return StatusBarHeight(); }
-
-void fix_window_size() { platform().window().set_fixed_size(g_bUseGDI ? Size{cx, cy} : Size{}); }
-
-/// Gives the window the size for the canvas, its top left corner where that of `place` is. A
-/// window that stretches the picture keeps its size.
-void fit_window(Rectangle place) {
-    calc_cxcy(canvas.width, canvas.height);
-    StatusBarRedraw();
-    if (g_bUseGDI) {
-        fix_window_size();
-        place.right = place.left + cx;
-        place.bottom = place.top + cy;
-    }
-    platform().window().move(place);
-}
-
 void fit_whole_screen() {
     const Size screen = platform().window().screen_size();
     g_rcScreen = screen_rect_recalc({0, 0, screen.width, screen.height});
 }
 
 void enter_full_screen() {
-    windowed_canvas = canvas_size();
     g_bFullScreen = 1 + (g_bUseGDI ? 1 : 0);
     if (g_bUseGDI) change_video_mode(false, false);
     ChangeCoopLevel();
@@ -139,7 +127,7 @@ void leave_full_screen() {
     machine_show_cfg();
     ChangeCoopLevel();
     // If the canvas has another size by now, the window needs one, too.
-    if (canvas_size() != windowed_canvas) fit_window(g_BackupRect);
+    if (window_needs_fit()) fit_window(g_BackupRect);
 }
 
 } // namespace
@@ -212,7 +200,7 @@ void change_video_mode(bool use_gdi, bool /*resize*/) {
     if (use_gdi) ReleaseAllObjects();
     platform().window().invalidate();
     ResizeWindow(canvas.width, canvas.height, g_bKeepAspectRatio);
-    fix_window_size();
+    limit_window_size();
 }
 
 void ChangeCoopLevel() {

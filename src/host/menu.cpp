@@ -105,6 +105,12 @@ MenuEntry run_ahead_menu() {
                                   item(COMMAND_RUN_AHEAD + 4)});
 }
 
+MenuEntry picture_size_menu() {
+    return submenu("Picture si&ze",
+                   {item(COMMAND_SCALE_FILL), item(COMMAND_SCALE_WHOLE), SEPARATOR,
+                    item(COMMAND_SCALE_SMOOTH), SEPARATOR, item(COMMAND_FIXED_WINDOW)});
+}
+
 MenuEntry options_menu() {
     return submenu("&Options", {item(COMMAND_50HZ_TIMER),
                                 item(COMMAND_SOUND),
@@ -119,6 +125,7 @@ MenuEntry options_menu() {
                                 SEPARATOR,
                                 item(COMMAND_GIANT_SCREEN),
                                 item(COMMAND_FULL_SCREEN),
+                                picture_size_menu(),
                                 SEPARATOR,
                                 item(COMMAND_KEEP_HISTORY),
                                 run_ahead_menu(),

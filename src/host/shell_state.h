@@ -3,6 +3,7 @@
 /// process; behind it the names under which its fields are used.
 
 #include "host/command_line.h"
+#include "platform/geometry.h"
 
 #include <cstdint>
 #include <string>
@@ -18,8 +19,16 @@ struct ShellOptions {
     bool keep_history = false;            ///< unless the settings say otherwise
     bool resumes = false;                 ///< the option to go on where the program was left counts
     bool save_changed_disks = false;      ///< when they are taken out, without a question
+    bool sizable_window = false;          ///< unless the settings say otherwise
     bool remembers_files = false;         ///< that were opened, see recent.h
     bool answers_memory_question = false; ///< of a machine that was switched on, after a while
+};
+
+/// What the main window has got its size for.
+struct WindowFit {
+    Size canvas;
+    bool sizable = false;
+    bool operator==(const WindowFit&) const = default;
 };
 
 struct shell_record {
@@ -40,6 +49,11 @@ struct shell_record {
     bool save_video_ram = false;  ///< every screenshot is followed by a dump of the screen memory
     bool monitor_f12 = false;     ///< F12 opens the monitor, and Esc does not
     bool keep_history = false;    ///< of the machine, to go back in
+    bool fixed_window = false;    ///< to the size of the canvas, by the user's choice
+    bool window_smooth = false;   ///< a stretched picture has smooth edges
+    uint32_t window_scale = 0;    ///< a WindowScale
+    uint32_t window_width = 0;    ///< of the picture's area, by the user's choice; 0: none
+    uint32_t window_height = 0;   ///< likewise
     uint32_t history_limit = 0;   ///< MB
     uint32_t composite_blur = 0;  ///< nonzero: composite filter, canvas of 32 bits per pixel
     uint32_t sound_latency = 0;   ///< ms, as it was read
@@ -53,6 +67,9 @@ struct shell_record {
     bool auto_start = true; ///< cleared for one evaluation of the command line: only load
     std::string emu_path;   ///< the program's directory, with a trailing separator
     std::string avi_name;   ///< capture to start with
+    WindowFit window_fit;
+    Size usual_picture; ///< the picture's area in a window that the user has not sized
+    bool opens_maximized = false;
 };
 extern shell_record shell_state;
 

@@ -12,6 +12,7 @@
 #include "host/examples.h"
 #include "host/film_bar.h"
 #include "host/key_map.h"
+#include "host/main_window.h"
 #include "host/menu.h"
 #include "host/messages.h"
 #include "host/options.h"
@@ -265,6 +266,7 @@ void WindowProcedure(const Event& event) {
     case Event::Kind::moved: reset_timer(); break;
     case Event::Kind::resized:
         StatusBarRedraw();
+        window_was_resized();
         reset_timer();
         break;
     case Event::Kind::focus: update_screen(1); break;

@@ -52,10 +52,18 @@ struct Window {
     virtual Size client_size() = 0;
     virtual Rectangle client_on_screen() = 0; ///< the client area in screen coordinates
     virtual Size screen_size() = 0;           ///< of the screen that shows the window
+    virtual Rectangle available_area() = 0;   ///< of that screen, what panels and docks leave
+    /// Pixels of that screen in one of the coordinates here: 1, and more where all is shown larger.
+    virtual double pixel_ratio() = 0;
     virtual void move(const Rectangle& outer) = 0;
     /// Makes this the only size that the window can have. A zero size lets the user size and
     /// maximize it.
     virtual void set_fixed_size(Size outer) = 0;
+    /// The user cannot make a window smaller that he can size.
+    virtual void set_least_size(Size outer) = 0;
+    /// Full screen goes beyond it: a window that was maximized is so again afterwards.
+    virtual void set_maximized(bool on) = 0;
+    virtual bool maximized() = 0;
     /// Asks for a paint message of the whole client area.
     virtual void invalidate() = 0;
     /// On: the window covers the whole screen, without frame and menu. Off: it is as before, its

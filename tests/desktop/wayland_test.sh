@@ -10,7 +10,7 @@ covered() {
         -frames:v 1 -f rawvideo -pix_fmt gray - | tr -cd '\253' | wc -c |
         awk -v least="$1" '{print 1280 * 1024 - $1 < least ? "no" : "yes"}'
 }
-window=$((392 * 339)) everything=$((1280 * 1024 - 1000))
+window=$((768 * 619)) everything=$((1280 * 1024 - 1000))
 
 settings 'KeyMapping = 1'
 cat >config/weston.ini <<SETTINGS

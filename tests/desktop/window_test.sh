@@ -16,7 +16,7 @@ start_program
 sleep 0.5
 first=$(geometry)
 normal=$(size)
-[[ $normal == 392x* ]] || fail "the window is $normal"
+[[ $normal == 768x* ]] || fail "the window is $normal"
 
 xdotool key alt+Return
 becomes "full screen" 1280x1024 size
@@ -24,7 +24,7 @@ xdotool key alt+Return
 becomes "back from full screen" "$first" geometry
 
 xdotool key alt+F2
-becomes "giant screen" 776x$((${normal#*x} + 288)) size
+becomes "giant screen" 1152x$((${normal#*x} + 288)) size
 xdotool key alt+F2
 becomes "normal screen" "$normal" size
 
@@ -38,7 +38,9 @@ for _ in 1 2 3 4 5; do
 done
 ((used <= 1)) || fail "with a menu open, the program used $used of 100 ticks"
 xdotool key g # Giant screen
-becomes "giant screen by menu" 776x$((${normal#*x} + 288)) size
+becomes "giant screen by menu" 1152x$((${normal#*x} + 288)) size
+xdotool windowsize "$window" 900 700
+becomes "sized by the user" 900x700 size
 
 xdotool key alt+F4 # the window manager's close
 wait "$program_pid" || fail "the exit code is $?"
@@ -46,13 +48,17 @@ grep -q 'GiantScreen = 1' config/tarvelin/settings.toml || fail "the settings we
 
 # A signal does not wait for the user to leave a dialog.
 start_program
+becomes "the size is remembered" 900x700 size
 xdotool key alt+q
 find_window 'Machine configuration' >/dev/null
 kill "$program_pid"
 wait "$program_pid" || fail "the exit code after a signal is $?"
 
+settings 'FixedWindow = 1'
 # Nor for the boxes that wait behind the first one.
 start_program /s x /t x
 find_window '^Tarvelin$' >/dev/null
+window=$(find_window "^Tarvelin -")
+[[ $(size) == 392x* ]] || fail "the fixed window is $(size)"
 kill "$program_pid"
 wait "$program_pid" || fail "the exit code after a signal is $?"

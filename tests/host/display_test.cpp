@@ -1,4 +1,5 @@
 #include "host/display.h"
+#include "host/main_window.h"
 #include "host/messages.h"
 
 #include "cgenie/video.h"
@@ -7,6 +8,7 @@
 #include "host/canvas.h"
 #include "host/shell.h"
 #include "host/status.h"
+#include "host/window_size.h"
 #include "platform/headless/headless.h"
 #include "support/program_options.h"
 #include "wall/machine_host.h"
@@ -115,6 +117,86 @@ TEST_F(DisplayTest, WithoutASurfaceTheWindowStillTakesTheScreen) {
     toggle_full_screen();
     update_screen(1);
     EXPECT_EQ(drawing.copies, 1);
+}
+
+TEST(WindowSizeTest, FollowsTheScreen) {
+    const Size picture{384, 288}, giant_canvas{768, 576};
+    const struct {
+        Size screen;
+        double ratio;
+        Size usual, giant, whole_giant;
+    } cases[] = {
+        {{1920, 1080}, 1, {768, 576}, {1152, 864}, {768, 576}},
+        {{1280, 800}, 1, {384, 288}, {768, 576}, {768, 576}},
+        {{960, 540}, 2, {384, 288}, {576, 432}, {384, 288}}, // 1920 x 1080, all twice as large
+        {{1536, 864}, 1.25, {615, 461}, {922, 692}, {615, 461}},
+        {{3840, 2160}, 1, {1920, 1440}, {2688, 2016}, {2304, 1728}},
+        {{2560, 1440}, 1, {1152, 864}, {1536, 1152}, {1536, 1152}},
+        {{320, 200}, 1, {384, 288}, {384, 288}, {768, 576}},
+    };
+    for (const auto& [screen, ratio, usual, giant, whole_giant] : cases) {
+        SCOPED_TRACE(screen.width);
+        const WindowRoom room{screen, screen, {0, 46}, ratio};
+        EXPECT_EQ(usual_picture_size(picture, room), usual);
+        EXPECT_EQ(giant_picture_size(picture, picture, room), giant);
+        EXPECT_EQ(giant_picture_size(picture, giant_canvas, room), whole_giant);
+    }
+    const WindowRoom room{{1280, 1024}, {1280, 1000}, {0, 46}, 1};
+    EXPECT_EQ(possible_picture_size({3000, 1}, room), (Size{1280, 240}));
+    EXPECT_EQ(pulled_into({0, 24, 800, 600}, {300, -5, 900, 1000}),
+              (Rectangle{200, 24, 800, 1029}));
+}
+
+TEST_F(DisplayTest, TheUserSizesTheWindow) {
+    shell_state.start.sizable_window = true;
+    const auto picture = [this] { return drawing.size(); };
+    const auto gets = [this](int width, int height) { // from the user
+        const Size outer = window.outer_size({width, height + BAR});
+        window.outer = {7, 9, 7 + outer.width, 9 + outer.height};
+        window_was_resized();
+    };
+    set_screen_params(false, 8);
+    EXPECT_EQ(picture(), (Size{768, 576}));
+    EXPECT_EQ(window.fixed, Size{});
+    EXPECT_EQ(window.least, window.outer_size({320, 240 + BAR}));
+    window_was_resized();
+    EXPECT_EQ(chosen_picture_size(), Size{}) << "the program's own doing";
+    set_screen_params(true, 8);
+    EXPECT_EQ(picture(), (Size{1152, 864}));
+    set_screen_params(false, 8);
+    gets(800, 500);
+    set_screen_params(true, 8);
+    EXPECT_EQ(picture(), (Size{800, 500})) << "kept";
+    update_screen(1);
+    EXPECT_EQ(drawing.last_stretch.target, (Rectangle{67, 0, 734, 500})); // 4:3
+    EXPECT_EQ(drawing.copies, 0);
+    choose_window_scale(WindowScale::whole);
+    EXPECT_EQ(drawing.last_stretch.target, (Rectangle{0, 0, 800, 500}));
+    EXPECT_TRUE(drawing.last_stretch.how.whole);
+
+    window.set_maximized(true);
+    window_was_resized();
+    toggle_full_screen();
+    window_was_resized();
+    update_screen(1);
+    EXPECT_TRUE(surface.last_scaling.whole);
+    set_screen_params(false, 8);
+    toggle_full_screen();
+    EXPECT_EQ(window.outer, window.available_area());
+    EXPECT_EQ(chosen_picture_size(), (Size{800, 500}));
+
+    shell_state.fixed_window = true;
+    fixed_window_switched();
+    EXPECT_FALSE(window.maximized());
+    EXPECT_EQ(window.client_size(), (Size{392, 296 + BAR}));
+    EXPECT_EQ(window.fixed, (Size{window.outer.width(), window.outer.height()}));
+    update_screen(1);
+    EXPECT_EQ(drawing.copies, 1);
+    shell_state.fixed_window = false;
+    fixed_window_switched();
+    EXPECT_EQ(picture(), (Size{800, 500}));
+    gets(768, 576); // as if it had never been sized
+    EXPECT_EQ(chosen_picture_size(), Size{});
 }
 
 TEST_F(DisplayTest, FramesReachTheCanvas) {

@@ -10,6 +10,7 @@
 #include "host/canvas.h"
 #include "host/display.h"
 #include "host/film_bar.h"
+#include "host/main_window.h"
 #include "host/rewind.h"
 #include "host/screenshot.h"
 #include "host/states.h"
@@ -67,6 +68,13 @@ protected:
                 EXPECT_EQ(pacing.ticks, 0) << "the pacing begins anew";
                 command(id);
             }
+        };
+    }
+    std::function<void()> scale(WindowScale chosen) {
+        return [this, chosen] {
+            EXPECT_EQ(picture_scaling().whole, chosen == WindowScale::whole);
+            expect_mark(40222, chosen == WindowScale::whole);
+            expect_mark(40223, chosen == WindowScale::fill);
         };
     }
     void expect_mark(int id, bool value) {
@@ -320,6 +328,10 @@ std::vector<Stop> TourTest::stops() {
         {40210, nothing, option(speed_choices.turbo, 40210, true)},
         {40211, nothing, status("Slow motion: half speed")},
         {40219, nothing, option(speed_choices.fast_tapes, 40219, true)},
+        {40221, nothing, option(shell_state.fixed_window, 40221, true)},
+        {40222, nothing, scale(WindowScale::whole)},
+        {40223, nothing, scale(WindowScale::fill)},
+        {40224, nothing, option(shell_state.window_smooth, 40224, true)},
         {40220, nothing, option(shell_state.ask_memory_size, 40220, true)},
         {40231, nothing, status("The manual is not installed")},
         {40232, nothing, status("The manual is not installed")},

@@ -82,6 +82,12 @@ void HeadlessWindow::set_fixed_size(Size size) {
     move(outer);
 }
 
+void HeadlessWindow::set_maximized(bool on) {
+    if (std::exchange(is_maximized, on) == on) return;
+    if (on) normal = outer;
+    outer = on ? available_area() : normal;
+}
+
 void HeadlessWindow::set_full_screen(bool on) {
     if (on == full_screen) return;
     full_screen = on;

@@ -37,8 +37,13 @@ struct HeadlessWindow final : public Window {
     Size client_size() override;
     Rectangle client_on_screen() override;
     Size screen_size() override { return screen; }
+    Rectangle available_area() override { return {0, 0, screen.width, screen.height}; }
+    double pixel_ratio() override { return ratio; }
     void move(const Rectangle& rectangle) override;
     void set_fixed_size(Size size) override;
+    void set_least_size(Size size) override { least = size; }
+    void set_maximized(bool on) override;
+    bool maximized() override { return is_maximized; }
     void invalidate() override { ++invalidations; }
     void set_full_screen(bool on) override;
     void show_cursor(bool on) override { cursor_shown = on; }
@@ -65,8 +70,11 @@ struct HeadlessWindow final : public Window {
     Size screen;
     Rectangle outer{100, 100, 748, 644};
     Rectangle windowed; ///< outer, while full screen
+    Rectangle normal;   ///< outer, while maximized
     Size fixed;         ///< zero: sizable
-    bool full_screen = false, cursor_shown = true;
+    Size least;
+    double ratio = 1; ///< set by the driver
+    bool full_screen = false, is_maximized = false, cursor_shown = true;
     int invalidations = 0;
     std::vector<MenuEntry> menu;
     std::vector<KeyChord> claimed;

@@ -42,6 +42,12 @@ void QtWindow::Frame::moveEvent(QMoveEvent*) { events_.post_once(Event::Kind::mo
 
 void QtWindow::Frame::resizeEvent(QResizeEvent*) { events_.post_once(Event::Kind::resized); }
 
+/// A window that is maximized or no longer so may hear of it only after its new size.
+void QtWindow::Frame::changeEvent(QEvent* event) {
+    if (event->type() == QEvent::WindowStateChange) events_.post_once(Event::Kind::resized);
+    QMainWindow::changeEvent(event);
+}
+
 void QtWindow::Frame::dragEnterEvent(QDragEnterEvent* event) {
     if (!local_files(*event->mimeData()).empty()) event->acceptProposedAction();
 }
@@ -121,6 +127,11 @@ Size QtWindow::screen_size() {
     return {size.width(), size.height()};
 }
 
+Rectangle QtWindow::available_area() {
+    const QRect area = frame_.screen()->availableGeometry().translated(-screen_origin());
+    return {area.left(), area.top(), area.left() + area.width(), area.top() + area.height()};
+}
+
 void QtWindow::move(const Rectangle& outer) {
     QRect geometry(outer.left, outer.top, outer.width(), outer.height());
     geometry.translate(screen_origin());
@@ -147,11 +158,22 @@ void QtWindow::set_fixed_size(Size outer) {
     if (!full_screen_) apply_limits();
 }
 
+void QtWindow::set_least_size(Size outer) {
+    least_size_ = {outer.width, outer.height};
+    if (!full_screen_) apply_limits();
+}
+
+void QtWindow::set_maximized(bool on) {
+    if (full_screen_) return;
+    frame_.setWindowState(frame_.windowState().setFlag(Qt::WindowMaximized, on));
+}
+
 void QtWindow::apply_limits() {
     if (fixed_size_.isValid()) {
         frame_.setFixedSize(fixed_size_);
     } else {
         lift_limits();
+        frame_.setMinimumSize(least_size_);
     }
 }
 
@@ -178,7 +200,7 @@ void QtWindow::set_full_screen(bool on) {
         // a Wayland compositor is never asked to leave it.
         frame_.setWindowState(frame_.windowState() & ~Qt::WindowFullScreen);
         apply_limits();
-        place(windowed_);
+        if (!maximized()) place(windowed_);
     }
     canvas_.setFocus();
 }

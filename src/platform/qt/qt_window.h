@@ -23,8 +23,13 @@ public:
     Size client_size() override;
     Rectangle client_on_screen() override;
     Size screen_size() override;
+    Rectangle available_area() override;
+    double pixel_ratio() override { return frame_.devicePixelRatioF(); }
     void move(const Rectangle& outer) override;
     void set_fixed_size(Size outer) override;
+    void set_least_size(Size outer) override;
+    void set_maximized(bool on) override;
+    bool maximized() override { return frame_.windowState().testFlag(Qt::WindowMaximized); }
     void invalidate() override;
     void set_full_screen(bool on) override;
     void show_cursor(bool on) override;
@@ -50,6 +55,7 @@ private:
         void closeEvent(QCloseEvent* event) override;
         void moveEvent(QMoveEvent* event) override;
         void resizeEvent(QResizeEvent* event) override;
+        void changeEvent(QEvent* event) override;
         void dragEnterEvent(QDragEnterEvent* event) override;
         void dropEvent(QDropEvent* event) override;
 
@@ -70,6 +76,7 @@ private:
     QtMenu menu_;
     std::string title_;
     QSize fixed_size_; ///< invalid: the user may size the window
-    QRect windowed_;   ///< where the window stood before it became full screen
+    QSize least_size_;
+    QRect windowed_; ///< where the window stood before it became full screen
     bool full_screen_ = false;
 };
