@@ -138,10 +138,8 @@ protected:
         }
         seen.insert(title);
         if (const char* pictures = std::getenv("DIALOG_PICTURES")) {
-            dialog.grab().save(QString("%1/%2-%3.png")
-                                   .arg(pictures)
-                                   .arg(seen.size(), 2, 10, QChar('0'))
-                                   .arg(GetParam()));
+            dialog.grab().save(
+                QString("%1/%2 %3.png").arg(pictures, dialog.windowTitle(), GetParam()));
         }
     }
 
