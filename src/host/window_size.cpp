@@ -7,9 +7,14 @@ namespace {
 
 constexpr int TITLE_BAR = 40; ///< about as high as that of any desktop
 
-/// The size for so many pixels of the screen.
+/// The fewest coordinates that window systems round to so many pixels of the screen.
+int in_coordinates(int pixels, double ratio) {
+    const int below = int(std::floor(pixels / ratio));
+    return std::lround(below * ratio) < pixels ? below + 1 : below;
+}
+
 Size in_coordinates(Size pixels, double ratio) {
-    return {int(std::ceil(pixels.width / ratio)), int(std::ceil(pixels.height / ratio))};
+    return {in_coordinates(pixels.width, ratio), in_coordinates(pixels.height, ratio)};
 }
 
 /// Multiples of the size that an area has room for.

@@ -18,6 +18,32 @@ uint32_t mixed(uint32_t first, uint32_t second, uint32_t share) {
     return odd | even;
 }
 
+/// Pixels that are mixed at a time. In a block of its own, of a known size, processors mix many
+/// channels with one instruction.
+constexpr size_t BLOCK = 8;
+constexpr size_t BLOCK_BYTES = BLOCK * sizeof(uint32_t);
+
+void mix_block(const uint32_t* first, const uint32_t* second, uint16_t share, uint32_t* out) {
+    uint8_t one[BLOCK_BYTES];
+    uint8_t other[BLOCK_BYTES];
+    uint8_t both[BLOCK_BYTES];
+    std::memcpy(one, first, BLOCK_BYTES);
+    std::memcpy(other, second, BLOCK_BYTES);
+    for (size_t n = 0; n < BLOCK_BYTES; ++n) {
+        both[n] = uint8_t(uint16_t(one[n] * (WHOLE - share) + other[n] * share) >> 8);
+    }
+    std::memcpy(out, both, BLOCK_BYTES);
+}
+
+void mix_row(const uint32_t* first, const uint32_t* second, uint32_t share, size_t pixels,
+             uint32_t* out) {
+    size_t n = 0;
+    for (; n + BLOCK <= pixels; n += BLOCK) {
+        mix_block(first + n, second + n, uint16_t(share), out + n);
+    }
+    for (; n < pixels; ++n) out[n] = mixed(first[n], second[n], share);
+}
+
 /// A rectangle of the size in the middle of the area.
 Rectangle in_the_middle(const Rectangle& area, Size size) {
     const int left = area.left + (area.width() - size.width) / 2;
@@ -101,6 +127,5 @@ void PictureScaler::row(int y, uint32_t* out) {
         std::memcpy(out, first, columns_.size() * sizeof(uint32_t));
         return;
     }
-    const uint32_t* second = stretched_row(at + 1);
-    for (size_t n = 0; n < columns_.size(); ++n) out[n] = mixed(first[n], second[n], share);
+    mix_row(first, stretched_row(at + 1), share, columns_.size(), out);
 }

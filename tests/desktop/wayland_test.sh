@@ -4,10 +4,18 @@
 program=$1
 source "$(dirname "$0")/desktop.sh"
 
+# grey_screen: the compositor's screen, a byte for each pixel
+grey_screen() {
+    ffmpeg -loglevel error -f x11grab -video_size 1280x1024 -draw_mouse 0 -i "$DISPLAY" \
+        -frames:v 1 -f rawvideo -pix_fmt gray -
+}
+
+# lit PIXELS: are so many of text and decoration light, but for a cursor that blinks?
+lit() { grey_screen | tr -cd '\320-\377' | wc -c | awk -v most="$1" '{print $1 < most - 600 ? "no" : "yes"}'; }
+
 # covered PIXELS: do windows take so much of the compositor's screen, whose background is one grey?
 covered() {
-    ffmpeg -loglevel error -f x11grab -video_size 1280x1024 -draw_mouse 0 -i "$DISPLAY" \
-        -frames:v 1 -f rawvideo -pix_fmt gray - | tr -cd '\253' | wc -c |
+    grey_screen | tr -cd '\253' | wc -c |
         awk -v least="$1" '{print 1280 * 1024 - $1 < least ? "no" : "yes"}'
 }
 window=$((768 * 619)) everything=$((1280 * 1024 - 1000))
@@ -36,9 +44,11 @@ program_pid=$!
 becomes "the window" yes covered $window
 types 'zy-+#/"?*@' 'ZY-+#/"?*@'
 
+light=$(grey_screen | tr -cd '\320-\377' | wc -c)
 xdotool key alt+Return
 becomes "full screen" yes covered $everything
 xdotool key alt+Return
 becomes "back from full screen" no covered $((2 * window))
+becomes "the whole window again" yes lit "$light"
 kill "$program_pid"
 wait "$program_pid" || fail "the exit code is $?: $(cat program.log)"

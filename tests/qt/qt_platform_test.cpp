@@ -1,6 +1,8 @@
 // The window without a screen, driven by Qt events.
 
 #include "platform/qt/qt_accessible.h"
+#include "platform/qt/qt_pane.h"
+#include "platform/qt/qt_pixels.h"
 #include "qt/offscreen.h"
 #include "support/test_files.h"
 
@@ -16,6 +18,7 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QPainter>
 #include <QPushButton>
 #include <QTimer>
 #include <QWheelEvent>
@@ -174,6 +177,34 @@ TEST_F(QtPlatformTest, StretchesOverTheScreenWithBlackAround) {
     EXPECT_EQ(pixel(10, 5), 0xFF0000u);
     host->surface().release();
     EXPECT_EQ(pixel(9, 10), 0xFFFFFFu);
+}
+
+TEST_F(QtPlatformTest, OnlyWhatChangesOfAStretchedPictureIsPaintedAgain) {
+    constexpr int WIDTH = 4, HEIGHT = 8;
+    std::vector<uint8_t> pixels(size_t{WIDTH} * HEIGHT * 4, 0x20);
+    const BitmapView picture = {WIDTH, HEIGHT, 32, pixels.data(), nullptr};
+    for (const double ratio : {1.0, 1.25, 2.0}) {
+        for (const Scaling how : {Scaling{}, {.smooth = true}, {.whole = true}}) {
+            QImage screen = plain_picture(QSize(50, 70) * ratio, Qt::red);
+            screen.setDevicePixelRatio(ratio);
+            QtStretch stretch;
+            const auto paint = [&](QImage& image, const QRect& part) {
+                QPainter painter(&image);
+                painter.setClipRect(part);
+                stretch.paint(painter, part, ratio);
+            };
+            stretch.set(picture, {3, 5, 30, 58}, how, ratio);
+            paint(screen, {0, 0, 50, 70});
+            EXPECT_TRUE(stretch.set(picture, {3, 5, 30, 58}, how, ratio).isEmpty());
+            pixels[(4 * WIDTH + 1) * 4] ^= 0xFF;
+            const QRect changed = stretch.set(picture, {3, 5, 30, 58}, how, ratio);
+            EXPECT_LT(changed.height(), 40);
+            QImage anew = screen;
+            paint(screen, changed);
+            paint(anew, {0, 0, 50, 70});
+            EXPECT_EQ(screen, anew) << ratio << how.smooth << how.whole;
+        }
+    }
 }
 
 TEST_F(QtPlatformTest, MenuReportsChoicesAndLeavesTheMarkToTheProgram) {

@@ -48,6 +48,18 @@ void QtWindow::Frame::changeEvent(QEvent* event) {
     QMainWindow::changeEvent(event);
 }
 
+/// Watches the window of the window system. Under Wayland, what was painted is lost when the
+/// decoration comes or goes, and Qt paints only what changes from then on.
+bool QtWindow::Frame::eventFilter(QObject* watched, QEvent* event) {
+    const bool before_painting =
+        event->type() == QEvent::UpdateRequest || event->type() == QEvent::Expose;
+    if (before_painting && watched == windowHandle()) {
+        const QMargins now = windowHandle()->frameMargins();
+        if (std::exchange(margins_, now) != now) update();
+    }
+    return QMainWindow::eventFilter(watched, event);
+}
+
 void QtWindow::Frame::dragEnterEvent(QDragEnterEvent* event) {
     if (!local_files(*event->mimeData()).empty()) event->acceptProposedAction();
 }
@@ -79,6 +91,7 @@ bool QtWindow::create(const std::string& title) {
 
 void QtWindow::show() {
     frame_.show();
+    frame_.windowHandle()->installEventFilter(&frame_);
     canvas_.setFocus();
     // Waits until the window has its place: a dialog that follows at once is placed by it.
     const QDeadlineTimer limit(LONGEST_OPENING);

@@ -51,6 +51,8 @@ private:
     public:
         explicit Frame(QtEvents& events) : events_(events) {}
 
+        bool eventFilter(QObject* watched, QEvent* event) override;
+
     protected:
         void closeEvent(QCloseEvent* event) override;
         void moveEvent(QMoveEvent* event) override;
@@ -61,6 +63,7 @@ private:
 
     private:
         QtEvents& events_;
+        QMargins margins_; ///< of the decoration
     };
 
     int menu_height(int width) const;
