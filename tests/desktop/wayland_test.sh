@@ -11,7 +11,8 @@ grey_screen() {
 }
 
 # lit PIXELS: are so many of text and decoration light, but for a cursor that blinks?
-lit() { grey_screen | tr -cd '\320-\377' | wc -c | awk -v most="$1" '{print $1 < most - 600 ? "no" : "yes"}'; }
+light() { grey_screen | tr -cd '\320-\377' | wc -c; }
+lit() { light | awk -v most="$1" '{print $1 < most - 600 ? "no" : "yes"}'; }
 
 # covered PIXELS: do windows take so much of the compositor's screen, whose background is one grey?
 covered() {
@@ -44,7 +45,7 @@ program_pid=$!
 becomes "the window" yes covered $window
 types 'zy-+#/"?*@' 'ZY-+#/"?*@'
 
-light=$(grey_screen | tr -cd '\320-\377' | wc -c)
+light=$(light)
 xdotool key alt+Return
 becomes "full screen" yes covered $everything
 xdotool key alt+Return
