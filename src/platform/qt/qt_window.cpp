@@ -31,6 +31,12 @@ std::vector<std::string> local_files(const QMimeData& data) {
     return files;
 }
 
+/// With the children; of those that are opaque, a widget's own update leaves the area out.
+void update_all(QWidget& widget) {
+    widget.update();
+    for (QWidget* child : widget.findChildren<QWidget*>()) child->update();
+}
+
 } // namespace
 
 void QtWindow::Frame::closeEvent(QCloseEvent* event) {
@@ -51,11 +57,9 @@ void QtWindow::Frame::changeEvent(QEvent* event) {
 /// Watches the window of the window system. Under Wayland, what was painted is lost when the
 /// decoration comes or goes, and Qt paints only what changes from then on.
 bool QtWindow::Frame::eventFilter(QObject* watched, QEvent* event) {
-    const bool before_painting =
-        event->type() == QEvent::UpdateRequest || event->type() == QEvent::Expose;
-    if (before_painting && watched == windowHandle()) {
+    if (watched == windowHandle()) {
         const QMargins now = windowHandle()->frameMargins();
-        if (std::exchange(margins_, now) != now) update();
+        if (std::exchange(margins_, now) != now) update_all(*this);
     }
     return QMainWindow::eventFilter(watched, event);
 }
