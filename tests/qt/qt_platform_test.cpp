@@ -301,6 +301,13 @@ TEST_F(QtPlatformTest, PointerIsAtAPlaceInThePaneShown) {
     EXPECT_EQ(used.button, BUTTON_RIGHT);
     EXPECT_EQ(used.buttons, BUTTON_LEFT | BUTTON_RIGHT);
     EXPECT_FALSE(used.touch);
+    for (const auto act : {Pointer::Act::press, Pointer::Act::double_click}) {
+        QMouseEvent second(QEvent::MouseButtonDblClick, {7, 5}, {0, 0}, Qt::LeftButton,
+                           Qt::LeftButton, NO_MODIFIERS);
+        second.setTimestamp(5000); // the first one was at a window that is gone
+        QApplication::sendEvent(&client(), &second);
+        EXPECT_EQ(drain(Event::Kind::pointer).at(0).pointer.act, act);
+    }
 }
 
 TEST_F(QtPlatformTest, FilmBarLiesOverTheLowestLinesAndHasPointerAndReaderOfItsOwn) {

@@ -1,5 +1,8 @@
 #include "platform/qt/qt_input.h"
 
+#include <QGuiApplication>
+#include <QStyleHints>
+
 #include <algorithm>
 #include <utility>
 
@@ -86,15 +89,25 @@ bool QtInput::eventFilter(QObject* watched, QEvent* event) {
     case QEvent::KeyRelease: key_released(*static_cast<QKeyEvent*>(event)); return true;
     case QEvent::FocusIn:
     case QEvent::FocusOut: focus_changed(*static_cast<QFocusEvent*>(event)); return false;
-    case QEvent::MouseButtonPress: return pointer(Pointer::Act::press);
+    case QEvent::MouseButtonPress:
+        last_press_ = static_cast<QMouseEvent*>(event)->timestamp();
+        return pointer(Pointer::Act::press);
     case QEvent::MouseMove: return pointer(Pointer::Act::move);
     case QEvent::MouseButtonRelease: return pointer(Pointer::Act::release);
-    case QEvent::MouseButtonDblClick: return pointer(Pointer::Act::double_click);
+    case QEvent::MouseButtonDblClick:
+        return pointer(second_press(*static_cast<QMouseEvent*>(event)));
     case QEvent::Wheel:
         wheel_turned(pane_of(*watched), *static_cast<QWheelEvent*>(event));
         return true;
     default: return false;
     }
+}
+
+/// The first press may have closed a window in front of this one; then this is the first here.
+Pointer::Act QtInput::second_press(const QMouseEvent& event) {
+    const quint64 apart = event.timestamp() - std::exchange(last_press_, event.timestamp());
+    const auto longest = quint64(QGuiApplication::styleHints()->mouseDoubleClickInterval());
+    return apart <= longest ? Pointer::Act::double_click : Pointer::Act::press;
 }
 
 void QtInput::send_key(Event::Kind kind, uint8_t key, uint8_t modifiers, bool repeat) {

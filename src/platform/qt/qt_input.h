@@ -4,6 +4,7 @@
 #include "platform/window.h"
 
 #include <QKeyEvent>
+#include <QMouseEvent>
 #include <QObject>
 
 #include <map>
@@ -26,11 +27,13 @@ private:
     void key_pressed(QKeyEvent& event);
     void key_released(QKeyEvent& event);
     void focus_changed(const QFocusEvent& event);
+    Pointer::Act second_press(const QMouseEvent& event);
     void wheel_turned(PaneId pane, const QWheelEvent& event);
 
     QtEvents& events_;
     QtKeyboard& keyboard_;
     std::vector<KeyChord> claimed_;
     std::map<quint32, uint8_t> held_; ///< by scan code: what the keys went down as
+    quint64 last_press_ = 0;          ///< of the mouse, in ms
     int wheel_angle_ = 0;             ///< less than a notch
 };
