@@ -18,7 +18,9 @@ enum class ControlKind : uint8_t {
     buttons, ///< a row at the place where the desktop has its buttons
     grid,    ///< the children are rows of controls, which stand below each other in columns
     group,   ///< a column in a frame with `text` on it
+    scroll,  ///< a column that scrolls, before the rest does, where the screen is too low
     // Controls.
+    heading,   ///< words in large letters
     label,     ///< names the controls after it in its arrangement; its access key leads to the next
     note,      ///< words that explain something, in as many lines as they need
     text_view, ///< lines to read, select and copy; it scrolls
@@ -27,6 +29,9 @@ enum class ControlKind : uint8_t {
     /// All the pictures of a form exclude each other, and the arrow keys lead from one to another.
     /// Enter and a double click press the form's default button.
     picture,
+    /// The same, but a click, Enter and the space bar press it, and none is chosen. Tab leads to
+    /// one of them, the arrow keys to the others.
+    picture_button,
     check,
     list, ///< one of `items`
     /// The same in a box that shows several of them and scrolls. A tab in an item begins its second
@@ -40,11 +45,13 @@ enum class ControlKind : uint8_t {
     cancel_button   ///< Escape presses it; it closes the form
 };
 
-/// A picture, empty without pixels.
+/// A picture, empty without pixels and file.
 struct FormPicture {
     int width = 0;
     int height = 0;
     std::vector<Colour> pixels = {}; ///< rows from the top
+    /// In place of pixels: a PNG file, which the host reads. It is empty when that fails.
+    std::string file = {};
 };
 
 struct FormControl {
@@ -54,7 +61,8 @@ struct FormControl {
     /// What a screen reader calls a control that has no text: without it, the label before it or
     /// the title of its group.
     std::string name = {};
-    int limit = 0; ///< characters of a text field; 0 = no limit
+    std::string tip = {}; ///< a sentence, shown while the pointer rests on the control
+    int limit = 0;        ///< characters of a text field; 0 = no limit
     int lowest = 0;
     int highest = 0; ///< of a slider, which can stand there
     int page = 1;    ///< of a slider: the step of Page Up, Page Down and a click beside the knob
@@ -75,7 +83,7 @@ struct FormDescription {
 struct FormEvent {
     enum class Kind : uint8_t {
         changed, ///< value or text of the control; of radio buttons and pictures, of the one chosen
-        pressed, ///< a button
+        pressed, ///< a button, also one with a picture
         closed,  ///< the window's close button; no control
         ticked,  ///< time passes while the form is open; no control
         key      ///< that Form::await_key has asked for; no control

@@ -13,7 +13,9 @@ bool is_list(const FormControl& control) {
     return control.kind == ControlKind::list || control.kind == ControlKind::list_box;
 }
 
-bool is_button(const FormControl& control) { return control.kind >= ControlKind::button; }
+bool is_button(const FormControl& control) {
+    return control.kind >= ControlKind::button || control.kind == ControlKind::picture_button;
+}
 
 int index_of(const std::vector<std::string>& items, const std::string& text) {
     const auto found = std::ranges::find(items, text);
@@ -109,9 +111,7 @@ void HeadlessForm::set_items(int id, const std::vector<std::string>& items) {
 
 void HeadlessForm::set_picture(int id, const FormPicture& picture) {
     Control* control = find(id);
-    if (control && control->described.kind == ControlKind::picture) {
-        control->described.picture = picture;
-    }
+    if (control) control->described.picture = picture;
 }
 
 FormPicture HeadlessForm::picture(int id) {
@@ -159,7 +159,7 @@ void HeadlessForm::type(int id, const std::string& text) {
 void HeadlessForm::press(int id) {
     if (!user_reaches(id) || !is_button(find(id)->described)) return;
     handler_(*this, {FormEvent::Kind::pressed, id});
-    if (find(id)->described.kind != ControlKind::button) finish(id);
+    if (find(id)->described.kind > ControlKind::button) finish(id);
 }
 
 bool HeadlessForm::press_key(uint8_t key) {

@@ -31,9 +31,10 @@
 
 namespace {
 
-constexpr int SLIDER_LENGTH = 30; ///< characters, at least
-constexpr int NOTE_WIDTH = 40;    ///< characters in a line
-constexpr int VIEW_WIDTH = 80;    ///< characters in a line of a text view
+constexpr double HEADING_SCALE = 1.6; ///< of its letters
+constexpr int SLIDER_LENGTH = 30;     ///< characters, at least
+constexpr int NOTE_WIDTH = 40;        ///< characters in a line
+constexpr int VIEW_WIDTH = 80;        ///< characters in a line of a text view
 constexpr int VIEW_LINES = 16;
 constexpr int WIDEST_FIELD = 40;     ///< characters; fields of longer texts scroll
 constexpr int UNLIMITED_FIELD = 6;   ///< characters
@@ -143,6 +144,7 @@ private:
     }
 
     void fit();
+    void fit_scroll(int height);
     QSize room_for_contents() const;
     void add_buttons(const FormControl& described, QBoxLayout& box);
     void add_all(const std::vector<FormControl>& controls, QBoxLayout& box, QWidget& parent,
@@ -155,6 +157,7 @@ private:
     QWidget* make_button(const FormControl& described, QWidget& parent);
     QWidget* make_picture(const FormControl& described, QWidget& parent);
     QWidget* make_group(const FormControl& described, QWidget& parent);
+    QWidget* make_scroll(const FormControl& described, QWidget& parent, Naming& naming);
     QWidget* make_label(const FormControl& described, QWidget& parent, Naming& naming);
     QWidget* make_text_view(const FormControl& described, QWidget& parent);
     QWidget* make_list(const FormControl& described, QWidget& parent);
@@ -173,11 +176,13 @@ private:
     QtWindow& owner_;
     FormHandler handler_;
     FormWindow dialog_;
-    QtFittingArea* area_ = nullptr; ///< all but the buttons at the end
+    QtFittingArea* area_ = nullptr;   ///< all but the buttons at the end
+    QtFittingArea* scroll_ = nullptr; ///< a part of that
+    int scroll_height_ = QWIDGETSIZE_MAX;
     QtButtonRows* buttons_ = nullptr;
     KeyCatcher catcher_;
     QTimer timer_;
-    QButtonGroup radios_, pictures_;
+    QButtonGroup radios_, pictures_, picture_buttons_;
     std::map<int, QWidget*> controls_;
     QWidget* first_in_tab_order_ = nullptr;
     QWidget* last_in_tab_order_ = nullptr;
@@ -245,14 +250,27 @@ void QtForm::fit() {
     if (buttons_) buttons_->fit(room_for_contents().width());
     const QSize room = room_for_contents();
     for (int percent = 100; percent >= SMALLEST_PICTURE; percent -= PICTURE_STEP) {
-        for (QAbstractButton* picture : pictures_.buttons()) {
-            static_cast<QtPictureButton*>(picture)->set_scale(percent);
+        for (const QButtonGroup* group : {&pictures_, &picture_buttons_}) {
+            for (QAbstractButton* picture : group->buttons()) {
+                static_cast<QtPictureButton*>(picture)->set_scale(percent);
+            }
         }
-        area_->widget()->layout()->invalidate();
-        area_->widget()->layout()->activate(); // also the arrangements in it
+        fit_scroll(QWIDGETSIZE_MAX);
+        const int excess = area_->wanted().height() - room.height();
+        if (scroll_ && excess > 0) fit_scroll(scroll_->wanted().height() - excess);
         if (area_->sizeHint().width() < room.width()) break;
     }
-    area_->updateGeometry();
+}
+
+/// Gives that part so much height at most, and arranges all anew.
+void QtForm::fit_scroll(int height) {
+    scroll_height_ = height;
+    for (QtFittingArea* area : {scroll_, area_}) {
+        if (!area) continue;
+        area->widget()->layout()->invalidate();
+        area->widget()->layout()->activate(); // also the arrangements in it
+        area->updateGeometry();
+    }
 }
 
 void QtForm::add_buttons(const FormControl& described, QBoxLayout& box) {
@@ -274,7 +292,12 @@ void QtForm::add(const FormControl& described, QBoxLayout& box, QWidget& parent,
     case ControlKind::grid: return add_grid(described, box, parent, naming);
     case ControlKind::column:
     case ControlKind::row:
-    case ControlKind::buttons: return box.addLayout(arrangement(described, parent, naming));
+    case ControlKind::buttons: {
+        QLayout* inner = arrangement(described, parent, naming);
+        box.addLayout(inner);
+        if (described.kind == ControlKind::buttons) box.setAlignment(inner, Qt::AlignBottom);
+        return;
+    }
     default: return box.addWidget(make(described, parent, naming));
     }
 }
@@ -308,6 +331,8 @@ QWidget* QtForm::make(const FormControl& described, QWidget& parent, Naming& nam
     QWidget* widget = nullptr;
     switch (described.kind) {
     case ControlKind::group: widget = make_group(described, parent); break;
+    case ControlKind::scroll: return make_scroll(described, parent, naming);
+    case ControlKind::heading:
     case ControlKind::label:
     case ControlKind::note: widget = make_label(described, parent, naming); break;
     case ControlKind::text_view: widget = make_text_view(described, parent); break;
@@ -316,13 +341,15 @@ QWidget* QtForm::make(const FormControl& described, QWidget& parent, Naming& nam
     case ControlKind::combo: widget = make_list(described, parent); break;
     case ControlKind::edit: widget = make_edit(described, parent); break;
     case ControlKind::slider: widget = make_slider(described, parent); break;
-    case ControlKind::picture: widget = make_picture(described, parent); break;
+    case ControlKind::picture:
+    case ControlKind::picture_button: widget = make_picture(described, parent); break;
     default: widget = make_button(described, parent);
     }
     if (described.id) controls_[described.id] = widget;
     if (qobject_cast<QLabel*>(widget) || qobject_cast<QGroupBox*>(widget)) return widget;
 
     enter_tab_order(*widget);
+    widget->setToolTip(to_qt(described.tip));
     // A screen reader takes the name of a combo box from its label only.
     if (naming.label) std::exchange(naming.label, nullptr)->setBuddy(widget);
     if (!described.name.empty()) {
@@ -344,11 +371,27 @@ QWidget* QtForm::make_group(const FormControl& described, QWidget& parent) {
     return group;
 }
 
+QWidget* QtForm::make_scroll(const FormControl& described, QWidget& parent, Naming& naming) {
+    const auto room = [this] { return QSize(QWIDGETSIZE_MAX, scroll_height_); };
+    scroll_ = std::make_unique<QtFittingArea>(&parent, room).release();
+    QWidget& contents = *child_of<QWidget>(*scroll_);
+    auto* box = std::make_unique<QVBoxLayout>(&contents).release();
+    box->setContentsMargins(0, 0, 0, 0);
+    add_all(described.children, *box, contents, naming);
+    scroll_->setWidget(&contents);
+    contents.setAutoFillBackground(false);
+    return scroll_;
+}
+
 QWidget* QtForm::make_label(const FormControl& described, QWidget& parent, Naming& naming) {
     auto* label = child_of<QLabel>(parent);
     label->setTextFormat(Qt::PlainText);
     label->setText(to_qt(described.text));
-    if (described.kind == ControlKind::note) {
+    if (described.kind == ControlKind::heading) {
+        QFont large = label->font();
+        large.setPointSizeF(large.pointSizeF() * HEADING_SCALE);
+        label->setFont(large);
+    } else if (described.kind == ControlKind::note) {
         label->setWordWrap(true);
         label->setMinimumWidth(characters_wide(*label, NOTE_WIDTH));
     } else {
@@ -405,16 +448,22 @@ QWidget* QtForm::make_button(const FormControl& described, QWidget& parent) {
 }
 
 QWidget* QtForm::make_picture(const FormControl& described, QWidget& parent) {
+    using enum QtPictureButton::Use;
+    const bool is_pressed = described.kind == ControlKind::picture_button;
     const auto [width, height] = described.picture_area;
-    auto* button = std::make_unique<QtPictureButton>(&parent, QSize(width, height)).release();
-    pictures_.addButton(button);
+    const QSize area(width, height);
+    auto* button =
+        std::make_unique<QtPictureButton>(&parent, area, is_pressed ? pressed : chosen).release();
+    (is_pressed ? picture_buttons_ : pictures_).addButton(button);
     button->set_picture(described.picture);
     button->set_caption(to_qt(described.text));
-    button->on_activation = [this] {
+    button->on_activation = [this, button, is_pressed] {
+        if (is_pressed) return button->click();
         if (default_) default_->click();
     };
-    const auto chosen = raiser(described.id);
-    QObject::connect(button, &QAbstractButton::clicked, &dialog_, [chosen](bool) { chosen(); });
+    const auto kind = is_pressed ? FormEvent::Kind::pressed : FormEvent::Kind::changed;
+    QObject::connect(button, &QAbstractButton::clicked, &dialog_,
+                     [this, kind, id = described.id] { raise(kind, id); });
     return button;
 }
 

@@ -1,9 +1,12 @@
 #include "platform/qt/qt_picture_button.h"
 
+#include <QButtonGroup>
+#include <QFile>
 #include <QFontMetrics>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QPainterPath>
+#include <QScrollArea>
 
 #include <algorithm>
 
@@ -12,7 +15,7 @@ namespace {
 constexpr int MARGIN = 8;     ///< around picture and text
 constexpr int TEXT_SPACE = 5; ///< between picture and text
 constexpr int TEXT_EDGE = 4;  ///< around the text
-constexpr int LINES = 2;      ///< of text, for which there is always room
+constexpr int LINES = 2;      ///< of text below one that is chosen, for which there is always room
 constexpr int ROUNDING = 6;
 constexpr int PICTURE_ROUNDING = 3;
 constexpr int FAINT = 150;     ///< alpha of text that does not stand out
@@ -34,10 +37,12 @@ QPainterPath rounded(const QRectF& area, qreal radius) {
 
 } // namespace
 
-QtPictureButton::QtPictureButton(QWidget* parent, QSize area)
+QtPictureButton::QtPictureButton(QWidget* parent, QSize area, Use use)
     : QRadioButton(parent), whole_(area), area_(area) {
+    setCheckable(use == Use::chosen);
     setFocusPolicy(Qt::StrongFocus);
-    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    setSizePolicy(use == Use::chosen ? QSizePolicy::Fixed : QSizePolicy::Preferred,
+                  QSizePolicy::Fixed);
 }
 
 /// The button's own text is what a screen reader says.
@@ -49,8 +54,8 @@ void QtPictureButton::set_caption(const QString& lines) {
 }
 
 void QtPictureButton::set_picture(const FormPicture& picture) {
-    picture_ = {};
-    const auto& [width, height, pixels] = picture;
+    picture_ = QImage(QFile::decodeName(picture.file.c_str()));
+    const auto& [width, height, pixels, file] = picture;
     if (!pixels.empty() && pixels.size() == size_t(width) * size_t(height)) {
         picture_ = QImage(width, height, QImage::Format_RGB32);
         for (int y = 0; y < height; ++y) {
@@ -68,13 +73,17 @@ void QtPictureButton::set_scale(int percent) {
 
 QFont QtPictureButton::heading_font() const {
     QFont heading = font();
-    heading.setBold(true);
+    heading.setBold(isCheckable());
     return heading;
 }
 
+/// The title of one that is pressed is never cut.
 QSize QtPictureButton::sizeHint() const {
-    const int text = LINES * QFontMetrics(heading_font()).lineSpacing();
-    return {area_.width() + 2 * MARGIN, area_.height() + text + TEXT_SPACE + 2 * MARGIN};
+    const QFontMetrics metrics(heading_font());
+    const int text = (isCheckable() ? LINES : 1) * metrics.lineSpacing();
+    const int wide = isCheckable() ? 0 : metrics.horizontalAdvance(caption_);
+    return {std::max(area_.width(), wide) + 2 * MARGIN,
+            area_.height() + text + TEXT_SPACE + 2 * MARGIN};
 }
 
 /// In the colours of the desktop, so that it fits light and dark ones.
@@ -85,20 +94,21 @@ void QtPictureButton::paintEvent(QPaintEvent*) {
     const QColor words = palette().color(QPalette::WindowText);
 
     const QRectF frame = QRectF(rect()).adjusted(1, 1, -1, -1);
-    if (isChecked() || underMouse()) {
+    if (is_marked() || underMouse()) {
+        const bool strong = is_marked() || isDown();
         painter.fillPath(rounded(frame, ROUNDING),
-                         tinted(highlight, isChecked() ? CHOSEN_TINT : HOVER_TINT));
+                         tinted(highlight, strong ? CHOSEN_TINT : HOVER_TINT));
     }
-    if (isChecked()) {
+    if (is_marked()) {
         painter.setPen(QPen(highlight, 2));
         painter.drawPath(rounded(frame, ROUNDING));
     }
-    if (hasFocus()) {
+    if (hasFocus() && isCheckable()) {
         painter.setPen(QPen(words, 1, Qt::DotLine));
         painter.drawPath(rounded(frame.adjusted(3, 3, -3, -3), PICTURE_ROUNDING));
     }
 
-    const QRectF place(QPointF(MARGIN, MARGIN), QSizeF(area_));
+    const QRectF place(QPointF((width() - area_.width()) / 2.0, MARGIN), QSizeF(area_));
     const QPainterPath outline = rounded(place.adjusted(.5, .5, -.5, -.5), PICTURE_ROUNDING);
     if (picture_.isNull()) {
         painter.fillPath(outline, tinted(words, EMPTY_TINT));
@@ -135,6 +145,17 @@ void QtPictureButton::keyPressEvent(QKeyEvent* event) {
     }
     // Some desktops have Enter press a button like the space bar.
     if (on_activation) on_activation();
+}
+
+/// Tab comes back to this one, and it is in sight.
+void QtPictureButton::focusInEvent(QFocusEvent* event) {
+    QRadioButton::focusInEvent(event);
+    if (isCheckable()) return;
+    for (QAbstractButton* other : group()->buttons()) other->setFocusPolicy(Qt::ClickFocus);
+    setFocusPolicy(Qt::StrongFocus);
+    for (QWidget* around = parentWidget(); around; around = around->parentWidget()) {
+        if (auto* area = qobject_cast<QScrollArea*>(around)) area->ensureWidgetVisible(this);
+    }
 }
 
 void QtPictureButton::mouseDoubleClickEvent(QMouseEvent* event) {

@@ -1,17 +1,19 @@
 #pragma once
-/// A picture with lines of text below it that can be chosen, as one of several.
+/// A picture with lines of text below it that can be chosen, as one of several, or pressed.
 
 #include "platform/forms.h"
 
 #include <QImage>
 #include <QRadioButton>
 
+#include <cstdint>
 #include <functional>
 
-/// A radio button in all but its looks, to screen readers too.
+/// A radio button in all but its looks, or one that is pressed, to screen readers too.
 class QtPictureButton final : public QRadioButton {
 public:
-    QtPictureButton(QWidget* parent, QSize area);
+    enum class Use : uint8_t { chosen, pressed };
+    QtPictureButton(QWidget* parent, QSize area, Use use);
 
     void set_caption(const QString& lines);
     const QString& caption() const { return caption_; }
@@ -26,12 +28,14 @@ protected:
     void paintEvent(QPaintEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
     void enterEvent(QEnterEvent* event) override;
     void leaveEvent(QEvent* event) override;
     bool hitButton(const QPoint& point) const override { return rect().contains(point); }
 
 private:
     QFont heading_font() const;
+    bool is_marked() const { return isCheckable() ? isChecked() : hasFocus(); }
 
     QString caption_;
     QSize whole_;    ///< the picture's area where there is room
