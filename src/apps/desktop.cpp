@@ -26,7 +26,8 @@ int run_desktop(int argc, char** argv) {
                                      .resumes = true,
                                      .sizable_window = true,
                                      .remembers_files = true,
-                                     .answers_memory_question = true});
+                                     .answers_memory_question = true,
+                                     .welcomes = true});
     print_results(line);
     return exit_code;
 }

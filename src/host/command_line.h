@@ -18,6 +18,7 @@ using Arguments = std::vector<std::string>;
 struct AddressRange {
     uint16_t first = 0;
     uint16_t last = 0;
+    bool operator==(const AddressRange&) const = default;
 };
 
 struct CommandLine {
@@ -25,6 +26,7 @@ struct CommandLine {
         char letter = 0;
         std::string value; ///< the next argument, or for /m the rest of this one
         int64_t seconds = 0;
+        bool operator==(const Switch&) const = default;
     };
 
     bool help = false;
@@ -49,6 +51,8 @@ struct CommandLine {
 
     std::string refusal;               ///< what keeps the program from starting, in one line
     std::vector<std::string> problems; ///< switches that are left out, a line for each
+
+    bool operator==(const CommandLine&) const = default;
 };
 
 /// Reads the line. Changes nothing: it only looks whether files of the arguments' names exist.

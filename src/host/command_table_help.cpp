@@ -6,6 +6,7 @@
 #include "host/menu.h"
 #include "host/recent.h"
 #include "host/shell_state.h"
+#include "host/welcome.h"
 
 #include <utility>
 #include <vector>
@@ -50,6 +51,14 @@ std::vector<CommandRow> make_rows() {
                                                shell_state.monitor_f12 = on != 0;
                                                monitor_key_switched();
                                            }},
+                     .initial = 0,
+                     .read = StartStep::engine}},
+        {.id = COMMAND_WELCOME,
+         .label = "&Welcome",
+         .tip = "Examples to start, and how to begin.",
+         .run = ui_welcome,
+         .setting = {.name = "WelcomeShown",
+                     .place = &shell_state.welcome_shown,
                      .initial = 0,
                      .read = StartStep::engine}},
         {.id = COMMAND_MANUAL,

@@ -27,6 +27,7 @@
 #include "host/speed_commands.h"
 #include "host/status.h"
 #include "host/turn.h"
+#include "host/welcome.h"
 #include "host/zip_files.h"
 #include "media/damage.h"
 #include "media/files/cassette_files.h"
@@ -167,6 +168,7 @@ void pacing_switched() {
 void key_mapping_switched() {
     machine_apply(event_kind::key_mapping, g_KeyMapping);
     kept_key_mapping = g_KeyMapping;
+    welcome_key_mapping_changed();
 }
 
 void paste_from_clipboard() {

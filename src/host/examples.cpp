@@ -11,14 +11,25 @@
 
 #include <filesystem>
 
-std::string example_path(const Example& example) {
+namespace {
+
+/// Empty without such a file.
+std::string installed_file(const std::string& name) {
     for (const char* place : {TARVELIN_EXAMPLES, "../examples"}) {
-        const std::string folder = platform().paths().program_directory() + "/" + place;
-        std::string path = canonical_path(folder + "/" + example.file);
+        const std::filesystem::path folder = platform().paths().program_directory();
+        std::string path = canonical_path(folder / place / name);
         std::error_code error;
         if (std::filesystem::exists(path, error)) return path;
     }
     return {};
+}
+
+} // namespace
+
+std::string example_path(const Example& example) { return installed_file(example.file); }
+
+std::string example_picture(const Example& example) {
+    return installed_file(std::filesystem::path(example.file).replace_extension("png"));
 }
 
 void start_example(const Example& example) {

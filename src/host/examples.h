@@ -30,6 +30,8 @@ inline constexpr auto examples = std::to_array<Example>({
 
 /// The path of its file; empty when it is not there.
 std::string example_path(const Example& example);
+/// The path of a PNG file with a scene of it, which may be missing.
+std::string example_picture(const Example& example);
 /// Switches the machine off and on and starts the example, so that it does not matter what ran
 /// before. Screenshots go to the current folder.
 void start_example(const Example& example);

@@ -172,8 +172,8 @@ std::vector<KeyChord> all_accelerator_keys() {
 
 std::vector<MenuEntry> main_menu() {
     return {file_menu(), machine_menu(), tape_menu(), options_menu(),
-            submenu("&Help", {item(COMMAND_MANUAL), item(COMMAND_KEYS), SEPARATOR,
-                              item(COMMAND_ABOUT), item(COMMAND_MESSAGES)})};
+            submenu("&Help", {item(COMMAND_WELCOME), item(COMMAND_MANUAL), item(COMMAND_KEYS),
+                              SEPARATOR, item(COMMAND_ABOUT), item(COMMAND_MESSAGES)})};
 }
 
 void create_menu() {

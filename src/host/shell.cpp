@@ -37,6 +37,7 @@
 #include "host/states.h"
 #include "host/status.h"
 #include "host/turn.h"
+#include "host/welcome.h"
 #include "media/files/cassette_files.h"
 #include "media/files/drive_files.h"
 #include "media/files/printer_file.h"
@@ -145,6 +146,7 @@ void emu_init(const ShellOptions& options) {
     history_switched();
     if (!line.replay.empty()) play_replay_file(line.replay, line.to_frame.value_or(INT64_MAX));
     if (!line.record.empty()) start_replay_recording(line.record);
+    expect_welcome();
 }
 
 void emu_close(std::function<void()> done) {
@@ -155,6 +157,7 @@ void emu_close(std::function<void()> done) {
                         line.whole_state ? MediaInState::all : MediaInState::changed);
     }
     ui_free_forms();
+    end_welcome();
     end_replays();
     const bool goes_on = resume_keep_now();
     printer_close();

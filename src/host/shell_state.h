@@ -22,6 +22,7 @@ struct ShellOptions {
     bool sizable_window = false;          ///< unless the settings say otherwise
     bool remembers_files = false;         ///< that were opened, see recent.h
     bool answers_memory_question = false; ///< of a machine that was switched on, after a while
+    bool welcomes = false;                ///< at the first start
 };
 
 /// What the main window has got its size for.
@@ -48,6 +49,7 @@ struct shell_record {
     bool ask_memory_size = false; ///< and wait for the answer
     bool save_video_ram = false;  ///< every screenshot is followed by a dump of the screen memory
     bool monitor_f12 = false;     ///< F12 opens the monitor, and Esc does not
+    bool welcome_shown = false;   ///< once, so that no start shows it again
     bool keep_history = false;    ///< of the machine, to go back in
     bool fixed_window = false;    ///< to the size of the canvas, by the user's choice
     bool window_smooth = false;   ///< a stretched picture has smooth edges

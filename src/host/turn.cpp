@@ -22,6 +22,7 @@
 #include "host/rewind.h"
 #include "host/shell.h"
 #include "host/status.h"
+#include "host/welcome.h"
 #include "media/files/typed_text.h"
 #include "monitor/monitor.h"
 #include "platform/platform.h"
@@ -236,6 +237,7 @@ ShellTurn main_turn() {
     }
     if (!is_halted()) {
         const int64_t wait = paced_frame_step();
+        if (!wait) welcome_frame_shown();
         main_disk_keep_journals_when_due();
         resume_keep_when_due();
         return {.next = wait ? in_time : now, .microseconds = wait};

@@ -17,13 +17,15 @@ export QT_NO_XDG_DESKTOP_PORTAL=1 # Qt 6.8 leaks its question to a portal that i
 unset WAYLAND_DISPLAY
 mkdir -p "$work/config/tarvelin"
 cd "$work"
+echo 'WelcomeShown = 1' >config/tarvelin/settings.toml # it would take the keys
 # What the host's libraries keep until the program's end is not this program's leak.
 printf 'leak:libdbus-1\nleak:libfontconfig\n' >lsan.supp
 export LSAN_OPTIONS=suppressions=$work/lsan.supp:print_suppressions=0
 
 # settings LINE...: of the settings file; silent, and with what screen needs
 settings() {
-    printf '%s\n' 'SaveVideoRamWithScreenShots = 1' 'Sound = 0' "$@" >config/tarvelin/settings.toml
+    printf '%s\n' 'WelcomeShown = 1' 'SaveVideoRamWithScreenShots = 1' 'Sound = 0' "$@" \
+        >config/tarvelin/settings.toml
 }
 
 clean_up() {

@@ -333,6 +333,7 @@ std::vector<Stop> TourTest::stops() {
         {40223, nothing, scale(WindowScale::fill)},
         {40224, nothing, option(shell_state.window_smooth, 40224, true)},
         {40220, nothing, option(shell_state.ask_memory_size, 40220, true)},
+        {40230, nothing, [this] { EXPECT_TRUE(host->forms().find("Welcome")->is_open()); }},
         {40231, nothing, status("The manual is not installed")},
         {40232, nothing, status("The manual is not installed")},
         {40233, nothing, option(shell_state.monitor_f12, 40233, true)},

@@ -64,6 +64,7 @@ protected:
 
     /// The user's answers come after the calls that ask for them, as on a host that cannot block.
     bool later = false;
+    std::string program_directory;
 
 private:
     void renew() {
@@ -72,6 +73,7 @@ private:
         options.refresh_rate = 60;
         options.settings_path = SETTINGS;
         options.data_directory = "data";
+        options.program_directory = program_directory;
         install_host(options);
         host->answer_later(later);
         reset_program_options();
