@@ -1,7 +1,7 @@
 /// BASIC as text and as tokenized files: what comes out of one way goes the other way and back to
 /// the same bytes.
 
-#include "tools/basic_tokens.h"
+#include "media/basic/basic_tokens.h"
 
 #include "support/input.h"
 

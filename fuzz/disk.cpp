@@ -1,6 +1,7 @@
 /// Disk images of every size that selects a layout, through the image module and through the
 /// controller's registers.
 
+#include "media/disk_system.h"
 #include "media/files/drive_files.h"
 #include "support/fake_host.h"
 #include "support/files.h"
@@ -57,6 +58,17 @@ void turn_sectors() {
     }
 }
 
+void list_files() {
+    std::string problem;
+    const auto disk = disk_mount(wd1771_disk(0), problem);
+    if (!disk) return;
+    for (const DiskFile& file : disk_files(*disk)) {
+        const auto bytes = disk_contents(*disk, file);
+        require(bytes.has_value() == file.whole, "a whole file can be read");
+        require(!bytes || bytes->size() == file.bytes, "and has its size");
+    }
+}
+
 /// One byte is the register, the direction and the time that passes; a written one follows.
 void use_controller(Input& input) {
     constexpr int64_t TIME = 20'000; ///< cycles; two of them move a head
@@ -87,6 +99,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
             "what is attached is in the drive");
     if (flags & 1) turn_sectors();
     turn_sector(input.dword(), input.dword());
+    list_files();
     use_controller(input);
     const std::vector<uint8_t> image = wd1771_disk(0).image;
     require(diskimg_detach(0, (flags & 2) != 0) == 1, "it is written back");

@@ -3,6 +3,8 @@
 
 #include "media/tape.h"
 #include "media/files/cassette_files.h"
+#include "media/program_outline.h"
+#include "media/tape_audio.h"
 #include "support/fake_host.h"
 #include "support/files.h"
 #include "support/machine.h"
@@ -57,6 +59,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     require(kind >= TAPE_UNKNOWN && kind <= TAPE_MACHINE_CODE, "the kind has a name");
     tape_cas_skip_header();
     read_all(size);
+    for (const TapeProgram& program : tape_programs({data, size})) {
+        require(program.start < size && program.bytes <= size, "it lies on the tape");
+        tape_seek(uint32_t(program.start));
+        tape_read_one_byte();
+    }
     tape_cas_rewind();
     read_by_traps();
     if (is_tokenized_bas(NAME)) {

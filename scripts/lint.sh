@@ -14,6 +14,7 @@ cat >build/layers <<'LAYERS'
 wall
 firmware
 files
+media/basic
 z80
 cgenie/memory
 cgenie/typing

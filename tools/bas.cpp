@@ -1,7 +1,7 @@
 /// tarvelin-bas: converts programs of the machine's BASIC between text and tokenized files.
 #include "files/unfinished_writes.h"
 #include "files/whole_file.h"
-#include "tools/basic_tokens.h"
+#include "media/basic/basic_tokens.h"
 #include "tools/host_files.h"
 
 #include <cstdio>

@@ -2,8 +2,8 @@
 #include "files/file_names.h"
 #include "files/unfinished_writes.h"
 #include "files/whole_file.h"
+#include "media/basic/basic_tokens.h"
 #include "media/disk_system.h"
-#include "tools/basic_tokens.h"
 #include "tools/host_files.h"
 
 #include <algorithm>

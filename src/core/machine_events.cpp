@@ -111,6 +111,7 @@ int perform(const machine_event& event) {
     case event_kind::tape_out: tape_take_out(); break;
     case event_kind::tape_make_room: tape_make_room(); break;
     case event_kind::tape_rewind: tape_rewind(); break;
+    case event_kind::tape_seek: tape_seek(uint32_t(a)); break;
     case event_kind::tape_motor: tape_set_motor(a, z80_state.t_count); break;
     case event_kind::tape_level: tape_set_compare_level(a); break;
     case event_kind::tape_inversion: tape_set_signal_invert(a); break;
@@ -237,8 +238,6 @@ void give_input(machine_input& input) {
 
 save_answer give_save() { return save_answer(answer_or(event_kind::save_reply, SAVE_REFUSED)); }
 
-bool is_answer(event_kind kind) { return kind >= event_kind::fragments; }
-
 /// Runs the machine to the point at which event number `target` came, and applies it.
 void run_to(size_t target) {
     const machine_event& event = replay.log->events[target];
@@ -336,7 +335,8 @@ bool machine_event_is_possible(const machine_event& event) {
         return event.b == ROM_BY_REFERENCE || (size ? int64_t(size) == a : is_between(-1, a, 0));
     case event_kind::input: return size == sizeof(machine_input);
     case event_kind::save_reply: return is_between(int32_t(SAVE_REFUSED), a, int32_t(SAVE_FAILED));
-    default: return event.kind <= event_kind::save_reply;
+    case event_kind::tape_seek: return a >= 0;
+    default: return event.kind <= event_kind::last;
     }
 }
 

@@ -64,8 +64,19 @@ enum class event_kind : uint8_t {
     written,
     rom_bytes,
     input,
-    save_reply
+    save_reply,
+    // Files hold these numbers: what came later stands here, whatever it does.
+    tape_seek, ///< `a` as tape_seek takes it
+    last = tape_seek
 };
+/// Whether machine_apply does it.
+constexpr bool is_act(event_kind kind) {
+    return kind < event_kind::frame_end || kind > event_kind::save_reply;
+}
+/// Whether it is an answer of the host.
+constexpr bool is_answer(event_kind kind) {
+    return kind >= event_kind::fragments && kind <= event_kind::save_reply;
+}
 
 struct machine_event {
     event_kind kind = event_kind::moment;

@@ -139,6 +139,8 @@ int tape_cas_is_attached() { return cassette.attached; }
 
 void tape_cas_rewind() { cassette.position = 0; }
 
+void tape_cas_seek(uint64_t place) { cassette.position = std::min<uint64_t>(place, cas.size()); }
+
 int tape_type(std::span<const uint8_t> image, char* name) { return kind_of_tape({image}, name); }
 
 int tape_cas_type(char* name) {

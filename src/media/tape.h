@@ -62,6 +62,8 @@ void tape_make_room();
 int tape_cas_is_attached();
 /// The image to its start; nothing without one.
 void tape_cas_rewind();
+/// The image to this byte, or to its end.
+void tape_cas_seek(uint64_t place);
 /// The kind of tape that an image holds, and the first character of a machine-code program's name.
 int tape_type(std::span<const uint8_t> image, char* name);
 /// The same of the attached image, which is rewound.

@@ -13,6 +13,7 @@
 namespace {
 
 constexpr int64_t NOTHING_SHOWN = -1;
+constexpr uint64_t MS_PER_SECOND = 1000;
 
 // Recorded samples: unsigned, 128 in the middle. The high-pass makes of the square wave at the
 // port the decaying pulses that a real recorder leaves on the tape.
@@ -179,12 +180,21 @@ void compare(int32_t sample) {
 
 // ---- the counter -------------------------------------------------------------------------------
 
+uint64_t present_rate() { return tape_audio.recording ? tape_audio.rate : tape_audio.wav.rate; }
+
+uint64_t samples_passed() {
+    return tape_audio.recording ? tape_audio.position + tape_audio.pending_count
+                                : tape_audio.next_sample;
+}
+
+uint32_t milliseconds(uint64_t samples) {
+    return uint32_t(samples * MS_PER_SECOND / present_rate());
+}
+
 uint32_t counter_seconds() {
-    const bool records = tape_audio.recording != 0;
-    const uint64_t rate = records ? tape_audio.rate : tape_audio.wav.rate;
-    const uint64_t bits = records ? RECORDED_BITS : tape_audio.wav.bits;
-    const uint64_t samples =
-        records ? tape_audio.position + tape_audio.pending_count : tape_audio.next_sample;
+    const uint64_t rate = present_rate();
+    const uint64_t bits = tape_audio.recording ? RECORDED_BITS : tape_audio.wav.bits;
+    const uint64_t samples = samples_passed();
     return uint32_t(((samples * bits + rate / 2) / rate + bits / 2) / bits);
 }
 
@@ -269,16 +279,32 @@ int tape_is_rolling() { return tape_audio.rolling; }
 int tape_wav_is_open() { return tape_audio.playing | tape_audio.recording; }
 
 void tape_rewind() {
+    tape_seek(0);
+    if (tape_wav_is_open()) StatusBarText("Tape rewound.");
+}
+
+void tape_seek(uint32_t place) {
     // What the running tape still has to record belongs where it stands.
     tape_set_motor(0, z80_state.t_count);
     if (tape_wav_is_open()) {
-        tape_audio.next_sample = 0;
-        tape_audio.position = 0;
+        const uint64_t sample = uint64_t(place) * present_rate() / MS_PER_SECOND;
+        tape_audio.next_sample = std::min(sample, tape_audio.wav.samples);
+        tape_audio.position = std::min(sample, tape_audio.length);
         show_counter();
-        StatusBarText("Tape rewound.");
     }
-    tape_cas_rewind();
+    if (cassette.attached) tape_cas_seek(place);
     tape_audio.tape_last_read_cycle = z80_state.t_count;
+}
+
+uint32_t tape_place() {
+    if (!tape_wav_is_open()) return uint32_t(cassette.position);
+    return milliseconds(samples_passed());
+}
+
+uint32_t tape_length() {
+    if (!tape_wav_is_open()) return uint32_t(cas.size());
+    return milliseconds(tape_audio.recording ? std::max(tape_audio.length, samples_passed())
+                                             : tape_audio.wav.samples);
 }
 
 void tape_set_motor(int on, int64_t cycles) {

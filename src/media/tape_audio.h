@@ -77,6 +77,12 @@ int tape_is_rolling();
 /// Stops the motor and rewinds the WAV file and the cassette image. Recording then starts over the
 /// old samples.
 void tape_rewind();
+/// Stops the motor and winds the tape to a place, or to its end: the cassette image to that byte,
+/// the WAV file to that millisecond. Recording goes on there over the old samples.
+void tape_seek(uint32_t place);
+/// Where the tape stands, and how long it is, in the units of tape_seek; 0 without one.
+uint32_t tape_place();
+uint32_t tape_length();
 /// Starts (1) or stops (0) the motor at processor cycle `cycles`.
 void tape_set_motor(int on, int64_t cycles);
 

@@ -15,6 +15,10 @@ struct wav_format {
     uint32_t unused = 0;
 };
 
+uint64_t wav_sample_bytes(const wav_format& wav); ///< with all its channels
+/// The sample of these bytes of the file: 0 to 255 of an 8-bit file, -32768 to 32767 of a 16-bit
+/// one.
+int32_t wav_value(const wav_format& wav, const uint8_t* at);
 /// Sample `index`: 0 to 255 of an 8-bit file, -32768 to 32767 of a 16-bit one. Behind the end it is
 /// the highest value. Where the file has become unreadable or shorter, `samples` shrinks.
 int32_t wav_sample(wav_format& wav, uint64_t index);

@@ -16,14 +16,12 @@ namespace {
 constexpr uint8_t SAME_CYCLE = 0x80; ///< as the event before
 constexpr uint8_t AS_USUAL = 0x40;   ///< nothing more to say
 constexpr uint8_t KIND = 0x3F;
-constexpr auto LAST_KIND = uint8_t(event_kind::save_reply);
+constexpr auto LAST_KIND = uint8_t(event_kind::last);
 static_assert(LAST_KIND <= KIND);
 
 constexpr int64_t LONGEST_JITTER = 64; ///< cycles by which the lengths of frames differ
 
-bool has_pc(event_kind kind) {
-    return kind < event_kind::fragments && kind != event_kind::frame_end;
-}
+bool has_pc(event_kind kind) { return is_act(kind) || kind == event_kind::moment; }
 
 /// Frames end at regular times, and usually a fragment with them.
 bool is_periodic(event_kind kind) {

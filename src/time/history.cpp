@@ -73,14 +73,14 @@ bool tells_others = false; ///< of another state, which the history itself has m
 
 // ---- keeping -----------------------------------------------------------------------------------
 
-bool is_act(const machine_event& event) {
-    return event.kind < event_kind::frame_end && event.kind != event_kind::tape_moves;
+bool acts(const machine_event& event) {
+    return is_act(event.kind) && event.kind != event_kind::tape_moves;
 }
 
 void append(const machine_event& event) {
     History& now = *history;
     now.events.append(event);
-    if (is_act(event)) now.acted = true;
+    if (acts(event)) now.acted = true;
     // Part of the line engine's last picture stays in the beam's first one.
     if (event.kind == event_kind::engine) now.lone_state = true;
 }

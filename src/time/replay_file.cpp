@@ -12,7 +12,7 @@
 namespace {
 
 constexpr std::string_view MARK = "Tarvelin replay\n";
-constexpr uint16_t FORMAT_VERSION = 1;
+constexpr uint16_t FORMAT_VERSION = 2; ///< 1: without event_kind::tape_seek
 /// A second with a new disk in each drive stays below it.
 constexpr uint64_t MOST_EVENT_BYTES = 100 << 20;
 
@@ -186,6 +186,23 @@ bool ReplayWriter::end(int64_t frames) {
 }
 
 // ---- reading -----------------------------------------------------------------------------------
+
+std::optional<int64_t> replay_frames(std::span<const uint8_t> end_of_file) {
+    constexpr size_t HEAD = 5, SUM = 4, LONGEST_NUMBER = 10;
+    for (size_t size = 1; size <= LONGEST_NUMBER; ++size) {
+        const size_t all = HEAD + size + SUM;
+        if (end_of_file.size() < all) return {};
+        const auto chunk = end_of_file.last(all);
+        ByteReader reader(chunk);
+        const auto kind = char(reader.byte());
+        if (kind != 'Z' || reader.word32() != size) continue;
+        const uint64_t frames = reader.number();
+        if (reader.word32() == crc32_of(chunk.first(HEAD + size)) && reader.good()) {
+            return int64_t(frames);
+        }
+    }
+    return {};
+}
 
 std::string ReplayReader::open(std::span<const uint8_t> bytes) {
     ByteReader head(bytes);

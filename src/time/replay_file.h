@@ -100,5 +100,7 @@ private:
     ByteReader rest_{{}};
     std::string program_version_;
 };
+/// How many frames a file has that ends with these bytes; nothing when it was cut off.
+std::optional<int64_t> replay_frames(std::span<const uint8_t> end_of_file);
 /// The reference that the event has in the place of its ROM image; nothing when it has an image.
 std::optional<replay_rom> rom_reference_of(const machine_event& event);

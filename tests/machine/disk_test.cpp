@@ -1,7 +1,7 @@
 #include "disk_machine.h"
 
 #include "cgenie/memory/memory.h"
-#include "tools/basic_tokens.h"
+#include "media/basic/basic_tokens.h"
 
 #include <random>
 #include <utility>

@@ -6,6 +6,7 @@
 #include "basic_cases.h"
 
 #include "cgenie/memory/memory.h"
+#include "media/basic/basic_tokens.h"
 #include "media/files/cassette_files.h"
 #include "media/files/printer_file.h"
 #include "media/printer.h"
@@ -13,7 +14,6 @@
 #include "support/basic_machine.h"
 #include "support/html_examples.h"
 #include "support/test_files.h"
-#include "tools/basic_tokens.h"
 
 #include <gtest/gtest.h>
 

@@ -67,7 +67,9 @@ void go_on_with_session() {
     switch (below(24)) {
     case 0: machine_apply(disk_in, int32_t(below(2)), 0, shared_bytes(contents(BOOT_DISK))); break;
     case 1: machine_apply(tape_out); break;
-    case 2: machine_apply(tape_rewind); break;
+    case 2:
+        once_in(2) ? machine_apply(tape_rewind) : machine_apply(tape_seek, int32_t(below(30'000)));
+        break;
     case 3: machine_apply(printer, int32_t(below(2))); break;
     case 4:
         if (once_in(20)) machine_apply(once_in(2) ? restart_with_disk_rom : restart);

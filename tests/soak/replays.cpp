@@ -179,7 +179,7 @@ void do_something() {
     const auto drive = int32_t(below(4));
     const auto flag = int32_t(below(2));
     switch (below(27)) {
-    case 0:
+    case 0: machine_apply(tape_seek, int32_t(below(3000))); break;
     case 1: type_something(); break;
     case 2: machine_apply(tape_level, int32_t(below(64))); break;
     case 3: machine_apply(tape_in, 0, 0, random_bytes(1 + below(2000))); break;

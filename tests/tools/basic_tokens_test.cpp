@@ -1,4 +1,4 @@
-#include "tools/basic_tokens.h"
+#include "media/basic/basic_tokens.h"
 
 #include "cgenie/memory/memory.h"
 #include "support/basic_machine.h"

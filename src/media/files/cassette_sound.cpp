@@ -54,6 +54,14 @@ std::string cassette_sound_open(std::span<const uint8_t> tape, FileHandle& file,
     return {};
 }
 
+uint32_t cassette_sound_place(std::span<const uint8_t> tape, size_t byte) {
+    constexpr uint64_t SAMPLES_PER_BYTE = 8 * 2 * HALF_BIT, MS_PER_SECOND = 1000;
+    uint64_t start = 0;
+    cg_get_header_size(tape, &start);
+    const uint64_t bytes = LEADER_BYTES + (byte > start ? byte - start : 0);
+    return uint32_t(bytes * SAMPLES_PER_BYTE * MS_PER_SECOND / RATE);
+}
+
 std::vector<uint8_t> tape_of_file(const std::string& path) {
     const std::string kind = lower_case_extension(path);
     const bool is_basic = kind == "bas";

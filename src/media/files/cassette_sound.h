@@ -15,6 +15,8 @@
 /// Six seconds of leader come first, as time to start the program that reads it; the text at the
 /// start of a CGT file is left out. Returns why that failed, or nothing.
 std::string cassette_sound_open(std::span<const uint8_t> tape, FileHandle& file, wav_format& wav);
+/// Where the byte of the tape begins in that sound, in milliseconds.
+uint32_t cassette_sound_place(std::span<const uint8_t> tape, size_t byte);
 /// The tape of a file that is a cassette image or tokenized BASIC by its extension; empty for any
 /// other file, and for one that cannot be read.
 std::vector<uint8_t> tape_of_file(const std::string& path);

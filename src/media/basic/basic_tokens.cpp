@@ -1,4 +1,4 @@
-#include "tools/basic_tokens.h"
+#include "media/basic/basic_tokens.h"
 
 #include <algorithm>
 #include <array>
