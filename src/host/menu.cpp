@@ -68,12 +68,13 @@ MenuEntry recent_menu() {
 }
 
 MenuEntry file_menu() {
-    return submenu("&File", {item(COMMAND_AUTOSTART), examples_menu(), recent_menu(), SEPARATOR,
-                             item(COMMAND_LOAD_BAS), item(COMMAND_MEMORY_AS_CAS), SEPARATOR,
-                             attach_disk_menu(), detach_disk_menu(), protect_disk_menu(),
-                             item(COMMAND_NEW_DISK), item(COMMAND_NEW_TAPE), SEPARATOR,
-                             item(COMMAND_LOAD_SNAPSHOT), item(COMMAND_SAVE_SNAPSHOT),
-                             media_snapshots_menu(), item(COMMAND_EXIT)});
+    return submenu("&File",
+                   {item(COMMAND_AUTOSTART), examples_menu(), recent_menu(), SEPARATOR,
+                    item(COMMAND_LOAD_BAS), item(COMMAND_MEMORY_AS_CAS), SEPARATOR,
+                    attach_disk_menu(), detach_disk_menu(), protect_disk_menu(),
+                    item(COMMAND_DISK_PANEL), item(COMMAND_NEW_DISK), item(COMMAND_NEW_TAPE),
+                    SEPARATOR, item(COMMAND_LOAD_SNAPSHOT), item(COMMAND_SAVE_SNAPSHOT),
+                    media_snapshots_menu(), item(COMMAND_EXIT)});
 }
 
 MenuEntry time_menu() {
@@ -93,10 +94,11 @@ MenuEntry machine_menu() {
 }
 
 MenuEntry tape_menu() {
-    return submenu("&Tape", {item(COMMAND_ATTACH_CAS), item(COMMAND_DETACH_CAS), SEPARATOR,
-                             item(COMMAND_ATTACH_WAV), item(COMMAND_CREATE_WAV),
-                             item(COMMAND_CLOSE_WAV), item(COMMAND_PLAY_RECORD), SEPARATOR,
-                             item(COMMAND_REWIND), SEPARATOR, item(COMMAND_ADJUST_HEAD)});
+    return submenu("&Tape",
+                   {item(COMMAND_ATTACH_CAS), item(COMMAND_DETACH_CAS), SEPARATOR,
+                    item(COMMAND_ATTACH_WAV), item(COMMAND_CREATE_WAV), item(COMMAND_CLOSE_WAV),
+                    item(COMMAND_PLAY_RECORD), SEPARATOR, item(COMMAND_REWIND),
+                    item(COMMAND_TAPE_PANEL), SEPARATOR, item(COMMAND_ADJUST_HEAD)});
 }
 
 MenuEntry run_ahead_menu() {

@@ -24,9 +24,11 @@
 #include "host/key_map.h"
 #include "host/loaded_program.h"
 #include "host/machine_callbacks.h"
+#include "host/media_panels.h"
 #include "host/menu.h"
 #include "host/messages.h"
 #include "host/options.h"
+#include "host/previews.h"
 #include "host/replays.h"
 #include "host/resume.h"
 #include "host/rom_files.h"
@@ -113,6 +115,7 @@ void emu_init(const ShellOptions& options) {
     printer_set_filename(data_directory + "/");
     ui_offer_filter(DIALOG_AUTOSTART,
                     {"All that can be started", patterns_of(ROLE_START) + ";*.zip"});
+    ui_offer_preview(preview_of);
     for (const StartStep step :
          {StartStep::options, StartStep::startup_pattern, StartStep::picture, StartStep::disks}) {
         read_options(step);
@@ -158,6 +161,7 @@ void emu_close(std::function<void()> done) {
     }
     ui_free_forms();
     end_welcome();
+    media_panels_end();
     end_replays();
     const bool goes_on = resume_keep_now();
     printer_close();

@@ -13,6 +13,7 @@
 #include "host/film_bar.h"
 #include "host/key_map.h"
 #include "host/main_window.h"
+#include "host/media_panels.h"
 #include "host/menu.h"
 #include "host/messages.h"
 #include "host/options.h"
@@ -221,6 +222,7 @@ ShellTurn main_turn() {
     attachments_settle();
     if (std::exchange(turn.menu_closed, false)) leave_menu();
     handle_messages();
+    media_panels_turn(is_halted());
     if (const int64_t left = rest_left()) return {.next = in_time, .microseconds = left};
     if (turn.after_rest) {
         std::exchange(turn.after_rest, nullptr)();

@@ -108,10 +108,7 @@ void read_machine_code(Reader& tape, TapeProgram& program) {
         program.damage = "the checksum of a block is wrong";
     }
     // Another byte than the mark of the entry: what follows is loaded by the program itself.
-    if (tape.peek() == TAPE_ENTRY) {
-        tape.skip(1);
-        program.entry = tape.word();
-    }
+    if (tape.byte() == TAPE_ENTRY) program.entry = tape.word();
     if (tape.ran_out() && program.damage.empty()) {
         program.damage = "the tape ends inside the machine-code program";
     }

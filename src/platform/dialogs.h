@@ -25,6 +25,9 @@ struct FileDialog {
     int filter_index = 0; ///< chosen when the dialog opens
     bool save = false;    ///< and asks before a file is replaced
     std::vector<FileDialogField> fields = {};
+    /// Lines about the file with this path, for a panel beside the list of files; it is asked for
+    /// whenever another one is marked. Not every desktop's dialog has such a panel.
+    std::function<std::vector<std::string>(const std::string& path)> preview = {};
 };
 
 struct FileChoice {

@@ -32,6 +32,9 @@ enum class ControlKind : uint8_t {
     /// The same, but a click, Enter and the space bar press it, and none is chosen. Tab leads to
     /// one of them, the arrow keys to the others.
     picture_button,
+    /// Rows of cells under `headings`; each of `items` has a tab before each further cell. One row
+    /// is chosen, and Enter or a double click activates it. It has the focus when the form opens.
+    table,
     check,
     list, ///< one of `items`
     /// The same in a box that shows several of them and scrolls. A tab in an item begins its second
@@ -70,6 +73,8 @@ struct FormControl {
     std::vector<FormControl> children = {};
     FormPicture picture = {};
     Size picture_area = {}; ///< which it is stretched to fill, or which stays empty
+    std::vector<std::string> headings = {};
+    Size table_area = {}; ///< of a table: characters across, and rows that are seen
 };
 
 /// The controls from top to bottom. Tab follows the order of description.
@@ -84,9 +89,10 @@ struct FormEvent {
     enum class Kind : uint8_t {
         changed, ///< value or text of the control; of radio buttons and pictures, of the one chosen
         pressed, ///< a button, also one with a picture
-        closed,  ///< the window's close button; no control
-        ticked,  ///< time passes while the form is open; no control
-        key      ///< that Form::await_key has asked for; no control
+        activated, ///< a row of a table
+        closed,    ///< the window's close button; no control
+        ticked,    ///< time passes while the form is open; no control
+        key        ///< that Form::await_key has asked for; no control
     };
     Kind kind = Kind::changed;
     int control = 0;
@@ -100,16 +106,18 @@ constexpr int FORM_CLOSED = 0; ///< in place of a button: the window's close but
 struct Form {
     virtual ~Form() = default;
 
-    /// Radio button, picture and check box: 0 or 1. Lists: the number of the item, -1 without one.
+    /// Radio button, picture and check box: 0 or 1. Lists and table: the number of the item, -1
+    /// without one.
     /// Combo: of the item with the field's text. Slider: the position, kept within its range.
     virtual int value(int id) = 0;
     virtual void set_value(int id, int value) = 0;
-    /// Text field: what stands in it, cut at its limit. Lists: the text of the item, which cannot
-    /// be set. Other controls: the text of the description.
+    /// Text field: what stands in it, cut at its limit. Lists and table: the text of the item,
+    /// which cannot be set. Other controls: the text of the description.
     virtual std::string text(int id) = 0;
     virtual void set_text(int id, const std::string& text) = 0;
-    /// Replaces the items of a list, list box or combo. The first item of a list is then chosen;
-    /// the text of a combo stays.
+    /// Replaces the items of a list, list box, table or combo. The first item of a list is then
+    /// chosen; the text of a combo stays, and the number of a table's row as long as there are so
+    /// many.
     virtual void set_items(int id, const std::vector<std::string>& items) = 0;
     /// Another picture, or an empty one; nothing for other controls.
     virtual void set_picture(int id, const FormPicture& picture) = 0;

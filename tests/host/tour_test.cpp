@@ -345,6 +345,8 @@ std::vector<Stop> TourTest::stops() {
          [] { EXPECT_TRUE(load_can_be_undone()); }},
         {40271, chosen("work"), status("Disk: 2 side(s), 40 tracks, 10 sectors, 100 kb.")},
         {40272, chosen("work"), status("The next CSAVE goes to work.cas")},
+        {40277, nothing, [this] { EXPECT_TRUE(host->forms().find("Cassette")->is_open()); }},
+        {40278, nothing, [this] { EXPECT_TRUE(host->forms().find("Disk directory")->is_open()); }},
         {40206, chosen("saved"), [] { EXPECT_TRUE(fs::exists("saved.tvs")); }},
         {40212, nothing, option(shell_state.resume, 40212, true)},
     };

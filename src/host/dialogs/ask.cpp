@@ -19,6 +19,14 @@ void show_message(const std::string& title, const std::string& text, MessageIcon
     platform().dialogs().message(title, text, icon, release_shell);
 }
 
+void show_beside_window(Form& form) {
+    Window& window = platform().window();
+    const Rectangle owner = window.outer_rectangle();
+    const bool fits = owner.right + form.size().width < window.screen_size().width;
+    form.move(fits ? owner.right + 1 : owner.left, owner.top);
+    form.show();
+}
+
 void run_form(const std::shared_ptr<Form>& form, std::function<void(int)> done) {
     const std::function<void(int)> answered = [form, done = std::move(done)](int closing_id) {
         done(closing_id);

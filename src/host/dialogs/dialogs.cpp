@@ -85,6 +85,7 @@ const std::map<int, FileDialogText>& dialog_types() {
 
 std::array<int, DIALOG_TYPES> filter_index = {};
 std::map<int, FileFilter> offered_filters; ///< by type
+decltype(FileDialog::preview) offered_preview;
 
 /// What the address panel offers: the range of the BASIC program, and as the start address that of
 /// the NMI, which the reset key raises.
@@ -176,6 +177,7 @@ void ui_select_file(int type, PathChoice done) {
     if (const auto offered = offered_filters.find(type); offered != offered_filters.end()) {
         dialog.filters.insert(dialog.filters.end() - 1, offered->second);
     }
+    if (!save) dialog.preview = offered_preview;
     const auto chosen = [=, done = std::move(done)](const std::optional<FileChoice>& choice) {
         if (!choice) return done({});
         if (with_panel) std::copy_n(choice->field_texts.begin(), sMyData.size(), sMyData.begin());
@@ -187,6 +189,10 @@ void ui_select_file(int type, PathChoice done) {
 }
 
 void ui_offer_filter(int type, const FileFilter& filter) { offered_filters[type] = filter; }
+
+void ui_offer_preview(std::function<std::vector<std::string>(const std::string&)> preview) {
+    offered_preview = std::move(preview);
+}
 
 void ui_show_text(const std::string& title, const std::string& text, std::function<void()> done) {
     using enum ControlKind;

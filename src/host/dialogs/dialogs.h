@@ -7,6 +7,7 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <vector>
 
 /// Numbers of the file dialogs.
 enum FileDialogType : int {
@@ -44,6 +45,8 @@ void ui_select_file(int type, PathChoice done);
 /// Adds a filter to the dialogs of this type, in front of the one for all files; a second call
 /// replaces it.
 void ui_offer_filter(int type, const FileFilter& filter);
+/// What the dialogs that open files show beside a file that is marked, see FileDialog::preview.
+void ui_offer_preview(std::function<std::vector<std::string>(const std::string& path)> preview);
 /// Shows lines of text in a box of their own.
 void ui_show_text(const std::string& title, const std::string& text,
                   std::function<void()> done = {});

@@ -1,4 +1,5 @@
 #include "cgenie/palette.h"
+#include "host/dialogs/ask.h"
 #include "host/dialogs/dialogs.h"
 #include "platform/platform.h"
 
@@ -93,14 +94,6 @@ void user_acts(Form& form, const FormEvent& event) {
     palette_changed();
 }
 
-/// To the right of the main window when there is room.
-void place(Form& form) {
-    Window& window = platform().window();
-    const Rectangle owner = window.outer_rectangle();
-    const bool fits = owner.right + form.size().width < window.screen_size().width;
-    form.move(fits ? owner.right + 1 : owner.left, owner.top);
-}
-
 } // namespace
 
 void ui_display_setup(std::function<void()> changed) {
@@ -108,8 +101,7 @@ void ui_display_setup(std::function<void()> changed) {
     if (!mWnd) mWnd = platform().forms().create(video_form(), user_acts);
     if (!mWnd->is_open()) display_params_copy = display_params;
     show_parameters(*mWnd);
-    place(*mWnd);
-    mWnd->show();
+    show_beside_window(*mWnd);
 }
 
 void ui_free_forms() { mWnd.reset(); }

@@ -9,8 +9,9 @@ bool is_text_field(const FormControl& control) {
     return control.kind == ControlKind::edit || control.kind == ControlKind::combo;
 }
 
-bool is_list(const FormControl& control) {
-    return control.kind == ControlKind::list || control.kind == ControlKind::list_box;
+bool has_rows(const FormControl& control) {
+    return control.kind == ControlKind::list || control.kind == ControlKind::list_box ||
+           control.kind == ControlKind::table;
 }
 
 bool is_button(const FormControl& control) {
@@ -42,7 +43,7 @@ void HeadlessForm::add(const std::vector<FormControl>& controls) {
             Control& added = controls_[control.id];
             added.described = control;
             added.described.children.clear();
-            if (is_list(control)) set_items(control.id, control.items);
+            if (has_rows(control)) set_items(control.id, control.items);
             if (control.kind == ControlKind::slider) added.value = control.lowest;
             if (is_text_field(control)) set_text(control.id, control.text);
         }
@@ -76,7 +77,8 @@ void HeadlessForm::set_value(int id, int value) {
         return;
     case ControlKind::check: control->value = value != 0; return;
     case ControlKind::list:
-    case ControlKind::list_box: control->value = has_item(described, value) ? value : -1; return;
+    case ControlKind::list_box:
+    case ControlKind::table: control->value = has_item(described, value) ? value : -1; return;
     case ControlKind::combo:
         return set_text(id, has_item(described, value) ? described.items[size_t(value)] : "");
     case ControlKind::slider:
@@ -90,7 +92,7 @@ std::string HeadlessForm::text(int id) {
     const Control* control = find(id);
     if (!control) return {};
     const FormControl& described = control->described;
-    if (!is_list(described)) return described.text;
+    if (!has_rows(described)) return described.text;
     return has_item(described, control->value) ? described.items[size_t(control->value)] : "";
 }
 
@@ -106,7 +108,8 @@ void HeadlessForm::set_items(int id, const std::vector<std::string>& items) {
     Control* control = find(id);
     if (!control) return;
     control->described.items = items;
-    control->value = items.empty() ? -1 : 0;
+    const bool stays = control->described.kind == ControlKind::table;
+    control->value = std::min(stays ? std::max(control->value, 0) : 0, int(items.size()) - 1);
 }
 
 void HeadlessForm::set_picture(int id, const FormPicture& picture) {
@@ -154,6 +157,11 @@ void HeadlessForm::type(int id, const std::string& text) {
     if (!user_reaches(id) || !is_text_field(find(id)->described)) return;
     set_text(id, text);
     handler_(*this, {FormEvent::Kind::changed, id});
+}
+
+void HeadlessForm::activate(int id) {
+    if (!user_reaches(id) || value(id) < 0) return;
+    handler_(*this, {FormEvent::Kind::activated, id});
 }
 
 void HeadlessForm::press(int id) {

@@ -39,6 +39,7 @@ public:
 
     // The user, who cannot do anything to a disabled control or a closed form.
     void choose(int id, int value); ///< radio button, picture, check box, item, slider position
+    void activate(int id);          ///< the chosen row of a table
     void type(int id, const std::string& text); ///< in place of what the field holds
     void press(int id);
     bool press_key(uint8_t key); ///< false when the form does not await one

@@ -1,5 +1,6 @@
 #include "platform/qt/qt_dialogs.h"
 
+#include "platform/qt/qt_preview.h"
 #include "platform/qt/qt_room.h"
 #include "platform/qt/qt_text.h"
 
@@ -219,6 +220,7 @@ std::optional<FileChoice> QtDialogs::ask_for_file(const FileDialog& dialog) {
         QObject::connect(&box, &QFileDialog::filterSelected, &box, take_extension);
     }
     const std::vector<QLineEdit*> edits = add_fields(box, dialog.fields);
+    add_preview(box, dialog);
     fit_file_dialog(box);
     if (box.exec() != QDialog::Accepted || box.selectedFiles().isEmpty()) return std::nullopt;
     FileChoice choice{path_from_qt(box.selectedFiles().first()), chosen_filter()};

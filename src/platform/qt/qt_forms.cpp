@@ -3,6 +3,7 @@
 #include "platform/qt/qt_list_box.h"
 #include "platform/qt/qt_picture_button.h"
 #include "platform/qt/qt_room.h"
+#include "platform/qt/qt_table.h"
 #include "platform/qt/qt_text.h"
 
 #include <QApplication>
@@ -162,6 +163,7 @@ private:
     QWidget* make_text_view(const FormControl& described, QWidget& parent);
     QWidget* make_list(const FormControl& described, QWidget& parent);
     QWidget* make_list_box(const FormControl& described, QWidget& parent);
+    QWidget* make_table(const FormControl& described, QWidget& parent);
     QWidget* make_edit(const FormControl& described, QWidget& parent);
     QWidget* make_slider(const FormControl& described, QWidget& parent);
     void enter_tab_order(QWidget& widget);
@@ -184,6 +186,7 @@ private:
     QTimer timer_;
     QButtonGroup radios_, pictures_, picture_buttons_;
     std::map<int, QWidget*> controls_;
+    QtTable* table_ = nullptr; ///< the last one
     QWidget* first_in_tab_order_ = nullptr;
     QWidget* last_in_tab_order_ = nullptr;
     QPushButton* default_ = nullptr;
@@ -339,6 +342,7 @@ QWidget* QtForm::make(const FormControl& described, QWidget& parent, Naming& nam
     case ControlKind::list_box: widget = make_list_box(described, parent); break;
     case ControlKind::list:
     case ControlKind::combo: widget = make_list(described, parent); break;
+    case ControlKind::table: widget = make_table(described, parent); break;
     case ControlKind::edit: widget = make_edit(described, parent); break;
     case ControlKind::slider: widget = make_slider(described, parent); break;
     case ControlKind::picture:
@@ -490,6 +494,16 @@ QWidget* QtForm::make_list_box(const FormControl& described, QWidget& parent) {
     return box;
 }
 
+QWidget* QtForm::make_table(const FormControl& described, QWidget& parent) {
+    const auto [width, rows] = described.table_area;
+    auto* table =
+        std::make_unique<QtTable>(&parent, described.headings, QSize(width, rows)).release();
+    table->set_rows(described.items);
+    table->on_choice = raiser(described.id);
+    table->on_activation = [this, id = described.id] { raise(FormEvent::Kind::activated, id); };
+    return table_ = table;
+}
+
 QWidget* QtForm::make_edit(const FormControl& described, QWidget& parent) {
     auto* edit = child_of<QLineEdit>(parent);
     if (described.limit) edit->setMaxLength(described.limit);
@@ -518,10 +532,10 @@ void QtForm::enter_tab_order(QWidget& widget) {
     last_in_tab_order_ = &widget;
 }
 
-/// Gives the focus to the first control. Of radio buttons and pictures that is the chosen one, or
-/// the arrow keys would start at another.
+/// Gives the focus to the table, or to the first control. Of radio buttons and pictures that is the
+/// chosen one, or the arrow keys would start at another.
 void QtForm::focus_first() {
-    QWidget* first = first_in_tab_order_;
+    QWidget* first = table_ ? static_cast<QWidget*>(table_) : first_in_tab_order_;
     const auto* radio = qobject_cast<QRadioButton*>(first);
     if (radio && radio->group()->checkedButton()) first = radio->group()->checkedButton();
     if (first) first->setFocus();
@@ -531,6 +545,7 @@ int QtForm::value(int id) {
     if (const auto* button = control<QAbstractButton>(id)) return button->isChecked();
     if (const auto* slider = control<QSlider>(id)) return slider->value();
     if (const auto* box = control<QtListBox>(id)) return box->item();
+    if (const auto* table = control<QtTable>(id)) return table->row();
     const auto* list = control<QComboBox>(id);
     if (!list) return 0;
     return list->isEditable() ? list->findText(list->currentText()) : list->currentIndex();
@@ -540,6 +555,7 @@ void QtForm::set_value(int id, int value) {
     if (auto* button = control<QAbstractButton>(id)) button->setChecked(value != 0);
     if (auto* list = control<QComboBox>(id)) list->setCurrentIndex(value);
     if (auto* box = control<QtListBox>(id)) box->choose(value);
+    if (auto* table = control<QtTable>(id)) table->choose(value);
     if (auto* slider = control<QSlider>(id)) {
         const QSignalBlocker silent(slider);
         slider->setValue(value);
@@ -551,6 +567,7 @@ std::string QtForm::text(int id) {
     if (const auto* edit = control<QLineEdit>(id)) text = edit->text();
     if (const auto* list = control<QComboBox>(id)) text = list->currentText();
     if (const auto* box = control<QtListBox>(id)) text = box->text();
+    if (const auto* table = control<QtTable>(id)) text = table->text();
     if (const auto* label = control<QLabel>(id)) text = label->text();
     if (const auto* button = control<QAbstractButton>(id)) text = button->text();
     if (const auto* picture = control<QtPictureButton>(id)) text = picture->caption();
@@ -574,6 +591,7 @@ void QtForm::set_text(int id, const std::string& text) {
 
 void QtForm::set_items(int id, const std::vector<std::string>& items) {
     if (auto* box = control<QtListBox>(id)) box->set_items(items);
+    if (auto* table = control<QtTable>(id)) table->set_rows(items);
     auto* list = control<QComboBox>(id);
     if (!list) return;
     const QString before = list->currentText();

@@ -1,0 +1,48 @@
+#include "platform/qt/qt_preview.h"
+
+#include "platform/qt/qt_text.h"
+
+#include <QFontDatabase>
+#include <QPlainTextEdit>
+#include <QSplitter>
+
+#include <algorithm>
+#include <memory>
+
+namespace {
+
+constexpr int WIDTH = 34; ///< characters of a line
+constexpr int LIST_WIDTH = 46;
+constexpr int LEAST_WIDTH = 16;
+constexpr int SIDEBAR_WIDTH = 14;
+
+} // namespace
+
+void add_preview(QFileDialog& box, const FileDialog& dialog) {
+    auto* splitter = box.findChild<QSplitter*>("splitter");
+    if (!dialog.preview || !splitter) return;
+    auto* panel = std::make_unique<QPlainTextEdit>().release();
+    panel->setReadOnly(true);
+    panel->setTabChangesFocus(true);
+    panel->setLineWrapMode(QPlainTextEdit::NoWrap);
+    panel->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    panel->setAccessibleName("What is in the file");
+    panel->setPlaceholderText("What is in the file\nthat is marked");
+    const int character = panel->fontMetrics().horizontalAdvance('0');
+    panel->setMinimumWidth(character * LEAST_WIDTH);
+    splitter->addWidget(panel); // owns the panel now
+    splitter->setCollapsible(splitter->indexOf(panel), false);
+    const QList<int> widths = {character * SIDEBAR_WIDTH, character * LIST_WIDTH,
+                               character * WIDTH};
+    box.resize(character * (SIDEBAR_WIDTH + LIST_WIDTH + WIDTH + 4),
+               std::max(box.height(), box.sizeHint().height()));
+    splitter->setSizes(widths);
+    QObject::connect(&box, &QFileDialog::currentChanged, panel,
+                     [panel, preview = dialog.preview](const QString& path) {
+                         QStringList lines;
+                         for (const std::string& line : preview(path_from_qt(path))) {
+                             lines += to_qt(line);
+                         }
+                         panel->setPlainText(lines.join('\n'));
+                     });
+}
