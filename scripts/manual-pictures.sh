@@ -84,8 +84,9 @@ listing bell 60 $'n\nw\ntake lamp\ntake bread\nhelp\n'
 listing sketch 60 ' '
 listing glyphs 60
 
-start_server 1024x768x24
+start_server 1280x1024x24
 start_window_manager
+xdotool mousemove 0 0 # marks nothing
 
 settings 'KeyMapping = 1'
 start_program
@@ -131,6 +132,12 @@ xdotool key alt+q
 dialog=$(find_window 'Machine configuration')
 xdotool key alt+c space # two controls have that letter: it only leads there
 picture configuration "$dialog"
+xdotool key Escape
+
+xdotool key alt+o
+sleep 0.3
+xdotool key p
+picture pad "$(find_window 'Game pad keys')"
 xdotool key Escape
 
 for _ in 1 2 3; do
