@@ -88,6 +88,17 @@ start_server 1280x1024x24
 start_window_manager
 xdotool mousemove 0 0 # marks nothing
 
+: >config/tarvelin/settings.toml
+start_program
+sleep 4
+dialog=$(find_window Welcome)
+xdotool windowfocus --sync "$dialog"
+xdotool key alt+t # as is recommended
+picture welcome "$dialog"
+xdotool key Escape
+kill "$program_pid"
+wait "$program_pid"
+
 settings 'KeyMapping = 1'
 start_program
 sleep 5 # MEM SIZE? is answered
