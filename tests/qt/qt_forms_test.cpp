@@ -51,7 +51,7 @@ class QtFormsTest : public OffscreenTest {
 protected:
     std::unique_ptr<Form> make() {
         return host->forms().create(everything(), [this](Form&, const FormEvent& event) {
-            heard += "cpx"[int(event.kind)] + std::to_string(event.control) + " ";
+            heard += "cpax"[int(event.kind)] + std::to_string(event.control) + " ";
         });
     }
     static QDialog* shown() {
@@ -201,7 +201,7 @@ TEST_F(QtFormsTest, PicturesAreChosenWithArrowsAndTakenWithEnterOrADoubleClick) 
     const auto form = host->forms().create(
         {"Pictures", {pictures, {.kind = default_button, .id = OK, .text = "OK"}}},
         [this](Form&, const FormEvent& event) {
-            heard += "cpx"[int(event.kind)] + std::to_string(event.control) + " ";
+            heard += "cpax"[int(event.kind)] + std::to_string(event.control) + " ";
         });
     form->set_value(1, 1);
     form->set_picture(4, {2, 1, {0xFF0000, 0x0000FF}});
@@ -233,6 +233,11 @@ TEST_F(QtFormsTest, AKeyThatIsAwaitedComesFromAnyControlAndDoesNothingElse) {
     const auto form = host->forms().create(
         {"Keys",
          {{.kind = list_box, .id = MODEL, .name = "Inputs", .items = {"A\tone", "B\ttwo"}},
+          {.kind = table,
+           .id = 50,
+           .name = "Files",
+           .items = {"A\t1", "B\t22"},
+           .headings = {"Name", "Bytes"}},
           {.kind = cancel_button, .id = CANCEL, .text = "Cancel"}},
          5},
         [&](Form&, const FormEvent& event) {
@@ -241,6 +246,11 @@ TEST_F(QtFormsTest, AKeyThatIsAwaitedComesFromAnyControlAndDoesNothingElse) {
                      std::to_string(event.key) + " ";
         });
     form->show();
+    EXPECT_EQ(shown()->focusWidget(), reach("Files"));
+    key(reach("Files"), Qt::Key_Down);
+    key(reach("Files"), Qt::Key_Return);
+    form->set_items(50, {"C\t3", "D\t4", "E\t5"});
+    EXPECT_EQ(take_heard() + form->text(50), "0.50.0 2.50.0 D\t4");
     QWidget* box = reach("Inputs");
     key(box, Qt::Key_Down);
     EXPECT_EQ(take_heard() + form->text(MODEL), "0.3.0 B\ttwo");
@@ -248,7 +258,7 @@ TEST_F(QtFormsTest, AKeyThatIsAwaitedComesFromAnyControlAndDoesNothingElse) {
          {std::pair{Qt::Key_Up, "38"}, {Qt::Key_Escape, "27"}, {Qt::Key_Tab, "9"}}) {
         form->await_key();
         key(box, code);
-        EXPECT_EQ(take_heard(), std::string("4.0.") + heard_key + " ");
+        EXPECT_EQ(take_heard(), std::string("5.0.") + heard_key + " ");
     }
     EXPECT_TRUE(form->is_open() && form->value(MODEL) == 1 && box->hasFocus());
     form->set_items(MODEL, {"C\tthree"});
@@ -276,7 +286,7 @@ TEST_F(QtFormsTest, PictureButtonsArePressedAndScrollIntoSight) {
     }
     const auto form =
         host->forms().create({"Start", {part}}, [this](Form&, const FormEvent& event) {
-            heard += "cpx"[int(event.kind)] + std::to_string(event.control) + " ";
+            heard += "cpax"[int(event.kind)] + std::to_string(event.control) + " ";
         });
     form->show();
     QWidget* focus = reach("1");

@@ -1,6 +1,5 @@
 #include "platform/qt/qt_forms.h"
 
-#include "platform/qt/qt_list_box.h"
 #include "platform/qt/qt_picture_button.h"
 #include "platform/qt/qt_room.h"
 #include "platform/qt/qt_table.h"
@@ -37,6 +36,7 @@ constexpr int SLIDER_LENGTH = 30;     ///< characters, at least
 constexpr int NOTE_WIDTH = 40;        ///< characters in a line
 constexpr int VIEW_WIDTH = 80;        ///< characters in a line of a text view
 constexpr int VIEW_LINES = 16;
+constexpr QSize LIST_BOX(30, 10);    ///< characters across, items that are seen
 constexpr int WIDEST_FIELD = 40;     ///< characters; fields of longer texts scroll
 constexpr int UNLIMITED_FIELD = 6;   ///< characters
 constexpr int SMALLEST_PICTURE = 40; ///< percent, on a small screen
@@ -488,8 +488,9 @@ QWidget* QtForm::make_list(const FormControl& described, QWidget& parent) {
 }
 
 QWidget* QtForm::make_list_box(const FormControl& described, QWidget& parent) {
-    auto* box = child_of<QtListBox>(parent);
-    box->set_items(described.items);
+    auto* box = std::make_unique<QtTable>(&parent, std::vector<std::string>(), LIST_BOX).release();
+    box->keeps_row = false;
+    box->set_rows(described.items);
     box->on_choice = raiser(described.id);
     return box;
 }
@@ -544,7 +545,6 @@ void QtForm::focus_first() {
 int QtForm::value(int id) {
     if (const auto* button = control<QAbstractButton>(id)) return button->isChecked();
     if (const auto* slider = control<QSlider>(id)) return slider->value();
-    if (const auto* box = control<QtListBox>(id)) return box->item();
     if (const auto* table = control<QtTable>(id)) return table->row();
     const auto* list = control<QComboBox>(id);
     if (!list) return 0;
@@ -554,7 +554,6 @@ int QtForm::value(int id) {
 void QtForm::set_value(int id, int value) {
     if (auto* button = control<QAbstractButton>(id)) button->setChecked(value != 0);
     if (auto* list = control<QComboBox>(id)) list->setCurrentIndex(value);
-    if (auto* box = control<QtListBox>(id)) box->choose(value);
     if (auto* table = control<QtTable>(id)) table->choose(value);
     if (auto* slider = control<QSlider>(id)) {
         const QSignalBlocker silent(slider);
@@ -566,7 +565,6 @@ std::string QtForm::text(int id) {
     QString text;
     if (const auto* edit = control<QLineEdit>(id)) text = edit->text();
     if (const auto* list = control<QComboBox>(id)) text = list->currentText();
-    if (const auto* box = control<QtListBox>(id)) text = box->text();
     if (const auto* table = control<QtTable>(id)) text = table->text();
     if (const auto* label = control<QLabel>(id)) text = label->text();
     if (const auto* button = control<QAbstractButton>(id)) text = button->text();
@@ -590,7 +588,6 @@ void QtForm::set_text(int id, const std::string& text) {
 }
 
 void QtForm::set_items(int id, const std::vector<std::string>& items) {
-    if (auto* box = control<QtListBox>(id)) box->set_items(items);
     if (auto* table = control<QtTable>(id)) table->set_rows(items);
     auto* list = control<QComboBox>(id);
     if (!list) return;
