@@ -110,6 +110,16 @@ sleep 1
 xdotool key End
 picture hello "$window"
 
+cat "$examples"/{bounce,colours,tune}.cas >demos.cas
+xdotool key alt+t
+find_window 'Attach CAS' >/dev/null
+enter "$work/demos.cas"
+xdotool key alt+m
+sleep 0.3
+xdotool key Right s
+picture cassette "$(find_window Cassette)"
+xdotool key Escape
+
 "$build/tools/tarvelin-disk" create games.dsk
 for example in raiders maze catch sketch; do
     "$build/tools/tarvelin-disk" put games.dsk "$examples/$example.bas"
@@ -122,6 +132,10 @@ xdotool key Return # with the disk ROM
 sleep 5
 enter dir
 picture disk "$window"
+xdotool key alt+f
+sleep 0.3
+xdotool key y
+picture directory "$(find_window 'Disk directory')"
 kill "$program_pid"
 wait "$program_pid"
 
