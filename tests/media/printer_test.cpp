@@ -137,17 +137,4 @@ TEST_F(PrinterTest, OnAFullDiskItIsNotReadyAndSaysSoOnce) {
     EXPECT_EQ(printed(), "ABE");
 }
 
-TEST_F(PrinterTest, OffItPrintsNothing) {
-    printer_init();
-    send("A");
-    printer_close();
-    printer_enabled = false;
-    send("B");
-    EXPECT_EQ(printed(), "A");
-    EXPECT_EQ(status(), 0xF0) << "the comparators: B is level 2";
-    send("?");
-    EXPECT_EQ(status(), 0x00) << "level 63";
-    EXPECT_EQ(printed(), "A");
-}
-
 } // namespace

@@ -285,30 +285,6 @@ TEST_F(Wd1771, FormatsATrack) {
     }
 }
 
-TEST_F(Wd1771, WhileBusyOnlyForceInterruptIsHeard) {
-    for (const uint8_t start : {0x88, 0xA8, 0xF4}) {
-        insert(0, 40, 10);
-        wd1771_write_reg(SECTOR, 5);
-        for (int value = 0; value < 256; ++value) {
-            if (value >> 4 == 13) continue;
-            SCOPED_TRACE(testing::Message() << std::hex << int(start) << ", " << value);
-            command(start);
-            command(uint8_t(value));
-            ASSERT_EQ(status() & 0x13, 0x03);
-            ASSERT_EQ(z80_state.irq, 0);
-            if (start == 0x88) {
-                EXPECT_EQ(wd1771_read_reg(DATA), 0);
-                EXPECT_EQ(wd1771_read_reg(DATA), 5);
-                EXPECT_EQ(wd1771_read_reg(DATA), 2);
-            }
-            command(0xD0);
-            EXPECT_EQ(status() & 0x01, 0);
-            EXPECT_EQ(wd1771_read_reg(TRACK), 0);
-            EXPECT_EQ(wd1771_read_reg(DATA), 0xFF) << "no read command";
-        }
-    }
-}
-
 TEST_F(Wd1771, TheLatchChoosesTheDrive) {
     const struct {
         uint8_t latch;

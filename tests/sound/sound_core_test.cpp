@@ -130,22 +130,6 @@ TEST_F(SoundCore, SecondFragmentFollowsTheFirstAndEndsTheUpdate) {
     EXPECT_EQ(sample_count, 1920) << "the other 40 are lost";
 }
 
-TEST_F(SoundCore, DiscardedTimeIsNotRendered) {
-    sound_remove_filter();
-    hold_lead(20 * 1920);
-    advance(960);
-    advance(970); // answers 0; the remainder is rendered still
-    EXPECT_EQ(sample_count, 1930);
-    advance(500);
-    EXPECT_EQ(sample_count, 1930);
-    scripted.position = [] { return -1; };
-    advance(500); // the poll that ends it
-    EXPECT_EQ(sample_count, 1930);
-    advance(950);
-    ASSERT_EQ(scripted.fragments.size(), 3U);
-    for (size_t i = 0; i < 960; ++i) ASSERT_EQ(scripted.fragments[2][i], int16_t(1920 + i));
-}
-
 // The samples count up, so that every gap shows. Where pictures come faster than fragments, one of
 // them finds none.
 TEST_F(SoundCore, RecordingsAreContinuousAndTheRingTakesWhatItCan) {

@@ -94,23 +94,6 @@ TEST_F(SoundOutputTest, WithoutARingTheDriverTakesNothing) {
     EXPECT_EQ(audio().restores, 0);
 }
 
-TEST_F(SoundOutputTest, FragmentsGoRoundTheRing) {
-    ASSERT_EQ(dsound_init(SOUND_RATE), 1);
-    ASSERT_EQ(audio().ring.size(), 96000U);
-    EXPECT_EQ(dsound_write(ramp().data(), 95040, FRAGMENT_BYTES), 0);
-    EXPECT_EQ(at(95039), 0);
-    EXPECT_EQ(at(95040), 1);
-    EXPECT_EQ(at(95999), 960 % 256);
-    EXPECT_EQ(at(0), 961 % 256);
-    EXPECT_EQ(at(959), 1920 % 256);
-    EXPECT_EQ(at(960), 0);
-
-    EXPECT_EQ(dsound_write(ramp().data(), 94080, FRAGMENT_BYTES), 0) << "up to the very end";
-    EXPECT_EQ(at(94080), 1);
-    EXPECT_EQ(at(95999), 1920 % 256);
-    EXPECT_EQ(at(0), 961 % 256) << "and not beyond";
-}
-
 TEST_F(SoundOutputTest, LostDeviceComesBackWithAReset) {
     ASSERT_EQ(dsound_init(SOUND_RATE), 1);
     audio().lost = true;
