@@ -43,9 +43,9 @@ Rectangle window_at(const Rectangle& place, Size picture) {
 void size_window(const Rectangle& place, bool chooses_place) {
     Window& window = platform().window();
     const Size chosen = chosen_picture_size();
-    if (chosen == Size()) shell_state.usual_picture = usual_size();
-    const Size picture =
-        chosen == Size() ? shell_state.usual_picture : possible_picture_size(chosen, window_room());
+    const Size wanted = chosen == Size() ? usual_size() : chosen;
+    const Size picture = possible_picture_size(wanted, window_room());
+    if (chosen == Size()) shell_state.usual_picture = picture;
     const Rectangle outer = window_at(place, picture);
     window.move(chooses_place ? pulled_into(window.available_area(), outer) : outer);
 }

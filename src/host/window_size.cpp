@@ -31,7 +31,9 @@ Size largest_picture(const WindowRoom& room) {
 
 int usual_multiple(Size picture, const WindowRoom& room) {
     const Size area = {room.screen.width, 2 * room.screen.height / 3};
-    return std::max(multiples(picture, area, room.ratio), 1);
+    const int fits = multiples(picture, area, room.ratio);
+    const int least = int(std::ceil(LEAST_PICTURE.width * room.ratio / picture.width));
+    return std::max(fits, least);
 }
 
 Size multiplied(Size size, int factor) { return {size.width * factor, size.height * factor}; }

@@ -16,7 +16,7 @@ struct WindowRoom {
 constexpr Size LEAST_PICTURE{320, 240};
 
 /// The largest whole multiple of the picture, in pixels of the screen, that is no higher than two
-/// thirds of the screen; at least the picture itself.
+/// thirds of the screen, but not less than LEAST_PICTURE.
 Size usual_picture_size(Size picture, const WindowRoom& room);
 /// Twice the usual multiple, or as much more as the screen has room for. `unit` is what it is a
 /// multiple of, the picture or a part of it.
