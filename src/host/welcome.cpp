@@ -126,7 +126,7 @@ void user_acts(Form& form, const FormEvent& event) {
     case FORM_CLOSED: return;
     case WELCOME_TYPE_BASIC: return tell_how_to_begin();
     case WELCOME_OPEN: return open_file();
-    case WELCOME_KEYS: return command(COMMAND_KEYS);
+    case WELCOME_KEYS: form.close(); return command(COMMAND_KEYS);
     case WELCOME_SYMBOLIC: return choose_keys(true);
     case WELCOME_POSITIONAL: return choose_keys(false);
     default: break;

@@ -5,7 +5,7 @@
 
 namespace {
 
-constexpr int TYPE_BASIC = 1, OPEN = 2, SYMBOLIC = 4, POSITIONAL = 5, FIRST_EXAMPLE = 100;
+constexpr int TYPE_BASIC = 1, OPEN = 2, KEYS = 3, SYMBOLIC = 4, POSITIONAL = 5, FIRST_EXAMPLE = 100;
 
 class WelcomeTest : public WholeProgramTest {
 protected:
@@ -63,6 +63,9 @@ TEST_F(WelcomeTest, ComesOnceToSomebodyWhoAsksForNothingAndStartsWhatIsChosen) {
         turn(1);
     }
     EXPECT_TRUE(host->status_text(3).ends_with("examples/tune.cmd")) << host->status_text(3);
+    form->press(KEYS);
+    EXPECT_FALSE(form->is_open());
+    command(COMMAND_WELCOME);
     form->press(TYPE_BASIC);
     EXPECT_EQ(host->status_text(3), "Type PRINT \"HELLO\" and press Enter; \" is Shift+2");
     emu_close();
