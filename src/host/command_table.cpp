@@ -12,6 +12,7 @@
 #include "host/command_table_pads.h"
 #include "host/command_table_panels.h"
 #include "host/command_table_time.h"
+#include "host/command_table_tube.h"
 #include "host/command_table_window.h"
 #include "host/commands.h"
 #include "host/dialogs/dialogs.h"
@@ -525,7 +526,7 @@ std::span<const CommandRow> command_table() {
         std::vector<CommandRow> table(std::begin(rows), std::end(rows));
         for (const auto behind :
              {time_command_rows(), file_command_rows(), help_command_rows(), pad_command_rows(),
-              window_command_rows(), panel_command_rows()}) {
+              window_command_rows(), panel_command_rows(), tube_command_rows()}) {
             table.insert(table.end(), behind.begin(), behind.end());
         }
         return table;

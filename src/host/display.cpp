@@ -8,6 +8,7 @@
 #include "host/canvas.h"
 #include "host/main_window.h"
 #include "host/overlay.h"
+#include "host/picture_tube.h"
 #include "host/shell.h"
 #include "host/status.h"
 #include "monitor/monitor.h"
@@ -73,19 +74,41 @@ void draw_frame() {
     if (g_bDblScan && !g_GiantScreen) video_draw_interlaced(pixels, PALETTE);
 }
 
-void dib_draw() {
-    Pane& pane = platform().pane(PaneId::picture);
-    if (!window_is_sizable()) return pane.copy_bitmap(view_of(canvas), MARGIN, MARGIN);
+/// How a picture is drawn in an area of this size.
+Scaling scaling_for(Size area) {
+    Scaling how = picture_scaling();
+    how.tube = tube_look_for(area);
+    how.lines = SCREEN_HEIGHT;
+    return how;
+}
+
+void draw_fixed(Pane& pane) {
+    Scaling how = scaling_for(canvas_size());
+    if (how.tube == TubeLook::off) return pane.copy_bitmap(view_of(canvas), MARGIN, MARGIN);
+    how.whole = false;
+    pane.stretch_bitmap(view_of(canvas),
+                        {MARGIN, MARGIN, MARGIN + canvas.width, MARGIN + canvas.height}, how);
+}
+
+void draw_stretched(Pane& pane) {
     const Size room = pane.size();
-    const Scaling how = picture_scaling();
+    const Scaling how = scaling_for(room);
     const Rectangle area = {0, 0, room.width, room.height};
     pane.stretch_bitmap(view_of(canvas), how.whole ? area : screen_rect_recalc(area), how);
+}
+
+void dib_draw() {
+    Pane& pane = platform().pane(PaneId::picture);
+    window_is_sizable() ? draw_stretched(pane) : draw_fixed(pane);
+    tube_picture_shown();
 }
 
 void UpdateFrameDX() {
     Surface& surface = platform().surface();
     if (!surface.exists()) return;
-    surface.present(view_of(canvas), g_rcScreen, picture_scaling(), triggerClearBuffer);
+    surface.present(view_of(canvas), g_rcScreen,
+                    scaling_for({g_rcScreen.width(), g_rcScreen.height()}), triggerClearBuffer);
+    tube_picture_shown();
     triggerClearBuffer = false;
 }
 

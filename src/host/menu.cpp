@@ -3,6 +3,7 @@
 #include "host/command_table.h"
 #include "host/examples.h"
 #include "host/recent.h"
+#include "platform/pane.h"
 #include "platform/platform.h"
 
 #include <algorithm>
@@ -107,6 +108,11 @@ MenuEntry run_ahead_menu() {
                                   item(COMMAND_RUN_AHEAD + 4)});
 }
 
+MenuEntry tube_menu() {
+    return submenu("Picture t&ube", {item(COMMAND_TUBE), item(COMMAND_TUBE + int(TubeLook::soft)),
+                                     item(COMMAND_TUBE + int(TubeLook::strong))});
+}
+
 MenuEntry picture_size_menu() {
     return submenu("Picture si&ze",
                    {item(COMMAND_SCALE_FILL), item(COMMAND_SCALE_WHOLE), SEPARATOR,
@@ -123,6 +129,7 @@ MenuEntry options_menu() {
                                 SEPARATOR,
                                 item(COMMAND_DOUBLE_SCAN),
                                 item(COMMAND_TV_BLUR),
+                                tube_menu(),
                                 item(COMMAND_DISPLAY_SETTINGS),
                                 SEPARATOR,
                                 item(COMMAND_GIANT_SCREEN),

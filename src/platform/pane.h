@@ -17,12 +17,17 @@ struct SliderReading {
     bool operator==(const SliderReading&) const = default;
 };
 
+/// How much a picture looks like that of a picture tube.
+enum class TubeLook : uint8_t { off, soft, strong };
+
 /// How a picture is stretched.
 struct Scaling {
     bool smooth = false; ///< colours flow into each other; else pixels keep their edges
     /// Only to a whole multiple of the picture in the screen's own pixels, the largest that fits
     /// into the middle of the target.
     bool whole = false;
+    TubeLook tube = TubeLook::off; ///< while PictureTube has started, in place of `smooth`
+    int lines = 0;                 ///< scan lines of the picture, which the tube shows
     bool operator==(const Scaling&) const = default;
 };
 

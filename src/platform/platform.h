@@ -12,6 +12,7 @@
 #include "platform/keyboard.h"
 #include "platform/pane.h"
 #include "platform/paths.h"
+#include "platform/picture_tube.h"
 #include "platform/settings.h"
 #include "platform/status_bar.h"
 #include "platform/surface.h"
@@ -29,6 +30,7 @@ struct Platform {
     virtual HostKeyboard& keyboard() = 0;
     virtual Pane& pane(PaneId id) = 0;
     virtual Paths& paths() = 0;
+    virtual PictureTube& picture_tube() = 0;
     virtual Settings& settings() = 0;
     virtual StatusBar& status_bar() = 0;
     virtual Surface& surface() = 0;

@@ -5,7 +5,11 @@
 #include "cgenie/video.h"
 #include "core/frame_driver.h"
 #include "core/machine.h"
+#include "core/pacing/pacing.h"
 #include "host/canvas.h"
+#include "host/commands.h"
+#include "host/menu.h"
+#include "host/picture_tube.h"
 #include "host/shell.h"
 #include "host/status.h"
 #include "host/window_size.h"
@@ -198,6 +202,44 @@ TEST_F(DisplayTest, TheUserSizesTheWindow) {
     EXPECT_EQ(picture(), (Size{800, 500}));
     gets(768, 576); // as if it had never been sized
     EXPECT_EQ(chosen_picture_size(), Size{});
+}
+
+TEST_F(DisplayTest, TubeIsShownWhileThereIsOneThatIsFastEnough) {
+    HeadlessPictureTube& tube = host.picture_tube();
+    const auto show = [&](int64_t microseconds, int pictures) {
+        tube.draw_time = microseconds;
+        for (int n = 0; n < pictures; ++n) show_canvas();
+        const int expected = is_menu_item_checked(COMMAND_TUBE) ? 0 : tube.started ? 2 : -1;
+        EXPECT_TRUE(is_menu_item_checked(COMMAND_TUBE + expected)) << "the mark is true";
+        return expected == 2;
+    };
+    init_timers();
+    timer_recalibrate_fps(50);
+    tube.failure = "OpenGL 3 is missing";
+    handle_command(COMMAND_TUBE + int(TubeLook::strong));
+    EXPECT_EQ(host.status_text(3), "No picture tube: OpenGL 3 is missing");
+    show_status("told once", "");
+    EXPECT_FALSE(show(0, 3));
+    EXPECT_EQ(host.status_text(3), "told once");
+    EXPECT_EQ(kept_tube_look(), 2U) << "for another computer";
+
+    tube.failure.clear();
+    handle_command(COMMAND_TUBE + int(TubeLook::strong));
+    EXPECT_TRUE(show(13'900, 5000));
+    EXPECT_TRUE(show(300'000, 1)) << "a hiccup";
+    EXPECT_TRUE(show(1'000, 100));
+    toggle_full_screen();
+    EXPECT_TRUE(show(24'000, 49));
+    EXPECT_EQ(surface.last_scaling, (Scaling{.tube = TubeLook::strong, .lines = 288}));
+    EXPECT_FALSE(show(24'000, 2)) << "ten of twenty milliseconds behind, half a second long";
+    EXPECT_FALSE(show(0, 100));
+    toggle_full_screen();
+    EXPECT_EQ(host.status_text(3), "Picture tube off: it takes 24 ms a picture");
+    EXPECT_TRUE(show(9'000, 100)) << "on again in a smaller area";
+    EXPECT_FALSE(show(40'000, 100));
+    handle_command(COMMAND_TUBE);
+    EXPECT_EQ(kept_tube_look(), 0U);
+    EXPECT_FALSE(tube.started);
 }
 
 TEST_F(DisplayTest, FramesReachTheCanvas) {

@@ -357,6 +357,12 @@ std::vector<Stop> TourTest::stops() {
                         }});
     }
     list.push_back({40279, nothing, status("")});
+    for (const int tube : {2, 1, 0}) {
+        list.push_back({40225 + tube, nothing, [this, tube] {
+                            EXPECT_EQ(host->picture_tube().started, tube != 0);
+                            expect_mark(40225 + tube, true);
+                        }});
+    }
     for (int id = 40240; id <= 40252; ++id) {
         list.push_back({id, nothing, status("The example is not installed")});
     }

@@ -46,6 +46,7 @@ public:
     HostKeyboard& keyboard() override { return rest_.keyboard(); }
     Pane& pane(PaneId id) override { return rest_.pane(id); }
     Paths& paths() override { return rest_.paths(); }
+    PictureTube& picture_tube() override { return rest_.picture_tube(); }
     Settings& settings() override { return rest_.settings(); }
     StatusBar& status_bar() override { return rest_.status_bar(); }
     Surface& surface() override { return rest_.surface(); }

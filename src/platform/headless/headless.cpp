@@ -140,6 +140,7 @@ struct HeadlessPlatform::State {
     HeadlessJoysticks joysticks;
     HeadlessKeyboard keyboard;
     HeadlessPaths paths;
+    HeadlessPictureTube picture_tube;
     HeadlessWindow window;
     HeadlessStatusBar status_bar;
     std::array<HeadlessPane, PANES> panes;
@@ -162,6 +163,7 @@ HeadlessJoysticks& HeadlessPlatform::joysticks() { return state_->joysticks; }
 HeadlessKeyboard& HeadlessPlatform::keyboard() { return state_->keyboard; }
 HeadlessPane& HeadlessPlatform::pane(PaneId id) { return state_->panes[size_t(id)]; }
 Paths& HeadlessPlatform::paths() { return state_->paths; }
+HeadlessPictureTube& HeadlessPlatform::picture_tube() { return state_->picture_tube; }
 HeadlessStatusBar& HeadlessPlatform::status_bar() { return state_->status_bar; }
 HeadlessSurface& HeadlessPlatform::surface() { return state_->surface; }
 HeadlessWindow& HeadlessPlatform::window() { return state_->window; }

@@ -45,6 +45,7 @@ public:
     HeadlessKeyboard& keyboard() override;
     HeadlessPane& pane(PaneId id) override;
     Paths& paths() override;
+    HeadlessPictureTube& picture_tube() override;
     Settings& settings() override;
     HeadlessStatusBar& status_bar() override;
     HeadlessSurface& surface() override;

@@ -3,6 +3,7 @@
 /// screen. Nothing here sends messages of its own; its driver does.
 
 #include "platform/pane.h"
+#include "platform/picture_tube.h"
 #include "platform/status_bar.h"
 #include "platform/surface.h"
 #include "platform/window.h"
@@ -179,6 +180,20 @@ struct HeadlessStatusBar final : public StatusBar {
     std::vector<int> edges;
     std::vector<std::string> texts, tips; ///< by part; those of the last bar stay readable
     std::vector<HeadlessFill> fills;      ///< until cleared, the first thousand
+};
+
+/// Draws nothing, and takes as long as its driver says.
+struct HeadlessPictureTube final : public PictureTube {
+    std::string start() override {
+        started = failure.empty();
+        return failure;
+    }
+    void stop() override { started = false; }
+    int64_t take_draw_time() override { return started ? draw_time : 0; }
+
+    std::string failure;   ///< set by the driver: what a start answers
+    int64_t draw_time = 0; ///< likewise, in microseconds
+    bool started = false;
 };
 
 struct HeadlessSurface final : public Surface {

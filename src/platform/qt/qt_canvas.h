@@ -4,6 +4,7 @@
 #include "platform/qt/qt_film_bar.h"
 #include "platform/qt/qt_overlay.h"
 #include "platform/qt/qt_pane.h"
+#include "platform/qt/qt_tube.h"
 #include "platform/window.h"
 
 #include <QWidget>
@@ -23,6 +24,7 @@ public:
     QtPane& pane(PaneId id) { return panes_[size_t(id)]; }
     QtFilmBar& film_bar() { return film_bar_; }
     QtOverlay& overlay() { return overlay_; }
+    QtTube& tube() { return tube_; }
     PaneId front_id() const;
     QtPane& front() { return pane(front_id()); }
     const CellFont& font() const { return font_; }
@@ -47,6 +49,7 @@ private:
 
     QtEvents& events_;
     CellFont font_;
+    QtTube tube_;
     std::array<QtPane, 2> panes_{QtPane(*this), QtPane(*this)};
     std::function<Size()> room_;
     QtFilmBar film_bar_{*this, events_};

@@ -81,7 +81,7 @@ Rectangle QtStretch::area_on_screen(double ratio) const {
                           how_.whole);
 }
 
-void QtStretch::paint(QPainter& painter, const QRect& dirty, double ratio) {
+void QtStretch::paint(QPainter& painter, const QRect& dirty, double ratio, const QImage* drawn) {
     // From here on in pixels of the screen, from the first one of the pane.
     const QTransform to_device = painter.deviceTransform();
     const QPoint origin = to_device.map(QPointF()).toPoint();
@@ -97,6 +97,7 @@ void QtStretch::paint(QPainter& painter, const QRect& dirty, double ratio) {
     }
     const QRect rows = area & all;
     if (rows.isEmpty() || picture_.isNull()) return;
+    if (drawn) return painter.drawImage(rows, *drawn, rows.translated(-area.topLeft()));
     scaler_.prepare({picture_.width(), picture_.height()}, {at.width(), at.height()}, how_.smooth);
     scaler_.begin(reinterpret_cast<const uint32_t*>(picture_.constBits()));
     const QSize band(at.width(), BAND);
@@ -201,8 +202,9 @@ void QtPane::drawn(const QRect& area) {
 
 void QtPane::stretch_bitmap(const BitmapView& picture, const Rectangle& target,
                             const Scaling& how) {
-    const QRect changed = stretch_.set(picture, target, how, canvas_.devicePixelRatioF());
+    QRect changed = stretch_.set(picture, target, how, canvas_.devicePixelRatioF());
     const bool was_stretched = std::exchange(stretched_, true);
+    if (has_tube()) changed = draw_tube(changed);
     if (&canvas_.front() != this) return;
     if (!was_stretched) {
         canvas_.update();
@@ -217,7 +219,29 @@ void QtPane::end_stretch() {
 
 void QtPane::paint(const QRect& dirty) {
     QPainter painter(&canvas_);
-    if (stretched_) return stretch_.paint(painter, dirty, canvas_.devicePixelRatioF());
+    if (stretched_) {
+        const QImage* drawn = has_tube() ? &canvas_.tube().drawn() : nullptr;
+        if (drawn) draw_tube({}); // nothing to do, unless the canvas has come to another screen
+        return stretch_.paint(painter, dirty, canvas_.devicePixelRatioF(), drawn);
+    }
     painter.setRenderHint(QPainter::SmoothPixmapTransform, !is_whole(canvas_.devicePixelRatioF()));
     painter.drawImage(0, 0, drawing());
+}
+
+bool QtPane::has_tube() const {
+    return stretch_.how().tube != TubeLook::off && canvas_.tube().is_ready();
+}
+
+/// Returns the part of the canvas that changes, where `stretched` is what it would be without the
+/// tube: light goes farther than the pixels it comes from.
+QRect QtPane::draw_tube(const QRect& stretched) {
+    const double ratio = canvas_.devicePixelRatioF();
+    const Rectangle area = stretch_.area_on_screen(ratio);
+    const TubeRows rows =
+        canvas_.tube().draw(stretch_.picture(), {area.width(), area.height()}, stretch_.how());
+    if (stretched == EVERYTHING) return stretched;
+    if (rows.first == rows.end) return {};
+    const int top = int(std::floor((area.top + rows.first) / ratio));
+    const int bottom = int(std::ceil((area.top + rows.end) / ratio));
+    return {0, top, canvas_.width(), bottom - top};
 }

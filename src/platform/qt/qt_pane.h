@@ -23,8 +23,9 @@ public:
     /// Returns the part of the device that changes, in its units, of which each has so many pixels
     /// of the screen. It is empty where the same is shown already.
     QRect set(const BitmapView& picture, const Rectangle& target, const Scaling& how, double ratio);
-    /// Onto the part `dirty` of the device, black around the target.
-    void paint(QPainter& painter, const QRect& dirty, double ratio);
+    /// Onto the part `dirty` of the device, black around the target; with `drawn` that, which is
+    /// stretched already.
+    void paint(QPainter& painter, const QRect& dirty, double ratio, const QImage* drawn = nullptr);
 
     const QImage& picture() const { return picture_; }
     const Scaling& how() const { return how_; }
@@ -83,6 +84,8 @@ public:
 private:
     QImage& drawing() override;
     void drawn(const QRect& area) override;
+    bool has_tube() const;
+    QRect draw_tube(const QRect& stretched);
 
     QtCanvas& canvas_;
     bool shown_ = false;

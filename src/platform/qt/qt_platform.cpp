@@ -163,6 +163,7 @@ Pane& QtPlatform::pane(PaneId id) {
     return canvas.pane(id);
 }
 Paths& QtPlatform::paths() { return services_->paths; }
+PictureTube& QtPlatform::picture_tube() { return services_->window.canvas().tube(); }
 Settings& QtPlatform::settings() { return services_->settings; }
 StatusBar& QtPlatform::status_bar() { return services_->status_bar; }
 Surface& QtPlatform::surface() { return services_->surface; }

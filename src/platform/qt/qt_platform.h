@@ -22,6 +22,7 @@ public:
     HostKeyboard& keyboard() override;
     Pane& pane(PaneId id) override;
     Paths& paths() override;
+    PictureTube& picture_tube() override;
     Settings& settings() override;
     StatusBar& status_bar() override;
     Surface& surface() override;

@@ -1,0 +1,12 @@
+#!/usr/bin/env bash
+# The picture tube by OpenGL, which needs an X server: the tests of the Qt layer that are left out
+# without one.
+program=$1
+source "$(dirname "$0")/desktop.sh"
+
+start_server
+"$program" --gtest_filter='QtTubeTest.*' >tube.log 2>&1 || fail "$(cat tube.log)"
+if grep -q "NOT TESTED" tube.log; then
+    echo "no OpenGL here: $(grep -m 1 "NOT TESTED" tube.log)"
+    exit 77
+fi
