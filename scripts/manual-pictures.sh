@@ -144,6 +144,17 @@ start_program bounce.cmd
 sleep 6 # the title shows the speed, and the program runs
 picture window "$window"
 
+# tube LETTER: of its item in the menu
+tube() {
+    xdotool key alt+o
+    sleep 0.3
+    xdotool key u "$1"
+}
+tube t
+sleep 2
+picture tube "$window"
+tube o
+
 xdotool key alt+f
 picture menu "$window"
 press_until '(Monitor)' Escape
