@@ -60,6 +60,7 @@ flat out vec2 steepness;    // of its pixels' edges
 flat out vec2 inner;        // from the middle to where the round corners begin, in the target's pixels
 flat out float radius;      // of the corners
 flat out float depth;       // of the gaps between scan lines
+flat out float straight;    // 1: scan lines are two rows of the target
 flat out float stripe_rate; // stripes of the mask in a pixel
 
 void uniform_part() {
@@ -69,8 +70,10 @@ void uniform_part() {
     steepness = max(vec2(1.0), vec2(SHARP_X, SHARP_Y) * target.y / size.y);
     radius = 0.5 * CORNER * target.y;
     inner = 0.5 * target - radius;
-    // Where a scan line has few pixels, its profile would beat with them.
-    depth = SCAN * clamp((line_height - 1.5) / 1.5, 0.0, 1.0);
+    // Lines of two pixels would beat with them where the face bulges: there they stay straight, and
+    // are fainter.
+    straight = line_height < 2.75 ? 1.0 : 0.0;
+    depth = SCAN * mix(min(line_height - 2.0, 1.0), clamp(line_height - 1.0, 0.0, 0.5), straight);
     stripe_rate = 1.0 / max(1.0, floor(line_height / 3.0 + 0.5));
 }
 )";
@@ -86,6 +89,7 @@ flat in vec2 steepness;
 flat in vec2 inner;
 flat in float radius;
 flat in float depth;
+flat in float straight;
 flat in float stripe_rate;
 
 // The face bulges: what lies outside the picture's edges is beyond the tube.
@@ -128,7 +132,8 @@ void main() {
 
     // A bright beam is a wide one, and covers the gaps.
     float gaps = 1.0 - BLOOM * min(brightest(lit), 1.0);
-    float from_middle = 2.0 * fract(spot.y * lines) - 1.0;
+    float line = mix(spot.y * lines, 0.5 * gl_FragCoord.y + 0.25, straight);
+    float from_middle = 2.0 * fract(line) - 1.0;
     float profile = 1.0 - from_middle * from_middle;
     float gap = depth * gaps;
     // The profile's mean is 8/15; the series makes up for what the gaps take, without a division.
