@@ -30,9 +30,7 @@ module() {
 
 # listing NAME SECONDS [KEYS]: as text, with keys that are typed behind its RUN
 listing() {
-    local text=$build/examples/$1.txt
-    [[ -e $text ]] || text=${text%.txt}.bas
-    { cat "$text" && printf '%s' "${3:-}"; } >"$1.txt"
+    { cat "$build/examples/$1.txt" && printf '%s' "${3:-}"; } >"$1.txt"
     scene "$1" "$2" "$1.txt"
 }
 

@@ -183,7 +183,7 @@ TEST(BasicExamples, RunFromTheirText) {
     for (const char* name : {"graphics", "music", "catch"}) {
         BasicMachine machine;
         machine.boot(0, trial_rom());
-        const std::string text = read_text(EXAMPLES_DIR "/" + std::string(name) + ".bas");
+        const std::string text = read_text(EXAMPLES_DIR "/" + std::string(name) + ".txt");
         ASSERT_TRUE(text.ends_with("\nRUN\n")) << name;
         machine.type(text, 1500);
         const std::string screen = join(machine.screen());
