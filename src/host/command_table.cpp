@@ -9,6 +9,7 @@
 #include "host/autostart.h"
 #include "host/command_table_files.h"
 #include "host/command_table_help.h"
+#include "host/command_table_media.h"
 #include "host/command_table_pads.h"
 #include "host/command_table_panels.h"
 #include "host/command_table_time.h"
@@ -524,9 +525,9 @@ const CommandRow rows[] = {
 std::span<const CommandRow> command_table() {
     static const std::vector<CommandRow> all = [] {
         std::vector<CommandRow> table(std::begin(rows), std::end(rows));
-        for (const auto behind :
-             {time_command_rows(), file_command_rows(), help_command_rows(), pad_command_rows(),
-              window_command_rows(), panel_command_rows(), tube_command_rows()}) {
+        for (const auto behind : {time_command_rows(), file_command_rows(), help_command_rows(),
+                                  pad_command_rows(), window_command_rows(), panel_command_rows(),
+                                  tube_command_rows(), media_command_rows()}) {
             table.insert(table.end(), behind.begin(), behind.end());
         }
         return table;

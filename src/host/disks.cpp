@@ -68,16 +68,8 @@ std::string image_problem(const std::string& path) {
 
 std::string drive_name(unsigned drive) { return "drive :" + std::to_string(drive); }
 
-/// The mark in the menu, and the tool tip of the lamps, which has a line for each disk.
 void show_protection(unsigned drive) {
     check_menu_item(COMMAND_PROTECT_DISK + int(drive), wd1771.disks[drive].write_protected != 0);
-    std::string tip;
-    for (unsigned n = 0; n < DISK_DRIVES; ++n) {
-        if (!diskimg_inserted(wd1771.disks[n])) continue;
-        tip += (tip.empty() ? ":" : "\n:") + std::to_string(n) + " " + drive_files[n].path;
-        if (wd1771.disks[n].write_protected) tip += ", write-protected";
-    }
-    platform().status_bar().set_tip(PART_LAMPS, tip);
 }
 
 void show_drive(unsigned drive) {
@@ -507,6 +499,13 @@ void main_disk_switch_protection(unsigned drive) {
     if (care.is_protected != care.user_protects) return; // which has been told
     StatusBarText("The disk in drive :%u %s.", drive,
                   care.is_protected ? "is write-protected" : "can be written to");
+}
+
+void main_disk_save_copy(unsigned drive) {
+    if (!diskimg_inserted(wd1771.disks[drive])) {
+        return StatusBarText("There is no disk in drive :%u.", drive);
+    }
+    save_disk_elsewhere(drive_contents[drive], [](const auto&) {});
 }
 
 void main_disk_offer_journals() {

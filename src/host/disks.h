@@ -36,6 +36,8 @@ std::optional<unsigned> first_empty_drive(unsigned from);
 /// stays protected: the user is offered to save a copy, which then takes its place. The same holds
 /// for a disk that another drive or program has, as long as that is so.
 void main_disk_switch_protection(unsigned drive);
+/// Asks for a file, and writes the disk in the drive to it as it is now. The drive keeps its own.
+void main_disk_save_copy(unsigned drive);
 
 /// From here on a journal is offered when its image is attached; those of disks attached before are
 /// offered now. Until then, and while there is no answer, such a disk is write-protected.

@@ -36,14 +36,15 @@ void make_tape(const std::string& path) {
 } // namespace
 
 void new_disk() {
-    const auto drive = first_empty_drive(0);
-    if (!drive) {
-        return report({.text = "There is a disk in every drive",
-                       .remedy = "Take one out first.",
-                       .severity = Severity::warning});
-    }
+    if (const auto drive = first_empty_drive(0)) return new_disk_in(*drive);
+    report({.text = "There is a disk in every drive",
+            .remedy = "Take one out first.",
+            .severity = Severity::warning});
+}
+
+void new_disk_in(unsigned drive) {
     ui_select_file(DIALOG_NEW_DISK, [drive](const std::optional<std::string>& path) {
-        if (path) make_disk(*drive, *path);
+        if (path) make_disk(drive, *path);
     });
 }
 

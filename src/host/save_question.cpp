@@ -19,6 +19,8 @@ void forget_save_answer() { answer = SAVE_NOT_YET; }
 
 void save_next_to(const std::string& path) { next_file = path; }
 
+const std::string& next_save_file() { return next_file; }
+
 bool ask_save_question() {
     if (!asking && !next_file.empty()) {
         answer_save_question(std::exchange(next_file, {}));

@@ -17,5 +17,7 @@ bool ask_save_question();
 void forget_save_answer();
 /// The next save goes to this file without a question; an empty path takes that back.
 void save_next_to(const std::string& path);
+/// Where the next save goes without a question; else empty.
+const std::string& next_save_file();
 /// The user's answer: a file to be made, or none (nothing, or an empty name).
 void answer_save_question(const std::optional<std::string>& path);

@@ -1,5 +1,6 @@
 #include "host/status.h"
 
+#include "host/media_menu.h"
 #include "host/overlay.h"
 #include "host/shell_state.h"
 #include "platform/platform.h"
@@ -11,6 +12,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -38,9 +40,9 @@ int written_drive = NO_DRIVE;
 int mark_frames = 0; ///< that its mark is still to be seen
 bool mark_is_shown = false;
 
-/// What the parts show; the message may be behind a tip.
+/// What the parts show, perhaps behind a tip.
 std::array<std::string, RIGHT_EDGES.size()> texts, tips;
-bool tip_is_shown = false;
+bool tip_is_shown = false; ///< over all parts
 
 std::string format_text(const char* format, va_list arguments) {
     va_list again;
@@ -58,11 +60,28 @@ void show_text(int part, const std::string& text, const std::string& tip) {
     texts.at(size_t(part)) = text;
     tips.at(size_t(part)) = tip;
     if (part == PART_MESSAGES) {
-        tip_is_shown = false;
+        show_tip({});
         if (!bar.exists()) overlay_show(tip);
     }
     bar.set_text(part, text);
     bar.set_tip(part, tip);
+}
+
+/// One for each lamp, with what is around it, and one for the cassette's part.
+void place_buttons() {
+    StatusBar& bar = platform().status_bar();
+    const int bottom = bar.height();
+    std::vector<StatusButton> buttons;
+    for (int lamp = 0; lamp < LAMPS; ++lamp) {
+        const int left = status_button_left(lamp);
+        buttons.push_back({{left, 0, left + LAMP_PITCH, bottom},
+                           "Drive " + std::to_string(lamp),
+                           [lamp] { return drive_tip(unsigned(lamp)); }});
+    }
+    buttons.push_back({{status_button_left(LAMPS), 0, RIGHT_EDGES[PART_CASSETTE], bottom},
+                       "Cassette",
+                       cassette_tip});
+    bar.set_buttons(buttons);
 }
 
 Rectangle lamp_rectangle(int lamp) {
@@ -139,6 +158,7 @@ void CreateStatusBar() {
     led_state = NO_DRIVE;
     mark_frames = 0;
     mark_is_shown = false;
+    place_buttons();
     led_redraw(1);
 }
 
@@ -156,7 +176,9 @@ int StatusBarHeight() { return platform().status_bar().height(); }
 
 void StatusBarRedraw() {
     led_redraw(1);
-    if (platform().status_bar().exists()) platform().status_bar().redraw();
+    if (!platform().status_bar().exists()) return;
+    platform().status_bar().redraw();
+    place_buttons();
 }
 
 void show_status(const std::string& text, const std::string& details) {
@@ -166,7 +188,7 @@ void show_status(const std::string& text, const std::string& details) {
 void show_tip(const std::string& tip) {
     if (tip.empty() && !tip_is_shown) return;
     tip_is_shown = !tip.empty();
-    platform().status_bar().set_text(PART_MESSAGES, tip_is_shown ? tip : texts[PART_MESSAGES]);
+    platform().status_bar().show_over(tip);
 }
 
 const std::string& shown_status() { return texts[PART_MESSAGES]; }
@@ -179,6 +201,11 @@ void ui_set_window_title(const char* format, ...) {
     const std::string text = format_text(format, arguments);
     va_end(arguments);
     platform().window().set_title(std::string(PRODUCT_NAME) + " - " + text);
+}
+
+int status_button_left(int button) {
+    if (button >= LAMPS) return RIGHT_EDGES[PART_LAMPS];
+    return LAMP_LEFT + button * LAMP_PITCH - (LAMP_PITCH - LAMP_WIDTH) / 2;
 }
 
 void light_lamp(int drive) {

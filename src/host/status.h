@@ -14,7 +14,7 @@ void DestroyStatusBar();
 void restore_status();
 /// Shows a text in the part for messages. Its tool tip shows `details`, which may be empty.
 void show_status(const std::string& text, const std::string& details);
-/// Shows a sentence in place of the message; an empty one, or a new message, ends that.
+/// Shows a sentence over the whole bar; an empty one, or a new message, ends that.
 void show_tip(const std::string& tip);
 /// The message that was shown last.
 const std::string& shown_status();
@@ -25,6 +25,8 @@ void StatusBarRedraw();
 void led_redraw(int lamps);
 /// Shows a text in a StatusPart; nothing for the lamps.
 void show_status_part(int part, const char* text);
+/// Left edge of a button in the bar: 0 to 3 the lamps, 4 the cassette's part.
+int status_button_left(int button);
 /// Sets the window title to the product name, " - " and the text.
 [[gnu::format(printf, 1, 2)]] void ui_set_window_title(const char* format, ...);
 /// Lights the lamp of `drive` (0 to 3); any other value lights none. To be called after each frame.

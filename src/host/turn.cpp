@@ -13,6 +13,7 @@
 #include "host/film_bar.h"
 #include "host/key_map.h"
 #include "host/main_window.h"
+#include "host/media_menu.h"
 #include "host/media_panels.h"
 #include "host/menu.h"
 #include "host/messages.h"
@@ -69,6 +70,7 @@ public:
     void menu_opens() override {
         show_examples();
         show_recent_files();
+        grey_media_items();
     }
     void item_highlighted(int id) override { show_tip(menu_tip(id)); }
     void paint(PaneId pane) override {
@@ -279,6 +281,7 @@ void WindowProcedure(const Event& event) {
     case Event::Kind::layout_changed: layout_changed(event.value != 0); break;
     case Event::Kind::key_down: key_pressed(event); break;
     case Event::Kind::command: handle_command(event.value); break;
+    case Event::Kind::status_button: popup_media_menu(event.value); break;
     case Event::Kind::pointer: pointer_used(event); break;
     case Event::Kind::drop: file_dropped(event); break;
     case Event::Kind::clipboard: type_into_machine(event.text); break;

@@ -45,6 +45,7 @@ struct Event {
         key_up,         ///< value: HostKey, that of its key_down
         text,           ///< text: what the layout gives for a key, in UTF-8
         command,        ///< value: id of the menu item chosen
+        status_button,  ///< value: number of the StatusButton that was pressed
         pointer,        ///< in a pane
         drop,           ///< text: path of the first file dropped, or its name with its bytes;
                         ///< more: paths of the others

@@ -51,6 +51,7 @@ enum HostKey : uint8_t {
     KEY_DOWN = 0x28,
     KEY_INSERT = 0x2D,
     KEY_DELETE = 0x2E,
+    KEY_MENU = 0x5D,    ///< of the context menu
     KEY_NUMPAD0 = 0x60, ///< to 69
     KEY_F1 = 0x70,
     KEY_F2,

@@ -75,6 +75,9 @@ struct Window {
     virtual void check_item(int id, bool checked) = 0; ///< unknown ids are ignored
     virtual void set_item_text(int id, const std::string& text) = 0;
     virtual void set_item_state(int id, ItemState state) = 0;
+    /// Shows a menu beside that of the window, its lower left corner at the point (of the screen,
+    /// like client_on_screen), where it fits there. What is chosen comes as of any menu.
+    virtual void popup_menu(const std::vector<MenuEntry>& entries, int x, int y) = 0;
     /// Keys that reach the program as key_down even where a menu or a control would take them.
     virtual void claim_keys(std::span<const KeyChord> chords) = 0;
     /// Name of the client area for screen readers, and its text, asked for only while one listens.

@@ -7,7 +7,9 @@
 #include "core/pacing/pacing.h"
 #include "host/disk_journal.h"
 #include "host/disks.h"
+#include "host/menu.h"
 #include "host/messages.h"
+#include "host/turn.h"
 #include "host/whole_program.h"
 #include "media/disk_system.h"
 #include "media/traps.h"
@@ -432,6 +434,10 @@ TEST_F(DisksTest, DroppedDisksGoIntoDriveZero) {
 
 TEST_F(DisksTest, WriteProtectionIsTheUsersAsFarAsTheFileCanBeWritten) {
     constexpr int PROTECT = 40273;
+    const auto press_lamp = [](int drive) {
+        WindowProcedure({Event::Kind::status_button, drive, 0, {}});
+    };
+    const auto popup = [&]() -> const std::vector<MenuEntry>& { return host->window().popup; };
     const auto is_protected = [&](unsigned drive) {
         const bool marked = host->window().checked(PROTECT + int(drive));
         EXPECT_EQ(wd1771.disks[drive].write_protected, marked);
@@ -441,8 +447,26 @@ TEST_F(DisksTest, WriteProtectionIsTheUsersAsFarAsTheFileCanBeWritten) {
     for (const bool now : {true, false}) {
         command(PROTECT);
         EXPECT_EQ(is_protected(0), now);
-        EXPECT_EQ(host->status_bar().tips[1], now ? ":0 a.dsk, write-protected" : ":0 a.dsk");
+        EXPECT_EQ(host->status_bar().buttons[0].tip(),
+                  std::string("Drive :0: a.dsk\n") +
+                      (now ? "Write-protected" : "Can be written to") + ", unchanged");
+        press_lamp(0);
+        EXPECT_EQ(popup().at(4).id, PROTECT);
+        EXPECT_EQ(popup().at(4).checked, now);
     }
+    press_lamp(1);
+    host->sink().menu_opens();
+    for (const int item : {2, 4}) { // what needs a disk is greyed, here as in the window's menu
+        EXPECT_EQ(popup().at(size_t(item)).state, ItemState::greyed);
+        EXPECT_EQ(host->window().item_state(popup()[size_t(item)].id), ItemState::greyed);
+        EXPECT_EQ(host->window().item_state(popup()[size_t(item)].id - 1), ItemState::usual);
+    }
+    const Rectangle client = host->window().client_on_screen();
+    EXPECT_EQ(host->window().popup_place,
+              (Size{client.left + 107, client.bottom - HEADLESS_STATUS_BAR}));
+    host->dialogs().choices.push_back({{"copy.dsk", 0}});
+    command(40294);
+    EXPECT_EQ(read_text("copy.dsk"), read_text("a.dsk"));
     attach(1, "a.dsk");
     command(PROTECT + 1);
     EXPECT_TRUE(is_protected(1)) << "drive 0 has it";

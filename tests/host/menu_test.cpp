@@ -71,12 +71,19 @@ TEST_F(MenuTest, AcceleratorsNeedTheirModifiersExactly) {
         int key;
         uint8_t modifiers;
         int command;
-    } others[] = {{KEY_F2, ALT, 40058},       {KEY_F1, ALT, 109},
-                  {KEY_F3, ALT, 106},         {KEY_RETURN, ALT, 40007},
-                  {KEY_PAUSE, 0, 104},        {KEY_F11, 0, 105},
-                  {KEY_F5, 0, 122},           {KEY_F11, MODIFIER_SHIFT, 109},
-                  {KEY_OEM_PLUS, ALT, 40203}, {KEY_OEM_PLUS, ALT | MODIFIER_SHIFT, 40203},
-                  {KEY_OEM_MINUS, ALT, 40204}};
+    } others[] = {{KEY_F2, ALT, 40058},
+                  {KEY_F1, ALT, 109},
+                  {KEY_F3, ALT, 106},
+                  {KEY_RETURN, ALT, 40007},
+                  {KEY_PAUSE, 0, 104},
+                  {KEY_F11, 0, 105},
+                  {KEY_F5, 0, 122},
+                  {KEY_F11, MODIFIER_SHIFT, 109},
+                  {KEY_OEM_PLUS, ALT, 40203},
+                  {KEY_OEM_PLUS, ALT | MODIFIER_SHIFT, 40203},
+                  {KEY_OEM_MINUS, ALT, 40204},
+                  {KEY_MENU, 0, 40298},
+                  {KEY_F10, MODIFIER_SHIFT, 40298}};
     create_menu();
     int wanted[256][8] = {};
     for (const auto& [letter, command] : letters) wanted[int(*letter)][ALT] = command;

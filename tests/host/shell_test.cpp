@@ -201,13 +201,14 @@ TEST_F(ShellTest, MessagesReachTheirHandlers) {
     host->sink().loop_begins();
     EXPECT_EQ(shell_turn().next, ShellTurn::Next::on_event) << "no frame while a menu is open";
     StatusBarText("told");
-    for (const auto& [id, text] :
-         {std::pair{COMMAND_EXIT, "Ends Tarvelin."}, {Command(), "told"}}) {
+    for (const auto& [id, text] : {std::pair{COMMAND_EXIT, "Ends Tarvelin."},
+                                   {Command(), ""},
+                                   {COMMAND_EXIT, "Ends Tarvelin."}}) {
         host->sink().item_highlighted(id);
-        EXPECT_EQ(host->status_text(3), text);
+        EXPECT_EQ(host->status_bar().over, text);
     }
-    host->sink().item_highlighted(COMMAND_EXIT);
     host->sink().loop_ends();
+    EXPECT_EQ(host->status_bar().over, "");
     EXPECT_EQ(host->status_text(3), "told") << "behind the menu";
     EXPECT_EQ(shell_turn().next, ShellTurn::Next::now);
     EXPECT_EQ(keyboard_read(1), 0) << "no key is stuck after a menu";

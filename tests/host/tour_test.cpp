@@ -347,6 +347,7 @@ std::vector<Stop> TourTest::stops() {
         {40272, chosen("work"), status("The next CSAVE goes to work.cas")},
         {40277, nothing, [this] { EXPECT_TRUE(host->forms().find("Cassette")->is_open()); }},
         {40278, nothing, [this] { EXPECT_TRUE(host->forms().find("Disk directory")->is_open()); }},
+        {40298, nothing, [this] { EXPECT_EQ(host->window().popup.at(5).text, "&Cassette"); }},
         {40206, chosen("saved"), [] { EXPECT_TRUE(fs::exists("saved.tvs")); }},
         {40212, nothing, option(shell_state.resume, 40212, true)},
     };
@@ -382,6 +383,10 @@ std::vector<Stop> TourTest::stops() {
         list.push_back({40022 + int(drive), nothing,
                         status("Disk detached from drive #" + std::to_string(drive))});
         list.push_back({40273 + int(drive), nothing,
+                        status("There is no disk in drive :" + std::to_string(drive) + ".")});
+        list.push_back({40290 + int(drive), chosen("new" + std::to_string(drive)),
+                        status("Disk: 2 side(s), 40 tracks, 10 sectors, 100 kb.")});
+        list.push_back({40294 + int(drive), nothing,
                         status("There is no disk in drive :" + std::to_string(drive) + ".")});
     }
     return list;
@@ -425,6 +430,11 @@ TEST_F(TourTest, EveryCommandByItsNumber) {
     for (const int without_item : {110, 128, 129, 146, 40045, 40046, 40050, 40122}) {
         EXPECT_TRUE(in_menu.insert(without_item).second) << without_item;
     }
+    start();
+    command(40298);
+    collect(host->window().popup, in_menu); // with some of its own
+    in_menu.insert(40298);
+    emu_close();
     EXPECT_EQ(visited, in_menu);
 }
 

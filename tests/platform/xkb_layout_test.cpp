@@ -102,6 +102,7 @@ TEST(XkbLayout, VirtualKeyOfEveryPlace) {
         {"us", nullptr, 102, {KEY_HOME, KEY_UP, KEY_PAGE_UP, KEY_LEFT, KEY_RIGHT, KEY_END}},
         {"us", nullptr, 108, {KEY_DOWN, KEY_PAGE_DOWN, KEY_INSERT, KEY_DELETE}},
         {"us", nullptr, 119, {KEY_PAUSE}},
+        {"us", nullptr, 127, {KEY_MENU}},
         {"de", nullptr, 100, {KEY_ALT_GR}},
         {"de", nullptr, 20, {'T', 'Z', 'U', 'I', 'O', 'P', KEY_OEM_4, KEY_OEM_6}},
         {"de", nullptr, 44, {'Y', 'X'}},

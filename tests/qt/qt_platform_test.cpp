@@ -21,6 +21,7 @@
 #include <QPainter>
 #include <QPushButton>
 #include <QTimer>
+#include <QToolButton>
 #include <QWheelEvent>
 
 #include <functional>
@@ -231,6 +232,15 @@ TEST_F(QtPlatformTest, MenuReportsChoicesAndLeavesTheMarkToTheProgram) {
     menu.menuAction()->activate(QAction::Hover);
     EXPECT_EQ(told.menus, "m70");
     menu.close();
+    host->window().popup_menu({{0, "&More", {{9, "&One", {}, true, ItemState::greyed}}}}, 5, 5);
+    QAction& other =
+        *static_cast<QMenu*>(QApplication::activePopupWidget())->actions()[0]->menu()->actions()[0];
+    EXPECT_TRUE(other.isChecked() && !other.isEnabled());
+    other.setEnabled(true);
+    other.trigger();
+    EXPECT_EQ(drain(Event::Kind::command)[0].value, 9);
+    QApplication::activePopupWidget()->close();
+    drain();
 }
 
 TEST_F(QtPlatformTest, ClaimedKeysComeBeforeTheMenuAndAreNotTheMachines) {
@@ -454,12 +464,26 @@ TEST_F(QtPlatformTest, StatusBarIsTheBottomOfTheClientArea) {
     const QAccessibleInterface* reader = all->child(all->childCount() - 1);
     EXPECT_EQ(reader->role(), QAccessible::StatusBar);
     EXPECT_EQ(reader->text(QAccessible::Name), "Status bar");
-    EXPECT_EQ(reader->child(2)->text(QAccessible::Name), "Tape & more");
+    EXPECT_EQ(reader->child(3)->text(QAccessible::Name), "Tape & more");
     fit({40, 60});
     EXPECT_GT(told.status_draws, 0);
     bar.fill_rectangle({5, 6, 15, 8}, 0xFF0000);
     EXPECT_EQ(pixel(12, 60 - height + 7), 0xFF0000u);
     EXPECT_NE(pixel(7, 60 - height + 7), 0xFF0000u) << "another part";
+    std::string tip = "none";
+    bar.set_buttons({{{12, 0, 18, height}, "Lamp", [&] { return tip; }}});
+    tip = "now";
+    QToolButton& button = *client().findChild<QToolButton*>();
+    QAccessibleInterface* lamp = QAccessible::queryAccessibleInterface(&button);
+    EXPECT_EQ(lamp->text(QAccessible::Name) + lamp->text(QAccessible::Description), "Lampnow");
+    lamp->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_EQ(client().childAt(15, 59), &button) << "the part lets the pointer through";
+    EXPECT_NE(client().childAt(25, 59), &button);
+    EXPECT_EQ(drain(Event::Kind::status_button).size(), 1u);
+    bar.show_over("x");
+    EXPECT_NE(pixel(12, 60 - height + 7), 0xFF0000u);
+    bar.show_over("");
+    EXPECT_EQ(pixel(12, 60 - height + 7), 0xFF0000u);
     bar.destroy();
     EXPECT_EQ(bar.height(), 0);
 }

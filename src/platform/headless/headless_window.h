@@ -52,6 +52,10 @@ struct HeadlessWindow final : public Window {
     void check_item(int id, bool checked) override;
     void set_item_text(int id, const std::string& text) override;
     void set_item_state(int id, ItemState state) override;
+    void popup_menu(const std::vector<MenuEntry>& entries, int x, int y) override {
+        popup = entries;
+        popup_place = {x, y};
+    }
     void claim_keys(std::span<const KeyChord> chords) override {
         claimed.assign(chords.begin(), chords.end());
     }
@@ -77,7 +81,8 @@ struct HeadlessWindow final : public Window {
     double ratio = 1; ///< set by the driver
     bool full_screen = false, is_maximized = false, cursor_shown = true;
     int invalidations = 0;
-    std::vector<MenuEntry> menu;
+    std::vector<MenuEntry> menu, popup;
+    Size popup_place; ///< from the screen's corner
     std::vector<KeyChord> claimed;
     std::string readable_name;
     std::function<ReadableText()> readable;
@@ -167,6 +172,8 @@ struct HeadlessStatusBar final : public StatusBar {
     void set_text(int part, const std::string& text) override;
     void set_tip(int part, const std::string& text) override;
     void fill_rectangle(const Rectangle& area, Colour colour) override;
+    void set_buttons(const std::vector<StatusButton>& given) override { buttons = given; }
+    void show_over(const std::string& text) override { over = text; }
     Colour background_colour() override { return background; }
     Colour shadow_colour() override { return HEADLESS_SHADOW; }
     Colour highlight_colour() override { return HEADLESS_HIGHLIGHT; }
@@ -174,6 +181,8 @@ struct HeadlessStatusBar final : public StatusBar {
 
     bool creation_fails = false; ///< set by the driver
     Colour background = 0xC0C0C0;
+    std::vector<StatusButton> buttons;
+    std::string over; ///< all parts
     bool present = false;
     int drawn = -1;
     int redraws = 0;

@@ -90,6 +90,29 @@ public:
         : QAccessibleWidget(&bar, QAccessible::StatusBar, "Status bar") {}
 };
 
+/// A button of the status bar, which opens a menu.
+class StatusButtonReader final : public QAccessibleWidget {
+public:
+    explicit StatusButtonReader(QtStatusBarWidget::Button& button)
+        : QAccessibleWidget(&button, QAccessible::ButtonMenu), button_(button) {}
+
+    QAccessible::State state() const override {
+        QAccessible::State state = QAccessibleWidget::state();
+        state.hasPopup = true;
+        return state;
+    }
+    QString text(QAccessible::Text which) const override {
+        return which == QAccessible::Description ? button_.tip() : QAccessibleWidget::text(which);
+    }
+    QStringList actionNames() const override { return {pressAction()}; }
+    void doAction(const QString& action) override {
+        if (action == pressAction()) button_.click();
+    }
+
+private:
+    QtStatusBarWidget::Button& button_;
+};
+
 /// The film bar as a slider that is only read: the keys move it.
 class FilmBarReader final : public QAccessibleWidget, public QAccessibleValueInterface {
 public:
@@ -131,6 +154,9 @@ QAccessibleInterface* make_reader(const QString&, QObject* object) {
         if (const auto* bar = dynamic_cast<const QtFilmBar*>(&strip->strip()))
             return std::make_unique<FilmBarReader>(*strip, *bar).release();
         return std::make_unique<OverlayReader>(*strip).release();
+    }
+    if (auto* button = dynamic_cast<QtStatusBarWidget::Button*>(object)) {
+        return std::make_unique<StatusButtonReader>(*button).release();
     }
     if (auto* bar = dynamic_cast<QtStatusBarWidget*>(object)) {
         return std::make_unique<StatusBarReader>(*bar).release();

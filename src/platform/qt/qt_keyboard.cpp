@@ -18,14 +18,28 @@ struct NamedKey {
     uint8_t key;
 };
 
-constexpr NamedKey NAMED_KEYS[] = {
-    {Qt::Key_Backspace, KEY_BACKSPACE}, {Qt::Key_Tab, KEY_TAB},       {Qt::Key_Backtab, KEY_TAB},
-    {Qt::Key_Return, KEY_RETURN},       {Qt::Key_Enter, KEY_RETURN},  {Qt::Key_Shift, KEY_SHIFT},
-    {Qt::Key_Control, KEY_CONTROL},     {Qt::Key_Alt, KEY_ALT},       {Qt::Key_AltGr, KEY_ALT_GR},
-    {Qt::Key_Pause, KEY_PAUSE},         {Qt::Key_Escape, KEY_ESCAPE}, {Qt::Key_PageUp, KEY_PAGE_UP},
-    {Qt::Key_PageDown, KEY_PAGE_DOWN},  {Qt::Key_End, KEY_END},       {Qt::Key_Home, KEY_HOME},
-    {Qt::Key_Left, KEY_LEFT},           {Qt::Key_Up, KEY_UP},         {Qt::Key_Right, KEY_RIGHT},
-    {Qt::Key_Down, KEY_DOWN},           {Qt::Key_Insert, KEY_INSERT}, {Qt::Key_Delete, KEY_DELETE}};
+constexpr NamedKey NAMED_KEYS[] = {{Qt::Key_Backspace, KEY_BACKSPACE},
+                                   {Qt::Key_Tab, KEY_TAB},
+                                   {Qt::Key_Backtab, KEY_TAB},
+                                   {Qt::Key_Return, KEY_RETURN},
+                                   {Qt::Key_Enter, KEY_RETURN},
+                                   {Qt::Key_Shift, KEY_SHIFT},
+                                   {Qt::Key_Control, KEY_CONTROL},
+                                   {Qt::Key_Alt, KEY_ALT},
+                                   {Qt::Key_AltGr, KEY_ALT_GR},
+                                   {Qt::Key_Pause, KEY_PAUSE},
+                                   {Qt::Key_Escape, KEY_ESCAPE},
+                                   {Qt::Key_PageUp, KEY_PAGE_UP},
+                                   {Qt::Key_PageDown, KEY_PAGE_DOWN},
+                                   {Qt::Key_End, KEY_END},
+                                   {Qt::Key_Home, KEY_HOME},
+                                   {Qt::Key_Left, KEY_LEFT},
+                                   {Qt::Key_Up, KEY_UP},
+                                   {Qt::Key_Right, KEY_RIGHT},
+                                   {Qt::Key_Down, KEY_DOWN},
+                                   {Qt::Key_Insert, KEY_INSERT},
+                                   {Qt::Key_Delete, KEY_DELETE},
+                                   {Qt::Key_Menu, KEY_MENU}};
 
 constexpr bool is_printable(int code) { return code >= 0x20 && code <= 0x7E; }
 constexpr bool is_capital(int code) { return code >= 'A' && code <= 'Z'; }

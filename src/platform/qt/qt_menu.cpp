@@ -5,6 +5,22 @@
 #include <QMenu>
 #include <QStyleOption>
 
+#include <memory>
+
+namespace {
+
+void show_mark(QAction& action, bool checked) {
+    action.setCheckable(true);
+    action.setChecked(checked);
+}
+
+void show_state(QAction& action, ItemState state) {
+    action.setEnabled(state == ItemState::usual);
+    action.setVisible(state != ItemState::hidden);
+}
+
+} // namespace
+
 QtMenu::QtMenu(QMenuBar& bar, QtEvents& events) : bar_(bar), events_(events) {
     bar_.setNativeMenuBar(false);
     bar_.setStyle(&style_);
@@ -27,7 +43,7 @@ void QtMenu::set(const std::vector<MenuEntry>& menus) {
         QMenu& pulldown = *bar_.addMenu(to_qt(menu.text));
         QObject::connect(&pulldown, &QMenu::aboutToShow, [this] { events_.menu_opens(); });
         tell_highlighted(*pulldown.menuAction(), 0);
-        for (const MenuEntry& entry : menu.children) add(pulldown, entry);
+        for (const MenuEntry& entry : menu.children) add(pulldown, entry, true);
     }
 }
 
@@ -35,7 +51,7 @@ void QtMenu::tell_highlighted(const QAction& action, int id) {
     QObject::connect(&action, &QAction::hovered, [this, id] { events_.item_highlighted(id); });
 }
 
-void QtMenu::add(QMenu& menu, const MenuEntry& entry) {
+void QtMenu::add(QMenu& menu, const MenuEntry& entry, bool is_window_menu) {
     if (entry.text.empty()) {
         menu.addSeparator();
         return;
@@ -43,13 +59,13 @@ void QtMenu::add(QMenu& menu, const MenuEntry& entry) {
     if (!entry.children.empty()) {
         QMenu& submenu = *menu.addMenu(to_qt(entry.text));
         tell_highlighted(*submenu.menuAction(), 0);
-        for (const MenuEntry& child : entry.children) add(submenu, child);
+        for (const MenuEntry& child : entry.children) add(submenu, child, is_window_menu);
         return;
     }
     QAction* action = menu.addAction(to_qt(entry.text));
-    items_[entry.id] = action;
-    if (entry.checked) check(entry.id, true);
-    set_state(entry.id, entry.state);
+    if (is_window_menu) items_[entry.id] = action;
+    if (entry.checked) show_mark(*action, true);
+    show_state(*action, entry.state);
     tell_highlighted(*action, entry.id);
     QObject::connect(action, &QAction::triggered,
                      [this, id = entry.id, action] { choose(id, *action); });
@@ -65,8 +81,7 @@ void QtMenu::choose(int id, QAction& action) {
 void QtMenu::check(int id, bool checked) {
     const auto item = items_.find(id);
     if (item == items_.end()) return;
-    item->second->setCheckable(true);
-    item->second->setChecked(checked);
+    show_mark(*item->second, checked);
 }
 
 void QtMenu::set_text(int id, const std::string& text) {
@@ -76,7 +91,12 @@ void QtMenu::set_text(int id, const std::string& text) {
 
 void QtMenu::set_state(int id, ItemState state) {
     const auto item = items_.find(id);
-    if (item == items_.end()) return;
-    item->second->setEnabled(state == ItemState::usual);
-    item->second->setVisible(state != ItemState::hidden);
+    if (item != items_.end()) show_state(*item->second, state);
+}
+
+void QtMenu::popup(const std::vector<MenuEntry>& entries, const QPoint& place) {
+    auto* const menu = std::make_unique<QMenu>(bar_.window()).release(); // the window owns it
+    QObject::connect(menu, &QMenu::aboutToHide, menu, &QObject::deleteLater);
+    for (const MenuEntry& entry : entries) add(*menu, entry, false);
+    menu->popup(place - QPoint(0, menu->sizeHint().height()));
 }

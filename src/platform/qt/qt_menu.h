@@ -18,6 +18,8 @@ public:
     void check(int id, bool checked);
     void set_text(int id, const std::string& text);
     void set_state(int id, ItemState state);
+    /// A menu of its own, its lower left corner at the point where it fits there.
+    void popup(const std::vector<MenuEntry>& entries, const QPoint& place);
 
 private:
     /// Marks the chosen menu also while none is pulled down: the bar has the keyboard then, and the
@@ -28,7 +30,7 @@ private:
                          const QWidget* widget) const override;
     };
 
-    void add(QMenu& menu, const MenuEntry& entry);
+    void add(QMenu& menu, const MenuEntry& entry, bool is_window_menu);
     void choose(int id, QAction& action);
     void tell_highlighted(const QAction& action, int id);
 

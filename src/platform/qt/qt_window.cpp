@@ -232,6 +232,10 @@ void QtWindow::set_item_text(int id, const std::string& text) { menu_.set_text(i
 
 void QtWindow::set_item_state(int id, ItemState state) { menu_.set_state(id, state); }
 
+void QtWindow::popup_menu(const std::vector<MenuEntry>& entries, int x, int y) {
+    menu_.popup(entries, screen_origin() + QPoint(x, y));
+}
+
 void QtWindow::claim_keys(std::span<const KeyChord> chords) { input_.claim(chords); }
 
 void QtWindow::set_readable(const std::string& name, std::function<ReadableText()> text) {

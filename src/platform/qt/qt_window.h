@@ -37,6 +37,7 @@ public:
     void check_item(int id, bool checked) override;
     void set_item_text(int id, const std::string& text) override;
     void set_item_state(int id, ItemState state) override;
+    void popup_menu(const std::vector<MenuEntry>& entries, int x, int y) override;
     void claim_keys(std::span<const KeyChord> chords) override;
     void set_readable(const std::string& name, std::function<ReadableText()> text) override;
 

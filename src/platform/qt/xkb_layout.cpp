@@ -41,6 +41,7 @@ constexpr Place PLACES[] = {
     {103, KEY_UP},         {104, KEY_PAGE_UP},    {105, KEY_LEFT},       {106, KEY_RIGHT},
     {107, KEY_END},        {108, KEY_DOWN},       {109, KEY_PAGE_DOWN},  {110, KEY_INSERT},
     {111, KEY_DELETE},     {119, KEY_PAUSE},      {89, RIGHT_OF_SLASH},  {124, RIGHT_OF_PLUS},
+    {127, KEY_MENU},
 };
 
 constexpr std::array<uint8_t, 256> us_places() {
