@@ -12,7 +12,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
 #include <utility>
 
 namespace {
@@ -22,19 +21,6 @@ bool is_whole(double factor) { return std::abs(factor - std::round(factor)) < 1e
 /// Rows that are stretched at a time: few enough to stay in the processor's cache.
 constexpr int BAND = 16;
 constexpr QRect EVERYTHING(0, 0, QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
-
-/// The first row that differs, and the one behind the last; the same where none does.
-std::pair<int, int> rows_that_differ(const QImage& one, const QImage& other) {
-    const auto differs = [&](int row) {
-        return std::memcmp(one.constScanLine(row), other.constScanLine(row),
-                           size_t(one.bytesPerLine())) != 0;
-    };
-    int first = 0;
-    int end = one.height();
-    while (first < end && !differs(first)) ++first;
-    while (end > first && !differs(end - 1)) --end;
-    return {first, end};
-}
 
 constexpr int TAB_COLUMNS = 8;
 constexpr int FIRST_PRINTABLE = ' ';

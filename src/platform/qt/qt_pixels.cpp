@@ -82,3 +82,15 @@ QImage plain_picture(QSize size, const QColor& colour) {
     picture.fill(colour);
     return picture;
 }
+
+std::pair<int, int> rows_that_differ(const QImage& one, const QImage& other) {
+    const auto differs = [&](int row) {
+        return std::memcmp(one.constScanLine(row), other.constScanLine(row),
+                           size_t(one.bytesPerLine())) != 0;
+    };
+    int first = 0;
+    int end = one.height();
+    while (first < end && !differs(first)) ++first;
+    while (end > first && !differs(end - 1)) --end;
+    return {first, end};
+}

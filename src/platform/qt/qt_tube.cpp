@@ -8,7 +8,7 @@
 #include <QOpenGLExtraFunctions>
 
 #include <array>
-#include <cstring>
+#include <tuple>
 #include <utility>
 
 namespace {
@@ -18,18 +18,6 @@ constexpr GLsizei VERTICES = 3;
 constexpr GLint PICTURE_UNIT = 0;
 constexpr GLint GLOW_UNIT = 1;
 constexpr int64_t NANOSECONDS = 1000; ///< in a microsecond
-
-/// The first row that differs, and the one behind the last.
-TubeRows rows_that_differ(const QImage& one, const QImage& other) {
-    const auto differs = [&](int row) {
-        return std::memcmp(one.constScanLine(row), other.constScanLine(row),
-                           size_t(one.bytesPerLine())) != 0;
-    };
-    TubeRows rows = {0, one.height()};
-    while (rows.first < rows.end && !differs(rows.first)) ++rows.first;
-    while (rows.end > rows.first && !differs(rows.end - 1)) --rows.end;
-    return rows;
-}
 
 } // namespace
 
@@ -229,8 +217,8 @@ TubeRows QtTube::draw(const QImage& picture, QSize size, const Scaling& how) {
     QElapsedTimer timer;
     timer.start();
     const bool all = picture.size() != picture_.size() || size != drawn_.size() || how != how_;
-    const TubeRows changed =
-        all ? TubeRows{0, picture.height()} : rows_that_differ(picture, picture_);
+    TubeRows changed = {0, picture.height()};
+    if (!all) std::tie(changed.first, changed.end) = rows_that_differ(picture, picture_);
     if (changed.first == changed.end) return {};
     if (all) drawn_ = plain_picture(size, Qt::black);
     const TubeRows to_draw =
