@@ -2,8 +2,10 @@
 
 #include "core/pacing/pacing.h"
 #include "host/autostart.h"
+#include "host/dialogs/ask.h"
 #include "host/dialogs/dialogs.h"
 #include "host/examples.h"
+#include "host/loaded_program.h"
 #include "host/menu.h"
 #include "host/messages.h"
 #include "host/settings/prefs.h"
@@ -15,6 +17,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -32,6 +35,9 @@ constexpr size_t COLUMNS = 5;
 struct {
     std::unique_ptr<Form> form;
     int frames_to_come = 0; ///< until it is shown; 0 when it is not expected
+    /// The recommended answer is marked and counts as soon as the user goes on in the form. Who
+    /// closes it has not answered.
+    bool proposes = false;
 } welcome;
 
 /// The host shows smaller ones where the screen is too narrow.
@@ -93,13 +99,25 @@ FormDescription welcome_form() {
          buttons_below()}};
 }
 
-/// In the positional mapping the machine's quotation mark is on another key than it says.
-void tell_how_to_begin() {
-    StatusBarText("Type PRINT \"HELLO\" and press Enter%s", g_KeyMapping ? "" : "; \" is Shift+2");
-}
-
 /// In the shell's next turn, like a command of the menu.
 void command(int id) { platform().events().post({Event::Kind::command, id, 0, {}}); }
+
+/// In the positional mapping the machine's quotation mark is on another key than it says.
+void tell_how_to_begin() {
+    const bool symbolic = welcome.form->value(WELCOME_SYMBOLIC) != 0;
+    StatusBarText("Type PRINT \"HELLO\" and press Enter%s", symbolic ? "" : "; \" is Shift+2");
+}
+
+/// A game cannot be typed over.
+void begin_basic() {
+    const std::string& running = loaded_program().name;
+    if (running.empty()) return tell_how_to_begin();
+    ask("Type BASIC", running + " is in the machine. Restart it, to type a program of your own?",
+        {"&Restart", "&Go on"}, [](int answer) {
+            if (answer == 0) command(COMMAND_RESTART);
+            tell_how_to_begin();
+        });
+}
 
 /// The form stays, and has the keyboard again, when no file is chosen.
 void open_file() {
@@ -122,13 +140,16 @@ void choose_keys(bool symbolic) {
 }
 
 void user_acts(Form& form, const FormEvent& event) {
+    if (event.control == FORM_CLOSED) return;
+    const bool answers = event.control == WELCOME_SYMBOLIC || event.control == WELCOME_POSITIONAL;
+    if (std::exchange(welcome.proposes, false) || answers) {
+        choose_keys(form.value(WELCOME_SYMBOLIC) != 0);
+    }
+    if (answers) return;
     switch (event.control) {
-    case FORM_CLOSED: return;
-    case WELCOME_TYPE_BASIC: return tell_how_to_begin();
+    case WELCOME_TYPE_BASIC: return begin_basic();
     case WELCOME_OPEN: return open_file();
     case WELCOME_KEYS: form.close(); return command(COMMAND_KEYS);
-    case WELCOME_SYMBOLIC: return choose_keys(true);
-    case WELCOME_POSITIONAL: return choose_keys(false);
     default: break;
     }
     form.close();
@@ -138,6 +159,7 @@ void user_acts(Form& form, const FormEvent& event) {
 } // namespace
 
 void ui_welcome() {
+    const bool first = !shell_state.welcome_shown;
     shell_state.welcome_shown = true;
     const uint32_t shown = 1;
     SetValueDword("WelcomeShown", &shown); // at once, should the program be killed
@@ -146,6 +168,8 @@ void ui_welcome() {
         welcome.form->set_enabled(WELCOME_EXAMPLE + int(n), !example_path(examples[n]).empty());
     }
     welcome_key_mapping_changed();
+    welcome.proposes = first;
+    if (first) welcome.form->set_value(WELCOME_SYMBOLIC, 1);
     welcome.form->show();
 }
 
@@ -161,6 +185,7 @@ void welcome_frame_shown() {
 
 void welcome_key_mapping_changed() {
     if (!welcome.form) return;
+    welcome.proposes = false;
     welcome.form->set_value(g_KeyMapping ? WELCOME_SYMBOLIC : WELCOME_POSITIONAL, 1);
 }
 

@@ -1,5 +1,6 @@
 #include "cgenie/input.h"
 #include "host/examples.h"
+#include "host/loaded_program.h"
 #include "host/whole_program.h"
 #include "z80/z80.h"
 
@@ -42,7 +43,14 @@ TEST_F(WelcomeTest, ComesOnceToSomebodyWhoAsksForNothingAndStartsWhatIsChosen) {
     HeadlessForm* form = welcome("", {}, true);
     ASSERT_TRUE(form);
     EXPECT_NE(read_text(SETTINGS).find("WelcomeShown = 1"), std::string::npos);
-    for (const bool symbolic : {true, false, true}) {
+    EXPECT_EQ(form->value(SYMBOLIC), 1) << "recommended";
+    EXPECT_FALSE(is_menu_item_checked(COMMAND_SYMBOLIC_KEYS)) << "and not yet answered";
+    form->press(TYPE_BASIC);
+    turn(1);
+    EXPECT_EQ(host->status_text(3), "Type PRINT \"HELLO\" and press Enter");
+    EXPECT_TRUE(is_menu_item_checked(COMMAND_SYMBOLIC_KEYS));
+    command(COMMAND_WELCOME);
+    for (const bool symbolic : {false, true}) {
         form->choose(symbolic ? SYMBOLIC : POSITIONAL, 1);
         turn(1);
         EXPECT_EQ(is_menu_item_checked(COMMAND_SYMBOLIC_KEYS), symbolic);
@@ -65,8 +73,12 @@ TEST_F(WelcomeTest, ComesOnceToSomebodyWhoAsksForNothingAndStartsWhatIsChosen) {
     EXPECT_TRUE(host->status_text(3).ends_with("examples/tune.cmd")) << host->status_text(3);
     form->press(KEYS);
     EXPECT_FALSE(form->is_open());
+    turn(1);
     command(COMMAND_WELCOME);
+    host->dialogs().answers = {0};
     form->press(TYPE_BASIC);
+    turn(1);
+    EXPECT_EQ(loaded_program().name, "") << "switched off and on";
     EXPECT_EQ(host->status_text(3), "Type PRINT \"HELLO\" and press Enter; \" is Shift+2");
     emu_close();
 }
