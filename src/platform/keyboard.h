@@ -1,6 +1,7 @@
 #pragma once
 #include <cstdint>
 #include <optional>
+#include <string>
 
 /// A key and the modifiers that it needs (Modifier bits).
 struct KeyForCharacter {
@@ -21,6 +22,9 @@ struct HostKeyboard {
     /// The key that gives `character` (20 to 7E) in the active layout; nothing where it has none.
     /// The characters of AltGr need Control and Alt; a dead key counts for its own character.
     virtual std::optional<KeyForCharacter> key_for(char character) = 0;
+    /// What is printed on a key that gives a character, in UTF-8: what it gives alone, letters as
+    /// capitals. Empty where the layout has no such key.
+    virtual std::string label(uint8_t key) = 0;
     /// Takes every key for released.
     virtual void release_all() = 0;
     /// A frame has been run. A press lasts two of them at least: a key that is let go earlier

@@ -48,3 +48,13 @@ std::optional<KeyForCharacter> HeadlessKeyboard::key_for(char character) {
     if (character < ' ' || character > '~') return {};
     return layout[character - ' '];
 }
+
+std::string HeadlessKeyboard::label(uint8_t key) {
+    for (size_t n = 0; n < layout.size(); ++n) {
+        if (layout[n] != KeyForCharacter{key, 0}) continue;
+        const char character = char(n + ' ');
+        const bool small = character >= 'a' && character <= 'z';
+        return std::string(1, small ? char(character - 'a' + 'A') : character);
+    }
+    return {};
+}

@@ -21,6 +21,7 @@ public:
     bool is_down(uint8_t key) override;
     bool control_is_held() override;
     std::optional<KeyForCharacter> key_for(char character) override;
+    std::string label(uint8_t key) override { return layout_.label(key); }
     void release_all() override;
     void release_tapped() override;
 

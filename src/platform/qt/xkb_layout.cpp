@@ -116,6 +116,16 @@ uint8_t letter_of(const Source& source, xkb_keycode_t keycode) {
     return is_letter(code) ? uint8_t(code) : 0;
 }
 
+/// A dead key stands for the mark that is printed on it.
+std::string label_of(const Source& source, xkb_keycode_t keycode) {
+    const xkb_keysym_t symbol = source.symbol(keycode, 0);
+    const auto* dead = std::ranges::find(DEAD_KEYS, symbol, &DeadKey::symbol);
+    if (dead != std::end(DEAD_KEYS)) return {dead->character};
+    std::array<char, 8> text{};
+    xkb_keysym_to_utf8(xkb_keysym_to_upper(symbol), text.data(), text.size());
+    return text.data();
+}
+
 /// Keycode of each letter that the layout has.
 std::array<uint8_t, 26> find_letters(const Source& source) {
     std::array<uint8_t, 26> keycodes{};
@@ -238,6 +248,10 @@ XkbLayout XkbLayout::from_keymap(xkb_keymap* keymap, xkb_layout_index_t group) {
     CharacterSearch search(source, layout);
     for (size_t i = 0; i < layout.keys.size(); ++i)
         if (types_a_character(US_PLACES[i])) search.look_at(xkb_keycode_t(i));
+    for (size_t i = 0; i < layout.keys.size(); ++i) {
+        if (!types_a_character(US_PLACES[i]) || is_on_some_keyboards(US_PLACES[i])) continue;
+        layout.labels.emplace(layout.keys[i], label_of(source, xkb_keycode_t(i)));
+    }
     return layout;
 }
 
@@ -257,4 +271,9 @@ uint8_t XkbLayout::virtual_key(uint32_t keycode) const {
 std::optional<KeyForCharacter> XkbLayout::key_for(char character) const {
     const uint32_t index = uint32_t(uint8_t(character)) - uint32_t(FIRST_CHARACTER);
     return index < characters.size() ? characters[index] : std::nullopt;
+}
+
+std::string XkbLayout::label(uint8_t key) const {
+    const auto found = labels.find(key);
+    return found == labels.end() ? std::string() : found->second;
 }

@@ -10,7 +10,9 @@
 #include <xkbcommon/xkbcommon.h>
 
 #include <array>
+#include <map>
 #include <memory>
+#include <string>
 
 /// A key that selects the layout's third level. It stands for Control and Alt at once.
 inline constexpr uint8_t KEY_ALT_GR = 0xFF;
@@ -18,6 +20,8 @@ inline constexpr uint8_t KEY_ALT_GR = 0xFF;
 struct XkbLayout {
     std::array<uint8_t, 256> keys{};                           ///< by X keycode
     std::array<std::optional<KeyForCharacter>, 95> characters; ///< from 20 on
+
+    std::map<uint8_t, std::string> labels; ///< of the keys that give a character
 
     /// Layout number `group` of a map; null gives the US places, and no characters.
     static XkbLayout from_keymap(xkb_keymap* keymap, xkb_layout_index_t group);
@@ -28,6 +32,8 @@ struct XkbLayout {
     uint8_t virtual_key(uint32_t keycode) const;
     /// As in HostKeyboard.
     std::optional<KeyForCharacter> key_for(char character) const;
+    /// As in HostKeyboard.
+    std::string label(uint8_t key) const;
     bool operator==(const XkbLayout&) const = default;
 };
 
