@@ -176,6 +176,14 @@ xdotool key p
 picture pad "$(find_window 'Game pad keys')"
 xdotool key Escape
 
+xdotool key alt+o
+sleep 0.3
+xdotool key k w
+picture keyboard "$(find_window 'Colour Genie keyboard')"
+xdotool key alt+o
+sleep 0.3
+xdotool key k w
+
 for _ in 1 2 3; do
     xdotool key alt+s
     sleep 1

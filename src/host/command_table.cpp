@@ -9,6 +9,7 @@
 #include "host/autostart.h"
 #include "host/command_table_files.h"
 #include "host/command_table_help.h"
+#include "host/command_table_keyboard.h"
 #include "host/command_table_media.h"
 #include "host/command_table_pads.h"
 #include "host/command_table_panels.h"
@@ -527,7 +528,8 @@ std::span<const CommandRow> command_table() {
         std::vector<CommandRow> table(std::begin(rows), std::end(rows));
         for (const auto behind : {time_command_rows(), file_command_rows(), help_command_rows(),
                                   pad_command_rows(), window_command_rows(), panel_command_rows(),
-                                  tube_command_rows(), media_command_rows()}) {
+                                  tube_command_rows(), media_command_rows(),
+                                  keyboard_command_rows()}) {
             table.insert(table.end(), behind.begin(), behind.end());
         }
         return table;

@@ -5,6 +5,7 @@
 #include "host/examples.h"
 #include "host/menu.h"
 #include "host/recent.h"
+#include "host/screen_keyboard.h"
 #include "host/shell_state.h"
 #include "host/welcome.h"
 
@@ -38,6 +39,13 @@ void add_recent(std::vector<CommandRow>& rows, std::index_sequence<N...> /*all*/
     (rows.push_back(recent_row<N>()), ...);
 }
 
+void show_keys() {
+    if (shell_state.keyboard_place == KeyboardPlace::hidden) {
+        show_screen_keyboard(KeyboardPlace::docked);
+    }
+    ui_open_manual("keys.html");
+}
+
 std::vector<CommandRow> make_rows() {
     std::vector<CommandRow> rows = {
         {.id = COMMAND_MONITOR_F12,
@@ -67,8 +75,8 @@ std::vector<CommandRow> make_rows() {
          .run = [] { ui_open_manual("manual.html"); }},
         {.id = COMMAND_KEYS,
          .label = "&Keys",
-         .tip = "Shows in the browser what each key does.",
-         .run = [] { ui_open_manual("keys.html"); }},
+         .tip = "Shows which key of yours is which, and in the browser what it does.",
+         .run = show_keys},
         {.id = COMMAND_CLEAR_RECENT,
          .label = "&Clear list",
          .tip = "Forgets which files were opened.",

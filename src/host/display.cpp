@@ -9,6 +9,7 @@
 #include "host/main_window.h"
 #include "host/overlay.h"
 #include "host/picture_tube.h"
+#include "host/screen_keyboard.h"
 #include "host/shell.h"
 #include "host/status.h"
 #include "monitor/monitor.h"
@@ -151,6 +152,7 @@ void leave_full_screen() {
     ChangeCoopLevel();
     // If the canvas has another size by now, the window needs one, too.
     if (window_needs_fit()) fit_window(g_BackupRect);
+    fit_screen_keyboard();
 }
 
 } // namespace
@@ -173,8 +175,9 @@ int recreate_bitmap(bool giant, int bits) {
 int canvas_bits() { return g_1bitDisplay && !g_GiantScreen ? MONOCHROME : PALETTE; }
 
 void calc_cxcy(int width, int height) {
-    const Size outer =
-        platform().window().outer_size({width + 2 * MARGIN, height + 2 * MARGIN + docked_height()});
+    const int client_width = width + 2 * MARGIN;
+    const Size outer = platform().window().outer_size(
+        {client_width, height + 2 * MARGIN + docked_height(client_width)});
     cx = outer.width;
     cy = outer.height;
 }

@@ -166,3 +166,12 @@ std::optional<uint8_t> machine_key_of(uint8_t host_key) {
     }
     return {};
 }
+
+std::optional<KeyForCharacter> host_key_for(unsigned position, bool symbolic, bool shifted) {
+    const uint8_t place = kb_matrix[position / COLUMNS][position % COLUMNS];
+    const MapEntry entry = symbolic  ? symbolic_key_map[position + (shifted ? POSITIONS : 0)]
+                           : shifted ? NO_KEY
+                                     : map_entry(place, 0);
+    if (entry == NO_KEY || uint8_t(entry) == KEY_NONE) return {};
+    return KeyForCharacter{uint8_t(entry), uint8_t(entry >> MODIFIERS_AT)};
+}

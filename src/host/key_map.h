@@ -2,6 +2,8 @@
 /// Turns the keys of the host's keyboard into those of the machine's, in two mappings: by the place
 /// of the keys, or by the characters that they give in the host's layout.
 
+#include "platform/keyboard.h"
+
 #include <cstdint>
 #include <optional>
 
@@ -22,3 +24,6 @@ const char* machine_key_name(unsigned position);
 /// The key that the host's key presses alone in the present mapping; nothing for one that the
 /// machine does not have.
 std::optional<uint8_t> machine_key_of(uint8_t host_key);
+/// The host's key that presses a key of the machine, with the modifiers that it needs, in one of
+/// the mappings; nothing when no key does. With `shifted` in the symbolic mapping: the one for the character that the key gives with the machine's SHIFT.
+std::optional<KeyForCharacter> host_key_for(unsigned position, bool symbolic, bool shifted = false);

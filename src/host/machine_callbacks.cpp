@@ -17,6 +17,7 @@
 #include "host/replays.h"
 #include "host/rom_files.h"
 #include "host/save_question.h"
+#include "host/screen_keyboard.h"
 #include "host/screenshot.h"
 #include "host/status.h"
 #include "host/zip_files.h"
@@ -45,6 +46,7 @@ void connect_machine() {
         read_host_keys(input);
         read_host_joysticks(input);
         press_pad_keys(input);
+        press_screen_keys(input);
         memory_question_answer(input);
     };
     machine_host.was_reset = [] { last_file_name.clear(); };
@@ -70,6 +72,7 @@ void connect_machine() {
                 history_frame_ran();
                 replay_frame_ran();
                 memory_question_frame_ran();
+                screen_keys_frame_ran();
             },
         .show_ahead = show_frame_ahead,
         .run_frame = machine_run,

@@ -4,6 +4,7 @@
 #include "host/canvas.h"
 #include "host/display.h"
 #include "host/menu.h"
+#include "host/screen_keyboard.h"
 #include "host/shell_state.h"
 #include "host/status.h"
 #include "host/window_size.h"
@@ -18,7 +19,8 @@ Size machine_picture() { return {video_get_windowx(false), video_get_windowy(fal
 WindowRoom window_room() {
     Window& window = platform().window();
     const Rectangle available = window.available_area();
-    const Size around = window.outer_size({machine_picture().width, docked_height()});
+    const Size around =
+        window.outer_size({machine_picture().width, docked_height(available.width())});
     return {.screen = window.screen_size(),
             .available = {available.width(), available.height()},
             .around = {around.width - machine_picture().width, around.height},
@@ -34,8 +36,8 @@ Size usual_size() {
 }
 
 Rectangle window_at(const Rectangle& place, Size picture) {
-    const Size outer =
-        platform().window().outer_size({picture.width, picture.height + docked_height()});
+    const Size outer = platform().window().outer_size(
+        {picture.width, picture.height + docked_height(picture.width)});
     return {place.left, place.top, place.left + outer.width, place.top + outer.height};
 }
 
@@ -56,6 +58,17 @@ void fit_sizable(const Rectangle& place) {
     if (!window.maximized()) size_window(place, !opens); // it opens where the desktop likes
     if (opens) window.set_maximized(shell_state.opens_maximized);
     window.invalidate(); // with its size kept, nothing else would show the new canvas
+}
+
+void fit_for_canvas(Window& window, const Rectangle& place) {
+    limit_window_size();
+    if (!window_is_sizable()) {
+        window.move({place.left, place.top, place.left + cx, place.top + cy});
+    } else if (window_needs_fit()) {
+        fit_sizable(place);
+    } else {
+        window.invalidate();
+    }
 }
 
 } // namespace
@@ -92,7 +105,9 @@ bool remembers_maximized() {
 
 void open_maximized(bool on) { shell_state.opens_maximized = on; }
 
-int docked_height() { return StatusBarHeight(); }
+int docked_height(int client_width) {
+    return StatusBarHeight() + docked_keyboard_height(client_width);
+}
 
 void docked_height_changed() {
     if (g_bFullScreen) return;
@@ -104,8 +119,8 @@ void limit_window_size() {
     Window& window = platform().window();
     const bool fixed = g_bUseGDI && !window_is_sizable();
     if (!fixed) {
-        window.set_least_size(
-            window.outer_size({LEAST_PICTURE.width, LEAST_PICTURE.height + docked_height()}));
+        window.set_least_size(window.outer_size(
+            {LEAST_PICTURE.width, LEAST_PICTURE.height + docked_height(LEAST_PICTURE.width)}));
     }
     window.set_fixed_size(fixed ? Size{cx, cy} : Size{});
 }
@@ -115,14 +130,8 @@ void fit_window(const Rectangle& place) {
     StatusBarRedraw();
     Window& window = platform().window();
     if (!g_bUseGDI) return window.move(place);
-    limit_window_size();
-    if (!window_is_sizable()) {
-        window.move({place.left, place.top, place.left + cx, place.top + cy});
-    } else if (window_needs_fit()) {
-        fit_sizable(place);
-    } else {
-        window.invalidate();
-    }
+    fit_for_canvas(window, place);
+    fit_screen_keyboard();
     shell_state.window_fit = fit_now();
 }
 

@@ -24,8 +24,8 @@ Size chosen_picture_size();
 bool remembers_maximized();
 void open_maximized(bool on); ///< once the window gets its first size
 
-/// Height of all that lies in the client area below the picture.
-int docked_height();
+/// Height of all that lies below the picture in a client area of that width.
+int docked_height(int client_width);
 /// What is docked has another height: the picture keeps its size, if the window can follow.
 void docked_height_changed();
 /// Sets the limits of the size that the user can give the window.

@@ -4,6 +4,7 @@
 #include "cgenie/input.h"
 #include "cgenie/memory/memory.h"
 #include "core/machine.h"
+#include "host/screen_keyboard.h"
 #include "host/shell_state.h"
 
 #include <algorithm>
@@ -47,7 +48,8 @@ bool is_key_down() {
     const auto any = [](const uint8_t(&rows)[8]) {
         return std::ranges::any_of(rows, [](uint8_t row) { return row != 0; });
     };
-    return any(input.positional) || any(input.symbolic[0]) || any(input.symbolic[1]);
+    return any(input.positional) || any(input.symbolic[0]) || any(input.symbolic[1]) ||
+           screen_keys_are_held();
 }
 
 } // namespace

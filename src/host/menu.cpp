@@ -119,11 +119,17 @@ MenuEntry picture_size_menu() {
                     item(COMMAND_SCALE_SMOOTH), SEPARATOR, item(COMMAND_FIXED_WINDOW)});
 }
 
+MenuEntry keyboard_menu() {
+    return submenu("&Keyboard on the screen",
+                   {item(COMMAND_KEYBOARD_DOCKED), item(COMMAND_KEYBOARD_FLOATING)});
+}
+
 MenuEntry options_menu() {
     return submenu("&Options", {item(COMMAND_50HZ_TIMER),
                                 item(COMMAND_SOUND),
                                 item(COMMAND_CLEAN_SOUND),
                                 item(COMMAND_SYMBOLIC_KEYS),
+                                keyboard_menu(),
                                 item(COMMAND_PRINTER),
                                 item(COMMAND_PAD_KEYS),
                                 SEPARATOR,

@@ -32,6 +32,7 @@
 #include "host/replays.h"
 #include "host/resume.h"
 #include "host/rom_files.h"
+#include "host/screen_keyboard.h"
 #include "host/screen_text.h"
 #include "host/settings/choices.h"
 #include "host/settings/prefs.h"
@@ -139,6 +140,7 @@ void emu_init(const ShellOptions& options) {
     get_command_line(line);
     if (!g_bSound) sound_null_driver_init(); // the command line may have switched it off
     set_check_marks();
+    start_screen_keyboard();
     set_screen_params(g_GiantScreen, canvas_bits());
     take_late_screenshot();
     if (!avi_name.empty()) video_save_to_avi(false, avi_name);

@@ -4,6 +4,7 @@
 
 #include "host/command_line.h"
 #include "platform/geometry.h"
+#include "platform/window.h"
 
 #include <cstdint>
 #include <string>
@@ -32,6 +33,11 @@ struct WindowFit {
     bool operator==(const WindowFit&) const = default;
 };
 
+/// Where the floating keyboard was last, on the screen. A width of 0: nowhere yet.
+struct FloatingKeyboard {
+    uint32_t left = 0, top = 0, width = 0;
+};
+
 struct shell_record {
     ShellOptions start;
 
@@ -56,9 +62,11 @@ struct shell_record {
     uint32_t window_scale = 0;    ///< a WindowScale
     uint32_t window_width = 0;    ///< of the picture's area, by the user's choice; 0: none
     uint32_t window_height = 0;   ///< likewise
-    uint32_t history_limit = 0;   ///< MB
-    uint32_t composite_blur = 0;  ///< nonzero: composite filter, canvas of 32 bits per pixel
-    uint32_t sound_latency = 0;   ///< ms, as it was read
+    KeyboardPlace keyboard_place = KeyboardPlace::hidden; ///< of the machine's, on the screen
+    FloatingKeyboard floating_keyboard;
+    uint32_t history_limit = 0;  ///< MB
+    uint32_t composite_blur = 0; ///< nonzero: composite filter, canvas of 32 bits per pixel
+    uint32_t sound_latency = 0;  ///< ms, as it was read
 
     // At the moment.
     bool active = true;     ///< frames are run in idle time

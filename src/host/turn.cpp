@@ -22,6 +22,7 @@
 #include "host/recent.h"
 #include "host/resume.h"
 #include "host/rewind.h"
+#include "host/screen_keyboard.h"
 #include "host/shell.h"
 #include "host/status.h"
 #include "host/welcome.h"
@@ -79,6 +80,7 @@ public:
         case PaneId::monitor: return monitor_update();
         case PaneId::film_bar: return film_bar_draw();
         case PaneId::overlay: return overlay_draw();
+        case PaneId::keyboard: return draw_screen_keyboard();
         }
     }
     void draw_status() override { led_redraw(1); }
@@ -133,7 +135,8 @@ bool is_of_use(const Event& event) {
     switch (event.kind) {
     case Event::Kind::key_down: return !event.repeat || repeats(event) || rewind_wants(event);
     case Event::Kind::pointer:
-        return is_double_click(event) || is_scrolling(event) || rewind_wants(event);
+        return screen_keyboard_wants(event) || is_double_click(event) || is_scrolling(event) ||
+               rewind_wants(event);
     case Event::Kind::key_up:
     case Event::Kind::text: return false;
     default: return true;
@@ -141,6 +144,7 @@ bool is_of_use(const Event& event) {
 }
 
 void pointer_used(const Event& event) {
+    if (screen_keyboard_wants(event)) return screen_keyboard_take_event(event);
     if (rewind_take_event(event)) return;
     if (is_double_click(event)) handle_command(COMMAND_GIANT_SCREEN);
     if (is_scrolling(event)) wheel_turned(event.value);
@@ -167,6 +171,7 @@ void layout_changed(bool by_user) {
     host_keyboard_init();
     machine_apply(event_kind::key_mapping, g_KeyMapping);
     check_menu_item(COMMAND_SYMBOLIC_KEYS, g_KeyMapping);
+    relabel_screen_keyboard();
 }
 
 void handle(const Event& event) {
@@ -242,6 +247,7 @@ ShellTurn main_turn() {
     if (!is_halted()) {
         const int64_t wait = paced_frame_step();
         if (!wait) welcome_frame_shown();
+        update_screen_keyboard();
         main_disk_keep_journals_when_due();
         resume_keep_when_due();
         return {.next = wait ? in_time : now, .microseconds = wait};
@@ -249,6 +255,8 @@ ShellTurn main_turn() {
     main_disk_keep_journals(); // the program may now wait for long
     if (!turn.menu_open) resume_keep_halted();
     platform().keyboard().release_tapped();
+    screen_keys_frame_ran();
+    update_screen_keyboard();
     return {.next = on_event};
 }
 
@@ -271,6 +279,7 @@ void WindowProcedure(const Event& event) {
         break;
     case Event::Kind::moved: reset_timer(); break;
     case Event::Kind::resized:
+        fit_screen_keyboard();
         StatusBarRedraw();
         window_was_resized();
         reset_timer();

@@ -26,6 +26,7 @@ struct Pointer {
     uint8_t button = 0;  ///< that has changed
     uint8_t buttons = 0; ///< that are down
     bool touch = false;
+    int finger = 0; ///< which of several that touch; 0 for the mouse
 };
 
 /// A message for the main loop.

@@ -6,8 +6,8 @@
 #include <string>
 
 /// The areas that the program draws, from back to front. The picture is always there.
-enum class PaneId : uint8_t { picture, monitor, film_bar, overlay };
-constexpr size_t PANES = 4;
+enum class PaneId : uint8_t { picture, monitor, film_bar, overlay, keyboard };
+constexpr size_t PANES = 5;
 
 /// What a screen reader finds in a pane that works like a slider.
 struct SliderReading {
@@ -37,10 +37,12 @@ struct Scaling {
 /// the client area above the status bar; the film bar lies over the lowest lines of that area, as
 /// high as two rows of text with some room around them; the overlay lies over its top lines, in
 /// larger text where the area is large. Black lets some of what is behind the overlay through, and
-/// the pointer does not meet it.
+/// the pointer does not meet it. The keyboard is where Window puts it.
 struct Pane {
     virtual ~Pane() = default;
     virtual Size size() = 0;
+    /// Pixels of the screen in one of the pane's, each way.
+    virtual double scale() { return 1; }
     /// A pane that is shown covers those behind it.
     virtual void show(bool on) = 0;
     /// Copies the picture 1:1, its top left corner at (x, y).

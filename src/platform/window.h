@@ -26,6 +26,10 @@ struct KeyChord {
     uint8_t modifiers = 0;
 };
 
+/// Where the picture of the machine's keyboard is: docked below the picture, above the status bar,
+/// or in a window of its own in front of the main window, which the user can size and close.
+enum class KeyboardPlace : uint8_t { hidden, docked, floating };
+
 /// Text that a screen reader finds in place of the picture.
 struct ReadableText {
     static constexpr int NO_CURSOR = -1;
@@ -80,6 +84,13 @@ struct Window {
     virtual void popup_menu(const std::vector<MenuEntry>& entries, int x, int y) = 0;
     /// Keys that reach the program as key_down even where a menu or a control would take them.
     virtual void claim_keys(std::span<const KeyChord> chords) = 0;
+    /// Puts the pane of the keyboard there. Docked, it gets the height of `wanted` over the whole
+    /// width of the client area, and none of the whole screen. Floating, it is that rectangle on
+    /// the screen; where its left top corner is 0, the host chooses the place. That window never
+    /// takes the keyboard from the main window; closed by the user, it sends the command `closed`.
+    virtual void place_keyboard(KeyboardPlace place, const Rectangle& wanted, int closed) = 0;
+    /// Of the floating keyboard, on the screen; all 0 when there is none.
+    virtual Rectangle keyboard_rectangle() = 0;
     /// Name of the client area for screen readers, and its text, asked for only while one listens.
     virtual void set_readable(const std::string& name, std::function<ReadableText()> text) = 0;
 };

@@ -335,7 +335,21 @@ std::vector<Stop> TourTest::stops() {
         {40220, nothing, option(shell_state.ask_memory_size, 40220, true)},
         {40230, nothing, [this] { EXPECT_TRUE(host->forms().find("Welcome")->is_open()); }},
         {40231, nothing, status("The manual is not installed")},
-        {40232, nothing, status("The manual is not installed")},
+        {40232, nothing,
+         [this] {
+             status("The manual is not installed")();
+             expect_mark(40228, true);
+         }},
+        {40228, nothing,
+         [this] {
+             expect_mark(40228, true);
+             EXPECT_EQ(host->window().keyboard_place, KeyboardPlace::docked);
+         }},
+        {40229, nothing,
+         [this] {
+             expect_mark(40229, true);
+             EXPECT_EQ(host->window().keyboard_place, KeyboardPlace::floating);
+         }},
         {40233, nothing, option(shell_state.monitor_f12, 40233, true)},
         {40205,
          [this] {

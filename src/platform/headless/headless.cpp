@@ -122,8 +122,9 @@ struct HeadlessPlatform::State {
           panes{
               HeadlessPane(window, status_bar, options.keep_pictures),
               HeadlessPane(window, status_bar, options.keep_pictures),
-              HeadlessPane(window, status_bar, options.keep_pictures, HEADLESS_FILM_BAR),
-              HeadlessPane(window, status_bar, options.keep_pictures, HEADLESS_OVERLAY),
+              HeadlessPane(window, status_bar, options.keep_pictures, PaneId::film_bar),
+              HeadlessPane(window, status_bar, options.keep_pictures, PaneId::overlay),
+              HeadlessPane(window, status_bar, options.keep_pictures, PaneId::keyboard),
           },
           settings_file(options.settings_path) {
         panes[size_t(PaneId::picture)].shown = true;

@@ -126,9 +126,27 @@ ItemState HeadlessWindow::item_state(int id) const {
     return item ? item->state : ItemState::hidden;
 }
 
+void HeadlessWindow::place_keyboard(KeyboardPlace place, const Rectangle& wanted, int closed) {
+    keyboard_place = place;
+    keyboard = wanted;
+    keyboard_closed = closed;
+}
+
+Rectangle HeadlessWindow::keyboard_rectangle() {
+    return keyboard_place == KeyboardPlace::floating ? keyboard : Rectangle{};
+}
+
 Size HeadlessPane::size() {
     const Size client = window_.client_size();
-    return {client.width, height_ ? height_ : std::max(client.height - status_bar_.height(), 0)};
+    const bool docked = window_.keyboard_place == KeyboardPlace::docked && !window_.full_screen;
+    const int keyboard = docked ? window_.keyboard.height() : 0;
+    switch (id_) {
+    case PaneId::film_bar: return {client.width, HEADLESS_FILM_BAR};
+    case PaneId::overlay: return {client.width, message_height_};
+    case PaneId::keyboard: return {window_.keyboard.width(), window_.keyboard.height()};
+    default: break;
+    }
+    return {client.width, std::max(client.height - status_bar_.height() - keyboard, 0)};
 }
 
 void HeadlessPane::copy_bitmap(const BitmapView& picture, int x, int y) {

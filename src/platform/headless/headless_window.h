@@ -59,6 +59,8 @@ struct HeadlessWindow final : public Window {
     void claim_keys(std::span<const KeyChord> chords) override {
         claimed.assign(chords.begin(), chords.end());
     }
+    void place_keyboard(KeyboardPlace place, const Rectangle& wanted, int closed) override;
+    Rectangle keyboard_rectangle() override;
     void set_readable(const std::string& name, std::function<ReadableText()> text) override {
         readable_name = name;
         readable = std::move(text);
@@ -80,6 +82,9 @@ struct HeadlessWindow final : public Window {
     Size least;
     double ratio = 1; ///< set by the driver
     bool full_screen = false, is_maximized = false, cursor_shown = true;
+    KeyboardPlace keyboard_place = KeyboardPlace::hidden;
+    Rectangle keyboard; ///< as it was wanted
+    int keyboard_closed = 0;
     int invalidations = 0;
     std::vector<MenuEntry> menu, popup;
     Size popup_place; ///< from the screen's corner
@@ -114,10 +119,9 @@ struct HeadlessText {
 };
 
 struct HeadlessPane final : public Pane {
-    /// A height of 0 is that of the client area above the status bar.
-    HeadlessPane(HeadlessWindow& window, StatusBar& status_bar, bool keep_pictures, int height = 0)
-        : window_(window), status_bar_(status_bar), keep_pictures_(keep_pictures), height_(height) {
-    }
+    HeadlessPane(HeadlessWindow& window, StatusBar& status_bar, bool keep_pictures,
+                 PaneId id = PaneId::picture)
+        : window_(window), status_bar_(status_bar), keep_pictures_(keep_pictures), id_(id) {}
 
     Size size() override;
     void show(bool on) override { shown = on; }
@@ -135,7 +139,7 @@ struct HeadlessPane final : public Pane {
     void set_reading(const SliderReading& given) override { reading = given; }
     void set_message(const std::string& text, int rows) override {
         message = text;
-        height_ = HEADLESS_OVERLAY + (rows - 1) * HEADLESS_CELL.height;
+        message_height_ = HEADLESS_OVERLAY + (rows - 1) * HEADLESS_CELL.height;
     }
 
     /// What the pane holds, where pictures are kept; black where nothing was drawn.
@@ -159,7 +163,8 @@ private:
     HeadlessWindow& window_;
     StatusBar& status_bar_;
     bool keep_pictures_;
-    int height_;
+    PaneId id_;
+    int message_height_ = HEADLESS_OVERLAY;
     Size size_;
     std::vector<Colour> pixels_;
 };

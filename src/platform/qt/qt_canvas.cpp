@@ -49,6 +49,7 @@ void QtCanvas::paintEvent(QPaintEvent* event) {
 void QtCanvas::resizeEvent(QResizeEvent*) {
     film_bar_.lay_out();
     overlay_.lay_out();
+    keyboard_.lay_out();
     events_.paint(front_id());
     events_.post_once(Event::Kind::paint);
 }

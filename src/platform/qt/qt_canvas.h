@@ -2,6 +2,7 @@
 #include "platform/geometry.h"
 #include "platform/qt/qt_events.h"
 #include "platform/qt/qt_film_bar.h"
+#include "platform/qt/qt_keyboard_window.h"
 #include "platform/qt/qt_overlay.h"
 #include "platform/qt/qt_pane.h"
 #include "platform/qt/qt_tube.h"
@@ -25,6 +26,7 @@ public:
     QtFilmBar& film_bar() { return film_bar_; }
     QtOverlay& overlay() { return overlay_; }
     QtTube& tube() { return tube_; }
+    QtKeyboardPane& keyboard() { return keyboard_; }
     PaneId front_id() const;
     QtPane& front() { return pane(front_id()); }
     const CellFont& font() const { return font_; }
@@ -54,6 +56,7 @@ private:
     std::function<Size()> room_;
     QtFilmBar film_bar_{*this, events_};
     QtOverlay overlay_{*this, events_};
+    QtKeyboardPane keyboard_{*this, events_};
     std::function<ReadableText()> readable_; ///< null: there is none
     Readable told_;                          ///< to screen readers
 };

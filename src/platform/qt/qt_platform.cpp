@@ -111,7 +111,9 @@ struct QtPlatform::Services {
                          [this] { events.session_ends(); });
         window.canvas().set_room([this] {
             const Size client = window.client_size();
-            return Size{client.width, std::max(client.height - status_bar.height(), 0)};
+            return Size{client.width, std::max(client.height - status_bar.height() -
+                                                   window.canvas().keyboard().docked_height(),
+                                               0)};
         });
         events.set_pump_hook([this] {
             if (!keyboard.refresh()) return;
@@ -160,6 +162,7 @@ Pane& QtPlatform::pane(PaneId id) {
     QtCanvas& canvas = services_->window.canvas();
     if (id == PaneId::film_bar) return canvas.film_bar();
     if (id == PaneId::overlay) return canvas.overlay();
+    if (id == PaneId::keyboard) return canvas.keyboard();
     return canvas.pane(id);
 }
 Paths& QtPlatform::paths() { return services_->paths; }

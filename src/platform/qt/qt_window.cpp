@@ -96,6 +96,7 @@ bool QtWindow::create(const std::string& title) {
 void QtWindow::show() {
     frame_.show();
     frame_.windowHandle()->installEventFilter(&frame_);
+    canvas_.keyboard().show_window(true);
     canvas_.setFocus();
     // Waits until the window has its place: a dialog that follows at once is placed by it.
     const QDeadlineTimer limit(LONGEST_OPENING);
@@ -104,7 +105,10 @@ void QtWindow::show() {
     }
 }
 
-void QtWindow::destroy() { frame_.hide(); }
+void QtWindow::destroy() {
+    canvas_.keyboard().show_window(false);
+    frame_.hide();
+}
 
 QWidget* QtWindow::owner() { return frame_.isVisible() ? &frame_ : nullptr; }
 
@@ -208,6 +212,7 @@ void QtWindow::set_full_screen(bool on) {
     if (full_screen_ == on) return;
     full_screen_ = on;
     frame_.menuBar()->setVisible(!on);
+    canvas_.keyboard().set_full_screen(on);
     if (on) {
         windowed_ = frame_.geometry();
         lift_limits();
@@ -237,6 +242,10 @@ void QtWindow::popup_menu(const std::vector<MenuEntry>& entries, int x, int y) {
 }
 
 void QtWindow::claim_keys(std::span<const KeyChord> chords) { input_.claim(chords); }
+
+void QtWindow::place_keyboard(KeyboardPlace place, const Rectangle& wanted, int closed) {
+    canvas_.keyboard().place(place, wanted, closed);
+}
 
 void QtWindow::set_readable(const std::string& name, std::function<ReadableText()> text) {
     canvas_.setAccessibleName(to_qt(name));

@@ -39,6 +39,8 @@ public:
     void set_item_state(int id, ItemState state) override;
     void popup_menu(const std::vector<MenuEntry>& entries, int x, int y) override;
     void claim_keys(std::span<const KeyChord> chords) override;
+    void place_keyboard(KeyboardPlace place, const Rectangle& wanted, int closed) override;
+    Rectangle keyboard_rectangle() override { return canvas_.keyboard().rectangle(); }
     void set_readable(const std::string& name, std::function<ReadableText()> text) override;
 
     QtCanvas& canvas() { return canvas_; }

@@ -1,0 +1,91 @@
+#pragma once
+#include "platform/qt/qt_events.h"
+#include "platform/qt/qt_pane.h"
+#include "platform/window.h"
+
+#include <QTimer>
+#include <QTouchEvent>
+#include <QWidget>
+
+#include <memory>
+
+class QtCanvas;
+
+/// The pane of the machine's keyboard: a widget in the client area, or in a window of its own.
+class QtKeyboardPane final : public QtDrawing {
+public:
+    /// The part that is seen. The mouse and fingers in it are told to the shell.
+    class Widget final : public QWidget {
+    public:
+        Widget(QtKeyboardPane& pane, QtEvents& events);
+
+    protected:
+        bool event(QEvent* event) override;
+        void paintEvent(QPaintEvent* event) override;
+        void resizeEvent(QResizeEvent* event) override;
+
+    private:
+        void tell_mouse(const QMouseEvent& event, Pointer::Act act);
+        void tell_fingers(const QTouchEvent& event);
+        void tell(Pointer pointer, QPointF place);
+
+        QtKeyboardPane& pane_;
+        QtEvents& events_;
+    };
+
+    QtKeyboardPane(QtCanvas& canvas, QtEvents& events);
+
+    Size size() override { return {widget_.width(), widget_.height()}; }
+    double scale() override { return widget_.devicePixelRatioF(); }
+    void show(bool on) override { widget_.setVisible(on); }
+    void stretch_bitmap(const BitmapView& picture, const Rectangle& target,
+                        const Scaling& how) override;
+
+    /// As Window::place_keyboard and keyboard_rectangle say.
+    void place(KeyboardPlace place, const Rectangle& wanted, int closed);
+    Rectangle rectangle() const;
+    /// What it takes of the client area; none of the whole screen.
+    int docked_height() const;
+    /// Follows the size of the client area.
+    void lay_out();
+    void set_full_screen(bool on);
+    /// The main window appears or goes, and the floating one with it.
+    void show_window(bool on);
+
+private:
+    /// The window of the floating keyboard. It keeps the proportion of its first size.
+    class Frame final : public QWidget {
+    public:
+        Frame(QtCanvas& canvas, QtEvents& events);
+        void keep(QSize proportion) { proportion_ = proportion; }
+        void set_closed(int command) { closed_ = command; }
+
+    protected:
+        bool event(QEvent* event) override;
+        void closeEvent(QCloseEvent* event) override;
+        void resizeEvent(QResizeEvent* event) override;
+
+    private:
+        void restore_proportion();
+
+        QtCanvas& canvas_;
+        QtEvents& events_;
+        QSize proportion_;
+        QTimer sized_; ///< the user has not sized it for a while
+        int closed_ = 0;
+    };
+
+    QImage& drawing() override;
+    QSize pixels() const;
+    void drawn(const QRect& area) override { widget_.update(area); }
+    void float_at(const Rectangle& wanted);
+
+    QtCanvas& canvas_;
+    QtEvents& events_;
+    std::unique_ptr<Frame> frame_;
+    Widget widget_; ///< goes before its parent
+    KeyboardPlace place_ = KeyboardPlace::hidden;
+    int height_ = 0;
+    bool full_screen_ = false;
+    QImage drawing_;
+};
