@@ -25,5 +25,6 @@ const char* machine_key_name(unsigned position);
 /// machine does not have.
 std::optional<uint8_t> machine_key_of(uint8_t host_key);
 /// The host's key that presses a key of the machine, with the modifiers that it needs, in one of
-/// the mappings; nothing when no key does. With `shifted` in the symbolic mapping: the one for the character that the key gives with the machine's SHIFT.
+/// the mappings; nothing when no key does. With `shifted` in the symbolic mapping: the one for the
+/// character that the key gives with the machine's SHIFT.
 std::optional<KeyForCharacter> host_key_for(unsigned position, bool symbolic, bool shifted = false);

@@ -203,6 +203,20 @@ std::vector<KeyLook> present_looks() {
     return looks;
 }
 
+void tell_readers() {
+    const double scale = pane().scale();
+    std::vector<PaneButton> buttons;
+    for (const ScreenKey& key : screen_keys()) {
+        const Area area = area_of(key, pixels());
+        const auto place = [scale](double at) { return int(std::lround(at / scale)); };
+        buttons.push_back(
+            {spoken_name(key),
+             {place(area.left), place(area.top), place(area.right), place(area.bottom)},
+             picture.looks[buttons.size()].light != KeyLook::Light::off});
+    }
+    pane().set_buttons(buttons);
+}
+
 void draw(bool anew) {
     const Size size = pixels();
     if (!is_shown() || size.width <= 0 || size.height <= 0) return;
@@ -220,6 +234,7 @@ void draw(bool anew) {
     }
     picture.looks = std::move(looks);
     if (!changed) return;
+    tell_readers();
     const Size area = pane().size();
     pane().stretch_bitmap(picture.drawing->view(), {0, 0, area.width, area.height},
                           {.smooth = true});

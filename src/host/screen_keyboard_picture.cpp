@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -296,6 +297,19 @@ void draw_button(const Brush& brush, const ScreenKey& key, const KeyLook& look, 
 std::span<const ScreenKey> screen_keys() {
     static const std::vector<ScreenKey> keys = make_keys();
     return keys;
+}
+
+std::string spoken_name(const ScreenKey& key) {
+    constexpr std::pair<std::string_view, const char*> ARROWS[] = {{"\u2190", "Cursor left"},
+                                                                   {"\u2191", "Cursor up"},
+                                                                   {"\u2192", "Cursor right"},
+                                                                   {"\u2193", "Cursor down"}};
+    if (key.kind == space) return "Space";
+    const std::string_view legend = key.legend;
+    for (const auto& [arrow, name] : ARROWS) {
+        if (legend == arrow) return name;
+    }
+    return std::string(legend) + (*key.shifted ? " " : "") + key.shifted;
 }
 
 std::optional<uint8_t> graphics_code(const ScreenKey& key, bool shifted) {

@@ -51,6 +51,9 @@ struct KeyLook {
     bool operator==(const KeyLook&) const = default;
 };
 
+/// In words, for those who do not see the picture.
+std::string spoken_name(const ScreenKey& key);
+
 /// The code of the character that a key gives with MOD SEL, or nothing.
 std::optional<uint8_t> graphics_code(const ScreenKey& key, bool shifted);
 

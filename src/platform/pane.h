@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 /// The areas that the program draws, from back to front. The picture is always there.
 enum class PaneId : uint8_t { picture, monitor, film_bar, overlay, keyboard };
@@ -19,6 +20,14 @@ struct SliderReading {
 
 /// How much a picture looks like that of a picture tube.
 enum class TubeLook : uint8_t { off, soft, strong };
+
+/// What a screen reader finds in a pane with things to click: one of them.
+struct PaneButton {
+    std::string name;
+    Rectangle area;
+    bool pressed = false;
+    bool operator==(const PaneButton&) const = default;
+};
 
 /// How a picture is stretched.
 struct Scaling {
@@ -60,6 +69,8 @@ struct Pane {
     virtual void line(int x, int y, int length, Colour colour) = 0;
     /// Only the film bar tells it.
     virtual void set_reading(const SliderReading& reading) = 0;
+    /// Only the keyboard tells them. A screen reader that uses one clicks into its middle.
+    virtual void set_buttons(const std::vector<PaneButton>& buttons) = 0;
     /// Only the overlay tells it: a text for screen readers, and how many rows the pane is to have
     /// room for.
     virtual void set_message(const std::string& text, int rows) = 0;

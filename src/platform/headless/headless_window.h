@@ -137,6 +137,7 @@ struct HeadlessPane final : public Pane {
         lines.push_back({{x, y, x + length, y + 1}, colour});
     }
     void set_reading(const SliderReading& given) override { reading = given; }
+    void set_buttons(const std::vector<PaneButton>& given) override { buttons = given; }
     void set_message(const std::string& text, int rows) override {
         message = text;
         message_height_ = HEADLESS_OVERLAY + (rows - 1) * HEADLESS_CELL.height;
@@ -154,6 +155,7 @@ struct HeadlessPane final : public Pane {
     std::vector<HeadlessFill> lines; ///< likewise
     SliderReading reading;
     std::string message;
+    std::vector<PaneButton> buttons;
 
 private:
     void forget(const Rectangle& area);

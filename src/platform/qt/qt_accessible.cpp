@@ -5,10 +5,13 @@
 #include "platform/qt/qt_text.h"
 
 #include <QAccessibleWidget>
+#include <QPointer>
+#include <QWindow>
 
 #include <algorithm>
 #include <iterator>
 #include <memory>
+#include <vector>
 
 namespace {
 
@@ -145,6 +148,98 @@ public:
         : QAccessibleWidget(&widget, QAccessible::AlertMessage) {}
 };
 
+/// A key of the keyboard on the screen.
+class KeyReader final : public QAccessibleInterface, public QAccessibleActionInterface {
+public:
+    KeyReader(QtKeyboardPane::Widget& keyboard, size_t number)
+        : keyboard_(&keyboard), number_(number) {}
+
+    bool isValid() const override { return key() != nullptr; }
+    QObject* object() const override { return nullptr; }
+    QWindow* window() const override {
+        return isValid() ? keyboard_->window()->windowHandle() : nullptr;
+    }
+    QAccessibleInterface* parent() const override {
+        return QAccessible::queryAccessibleInterface(keyboard_);
+    }
+    QAccessibleInterface* child(int) const override { return nullptr; }
+    QAccessibleInterface* childAt(int, int) const override { return nullptr; }
+    int childCount() const override { return 0; }
+    int indexOfChild(const QAccessibleInterface*) const override { return -1; }
+    QAccessible::Role role() const override { return QAccessible::PushButton; }
+    QString text(QAccessible::Text which) const override {
+        return isValid() && which == QAccessible::Name ? to_qt(key()->name) : QString();
+    }
+    void setText(QAccessible::Text, const QString&) override {}
+    QRect rect() const override {
+        if (!isValid()) return {};
+        const Rectangle& area = key()->area;
+        return {keyboard_->mapToGlobal(QPoint(area.left, area.top)),
+                QSize(area.width(), area.height())};
+    }
+    QAccessible::State state() const override {
+        QAccessible::State state;
+        state.pressed = isValid() && key()->pressed;
+        state.invisible = !isValid() || !keyboard_->isVisible();
+        return state;
+    }
+    void* interface_cast(QAccessible::InterfaceType type) override {
+        if (type == QAccessible::ActionInterface)
+            return static_cast<QAccessibleActionInterface*>(this);
+        return nullptr;
+    }
+
+    QStringList actionNames() const override { return {pressAction()}; }
+    void doAction(const QString& action) override {
+        if (isValid() && action == pressAction()) keyboard_->click(*key());
+    }
+    QStringList keyBindingsForAction(const QString&) const override { return {}; }
+
+private:
+    const PaneButton* key() const {
+        const bool there = keyboard_ && number_ < keyboard_->buttons().size();
+        return there ? &keyboard_->buttons()[number_] : nullptr;
+    }
+
+    QPointer<QtKeyboardPane::Widget> keyboard_;
+    size_t number_;
+};
+
+class KeyboardReader final : public QAccessibleWidget {
+public:
+    explicit KeyboardReader(QtKeyboardPane::Widget& keyboard)
+        : QAccessibleWidget(&keyboard, QAccessible::Grouping), keyboard_(keyboard) {}
+    ~KeyboardReader() override {
+        for (const QAccessible::Id key : keys_) QAccessible::deleteAccessibleInterface(key);
+    }
+
+    int childCount() const override { return int(keyboard_.buttons().size()); }
+    QAccessibleInterface* child(int number) const override {
+        if (number < 0 || number >= childCount()) return nullptr;
+        while (keys_.size() <= size_t(number)) { // Qt owns them
+            keys_.push_back(QAccessible::registerAccessibleInterface(
+                std::make_unique<KeyReader>(keyboard_, keys_.size()).release()));
+        }
+        return QAccessible::accessibleInterface(keys_[size_t(number)]);
+    }
+    int indexOfChild(const QAccessibleInterface* child) const override {
+        const auto found = std::ranges::find_if(keys_, [child](QAccessible::Id key) {
+            return QAccessible::accessibleInterface(key) == child;
+        });
+        return found == keys_.end() ? -1 : int(found - keys_.begin());
+    }
+    QAccessibleInterface* childAt(int x, int y) const override {
+        for (int number = 0; number < childCount(); ++number) {
+            if (child(number)->rect().contains(x, y)) return child(number);
+        }
+        return nullptr;
+    }
+
+private:
+    QtKeyboardPane::Widget& keyboard_;
+    mutable std::vector<QAccessible::Id> keys_;
+};
+
 /// Qt owns what it gets.
 QAccessibleInterface* make_reader(const QString&, QObject* object) {
     if (auto* canvas = dynamic_cast<QtCanvas*>(object)) {
@@ -157,6 +252,9 @@ QAccessibleInterface* make_reader(const QString&, QObject* object) {
     }
     if (auto* button = dynamic_cast<QtStatusBarWidget::Button*>(object)) {
         return std::make_unique<StatusButtonReader>(*button).release();
+    }
+    if (auto* keyboard = dynamic_cast<QtKeyboardPane::Widget*>(object)) {
+        return std::make_unique<KeyboardReader>(*keyboard).release();
     }
     if (auto* bar = dynamic_cast<QtStatusBarWidget*>(object)) {
         return std::make_unique<StatusBarReader>(*bar).release();

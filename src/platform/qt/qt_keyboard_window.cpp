@@ -87,6 +87,13 @@ void QtKeyboardPane::Widget::tell_fingers(const QTouchEvent& event) {
     }
 }
 
+void QtKeyboardPane::Widget::click(const PaneButton& button) {
+    const Rectangle& area = button.area;
+    const QPointF middle((area.left + area.right) / 2.0, (area.top + area.bottom) / 2.0);
+    tell({.act = Pointer::Act::press, .button = BUTTON_LEFT, .buttons = BUTTON_LEFT}, middle);
+    tell({.act = Pointer::Act::release, .button = BUTTON_LEFT}, middle);
+}
+
 void QtKeyboardPane::Widget::paintEvent(QPaintEvent*) {
     // On a screen of another scale all has to be drawn again.
     if (pane_.drawing_.size() != pane_.pixels()) events_.paint(PaneId::keyboard);

@@ -8,6 +8,7 @@
 #include <QWidget>
 
 #include <memory>
+#include <vector>
 
 class QtCanvas;
 
@@ -18,6 +19,9 @@ public:
     class Widget final : public QWidget {
     public:
         Widget(QtKeyboardPane& pane, QtEvents& events);
+        const std::vector<PaneButton>& buttons() const { return pane_.buttons_; }
+        /// As with the mouse, in its middle.
+        void click(const PaneButton& button);
 
     protected:
         bool event(QEvent* event) override;
@@ -40,6 +44,8 @@ public:
     void show(bool on) override { widget_.setVisible(on); }
     void stretch_bitmap(const BitmapView& picture, const Rectangle& target,
                         const Scaling& how) override;
+
+    void set_buttons(const std::vector<PaneButton>& buttons) override { buttons_ = buttons; }
 
     /// As Window::place_keyboard and keyboard_rectangle say.
     void place(KeyboardPlace place, const Rectangle& wanted, int closed);
@@ -88,4 +94,5 @@ private:
     int height_ = 0;
     bool full_screen_ = false;
     QImage drawing_;
+    std::vector<PaneButton> buttons_;
 };

@@ -54,6 +54,7 @@ public:
     void text(int x, int y, const std::string& text, Colour colour, Colour background) override;
     void line(int x, int y, int length, Colour colour) override;
     void set_reading(const SliderReading&) override {}
+    void set_buttons(const std::vector<PaneButton>&) override {}
     void set_message(const std::string&, int) override {}
 
 private:
