@@ -526,10 +526,10 @@ const CommandRow rows[] = {
 std::span<const CommandRow> command_table() {
     static const std::vector<CommandRow> all = [] {
         std::vector<CommandRow> table(std::begin(rows), std::end(rows));
-        for (const auto behind : {time_command_rows(), file_command_rows(), help_command_rows(),
-                                  pad_command_rows(), window_command_rows(), panel_command_rows(),
-                                  tube_command_rows(), media_command_rows(),
-                                  keyboard_command_rows()}) {
+        for (const auto behind :
+             {time_command_rows(), file_command_rows(), help_command_rows(), pad_command_rows(),
+              window_command_rows(), panel_command_rows(), tube_command_rows(),
+              media_command_rows(), keyboard_command_rows()}) {
             table.insert(table.end(), behind.begin(), behind.end());
         }
         return table;

@@ -22,8 +22,8 @@ QImage translucent(const QImage& drawing) {
         for (int x = 0; x < shown.width(); ++x) {
             const QRgb pixel = row[x];
             const int brightest = std::max({qRed(pixel), qGreen(pixel), qBlue(pixel)});
-            row[x] = qRgba(qRed(pixel), qGreen(pixel), qBlue(pixel),
-                           std::max(brightest, GROUND_ALPHA));
+            row[x] =
+                qRgba(qRed(pixel), qGreen(pixel), qBlue(pixel), std::max(brightest, GROUND_ALPHA));
         }
     }
     return shown;
