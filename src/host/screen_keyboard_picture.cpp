@@ -15,7 +15,6 @@ using enum ScreenKey::Kind;
 constexpr int KEY_HEIGHT = 4;
 constexpr int SWITCH_HEIGHT = 2; ///< of what stands on the keyboard's edge
 constexpr int FIRST_ROW = 3;     ///< below the edge
-constexpr int ROW_OF_SPACE = FIRST_ROW + 4 * KEY_HEIGHT;
 
 constexpr double LEGEND_EDGE = 0.09; ///< in key widths
 

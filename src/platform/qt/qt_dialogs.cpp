@@ -70,7 +70,7 @@ std::vector<QLineEdit*> add_fields(QFileDialog& box, const std::vector<FileDialo
         auto* edit = std::make_unique<QLineEdit>(to_qt(field.text)).release();
         edit->setMaxLength(field.limit);
         edit->setMaximumWidth(edit->fontMetrics().horizontalAdvance('0') * (field.limit + 3));
-        edit->setAccessibleName(label->text().remove('&'));
+        edit->setAccessibleName(plain(label->text()));
         label->setBuddy(edit);
         row->addWidget(label);
         row->addWidget(edit);

@@ -1,19 +1,17 @@
 #include "platform/qt/qt_forms.h"
 
+#include "platform/qt/qt_form_window.h"
 #include "platform/qt/qt_picture_button.h"
 #include "platform/qt/qt_room.h"
 #include "platform/qt/qt_table.h"
 #include "platform/qt/qt_text.h"
 
-#include <QApplication>
 #include <QButtonGroup>
 #include <QCheckBox>
-#include <QCloseEvent>
 #include <QComboBox>
 #include <QDialog>
 #include <QGridLayout>
 #include <QGroupBox>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -43,68 +41,8 @@ constexpr int SMALLEST_PICTURE = 40; ///< percent, on a small screen
 constexpr int PICTURE_STEP = 1;
 constexpr int SMALL_BUTTON_TEXT = 3; ///< such a button stands at the field it belongs to
 
-/// A text without the mark of its access key.
-QString plain(const QString& text) {
-    QString result;
-    for (qsizetype n = 0; n < text.size(); ++n) {
-        if (text[n] == '&' && ++n == text.size()) break;
-        result += text[n];
-    }
-    return result;
-}
-
 int characters_wide(const QWidget& widget, int characters) {
     return widget.fontMetrics().horizontalAdvance('0') * characters;
-}
-
-/// The window of a form. What closes it is decided by the form.
-class FormWindow final : public QDialog {
-public:
-    using QDialog::QDialog;
-    std::function<void()> on_escape, on_close_button;
-
-    void reject() override { on_escape(); }
-
-protected:
-    void closeEvent(QCloseEvent* event) override {
-        event->ignore();
-        on_close_button();
-    }
-};
-
-/// Takes the next key of a window away from whatever has the focus in it.
-class KeyCatcher final : public QObject {
-public:
-    KeyCatcher(QWidget& window, const QtKeyboard& keyboard)
-        : window_(window), keyboard_(keyboard) {}
-    void start() { qApp->installEventFilter(this); }
-    void stop() { qApp->removeEventFilter(this); }
-    bool eventFilter(QObject* watched, QEvent* event) override;
-
-    std::function<void(uint8_t key)> on_key;
-
-private:
-    void end(uint8_t key) {
-        stop();
-        on_key(key);
-    }
-    QWidget& window_;
-    const QtKeyboard& keyboard_;
-};
-
-bool KeyCatcher::eventFilter(QObject* watched, QEvent* event) {
-    switch (event->type()) {
-    case QEvent::ShortcutOverride: event->accept(); return true;
-    case QEvent::KeyPress:
-        if (static_cast<QKeyEvent*>(event)->isAutoRepeat()) return true;
-        end(keyboard_.virtual_key(*static_cast<QKeyEvent*>(event)));
-        return true;
-    case QEvent::MouseButtonPress: end(KEY_NONE); return false;
-    case QEvent::WindowDeactivate:
-        if (watched == &window_) end(KEY_NONE);
-        return false;
-    default: return false;
-    }
 }
 
 class QtForm final : public Form {
@@ -177,12 +115,12 @@ private:
 
     QtWindow& owner_;
     FormHandler handler_;
-    FormWindow dialog_;
+    QtFormWindow dialog_;
     QtFittingArea* area_ = nullptr;   ///< all but the buttons at the end
     QtFittingArea* scroll_ = nullptr; ///< a part of that
     int scroll_height_ = QWIDGETSIZE_MAX;
     QtButtonRows* buttons_ = nullptr;
-    KeyCatcher catcher_;
+    QtKeyCatcher catcher_;
     QTimer timer_;
     QButtonGroup radios_, pictures_, picture_buttons_;
     std::map<int, QWidget*> controls_;

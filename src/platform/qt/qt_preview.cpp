@@ -2,9 +2,12 @@
 
 #include "platform/qt/qt_text.h"
 
+#include <QFileInfo>
 #include <QFontDatabase>
+#include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QSplitter>
+#include <QTreeView>
 
 #include <algorithm>
 #include <memory>
@@ -15,6 +18,7 @@ constexpr int WIDTH = 34; ///< characters of a line
 constexpr int LIST_WIDTH = 46;
 constexpr int LEAST_WIDTH = 16;
 constexpr int SIDEBAR_WIDTH = 14;
+constexpr int TYPE_COLUMN = 2; ///< the name's ending says as much
 
 } // namespace
 
@@ -37,12 +41,16 @@ void add_preview(QFileDialog& box, const FileDialog& dialog) {
     box.resize(character * (SIDEBAR_WIDTH + LIST_WIDTH + WIDTH + 4),
                std::max(box.height(), box.sizeHint().height()));
     splitter->setSizes(widths);
-    QObject::connect(&box, &QFileDialog::currentChanged, panel,
-                     [panel, preview = dialog.preview](const QString& path) {
-                         QStringList lines;
-                         for (const std::string& line : preview(path_from_qt(path))) {
-                             lines += to_qt(line);
-                         }
-                         panel->setPlainText(lines.join('\n'));
-                     });
+    if (auto* files = box.findChild<QTreeView*>("treeView")) files->hideColumn(TYPE_COLUMN);
+    const auto show = [panel, preview = dialog.preview](const QString& path) {
+        QStringList lines;
+        for (const std::string& line : preview(path_from_qt(path))) lines += to_qt(line);
+        panel->setPlainText(lines.join('\n'));
+    };
+    QObject::connect(&box, &QFileDialog::currentChanged, panel, show);
+    auto* name = box.findChild<QLineEdit*>("fileNameEdit");
+    QObject::connect(name, &QLineEdit::textEdited, panel, [&box, show](const QString& typed) {
+        const QFileInfo file(box.directory(), typed);
+        if (file.isFile()) show(file.filePath());
+    });
 }

@@ -19,3 +19,13 @@ inline QString to_qt(const std::string& text) {
 inline std::string path_from_qt(const QString& path) {
     return QFile::encodeName(path).toStdString();
 }
+
+/// A text without the mark of its access key.
+inline QString plain(const QString& text) {
+    QString result;
+    for (qsizetype n = 0; n < text.size(); ++n) {
+        if (text[n] == '&' && ++n == text.size()) break;
+        result += text[n];
+    }
+    return result;
+}
