@@ -68,6 +68,14 @@ TEST(XkbLayout, KeyOfEveryCharacter) {
     }
 }
 
+TEST(XkbLayout, LabelsAreWhatIsPrintedOnTheKeys) {
+    const XkbLayout german = XkbLayout::from_names("de", nullptr);
+    const std::pair<uint8_t, const char*> labels[] = {
+        {'Z', "Z"},       {'1', "1"},       {KEY_OEM_4, "Ü"},    {KEY_OEM_MINUS, "ß"},
+        {KEY_OEM_2, "-"}, {KEY_OEM_3, "^"}, {KEY_BACKSPACE, ""}, {KEY_OEM_102, ""}};
+    for (const auto& [key, label] : labels) EXPECT_EQ(german.label(key), label);
+}
+
 // A dead key is preferred to AltGr, and AltGr alone to AltGr with Shift.
 TEST(XkbLayout, LastResorts) {
     const XkbLayout international = XkbLayout::from_names("us", "intl");

@@ -122,7 +122,10 @@ std::string label_of(const Source& source, xkb_keycode_t keycode) {
     const auto* dead = std::ranges::find(DEAD_KEYS, symbol, &DeadKey::symbol);
     if (dead != std::end(DEAD_KEYS)) return {dead->character};
     std::array<char, 8> text{};
-    xkb_keysym_to_utf8(xkb_keysym_to_upper(symbol), text.data(), text.size());
+    const xkb_keysym_t capital = xkb_keysym_to_upper(symbol); // not every letter has one
+    if (xkb_keysym_to_utf8(capital, text.data(), text.size()) <= 1) {
+        xkb_keysym_to_utf8(symbol, text.data(), text.size());
+    }
     return text.data();
 }
 
