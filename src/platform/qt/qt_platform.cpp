@@ -79,6 +79,7 @@ private:
         for (const auto& [type, text] : std::exchange(opening, {}).all) {
             if (type != QtDebugMsg) qWarning().noquote() << text;
         }
+        qt_install_accessibility(); // a screen reader may ask about the very first widget
     }
 };
 
@@ -95,7 +96,6 @@ QIcon program_icon() {
 struct QtPlatform::Services {
     Services(int& argc, char** argv) : application(prepare_qt(argc, argv), argv) {
         QApplication::setApplicationName("tarvelin");
-        qt_install_accessibility();
         QApplication::setWindowIcon(program_icon());
         // The program asks questions after the window has gone.
         QApplication::setQuitOnLastWindowClosed(false);
