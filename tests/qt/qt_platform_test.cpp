@@ -19,9 +19,11 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPainter>
+#include <QPointingDevice>
 #include <QPushButton>
 #include <QTimer>
 #include <QToolButton>
+#include <QTouchEvent>
 #include <QWheelEvent>
 
 #include <functional>
@@ -318,6 +320,24 @@ TEST_F(QtPlatformTest, PointerIsAtAPlaceInThePaneShown) {
         QApplication::sendEvent(&client(), &second);
         EXPECT_EQ(drain(Event::Kind::pointer).at(0).pointer.act, act);
     }
+}
+
+TEST_F(QtPlatformTest, ACancelledTouchLetsTheKeysGo) {
+    host->window().place_keyboard(KeyboardPlace::docked, {0, 0, 40, 10}, 0);
+    QWidget& keys = *client().childAt(3, 25);
+    const QPointingDevice screen("", 1, QInputDevice::DeviceType::TouchScreen,
+                                 QPointingDevice::PointerType::Finger, {}, 5, 0);
+    drain();
+    QTouchEvent begin(QEvent::TouchBegin, &screen, {}, {{7, QEventPoint::Pressed, {3, 4}, {}}});
+    QApplication::sendEvent(&keys, &begin);
+    QTouchEvent cancel(QEvent::TouchCancel, &screen);
+    QApplication::sendEvent(&keys, &cancel);
+    const auto events = drain(Event::Kind::pointer);
+    ASSERT_EQ(events.size(), 2U);
+    EXPECT_EQ(events[0].pointer.act, Pointer::Act::press);
+    EXPECT_EQ(events[1].pointer.act, Pointer::Act::release);
+    EXPECT_EQ(events[1].pointer.finger, events[0].pointer.finger);
+    host->window().place_keyboard(KeyboardPlace::hidden, {}, 0);
 }
 
 TEST_F(QtPlatformTest, FilmBarLiesOverTheLowestLinesAndHasPointerAndReaderOfItsOwn) {

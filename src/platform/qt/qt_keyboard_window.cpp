@@ -53,6 +53,7 @@ bool QtKeyboardPane::Widget::event(QEvent* event) {
         tell_fingers(*static_cast<QTouchEvent*>(event));
         event->accept(); // or Qt would make mouse events of it
         return true;
+    case QEvent::TouchCancel: take_fingers_away(); return true;
     default: break;
     }
     return QWidget::event(event);
@@ -74,16 +75,34 @@ void QtKeyboardPane::Widget::tell_mouse(const QMouseEvent& event, Pointer::Act a
          event.position());
 }
 
+void QtKeyboardPane::Widget::tell_finger(int finger, Pointer::Act act, QPointF place) {
+    const bool pressed = act == Pointer::Act::press;
+    tell({.act = act,
+          .button = BUTTON_LEFT,
+          .buttons = pressed ? uint8_t(BUTTON_LEFT) : uint8_t(0),
+          .touch = true,
+          .finger = finger},
+         place);
+}
+
 void QtKeyboardPane::Widget::tell_fingers(const QTouchEvent& event) {
     for (const QEventPoint& point : event.points()) {
-        const bool pressed = point.state() == QEventPoint::Pressed;
-        if (!pressed && point.state() != QEventPoint::Released) continue;
-        tell({.act = pressed ? Pointer::Act::press : Pointer::Act::release,
-              .button = BUTTON_LEFT,
-              .buttons = pressed ? uint8_t(BUTTON_LEFT) : uint8_t(0),
-              .touch = true,
-              .finger = point.id() + 1},
-             point.position());
+        const int finger = point.id() + 1;
+        if (point.state() == QEventPoint::Pressed) {
+            fingers_.insert(finger);
+            tell_finger(finger, Pointer::Act::press, point.position());
+        } else if (point.state() == QEventPoint::Released) {
+            fingers_.erase(finger);
+            tell_finger(finger, Pointer::Act::release, point.position());
+        }
+    }
+}
+
+/// The desktop has taken the touch for a gesture of its own: nothing stays pressed, and no button
+/// acts.
+void QtKeyboardPane::Widget::take_fingers_away() {
+    for (const int finger : std::exchange(fingers_, {})) {
+        tell_finger(finger, Pointer::Act::release, {-1, -1});
     }
 }
 

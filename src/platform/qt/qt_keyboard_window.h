@@ -8,6 +8,7 @@
 #include <QWidget>
 
 #include <memory>
+#include <set>
 #include <vector>
 
 class QtCanvas;
@@ -31,10 +32,13 @@ public:
     private:
         void tell_mouse(const QMouseEvent& event, Pointer::Act act);
         void tell_fingers(const QTouchEvent& event);
+        void tell_finger(int finger, Pointer::Act act, QPointF place);
+        void take_fingers_away();
         void tell(Pointer pointer, QPointF place);
 
         QtKeyboardPane& pane_;
         QtEvents& events_;
+        std::set<int> fingers_; ///< that touch
     };
 
     QtKeyboardPane(QtCanvas& canvas, QtEvents& events);
