@@ -155,7 +155,9 @@ void QtKeyboardPane::Frame::resizeEvent(QResizeEvent*) {
 void QtKeyboardPane::Frame::restore_proportion() {
     if (isMaximized() || isFullScreen() || proportion_.isEmpty()) return;
     const int height = width() * proportion_.height() / proportion_.width();
-    if (std::abs(height - this->height()) > 1) resize(width(), height);
+    const bool fits = std::abs(height - this->height()) <= 1;
+    const bool refused = std::exchange(corrected_, fits ? QSize() : size()) == size();
+    if (!fits && !refused) resize(width(), height);
 }
 
 // ---- the pane ----------------------------------------------------------------------------------

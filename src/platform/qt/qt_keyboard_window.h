@@ -81,7 +81,8 @@ private:
         QtCanvas& canvas_;
         QtEvents& events_;
         QSize proportion_;
-        QTimer sized_; ///< the user has not sized it for a while
+        QSize corrected_; ///< the size that was to become another; empty while the proportion fits
+        QTimer sized_;    ///< the user has not sized it for a while
         int closed_ = 0;
     };
 
