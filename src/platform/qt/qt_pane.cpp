@@ -206,8 +206,8 @@ void QtPane::end_stretch() {
 void QtPane::paint(const QRect& dirty) {
     QPainter painter(&canvas_);
     if (stretched_) {
+        if (has_tube()) draw_tube({}); // nothing to do, unless the canvas is on another screen
         const QImage* drawn = has_tube() ? &canvas_.tube().drawn() : nullptr;
-        if (drawn) draw_tube({}); // nothing to do, unless the canvas has come to another screen
         return stretch_.paint(painter, dirty, canvas_.devicePixelRatioF(), drawn);
     }
     painter.setRenderHint(QPainter::SmoothPixmapTransform, !is_whole(canvas_.devicePixelRatioF()));
@@ -225,7 +225,7 @@ QRect QtPane::draw_tube(const QRect& stretched) {
     const Rectangle area = stretch_.area_on_screen(ratio);
     const TubeRows rows =
         canvas_.tube().draw(stretch_.picture(), {area.width(), area.height()}, stretch_.how());
-    if (stretched == EVERYTHING) return stretched;
+    if (stretched == EVERYTHING || !canvas_.tube().is_ready()) return EVERYTHING;
     if (rows.first == rows.end) return {};
     const int top = int(std::floor((area.top + rows.first) / ratio));
     const int bottom = int(std::ceil((area.top + rows.end) / ratio));

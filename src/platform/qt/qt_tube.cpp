@@ -125,6 +125,9 @@ void QtTube::Context::compile(TubeLook look) {
         gl_->glAttachShader(programs_[n], vertex);
         gl_->glAttachShader(programs_[n], fragment);
         gl_->glLinkProgram(programs_[n]);
+        GLint good = GL_FALSE;
+        gl_->glGetProgramiv(programs_[n], GL_LINK_STATUS, &good);
+        if (!good && problem_.empty()) problem_ = "OpenGL does not link the picture tube";
         gl_->glDeleteShader(vertex);
         gl_->glDeleteShader(fragment);
         gl_->glUseProgram(programs_[n]);
