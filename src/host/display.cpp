@@ -150,8 +150,9 @@ void leave_full_screen() {
     restore_status();
     machine_show_cfg();
     ChangeCoopLevel();
-    // If the canvas has another size by now, the window needs one, too.
-    if (window_needs_fit()) fit_window(g_BackupRect);
+    // If the canvas has another size by now, the window needs one, too. The limits count what is
+    // docked, which is there only now.
+    window_needs_fit() ? fit_window(g_BackupRect) : limit_window_size();
     fit_screen_keyboard();
 }
 

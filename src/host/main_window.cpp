@@ -12,7 +12,11 @@
 
 namespace {
 
-WindowFit fit_now() { return {{canvas.width, canvas.height}, window_is_sizable()}; }
+WindowFit fit_now() {
+    return {{canvas.width, canvas.height},
+            window_is_sizable(),
+            shell_state.keyboard_place == KeyboardPlace::docked};
+}
 
 Size machine_picture() { return {video_get_windowx(false), video_get_windowy(false)}; }
 
@@ -110,8 +114,7 @@ int docked_height(int client_width) {
 }
 
 void docked_height_changed() {
-    if (g_bFullScreen) return;
-    shell_state.window_fit.canvas = {};
+    if (g_bFullScreen) return; // the way back fits it
     fit_window(platform().window().outer_rectangle());
 }
 

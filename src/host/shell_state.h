@@ -30,6 +30,7 @@ struct ShellOptions {
 struct WindowFit {
     Size canvas;
     bool sizable = false;
+    bool docked_keyboard = false;
     bool operator==(const WindowFit&) const = default;
 };
 

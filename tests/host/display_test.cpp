@@ -166,6 +166,9 @@ TEST_F(DisplayTest, TheUserSizesTheWindow) {
     EXPECT_EQ(window.least, window.outer_size({320, 240 + BAR}));
     window_was_resized();
     EXPECT_EQ(chosen_picture_size(), Size{}) << "the program's own doing";
+    toggle_full_screen();
+    toggle_full_screen();
+    EXPECT_EQ(window.least, window.outer_size({320, 240 + BAR})) << "with the bar";
     set_screen_params(true, 8);
     EXPECT_EQ(picture(), (Size{1152, 864}));
     set_screen_params(false, 8);

@@ -150,9 +150,14 @@ TEST_F(ScreenKeyboardTest, IsDrawnWhenSomethingChangesAndKeepsItsPlace) {
     EXPECT_EQ(drawn(), 1) << "the machine's characters stand on the keys";
     command(COMMAND_FULL_SCREEN);
     EXPECT_EQ(docked_keyboard_height(400), 0);
+    command(COMMAND_KEYBOARD_DOCKED); // hides it
     command(COMMAND_FULL_SCREEN);
+    const int plain = host->window().outer_size({0, 288 + 8 + 23}).height;
+    EXPECT_EQ(host->window().outer.height(), plain);
+    command(COMMAND_KEYBOARD_DOCKED);
+    EXPECT_EQ(host->window().outer.height(), plain + height);
     command(COMMAND_KEYBOARD_FLOATING);
-    EXPECT_EQ(host->window().outer.height(), host->window().outer_size({0, 288 + 8 + 23}).height);
+    EXPECT_EQ(host->window().outer.height(), plain);
     host->window().keyboard = {30, 40, 630, 252};
     command(host->window().keyboard_closed);
     EXPECT_EQ(host->window().keyboard_place, KeyboardPlace::hidden);
