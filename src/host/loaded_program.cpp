@@ -5,6 +5,7 @@
 #include "host/pad_keys.h"
 #include "media/files/cassette_files.h"
 #include "media/files/drive_files.h"
+#include "media/files/tape_sound_files.h"
 #include "media/tape.h"
 
 #include <filesystem>
@@ -35,7 +36,9 @@ void program_is(const LoadedProgram& loaded) {
 
 void program_after_restart() {
     const bool on_disk = drive_files[0].hash == program.hash;
-    const bool on_tape = tape_cas_is_attached() && file_name(tape_get_cas_name()) == program.name;
+    const std::string tape =
+        tape_cas_is_attached() ? tape_get_cas_name() : tape_sound_played().path;
+    const bool on_tape = file_name(tape) == program.name;
     if (!on_disk && !on_tape) program_is({});
 }
 
