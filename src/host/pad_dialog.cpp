@@ -3,6 +3,7 @@
 #include "host/dialogs/ask.h"
 #include "host/loaded_program.h"
 #include "host/pad_keys.h"
+#include "host/previews.h"
 #include "platform/keyboard.h"
 #include "platform/platform.h"
 
@@ -120,8 +121,8 @@ struct Dialog {
 /// Cut to fit the dialog, and without an access key.
 std::string file_text(const std::string& name) {
     std::string text;
-    for (const char c : name.substr(0, LONGEST_NAME)) text.append(c == '&' ? 2 : 1, c);
-    return name.size() > LONGEST_NAME ? text + "…" : text;
+    for (const char c : ending_of(name, LONGEST_NAME)) text.append(c == '&' ? 2 : 1, c);
+    return text;
 }
 
 FormDescription form_of(const LoadedProgram& program) {
