@@ -51,6 +51,7 @@ void size_window(const Rectangle& place, bool chooses_place) {
     const Size chosen = chosen_picture_size();
     const Size wanted = chosen == Size() ? usual_size() : chosen;
     const Size picture = possible_picture_size(wanted, window_room());
+    shell_state.given_picture = picture;
     if (chosen == Size()) shell_state.usual_picture = picture;
     const Rectangle outer = window_at(place, picture);
     window.move(chooses_place ? pulled_into(window.available_area(), outer) : outer);
@@ -144,6 +145,9 @@ void window_was_resized() {
     Window& window = platform().window();
     if (!shell_state.window_fit.sizable || g_bFullScreen || window.maximized()) return;
     const Size size = platform().pane(PaneId::picture).size();
+    // There may have been no room for the size that the user has chosen, which holds all the same.
+    if (size == shell_state.given_picture) return;
+    shell_state.given_picture = {};
     const Size chosen = size == shell_state.usual_picture ? Size{} : size;
     shell_state.window_width = uint32_t(chosen.width);
     shell_state.window_height = uint32_t(chosen.height);

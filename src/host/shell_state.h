@@ -80,6 +80,7 @@ struct shell_record {
     std::string avi_name;   ///< capture to start with
     WindowFit window_fit;
     Size usual_picture; ///< the picture's area in a window that the user has not sized
+    Size given_picture; ///< the area that it was given last, until the user changes it
     bool opens_maximized = false;
 };
 extern shell_record shell_state;

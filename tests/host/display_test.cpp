@@ -175,6 +175,13 @@ TEST_F(DisplayTest, TheUserSizesTheWindow) {
     gets(800, 500);
     set_screen_params(true, 8);
     EXPECT_EQ(picture(), (Size{800, 500})) << "kept";
+    const Size screen = std::exchange(window.screen, {700, 480});
+    set_screen_params(false, 8);
+    EXPECT_LT(picture().width, 800);
+    window_was_resized();
+    window.screen = screen;
+    set_screen_params(true, 8);
+    EXPECT_EQ(picture(), (Size{800, 500})) << "where there is room again";
     update_screen(1);
     EXPECT_EQ(drawing.last_stretch.target, (Rectangle{67, 0, 734, 500})); // 4:3
     EXPECT_EQ(drawing.copies, 0);
