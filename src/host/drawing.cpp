@@ -10,7 +10,7 @@ constexpr int PATTERN_SIZE = 8; ///< pixels, of a character of the machine
 /// Two of the colour's bytes at once; 256 parts make the whole.
 Colour between(Colour from, Colour to, double part) {
     constexpr uint32_t RED_AND_BLUE = 0xFF00FF, GREEN = 0x00FF00, WHOLE = 256;
-    const auto of_to = uint32_t(part * WHOLE + 0.5), of_from = WHOLE - of_to;
+    const auto of_to = uint32_t(std::lround(part * WHOLE)), of_from = WHOLE - of_to;
     const auto mixed = [=](uint32_t bytes) {
         return ((from & bytes) * uint64_t(of_from) + (to & bytes) * uint64_t(of_to)) / WHOLE &
                bytes;

@@ -225,6 +225,7 @@ Shape shape_of(const Letter& letter) {
 const Shape* shape_for(char32_t code) {
     static const std::vector<Shape> shapes = [] {
         std::vector<Shape> all;
+        all.reserve(letters.size());
         for (const Letter& letter : letters) all.push_back(shape_of(letter));
         return all;
     }();

@@ -33,7 +33,7 @@ bool has_own_code(uint8_t key) { return (key >= '0' && key <= '9') || (key >= 'A
 std::string name_of(uint8_t key) {
     if (has_own_code(key)) return {char(key)};
     const bool types = key >= KEY_OEM_1 && key <= KEY_OEM_102;
-    const std::string label = types ? platform().keyboard().label(key) : std::string();
+    std::string label = types ? platform().keyboard().label(key) : std::string();
     if (can_be_engraved(label)) return label;
     const auto* const found = std::ranges::find(NAMED_KEYS, key, &NamedKey::key);
     return found == std::end(NAMED_KEYS) ? std::string() : found->name;

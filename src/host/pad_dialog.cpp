@@ -214,10 +214,8 @@ void show_keys(Form& form, const Dialog& dialog) {
 }
 
 void show_pads(Form& form, Dialog& dialog) {
-    std::vector<std::string> items;
-    for (int pad = 0; pad < PADS; ++pad) items.push_back(pad_text(pad));
-    std::ranges::copy(items, dialog.pads.begin());
-    form.set_items(PADS_PAD, items);
+    for (int pad = 0; pad < PADS; ++pad) dialog.pads[size_t(pad)] = pad_text(pad);
+    form.set_items(PADS_PAD, {dialog.pads.begin(), dialog.pads.end()});
     form.set_value(PADS_PAD, dialog.pad);
     show_keys(form, dialog);
 }
