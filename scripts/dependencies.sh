@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs what the project needs from the distribution's packages, and only what is missing.
-# usage: scripts/dependencies.sh run|test|package|pictures
+# usage: scripts/dependencies.sh run|test|windows|package|pictures
 set -euo pipefail
 
 # The compiler's optimisation across files goes serially, with a warning, without make.
@@ -13,12 +13,14 @@ test_packages=(libgtest-dev libgif-dev libbenchmark-dev libz80ex-dev clang libcl
                clang-format clang-tidy python3 xvfb xdotool x11-xkb-utils x11-utils appstream
                desktop-file-utils groff-base libxml2-utils shared-mime-info openbox ffmpeg
                libavcodec-dev libswscale-dev weston qt6-wayland nlohmann-json3-dev)
+windows_packages=(g++-mingw-w64-x86-64-posix wine wine64 nsis dpkg-dev googletest)
 package_packages=(debootstrap dpkg-dev)
 picture_packages=(xvfb xdotool x11-utils openbox imagemagick librsvg2-bin)
 
 packages=("${run_packages[@]}")
 case ${1:-run} in
-test) packages+=("${test_packages[@]}") ;;
+test) packages+=("${test_packages[@]}" "${windows_packages[@]}") ;;
+windows) packages+=("${windows_packages[@]}") ;;
 package) packages+=("${package_packages[@]}") ;;
 pictures) packages+=("${picture_packages[@]}") ;;
 esac
@@ -28,7 +30,16 @@ for package in "${packages[@]}"; do
     dpkg-query -W -f '${Status}' "$package" 2>/dev/null | grep -q 'install ok installed' ||
         missing+=("$package")
 done
-if [[ ${#missing[@]} -eq 0 ]]; then exit 0; fi
+# What the distribution has for itself only.
+library_sources() {
+    case $1 in
+    test | windows) "$(dirname "$0")/library-sources.sh" ;;
+    esac
+}
+if [[ ${#missing[@]} -eq 0 ]]; then
+    library_sources "${1:-run}"
+    exit 0
+fi
 
 echo "installing: ${missing[*]}"
 # With the archive's news where it can be reached, and after whoever installs just now. Debian has sudo
@@ -43,3 +54,4 @@ elif command -v sudo >/dev/null; then
 else
     su - -c "$install"
 fi
+library_sources "${1:-run}"

@@ -1,0 +1,32 @@
+#pragma once
+/// What the services of the Windows host share.
+
+#include "platform/events.h"
+#include "platform/geometry.h"
+
+#include <cmath>
+#include <deque>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include <windows.h>
+
+/// The layer counts in points, a 96th of an inch on the screen as it is set up; Windows in pixels.
+struct Win32Context {
+    HINSTANCE instance = nullptr;
+    HWND window = nullptr; ///< the main one, while it exists
+    double ratio = 1;      ///< pixels in a point, on the screen that shows the main window
+    EventSink* sink = nullptr;
+    std::deque<Event> queue;
+    std::vector<HWND> dialogs; ///< open ones without a loop of their own, whose keys the pump offers them
+
+    int pixels(int points) const { return int(std::lround(points * ratio)); }
+    int points(int pixels) const { return int(std::lround(pixels / ratio)); }
+    void post(Event event) { queue.push_back(std::move(event)); }
+};
+
+/// Between the layer's UTF-8 and the UTF-16 of Windows. What is not valid becomes U+FFFD.
+std::wstring wide(std::string_view text);
+std::string narrow(std::wstring_view text);
