@@ -152,10 +152,17 @@ void refuse(const std::string& problem) {
 
 void take_over_frames() {
     playing.runs = playing.was_changed = false;
-    const auto look_who = [](auto...) {
-        if (!playing.runs) playing.was_changed = true;
+    const auto is_change = [](const machine_event& event) {
+        return event.kind !=
+               event_kind::moment; // the log ends inside a frame, where a state may be
     };
-    playing.reader = event_feed_add(look_who, look_who);
+    playing.reader = event_feed_add(
+        [is_change](std::span<const machine_event> events) {
+            if (!playing.runs && std::ranges::any_of(events, is_change)) playing.was_changed = true;
+        },
+        [] {
+            if (!playing.runs) playing.was_changed = true;
+        });
     pacing_host.run_frame = run_replay_frame;
     check_menu_item(COMMAND_PLAY_REPLAY, true);
     StatusBarText("Playing %s. Escape gives the machine to you.", playing.path.c_str());

@@ -1,4 +1,5 @@
 #include "cgenie/memory/memory.h"
+#include "core/frame_driver.h"
 #include "core/machine.h"
 #include "host/replays.h"
 #include "host/shell_state.h"
@@ -24,6 +25,7 @@ TEST_F(MemoryQuestionTest, AnswersItselfInAWindowWhenNobodyDoes) {
         write_text(SETTINGS, c.settings);
         ShellOptions options;
         options.answers_memory_question = c.window;
+        frame_state.begun = c.key == KEY_SHIFT; // by a step in the monitor, say
         start({"--record", "run.tvr"}, options);
         for (const bool restarted : {false, true}) {
             run_frames(50);
