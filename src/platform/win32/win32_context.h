@@ -3,6 +3,7 @@
 
 #include "platform/events.h"
 #include "platform/geometry.h"
+#include "platform/win32/win32_windows.h"
 
 #include <cmath>
 #include <deque>
@@ -11,8 +12,6 @@
 #include <utility>
 #include <vector>
 
-#include <windows.h>
-
 /// The layer counts in points, a 96th of an inch on the screen as it is set up; Windows in pixels.
 struct Win32Context {
     HINSTANCE instance = nullptr;
@@ -20,7 +19,8 @@ struct Win32Context {
     double ratio = 1;      ///< pixels in a point, on the screen that shows the main window
     EventSink* sink = nullptr;
     std::deque<Event> queue;
-    std::vector<HWND> dialogs; ///< open ones without a loop of their own, whose keys the pump offers them
+    std::vector<HWND>
+        dialogs; ///< open ones without a loop of their own, whose keys the pump offers them
 
     int pixels(int points) const { return int(std::lround(points * ratio)); }
     int points(int pixels) const { return int(std::lround(pixels / ratio)); }
