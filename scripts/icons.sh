@@ -14,3 +14,5 @@ for size in 16 22 24 32 48 64 128 256 512; do
         "tarvelin-$size.png"
 done
 rm picture.png
+# Windows scales the largest down to sizes in between.
+convert tarvelin-{16,24,32,48,64,256}.png -strip tarvelin.ico

@@ -1,0 +1,17 @@
+# tarvelin_manual(<folder of the installation> <folder of the build>): the manual's pages and pictures.
+# A program that is not installed finds them from its folder in the same way.
+function(tarvelin_manual installed built)
+  set(docs ${PROJECT_SOURCE_DIR}/docs)
+  set(pages manual keys windows firmware reference examples benchmarks accuracy)
+  list(TRANSFORM pages APPEND .html)
+  foreach(page ${pages} style.css)
+    install(FILES ${docs}/${page} DESTINATION ${installed})
+    configure_file(${docs}/${page} ${PROJECT_BINARY_DIR}/${built}/${page} COPYONLY)
+  endforeach()
+  install(DIRECTORY ${docs}/images DESTINATION ${installed})
+  file(GLOB pictures CONFIGURE_DEPENDS ${docs}/images/*.png)
+  foreach(picture ${pictures})
+    get_filename_component(name ${picture} NAME)
+    configure_file(${picture} ${PROJECT_BINARY_DIR}/${built}/images/${name} COPYONLY)
+  endforeach()
+endfunction()
