@@ -7,6 +7,7 @@
 #include "platform/clock.h"
 #include "platform/dialogs.h"
 #include "platform/events.h"
+#include "platform/films.h"
 #include "platform/forms.h"
 #include "platform/joystick.h"
 #include "platform/keyboard.h"
@@ -25,6 +26,8 @@ struct Platform {
     virtual Clock& clock() = 0;
     virtual Dialogs& dialogs() = 0;
     virtual Events& events() = 0;
+    /// Null on a host without a library for films.
+    virtual Films* films() { return nullptr; }
     virtual Forms& forms() = 0;
     virtual Joysticks& joysticks() = 0;
     virtual HostKeyboard& keyboard() = 0;
