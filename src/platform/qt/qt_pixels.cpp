@@ -1,43 +1,13 @@
 #include "platform/qt/qt_pixels.h"
 
+#include "platform/bitmap_reader.h"
+
 #include <algorithm>
-#include <array>
 #include <cstring>
 
 namespace {
 
 constexpr QRgb OPAQUE = 0xFF000000;
-
-using PaletteColours = std::array<QRgb, 256>;
-
-PaletteColours colours_of(const BitmapView& picture) {
-    PaletteColours colours;
-    colours.fill(OPAQUE);
-    if (picture.bits > 8 || !picture.palette) return colours;
-    for (int n = 0; n < 1 << picture.bits; ++n) {
-        const uint8_t* entry = picture.palette + 4 * n;
-        colours[size_t(n)] = qRgb(entry[2], entry[1], entry[0]);
-    }
-    return colours;
-}
-
-/// Converts `count` pixels of a row, from the pixel `first` on.
-void convert_row(const BitmapView& picture, const PaletteColours& colours, const uint8_t* row,
-                 int first, int count, QRgb* out) {
-    if (picture.bits == 32) {
-        std::memcpy(out, row + size_t(first) * 4, size_t(count) * 4);
-        std::for_each(out, out + count, [](QRgb& pixel) { pixel |= OPAQUE; });
-        return;
-    }
-    if (picture.bits == 8) {
-        std::transform(row + first, row + first + count, out,
-                       [&colours](uint8_t pixel) { return colours[pixel]; });
-        return;
-    }
-    for (int n = first; n < first + count; ++n) {
-        *out++ = colours[row[n / 8] >> (7 - n % 8) & 1];
-    }
-}
 
 QRgb* pixels_at(QImage& picture, int x, int y) {
     return reinterpret_cast<QRgb*>(picture.scanLine(y)) + x;
@@ -52,11 +22,9 @@ QRect clipped(const QImage& picture, const Rectangle& area) {
 void copy_bitmap_to(QImage& target, const BitmapView& picture, int x, int y) {
     const QRect area = QRect(x, y, picture.width, picture.height) & target.rect();
     if (area.isEmpty() || !picture.pixels) return;
-    const PaletteColours colours = colours_of(picture);
-    const size_t row_bytes = size_t(picture.width) * size_t(picture.bits) / 8;
+    const BitmapReader reader(picture);
     for (int line = area.top(); line <= area.bottom(); ++line) {
-        convert_row(picture, colours, picture.pixels + size_t(line - y) * row_bytes,
-                    area.left() - x, area.width(), pixels_at(target, area.left(), line));
+        reader.read(line - y, area.left() - x, area.width(), pixels_at(target, area.left(), line));
     }
 }
 
