@@ -123,7 +123,9 @@ bool InitSurfaces() {
         return true;
     }
     ReleaseAllObjects();
-    report({.text = failure, .title = "Error", .icon = MessageIcon::error});
+    const bool fatal = failure == NO_DIRECT_DRAW;
+    report(
+        {.text = failure, .title = fatal ? "Fatal error!" : "Error", .icon = MessageIcon::error});
     return false;
 }
 

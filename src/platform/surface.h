@@ -3,6 +3,9 @@
 
 #include <string>
 
+/// The failure of a host that would need this library, and has none.
+inline constexpr const char* NO_DIRECT_DRAW = "Missing DDRAW.DLL";
+
 /// An off-screen picture that the pane of the picture shows stretched into a rectangle of the
 /// screen, black around it, until something else is drawn there.
 struct Surface {
