@@ -1,73 +1,25 @@
 #include "platform/qt/xkb_layout.h"
 
 #include "platform/events.h"
+#include "platform/key_places.h"
 
 #include <algorithm>
-#include <string_view>
 
 namespace {
 
 constexpr uint32_t SCAN_OFFSET = 8; // X keycode of scan code 0
 constexpr char FIRST_CHARACTER = 0x20;
 
-struct Run {
-    uint8_t first; // scan code
-    std::string_view keys;
-};
-
-// Rows of the US keyboard whose keys have consecutive scan codes and character codes of their own.
-constexpr Run CHARACTER_RUNS[] = {
-    {2, "1234567890"}, {16, "QWERTYUIOP"}, {30, "ASDFGHJKL"}, {44, "ZXCVBNM"}, {57, " "}};
-
-struct Place {
-    uint8_t scan;
-    uint8_t key;
-};
-
-// Extra keys of Japanese and Brazilian keyboards.
-constexpr uint8_t RIGHT_OF_SLASH = 0xC1;
-constexpr uint8_t RIGHT_OF_PLUS = 0xC2;
-
-constexpr Place PLACES[] = {
-    {1, KEY_ESCAPE},       {12, KEY_OEM_MINUS},   {13, KEY_OEM_PLUS},    {14, KEY_BACKSPACE},
-    {15, KEY_TAB},         {26, KEY_OEM_4},       {27, KEY_OEM_6},       {28, KEY_RETURN},
-    {29, KEY_CONTROL},     {39, KEY_OEM_1},       {40, KEY_OEM_7},       {41, KEY_OEM_3},
-    {42, KEY_SHIFT},       {43, KEY_OEM_5},       {51, KEY_OEM_COMMA},   {52, KEY_OEM_PERIOD},
-    {53, KEY_OEM_2},       {54, KEY_SHIFT},       {56, KEY_ALT},         {71, KEY_NUMPAD0 + 7},
-    {72, KEY_NUMPAD0 + 8}, {73, KEY_NUMPAD0 + 9}, {75, KEY_NUMPAD0 + 4}, {76, KEY_NUMPAD0 + 5},
-    {77, KEY_NUMPAD0 + 6}, {79, KEY_NUMPAD0 + 1}, {80, KEY_NUMPAD0 + 2}, {81, KEY_NUMPAD0 + 3},
-    {82, KEY_NUMPAD0},     {86, KEY_OEM_102},     {87, KEY_F11},         {88, KEY_F12},
-    {96, KEY_RETURN},      {97, KEY_CONTROL},     {100, KEY_ALT},        {102, KEY_HOME},
-    {103, KEY_UP},         {104, KEY_PAGE_UP},    {105, KEY_LEFT},       {106, KEY_RIGHT},
-    {107, KEY_END},        {108, KEY_DOWN},       {109, KEY_PAGE_DOWN},  {110, KEY_INSERT},
-    {111, KEY_DELETE},     {119, KEY_PAUSE},      {89, RIGHT_OF_SLASH},  {124, RIGHT_OF_PLUS},
-    {127, KEY_MENU},
-};
-
-constexpr std::array<uint8_t, 256> us_places() {
-    std::array<uint8_t, 256> keys{};
-    for (const Run& run : CHARACTER_RUNS)
-        for (size_t i = 0; i < run.keys.size(); ++i)
-            keys[SCAN_OFFSET + run.first + i] = uint8_t(run.keys[i]);
-    for (const Place& place : PLACES) keys[SCAN_OFFSET + place.scan] = place.key;
-    for (uint8_t i = 0; i < 10; ++i) keys[SCAN_OFFSET + 59 + i] = uint8_t(KEY_F1 + i);
-    return keys;
-}
+// Keys that Linux counts behind those of set 1.
+constexpr KeyPlace FURTHER_PLACES[] = {
+    {89, KEY_RIGHT_OF_SLASH}, {96, KEY_RETURN},  {97, KEY_CONTROL},  {100, KEY_ALT},
+    {102, KEY_HOME},          {103, KEY_UP},     {104, KEY_PAGE_UP}, {105, KEY_LEFT},
+    {106, KEY_RIGHT},         {107, KEY_END},    {108, KEY_DOWN},    {109, KEY_PAGE_DOWN},
+    {110, KEY_INSERT},        {111, KEY_DELETE}, {119, KEY_PAUSE},   {124, KEY_RIGHT_OF_PLUS},
+    {127, KEY_MENU}};
 
 /// The US keyboard, by X keycode.
-constexpr std::array<uint8_t, 256> US_PLACES = us_places();
-
-/// Keys that layouts fill on all keyboards, though only some have them.
-constexpr bool is_on_some_keyboards(uint8_t key) {
-    return key == KEY_OEM_102 || key == RIGHT_OF_SLASH || key == RIGHT_OF_PLUS;
-}
-
-constexpr bool is_letter(uint32_t key) { return key >= 'A' && key <= 'Z'; }
-
-constexpr bool types_a_character(uint8_t key) {
-    return key == KEY_SPACE || (key >= '0' && key <= '9') || is_letter(key) ||
-           (key >= KEY_OEM_1 && key <= KEY_OEM_102);
-}
+constexpr KeyPlaces US_KEYBOARD = us_keyboard(SCAN_OFFSET, FURTHER_PLACES);
 
 struct Modification {
     xkb_keysym_t symbol;
@@ -113,7 +65,7 @@ struct Source {
 uint8_t letter_of(const Source& source, xkb_keycode_t keycode) {
     uint32_t code = xkb_keysym_to_utf32(source.symbol(keycode, 0));
     if (code >= 'a' && code <= 'z') code -= 'a' - 'A';
-    return is_letter(code) ? uint8_t(code) : 0;
+    return is_capital_letter(code) ? uint8_t(code) : 0;
 }
 
 /// A dead key stands for the mark that is printed on it.
@@ -129,33 +81,13 @@ std::string label_of(const Source& source, xkb_keycode_t keycode) {
     return text.data();
 }
 
-/// Keycode of each letter that the layout has.
-std::array<uint8_t, 26> find_letters(const Source& source) {
-    std::array<uint8_t, 26> keycodes{};
-    for (size_t keycode = 0; keycode < US_PLACES.size(); ++keycode) {
-        if (!types_a_character(US_PLACES[keycode])) continue;
-        const uint8_t letter = letter_of(source, xkb_keycode_t(keycode));
-        if (letter != 0 && keycodes[letter - 'A'] == 0) keycodes[letter - 'A'] = uint8_t(keycode);
-    }
-    return keycodes;
-}
-
-uint8_t character_key(const Source& source, const std::array<uint8_t, 26>& letters,
-                      uint8_t keycode) {
-    if (const uint8_t letter = letter_of(source, keycode)) return letter;
-    uint8_t place = US_PLACES[keycode];
-    // Every letter leads to another key, so the way ends at the latest after all of them.
-    while (is_letter(place) && letters[place - 'A'] != 0) place = US_PLACES[letters[place - 'A']];
-    return place;
-}
-
 /// The HostKey of a key that is no letter. Modifiers follow the layout: AltGr may be anywhere, and
 /// keys may be exchanged.
 uint8_t other_key(const Source& source, uint8_t keycode) {
     const xkb_keysym_t symbol = source.symbol(keycode, 0);
     for (const Modification& modifier : MODIFIER_SYMBOLS)
         if (modifier.symbol == symbol) return modifier.key;
-    const uint8_t place = US_PLACES[keycode];
+    const uint8_t place = US_KEYBOARD[keycode];
     const bool modifies = place == KEY_SHIFT || place == KEY_CONTROL || place == KEY_ALT;
     return modifies && symbol != XKB_KEY_NoSymbol ? uint8_t(KEY_NONE) : place;
 }
@@ -210,7 +142,7 @@ private:
         const bool shift = (mask & shift_) != 0;
         const bool alt_gr = (mask & alt_gr_) != 0;
         const uint8_t rank =
-            rank_of(is_on_some_keyboards(US_PLACES[keycode]), is_dead, shift, alt_gr);
+            rank_of(is_on_some_keyboards(US_KEYBOARD[keycode]), is_dead, shift, alt_gr);
         if (rank >= ranks_[index]) return;
         ranks_[index] = rank;
         const int modifiers =
@@ -238,21 +170,21 @@ private:
 
 XkbLayout XkbLayout::from_keymap(xkb_keymap* keymap, xkb_layout_index_t group) {
     XkbLayout layout;
-    layout.keys = US_PLACES;
+    layout.keys = US_KEYBOARD;
     if (keymap == nullptr) return layout;
 
     const Source source{keymap, group};
-    const auto letters = find_letters(source);
-    for (size_t i = 0; i < layout.keys.size(); ++i) {
-        const auto keycode = uint8_t(i);
-        layout.keys[i] = types_a_character(US_PLACES[i]) ? character_key(source, letters, keycode)
-                                                         : other_key(source, keycode);
-    }
+    KeyPlaces letters{};
+    for (size_t i = 0; i < letters.size(); ++i)
+        if (types_a_character(US_KEYBOARD[i])) letters[i] = letter_of(source, xkb_keycode_t(i));
+    layout.keys = places_with_letters(US_KEYBOARD, letters);
+    for (size_t i = 0; i < layout.keys.size(); ++i)
+        if (!types_a_character(US_KEYBOARD[i])) layout.keys[i] = other_key(source, uint8_t(i));
     CharacterSearch search(source, layout);
     for (size_t i = 0; i < layout.keys.size(); ++i)
-        if (types_a_character(US_PLACES[i])) search.look_at(xkb_keycode_t(i));
+        if (types_a_character(US_KEYBOARD[i])) search.look_at(xkb_keycode_t(i));
     for (size_t i = 0; i < layout.keys.size(); ++i) {
-        if (!types_a_character(US_PLACES[i]) || is_on_some_keyboards(US_PLACES[i])) continue;
+        if (!types_a_character(US_KEYBOARD[i]) || is_on_some_keyboards(US_KEYBOARD[i])) continue;
         layout.labels.emplace(layout.keys[i], label_of(source, xkb_keycode_t(i)));
     }
     return layout;
