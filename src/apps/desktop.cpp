@@ -1,7 +1,6 @@
 /// Picks the platform and starts the shell.
 
 #include "apps/program.h"
-#include "host/shell.h"
 #include "platform/qt/qt_platform.h"
 
 #include <algorithm>
@@ -19,17 +18,7 @@ int run_desktop(int argc, char** argv) {
     rest.insert(rest.end(), operands.begin(), operands.end());
     const CommandLine line = read_command_line(rest);
     if (!line.refusal.empty()) return fail(line.refusal);
-    install_platform(host);
-    const int exit_code = run_shell({.line = line,
-                                     .keep_disk_journals = true,
-                                     .keep_history = true,
-                                     .resumes = true,
-                                     .sizable_window = true,
-                                     .remembers_files = true,
-                                     .answers_memory_question = true,
-                                     .welcomes = true});
-    print_results(line);
-    return exit_code;
+    return run_in_window(host, line);
 }
 
 } // namespace

@@ -109,3 +109,17 @@ int run_headless(const CommandLine& line) {
     print_results(line);
     return exit_code == 0 && failure_was_reported() ? 1 : exit_code;
 }
+
+int run_in_window(Platform& host, const CommandLine& line) {
+    install_platform(host);
+    const int exit_code = run_shell({.line = line,
+                                     .keep_disk_journals = true,
+                                     .keep_history = true,
+                                     .resumes = true,
+                                     .sizable_window = true,
+                                     .remembers_files = true,
+                                     .answers_memory_question = true,
+                                     .welcomes = true});
+    print_results(line);
+    return exit_code;
+}

@@ -1,8 +1,9 @@
 #pragma once
-/// What the programs have in common: the run without a display, and what is printed before and
-/// after any run.
+/// What the programs have in common: the runs with and without a window, and what is printed before
+/// and after any run.
 
 #include "host/command_line.h"
+#include "platform/platform.h"
 
 #include <string>
 
@@ -14,3 +15,5 @@ int fail(const std::string& problem);
 void print_results(const CommandLine& line);
 /// Runs the machine without a display as the line says. Returns the exit status.
 int run_headless(const CommandLine& line);
+/// Runs the machine in a window of the host, which becomes the platform. Returns the exit status.
+int run_in_window(Platform& host, const CommandLine& line);
