@@ -15,7 +15,7 @@
 /// The layer counts in points, a 96th of an inch on the screen as it is set up; Windows in pixels.
 struct Win32Context {
     HINSTANCE instance = nullptr;
-    HWND window = nullptr; ///< the main one, while it exists
+    HWND window = nullptr; ///< the main one, from its creation to the end of the program
     double ratio = 1;      ///< pixels in a point, on the screen that shows the main window
     EventSink* sink = nullptr;
     std::deque<Event> queue;
@@ -25,6 +25,16 @@ struct Win32Context {
     int pixels(int points) const { return int(std::lround(points * ratio)); }
     int points(int pixels) const { return int(std::lround(pixels / ratio)); }
     void post(Event event) { queue.push_back(std::move(event)); }
+    void post(Event::Kind kind, int value = 0);
+    /// Appends a message, unless one of the kind waits already.
+    void post_once(Event::Kind kind);
+    /// The window that dialogs belong to: the main one while there is one to see, else none.
+    HWND owner() const { return IsWindowVisible(window) ? window : nullptr; }
+    /// Of the screen that shows the main window, in pixels of the whole desktop.
+    MONITORINFOEXW monitor() const;
+    /// A rectangle of the layer on the screen counts from that screen's top left corner.
+    Rectangle on_screen(const RECT& desktop_pixels) const;
+    RECT on_desktop(const Rectangle& screen_points) const;
 };
 
 /// Between the layer's UTF-8 and the UTF-16 of Windows. What is not valid becomes U+FFFD.
