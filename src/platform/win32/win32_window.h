@@ -12,6 +12,8 @@
 #include <optional>
 #include <string>
 
+#include <shellapi.h>
+
 class Win32Window final : public Window {
 public:
     Win32Window(Win32Context& context, Win32Panes& panes, Win32StatusBar& status_bar,
@@ -67,7 +69,7 @@ private:
     std::optional<LRESULT> handle(UINT message, WPARAM wparam, LPARAM lparam);
     std::optional<LRESULT> handle_menu(UINT message, WPARAM wparam, LPARAM lparam);
     std::optional<LRESULT> handle_place(UINT message, WPARAM wparam, LPARAM lparam);
-    std::optional<LRESULT> handle_program(UINT message, WPARAM wparam, LPARAM lparam);
+    std::optional<LRESULT> handle_program(UINT message, WPARAM wparam);
     bool register_class() const;
     DWORD style() const;
     void apply_style();

@@ -2,8 +2,6 @@
 
 #include <utility>
 
-#include <shellapi.h>
-
 namespace {
 
 /// Windows may keep a layout for each program, and tells it right after the focus.
@@ -34,7 +32,7 @@ std::optional<LRESULT> Win32Window::handle(UINT message, WPARAM wparam, LPARAM l
     if (panes_.pointer(context_.window, message, wparam, lparam)) return 0;
     if (const auto menu = handle_menu(message, wparam, lparam)) return menu;
     if (const auto place = handle_place(message, wparam, lparam)) return place;
-    return handle_program(message, wparam, lparam);
+    return handle_program(message, wparam);
 }
 
 std::optional<LRESULT> Win32Window::handle_menu(UINT message, WPARAM wparam, LPARAM lparam) {
@@ -95,7 +93,7 @@ std::optional<LRESULT> Win32Window::handle_place(UINT message, WPARAM wparam, LP
     }
 }
 
-std::optional<LRESULT> Win32Window::handle_program(UINT message, WPARAM wparam, LPARAM lparam) {
+std::optional<LRESULT> Win32Window::handle_program(UINT message, WPARAM wparam) {
     switch (message) {
     case WM_CLOSE: context_.post_once(Event::Kind::close); return 0;
     case WM_ACTIVATEAPP: activated(wparam != 0); return 0;
