@@ -21,9 +21,12 @@ struct Win32Context {
     std::deque<Event> queue;
     std::vector<HWND>
         dialogs; ///< open ones without a loop of their own, whose keys the pump offers them
+    std::vector<HWND> modal; ///< dialogs with a loop of their own, the front one last
 
     int pixels(int points) const { return int(std::lround(points * ratio)); }
     int points(int pixels) const { return int(std::lround(pixels / ratio)); }
+    /// The window that a dialog belongs to.
+    HWND front() const { return modal.empty() ? window : modal.back(); }
     void post(Event event) { queue.push_back(std::move(event)); }
     void post(Event::Kind kind, int value = 0);
     /// Appends a message, unless one of the kind waits already.

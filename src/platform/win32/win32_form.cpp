@@ -1,0 +1,605 @@
+#include "platform/win32/win32_form.h"
+
+#include "platform/win32/win32_keyboard.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <utility>
+
+namespace {
+
+constexpr int SMALLEST_PICTURE = 40; ///< percent, on a small screen
+constexpr int PICTURE_STEP = 5;
+constexpr int LEAST_LINES = 6;        ///< of a part that scrolls
+constexpr int FIRST_ID = 100;         ///< of the windows of controls
+constexpr int TIP_WIDTH = 400;        ///< points
+constexpr Size SMALLEST = {200, 100}; ///< points, of one that can be sized
+constexpr UINT_PTR TICK = 1;
+constexpr double DOTS_PER_POINT = 96;
+constexpr WORD REPEATED_KEY = KF_REPEAT;
+
+bool has_text_view(const std::vector<FormControl>& controls) {
+    return std::ranges::any_of(controls, [](const FormControl& control) {
+        return control.kind == ControlKind::text_view || has_text_view(control.children);
+    });
+}
+
+bool is_picture(const Win32Control& control) {
+    return control.kind() == ControlKind::picture || control.kind() == ControlKind::picture_button;
+}
+
+bool excludes_others(ControlKind kind) {
+    return kind == ControlKind::radio || kind == ControlKind::picture;
+}
+
+/// To a screen reader, too.
+bool has_own_text(ControlKind kind) {
+    switch (kind) {
+    case ControlKind::radio:
+    case ControlKind::picture:
+    case ControlKind::picture_button:
+    case ControlKind::check: return true;
+    default: return kind >= ControlKind::button;
+    }
+}
+
+void set_style(HWND window, DWORD style, bool on) {
+    const LONG_PTR before = GetWindowLongPtrW(window, GWL_STYLE);
+    SetWindowLongPtrW(window, GWL_STYLE, on ? before | LONG_PTR(style) : before & ~LONG_PTR(style));
+}
+
+/// While the program sets something, no event is raised.
+class Silence {
+public:
+    explicit Silence(int& depth) : depth_(depth) { ++depth_; }
+    Silence(const Silence&) = delete;
+    Silence& operator=(const Silence&) = delete;
+    ~Silence() { --depth_; }
+
+private:
+    int& depth_;
+};
+
+} // namespace
+
+// ---- what it consists of ------------------------------------------------------------------------
+
+Win32Form::Win32Form(Win32Context& context, Win32Keyboard* keyboard,
+                     const FormDescription& description, FormHandler handler,
+                     const Win32FormExtras& extras)
+    : context_(context), keyboard_(keyboard), handler_(std::move(handler)), tick_(description.tick),
+      scale_(std::make_unique<Win32FormScale>(context.ratio)),
+      window_(context, description.title, has_text_view(description.controls)),
+      area_(window_.window()), is_sizable_(has_text_view(description.controls)) {
+    const Silence silence(silent_);
+    contents_.panel = &area_;
+    tips_ = CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr, WS_POPUP | TTS_ALWAYSTIP, 0, 0,
+                            0, 0, window_.window(), nullptr, context.instance, nullptr);
+    SendMessageW(tips_, TTM_SETMAXTIPWIDTH, 0, scale_->pixels(TIP_WIDTH));
+    window_.on_message = [this](UINT message, WPARAM wparam, LPARAM lparam, LRESULT& result) {
+        return obey(message, wparam, lparam, result);
+    };
+    Naming naming;
+    add_extras(extras);
+    FormNode& contents = extras.icon ? contents_.children.front().children.back() : contents_;
+    for (const FormControl& described : description.controls) {
+        if (&described == &description.controls.back() && described.kind == ControlKind::buttons) {
+            if (!extras.link.empty()) {
+                Win32Control& link =
+                    enter(make_win32_link(extras.link, extras.target, area_.window(), *this));
+                contents.children.push_back({.kind = ControlKind::label, .control = &link});
+                link_ = &link;
+            }
+            Naming of_buttons;
+            add_all(described.children, buttons_, window_.window(), of_buttons);
+        } else {
+            contents.children.push_back(make(described, area_.window(), naming));
+        }
+    }
+    for (FormNode& node : contents_.children) {
+        if (node.kind == ControlKind::scroll) scroll_node_ = &node;
+    }
+}
+
+Win32Form::~Win32Form() = default;
+
+void Win32Form::add_extras(const Win32FormExtras& extras) {
+    if (!extras.icon) return;
+    Win32Control& icon =
+        enter(make_win32_icon(extras.icon, extras.icon_size, area_.window(), *this));
+    FormNode picture{.kind = ControlKind::column};
+    picture.children.push_back({.kind = ControlKind::label, .control = &icon});
+    FormNode row{.kind = ControlKind::row};
+    row.children.push_back(std::move(picture));
+    row.children.push_back({.kind = ControlKind::column});
+    contents_.children.push_back(std::move(row));
+}
+
+void Win32Form::add_all(const std::vector<FormControl>& controls, FormNode& node, HWND parent,
+                        Naming& naming) {
+    for (const FormControl& described : controls) {
+        node.children.push_back(make(described, parent, naming));
+    }
+}
+
+FormNode Win32Form::make(const FormControl& described, HWND parent, Naming& naming) {
+    FormNode node{.kind = described.kind};
+    switch (described.kind) {
+    case ControlKind::column:
+    case ControlKind::row:
+    case ControlKind::buttons:
+    case ControlKind::grid: {
+        Naming inner = naming;
+        add_all(described.children, node, parent, inner);
+        return node;
+    }
+    case ControlKind::scroll:
+        scroll_ = std::make_unique<Win32Panel>(parent);
+        node.panel = scroll_.get();
+        add_all(described.children, node, scroll_->window(), naming);
+        return node;
+    default: break;
+    }
+    if (described.kind > ControlKind::text_view) give_name(described, parent, naming);
+    const ControlKind before = controls_.empty() ? ControlKind::label : controls_.back()->kind();
+    const bool is_radio = described.kind == ControlKind::radio;
+    const bool is_button = described.kind >= ControlKind::button;
+    const bool goes_on =
+        (is_radio && before == ControlKind::radio) || (is_button && before >= ControlKind::button);
+    Win32Control& control = enter(make_win32_control(described, parent, *this, !goes_on));
+    node.control = &control;
+    if (described.kind == ControlKind::label) naming = {&control, spoken_text(described.text)};
+    if (described.kind == ControlKind::group) {
+        Naming inner{nullptr, spoken_text(described.text)};
+        add_all(described.children, node, parent, inner);
+    }
+    return node;
+}
+
+/// A screen reader takes the text before a control for its name, whether it is seen or not.
+void Win32Form::give_name(const FormControl& described, HWND parent, Naming& naming) {
+    if (naming.label) { // its access key leads to this control
+        set_style(std::exchange(naming.label, nullptr)->window(), SS_NOPREFIX, false);
+        if (described.name.empty()) return;
+    }
+    const std::string& name = described.name.empty() ? naming.name : described.name;
+    if (has_own_text(described.kind) || name.empty()) return;
+    CreateWindowExW(0, L"STATIC", wide(name).c_str(), WS_CHILD | SS_NOPREFIX, 0, 0, 0, 0, parent,
+                    nullptr, context_.instance, nullptr);
+}
+
+Win32Control& Win32Form::enter(std::unique_ptr<Win32Control> made) {
+    Win32Control& control = *made;
+    controls_.push_back(std::move(made));
+    by_window_[control.window()] = &control;
+    if (control.id()) by_id_[control.id()] = &control;
+    int window_id = FIRST_ID + int(controls_.size());
+    if (control.kind() == ControlKind::default_button) window_id = IDOK;
+    if (control.kind() == ControlKind::cancel_button) window_id = IDCANCEL;
+    SetWindowLongPtrW(control.window(), GWLP_ID, window_id);
+    if (window_id == IDOK) SendMessageW(window_.window(), DM_SETDEFID, IDOK, 0);
+    return control;
+}
+
+Win32Control* Win32Form::control(int id) const {
+    const auto found = by_id_.find(id);
+    return found == by_id_.end() ? nullptr : found->second;
+}
+
+Win32Control* Win32Form::control_of(HWND window) const {
+    const auto found = by_window_.find(window);
+    return found == by_window_.end() ? nullptr : found->second;
+}
+
+void Win32Form::set_tip(HWND window, const std::string& text) {
+    std::wstring shown = wide(text);
+    TTTOOLINFOW tip{};
+    tip.cbSize = TTTOOLINFOW_V1_SIZE;
+    tip.uFlags = TTF_IDISHWND | TTF_SUBCLASS;
+    tip.hwnd = GetParent(window);
+    tip.uId = reinterpret_cast<UINT_PTR>(window);
+    tip.lpszText = shown.data();
+    SendMessageW(tips_, TTM_DELTOOLW, 0, reinterpret_cast<LPARAM>(&tip));
+    if (!text.empty()) SendMessageW(tips_, TTM_ADDTOOLW, 0, reinterpret_cast<LPARAM>(&tip));
+}
+
+// ---- what the program reads and sets ------------------------------------------------------------
+
+int Win32Form::value(int id) {
+    Win32Control* const found = control(id);
+    return found ? found->value() : 0;
+}
+
+void Win32Form::set_value(int id, int value) {
+    const Silence silence(silent_);
+    Win32Control* const found = control(id);
+    if (!found) return;
+    found->set_value(value);
+    if (value && excludes_others(found->kind())) choose(*found);
+}
+
+/// Of the radio buttons, or of the pictures. Tab leads to this one.
+void Win32Form::choose(Win32Control& chosen) {
+    const Silence silence(silent_);
+    for (const auto& each : controls_) {
+        if (each->kind() != chosen.kind()) continue;
+        const bool is_this = each.get() == &chosen;
+        if (each->value() != int(is_this)) each->set_value(is_this);
+        set_style(each->window(), WS_TABSTOP, is_this);
+    }
+}
+
+std::string Win32Form::text(int id) {
+    Win32Control* const found = control(id);
+    return found ? found->text() : std::string();
+}
+
+void Win32Form::set_text(int id, const std::string& text) {
+    const Silence silence(silent_);
+    Win32Control* const found = control(id);
+    if (!found) return;
+    found->set_text(text);
+    fit_again(*found);
+}
+
+void Win32Form::set_items(int id, const std::vector<std::string>& items) {
+    const Silence silence(silent_);
+    Win32Control* const found = control(id);
+    if (!found) return;
+    found->set_items(items);
+    fit_again(*found);
+}
+
+void Win32Form::set_picture(int id, const FormPicture& picture) {
+    if (Win32Control* const found = control(id)) found->set_picture(picture);
+}
+
+bool Win32Form::is_enabled(int id) {
+    const Win32Control* const found = control(id);
+    return found && IsWindowEnabled(found->window());
+}
+
+/// A control that has the focus hands it on, or the keyboard would be without effect.
+void Win32Form::set_enabled(int id, bool enabled) {
+    const Silence silence(silent_);
+    const Win32Control* const found = control(id);
+    if (!found) return;
+    if (!enabled && GetFocus() == found->window()) {
+        SendMessageW(window_.window(), WM_NEXTDLGCTL, 0, FALSE);
+    }
+    EnableWindow(found->window(), enabled);
+}
+
+// ---- opening and closing ------------------------------------------------------------------------
+
+void Win32Form::run(std::function<void(int)> done) {
+    closing_id_ = FORM_CLOSED;
+    fit();
+    if (!is_placed_) window_.move_to_owner();
+    if (tick_) SetTimer(window_.window(), TICK, UINT(tick_), nullptr);
+    ++silent_;
+    window_.run([this] {
+        focus_first();
+        --silent_;
+    });
+    waiting_ = Waiting::no;
+    if (tick_) KillTimer(window_.window(), TICK);
+    const int closing_id = closing_id_;
+    done(closing_id); // may remove the form
+}
+
+void Win32Form::show() {
+    const bool was_open = is_open();
+    const Silence silence(silent_);
+    if (!was_open) {
+        fit();
+        if (!std::exchange(is_placed_, true)) window_.move_to_owner();
+        if (tick_) SetTimer(window_.window(), TICK, UINT(tick_), nullptr);
+    }
+    window_.show();
+    if (!was_open) focus_first();
+}
+
+void Win32Form::end(int closing_id) {
+    closing_id_ = closing_id;
+    waiting_ = Waiting::no;
+    least_ = {};
+    if (tick_) KillTimer(window_.window(), TICK);
+    window_.end();
+}
+
+/// Gives the focus to the table, or to the first control. Of radio buttons and pictures that is the
+/// chosen one, or the arrow keys would start at another.
+void Win32Form::focus_first() {
+    const auto can_have = [](const auto& each) {
+        return each->is_focusable() && IsWindowEnabled(each->window());
+    };
+    const Win32Control* first = nullptr;
+    for (const auto& each : controls_) {
+        if (!can_have(each)) continue;
+        if (!first && each.get() != link_) first = each.get();
+        if (each->kind() == ControlKind::table) first = each.get();
+    }
+    if (first && excludes_others(first->kind())) {
+        for (const auto& each : controls_) {
+            if (each->kind() == first->kind() && each->value()) first = each.get();
+        }
+    }
+    if (first) SetFocus(first->window());
+}
+
+Size Win32Form::size() {
+    if (!is_open()) fit();
+    RECT outer{};
+    GetWindowRect(window_.window(), &outer);
+    return {context_.points(int(outer.right - outer.left)),
+            context_.points(int(outer.bottom - outer.top))};
+}
+
+void Win32Form::move(int left, int top) {
+    MONITORINFO screen{};
+    screen.cbSize = sizeof screen;
+    const HWND at = context_.window ? context_.window : window_.window();
+    GetMonitorInfoW(MonitorFromWindow(at, MONITOR_DEFAULTTONEAREST), &screen);
+    if (!is_open()) fit();
+    is_placed_ = true;
+    window_.move(int(screen.rcMonitor.left) + context_.pixels(left),
+                 int(screen.rcMonitor.top) + context_.pixels(top));
+}
+
+// ---- sizes --------------------------------------------------------------------------------------
+
+void Win32Form::take_scale(double ratio) {
+    auto before = std::exchange(scale_, std::make_unique<Win32FormScale>(ratio));
+    for (const auto& each : controls_) each->take_font(); // before its old one goes
+    SendMessageW(tips_, TTM_SETMAXTIPWIDTH, 0, scale_->pixels(TIP_WIDTH));
+}
+
+/// Small screens get more rows of buttons, and smaller pictures.
+void Win32Form::fit() {
+    if (!is_open() && scale_->ratio() != context_.ratio) take_scale(context_.ratio);
+    if (!is_open()) least_ = {};
+    const SIZE all = window_.room();
+    const int margins = 2 * Win32FormLayout(*scale_, 0).margin();
+    const Size room = {int(all.cx) - margins, int(all.cy) - margins};
+    const Win32FormLayout layout(*scale_, room.width);
+    contents_.limit = 0;
+    if (scroll_node_) scroll_node_->limit = 0;
+    int width = 0;
+    for (int percent = 100; percent >= SMALLEST_PICTURE; percent -= PICTURE_STEP) {
+        for (const auto& each : controls_) {
+            if (is_picture(*each)) set_picture_percent(*each, percent);
+        }
+        width = std::max(layout.wanted_width(contents_), layout.wanted_width(buttons_));
+        if (width + GetSystemMetrics(SM_CXVSCROLL) <= room.width) break;
+    }
+    int height = 0;
+    fit_height(layout, width, height, room.height);
+    least_ = {std::max(least_.width, std::min(width, room.width) + margins),
+              std::max(least_.height, std::min(height, room.height) + margins)};
+    window_.set_client_size(std::min(least_.width, int(all.cx)),
+                            std::min(least_.height, int(all.cy)));
+    place();
+}
+
+/// The part that scrolls becomes lower, and then all of it.
+void Win32Form::fit_height(const Win32FormLayout& layout, int& width, int& height, int room) {
+    const auto below = [&] {
+        if (buttons_.children.empty()) return 0;
+        return layout.wanted_height(buttons_, width) + layout.margin();
+    };
+    const auto widen = [&] { width = std::max(width, layout.wanted_width(contents_)); };
+    height = layout.wanted_height(contents_, width) + below();
+    if (height <= room) return;
+    if (scroll_node_) {
+        const int wanted = layout.wanted_height(*scroll_node_, width) - (height - room);
+        scroll_node_->limit = std::max(wanted, LEAST_LINES * scale_->line());
+        widen();
+        height = layout.wanted_height(contents_, width) + below();
+    }
+    if (height <= room) return;
+    contents_.limit = std::max(room - below(), LEAST_LINES * scale_->line());
+    widen();
+    height = layout.wanted_height(contents_, width) + below();
+}
+
+/// An open form becomes larger, where a text is too long for it now, and never smaller.
+void Win32Form::fit_again(const Win32Control& changed) {
+    if (!is_open()) return;
+    RECT place{};
+    GetClientRect(changed.window(), &place);
+    const bool is_wide_enough = changed.takes_width() || changed.wanted_width() <= int(place.right);
+    const bool is_high_enough =
+        changed.takes_height() || changed.wanted_height(int(place.right)) <= int(place.bottom);
+    if (!is_wide_enough || !is_high_enough) fit();
+}
+
+void Win32Form::place() {
+    RECT inside{};
+    GetClientRect(window_.window(), &inside);
+    const int margin = Win32FormLayout(*scale_, 0).margin();
+    InflateRect(&inside, -margin, -margin);
+    const int width = int(inside.right - inside.left);
+    const Win32FormLayout layout(*scale_, width);
+    RECT contents = inside;
+    if (!buttons_.children.empty()) {
+        RECT below = inside;
+        below.top = below.bottom - layout.wanted_height(buttons_, width);
+        contents.bottom = below.top - margin;
+        layout.place(buttons_, below);
+    }
+    layout.place(contents_, contents);
+    InvalidateRect(window_.window(), nullptr, TRUE);
+}
+
+// ---- what the user does -------------------------------------------------------------------------
+
+void Win32Form::raise(Win32Control& control, FormEvent::Kind kind) {
+    if (silent_) return;
+    if (excludes_others(control.kind())) choose(control);
+    const int id = control.id();
+    const bool closes = control.kind() > ControlKind::button;
+    handler_(*this, {kind, id});
+    if (closes) end(id);
+}
+
+void Win32Form::has_focus(Win32Control& control) {
+    for (Win32Panel* panel : {scroll_.get(), &area_}) {
+        if (panel && IsChild(panel->window(), control.window())) {
+            panel->bring_into_sight(control.window());
+        }
+    }
+    if (control.kind() != ControlKind::picture_button) return;
+    for (const auto& each : controls_) { // Tab comes back to this one
+        if (each->kind() != control.kind()) continue;
+        set_style(each->window(), WS_TABSTOP, each.get() == &control);
+    }
+}
+
+void Win32Form::press_default() {
+    for (const auto& each : controls_) {
+        if (each->kind() == ControlKind::default_button && IsWindowEnabled(each->window())) {
+            return raise(*each, FormEvent::Kind::pressed);
+        }
+    }
+}
+
+void Win32Form::move_among_pictures(Win32Control& from, int right, int down) {
+    const auto place_of = [](const Win32Control& control) {
+        RECT place{};
+        GetWindowRect(control.window(), &place);
+        return POINT{place.left, place.top};
+    };
+    const POINT start = place_of(from);
+    Win32Control* nearest = nullptr;
+    LONG least = 0;
+    for (const auto& each : controls_) {
+        if (each->kind() != from.kind() || !IsWindowEnabled(each->window())) continue;
+        const POINT place = place_of(*each);
+        const LONG across = place.x - start.x, along = place.y - start.y;
+        const LONG forward = across * right + along * down;
+        const LONG aside = std::abs(right ? along : across);
+        if (forward <= 0 || aside >= forward) continue;
+        if (!nearest || forward + aside < least) {
+            nearest = each.get();
+            least = forward + aside;
+        }
+    }
+    if (!nearest) return;
+    SetFocus(nearest->window());
+    if (nearest->kind() == ControlKind::picture) raise(*nearest, FormEvent::Kind::changed);
+}
+
+void Win32Form::cancel() {
+    for (const auto& each : controls_) {
+        if (each->kind() != ControlKind::cancel_button) continue;
+        if (IsWindowEnabled(each->window())) raise(*each, FormEvent::Kind::pressed);
+        return;
+    }
+    SendMessageW(window_.window(), WM_CLOSE, 0, 0);
+}
+
+bool Win32Form::obey(UINT message, WPARAM wparam, LPARAM lparam, LRESULT& result) {
+    switch (message) {
+    case WM_COMMAND: return obey_command(wparam, lparam);
+    case WM_NOTIFY: {
+        const auto& what = *reinterpret_cast<const NMHDR*>(lparam);
+        if (Win32Control* const from = control_of(what.hwndFrom)) from->notified(what);
+        return false;
+    }
+    case WM_HSCROLL:
+        if (Win32Control* const from = control_of(reinterpret_cast<HWND>(lparam))) from->scrolled();
+        return true;
+    case WM_DRAWITEM: {
+        const auto& asked = *reinterpret_cast<const DRAWITEMSTRUCT*>(lparam);
+        if (Win32Control* const drawn = control_of(asked.hwndItem)) drawn->draw(asked);
+        result = TRUE;
+        return true;
+    }
+    case WM_CTLCOLORSTATIC: {
+        if (!link_ || reinterpret_cast<HWND>(lparam) != link_->window()) return false;
+        constexpr COLORREF blue = RGB(0, 0, 255);
+        SetTextColor(reinterpret_cast<HDC>(wparam), blue);
+        SetBkMode(reinterpret_cast<HDC>(wparam), TRANSPARENT);
+        result = reinterpret_cast<LRESULT>(GetSysColorBrush(COLOR_BTNFACE));
+        return true;
+    }
+    case WM_CLOSE:
+        handler_(*this, {FormEvent::Kind::closed, FORM_CLOSED});
+        end(FORM_CLOSED);
+        return true;
+    case WM_TIMER: // not while another dialog stands over it
+        if (is_open() && IsWindowEnabled(window_.window())) {
+            handler_(*this, {FormEvent::Kind::ticked, 0});
+        }
+        return true;
+    case WM_SIZE:
+        if (is_sizable_ && wparam != SIZE_MINIMIZED && is_open()) place();
+        return false;
+    case WM_GETMINMAXINFO:
+        reinterpret_cast<MINMAXINFO*>(lparam)->ptMinTrackSize = {scale_->pixels(SMALLEST.width),
+                                                                 scale_->pixels(SMALLEST.height)};
+        return true;
+    case WM_DPICHANGED:
+        take_scale(double(LOWORD(wparam)) / DOTS_PER_POINT);
+        least_ = {};
+        fit();
+        return true;
+    default: return obey_key(message, wparam, lparam, result);
+    }
+}
+
+bool Win32Form::obey_command(WPARAM wparam, LPARAM lparam) {
+    Win32Control* const from = control_of(reinterpret_cast<HWND>(lparam));
+    if (from) {
+        if (IsWindowEnabled(from->window())) from->commanded(HIWORD(wparam));
+        return true;
+    }
+    if (lparam == 0 && LOWORD(wparam) == IDCANCEL) cancel();
+    if (lparam == 0 && LOWORD(wparam) == IDOK) press_default();
+    return true;
+}
+
+// ---- the next key -------------------------------------------------------------------------------
+
+/// The form's own window takes the focus, and so the key.
+void Win32Form::await_key() {
+    if (!is_open() || !keyboard_) return;
+    const HWND focus = GetFocus();
+    if (focus != window_.window()) focus_before_ = focus;
+    waiting_ = Waiting::for_key;
+    SetFocus(window_.window());
+}
+
+void Win32Form::end_waiting(uint8_t key) {
+    if (waiting_ != Waiting::for_key) return;
+    waiting_ = Waiting::no;
+    handler_(*this, {FormEvent::Kind::key, 0, key});
+}
+
+bool Win32Form::obey_key(UINT message, WPARAM wparam, LPARAM lparam, LRESULT& result) {
+    switch (message) {
+    case WM_GETDLGCODE: result = DLGC_WANTALLKEYS; return true;
+    case WM_KEYDOWN:
+    case WM_SYSKEYDOWN:
+        if (waiting_ == Waiting::no) return false;
+        if (waiting_ == Waiting::for_key && !(HIWORD(lparam) & REPEATED_KEY)) {
+            waiting_ = Waiting::for_release;
+            handler_(*this, {FormEvent::Kind::key, 0, keyboard_->host_key(wparam, lparam)});
+        }
+        return true;
+    case WM_KEYUP:
+    case WM_SYSKEYUP:
+        if (waiting_ != Waiting::for_release) return false;
+        waiting_ = Waiting::no; // now the key cannot act on the control
+        SetFocus(focus_before_);
+        return true;
+    case WM_LBUTTONDOWN:
+    case WM_RBUTTONDOWN:
+    case WM_KILLFOCUS: end_waiting(KEY_NONE); return false;
+    case WM_ACTIVATE:
+        if (LOWORD(wparam) == WA_INACTIVE) end_waiting(KEY_NONE);
+        return false;
+    default: return false;
+    }
+}
