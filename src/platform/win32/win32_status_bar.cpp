@@ -90,10 +90,14 @@ int Win32StatusBar::pixels() const {
 void Win32StatusBar::lay_out() {
     if (!bar_) return;
     set_font();
-    int borders[3] = {}; // horizontal, vertical, between parts
-    send(SB_GETBORDERS, 0, reinterpret_cast<LPARAM>(borders));
-    send(SB_SETMINHEIGHT, WPARAM(context_.pixels(LEAST_HEIGHT) - 2 * borders[1]));
-    send(WM_SIZE, 0);
+    // The least height of what is between the borders; how high these are, each version of the
+    // control sees differently.
+    const int least = context_.pixels(LEAST_HEIGHT);
+    for (int inside = least - 4; inside <= least; inside += std::max(least - pixels(), 1)) {
+        send(SB_SETMINHEIGHT, WPARAM(inside));
+        send(WM_SIZE, 0);
+        if (pixels() >= least) break;
+    }
     set_parts();
     place_tools();
 }
