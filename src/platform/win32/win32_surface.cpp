@@ -13,6 +13,7 @@ struct Win32Surface::DirectDraw {
     ComPointer<IDirectDrawSurface> primary, back;
     Size size; ///< of the back surface
     HWND window = nullptr;
+    bool is_smooth = false; ///< how it stretches
 
     DirectDraw() { library.find("DirectDrawCreate", create); }
 
@@ -21,6 +22,7 @@ struct Win32Surface::DirectDraw {
     void stop();
     bool create_primary();
     bool create_back();
+    bool finds_smooth();
     bool fill_back(const BitmapView& picture);
     void present(const RECT& target, Size source, bool clear);
 };
@@ -99,7 +101,30 @@ std::string Win32Surface::DirectDraw::start(HWND main, Size picture) {
     if (FAILED(draw->CreateClipper(0, ComResult(clipper), nullptr))) return "CreateClipper FAILED";
     clipper->SetHWnd(0, window);
     primary->SetClipper(clipper.get());
-    return create_back() ? "" : "CreateSurface (back) FAILED";
+    if (!create_back()) return "CreateSurface (back) FAILED";
+    is_smooth = finds_smooth();
+    return {};
+}
+
+/// Nobody can ask for colours that flow into each other, or for edges: so an edge is stretched.
+bool Win32Surface::DirectDraw::finds_smooth() {
+    constexpr int TOP = 16, HALF = 8, STRETCHED = 10;
+    RECT from = {0, 0, 2 * HALF, HALF};
+    RECT to = {0, TOP, STRETCHED * from.right, TOP + STRETCHED * from.bottom};
+    HDC dc = nullptr;
+    if (FAILED(back->GetDC(&dc))) return false;
+    PatBlt(dc, 0, 0, HALF, HALF, BLACKNESS);
+    PatBlt(dc, HALF, 0, HALF, HALF, WHITENESS);
+    back->ReleaseDC(dc);
+    if (FAILED(back->Blt(&to, back.get(), &from, DDBLT_WAIT, nullptr))) return false;
+    if (FAILED(back->GetDC(&dc))) return false;
+    bool mixed = false;
+    for (int x = 0; x < to.right; ++x) {
+        const COLORREF colour = GetPixel(dc, x, (TOP + int(to.bottom)) / 2);
+        mixed = mixed || (colour != RGB(0, 0, 0) && colour != RGB(255, 255, 255));
+    }
+    back->ReleaseDC(dc);
+    return mixed;
 }
 
 void Win32Surface::DirectDraw::stop() {
@@ -163,7 +188,7 @@ void Win32Surface::present(const BitmapView& picture, const Rectangle& target, c
     const RECT in_client = {on_desktop.left - origin.x, on_desktop.top - origin.y,
                             on_desktop.right - origin.x, on_desktop.bottom - origin.y};
     const Rectangle dirty = panes_.picture().keep_stretched(picture, from_windows(in_client), how);
-    const bool directly = panes_.picture_is_alone() && !how.smooth &&
+    const bool directly = panes_.picture_is_alone() && how.smooth == direct_draw_->is_smooth &&
                           direct_draw_->size == Size{picture.width, picture.height};
     const bool changes = std::exchange(shown_directly_, directly) != directly;
     if (directly) {

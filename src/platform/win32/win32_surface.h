@@ -4,8 +4,9 @@
 
 #include <memory>
 
-/// The whole screen by DirectDraw, which is loaded when it is first asked for. While something is
-/// in front of the picture, the pane shows it: DirectDraw would draw over that.
+/// The whole screen by DirectDraw, which is loaded when it is first asked for. The pane shows the
+/// picture where DirectDraw stretches in another way than is wanted, and while something is in
+/// front of it, which DirectDraw would draw over.
 class Win32Surface final : public Surface {
 public:
     Win32Surface(Win32Context& context, Win32Panes& panes);
