@@ -53,9 +53,7 @@ public:
     void set_readable(const std::string& name, std::function<ReadableText()> text) override;
 
 private:
-    // Messages of the window to itself.
-    static constexpr UINT SHOW_POPUP = WM_APP + 1;
-    static constexpr UINT LAY_OUT = WM_APP + 2;
+    static constexpr UINT SHOW_POPUP = WM_APP + 1; ///< to the window itself
 
     /// What menu and frame add to a client area, in pixels and in whole points: an outer size is
     /// the client area's with these, so that it leads back to the same client area at any scale.

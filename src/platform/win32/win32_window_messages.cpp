@@ -70,11 +70,6 @@ std::optional<LRESULT> Win32Window::handle_place(UINT message, WPARAM wparam, LP
         lay_out();
         context_.post_once(Event::Kind::resized);
         return std::nullopt;
-    case WM_PARENTNOTIFY: // the status bar comes or goes
-        if (LOWORD(wparam) == WM_CREATE || LOWORD(wparam) == WM_DESTROY)
-            PostMessageW(context_.window, LAY_OUT, 0, 0);
-        return std::nullopt;
-    case LAY_OUT: lay_out(); return 0;
     case WM_DPICHANGED:
         scale_changed(LOWORD(wparam), *reinterpret_cast<const RECT*>(lparam));
         return 0;
