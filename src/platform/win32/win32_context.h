@@ -25,14 +25,14 @@ struct Win32Context {
 
     int pixels(int points) const { return int(std::lround(points * ratio)); }
     int points(int pixels) const { return int(std::lround(pixels / ratio)); }
-    /// The window that a dialog belongs to.
-    HWND front() const { return modal.empty() ? window : modal.back(); }
+    /// The main window while there is one to see.
+    HWND seen_window() const { return IsWindowVisible(window) ? window : nullptr; }
+    /// The window that a dialog belongs to; none where there is none to see.
+    HWND front() const { return modal.empty() ? seen_window() : modal.back(); }
     void post(Event event) { queue.push_back(std::move(event)); }
     void post(Event::Kind kind, int value = 0);
     /// Appends a message, unless one of the kind waits already.
     void post_once(Event::Kind kind);
-    /// The window that dialogs belong to: the main one while there is one to see, else none.
-    HWND owner() const { return IsWindowVisible(window) ? window : nullptr; }
     /// Of the screen that shows the main window, in pixels of the whole desktop.
     MONITORINFOEXW monitor() const;
     /// A rectangle of the layer on the screen counts from that screen's top left corner.
