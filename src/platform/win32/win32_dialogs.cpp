@@ -13,7 +13,8 @@ constexpr int ICON_SIZE = 32;   ///< points
 constexpr int ABOUT_SIZE = 64;  ///< points
 constexpr int TEXT_LINES = 24;  ///< longer ones scroll
 constexpr int LINE_LENGTH = 80; ///< characters
-constexpr int FIRST_ANSWER = 1; ///< id of a button
+constexpr int TEXT = 1;         ///< id
+constexpr int FIRST_ANSWER = 2; ///< id of a button
 
 UINT icon_of(MessageIcon icon) {
     switch (icon) {
@@ -46,11 +47,6 @@ bool is_long(const std::string& text) {
     return lines > TEXT_LINES;
 }
 
-FormControl words_of(const std::string& text) {
-    const bool scrolls = is_long(text);
-    return {.kind = scrolls ? ControlKind::text_view : ControlKind::note, .id = 0, .text = text};
-}
-
 HICON program_icon(const Win32Context& context, int points) {
     return static_cast<HICON>(LoadImageW(context.instance, MAKEINTRESOURCEW(PROGRAM_ICON),
                                          IMAGE_ICON, context.pixels(points), context.pixels(points),
@@ -63,22 +59,17 @@ HICON system_icon(LPCWSTR name, const Win32Context& context) {
                                          context.pixels(ICON_SIZE), LR_SHARED));
 }
 
-} // namespace
-
-void Win32Dialogs::message(const std::string& title, const std::string& text, MessageIcon icon,
-                           std::function<void()> done) {
-    const std::string shown = with_line_feeds(text);
-    if (is_long(shown)) return choose(title, shown, {"OK"}, [done](int) { done(); });
-    {
-        const Win32ModalScope scope(context_);
-        MessageBoxW(context_.front(), wide(shown).c_str(), wide(title).c_str(),
-                    MB_OK | icon_of(icon));
+LPCWSTR large_icon_of(MessageIcon icon) {
+    switch (icon) {
+    case MessageIcon::warning: return IDI_WARNING;
+    case MessageIcon::error: return IDI_ERROR;
+    default: return IDI_INFORMATION;
     }
-    done();
 }
 
-void Win32Dialogs::choose(const std::string& title, const std::string& text,
-                          const std::vector<std::string>& answers, std::function<void(int)> done) {
+/// A text and a button for each answer. Gives the place of the one that was pressed.
+int ask(Win32Context& context, const std::string& title, const std::string& text,
+        const std::vector<std::string>& answers, HICON icon) {
     FormControl buttons = {.kind = ControlKind::buttons};
     for (size_t n = 0; n < answers.size(); ++n) {
         const ControlKind kind = n ? ControlKind::button : ControlKind::default_button;
@@ -90,14 +81,33 @@ void Win32Dialogs::choose(const std::string& title, const std::string& text,
         answer = event.control - FIRST_ANSWER;
         form.close();
     };
-    const FormDescription description = {title, {words_of(with_line_feeds(text)), buttons}};
-    {
-        const Win32FormExtras extras = {.icon = system_icon(IDI_QUESTION, context_),
-                                        .icon_size = ICON_SIZE};
-        Win32Form form(context_, nullptr, description, pressed, extras);
-        form.run([](int) {});
+    const ControlKind kind = is_long(text) ? ControlKind::text_view : ControlKind::note;
+    const FormDescription description = {title,
+                                         {{.kind = kind, .id = TEXT, .text = text}, buttons}};
+    Win32Form form(context, nullptr, description, pressed, {.icon = icon, .icon_size = ICON_SIZE});
+    form.set_value(TEXT, 0); // one that scrolls begins with its first line
+    form.run([](int) {});
+    return answer;
+}
+
+} // namespace
+
+void Win32Dialogs::message(const std::string& title, const std::string& text, MessageIcon icon,
+                           std::function<void()> done) {
+    const std::string shown = with_line_feeds(text);
+    if (is_long(shown)) {
+        ask(context_, title, shown, {"OK"}, system_icon(large_icon_of(icon), context_));
+    } else {
+        const Win32ModalScope scope(context_);
+        MessageBoxW(context_.front(), wide(shown).c_str(), wide(title).c_str(),
+                    MB_OK | icon_of(icon));
     }
-    done(answer);
+    done();
+}
+
+void Win32Dialogs::choose(const std::string& title, const std::string& text,
+                          const std::vector<std::string>& answers, std::function<void(int)> done) {
+    done(ask(context_, title, with_line_feeds(text), answers, system_icon(IDI_QUESTION, context_)));
 }
 
 void Win32Dialogs::choose_file(const FileDialog& dialog,

@@ -72,6 +72,7 @@ private:
     UINT_PTR obey(UINT message, LPARAM lparam);
     void open();
     void arrange();
+    void focus_name();
     void show_preview();
     HWND add(const wchar_t* window_class, const std::string& text, DWORD style, DWORD extended,
              int id);
@@ -102,12 +103,16 @@ UINT_PTR CALLBACK FilePanel::hook(HWND child, UINT message, WPARAM /*wparam*/, L
 
 UINT_PTR FilePanel::obey(UINT message, LPARAM lparam) {
     switch (message) {
-    case WM_INITDIALOG: open(); return 1;
+    case WM_INITDIALOG: open(); return 0;
     case WM_SIZE: arrange(); return 0;
     case WM_DESTROY: keep_texts(); return 0;
     case WM_NOTIFY:
         switch (reinterpret_cast<const NMHDR*>(lparam)->code) {
-        case CDN_INITDONE: arrange(); return 0;
+        case CDN_INITDONE:
+            arrange();
+            show_preview();
+            focus_name();
+            return 0;
         case CDN_SELCHANGE:
         case CDN_FOLDERCHANGE: show_preview(); return 0;
         default: return 0;
@@ -142,6 +147,16 @@ void FilePanel::open() {
     lstrcpynW(font.lfFaceName, L"Courier New", LF_FACESIZE);
     fixed_.reset(CreateFontIndirectW(&font));
     SendMessageW(preview_, WM_SETFONT, reinterpret_cast<WPARAM>(fixed_.get()), FALSE);
+}
+
+/// The field for the name, which Windows may have passed over for the panel.
+void FilePanel::focus_name() {
+    for (const int id : {int(cmb13), int(edt1)}) {
+        const HWND name = GetDlgItem(dialog(), id);
+        if (!name) continue;
+        SendMessageW(dialog(), WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(name), TRUE);
+        return;
+    }
 }
 
 RECT FilePanel::place_of(int id) const {
@@ -188,8 +203,9 @@ void FilePanel::show_preview() {
         SendMessageW(dialog(), CDM_GETFILEPATH, path.size(), reinterpret_cast<LPARAM>(path.data()));
     path.resize(length > 0 ? size_t(length) - 1 : 0); // with the zero at its end
     const DWORD kind = GetFileAttributesW(path.c_str());
-    std::string text;
+    std::string text = "What is in the file\r\nthat is marked";
     if (kind != INVALID_FILE_ATTRIBUTES && !(kind & FILE_ATTRIBUTE_DIRECTORY)) {
+        text.clear();
         for (const std::string& line : dialog_.preview(narrow(path))) text += line + "\r\n";
     }
     SetWindowTextW(preview_, wide(text).c_str());

@@ -14,6 +14,7 @@ constexpr int LEAST_LINES = 6;        ///< of a part that scrolls
 constexpr int FIRST_ID = 100;         ///< of the windows of controls
 constexpr int TIP_WIDTH = 400;        ///< points
 constexpr Size SMALLEST = {200, 100}; ///< points, of one that can be sized
+constexpr UINT TAKE_FOCUS = WM_APP;
 constexpr UINT_PTR TICK = 1;
 constexpr double DOTS_PER_POINT = 96;
 constexpr WORD REPEATED_KEY = KF_REPEAT;
@@ -562,13 +563,14 @@ bool Win32Form::obey_command(WPARAM wparam, LPARAM lparam) {
 
 // ---- the next key -------------------------------------------------------------------------------
 
-/// The form's own window takes the focus, and so the key.
+/// The form's own window takes the focus, and so the key. A button that asks for it may still be
+/// about to take the focus itself.
 void Win32Form::await_key() {
     if (!is_open() || !keyboard_) return;
     const HWND focus = GetFocus();
     if (focus != window_.window()) focus_before_ = focus;
     waiting_ = Waiting::for_key;
-    SetFocus(window_.window());
+    PostMessageW(window_.window(), TAKE_FOCUS, 0, 0);
 }
 
 void Win32Form::end_waiting(uint8_t key) {
@@ -579,6 +581,10 @@ void Win32Form::end_waiting(uint8_t key) {
 
 bool Win32Form::obey_key(UINT message, WPARAM wparam, LPARAM lparam, LRESULT& result) {
     switch (message) {
+    case TAKE_FOCUS:
+        if (waiting_ == Waiting::for_key) SetFocus(window_.window());
+        return true;
+    case WM_SETFOCUS: return waiting_ != Waiting::no; // or a control has it again
     case WM_GETDLGCODE: result = DLGC_WANTALLKEYS; return true;
     case WM_KEYDOWN:
     case WM_SYSKEYDOWN:

@@ -98,7 +98,8 @@ class PushButton final : public Win32Control {
 public:
     PushButton(const FormControl& described, HWND parent, Win32ControlHost& host, DWORD group)
         : Win32Control(described, host),
-          is_small_(kind_ == ControlKind::button && text_.size() <= SMALL_BUTTON_TEXT) {
+          is_small_(kind_ == ControlKind::button && text_.size() <= SMALL_BUTTON_TEXT &&
+                    text_.find('&') == std::string::npos) {
         const bool is_default = kind_ == ControlKind::default_button;
         create(parent, L"BUTTON", text_,
                (is_default ? BS_DEFPUSHBUTTON : BS_PUSHBUTTON) | WS_TABSTOP | group);
@@ -188,7 +189,7 @@ private:
     int limit_;
 };
 
-/// Opens at the end, where the newest lines are.
+/// Opens at the end, where the newest lines are, or at the line that it gets as its value.
 class TextView final : public Win32Control {
 public:
     TextView(const FormControl& described, HWND parent, Win32ControlHost& host)
@@ -196,6 +197,11 @@ public:
         create(parent, L"EDIT", with_carriage_returns(text_),
                ES_MULTILINE | ES_READONLY | ES_AUTOVSCROLL | WS_VSCROLL | WS_TABSTOP | WS_GROUP,
                WS_EX_CLIENTEDGE);
+    }
+    void set_value(int line) override {
+        const LRESULT start = send(EM_LINEINDEX, WPARAM(line));
+        is_at_line_ = true;
+        send(EM_SETSEL, WPARAM(start), LPARAM(start));
     }
     bool takes_width() const override { return true; }
     bool takes_height() const override { return true; }
@@ -205,7 +211,7 @@ public:
     int wanted_height(int /*width*/) const override { return scale().line() * VIEW.height; }
     void move(const RECT& place) override {
         Win32Control::move(place);
-        if (std::exchange(has_been_shown_, true)) return;
+        if (std::exchange(is_at_line_, true)) return;
         send(EM_SETSEL, WPARAM(GetWindowTextLengthW(window_)), LPARAM(-1));
         send(EM_SCROLLCARET);
     }
@@ -218,7 +224,7 @@ protected:
     }
 
 private:
-    bool has_been_shown_ = false;
+    bool is_at_line_ = false;
 };
 
 /// A list that opens, with a text field or without.

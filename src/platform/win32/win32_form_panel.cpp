@@ -37,6 +37,8 @@ LRESULT CALLBACK Win32Panel::procedure(HWND window, UINT message, WPARAM wparam,
     case WM_HSCROLL:
     case WM_DRAWITEM:
     case WM_CTLCOLORSTATIC:
+    case WM_LBUTTONDOWN:
+    case WM_RBUTTONDOWN:
     case WM_CTLCOLORBTN: return SendMessageW(GetParent(window), message, wparam, lparam);
     case WM_VSCROLL:
         if (panel && !lparam) panel->scroll(LOWORD(wparam));
