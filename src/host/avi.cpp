@@ -2,8 +2,8 @@
 
 #include "cgenie/palette.h"
 #include "core/pacing/pacing.h"
-#include "host/dialogs/compression_dialog.h"
 #include "host/display.h"
+#include "host/film_file.h"
 #include "host/menu.h"
 #include "host/shell.h"
 #include "platform/platform.h"
@@ -11,10 +11,7 @@
 #include "wall/machine_host.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
 #include <exception>
-#include <filesystem>
 #include <utility>
 
 uint32_t s_dwVideoFrame = 0;
@@ -24,11 +21,10 @@ namespace {
 
 constexpr uint32_t MESSAGE_INTERVAL = 100; ///< frames
 constexpr int PALETTE_BITS = 8;            ///< per pixel
-constexpr const char* SUBJECT = "Vesk's emulators";
+constexpr int COLOUR_BITS = 32;
 
-AviWriter pfOutput;
-std::string avi_path; ///< of the open file
-std::unique_ptr<VideoCodec> s_psCodec;
+std::unique_ptr<FilmFile> pfOutput;       ///< none while no capture runs
+std::string avi_path;                     ///< of the open file
 const uint16_t* AVISoundBuffer = nullptr; ///< none when no sound is recorded
 
 bitmap_header AVIBitmapHeader;
@@ -37,15 +33,6 @@ std::vector<uint8_t> AVIFrameBuffer; ///< bottom row first
 bool film_has_dimmed_colours = false;
 bool canvas_fits = true; ///< at the last picture
 
-/// Opens a file for writing without touching what is in it: the user may still cancel. Nothing for
-/// what cannot be written anywhere but at its end.
-FileHandle open_for_rewriting(const std::string& path) {
-    FileHandle file = open_file(path, "r+b");
-    if (!file) file = open_file(path, "wb");
-    if (file && std::fseek(file.get(), 0, SEEK_END) != 0) file.reset();
-    return file;
-}
-
 /// A film keeps the palette it began with. When lines have been dimmed since then, their colours
 /// are missing in it, and they stay bright.
 void brighten_dimmed_lines() {
@@ -53,15 +40,6 @@ void brighten_dimmed_lines() {
     if (film_has_dimmed_colours || !palette_dims_lines()) return;
     for (uint8_t& index : AVIFrameBuffer) {
         if (index >= PALETTE_ENTRIES) index = uint8_t(index - PALETTE_ENTRIES);
-    }
-}
-
-/// Removes the file of a capture that failed before anything was written.
-void remove_when_empty(const std::string& path) {
-    std::error_code error;
-    if (std::filesystem::is_regular_file(path, error) &&
-        std::filesystem::file_size(path, error) == 0) {
-        std::filesystem::remove(path, error);
     }
 }
 
@@ -74,30 +52,11 @@ avi_video_format raw_format() {
     return format;
 }
 
-bool create_streams(FileHandle file, const std::optional<video_codec_kind>& kind, bool with_sound,
-                    std::string& problem) {
-    if (!kind) {
-        problem = video_compression_problem(AVIBitmapHeader);
-        return false;
-    }
-    s_psCodec = kind->start(raw_format());
-    if (!s_psCodec) problem = std::string("the codec \"") + kind->name + "\" cannot be started";
-    return s_psCodec && pfOutput.open(std::move(file), s_psCodec->format, with_sound);
-}
-
-int begin_capture(const std::string& path, FileHandle file,
-                  const std::optional<video_codec_kind>& kind, const uint16_t* sound_buffer) {
-    if (std::string problem;
-        !create_streams(std::move(file), kind, sound_buffer != nullptr, problem)) {
-        s_psCodec.reset();
-        remove_when_empty(path);
-        report({.text = "Could not create video stream!",
-                .file = path,
-                .reason = problem,
-                .title = "Error"});
-        return 0;
-    }
-    AVISoundBuffer = sound_buffer;
+int begin_capture(const std::string& path, std::unique_ptr<FilmFile> film,
+                  const uint16_t* sound_buffer) {
+    pfOutput = std::move(film);
+    if (!pfOutput) return 0;
+    AVISoundBuffer = pfOutput->has_sound() ? sound_buffer : nullptr;
     if (AVISoundBuffer) sound_start_film();
     avi_path = path;
     canvas_fits = true;
@@ -106,7 +65,7 @@ int begin_capture(const std::string& path, FileHandle file,
     return 1;
 }
 
-void end_capture(const char* reason) {
+void end_capture(const std::string& reason) {
     const std::string text = avi_path + ": " + reason + "; the video ends after " +
                              std::to_string(s_dwVideoFrame) + " frames.";
     Video_CloseOutput();
@@ -129,6 +88,9 @@ void take_canvas() {
         std::copy_n(canvas.pixels.end() - (row + 1) * row_bytes, row_bytes,
                     AVIFrameBuffer.begin() + row * row_bytes);
     }
+    if (AVIBitmapHeader.bits != COLOUR_BITS) return;
+    // Players take the fourth byte of a pixel as its opacity; the canvas leaves it at 0.
+    for (size_t n = 3; n < AVIFrameBuffer.size(); n += 4) AVIFrameBuffer[n] = 0xFF;
 }
 
 void tell_that_picture_stands() {
@@ -167,23 +129,15 @@ void Video_DestroyBitmap() {
 
 void Video_OpenOutput(const std::string& path, const uint16_t* sound_buffer,
                       const std::function<void(int)>& done) {
-    if (pfOutput.is_open()) Video_CloseOutput();
-    const auto file = std::make_shared<FileHandle>(open_for_rewriting(path));
-    if (!*file) {
-        report({.text = "Could not open file stream!",
-                .file = path,
-                .reason = std::strerror(errno),
-                .title = path});
-        return done(0);
-    }
-    ui_choose_video_compression(AVIBitmapHeader, [=](const std::optional<video_codec_kind>& kind) {
-        done(begin_capture(path, std::move(*file), kind, sound_buffer));
+    if (pfOutput) Video_CloseOutput();
+    begin_film(path, raw_format(), sound_buffer != nullptr, [=](std::unique_ptr<FilmFile> film) {
+        done(begin_capture(path, std::move(film), sound_buffer));
     });
 }
 
 void Video_CloseOutput() {
-    pfOutput.close(SUBJECT);
-    s_psCodec.reset();
+    if (pfOutput) pfOutput->close();
+    pfOutput.reset();
     Video_DestroyBitmap();
     AVISoundBuffer = nullptr;
     sound_end_film();
@@ -192,12 +146,9 @@ void Video_CloseOutput() {
 
 void Video_SaveFrame(const uint8_t* frame, uint32_t frame_bytes, const uint8_t* sound,
                      uint32_t sound_bytes) {
-    if (!pfOutput.is_open()) return;
-    const auto encoded = s_psCodec->encode({frame, frame_bytes});
-    if (!encoded) return end_capture("the picture cannot be compressed");
-    if (!pfOutput.write(encoded->data, encoded->key_frame, {sound, sound_bytes})) {
-        return end_capture("cannot be written");
-    }
+    if (!pfOutput) return;
+    const std::string problem = pfOutput->write({frame, frame_bytes}, {sound, sound_bytes});
+    if (!problem.empty()) return end_capture(problem);
     ++s_dwVideoFrame;
     if (AVISoundBuffer) ++s_dwSoundFrame;
     if (s_dwVideoFrame % MESSAGE_INTERVAL != 0) return;
@@ -205,7 +156,7 @@ void Video_SaveFrame(const uint8_t* frame, uint32_t frame_bytes, const uint8_t* 
 }
 
 void Video_ConvertBitmap() {
-    if (!pfOutput.is_open()) return;
+    if (!pfOutput) return;
     const bool fitted = std::exchange(canvas_fits, canvas_has_shape_of_capture());
     if (canvas_fits) {
         take_canvas();

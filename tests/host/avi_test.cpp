@@ -370,6 +370,73 @@ TEST_F(AviTest, TheCommandStartsAndStops) {
     EXPECT_EQ(message(0), "Tarvelin: AVI: an error occured.");
 }
 
+/// A library for films that notes what it is asked for, and fails at one step.
+struct ScriptedFilms final : Films {
+    std::string log, fails;
+    bool step(const std::string& name) {
+        log += name + ' ';
+        return name != fails;
+    }
+    bool available() override { return fails != "available"; }
+    std::string error() override { return "why"; }
+    bool start() override { return step("start"); }
+    void choose_compression(const FilmPictures&, std::function<void(bool)> done) override {
+        done(step("choose"));
+    }
+    bool open(const std::string&) override { return step("open"); }
+    bool create_pictures(const FilmPictures& pictures) override {
+        return step("pictures" + std::to_string(pictures.format.size()));
+    }
+    bool create_sound(const FilmSound& sound) override {
+        return step("sound" + std::to_string(sound.format.size()));
+    }
+    bool write_picture(uint32_t number, std::span<const uint8_t>) override {
+        return step(std::to_string(number));
+    }
+    bool write_sound(std::span<const uint8_t>) override { return step("heard"); }
+    void close(std::span<const uint8_t> text) override {
+        step("end" + std::to_string(text.size()));
+    }
+};
+
+TEST_F(AviTest, TheHostsLibraryIsUsedStepByStep) {
+    ScriptedFilms library;
+    host->film_library = &library;
+    const UserCommand asked_for_by_the_user;
+    const std::string none = "Error: Could not create video stream!";
+    const std::string begun = "start choose open pictures1064 sound18 ";
+    const struct {
+        std::string fails, message, log;
+    } cases[] = {
+        {"", "none", begun + "1 heard 2 heard end29 end0 "},
+        {"start", "Error: Could not init AVI subsystem!", "start "},
+        {"choose", none, "start choose end0 "},
+        {"open", "film.avi: Could not open file stream!", "start choose open end0 "},
+        {"pictures1064", none, "start choose open pictures1064 end0 "},
+        {"sound18", "Error: Could not create sound stream!", begun + "1 2 end29 end0 "},
+        {"2", "Tarvelin: film.avi: why; the video ends after 1 frames.",
+         begun + "1 heard 2 end29 end0 "},
+        {"available", none, ""}, // asks for a compression of the program's own
+    };
+    for (const auto& c : cases) {
+        answer_video_compression("");
+        library.fails = c.fails;
+        host->forms().acts.assign(1, [](HeadlessForm& form) { form.press_escape(); });
+        video_save_to_avi(false, "film.avi");
+        const bool runs = g_bRecordingVideo != 0;
+        record(2);
+        if (g_bRecordingVideo) video_save_to_avi(false, "film.avi");
+        EXPECT_EQ(library.log, c.log) << c.fails;
+        EXPECT_TRUE(message(0).starts_with(c.message)) << message(0);
+        EXPECT_EQ(std::filesystem::remove("film.avi"), runs) << "no empty file is left";
+        host->dialogs().messages.clear();
+        library.log.clear();
+    }
+    answer_video_compression("rle");
+    EXPECT_TRUE(open("film.avi"));
+    EXPECT_EQ(library.log, "") << "a codec answered in advance is the program's own";
+}
+
 TEST_F(AviTest, AFullDiskEndsTheRecordingAndKeepsTheFile) {
     std::string name = "film.avi";
     constexpr uint64_t HEADER = 10'240, FRAME = 110'592 + 1936;

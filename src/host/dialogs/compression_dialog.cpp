@@ -32,6 +32,8 @@ FormDescription compression_form(const std::vector<video_codec_kind>& kinds) {
 
 void answer_video_compression(const std::string& name) { answer = name; }
 
+bool video_compression_is_answered() { return !answer.empty(); }
+
 std::string video_compression_problem(const bitmap_header& header) {
     if (answer.empty()) return {};
     const std::vector<video_codec_kind> kinds = video_codecs();

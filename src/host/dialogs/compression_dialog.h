@@ -10,6 +10,7 @@
 /// Answers the question below in advance, for the rest of the run, with the name of a codec. An
 /// empty name takes the answer back.
 void answer_video_compression(const std::string& name);
+bool video_compression_is_answered(); ///< in advance
 /// Why the codec answered in advance cannot be used for such pictures; empty when it can, and when
 /// there is no answer in advance.
 std::string video_compression_problem(const bitmap_header& header);

@@ -87,21 +87,43 @@ bool AviWriter::put(const Bytes& bytes) {
     return true;
 }
 
-void AviWriter::add_formats(Bytes& header) const {
-    const size_t content = header.start("strf");
-    const bitmap_header& picture = format_.header;
-    header.put32(picture.size);
-    header.put32(uint32_t(picture.width));
-    header.put32(uint32_t(picture.height));
-    header.put16(picture.planes);
-    header.put16(picture.bits);
-    header.put32(picture.compression);
-    header.put32(picture.image_size);
-    header.put64(0); // pixels per metre
-    header.put32(picture.colours_used);
-    header.put32(picture.colours_important);
-    header.insert(header.end(), format_.extra.begin(), format_.extra.end());
-    header.finish(content);
+std::vector<uint8_t> AviWriter::picture_format(const avi_video_format& format) {
+    Bytes bytes;
+    const bitmap_header& picture = format.header;
+    bytes.put32(picture.size);
+    bytes.put32(uint32_t(picture.width));
+    bytes.put32(uint32_t(picture.height));
+    bytes.put16(picture.planes);
+    bytes.put16(picture.bits);
+    bytes.put32(picture.compression);
+    bytes.put32(picture.image_size);
+    bytes.put64(0); // pixels per metre
+    bytes.put32(picture.colours_used);
+    bytes.put32(picture.colours_important);
+    bytes.insert(bytes.end(), format.extra.begin(), format.extra.end());
+    return bytes;
+}
+
+std::vector<uint8_t> AviWriter::sound_format() {
+    Bytes bytes;
+    bytes.put16(PCM);
+    bytes.put16(1); // channels
+    bytes.put32(SAMPLE_RATE);
+    bytes.put32(SOUND_BUFFER);
+    bytes.put16(SAMPLE_BYTES);
+    bytes.put16(8 * SAMPLE_BYTES);
+    bytes.put16(EXTRA_FORMAT);
+    return bytes;
+}
+
+std::vector<uint8_t> AviWriter::information(const std::string& subject) {
+    Bytes bytes;
+    bytes.name("INFO");
+    bytes.name("ISBJ");
+    bytes.put32(subject.size() + 1);
+    bytes.text(subject);
+    bytes.push_back(0);
+    return bytes;
 }
 
 void AviWriter::add_stream(Bytes& header, const Stream& stream) const {
@@ -125,19 +147,10 @@ void AviWriter::add_stream(Bytes& header, const Stream& stream) const {
     header.put16(sound ? 0 : uint32_t(format_.header.width));
     header.put16(sound ? 0 : uint32_t(format_.header.height));
     header.finish(content);
-    if (sound) {
-        content = header.start("strf");
-        header.put16(PCM);
-        header.put16(1); // channels
-        header.put32(SAMPLE_RATE);
-        header.put32(SOUND_BUFFER);
-        header.put16(SAMPLE_BYTES);
-        header.put16(8 * SAMPLE_BYTES);
-        header.put16(EXTRA_FORMAT);
-        header.finish(content);
-    } else {
-        add_formats(header);
-    }
+    content = header.start("strf");
+    const std::vector<uint8_t> format = sound ? sound_format() : picture_format(format_);
+    header.insert(header.end(), format.begin(), format.end());
+    header.finish(content);
     // An empty table would hide the data from programs that believe it.
     content = stream.segments.empty() ? header.start("JUNK") : header.start("indx");
     const size_t table_end = header.size() + 24 + MOST_SEGMENTS * 16;
@@ -191,13 +204,10 @@ AviWriter::Bytes AviWriter::make_header() const {
     const size_t length = (header.size() + INFORMATION_ROOM + LIST_HEADER + HEADER_MULTIPLE) /
                           HEADER_MULTIPLE * HEADER_MULTIPLE;
     if (!subject_.empty()) {
-        const size_t information = header.start("LIST");
-        header.name("INFO");
-        header.name("ISBJ");
-        header.put32(subject_.size() + 1);
-        header.text(subject_);
-        header.push_back(0);
-        header.finish(information);
+        const size_t list_of_texts = header.start("LIST");
+        const std::vector<uint8_t> texts = information(subject_);
+        header.insert(header.end(), texts.begin(), texts.end());
+        header.finish(list_of_texts);
     }
     header.fill(length - LIST_HEADER);
     header.name("LIST");

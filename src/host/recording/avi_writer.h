@@ -41,7 +41,11 @@ public:
     /// left out.
     void close(const std::string& subject);
 
-    bool is_open() const { return file_ != nullptr; }
+    /// As they stand in the file: the format of a stream of pictures, that of the sound, and the
+    /// contents of the list chunk with the description.
+    static std::vector<uint8_t> picture_format(const avi_video_format& format);
+    static std::vector<uint8_t> sound_format();
+    static std::vector<uint8_t> information(const std::string& subject);
 
 private:
     struct IndexEntry {
@@ -78,7 +82,6 @@ private:
     bool put_old_index();
     bool write_sizes();
     void add_stream(Bytes& header, const Stream& stream) const;
-    void add_formats(Bytes& header) const;
     Bytes make_header() const;
     Bytes make_segment_header(uint64_t bytes) const;
     void note(Stream& stream, uint64_t offset, size_t bytes, uint32_t ticks, bool key_frame);

@@ -5,19 +5,11 @@
 
 namespace {
 
-/// Uncompressed pictures. Players take the fourth byte of a pixel as its opacity; the canvas leaves
-/// it at 0, so it is set here.
 class Uncompressed final : public VideoCodec {
 public:
     std::optional<encoded_frame> encode(std::span<const uint8_t> picture) override {
-        if (format.header.bits != 32) return encoded_frame{picture, true};
-        opaque_.assign(picture.begin(), picture.end());
-        for (size_t n = 3; n < opaque_.size(); n += 4) opaque_[n] = 0xFF;
-        return encoded_frame{opaque_, true};
+        return encoded_frame{picture, true};
     }
-
-private:
-    std::vector<uint8_t> opaque_;
 };
 
 constexpr uint32_t RUN_LENGTHS_8_BITS = 1; ///< `compression` of the bitmap header

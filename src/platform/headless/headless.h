@@ -40,6 +40,7 @@ public:
     Clock& clock() override;
     HeadlessDialogs& dialogs() override;
     Events& events() override;
+    Films* films() override { return film_library; }
     HeadlessForms& forms() override;
     HeadlessJoysticks& joysticks() override;
     HeadlessKeyboard& keyboard() override;
@@ -66,6 +67,8 @@ public:
     /// Empty where the part does not exist.
     std::string status_text(int part) const;
     int frames_presented() const; ///< in the window and on the whole screen
+
+    Films* film_library = nullptr; ///< what the host has for films
 
     /// An interrupt, termination or hang-up signal ends the message loop instead of the process.
     static void stop_on_signals();
