@@ -1,23 +1,15 @@
 #include "platform/win32/win32_form.h"
 
-#include "platform/win32/win32_keyboard.h"
-
 #include <algorithm>
-#include <cstdlib>
 #include <utility>
 
 namespace {
 
 constexpr int SMALLEST_PICTURE = 40; ///< percent, on a small screen
 constexpr int PICTURE_STEP = 5;
-constexpr int LEAST_LINES = 6;        ///< of a part that scrolls
-constexpr int FIRST_ID = 100;         ///< of the windows of controls
-constexpr int TIP_WIDTH = 400;        ///< points
-constexpr Size SMALLEST = {200, 100}; ///< points, of one that can be sized
-constexpr UINT TAKE_FOCUS = WM_APP;
-constexpr UINT_PTR TICK = 1;
-constexpr double DOTS_PER_POINT = 96;
-constexpr WORD REPEATED_KEY = KF_REPEAT;
+constexpr int LEAST_LINES = 6; ///< of a part that scrolls
+constexpr int FIRST_ID = 100;  ///< of the windows of controls
+constexpr int TIP_WIDTH = 400; ///< points
 
 bool has_text_view(const std::vector<FormControl>& controls) {
     return std::ranges::any_of(controls, [](const FormControl& control) {
@@ -29,10 +21,6 @@ bool is_picture(const Win32Control& control) {
     return control.kind() == ControlKind::picture || control.kind() == ControlKind::picture_button;
 }
 
-bool excludes_others(ControlKind kind) {
-    return kind == ControlKind::radio || kind == ControlKind::picture;
-}
-
 /// To a screen reader, too.
 bool has_own_text(ControlKind kind) {
     switch (kind) {
@@ -42,11 +30,6 @@ bool has_own_text(ControlKind kind) {
     case ControlKind::check: return true;
     default: return kind >= ControlKind::button;
     }
-}
-
-void set_style(HWND window, DWORD style, bool on) {
-    const LONG_PTR before = GetWindowLongPtrW(window, GWL_STYLE);
-    SetWindowLongPtrW(window, GWL_STYLE, on ? before | LONG_PTR(style) : before & ~LONG_PTR(style));
 }
 
 /// While the program sets something, no event is raised.
@@ -149,6 +132,7 @@ FormNode Win32Form::make(const FormControl& described, HWND parent, Naming& nami
         (is_radio && before == ControlKind::radio) || (is_button && before >= ControlKind::button);
     Win32Control& control = enter(make_win32_control(described, parent, *this, !goes_on));
     node.control = &control;
+    if (!described.tip.empty()) set_tip(control.window(), described.tip);
     if (described.kind == ControlKind::label) naming = {&control, spoken_text(described.text)};
     if (described.kind == ControlKind::group) {
         Naming inner{nullptr, spoken_text(described.text)};
@@ -160,7 +144,7 @@ FormNode Win32Form::make(const FormControl& described, HWND parent, Naming& nami
 /// A screen reader takes the text before a control for its name, whether it is seen or not.
 void Win32Form::give_name(const FormControl& described, HWND parent, Naming& naming) {
     if (naming.label) { // its access key leads to this control
-        set_style(std::exchange(naming.label, nullptr)->window(), SS_NOPREFIX, false);
+        set_window_style(std::exchange(naming.label, nullptr)->window(), SS_NOPREFIX, false);
         if (described.name.empty()) return;
     }
     const std::string& name = described.name.empty() ? naming.name : described.name;
@@ -226,7 +210,7 @@ void Win32Form::choose(Win32Control& chosen) {
         if (each->kind() != chosen.kind()) continue;
         const bool is_this = each.get() == &chosen;
         if (each->value() != int(is_this)) each->set_value(is_this);
-        set_style(each->window(), WS_TABSTOP, is_this);
+        set_window_style(each->window(), WS_TABSTOP, is_this);
     }
 }
 
@@ -277,14 +261,14 @@ void Win32Form::run(std::function<void(int)> done) {
     closing_id_ = FORM_CLOSED;
     fit();
     if (!is_placed_) window_.move_to_owner();
-    if (tick_) SetTimer(window_.window(), TICK, UINT(tick_), nullptr);
+    if (tick_) SetTimer(window_.window(), FORM_TICK, UINT(tick_), nullptr);
     ++silent_;
     window_.run([this] {
         focus_first();
         --silent_;
     });
     waiting_ = Waiting::no;
-    if (tick_) KillTimer(window_.window(), TICK);
+    if (tick_) KillTimer(window_.window(), FORM_TICK);
     const int closing_id = closing_id_;
     done(closing_id); // may remove the form
 }
@@ -295,7 +279,7 @@ void Win32Form::show() {
     if (!was_open) {
         fit();
         if (!std::exchange(is_placed_, true)) window_.move_to_owner();
-        if (tick_) SetTimer(window_.window(), TICK, UINT(tick_), nullptr);
+        if (tick_) SetTimer(window_.window(), FORM_TICK, UINT(tick_), nullptr);
     }
     window_.show();
     if (!was_open) focus_first();
@@ -305,7 +289,7 @@ void Win32Form::end(int closing_id) {
     closing_id_ = closing_id;
     waiting_ = Waiting::no;
     least_ = {};
-    if (tick_) KillTimer(window_.window(), TICK);
+    if (tick_) KillTimer(window_.window(), FORM_TICK);
     window_.end();
 }
 
@@ -431,181 +415,4 @@ void Win32Form::place() {
     }
     layout.place(contents_, contents);
     InvalidateRect(window_.window(), nullptr, TRUE);
-}
-
-// ---- what the user does -------------------------------------------------------------------------
-
-void Win32Form::raise(Win32Control& control, FormEvent::Kind kind) {
-    if (silent_) return;
-    if (excludes_others(control.kind())) choose(control);
-    const int id = control.id();
-    const bool closes = control.kind() > ControlKind::button;
-    handler_(*this, {kind, id});
-    if (closes) end(id);
-}
-
-void Win32Form::has_focus(Win32Control& control) {
-    for (Win32Panel* panel : {scroll_.get(), &area_}) {
-        if (panel && IsChild(panel->window(), control.window())) {
-            panel->bring_into_sight(control.window());
-        }
-    }
-    if (control.kind() != ControlKind::picture_button) return;
-    for (const auto& each : controls_) { // Tab comes back to this one
-        if (each->kind() != control.kind()) continue;
-        set_style(each->window(), WS_TABSTOP, each.get() == &control);
-    }
-}
-
-void Win32Form::press_default() {
-    for (const auto& each : controls_) {
-        if (each->kind() == ControlKind::default_button && IsWindowEnabled(each->window())) {
-            return raise(*each, FormEvent::Kind::pressed);
-        }
-    }
-}
-
-void Win32Form::move_among_pictures(Win32Control& from, int right, int down) {
-    const auto place_of = [](const Win32Control& control) {
-        RECT place{};
-        GetWindowRect(control.window(), &place);
-        return POINT{place.left, place.top};
-    };
-    const POINT start = place_of(from);
-    Win32Control* nearest = nullptr;
-    LONG least = 0;
-    for (const auto& each : controls_) {
-        if (each->kind() != from.kind() || !IsWindowEnabled(each->window())) continue;
-        const POINT place = place_of(*each);
-        const LONG across = place.x - start.x, along = place.y - start.y;
-        const LONG forward = across * right + along * down;
-        const LONG aside = std::abs(right ? along : across);
-        if (forward <= 0 || aside >= forward) continue;
-        if (!nearest || forward + aside < least) {
-            nearest = each.get();
-            least = forward + aside;
-        }
-    }
-    if (!nearest) return;
-    SetFocus(nearest->window());
-    if (nearest->kind() == ControlKind::picture) raise(*nearest, FormEvent::Kind::changed);
-}
-
-void Win32Form::cancel() {
-    for (const auto& each : controls_) {
-        if (each->kind() != ControlKind::cancel_button) continue;
-        if (IsWindowEnabled(each->window())) raise(*each, FormEvent::Kind::pressed);
-        return;
-    }
-    SendMessageW(window_.window(), WM_CLOSE, 0, 0);
-}
-
-bool Win32Form::obey(UINT message, WPARAM wparam, LPARAM lparam, LRESULT& result) {
-    switch (message) {
-    case WM_COMMAND: return obey_command(wparam, lparam);
-    case WM_NOTIFY: {
-        const auto& what = *reinterpret_cast<const NMHDR*>(lparam);
-        if (Win32Control* const from = control_of(what.hwndFrom)) from->notified(what);
-        return false;
-    }
-    case WM_HSCROLL:
-        if (Win32Control* const from = control_of(reinterpret_cast<HWND>(lparam))) from->scrolled();
-        return true;
-    case WM_DRAWITEM: {
-        const auto& asked = *reinterpret_cast<const DRAWITEMSTRUCT*>(lparam);
-        if (Win32Control* const drawn = control_of(asked.hwndItem)) drawn->draw(asked);
-        result = TRUE;
-        return true;
-    }
-    case WM_CTLCOLORSTATIC: {
-        if (!link_ || reinterpret_cast<HWND>(lparam) != link_->window()) return false;
-        constexpr COLORREF blue = RGB(0, 0, 255);
-        SetTextColor(reinterpret_cast<HDC>(wparam), blue);
-        SetBkMode(reinterpret_cast<HDC>(wparam), TRANSPARENT);
-        result = reinterpret_cast<LRESULT>(GetSysColorBrush(COLOR_BTNFACE));
-        return true;
-    }
-    case WM_CLOSE:
-        handler_(*this, {FormEvent::Kind::closed, FORM_CLOSED});
-        end(FORM_CLOSED);
-        return true;
-    case WM_TIMER: // not while another dialog stands over it
-        if (is_open() && IsWindowEnabled(window_.window())) {
-            handler_(*this, {FormEvent::Kind::ticked, 0});
-        }
-        return true;
-    case WM_SIZE:
-        if (is_sizable_ && wparam != SIZE_MINIMIZED && is_open()) place();
-        return false;
-    case WM_GETMINMAXINFO:
-        reinterpret_cast<MINMAXINFO*>(lparam)->ptMinTrackSize = {scale_->pixels(SMALLEST.width),
-                                                                 scale_->pixels(SMALLEST.height)};
-        return true;
-    case WM_DPICHANGED:
-        take_scale(double(LOWORD(wparam)) / DOTS_PER_POINT);
-        least_ = {};
-        fit();
-        return true;
-    default: return obey_key(message, wparam, lparam, result);
-    }
-}
-
-bool Win32Form::obey_command(WPARAM wparam, LPARAM lparam) {
-    Win32Control* const from = control_of(reinterpret_cast<HWND>(lparam));
-    if (from) {
-        if (IsWindowEnabled(from->window())) from->commanded(HIWORD(wparam));
-        return true;
-    }
-    if (lparam == 0 && LOWORD(wparam) == IDCANCEL) cancel();
-    if (lparam == 0 && LOWORD(wparam) == IDOK) press_default();
-    return true;
-}
-
-// ---- the next key -------------------------------------------------------------------------------
-
-/// The form's own window takes the focus, and so the key. A button that asks for it may still be
-/// about to take the focus itself.
-void Win32Form::await_key() {
-    if (!is_open() || !keyboard_) return;
-    const HWND focus = GetFocus();
-    if (focus != window_.window()) focus_before_ = focus;
-    waiting_ = Waiting::for_key;
-    PostMessageW(window_.window(), TAKE_FOCUS, 0, 0);
-}
-
-void Win32Form::end_waiting(uint8_t key) {
-    if (waiting_ != Waiting::for_key) return;
-    waiting_ = Waiting::no;
-    handler_(*this, {FormEvent::Kind::key, 0, key});
-}
-
-bool Win32Form::obey_key(UINT message, WPARAM wparam, LPARAM lparam, LRESULT& result) {
-    switch (message) {
-    case TAKE_FOCUS:
-        if (waiting_ == Waiting::for_key) SetFocus(window_.window());
-        return true;
-    case WM_SETFOCUS: return waiting_ != Waiting::no; // or a control has it again
-    case WM_GETDLGCODE: result = DLGC_WANTALLKEYS; return true;
-    case WM_KEYDOWN:
-    case WM_SYSKEYDOWN:
-        if (waiting_ == Waiting::no) return false;
-        if (waiting_ == Waiting::for_key && !(HIWORD(lparam) & REPEATED_KEY)) {
-            waiting_ = Waiting::for_release;
-            handler_(*this, {FormEvent::Kind::key, 0, keyboard_->host_key(wparam, lparam)});
-        }
-        return true;
-    case WM_KEYUP:
-    case WM_SYSKEYUP:
-        if (waiting_ != Waiting::for_release) return false;
-        waiting_ = Waiting::no; // now the key cannot act on the control
-        SetFocus(focus_before_);
-        return true;
-    case WM_LBUTTONDOWN:
-    case WM_RBUTTONDOWN:
-    case WM_KILLFOCUS: end_waiting(KEY_NONE); return false;
-    case WM_ACTIVATE:
-        if (LOWORD(wparam) == WA_INACTIVE) end_waiting(KEY_NONE);
-        return false;
-    default: return false;
-    }
 }

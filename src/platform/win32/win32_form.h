@@ -12,6 +12,8 @@
 
 class Win32Keyboard;
 
+constexpr UINT_PTR FORM_TICK = 1; ///< its timer
+
 /// What the program's own boxes have beside the controls.
 struct Win32FormExtras {
     HICON icon = nullptr; ///< left of the controls

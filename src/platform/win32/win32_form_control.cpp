@@ -59,3 +59,12 @@ std::string spoken_text(const std::string& text) {
     }
     return result;
 }
+
+bool excludes_others(ControlKind kind) {
+    return kind == ControlKind::radio || kind == ControlKind::picture;
+}
+
+void set_window_style(HWND window, DWORD style, bool on) {
+    const LONG_PTR before = GetWindowLongPtrW(window, GWL_STYLE);
+    SetWindowLongPtrW(window, GWL_STYLE, on ? before | LONG_PTR(style) : before & ~LONG_PTR(style));
+}

@@ -107,3 +107,7 @@ std::unique_ptr<Win32Control> make_win32_link(const std::string& text, const std
 std::string without_access_key(const std::string& text);
 /// Without the marks of access keys.
 std::string spoken_text(const std::string& text);
+
+/// Of the controls of this kind, one is chosen.
+bool excludes_others(ControlKind kind);
+void set_window_style(HWND window, DWORD style, bool on);

@@ -17,7 +17,7 @@ constexpr int MARK = 19;          ///< of a check box, with the room behind it
 constexpr int MARK_HEIGHT = 17;
 constexpr int FIELD_MARGIN = 4; ///< above and below its text
 constexpr int ARROW = 26;       ///< of a list that opens, with the margins of its text
-constexpr Size SLIDER = {0, 30};
+constexpr int SLIDER_HEIGHT = 26;
 constexpr int SLIDER_LENGTH = 30;    ///< characters, at least
 constexpr int NOTE_WIDTH = 40;       ///< characters in a line
 constexpr int WIDEST_NOTE = 90;      ///< characters that one gets a line for
@@ -313,7 +313,8 @@ class Slider final : public Win32Control {
 public:
     Slider(const FormControl& described, HWND parent, Win32ControlHost& host)
         : Win32Control(described, host) {
-        create(parent, TRACKBAR_CLASSW, "", TBS_HORZ | TBS_NOTICKS | WS_TABSTOP | WS_GROUP);
+        create(parent, TRACKBAR_CLASSW, "",
+               TBS_HORZ | TBS_BOTH | TBS_NOTICKS | WS_TABSTOP | WS_GROUP);
         send(TBM_SETRANGEMIN, FALSE, described.lowest);
         send(TBM_SETRANGEMAX, FALSE, described.highest);
         send(TBM_SETPAGESIZE, 0, described.page);
@@ -327,7 +328,7 @@ public:
     }
     bool takes_width() const override { return true; }
     int wanted_width() const override { return scale().digit() * SLIDER_LENGTH; }
-    int wanted_height(int /*width*/) const override { return pixels(SLIDER.height); }
+    int wanted_height(int /*width*/) const override { return pixels(SLIDER_HEIGHT); }
     void scrolled() override {
         if (std::exchange(told_, value()) != value()) {
             host_.raise(*this, FormEvent::Kind::changed);
