@@ -77,8 +77,7 @@ public:
                2 * GetSystemMetrics(SM_CXEDGE);
     }
     int wanted_height(int /*width*/) const override {
-        const auto rows = DWORD(send(LVM_APPROXIMATEVIEWRECT, WPARAM(area_.height), -1));
-        return int(HIWORD(rows)) + 2 * GetSystemMetrics(SM_CYEDGE);
+        return header_height() + area_.height * row_height() + 2 * GetSystemMetrics(SM_CYEDGE);
     }
     void move(const RECT& place) override {
         Win32Control::move(place);
@@ -116,6 +115,28 @@ private:
     void activate() {
         if (!is_table_) return host_.press_default();
         if (chosen_ >= 0) host_.raise(*this, FormEvent::Kind::activated);
+    }
+    int header_height() const {
+        if (!is_table_) return 0;
+        RECT all = {0, 0, 10000, 10000};
+        WINDOWPOS place{};
+        HDLAYOUT layout = {&all, &place};
+        const auto header = reinterpret_cast<HWND>(send(LVM_GETHEADER));
+        SendMessageW(header, HDM_LAYOUT, 0, reinterpret_cast<LPARAM>(&layout));
+        return place.cy;
+    }
+    /// Only a row that is there has one.
+    int row_height() const {
+        wchar_t text[] = L"0";
+        LVITEMW item{};
+        item.mask = LVIF_TEXT;
+        item.pszText = text;
+        if (rows_.empty()) send(LVM_INSERTITEMW, 0, reinterpret_cast<LPARAM>(&item));
+        RECT row{};
+        row.left = LVIR_BOUNDS;
+        send(LVM_GETITEMRECT, 0, reinterpret_cast<LPARAM>(&row));
+        if (rows_.empty()) send(LVM_DELETEITEM, 0);
+        return int(row.bottom - row.top);
     }
     void mark_chosen() {
         marking_ = true;
