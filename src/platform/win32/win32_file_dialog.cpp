@@ -15,7 +15,8 @@ namespace {
 constexpr size_t LONGEST_PATH = 32768; ///< characters
 constexpr int FIRST_FIELD = 1001;      ///< ids of the panel's controls
 constexpr int PREVIEW = 1101;
-constexpr int PREVIEW_WIDTH = 34; ///< characters of a line
+
+constexpr UINT ARRANGE = WM_APP;
 
 // Dialog units.
 constexpr short DIALOG_WIDTH = 270; ///< of Windows' own controls, at least
@@ -88,7 +89,6 @@ private:
     HWND preview_ = nullptr;
     std::vector<HWND> labels_, fields_;
     std::vector<std::string> texts_;
-    int preview_width_ = 0;
 };
 
 UINT_PTR CALLBACK FilePanel::hook(HWND child, UINT message, WPARAM /*wparam*/, LPARAM lparam) {
@@ -104,7 +104,8 @@ UINT_PTR CALLBACK FilePanel::hook(HWND child, UINT message, WPARAM /*wparam*/, L
 UINT_PTR FilePanel::obey(UINT message, LPARAM lparam) {
     switch (message) {
     case WM_INITDIALOG: open(); return 0;
-    case WM_SIZE: arrange(); return 0;
+    case WM_SIZE: PostMessageW(child_, ARRANGE, 0, 0); return 0; // behind Windows' own controls
+    case ARRANGE: arrange(); return 0;
     case WM_DESTROY: keep_texts(); return 0;
     case WM_NOTIFY:
         switch (reinterpret_cast<const NMHDR*>(lparam)->code) {
@@ -168,26 +169,24 @@ RECT FilePanel::place_of(int id) const {
 }
 
 void FilePanel::arrange() {
-    RECT all{}, own = {};
+    RECT all{}, own{};
     GetClientRect(child_, &all);
-    if (const HWND place = GetDlgItem(child_, stc32)) {
-        GetWindowRect(place, &own);
-        MapWindowPoints(nullptr, child_, reinterpret_cast<POINT*>(&own), 2);
-    }
+    GetWindowRect(GetDlgItem(child_, stc32), &own);
+    MapWindowPoints(nullptr, child_, reinterpret_cast<POINT*>(&own), 2);
     const int gap = scale_.pixels(7);
     if (preview_) {
         const RECT list = place_of(lst1);
-        const int top = list.bottom > list.top ? int(list.top) : int(own.top) + gap;
-        const int bottom = list.bottom > list.top ? int(list.bottom) : int(own.bottom) - gap;
-        MoveWindow(preview_, int(own.right), top, int(all.right - own.right) - gap, bottom - top,
-                   TRUE);
+        const RECT beside = list.bottom > list.top ? list : own;
+        const int left = int(beside.right) + gap;
+        MoveWindow(preview_, left, int(beside.top), int(all.right) - gap - left,
+                   int(beside.bottom - beside.top), TRUE);
     }
     int left = gap;
     const int height = scale_.line() + scale_.pixels(8);
+    const int top = int(all.bottom) - 2 * gap - height;
     for (size_t n = 0; n < fields_.size(); ++n) {
         const int label = scale_.label_size(dialog_.fields[n].label).width;
         const int field = scale_.digit() * (dialog_.fields[n].limit + 3);
-        const int top = int(own.bottom) + (int(all.bottom - own.bottom) - height) / 2;
         MoveWindow(labels_[n], left, top + (height - scale_.line()) / 2, label, scale_.line(),
                    TRUE);
         left += label + gap;
