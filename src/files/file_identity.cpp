@@ -1,29 +1,16 @@
 #include "files/file_identity.h"
 
+#include "files/file_names.h"
+
 #include <algorithm>
 #include <bit>
 #include <cstring>
-#include <filesystem>
-
-#include <sys/stat.h>
-
-FileIdentity file_identity(const std::string& path) {
-    struct stat status = {};
-    if (stat(path.c_str(), &status) != 0) return {};
-    return {uint64_t(status.st_dev), uint64_t(status.st_ino)};
-}
-
-std::string canonical_path(const std::string& path) {
-    std::error_code error;
-    const std::filesystem::path real = std::filesystem::weakly_canonical(path, error);
-    return error ? path : real.string();
-}
 
 std::string lasting_path(const std::string& path) {
+    if (path.empty()) return {};
     std::error_code error;
-    const auto absolute =
-        path.empty() ? std::filesystem::path() : std::filesystem::absolute(path, error);
-    return error ? path : absolute.string();
+    const auto absolute = std::filesystem::absolute(system_path(path), error);
+    return error ? path : path_text(absolute);
 }
 
 uint64_t content_hash(std::span<const uint8_t> bytes) {

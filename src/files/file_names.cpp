@@ -1,12 +1,29 @@
 #include "files/file_names.h"
 
+#include "files/system_file.h"
+
 #include <algorithm>
 #include <cctype>
-#include <filesystem>
+
+bool is_absolute_path(const std::string& path) { return system_path(path).is_absolute(); }
+
+std::string file_name_of(const std::string& path) {
+    return path_text(system_path(path).filename());
+}
+
+std::string file_stem_of(const std::string& path) { return path_text(system_path(path).stem()); }
+
+std::string folder_of(const std::string& path) {
+    return path_text(system_path(path).parent_path());
+}
+
+std::string path_in(const std::string& folder, const std::string& name) {
+    return path_text(system_path(folder) / system_path(name));
+}
 
 size_t extension_point(const std::string& path) {
     const size_t point = path.rfind('.');
-    const size_t separator = path.rfind('/');
+    const size_t separator = path.find_last_of(path_separators);
     const bool in_folder = separator != std::string::npos && point < separator;
     return in_folder ? std::string::npos : point;
 }
@@ -18,16 +35,12 @@ std::string lower_case(std::string text) {
 }
 
 std::string find_in_any_case(const std::string& folder, const std::string& name) {
-    namespace fs = std::filesystem;
-    std::error_code error;
-    const fs::path exact = fs::path(folder) / name;
-    if (fs::exists(exact, error)) return exact.string();
+    const std::string exact = path_in(folder, name);
+    if (path_exists(exact)) return exact;
     std::string found;
-    for (fs::directory_iterator entry(folder.empty() ? "." : folder, error), end;
-         !error && entry != end; entry.increment(error)) {
-        const std::string other = entry->path().filename().string();
+    for (const std::string& other : names_in(folder.empty() ? "." : folder)) {
         if (lower_case(other) != lower_case(name)) continue;
-        const std::string path = (fs::path(folder) / other).string();
+        const std::string path = path_in(folder, other);
         if (found.empty() || path < found) found = path;
     }
     return found;

@@ -1,20 +1,15 @@
 #include "files/unfinished_writes.h"
 
+#include "files/file_names.h"
+#include "files/system_file.h"
 #include "files/user_paths.h"
 #include "files/whole_file.h"
 
 #include <cerrno>
-#include <filesystem>
 #include <optional>
 #include <utility>
 
-#include <sys/file.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 namespace {
-
-namespace fs = std::filesystem;
 
 // A note holds one of these, the path of the temporary file, a zero byte, and that of the target.
 constexpr char TEMPORARY = 'T'; ///< is of no use any more
@@ -27,23 +22,19 @@ std::string rescue_folder() { return user_data_directory() + "/rescue"; }
 
 /// Makes the folder and those above it that are missing. Returns those it has made, outermost
 /// first.
-std::vector<std::string> make_folders(const fs::path& folder) {
+std::vector<std::string> make_missing_folders(const std::string& folder) {
     std::vector<std::string> made;
-    std::error_code error;
-    if (folder.empty() || fs::exists(folder, error)) return made;
-    made = make_folders(folder.parent_path());
-    if (mkdir(folder.c_str(), S_IRWXU) == 0) made.push_back(folder.string());
+    if (folder.empty() || path_exists(folder)) return made;
+    made = make_missing_folders(folder_of(folder));
+    if (make_private_folder(folder)) made.push_back(folder);
     return made;
 }
 
-/// Locks the file with an operation of flock. False when another program holds it, or removed it
-/// before the lock was there.
-bool lock(std::FILE* file, int operation) {
-    struct stat status = {};
-    while (flock(fileno(file), operation) != 0) {
-        if (errno != EINTR) return false;
-    }
-    return fstat(fileno(file), &status) == 0 && status.st_nlink > 0;
+/// Locks the file. False when another program holds it, or removed it before the lock was there.
+bool lock(std::FILE* file, LockWait wait) {
+    if (!lock_file(file, wait)) return false;
+    const auto facts = facts_of(file);
+    return facts && facts->has_name;
 }
 
 struct NoteText {
@@ -70,14 +61,14 @@ struct LeftNote {
 /// its temporary file had not been made yet.
 std::vector<LeftNote> left_notes() {
     std::vector<LeftNote> notes;
-    std::error_code error;
-    for (const auto& entry : fs::directory_iterator(notes_folder(), error)) {
-        FileHandle file = open_file(entry.path().string(), "r+e");
-        if (!file || !lock(file.get(), LOCK_EX | LOCK_NB)) continue;
-        if (auto text = read_note(entry.path().string())) {
-            notes.push_back({entry.path().string(), std::move(file), std::move(*text)});
+    for (const std::string& name : names_in(notes_folder())) {
+        const std::string path = notes_folder() + "/" + name;
+        FileHandle file = open_file(path, "r+");
+        if (!file || !lock(file.get(), LockWait::no)) continue;
+        if (auto text = read_note(path)) {
+            notes.push_back({path, std::move(file), std::move(*text)});
         } else {
-            fs::remove(entry.path(), error);
+            remove_file(path);
         }
     }
     return notes;
@@ -86,19 +77,19 @@ std::vector<LeftNote> left_notes() {
 /// Removes the folders of this module that are empty; the others stay.
 void remove_empty_folders() {
     for (const std::string& folder : {notes_folder(), rescue_folder(), user_data_directory()}) {
-        rmdir(folder.c_str());
+        remove_folder(folder);
     }
 }
 
 bool is_rescue_copy(const std::string& path) {
-    return fs::path(path).parent_path() == fs::path(rescue_folder());
+    return system_path(folder_of(path)) == system_path(rescue_folder());
 }
 
 /// Removes the file, but only if its name is one that this module gives, whatever the note says.
 /// False when it could not be removed.
 bool remove_temporary(const std::string& path) {
-    const bool own = is_temporary_name(fs::path(path).filename().string()) || is_rescue_copy(path);
-    return !own || unlink(path.c_str()) == 0 || errno == ENOENT || errno == ENOTDIR;
+    const bool own = is_temporary_name(file_name_of(path)) || is_rescue_copy(path);
+    return !own || remove_file(path) || errno == ENOENT || errno == ENOTDIR;
 }
 
 } // namespace
@@ -110,9 +101,9 @@ WriteNote::WriteNote(const std::string& temporary, const std::string& target) {
         make_folder(notes_folder());
         if (is_rescue_copy(temporary)) make_folder(rescue_folder());
         path_ = notes_folder() + "/" + random_name();
-        file_ = open_file(path_, "wxe");
+        file_ = open_file(path_, "wx");
         if (!file_ && errno != ENOENT && errno != EEXIST) break;
-        if (file_ && !lock(file_.get(), LOCK_EX)) give_up(); // taken for one that was left
+        if (file_ && !lock(file_.get(), LockWait::yes)) give_up(); // taken for one that was left
     }
     if (file_) std::setvbuf(file_.get(), nullptr, _IONBF, 0);
     if (file_ && std::fwrite(text.data(), text.size(), 1, file_.get()) != 1) give_up();
@@ -122,34 +113,34 @@ WriteNote::WriteNote(const std::string& temporary, const std::string& target) {
 WriteNote::~WriteNote() {
     const int error = errno;
     if (file_ && !path_.empty()) give_up();
-    rmdir(notes_folder().c_str()); // fails while it is in use, as the others do
-    for (size_t n = made_folders_.size(); n-- > 0;) rmdir(made_folders_[n].c_str());
+    remove_folder(notes_folder()); // fails while it is in use, as the others do
+    for (size_t n = made_folders_.size(); n-- > 0;) remove_folder(made_folders_[n]);
     errno = error;
 }
 
 void WriteNote::make_folder(const std::string& folder) {
-    for (std::string& made : make_folders(folder)) made_folders_.push_back(std::move(made));
+    for (std::string& made : make_missing_folders(folder)) made_folders_.push_back(std::move(made));
 }
 
 void WriteNote::give_up() {
-    unlink(path_.c_str());
+    remove_file(path_);
     file_.reset();
 }
 
 bool WriteNote::temporary_is_complete() {
-    return file_ && pwrite(fileno(file_.get()), &COMPLETE, 1, 0) == 1;
+    return file_ && write_at(file_.get(), 0, {reinterpret_cast<const uint8_t*>(&COMPLETE), 1}) == 1;
 }
 
 std::string rescue_copy_name(const std::string& target) {
     constexpr size_t LONGEST = 200; ///< bytes of the name, which leaves room for what is appended
-    const std::string name = fs::path(target).filename().string();
+    const std::string name = file_name_of(target);
     return rescue_folder() + "/" + name.substr(0, LONGEST) + "-" + random_name();
 }
 
 void remove_unfinished_files() {
     for (const LeftNote& note : left_notes()) {
         if (note.text.kind == COMPLETE || !remove_temporary(note.text.temporary)) continue;
-        unlink(note.path.c_str());
+        remove_file(note.path);
     }
     remove_empty_folders();
 }
@@ -163,7 +154,7 @@ std::vector<InterruptedWrite> interrupted_writes() {
         if (copy && copy != read_whole_file(write.target)) {
             writes.push_back(write);
         } else {
-            unlink(write.copy.c_str()); // the target was finished
+            remove_file(write.copy); // the target was finished
             leave_unfinished(write);
         }
     }
@@ -173,12 +164,12 @@ std::vector<InterruptedWrite> interrupted_writes() {
 bool finish_write(const InterruptedWrite& write) {
     const auto copy = read_whole_file(write.copy);
     if (!copy || !replace_whole_file(write.target, *copy)) return false;
-    unlink(write.copy.c_str());
+    remove_file(write.copy);
     leave_unfinished(write);
     return true;
 }
 
 void leave_unfinished(const InterruptedWrite& write) {
-    unlink(write.note.c_str());
+    remove_file(write.note);
     remove_empty_folders();
 }

@@ -4,6 +4,7 @@
 #include "core/machine_events.h"
 #include "core/pacing/pacing.h"
 #include "files/file_names.h"
+#include "files/system_file.h"
 #include "files/whole_file.h"
 #include "files/zip/zip_folder.h"
 #include "host/disk_rom.h"
@@ -25,14 +26,10 @@
 #include "z80/z80.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <string_view>
-#include <unistd.h>
 #include <utility>
 
 namespace {
-
-namespace fs = std::filesystem;
 
 /// Frames after which the firmware has started and waits for input.
 constexpr int BOOT_FRAMES = 100;
@@ -78,8 +75,7 @@ void name_screenshots(const std::string& path) {
     last_file_name = point == std::string::npos ? std::string() : path.substr(0, point);
     const auto inside = zip_path(path);
     if (!inside) return;
-    last_file_name =
-        fs::path(inside->archive).replace_filename(fs::path(last_file_name).filename());
+    last_file_name = path_in(folder_of(inside->archive), file_name_of(last_file_name));
 }
 
 /// Tells the user when the contents are damaged, with `text` in the status bar.
@@ -205,14 +201,11 @@ std::string file_problem(const std::string& path, size_t largest) {
         const std::string problem = zip_file_problem(*inside, largest);
         return problem.empty() ? problem : path + ": " + problem;
     }
-    std::error_code error;
-    const fs::file_status status = fs::status(path, error);
-    if (!fs::exists(status)) return path + ": no such file";
-    if (fs::is_directory(status)) return path + ": is a folder";
-    // A pipe or a device may never come to an end.
-    if (!fs::is_regular_file(status)) return path + ": is not a file";
-    if (access(path.c_str(), R_OK) != 0) return path + ": cannot be read";
-    if (fs::file_size(path, error) > largest) return path + ": is too large";
+    if (!path_exists(path)) return path + ": no such file";
+    if (is_folder(path)) return path + ": is a folder";
+    if (!is_plain_file(path)) return path + ": is not a file";
+    if (!may_read(path)) return path + ": cannot be read";
+    if (size_of_file(path) > largest) return path + ": is too large";
     return {};
 }
 

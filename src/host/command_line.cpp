@@ -1,6 +1,8 @@
 #include "host/command_line.h"
 
 #include "core/machine.h"
+#include "files/file_names.h"
+#include "files/system_file.h"
 #include "host/autostart.h"
 #include "host/command_table.h"
 #include "host/replays.h"
@@ -8,13 +10,10 @@
 
 #include <algorithm>
 #include <charconv>
-#include <filesystem>
 #include <limits>
 #include <string_view>
 
 namespace {
-
-namespace fs = std::filesystem;
 
 /// So that a time in cycles fits into 64 bits with any clock.
 constexpr int64_t MOST_SECONDS = std::numeric_limits<int64_t>::max() / FASTEST_CLOCK;
@@ -41,14 +40,10 @@ std::optional<AddressRange> address_range(std::string_view text) {
     return AddressRange{*first, *last};
 }
 
-bool exists(const std::string& path) {
-    std::error_code error;
-    return fs::exists(path, error);
-}
-
 bool is_switch(const std::string& argument) {
     if (argument.size() < 2 || argument[0] != '/') return false;
-    return argument.find_first_of("/.", 1) == std::string::npos && !exists(argument);
+    return argument.find_first_of(std::string(".") + path_separators, 1) == std::string::npos &&
+           !path_exists(argument);
 }
 
 class Reader {

@@ -1,5 +1,7 @@
 #include "host/disk_journal.h"
 
+#include "files/file_names.h"
+#include "files/system_file.h"
 #include "files/whole_file.h"
 #include "platform/platform.h"
 
@@ -9,17 +11,11 @@
 #include <cinttypes>
 #include <cstdio>
 #include <cstring>
-#include <filesystem>
 #include <span>
 #include <utility>
 
-#include <fcntl.h>
-#include <sys/file.h>
-#include <unistd.h>
-
 namespace {
 
-namespace fs = std::filesystem;
 using Bytes = std::vector<uint8_t>;
 
 constexpr std::array<char, 8> MARK = {'T', 'V', 'N', 'J', 'R', 'N', 'L', '1'};
@@ -110,23 +106,20 @@ bool take_batch(std::span<const uint8_t>& from, Bytes& image) {
     return content.empty();
 }
 
-fs::path journal_folder() { return fs::path(platform().paths().data_directory()) / "journal"; }
+std::string journal_folder() { return path_in(platform().paths().data_directory(), "journal"); }
 
 std::string journal_path(const disk_file& file) {
     char name[17];
     std::snprintf(name, sizeof name, "%016" PRIx64, content_hash(canonical_path(file.path)));
-    return (journal_folder() / (std::string(name) + EXTENSION)).string();
+    return path_in(journal_folder(), std::string(name) + EXTENSION);
 }
 
 /// One program at a time writes to a journal.
-bool lock(int descriptor) { return flock(descriptor, LOCK_EX | LOCK_NB) == 0; }
+bool lock(std::FILE* file) { return lock_file(file, LockWait::no); }
 
 bool is_in_use(const std::string& path) {
-    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (descriptor < 0) return false;
-    const bool in_use = !lock(descriptor);
-    ::close(descriptor);
-    return in_use;
+    const FileHandle file = open_file(path, "rb");
+    return file && !lock(file.get());
 }
 
 std::optional<LeftJournal> read_journal(const std::string& path) {
@@ -145,18 +138,12 @@ std::optional<LeftJournal> read_journal(const std::string& path) {
     return left.image.empty() ? std::nullopt : std::optional(left);
 }
 
-bool write_at(int descriptor, const Bytes& bytes, uint64_t offset) {
-    const ssize_t count = pwrite(descriptor, bytes.data(), bytes.size(), off_t(offset));
-    if (count >= 0 && size_t(count) < bytes.size()) errno = ENOSPC;
-    return count == ssize_t(bytes.size());
-}
-
 } // namespace
 
 DiskJournal& DiskJournal::operator=(DiskJournal&& other) noexcept {
     std::swap(kept_, other.kept_);
     std::swap(path_, other.path_);
-    std::swap(descriptor_, other.descriptor_);
+    std::swap(file_, other.file_);
     std::swap(length_, other.length_);
     std::swap(limit_, other.limit_);
     return *this;
@@ -164,12 +151,12 @@ DiskJournal& DiskJournal::operator=(DiskJournal&& other) noexcept {
 
 bool DiskJournal::resume(const LeftJournal& left) {
     close();
-    descriptor_ = open(left.path.c_str(), O_RDWR | O_CLOEXEC);
-    if (descriptor_ < 0) return false;
+    file_ = open_file(left.path, "r+b");
+    if (!file_) return false;
     path_ = left.path;
     length_ = left.end;
     limit_ = left.end + GROWTH * left.image.size();
-    if (lock(descriptor_) && ftruncate(descriptor_, off_t(length_)) == 0) return true;
+    if (lock(file_.get()) && set_length(file_.get(), length_)) return true;
     close();
     return false;
 }
@@ -177,7 +164,7 @@ bool DiskJournal::resume(const LeftJournal& left) {
 bool DiskJournal::keep(const disk_file& file, const shared_bytes& contents) {
     if (contents == kept_) return true;
     const auto image = contents.view();
-    const bool anew = descriptor_ < 0 || length_ > limit_ || image.size() != kept_.size();
+    const bool anew = !file_ || length_ > limit_ || image.size() != kept_.size();
     if (!(anew ? write_anew(file, image) : append(image))) return false;
     kept_ = contents;
     return true;
@@ -186,8 +173,7 @@ bool DiskJournal::keep(const disk_file& file, const shared_bytes& contents) {
 /// The new journal takes the place of the old one at one stroke.
 bool DiskJournal::write_anew(const disk_file& file, std::span<const uint8_t> image) {
     if (path_.empty()) path_ = journal_path(file);
-    std::error_code error;
-    fs::create_directories(journal_folder(), error);
+    make_folders(journal_folder());
     const std::string image_path = canonical_path(file.path);
     Bytes bytes;
     const std::span path_bytes(reinterpret_cast<const uint8_t*>(image_path.data()),
@@ -202,19 +188,17 @@ bool DiskJournal::write_anew(const disk_file& file, std::span<const uint8_t> ima
     put_batch(bytes, image, {image});
 
     const std::string next = path_ + ".next";
-    const int descriptor =
-        open(next.c_str(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, S_IRUSR | S_IWUSR);
-    if (descriptor < 0) return false;
-    if (!lock(descriptor) || !write_at(descriptor, bytes, 0) ||
-        std::rename(next.c_str(), path_.c_str()) != 0) {
+    FileHandle made = open_private_file(next);
+    if (!made) return false;
+    if (!lock(made.get()) || write_at(made.get(), 0, bytes) < bytes.size() ||
+        !rename_file(next, path_)) {
         const int reason = errno;
-        unlink(next.c_str());
-        ::close(descriptor);
+        remove_file(next);
+        made.reset();
         errno = reason;
         return false;
     }
-    if (descriptor_ >= 0) ::close(descriptor_);
-    descriptor_ = descriptor;
+    file_ = std::move(made);
     length_ = bytes.size();
     limit_ = length_ + GROWTH * image.size();
     return true;
@@ -223,27 +207,26 @@ bool DiskJournal::write_anew(const disk_file& file, std::span<const uint8_t> ima
 bool DiskJournal::append(std::span<const uint8_t> image) {
     Bytes bytes;
     put_batch(bytes, image, differences(kept_.view(), image));
-    if (!write_at(descriptor_, bytes, length_)) return false;
+    if (write_at(file_.get(), length_, bytes) < bytes.size()) return false;
     length_ += bytes.size();
     return true;
 }
 
 void DiskJournal::remove() {
-    if (descriptor_ >= 0) unlink(path_.c_str());
+    if (file_) remove_file(path_);
     close();
 }
 
 void DiskJournal::close() {
-    if (descriptor_ >= 0) ::close(std::exchange(descriptor_, -1));
+    file_.reset();
     path_.clear();
 }
 
 std::optional<LeftJournal> find_left_journal(const disk_file& file) {
     if (auto left = read_journal(journal_path(file))) return left;
-    std::error_code error; // the image may have been moved
-    for (const auto& entry : fs::directory_iterator(journal_folder(), error)) {
-        if (entry.path().extension() != EXTENSION) continue;
-        auto left = read_journal(entry.path().string());
+    for (const std::string& name : names_in(journal_folder())) { // the image may have been moved
+        if (!name.ends_with(EXTENSION)) continue;
+        auto left = read_journal(path_in(journal_folder(), name));
         if (left && left->file == file.identity && left->file_hash == file.hash) return left;
     }
     return {};
@@ -251,4 +234,4 @@ std::optional<LeftJournal> find_left_journal(const disk_file& file) {
 
 bool journal_is_in_use(const disk_file& file) { return is_in_use(journal_path(file)); }
 
-void remove_left_journal(const LeftJournal& left) { unlink(left.path.c_str()); }
+void remove_left_journal(const LeftJournal& left) { remove_file(left.path); }

@@ -8,6 +8,7 @@
 /// image; the first batch is the whole image. All numbers are as the host's processor has them. A
 /// batch that is not complete, or whose check sum is wrong, ends the journal.
 
+#include "files/file_handle.h"
 #include "media/files/drive_files.h"
 #include "wall/shared_bytes.h"
 
@@ -54,7 +55,7 @@ private:
 
     shared_bytes kept_; ///< the disk at the last call
     std::string path_;
-    int descriptor_ = -1;
+    FileHandle file_;
     uint64_t length_ = 0;
     uint64_t limit_ = 0; ///< in bytes: a journal that gets longer is written anew
 };

@@ -1,4 +1,5 @@
 #include "cgenie/memory/memory.h"
+#include "files/file_names.h"
 #include "host/dialogs/ask.h"
 #include "host/disk_questions.h"
 #include "host/media_panels.h"
@@ -11,7 +12,6 @@
 #include "wall/machine_host.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <memory>
 
 namespace {
@@ -64,7 +64,7 @@ std::string drive_line(unsigned drive) {
     if (!diskimg_inserted(wd1771.disks[drive])) return number + "no disk";
     const std::string& path = drive_files[drive].path;
     if (path.empty()) return number + "a disk without a file";
-    return number + ending_of(std::filesystem::path(path).filename().string(), LONGEST_NAME);
+    return number + ending_of(file_name_of(path), LONGEST_NAME);
 }
 
 /// Whether the machine's keyboard can type the name into a string.

@@ -3,6 +3,7 @@
 #include "core/machine_events.h"
 #include "core/pacing/pacing.h"
 #include "files/name_claim.h"
+#include "files/system_file.h"
 #include "files/whole_file.h"
 #include "host/autostart.h"
 #include "host/dialogs/ask.h"
@@ -19,12 +20,9 @@
 #include <array>
 #include <cerrno>
 #include <cstring>
-#include <filesystem>
 #include <memory>
 #include <utility>
 #include <vector>
-
-#include <unistd.h>
 
 namespace {
 
@@ -390,7 +388,7 @@ void take_file(unsigned drive, const disk_file& file) {
                 .remedy = "The file stays as it is until the disk is taken out and saved.",
                 .severity = Severity::warning});
     }
-    cares[drive].is_protected = access(file.path.c_str(), W_OK) != 0;
+    cares[drive].is_protected = !may_write(file.path);
     set_protection(drive);
     claim_image(drive);
     if (shell_state.start.keep_disk_journals && !cares[drive].is_protected) {
@@ -491,7 +489,7 @@ void main_disk_switch_protection(unsigned drive) {
     if (!care.is_protected || care.user_protects) {
         care.user_protects = !care.is_protected;
         protect(drive, care.user_protects);
-    } else if (access(drive_files[drive].path.c_str(), W_OK) != 0) {
+    } else if (!may_write(drive_files[drive].path)) {
         return offer_copy(drive);
     } else {
         try_to_free(drive);

@@ -1,5 +1,6 @@
 #include "host/dropped_files.h"
 
+#include "files/file_names.h"
 #include "host/autostart.h"
 #include "host/commands.h"
 #include "host/dialogs/hold.h"
@@ -10,7 +11,6 @@
 #include "media/tape_audio.h"
 #include "wall/report.h"
 
-#include <filesystem>
 #include <memory>
 #include <utility>
 
@@ -25,7 +25,7 @@ struct Drop {
 bool cassette_is_in() { return tape_cas_is_attached() || tape_wav_is_open(); }
 
 void leave(Drop& drop, const std::string& path) {
-    drop.left += (drop.left.empty() ? "" : ", ") + std::filesystem::path(path).filename().string();
+    drop.left += (drop.left.empty() ? "" : ", ") + file_name_of(path);
 }
 
 void tell_left(const std::string& names) {

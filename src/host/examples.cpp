@@ -2,6 +2,8 @@
 
 #include "core/machine_events.h"
 #include "files/file_identity.h"
+#include "files/file_names.h"
+#include "files/system_file.h"
 #include "host/autostart.h"
 #include "host/menu.h"
 #include "host/replays.h"
@@ -9,17 +11,14 @@
 #include "platform/platform.h"
 #include "wall/report.h"
 
-#include <filesystem>
-
 namespace {
 
 /// Empty without such a file.
 std::string installed_file(const std::string& name) {
     for (const char* place : {TARVELIN_EXAMPLES, "../examples"}) {
-        const std::filesystem::path folder = platform().paths().program_directory();
-        std::string path = canonical_path(folder / place / name);
-        std::error_code error;
-        if (std::filesystem::exists(path, error)) return path;
+        const std::string folder = path_in(platform().paths().program_directory(), place);
+        std::string path = canonical_path(path_in(folder, name));
+        if (path_exists(path)) return path;
     }
     return {};
 }
@@ -29,7 +28,7 @@ std::string installed_file(const std::string& name) {
 std::string example_path(const Example& example) { return installed_file(example.file); }
 
 std::string example_picture(const Example& example) {
-    return installed_file(std::filesystem::path(example.file).replace_extension("png"));
+    return installed_file(file_stem_of(example.file) + ".png");
 }
 
 void start_example(const Example& example) {
@@ -38,7 +37,7 @@ void start_example(const Example& example) {
     end_replay();
     machine_apply(event_kind::restart);
     autostart_file(path);
-    last_file_name = std::filesystem::path(path).stem();
+    last_file_name = file_stem_of(path);
 }
 
 void show_examples() {

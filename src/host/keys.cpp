@@ -1,5 +1,6 @@
 #include "core/frame_driver.h"
 #include "core/pacing/pacing.h"
+#include "files/file_identity.h"
 #include "host/commands.h"
 #include "host/dialogs/dialogs.h"
 #include "host/menu.h"
@@ -17,11 +18,8 @@
 
 #include <algorithm>
 #include <array>
-#include <filesystem>
 
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr int LONGEST_RUN = 10001; ///< instructions of one F7
 constexpr const char* DISASSEMBLY = "eaca_disass.txt";
@@ -54,9 +52,8 @@ void toggle_breakpoint() {
 void ask_for_breakpoint() { ui_machine_set_breakpoint(monitor_update); }
 
 void dump_disassembly() {
-    std::error_code error;
     if (!fulldisasm(DISASSEMBLY)) return report(unwritable(DISASSEMBLY));
-    StatusBarText("Disassembly dump to: %s", fs::current_path(error).c_str());
+    StatusBarText("Disassembly dump to: %s", canonical_path(".").c_str());
 }
 
 void dump_memory() {

@@ -1,6 +1,7 @@
 #include "host/loaded_program.h"
 
 #include "files/file_identity.h"
+#include "files/file_names.h"
 #include "files/whole_file.h"
 #include "host/pad_keys.h"
 #include "media/files/cassette_files.h"
@@ -8,13 +9,11 @@
 #include "media/files/tape_sound_files.h"
 #include "media/tape.h"
 
-#include <filesystem>
-
 namespace {
 
 LoadedProgram program;
 
-std::string file_name(const std::string& path) { return std::filesystem::path(path).filename(); }
+std::string file_name(const std::string& path) { return file_name_of(path); }
 
 } // namespace
 

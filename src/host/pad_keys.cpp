@@ -1,6 +1,8 @@
 #include "host/pad_keys.h"
 
 #include "cgenie/input.h"
+#include "files/file_names.h"
+#include "files/system_file.h"
 #include "files/whole_file.h"
 #include "host/key_map.h"
 #include "host/loaded_program.h"
@@ -14,7 +16,6 @@
 #include <cinttypes>
 #include <cstdio>
 #include <cstring>
-#include <filesystem>
 #include <string_view>
 #include <utility>
 #include <vector>
@@ -117,8 +118,7 @@ bool write_store(const std::vector<StoredKeys>& all) {
     std::string text;
     for (const StoredKeys& stored : all) put_line(text, stored);
     const std::string path = store_path();
-    std::error_code error;
-    std::filesystem::create_directories(std::filesystem::path(path).parent_path(), error);
+    make_folders(folder_of(path));
     if (replace_whole_file(path, text)) return true;
     report({.text = "The keys of the game pad cannot be kept",
             .file = path,

@@ -2,6 +2,7 @@
 
 #include "files/file_handle.h"
 #include "files/file_names.h"
+#include "files/system_file.h"
 #include "files/whole_file.h"
 #include "files/zip/zip_folder.h"
 #include "host/autostart.h"
@@ -16,15 +17,10 @@
 #include <algorithm>
 #include <cstdarg>
 #include <cstdio>
-#include <filesystem>
 #include <optional>
-
-#include <fcntl.h>
-#include <unistd.h>
 
 namespace {
 
-namespace fs = std::filesystem;
 using Bytes = std::span<const uint8_t>;
 using Lines = std::vector<std::string>;
 
@@ -64,7 +60,7 @@ void preview_disk(Lines& lines, std::vector<uint8_t> bytes) {
     lines.push_back(counted(files.size(), "file") + ", " + free_text(*disk));
     lines.emplace_back();
     for (const DiskFile& file : files) {
-        const std::string size = file.whole ? format("%7zu", file.bytes) : "damaged";
+        const std::string size = file.whole ? format("%7u", unsigned(file.bytes)) : "damaged";
         lines.push_back(padded(disk_name_text(file.name), NAME_WIDTH + 1));
         lines.back().append(size).append("  ").append(kind_text(file));
     }
@@ -142,8 +138,7 @@ void preview_state(Lines& lines, Bytes bytes) {
     if (!problem.empty()) return lines.push_back("Cannot be loaded: " + problem);
     lines.push_back(readable(description_text(about)));
     for (const medium_origin& medium : about.media) {
-        if (!medium.path.empty())
-            lines.push_back(readable(fs::path(medium.path).filename().string()));
+        if (!medium.path.empty()) lines.push_back(readable(file_name_of(medium.path)));
     }
 }
 
@@ -224,16 +219,14 @@ constexpr Kind KINDS[] = {
 
 /// The first line, and for files that cannot be looked at the only one.
 Lines begin(const std::string& path, const Kind* kind) {
-    std::error_code error;
-    const uint64_t size = fs::file_size(path, error);
-    return {std::string(kind ? kind->name : "File") + ", " + size_text(error ? 0 : size)};
+    return {std::string(kind ? kind->name : "File") + ", " +
+            size_text(size_of_file(path).value_or(0))};
 }
 
 } // namespace
 
 std::vector<std::string> preview_of(const std::string& path) {
-    std::error_code error;
-    if (path.empty() || fs::is_directory(path, error)) return {};
+    if (path.empty() || is_folder(path)) return {};
     const std::string problem = file_problem(path, LARGEST_ZIP);
     if (!problem.empty())
         return {readable(problem.substr(std::min(path.size() + 2, problem.size())))};

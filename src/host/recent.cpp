@@ -2,6 +2,7 @@
 
 #include "files/file_identity.h"
 #include "files/file_names.h"
+#include "files/system_file.h"
 #include "files/zip/zip_folder.h"
 #include "host/autostart.h"
 #include "host/commands.h"
@@ -19,15 +20,12 @@
 #include <charconv>
 #include <chrono>
 #include <cstdint>
-#include <filesystem>
 #include <future>
 #include <memory>
 #include <thread>
 #include <utility>
 
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr const char* SETTING = "RecentFiles";
 constexpr char BETWEEN = '|';
@@ -102,7 +100,7 @@ std::string path_of(const std::string& entry) {
         path += char(byte);
         at += 2;
     }
-    return path.starts_with('/') ? path : std::string();
+    return is_absolute_path(path) ? path : std::string();
 }
 
 void store(const std::vector<RecentFile>& files) {
@@ -131,10 +129,9 @@ std::array<bool, RECENT_FILES> missing_files(const std::vector<RecentFile>& file
     done = look->done.get_future();
     std::thread([look] {
         for (size_t n = 0; n < look->files.size(); ++n) {
-            std::error_code error;
             const std::string& path = look->files[n].path;
             const auto inside = zip_path(path);
-            look->missing[n] = !fs::exists(inside ? inside->archive : path, error);
+            look->missing[n] = !path_exists(inside ? inside->archive : path);
         }
         look->done.set_value();
     }).detach();
@@ -200,12 +197,10 @@ void show_recent_files() {
             window.set_item_state(id, ItemState::hidden);
             continue;
         }
-        const fs::path path = shown[n].path;
+        const std::string name = file_name_of(shown[n].path), folder = folder_of(shown[n].path);
         const std::string key = "&" + std::to_string((n + 1) % RECENT_FILES) + " ";
-        modify_menu_text(id,
-                         key + menu_text(path.filename()) + "\t" + menu_text(path.parent_path()));
-        set_menu_tip(id, way_of(shown[n].how)->tip + path.filename().string() + ", in " +
-                             path.parent_path().string() + ".");
+        modify_menu_text(id, key + menu_text(name) + "\t" + menu_text(folder));
+        set_menu_tip(id, way_of(shown[n].how)->tip + name + ", in " + folder + ".");
         window.set_item_state(id, missing[n] ? ItemState::greyed : ItemState::usual);
     }
     window.set_item_state(COMMAND_CLEAR_RECENT,

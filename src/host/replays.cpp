@@ -1,4 +1,5 @@
 #include "host/replays.h"
+#include "files/file_names.h"
 #include "host/recent.h"
 
 #include "core/frame_driver.h"
@@ -27,7 +28,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <filesystem>
 #include <functional>
 #include <optional>
 #include <utility>
@@ -100,10 +100,9 @@ std::string load_state_of_replay(std::span<const uint8_t> file) {
 
 /// A tape that is no longer where it was may be beside the replay.
 std::string open_tape(const replay_tape& tape) {
-    namespace fs = std::filesystem;
     const std::string problem = tape_sound_follow({tape.path, tape.hash});
     if (problem.empty()) return {};
-    const auto beside = fs::path(playing.path).parent_path() / fs::path(tape.path).filename();
+    const std::string beside = path_in(folder_of(playing.path), file_name_of(tape.path));
     if (tape_sound_follow({beside, tape.hash}).empty()) return {};
     return "the tape " + tape.path + ": " + problem;
 }

@@ -1,7 +1,9 @@
 #include "host/resume.h"
 
 #include "files/file_identity.h"
+#include "files/file_names.h"
 #include "files/name_claim.h"
+#include "files/system_file.h"
 #include "files/whole_file.h"
 #include "host/disks.h"
 #include "host/messages.h"
@@ -20,14 +22,11 @@
 #include <chrono>
 #include <cstdio>
 #include <cstring>
-#include <filesystem>
 #include <future>
 #include <optional>
 #include <string>
 
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr int64_t INTERVAL = 60;     ///< seconds between two states
 constexpr int64_t DISK_INTERVAL = 1; ///< after something was written to a disk
@@ -55,8 +54,7 @@ bool is_kept_now() { return is_ours() && history_is_live(); }
 
 /// Claims the file. On a host without such names, it is as if nobody else had it.
 bool claim_file() {
-    std::error_code error;
-    fs::create_directories(fs::path(resume_file()).parent_path(), error);
+    make_folders(folder_of(resume_file()));
     resume.claim.emplace("resume " + std::to_string(content_hash(canonical_path(resume_file()))));
     if (is_ours()) return true;
     report({.text = "Another running program keeps the state to resume",
@@ -109,7 +107,7 @@ bool disks_have_changed() {
 /// The state stays for another version of the program, or for the user to look at.
 void set_aside(const std::string& problem) {
     const std::string aside = state_file_path("not-resumed.tvs");
-    std::rename(resume_file().c_str(), aside.c_str());
+    rename_file(resume_file(), aside);
     const UserCommand failure_opens_a_box; // the start is the user's
     report({.text = "The program cannot go on where it was left",
             .file = resume_file(),
@@ -123,9 +121,8 @@ void resume_where_left() {
     if (!shell_state.start.resumes || !shell_state.resume || !claim_file()) return;
     resume.kept_at = platform().clock().counter();
     const CommandLine& line = shell_state.start.line;
-    std::error_code error;
     const bool has_other_task = !line.files.empty() || !line.load_state.empty();
-    if (has_other_task || !fs::exists(resume_file(), error)) return;
+    if (has_other_task || !path_exists(resume_file())) return;
     parked_state state;
     const std::string problem = read_state_file(resume_file(), state);
     if (!problem.empty()) return set_aside(problem);
@@ -158,9 +155,8 @@ void resume_switched() {
         return;
     }
     collect();
-    std::error_code error;
     if (resume.claim && resume.claim->result() != NameClaim::Result::taken) {
-        fs::remove(resume_file(), error);
+        remove_file(resume_file());
     }
     resume.claim.reset();
 }

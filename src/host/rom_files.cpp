@@ -4,6 +4,7 @@
 #include "cgenie/memory/memory.h"
 #include "files/file_handle.h"
 #include "files/file_names.h"
+#include "files/system_file.h"
 #include "files/whole_file.h"
 #include "media/traps.h"
 #include "platform/platform.h"
@@ -12,7 +13,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
-#include <filesystem>
 #include <set>
 #include <span>
 #include <utility>
@@ -37,18 +37,15 @@ std::vector<std::string> chips(const std::string& path) {
     // "rom0.bin" and "rom.0"
     const size_t digit = (path.back() == '0' || path.back() == '1' ? path.size() : point) - 1;
     if (digit >= path.size() || (path[digit] != '0' && path[digit] != '1')) return {};
-    const std::filesystem::path chosen = path;
-    std::string name = chosen.filename().string();
+    std::string name = file_name_of(path);
     const size_t place = digit - (path.size() - name.size());
     std::vector<std::string> found = {path};
     while (found.size() < BASIC_ROM_SIZE / PART) {
         ++name[place];
-        found.push_back(find_in_any_case(chosen.parent_path().string(), name));
+        found.push_back(find_in_any_case(folder_of(path), name));
     }
-    const bool whole = std::ranges::all_of(found, [](const std::string& chip) {
-        std::error_code error;
-        return std::filesystem::file_size(chip, error) == PART && !error;
-    });
+    const bool whole = std::ranges::all_of(
+        found, [](const std::string& chip) { return size_of_file(chip) == PART; });
     return whole ? found : std::vector<std::string>();
 }
 
@@ -86,11 +83,10 @@ bool refuse(const std::string& path, const std::string& reason) {
 /// Takes the file as the image's replacement. A missing file is not reported.
 bool load_user_image(FirmwareImage image, const std::string& path) {
     if (path.empty()) return false;
-    std::error_code error;
     const size_t needed = firmware_bytes(image).size();
-    const auto found = std::filesystem::file_size(path, error);
-    if (!error && found != needed) {
-        return refuse(path, std::to_string(found) + " bytes found, " + std::to_string(needed) +
+    const auto found = size_of_file(path);
+    if (found && *found != needed) {
+        return refuse(path, std::to_string(*found) + " bytes found, " + std::to_string(needed) +
                                 " bytes needed");
     }
     std::vector<uint8_t> bytes(needed);

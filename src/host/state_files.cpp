@@ -1,4 +1,5 @@
 #include "host/state_files.h"
+#include "files/file_names.h"
 #include "host/recent.h"
 
 #include "core/machine.h"
@@ -20,7 +21,6 @@
 
 #include <array>
 #include <chrono>
-#include <filesystem>
 #include <memory>
 #include <optional>
 #include <utility>
@@ -32,8 +32,6 @@ using Bytes = std::vector<uint8_t>;
 
 /// Files that the user has named for what was missing; the hash tells whether one is right.
 using GivenFiles = std::vector<std::string>;
-
-std::string file_name(const std::string& path) { return fs::path(path).filename().string(); }
 
 medium_origin drive_origin(unsigned drive) {
     const disk_file& file = drive_files[drive];
@@ -53,9 +51,9 @@ medium_origin cassette_origin() {
 /// The program that was started, or what it may have come from.
 std::string what_is_running(const state_description& about) {
     const bool started = !last_file_name.empty() && last_file_name != PRODUCT_NAME;
-    if (started) return file_name(last_file_name);
+    if (started) return file_name_of(last_file_name);
     for (const size_t medium : {CASSETTE, size_t(0)}) {
-        if (!about.media[medium].path.empty()) return file_name(about.media[medium].path);
+        if (!about.media[medium].path.empty()) return file_name_of(about.media[medium].path);
     }
     return machine_cfg[active_machine_cfg].name;
 }
@@ -98,7 +96,7 @@ void unpack_or_ask(const std::shared_ptr<const Bytes>& file, const GivenFiles& g
     std::string missing;
     const std::string problem = unpack_with(*file, state, given, missing);
     if (missing.empty() || shell_state.start.unattended) return done(problem, state);
-    const FileDialog dialog = {.title = "The state needs: " + file_name(missing),
+    const FileDialog dialog = {.title = "The state needs: " + file_name_of(missing),
                                .filters = {{"All files (*.*)", "*.*"}}};
     ask_for_file(dialog, [=](const std::optional<FileChoice>& choice) {
         if (!choice) return done(problem, {});

@@ -1,4 +1,6 @@
 #include "host/states.h"
+#include "files/file_names.h"
+#include "files/system_file.h"
 #include "host/recent.h"
 
 #include "files/whole_file.h"
@@ -8,13 +10,10 @@
 #include "wall/report.h"
 
 #include <ctime>
-#include <filesystem>
 #include <optional>
 #include <utility>
 
 namespace {
-
-namespace fs = std::filesystem;
 
 struct {
     int current = 0;
@@ -26,15 +25,6 @@ std::string slot_path(int slot, const char* extension) {
 }
 std::string slot_file(int slot) { return slot_path(slot, ".tvs"); }
 std::string kept_file(int slot) { return slot_path(slot, ".bak"); }
-
-bool exists(const std::string& path) {
-    std::error_code error;
-    return fs::exists(path, error);
-}
-
-bool move_file(const std::string& from, const std::string& to) {
-    return std::rename(from.c_str(), to.c_str()) == 0;
-}
 
 std::string slot_name(int slot) { return "Slot " + std::to_string(slot); }
 
@@ -59,7 +49,7 @@ void load_file(const std::string& path, const std::string& what) {
 } // namespace
 
 std::string state_file_path(const std::string& name) {
-    return (fs::path(platform().paths().data_directory()) / "states" / name).string();
+    return path_in(path_in(platform().paths().data_directory(), "states"), name);
 }
 
 int current_slot() { return states.current; }
@@ -73,7 +63,7 @@ void choose_slot(int slot) {
 SlotContent slot_content(int slot) {
     SlotContent content;
     const std::string path = slot_file(slot);
-    if (!exists(path)) return content;
+    if (!path_exists(path)) return content;
     content.problem = describe_state_file(path, content.description);
     content.kind =
         content.problem.empty() ? SlotContent::Kind::full : SlotContent::Kind::unreadable;
@@ -105,34 +95,33 @@ std::string state_time(const state_description& about) {
 /// The new state is complete before the old one moves aside, so that a full disk costs nothing.
 void save_slot(int slot) {
     const std::string next = slot_path(slot, ".new");
-    std::error_code error;
-    fs::create_directories(fs::path(next).parent_path(), error);
+    make_folders(folder_of(next));
     const parked_state state = park_machine();
     if (!replace_whole_file(next, pack_state(state))) return report(unwritable(slot_file(slot)));
-    if (exists(slot_file(slot))) move_file(slot_file(slot), kept_file(slot));
-    if (!move_file(next, slot_file(slot))) return report(unwritable(slot_file(slot)));
+    if (path_exists(slot_file(slot))) rename_file(slot_file(slot), kept_file(slot));
+    if (!rename_file(next, slot_file(slot))) return report(unwritable(slot_file(slot)));
     StatusBarText("%s saved: %s", slot_name(slot).c_str(), description_text(state.about).c_str());
 }
 
 void load_slot(int slot) {
-    if (exists(slot_file(slot))) return load_file(slot_file(slot), slot_name(slot));
+    if (path_exists(slot_file(slot))) return load_file(slot_file(slot), slot_name(slot));
     StatusBarText("%s: empty", slot_name(slot).c_str());
 }
 
 void delete_slot(int slot) {
-    if (!move_file(slot_file(slot), kept_file(slot))) return report(unwritable(slot_file(slot)));
+    if (!rename_file(slot_file(slot), kept_file(slot))) return report(unwritable(slot_file(slot)));
     StatusBarText("%s deleted", slot_name(slot).c_str());
 }
 
-bool slot_can_be_undone(int slot) { return exists(kept_file(slot)); }
+bool slot_can_be_undone(int slot) { return path_exists(kept_file(slot)); }
 
 void undo_slot(int slot) {
     if (!slot_can_be_undone(slot)) return;
     const std::string aside = slot_path(slot, ".new");
-    const bool full = exists(slot_file(slot));
-    if ((full && !move_file(slot_file(slot), aside)) ||
-        !move_file(kept_file(slot), slot_file(slot)) ||
-        (full && !move_file(aside, kept_file(slot)))) {
+    const bool full = path_exists(slot_file(slot));
+    if ((full && !rename_file(slot_file(slot), aside)) ||
+        !rename_file(kept_file(slot), slot_file(slot)) ||
+        (full && !rename_file(aside, kept_file(slot)))) {
         return report(unwritable(slot_file(slot)));
     }
     StatusBarText("%s as before: %s", slot_name(slot).c_str(),
@@ -145,7 +134,7 @@ void save_state_as(const std::string& path) {
 }
 
 void load_state(const std::string& path) {
-    if (exists(path)) note_opened(Opened::as_state, path);
+    if (path_exists(path)) note_opened(Opened::as_state, path);
     load_file(path, "State");
 }
 

@@ -1,4 +1,5 @@
 #include "core/machine_events.h"
+#include "files/file_names.h"
 #include "host/commands.h"
 #include "host/dialogs/ask.h"
 #include "host/media_panels.h"
@@ -15,7 +16,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <filesystem>
 #include <functional>
 #include <memory>
 
@@ -84,7 +84,7 @@ std::string four_digits(uint32_t number) {
 
 std::string name_text() {
     const auto file = [](const std::string& path) {
-        return ending_of(std::filesystem::path(path).filename().string(), LONGEST_NAME);
+        return ending_of(file_name_of(path), LONGEST_NAME);
     };
     if (tape_audio.recording) return "A recording is being made.";
     if (tape_wav_is_open()) return file(tape_sound_played().path) + ", as sound";

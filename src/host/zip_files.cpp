@@ -1,5 +1,6 @@
 #include "host/zip_files.h"
 
+#include "files/file_names.h"
 #include "files/whole_file.h"
 #include "files/zip/zip_folder.h"
 #include "host/dialogs/ask.h"
@@ -47,8 +48,7 @@ void ask_which(const std::string& archive, const std::vector<std::string>& files
     using enum ControlKind;
     std::vector<std::string> lines;
     std::ranges::transform(files, std::back_inserter(lines), shown);
-    const size_t slash = archive.rfind('/');
-    const std::string name = shown(slash == archive.npos ? archive : archive.substr(slash + 1));
+    const std::string name = shown(file_name_of(archive));
     const FormDescription description = {
         "Open zip file",
         {{.kind = label, .text = "&Files in " + name + ":"},

@@ -143,8 +143,8 @@ int disk_img_read_sector(const disk_record& disk, std::span<const uint8_t> image
     const std::optional<size_t> offset = diskimg_sector_offset(disk, image, track, sector);
     if (!offset) return 0;
     std::copy_n(image.data() + *offset, disk.bytes_per_sector, buffer);
-    machine_print(TEXT_ERROR, "IMAGE. Read(%u,%u,%u) from offset %05zX.\n", side, track, sector,
-                  *offset);
+    machine_print(TEXT_ERROR, "IMAGE. Read(%u,%u,%u) from offset %05X.\n", side, track, sector,
+                  unsigned(*offset));
     return 1;
 }
 

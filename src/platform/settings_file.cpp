@@ -1,6 +1,9 @@
 #include "platform/settings_file.h"
 
 #include "files/file_handle.h"
+#include "files/file_identity.h"
+#include "files/file_names.h"
+#include "files/system_file.h"
 #include "files/whole_file.h"
 
 #define TOML_EXCEPTIONS 0
@@ -10,15 +13,11 @@
 #include <toml++/toml.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <cstdio>
-#include <filesystem>
 #include <limits>
 #include <sstream>
 #include <string_view>
 #include <utility>
-
-#include <sys/file.h>
 
 namespace {
 
@@ -159,33 +158,20 @@ Contents load(const std::string& path, std::string_view addition = {}) {
         return parse({reinterpret_cast<const char*>(bytes->data()), bytes->size()}, addition);
     }
     Contents contents;
-    std::error_code error;
-    const auto type = std::filesystem::status(path, error).type();
-    if (type == std::filesystem::file_type::not_found) {
+    if (is_missing(path)) {
         contents.state = Contents::State::missing;
         contents.mark = free_mark({}, addition);
     }
     return contents;
 }
 
-std::filesystem::path folder_of(const std::string& path) {
-    const std::filesystem::path folder = std::filesystem::path(path).parent_path();
-    return folder.empty() ? std::filesystem::path(".") : folder;
-}
-
 /// The right to change the file, held until the object goes.
 class Lock {
 public:
     explicit Lock(const std::string& path) {
-        std::error_code error;
-        std::filesystem::create_directories(folder_of(path), error);
-        file_ = open_file(path + ".lock", "ae");
-        if (!file_) return;
-        int result = 0;
-        do {
-            result = flock(fileno(file_.get()), LOCK_EX);
-        } while (result != 0 && errno == EINTR);
-        if (result != 0) file_.reset();
+        make_folders(folder_of(path));
+        file_ = open_file(path + ".lock", "a");
+        if (file_ && !lock_file(file_.get(), LockWait::yes)) file_.reset();
     }
     bool held() const { return file_ != nullptr; }
 
@@ -273,11 +259,10 @@ bool has(const Contents& contents, const std::string& name, const SettingsFile::
 /// that fails.
 std::string put_aside(const std::string& path) {
     std::string name = path + ".damaged";
-    std::error_code error;
-    for (int n = 1; std::filesystem::exists(std::filesystem::symlink_status(name, error)); ++n) {
+    for (int n = 1; name_is_taken(name); ++n) {
         name = path + ".damaged" + std::to_string(n);
     }
-    return std::rename(path.c_str(), name.c_str()) == 0 ? name : std::string();
+    return rename_file(path, name) ? name : std::string();
 }
 
 /// Makes the changes in the file, which is created when it is missing. A damaged one is put aside
@@ -311,9 +296,7 @@ bool update(const std::string& path, std::string& complaint, const SettingsFile:
 
 SettingsFile::SettingsFile(std::string path) : path_(std::move(path)) {
     std::error_code error;
-    if (!std::filesystem::is_symlink(path_, error)) return;
-    const std::filesystem::path target = std::filesystem::weakly_canonical(path_, error);
-    if (!error) path_ = target.string();
+    if (std::filesystem::is_symlink(system_path(path_), error)) path_ = canonical_path(path_);
 }
 
 bool SettingsFile::open() {

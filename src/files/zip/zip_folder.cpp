@@ -1,9 +1,10 @@
 #include "files/zip/zip_folder.h"
 
+#include "files/file_handle.h"
 #include "files/file_names.h"
+#include "files/system_file.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <memory>
 #include <string_view>
 #include <utility>
@@ -11,8 +12,6 @@
 #include <unzip.h>
 
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr const char* DAMAGED = "is damaged";
 constexpr const char* END = ".zip";
@@ -23,22 +22,49 @@ struct ZipCloser {
 };
 using ZipHandle = std::unique_ptr<void, ZipCloser>;
 
+// How minizip reads: it knows names of the standard library only, which Windows has in another
+// code.
+
+void* ZCALLBACK open_archive(void* /*opaque*/, const void* name, int /*mode*/) {
+    return open_file(static_cast<const char*>(name), "rb").release();
+}
+uLong ZCALLBACK read_archive(void* /*opaque*/, void* file, void* to, uLong size) {
+    return uLong(std::fread(to, 1, size, static_cast<std::FILE*>(file)));
+}
+uLong ZCALLBACK write_archive(void* /*opaque*/, void* /*file*/, const void* /*from*/,
+                              uLong /*size*/) {
+    return 0;
+}
+ZPOS64_T ZCALLBACK place_in_archive(void* /*opaque*/, void* file) {
+    return ZPOS64_T(std::ftell(static_cast<std::FILE*>(file)));
+}
+long ZCALLBACK seek_in_archive(void* /*opaque*/, void* file, ZPOS64_T offset, int origin) {
+    static constexpr int ORIGINS[] = {SEEK_SET, SEEK_CUR, SEEK_END};
+    return std::fseek(static_cast<std::FILE*>(file), long(offset), ORIGINS[origin]);
+}
+int ZCALLBACK close_archive(void* /*opaque*/, void* file) {
+    return std::fclose(static_cast<std::FILE*>(file));
+}
+int ZCALLBACK archive_error(void* /*opaque*/, void* file) {
+    return std::ferror(static_cast<std::FILE*>(file));
+}
+
+ZipHandle open_handle(const std::string& archive) {
+    zlib_filefunc64_def files = {open_archive,    read_archive,  write_archive, place_in_archive,
+                                 seek_in_archive, close_archive, archive_error, nullptr};
+    return ZipHandle(unzOpen2_64(archive.c_str(), &files));
+}
+
 struct OpenZip {
     ZipHandle handle;
     std::string problem;
     size_t files = 0;
 };
 
-bool is_file(const std::string& path) {
-    std::error_code error;
-    return fs::is_regular_file(path, error);
-}
-
 OpenZip open_zip(const std::string& archive) {
-    std::error_code error;
-    if (!is_file(archive)) return {{}, "no such file"};
-    if (fs::file_size(archive, error) > LARGEST_ZIP) return {{}, "is too large"};
-    ZipHandle handle(unzOpen64(archive.c_str()));
+    if (!is_plain_file(archive)) return {{}, "no such file"};
+    if (size_of_file(archive) > LARGEST_ZIP) return {{}, "is too large"};
+    ZipHandle handle = open_handle(archive);
     unz_global_info64 about = {};
     if (!handle || unzGetGlobalInfo64(handle.get(), &about) != UNZ_OK) {
         return {{}, "is damaged, or no zip file"};
@@ -128,9 +154,10 @@ ZipListing zip_files(const std::string& archive) {
 }
 
 std::optional<ZipPath> zip_path(const std::string& path) {
-    for (size_t slash = path.find('/'); slash != path.npos; slash = path.find('/', slash + 1)) {
+    for (size_t slash = path.find_first_of(path_separators); slash != path.npos;
+         slash = path.find_first_of(path_separators, slash + 1)) {
         const std::string archive = path.substr(0, slash);
-        if (!lower_case(archive).ends_with(END) || !is_file(archive)) continue;
+        if (!lower_case(archive).ends_with(END) || !is_plain_file(archive)) continue;
         return ZipPath{archive, path.substr(slash + 1)};
     }
     return {};

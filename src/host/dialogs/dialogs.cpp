@@ -2,6 +2,7 @@
 
 #include "files/file_identity.h"
 #include "files/file_names.h"
+#include "files/system_file.h"
 #include "host/dialogs/ask.h"
 #include "host/dialogs/hold.h"
 #include "platform/platform.h"
@@ -10,7 +11,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <filesystem>
 #include <map>
 #include <system_error>
 #include <utility>
@@ -120,10 +120,7 @@ void choose_to_save(FileDialog dialog, FileAnswer done) {
         const std::string typed = choice->path;
         choice->path =
             with_extension(typed, dialog.filters[size_t(choice->filter_index)].extension);
-        std::error_code error;
-        if (choice->path == typed || !std::filesystem::exists(choice->path, error)) {
-            return done(choice);
-        }
+        if (choice->path == typed || !path_exists(choice->path)) return done(choice);
         const auto answered = [dialog, choice, done](int answer) mutable {
             constexpr int REPLACE = 1; // Enter keeps the file
             if (answer == REPLACE) return done(choice);
@@ -139,13 +136,14 @@ void choose_to_save(FileDialog dialog, FileAnswer done) {
 }
 
 std::string file_url(const std::string& path) {
-    std::string url = "file://";
+    std::string url = path.starts_with('/') ? "file://" : "file:///"; // a drive's letter is no host
     for (const char c : path) {
         switch (c) { // characters that would end or change the path
         case '%': url += "%25"; break;
         case '#': url += "%23"; break;
         case '?': url += "%3F"; break;
-        default: url += c;
+        default:
+            url += std::string_view(path_separators).find(c) != std::string_view::npos ? '/' : c;
         }
     }
     return url;
@@ -158,10 +156,8 @@ std::string manual_page(const std::string& page) {
 
 /// The installed manual, or the program's folder when there is none.
 std::string manual_url() {
-    std::error_code error;
     const std::string manual = manual_page("manual.html");
-    return file_url(
-        std::filesystem::exists(manual, error) ? manual : platform().paths().program_directory());
+    return file_url(path_exists(manual) ? manual : platform().paths().program_directory());
 }
 
 } // namespace
@@ -218,9 +214,8 @@ void ui_about_dialog() {
 }
 
 void ui_open_manual(const char* page) {
-    std::error_code error;
     const std::string path = manual_page(page);
-    if (!std::filesystem::exists(path, error)) {
+    if (!path_exists(path)) {
         return report({.text = "The manual is not installed", .file = path});
     }
     if (!platform().dialogs().open_page(file_url(path))) {

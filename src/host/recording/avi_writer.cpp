@@ -1,6 +1,6 @@
 #include "host/recording/avi_writer.h"
 
-#include <unistd.h>
+#include "files/system_file.h"
 
 #include <algorithm>
 
@@ -65,20 +65,13 @@ struct AviWriter::Bytes : std::vector<uint8_t> {
 };
 
 bool AviWriter::put_at(uint64_t offset, std::span<const uint8_t> bytes) {
-    while (!bytes.empty()) {
-        const ssize_t written =
-            pwrite(fileno(file_.get()), bytes.data(), bytes.size(), off_t(offset));
-        if (written <= 0) return false;
-        offset += uint64_t(written);
-        bytes = bytes.subspan(size_t(written));
-    }
-    return true;
+    return write_at(file_.get(), offset, bytes) == bytes.size();
 }
 
 /// Cuts the file at `end`: a full disk may have taken a part of what was written last.
 bool AviWriter::cut(uint64_t end) {
     end_ = end;
-    return ftruncate(fileno(file_.get()), off_t(end)) == 0;
+    return set_length(file_.get(), end);
 }
 
 bool AviWriter::put(const Bytes& bytes) {
@@ -230,7 +223,7 @@ bool AviWriter::open(FileHandle file, const avi_video_format& format, bool with_
     streams_[1].index = four_characters("ix01");
     end_ = make_header().size();
     list_start_ = end_ - LIST_HEADER;
-    if (ftruncate(fileno(file_.get()), 0) == 0 && write_sizes()) return true;
+    if (set_length(file_.get(), 0) && write_sizes()) return true;
     file_.reset();
     return false;
 }

@@ -4,6 +4,7 @@
 #include "core/machine_events.h"
 #include "files/file_handle.h"
 #include "files/file_names.h"
+#include "files/system_file.h"
 #include "files/whole_file.h"
 #include "media/files/rescue.h"
 #include "media/files/tape_sound_files.h"
@@ -18,10 +19,6 @@
 #include <utility>
 #include <vector>
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 namespace {
 
 constexpr int TOKENIZED_MARK = 0xFF;
@@ -33,13 +30,11 @@ bool is_named_after_tape = false; ///< and not after that of the last run
 std::string left; ///< path of a tape that goes on in a new file, as soon as it does; else empty
 
 /// Regular files only: a folder holds no tape, and a pipe would hold up the machine.
-FileHandle open_regular_file(const std::string& path, int flags, const char* mode) {
-    constexpr mode_t OWNERS_CHOICE = 0666;
-    const int descriptor = open(path.c_str(), flags | O_NONBLOCK | O_CLOEXEC, OWNERS_CHOICE);
-    FileHandle file = stream_of(descriptor, mode);
-    struct stat status = {};
-    if (!file || fstat(descriptor, &status) != 0) return {};
-    if (!S_ISREG(status.st_mode) || uintmax_t(status.st_size) > LARGEST_FILE) return {};
+FileHandle open_regular_file(const std::string& path, const char* mode) {
+    FileHandle file = open_without_waiting(path, mode);
+    const auto facts = file ? facts_of(file.get()) : std::nullopt;
+    if (!facts || facts->kind != SystemFileFacts::Kind::regular || facts->size > LARGEST_FILE)
+        return {};
     return file;
 }
 
@@ -57,7 +52,7 @@ bool go_on_elsewhere() {
         report(unwritable(path));
         return false;
     }
-    saved = open_regular_file(path, O_RDWR, "r+b");
+    saved = open_regular_file(path, "r+b");
     casfilename = saved_path = path;
     report({.text = "The tape goes on in " + path,
             .file = old,
@@ -102,7 +97,7 @@ void tape_detach_cas() {
 std::string& tape_get_cas_name() { return casfilename; }
 
 int is_tokenized_bas(const std::string& path) {
-    const FileHandle file = open_regular_file(path, O_RDONLY, "rb");
+    const FileHandle file = open_regular_file(path, "rb");
     return file && std::fgetc(file.get()) == TOKENIZED_MARK ? 1 : 0;
 }
 
@@ -150,7 +145,7 @@ int tape_dump_cas(const std::string& path, const std::string& start, const std::
 
 int tape_create_file(const std::string& path) {
     tape_file_end();
-    saved = open_regular_file(path, O_RDWR | O_CREAT | O_TRUNC, "r+b");
+    saved = open_regular_file(path, "w+b");
     if (saved) {
         casfilename = saved_path = path;
         is_named_after_tape = true;
@@ -163,7 +158,7 @@ int tape_create_file(const std::string& path) {
 
 int tape_file_write(uint64_t position, const uint8_t* bytes, size_t count) {
     if (!saved && (left.empty() || !go_on_elsewhere())) return 0;
-    if (pwrite(fileno(saved.get()), bytes, count, off_t(position)) == ssize_t(count)) return 1;
+    if (write_at(saved.get(), position, {bytes, count}) == count) return 1;
     const Report failed = unwritable(saved_path);
     saved.reset();
     report(failed);
@@ -174,7 +169,7 @@ int tape_file_write(uint64_t position, const uint8_t* bytes, size_t count) {
 void tape_file_end() {
     left.clear();
     if (!saved) return;
-    if (fdatasync(fileno(saved.get())) != 0 && errno != EINVAL) report(unwritable(saved_path));
+    if (!sync_contents(saved.get())) report(unwritable(saved_path));
     saved.reset();
 }
 
@@ -187,7 +182,7 @@ void tape_file_follow(const std::string& path) {
     const bool is_tape = lower_case_extension(path) == "cas";
     const auto bytes = is_tape ? read_whole_file(path) : std::nullopt;
     if (bytes && std::ranges::equal(*bytes, cas.view())) {
-        saved = open_regular_file(path, O_RDWR, "r+b");
+        saved = open_regular_file(path, "r+b");
         saved_path = path;
     }
     if (!saved) left = path.empty() ? "tape.cas" : path;

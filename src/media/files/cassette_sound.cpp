@@ -1,6 +1,7 @@
 #include "media/files/cassette_sound.h"
 
 #include "files/file_names.h"
+#include "files/system_file.h"
 #include "files/whole_file.h"
 #include "media/files/cassette_files.h"
 #include "media/tape.h"
@@ -44,7 +45,7 @@ std::string cassette_sound_open(std::span<const uint8_t> tape, FileHandle& file,
     for (size_t n = 0; n < LEADER_BYTES; ++n) sound.byte(TAPE_LEADER);
     for (const uint8_t value : tape.subspan(start)) sound.byte(value);
     const auto samples = sound.samples();
-    FileHandle made(std::tmpfile());
+    FileHandle made = open_nameless_file();
     if (!made || std::fwrite(samples.data(), 1, samples.size(), made.get()) != samples.size() ||
         std::fflush(made.get()) != 0) {
         return std::strerror(errno);

@@ -1,6 +1,7 @@
 #include "media/files/drive_files.h"
 
 #include "core/machine_events.h"
+#include "files/system_file.h"
 #include "files/whole_file.h"
 #include "media/files/rescue.h"
 #include "media/wd1771.h"
@@ -8,14 +9,9 @@
 
 #include <cerrno>
 #include <cstring>
-#include <filesystem>
 #include <utility>
 
-#include <unistd.h>
-
 std::array<disk_file, DISK_DRIVES> drive_files;
-
-namespace fs = std::filesystem;
 
 int diskimg_attach(unsigned drive, const std::string& path) {
     diskimg_detach(drive, false);
@@ -23,7 +19,7 @@ int diskimg_attach(unsigned drive, const std::string& path) {
     std::optional<std::vector<uint8_t>> bytes = read_whole_file(path);
     if (!bytes || bytes->empty()) return 0;
     const uint64_t hash = content_hash(*bytes);
-    const bool write_protected = access(path.c_str(), W_OK) != 0;
+    const bool write_protected = !may_write(path);
     if (!machine_apply(event_kind::disk_in, int32_t(drive), write_protected,
                        shared_bytes(std::move(*bytes)))) {
         return 0;
@@ -34,8 +30,7 @@ int diskimg_attach(unsigned drive, const std::string& path) {
 
 bool diskimg_file_changed(unsigned drive) {
     const disk_file& file = drive_files[drive];
-    std::error_code error;
-    if (!fs::exists(file.path, error)) return false;
+    if (!path_exists(file.path)) return false;
     const auto bytes = read_whole_file(file.path);
     return !bytes || content_hash(*bytes) != file.hash;
 }

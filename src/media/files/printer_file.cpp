@@ -2,25 +2,22 @@
 
 #include "core/machine_events.h"
 #include "files/file_handle.h"
+#include "files/file_names.h"
+#include "files/system_file.h"
 #include "media/printer.h"
 #include "wall/report.h"
 
 #include <cerrno>
 #include <cstring>
-#include <filesystem>
-#include <system_error>
-
-#include <fcntl.h>
-#include <sys/stat.h>
 
 namespace {
 
-std::filesystem::path printout_path;
+std::string printout_path;
 FileHandle print;
 
 void tell(const std::string& reason) {
     report({.text = "The printer's file cannot be written.",
-            .file = printout_path.string(),
+            .file = printout_path,
             .reason = reason,
             .remedy = "The printer is not ready until it is switched on again."});
 }
@@ -28,14 +25,11 @@ void tell(const std::string& reason) {
 /// To be appended to; empty when it cannot be. A pipe that nobody reads would hold up the program,
 /// so only files and devices are taken.
 FileHandle open_printout() {
-    constexpr mode_t OWNERS_CHOICE = 0666;
-    const int flags = O_WRONLY | O_CREAT | O_APPEND | O_NONBLOCK | O_CLOEXEC;
-    const int descriptor = open(printout_path.c_str(), flags, OWNERS_CHOICE);
+    FileHandle file = open_without_waiting(printout_path, "a");
     std::string reason = errno == ENXIO ? "is a pipe" : std::strerror(errno);
-    FileHandle file = stream_of(descriptor, "a");
-    struct stat status = {};
-    if (file && fstat(descriptor, &status) == 0) {
-        if (S_ISREG(status.st_mode) || S_ISCHR(status.st_mode)) return file;
+    const auto facts = file ? facts_of(file.get()) : std::nullopt;
+    if (facts) {
+        if (facts->kind != SystemFileFacts::Kind::other) return file;
         reason = "is neither a file nor a device";
     }
     tell(reason);
@@ -44,8 +38,7 @@ FileHandle open_printout() {
 
 void open_print() {
     if (print) return;
-    std::error_code ignored; // a directory that cannot be made shows when the file is opened
-    std::filesystem::create_directories(printout_path.parent_path(), ignored);
+    make_folders(folder_of(printout_path)); // a failure shows when the file is opened
     print = open_printout();
     // Each byte reaches the file at once, for whoever watches it.
     if (print) std::setvbuf(print.get(), nullptr, _IONBF, 0);
@@ -54,7 +47,7 @@ void open_print() {
 } // namespace
 
 void printer_set_filename(const std::string& directory) {
-    printout_path = std::filesystem::path(directory) / "printer.txt";
+    printout_path = path_in(directory, "printer.txt");
 }
 
 void printer_init() {

@@ -2,6 +2,7 @@
 
 #include "core/machine_events.h"
 #include "files/file_identity.h"
+#include "files/system_file.h"
 #include "media/files/cassette_sound.h"
 #include "media/tape_audio.h"
 #include "sound/wav_header.h"
@@ -14,8 +15,6 @@
 #include <cstring>
 #include <utility>
 #include <vector>
-
-#include <unistd.h>
 
 namespace {
 
@@ -35,14 +34,7 @@ Recording recording;
 
 /// Returns the bytes that reached the file.
 size_t write_at(uint64_t offset, const uint8_t* data, size_t bytes) {
-    size_t done = 0;
-    while (done < bytes) {
-        const ssize_t written =
-            pwrite(fileno(recording.file.get()), data + done, bytes - done, off_t(offset + done));
-        if (written <= 0) break;
-        done += size_t(written);
-    }
-    return done;
+    return write_at(recording.file.get(), offset, {data, bytes});
 }
 
 bool write_header(uint32_t rate) {
@@ -133,8 +125,7 @@ int tape_create_wav(const std::string& path, int rate) {
 
 size_t tape_sound_read(uint64_t offset, uint8_t* to, size_t bytes) {
     if (!played) return 0;
-    const ssize_t got = pread(fileno(played.get()), to, bytes, off_t(offset));
-    return got > 0 ? size_t(got) : 0;
+    return read_at(played.get(), offset, {to, bytes});
 }
 
 int tape_sound_write(uint64_t position, const uint8_t* samples, size_t count) {
@@ -146,7 +137,7 @@ int tape_sound_write(uint64_t position, const uint8_t* samples, size_t count) {
 }
 
 void tape_sound_end() {
-    if (recording.file) fdatasync(fileno(recording.file.get()));
+    if (recording.file) sync_contents(recording.file.get());
     recording = {};
     played.reset();
     played_file = {};

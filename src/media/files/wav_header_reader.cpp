@@ -1,9 +1,6 @@
+#include "files/system_file.h"
 #include "media/files/cassette_sound.h"
 #include "media/files/tape_sound_files.h"
-
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <array>
@@ -40,20 +37,16 @@ struct Source {
 
 /// Bytes read at `offset`; 0 at the end of the file and after an error.
 uint64_t read_at(const Source& source, uint64_t offset, uint8_t* to, uint64_t bytes) {
-    const ssize_t got = pread(fileno(source.file.get()), to, bytes, off_t(offset));
-    return got > 0 ? uint64_t(got) : 0;
+    return read_at(source.file.get(), offset, {to, bytes});
 }
 
 /// A file of the disk: nothing that a read could wait for, and nothing without a length.
 std::string open_regular(Source& source, const std::string& path, uint64_t* length) {
-    const int descriptor = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-    if (descriptor < 0) return std::strerror(errno);
-    source.file = stream_of(descriptor, "rb");
-    if (!source.file) return std::strerror(errno);
-    struct stat status {};
-    if (fstat(descriptor, &status) != 0) return std::strerror(errno);
-    if (!S_ISREG(status.st_mode)) return "not a file";
-    *length = uint64_t(status.st_size);
+    source.file = open_without_waiting(path, "rb");
+    const auto facts = source.file ? facts_of(source.file.get()) : std::nullopt;
+    if (!facts) return std::strerror(errno);
+    if (facts->kind != SystemFileFacts::Kind::regular) return "not a file";
+    *length = facts->size;
     return {};
 }
 

@@ -1,10 +1,10 @@
 #include "platform/headless/headless.h"
 
+#include "platform/headless/stop_signals.h"
 #include "platform/settings_file.h"
 
 #include <array>
 #include <chrono>
-#include <csignal>
 #include <deque>
 #include <thread>
 #include <utility>
@@ -14,8 +14,6 @@ namespace {
 constexpr int64_t NS_PER_SECOND = 1'000'000'000;
 constexpr int64_t NS_PER_MS = 1'000'000;
 constexpr int SIGNAL_STATUS = 128; ///< plus the signal: exit status of a program it has ended
-
-volatile std::sig_atomic_t stop_signal = 0;
 
 class HeadlessClock final : public Clock {
 public:
@@ -72,10 +70,7 @@ public:
     Event poll() override {
         answers_.deliver();
         // Given once; otherwise a loop that takes all waiting messages would never end.
-        if (const int signal = stop_signal) {
-            stop_signal = 0;
-            return quit_event(SIGNAL_STATUS + signal);
-        }
+        if (const int signal = take_stop_signal()) return quit_event(SIGNAL_STATUS + signal);
         if (waiting.empty()) return {};
         Event event = std::move(waiting.front());
         waiting.pop_front();
@@ -194,9 +189,4 @@ int HeadlessPlatform::frames_presented() const {
     return picture.copies + picture.stretches + state_->surface.presents;
 }
 
-void HeadlessPlatform::stop_on_signals() {
-    const auto stop = [](int signal) { stop_signal = signal; };
-    std::signal(SIGINT, stop);
-    std::signal(SIGTERM, stop);
-    std::signal(SIGHUP, stop);
-}
+void HeadlessPlatform::stop_on_signals() { watch_stop_signals(); }

@@ -1,10 +1,8 @@
 #include "sound/output/wav_capture.h"
 
-#include "files/file_handle.h"
+#include "files/system_file.h"
 #include "sound/sound_core.h"
 #include "sound/wav_header.h"
-
-#include <unistd.h>
 
 namespace {
 
@@ -32,7 +30,7 @@ void write_lengths() {
 
 /// Cuts off the part of a fragment that still went to a full disk, so that the file ends with a
 /// whole one.
-bool cut_to_whole_fragments() { return ftruncate(fileno(wav_file.get()), file_length) == 0; }
+bool cut_to_whole_fragments() { return set_length(wav_file.get(), file_length); }
 
 bool append(const uint8_t* data, uint32_t bytes) {
     if (uint64_t(file_length) + bytes > LONGEST_FILE) return false;

@@ -31,3 +31,7 @@ std::string executable_directory() {
     std::error_code error;
     return std::filesystem::read_symlink("/proc/self/exe", error).parent_path().string();
 }
+
+std::vector<std::string> program_arguments(int count, char** arguments) {
+    return {arguments + 1, arguments + count};
+}

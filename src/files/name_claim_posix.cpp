@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstddef>
-#include <utility>
 
 #include <sys/socket.h>
 #include <sys/un.h>
@@ -19,9 +18,10 @@ NameClaim::NameClaim(std::string_view name) {
     const size_t count = std::min(name.size(), size_t(std::end(address.sun_path) - end));
     const auto size = socklen_t(offsetof(sockaddr_un, sun_path) + 1 + OWNER.size() + count);
     std::copy_n(name.begin(), count, end);
-    socket_ = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
-    if (socket_ < 0) return;
-    if (bind(socket_, reinterpret_cast<const sockaddr*>(&address), size) == 0) {
+    const int number = socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    handle_ = number;
+    if (number < 0) return;
+    if (bind(number, reinterpret_cast<const sockaddr*>(&address), size) == 0) {
         result_ = Result::held;
     } else if (errno == EADDRINUSE) {
         result_ = Result::taken;
@@ -29,14 +29,5 @@ NameClaim::NameClaim(std::string_view name) {
 }
 
 NameClaim::~NameClaim() {
-    if (socket_ >= 0) close(socket_);
-}
-
-NameClaim::NameClaim(NameClaim&& other) noexcept
-    : socket_(std::exchange(other.socket_, -1)), result_(other.result_) {}
-
-NameClaim& NameClaim::operator=(NameClaim&& other) noexcept {
-    std::swap(socket_, other.socket_);
-    std::swap(result_, other.result_);
-    return *this;
+    if (handle_ >= 0) close(int(handle_));
 }
