@@ -1,6 +1,7 @@
 /// Picks the platform and starts the shell.
 
 #include "apps/program.h"
+#include "files/user_paths.h"
 #include "platform/win32/win32_platform.h"
 #include "platform/win32/win32_program.h"
 
@@ -14,9 +15,9 @@ int run_window(const CommandLine& line) {
 
 } // namespace
 
-int main() {
+int main(int argc, char** argv) {
     win32_attach_console();
-    const CommandLine line = read_command_line(win32_arguments());
+    const CommandLine line = read_command_line(program_arguments(argc, argv));
     if (print_information(line)) return 0;
     return line.headless ? run_headless(line) : run_window(line);
 }

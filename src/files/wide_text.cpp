@@ -3,6 +3,7 @@
 #include <windows.h>
 
 std::wstring wide(std::string_view text) {
+    if (text.empty()) return {};
     const int length = MultiByteToWideChar(CP_UTF8, 0, text.data(), int(text.size()), nullptr, 0);
     std::wstring result(size_t(length), L'\0');
     MultiByteToWideChar(CP_UTF8, 0, text.data(), int(text.size()), result.data(), length);
@@ -10,6 +11,7 @@ std::wstring wide(std::string_view text) {
 }
 
 std::string narrow(std::wstring_view text) {
+    if (text.empty()) return {};
     const int count = int(text.size());
     const int length =
         WideCharToMultiByte(CP_UTF8, 0, text.data(), count, nullptr, 0, nullptr, nullptr);

@@ -1,6 +1,7 @@
 #pragma once
 /// What the services of the Windows host share.
 
+#include "files/wide_text.h"
 #include "platform/events.h"
 #include "platform/geometry.h"
 #include "platform/win32/win32_windows.h"
@@ -39,7 +40,3 @@ struct Win32Context {
     Rectangle on_screen(const RECT& desktop_pixels) const;
     RECT on_desktop(const Rectangle& screen_points) const;
 };
-
-/// Between the layer's UTF-8 and the UTF-16 of Windows. What is not valid becomes U+FFFD.
-std::wstring wide(std::string_view text);
-std::string narrow(std::wstring_view text);

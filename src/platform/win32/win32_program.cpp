@@ -4,7 +4,6 @@
 
 #include <cstdio>
 
-#include <shellapi.h>
 
 namespace {
 
@@ -14,15 +13,6 @@ bool leads_somewhere(DWORD standard_handle) {
 }
 
 } // namespace
-
-std::vector<std::string> win32_arguments() {
-    int count = 0;
-    wchar_t** const words = CommandLineToArgvW(GetCommandLineW(), &count);
-    std::vector<std::string> arguments;
-    for (int n = 1; words && n < count; ++n) arguments.push_back(narrow(words[n]));
-    LocalFree(words);
-    return arguments;
-}
 
 void win32_attach_console() {
     const bool output = leads_somewhere(STD_OUTPUT_HANDLE);
