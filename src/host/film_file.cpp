@@ -1,5 +1,6 @@
 #include "host/film_file.h"
 
+#include "files/system_file.h"
 #include "host/dialogs/compression_dialog.h"
 #include "host/dialogs/hold.h"
 #include "platform/platform.h"
@@ -8,7 +9,6 @@
 
 #include <cerrno>
 #include <cstring>
-#include <filesystem>
 #include <utility>
 
 namespace {
@@ -28,11 +28,7 @@ FileHandle open_for_rewriting(const std::string& path) {
 
 /// Removes the file of a film that failed before anything was written.
 void remove_when_empty(const std::string& path) {
-    std::error_code error;
-    if (std::filesystem::is_regular_file(path, error) &&
-        std::filesystem::file_size(path, error) == 0) {
-        std::filesystem::remove(path, error);
-    }
+    if (is_plain_file(path) && size_of_file(path) == 0U) remove_file(path);
 }
 
 void tell_no_file(const std::string& path, const std::string& reason) {
