@@ -4,7 +4,6 @@
 
 #include <cstdio>
 
-
 namespace {
 
 bool leads_somewhere(DWORD standard_handle) {
