@@ -414,5 +414,5 @@ void Win32Form::place() {
         layout.place(buttons_, below);
     }
     layout.place(contents_, contents);
-    InvalidateRect(window_.window(), nullptr, TRUE);
+    RedrawWindow(window_.window(), nullptr, nullptr, RDW_INVALIDATE | RDW_ERASE | RDW_ALLCHILDREN);
 }
