@@ -7,9 +7,10 @@ namespace {
 
 constexpr int SMALLEST_PICTURE = 40; ///< percent, on a small screen
 constexpr int PICTURE_STEP = 5;
-constexpr int LEAST_LINES = 6; ///< of a part that scrolls
-constexpr int FIRST_ID = 100;  ///< of the windows of controls
-constexpr int TIP_WIDTH = 400; ///< points
+constexpr int LEAST_LINES = 6;     ///< of a part that scrolls
+constexpr int FIRST_ID = 100;      ///< of the windows of controls
+constexpr int TITLE_BUTTONS = 140; ///< points
+constexpr int TIP_WIDTH = 400;     ///< points
 
 bool has_text_view(const std::vector<FormControl>& controls) {
     return std::ranges::any_of(controls, [](const FormControl& control) {
@@ -340,6 +341,11 @@ void Win32Form::take_scale(double ratio) {
     SendMessageW(tips_, TTM_SETMAXTIPWIDTH, 0, scale_->pixels(TIP_WIDTH));
 }
 
+/// With what else the title bar has.
+int Win32Form::title_width() const {
+    return scale_->text_size(title_).width + scale_->pixels(TITLE_BUTTONS);
+}
+
 /// Small screens get more rows of buttons, and smaller pictures.
 void Win32Form::fit() {
     if (!is_open() && scale_->ratio() != context_.ratio) take_scale(context_.ratio);
@@ -358,6 +364,7 @@ void Win32Form::fit() {
         width = std::max(layout.wanted_width(contents_), layout.wanted_width(buttons_));
         if (width + GetSystemMetrics(SM_CXVSCROLL) <= room.width) break;
     }
+    width = std::max(width, std::min(room.width, title_width()));
     int height = 0;
     fit_height(layout, width, height, room.height);
     least_ = {std::max(least_.width, std::min(width, room.width) + margins),

@@ -69,6 +69,7 @@ private:
     Win32Control* control(int id) const;
     Win32Control* control_of(HWND window) const;
     void choose(Win32Control& chosen);
+    int title_width() const;
     void fit();
     void fit_height(const Win32FormLayout& layout, int& width, int& height, int room);
     void fit_again(const Win32Control& changed);
@@ -85,6 +86,7 @@ private:
     Win32Context& context_;
     Win32Keyboard* keyboard_;
     FormHandler handler_;
+    std::string title_;
     int tick_;
     std::unique_ptr<Win32FormScale> scale_;
     Win32FormWindow window_;
