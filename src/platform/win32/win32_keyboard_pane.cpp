@@ -9,6 +9,8 @@
 namespace {
 
 constexpr int LEAST_WIDTH = 340; ///< floating, in points
+constexpr UINT SIZED_TIMER = 1;
+constexpr UINT SIZED = 250; ///< ms without another size
 constexpr wchar_t CLASS[] = L"TarvelinKeyboard";
 constexpr wchar_t TITLE[] = L"Colour Genie keyboard";
 constexpr DWORD STYLE = WS_POPUP | WS_CAPTION | WS_SYSMENU | WS_THICKFRAME;
@@ -131,6 +133,7 @@ LRESULT Win32KeyboardPane::handle(HWND window, UINT message, WPARAM wide, LPARAM
     case WM_PAINT: paint(); return 0;
     case WM_SIZE: sized(); return 0;
     case WM_SIZING: keep_proportion(wide, *reinterpret_cast<RECT*>(detail)); return TRUE;
+    case WM_TIMER: restore_proportion(); return 0;
     case WM_GETMINMAXINFO:
         reinterpret_cast<MINMAXINFO*>(detail)->ptMinTrackSize.x = context_.pixels(LEAST_WIDTH);
         return 0;
@@ -166,12 +169,27 @@ void Win32KeyboardPane::keep_proportion(WPARAM edge, RECT& outer) const {
     }
 }
 
+/// Windows asks at each step of the user's; a window manager that sizes Wine's windows does not.
+/// Where it refuses, there is room around the keyboard.
+void Win32KeyboardPane::restore_proportion() {
+    KillTimer(window_, SIZED_TIMER);
+    const Size size = {area().width(), area().height()};
+    const int height = size.width * proportion_.height / proportion_.width;
+    const bool fits = std::abs(height - size.height) <= 1;
+    const bool refused = std::exchange(corrected_, fits ? Size{} : size) == size;
+    if (fits || refused) return;
+    const Size frame = frame_size();
+    SetWindowPos(window_, nullptr, 0, 0, size.width + frame.width, height + frame.height,
+                 SWP_NOMOVE | SWP_NOACTIVATE | SWP_NOZORDER);
+}
+
 void Win32KeyboardPane::sized() {
     if (place_ != KeyboardPlace::floating || !window_) return;
     RECT client;
     GetClientRect(window_, &client);
     if (!place(from_windows(client))) return;
     InvalidateRect(window_, nullptr, FALSE);
+    SetTimer(window_, SIZED_TIMER, SIZED, nullptr);
     if (context_.sink && !is_empty(area())) context_.sink->paint(PaneId::keyboard);
 }
 

@@ -33,6 +33,7 @@ private:
     void float_at(const Rectangle& wanted);
     void keep_proportion(WPARAM edge, RECT& outer) const;
     Size frame_size() const;
+    void restore_proportion();
     void paint();
     void sized();
 
@@ -42,5 +43,6 @@ private:
     KeyboardPlace place_ = KeyboardPlace::hidden;
     int docked_height_ = 0; ///< points
     Size proportion_ = {1, 1};
+    Size corrected_; ///< the size that was to become another; empty while the proportion fits
     int closed_ = 0;
 };

@@ -5,15 +5,19 @@
 #include <ddraw.h>
 
 #include <cstdio>
+#include <utility>
+#include <vector>
 
 struct Win32Surface::DirectDraw {
     Win32Library library{L"ddraw.dll"};
     decltype(&DirectDrawCreate) create = nullptr;
     ComPointer<IDirectDraw> draw;
     ComPointer<IDirectDrawSurface> primary, back;
+    ComPointer<IDirectDrawClipper> clipper;
     Size size; ///< of the back surface
     HWND window = nullptr;
-    bool is_smooth = false; ///< how it stretches
+    HWND bound_to = nullptr; ///< the window, or none under Wine
+    bool is_smooth = false;  ///< how it stretches
 
     DirectDraw() { library.find("DirectDrawCreate", create); }
 
@@ -21,6 +25,8 @@ struct Win32Surface::DirectDraw {
     std::string start(HWND main, Size picture);
     void stop();
     bool create_primary();
+    bool create_clipper();
+    void clip_to_window();
     bool create_back();
     bool finds_smooth();
     bool fill_back(const BitmapView& picture);
@@ -28,6 +34,13 @@ struct Win32Surface::DirectDraw {
 };
 
 namespace {
+
+/// Wine lays a window of its own over one that DirectDraw is bound to, and takes it away only
+/// together with that: the status bar would not be seen again.
+bool is_wine() {
+    void (*version)() = nullptr;
+    return Win32Library(L"ntdll.dll").find("wine_get_version", version);
+}
 
 DDSURFACEDESC surface_description(DWORD flags, DWORD capabilities) {
     DDSURFACEDESC description = {};
@@ -79,6 +92,31 @@ bool Win32Surface::DirectDraw::create_primary() {
                           primary);
 }
 
+/// Bound to the window where one can be.
+bool Win32Surface::DirectDraw::create_clipper() {
+    if (FAILED(draw->CreateClipper(0, ComResult(clipper), nullptr))) return false;
+    if (bound_to) {
+        clipper->SetHWnd(0, bound_to);
+    } else {
+        clip_to_window();
+    }
+    primary->SetClipper(clipper.get());
+    return true;
+}
+
+/// To what is seen of it at the moment.
+void Win32Surface::DirectDraw::clip_to_window() {
+    const HDC dc = ::GetDC(window);
+    const HRGN seen = CreateRectRgn(0, 0, 0, 0);
+    GetRandomRgn(dc, seen, SYSRGN); // in coordinates of the screen
+    std::vector<uint8_t> bytes(GetRegionData(seen, 0, nullptr));
+    auto* const list = reinterpret_cast<RGNDATA*>(bytes.data());
+    GetRegionData(seen, DWORD(bytes.size()), list);
+    clipper->SetClipList(list, 0);
+    DeleteObject(seen);
+    ::ReleaseDC(window, dc);
+}
+
 bool Win32Surface::DirectDraw::create_back() {
     DDSURFACEDESC description =
         surface_description(DDSD_WIDTH | DDSD_HEIGHT, DDSCAPS_OFFSCREENPLAIN);
@@ -91,16 +129,14 @@ std::string Win32Surface::DirectDraw::start(HWND main, Size picture) {
     stop();
     if (!create) return NO_DIRECT_DRAW;
     window = main;
+    bound_to = is_wine() ? nullptr : main;
     size = picture;
     if (FAILED(create(nullptr, ComResult(draw), nullptr))) return "DirectDrawCreate FAILED";
-    if (FAILED(draw->SetCooperativeLevel(window, DDSCL_NORMAL))) {
+    if (FAILED(draw->SetCooperativeLevel(bound_to, DDSCL_NORMAL))) {
         return "SetCooperativeLevel FAILED";
     }
     if (!create_primary()) return "CreateSurface (primary) FAILED";
-    ComPointer<IDirectDrawClipper> clipper;
-    if (FAILED(draw->CreateClipper(0, ComResult(clipper), nullptr))) return "CreateClipper FAILED";
-    clipper->SetHWnd(0, window);
-    primary->SetClipper(clipper.get());
+    if (!create_clipper()) return "CreateClipper FAILED";
     if (!create_back()) return "CreateSurface (back) FAILED";
     is_smooth = finds_smooth();
     return {};
@@ -130,7 +166,8 @@ bool Win32Surface::DirectDraw::finds_smooth() {
 void Win32Surface::DirectDraw::stop() {
     back.reset();
     primary.reset();
-    if (draw) draw->SetCooperativeLevel(window, DDSCL_NORMAL);
+    clipper.reset();
+    if (draw) draw->SetCooperativeLevel(bound_to, DDSCL_NORMAL);
     draw.reset();
 }
 
@@ -147,6 +184,7 @@ bool Win32Surface::DirectDraw::fill_back(const BitmapView& picture) {
 
 /// A surface that was lost, as to another program, is there again for the next picture.
 void Win32Surface::DirectDraw::present(const RECT& target, Size source, bool clear) {
+    if (!bound_to) clip_to_window();
     if (clear) {
         DDBLTFX black = {};
         black.dwSize = sizeof black;
