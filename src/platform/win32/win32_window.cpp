@@ -315,7 +315,8 @@ void Win32Window::show_cursor(bool on) {
     cursor_ = on;
     POINT pointer;
     if (!GetCursorPos(&pointer) || WindowFromPoint(pointer) != context_.window) return;
-    SetCursorPos(int(pointer.x), int(pointer.y)); // Windows asks for the cursor of its place
+    SendMessageW(context_.window, WM_SETCURSOR, WPARAM(context_.window),
+                 MAKELPARAM(HTCLIENT, WM_MOUSEMOVE));
 }
 
 void Win32Window::set_menu(const std::vector<MenuEntry>& menus) {
