@@ -134,6 +134,7 @@ FormNode Win32Form::make(const FormControl& described, HWND parent, Naming& nami
     Win32Control& control = enter(make_win32_control(described, parent, *this, !goes_on));
     node.control = &control;
     if (!described.tip.empty()) set_tip(control.window(), described.tip);
+    if (!described.name.empty()) set_spoken_name(control.window(), described.name);
     if (described.kind == ControlKind::label) naming = {&control, spoken_text(described.text)};
     if (described.kind == ControlKind::group) {
         Naming inner{nullptr, spoken_text(described.text)};
