@@ -78,8 +78,8 @@ private:
     HWND add(const wchar_t* window_class, const std::string& text, DWORD style, DWORD extended,
              int id);
     HWND dialog() const { return GetParent(child_); }
-    /// Of a control of Windows', in the panel; empty when the dialog lacks it.
-    RECT place_of(int id) const;
+    /// Of the list of files, in the panel; empty when the dialog lacks it.
+    RECT list_place() const;
     void keep_texts();
 
     const FileDialog& dialog_;
@@ -114,8 +114,8 @@ UINT_PTR FilePanel::obey(UINT message, LPARAM lparam) {
             show_preview();
             focus_name();
             return 0;
-        case CDN_SELCHANGE:
-        case CDN_FOLDERCHANGE: show_preview(); return 0;
+        case CDN_FOLDERCHANGE: PostMessageW(child_, ARRANGE, 0, 0); [[fallthrough]];
+        case CDN_SELCHANGE: show_preview(); return 0;
         default: return 0;
         }
     default: return 0;
@@ -160,10 +160,11 @@ void FilePanel::focus_name() {
     }
 }
 
-RECT FilePanel::place_of(int id) const {
+RECT FilePanel::list_place() const {
+    HWND list = FindWindowExW(dialog(), nullptr, L"SHELLDLL_DefView", nullptr);
+    if (!list) list = GetDlgItem(dialog(), lst1); // stands in for it at first
     RECT place{};
-    const HWND window = GetDlgItem(dialog(), id);
-    if (!window || !GetWindowRect(window, &place)) return {};
+    if (!list || !GetWindowRect(list, &place)) return {};
     MapWindowPoints(nullptr, child_, reinterpret_cast<POINT*>(&place), 2);
     return place;
 }
@@ -175,7 +176,7 @@ void FilePanel::arrange() {
     MapWindowPoints(nullptr, child_, reinterpret_cast<POINT*>(&own), 2);
     const int gap = scale_.pixels(7);
     if (preview_) {
-        const RECT list = place_of(lst1);
+        const RECT list = list_place();
         const RECT beside = list.bottom > list.top ? list : own;
         const int left = int(beside.right) + gap;
         MoveWindow(preview_, left, int(beside.top), int(all.right) - gap - left,
