@@ -187,7 +187,8 @@ void Win32KeyboardPane::sized() {
     if (place_ != KeyboardPlace::floating || !window_) return;
     RECT client;
     GetClientRect(window_, &client);
-    if (!place(from_windows(client))) return;
+    const Size points = {context_.points(int(client.right)), context_.points(int(client.bottom))};
+    if (!place(from_windows(client), points)) return;
     InvalidateRect(window_, nullptr, FALSE);
     SetTimer(window_, SIZED_TIMER, SIZED, nullptr);
     if (context_.sink && !is_empty(area())) context_.sink->paint(PaneId::keyboard);

@@ -30,10 +30,12 @@ const Win32CellFont& Win32Overlay::font() {
     return large_font_;
 }
 
-Rectangle Win32Overlay::place_in(Size room) {
-    room_height_ = context_.points(room.height);
+void Win32Overlay::place_in(Size room_pixels, Size room) {
+    room_height_ = room.height;
     const int row = cell_size().height;
-    return {0, 0, room.width, std::min(context_.pixels(rows_ * row + row), room.height)};
+    const int height = std::min(rows_ * row + row, room.height);
+    place({0, 0, room_pixels.width, std::min(context_.pixels(height), room_pixels.height)},
+          {room.width, height});
 }
 
 void Win32Overlay::set_message(const std::string& /*text*/, int rows) {

@@ -6,8 +6,8 @@ class Win32Overlay final : public Win32Pane {
 public:
     using Win32Pane::Win32Pane;
 
-    /// Its place in an area of this size.
-    Rectangle place_in(Size room);
+    /// Takes its place in an area of this size.
+    void place_in(Size room_pixels, Size room);
     /// Who moves it when it needs another height.
     void set_grown(std::function<void()> grown) { grown_ = std::move(grown); }
     /// Shows a part of it, seen through it what is behind, which begins at the same place.

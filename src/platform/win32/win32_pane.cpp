@@ -62,17 +62,18 @@ void Win32CellFont::measure(double ratio) {
 // ---- places ------------------------------------------------------------------------------------
 
 Rectangle Win32Pane::in_pixels(const Rectangle& points) const {
+    // The last point reaches to the edge, wherever rounding has put that.
     return {context_.pixels(points.left), context_.pixels(points.top),
-            context_.pixels(points.right), context_.pixels(points.bottom)};
+            points.right == points_.width ? area_.width() : context_.pixels(points.right),
+            points.bottom == points_.height ? area_.height() : context_.pixels(points.bottom)};
 }
 
-bool Win32Pane::place(const Rectangle& area) {
+bool Win32Pane::place(const Rectangle& area, Size points) {
     const Size before = {area_.width(), area_.height()};
     area_ = area;
+    points_ = points;
     return before != Size{area.width(), area.height()};
 }
-
-Size Win32Pane::size() { return {context_.points(area_.width()), context_.points(area_.height())}; }
 
 void Win32Pane::show(bool on) {
     if (std::exchange(shown_, on) != on) announce({0, 0, area_.width(), area_.height()});

@@ -43,9 +43,10 @@ public:
     void set_changed(std::function<void(const Rectangle&)> changed) {
         changed_ = std::move(changed);
     }
-    /// Where it is in its window, in pixels. A pane of another size starts black. True when it has
-    /// become another.
-    bool place(const Rectangle& area);
+    /// Where it is in its window, in pixels, and its size in points: what these were rounded from
+    /// is known to the caller. A pane of another size starts black. True when it has become
+    /// another.
+    bool place(const Rectangle& area, Size points);
     const Rectangle& area() const { return area_; }
     bool is_shown() const { return shown_; }
     bool is_drawn_at(Size pixels) const { return drawing_.size() == pixels; }
@@ -60,7 +61,7 @@ public:
     /// Black again.
     void clear();
 
-    Size size() override;
+    Size size() override { return points_; }
     double scale() override { return context_.ratio; }
     void show(bool on) override;
     void copy_bitmap(const BitmapView& picture, int x, int y) override;
@@ -99,6 +100,7 @@ private:
 
     std::function<void(const Rectangle&)> changed_;
     Rectangle area_;
+    Size points_;
     bool shown_ = false;
     Win32Canvas drawing_;
     Win32CellFont font_;

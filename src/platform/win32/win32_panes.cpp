@@ -43,10 +43,11 @@ bool is_finger(WPARAM wide) {
 
 } // namespace
 
-Rectangle Win32FilmBar::place_in(Size room) {
+void Win32FilmBar::place_in(Size room_pixels, Size room) {
     const int text = cell_size().height;
-    const int lines = text + std::max(text, LEAST_TRACK) + 3 * MARGIN;
-    return {0, std::max(room.height - context_.pixels(lines), 0), room.width, room.height};
+    const int lines = std::min(text + std::max(text, LEAST_TRACK) + 3 * MARGIN, room.height);
+    const int top = std::max(room_pixels.height - context_.pixels(lines), 0);
+    place({0, top, room_pixels.width, room_pixels.height}, {room.width, lines});
 }
 
 Win32Panes::Win32Panes(Win32Context& context)
@@ -93,17 +94,27 @@ void Win32Panes::invalidate(PaneId id, const Rectangle& pixels) {
     InvalidateRect(window, &part, FALSE);
 }
 
+Size Win32Panes::room_pixels() const {
+    return {client_.width, std::max(client_.height - bar_ - docked_pixels(), 0)};
+}
+
+/// What the program has asked for: each of these was rounded by itself, and so is not what the
+/// pixels that are left would give.
 Size Win32Panes::room() const {
-    return {client_.width, std::max(client_.height - docked_pixels(), 0)};
+    const int docked = context_.points(bar_) + context_.points(docked_pixels());
+    return {context_.points(client_.width), std::max(context_.points(client_.height) - docked, 0)};
 }
 
 /// Film bar and overlay follow their fonts, too.
 void Win32Panes::place_strips() {
     for (const PaneId id : {PaneId::film_bar, PaneId::overlay}) {
-        const bool is_film_bar = id == PaneId::film_bar;
         const Rectangle before = panes_[size_t(id)]->area();
-        const Rectangle now = is_film_bar ? film_bar_.place_in(room()) : overlay_.place_in(room());
-        panes_[size_t(id)]->place(now);
+        if (id == PaneId::film_bar) {
+            film_bar_.place_in(room_pixels(), room());
+        } else {
+            overlay_.place_in(room_pixels(), room());
+        }
+        const Rectangle now = panes_[size_t(id)]->area();
         if (now == before || !is_seen(id) || !context_.window) continue;
         const RECT area = to_windows(before);
         InvalidateRect(context_.window, &area, FALSE);
@@ -116,15 +127,17 @@ void Win32Panes::draw_again(PaneId id) {
 }
 
 void Win32Panes::lay_out(Size client_pixels, int bar_pixels) {
-    client_ = {std::max(client_pixels.width, 0), std::max(client_pixels.height - bar_pixels, 0)};
+    client_ = {std::max(client_pixels.width, 0), std::max(client_pixels.height, 0)};
+    bar_ = bar_pixels;
     const bool other_scale = std::exchange(ratio_, context_.ratio) != context_.ratio;
-    const Size area = room();
+    const Size area = room_pixels();
     const Rectangle all = {0, 0, area.width, area.height};
-    const bool docked = docked_pixels() > 0;
-    const Rectangle keys = {0, area.height, area.width, area.height + docked_pixels()};
-    const bool other_keys = docked && keyboard_.place(keys);
-    monitor_.place(all);
-    const bool other_room = picture_.place(all) || other_scale;
+    const int docked = docked_pixels();
+    const bool other_keys =
+        docked > 0 && keyboard_.place({0, area.height, area.width, area.height + docked},
+                                      {room().width, context_.points(docked)});
+    monitor_.place(all, room());
+    const bool other_room = picture_.place(all, room()) || other_scale;
     place_strips();
     if (context_.window) InvalidateRect(context_.window, nullptr, FALSE);
     if (is_empty(all)) return; // iconic: the drawings stay of no use
@@ -141,7 +154,7 @@ void Win32Panes::paint(HDC dc, const RECT& part) {
     const Rectangle all = from_windows(part);
     Win32Canvas& behind = front().drawing();
     int top = 0;
-    int bottom = room().height;
+    int bottom = room_pixels().height;
     if (overlay_.is_shown()) {
         overlay_.show_over(behind, dc, all);
         top = overlay_.area().bottom;
@@ -164,7 +177,7 @@ void Win32Panes::paint(HDC dc, const RECT& part) {
 void Win32Panes::place_keyboard(KeyboardPlace place, const Rectangle& wanted, int closed) {
     const int before = docked_pixels();
     keyboard_.put(place, wanted, closed);
-    if (docked_pixels() != before) lay_out(client_, 0);
+    if (docked_pixels() != before) lay_out(client_, bar_);
 }
 
 // ---- the pointer -------------------------------------------------------------------------------

@@ -13,8 +13,8 @@
 class Win32FilmBar final : public Win32Pane {
 public:
     using Win32Pane::Win32Pane;
-    /// Its place in an area of this size.
-    Rectangle place_in(Size room);
+    /// Takes its place in an area of this size.
+    void place_in(Size room_pixels, Size room);
 };
 
 /// The client area of the main window, without the status bar: its panes, and the pointer in them.
@@ -55,6 +55,7 @@ private:
     Win32Pane& front() { return *panes_[size_t(front_id())]; }
     bool is_seen(PaneId id) const;
     void invalidate(PaneId id, const Rectangle& pixels);
+    Size room_pixels() const;
     Size room() const;
     void place_strips();
     void draw_again(PaneId id);
@@ -73,7 +74,8 @@ private:
     Win32KeyboardPane keyboard_;
     const std::array<Win32Pane*, PANES> panes_ = {&picture_, &monitor_, &film_bar_, &overlay_,
                                                   &keyboard_};
-    Size client_; ///< pixels, without the status bar
+    Size client_; ///< pixels
+    int bar_ = 0; ///< likewise
     double ratio_ = 0;
     PaneId held_ = PaneId::picture; ///< in which a button of the mouse went down
     bool holds_ = false;
