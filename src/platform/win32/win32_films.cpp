@@ -1,5 +1,7 @@
 #include "platform/win32/win32_films.h"
 
+#include "platform/win32/win32_modal.h"
+
 #include <cstdio>
 #include <utility>
 #include <vector>
@@ -7,6 +9,7 @@
 namespace {
 
 constexpr LONG AT_THE_END = -1;
+constexpr UINT DIALOG_PARTS = ICMF_CHOOSE_KEYFRAME | ICMF_CHOOSE_DATARATE;
 
 constexpr std::pair<HRESULT, const char*> RESULTS[] = {
     {AVIERR_BADFORMAT, "the format is not supported"},
@@ -65,6 +68,7 @@ bool Win32Films::available() {
            library_->find("AVISaveOptionsFree", avi_.free_options) &&
            library_->find("AVIMakeCompressedStream", avi_.make_compressed) &&
            library_->find("AVIStreamSetFormat", avi_.set_format) &&
+           library_->find("AVIStreamInfoW", avi_.info) &&
            library_->find("AVIStreamWrite", avi_.write) &&
            library_->find("AVIStreamRelease", avi_.release_stream);
 }
@@ -90,10 +94,10 @@ void Win32Films::choose_compression(const FilmPictures& pictures, std::function<
     IAVIFile* file = nullptr;
     bool chosen = false;
     if (worked(avi_.open(&file, path.c_str(), OF_CREATE | OF_WRITE, nullptr))) {
-        LPAVICOMPRESSOPTIONS options = &options_;
         if (create_raw_stream(file, pictures)) {
-            chosen = avi_.save_options(context_.window, ICMF_CHOOSE_KEYFRAME | ICMF_CHOOSE_DATARATE,
-                                       1, &raw_, &options) != FALSE;
+            const Win32ModalScope scope(context_);
+            LPAVICOMPRESSOPTIONS options = &options_;
+            chosen = avi_.save_options(context_.front(), DIALOG_PARTS, 1, &raw_, &options) != FALSE;
             if (!chosen) result_ = AVIERR_USERABORT;
         }
         release(raw_);
@@ -124,26 +128,31 @@ bool Win32Films::create_sound(const FilmSound& sound) {
     info.dwScale = 1;
     info.dwRate = sound.rate;
     info.dwSuggestedBufferSize = sound.buffer;
-    if (worked(avi_.create_stream(file_, &sound_, &info)) && set_format(sound_, sound.format)) {
+    if (worked(avi_.create_stream(file_, &sound_, &info)) && set_format(sound_, sound.format) &&
+        worked(avi_.info(sound_, &info, sizeof info))) {
+        sample_bytes_ = info.dwSampleSize;
         return true;
     }
     release(sound_);
     return false;
 }
 
-bool Win32Films::append(IAVIStream* stream, LONG place, std::span<const uint8_t> data) {
+bool Win32Films::write(IAVIStream* stream, LONG place, LONG samples,
+                       std::span<const uint8_t> data) {
     if (!stream) return false;
     std::vector<uint8_t> copy(data.begin(), data.end());
-    return worked(avi_.write(stream, place, 1, copy.data(), LONG(copy.size()), AVIIF_KEYFRAME,
+    return worked(avi_.write(stream, place, samples, copy.data(), LONG(copy.size()), AVIIF_KEYFRAME,
                              nullptr, nullptr));
 }
 
 bool Win32Films::write_picture(uint32_t number, std::span<const uint8_t> picture) {
-    return append(compressed_, LONG(number), picture);
+    return write(compressed_, LONG(number), 1, picture);
 }
 
+/// Whether the library counts a sound's chunks or samples is its own decision.
 bool Win32Films::write_sound(std::span<const uint8_t> sound) {
-    return append(sound_, AT_THE_END, sound);
+    const LONG samples = sample_bytes_ ? LONG(sound.size() / sample_bytes_) : 1;
+    return write(sound_, AT_THE_END, samples, sound);
 }
 
 void Win32Films::release(IAVIStream*& stream) {

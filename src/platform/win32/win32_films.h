@@ -42,6 +42,7 @@ private:
         decltype(&AVISaveOptionsFree) free_options;
         decltype(&AVIMakeCompressedStream) make_compressed;
         decltype(&AVIStreamSetFormat) set_format;
+        decltype(&AVIStreamInfoW) info;
         decltype(&AVIStreamWrite) write;
         decltype(&AVIStreamRelease) release_stream;
     };
@@ -49,7 +50,7 @@ private:
     bool worked(HRESULT result);
     bool create_raw_stream(IAVIFile* file, const FilmPictures& pictures);
     bool set_format(IAVIStream* stream, std::span<const uint8_t> format);
-    bool append(IAVIStream* stream, LONG place, std::span<const uint8_t> data);
+    bool write(IAVIStream* stream, LONG place, LONG samples, std::span<const uint8_t> data);
     void release(IAVIStream*& stream);
 
     Win32Context& context_;
@@ -62,4 +63,5 @@ private:
     IAVIStream* raw_ = nullptr;
     IAVIStream* compressed_ = nullptr;
     IAVIStream* sound_ = nullptr;
+    DWORD sample_bytes_ = 0; ///< of the sound; 0: the library counts chunks
 };
