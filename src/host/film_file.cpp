@@ -144,7 +144,7 @@ std::unique_ptr<FilmFile> create_library_film(Films& library, const std::string&
     }
     const std::string problem = library.error();
     film.reset();
-    if (opened) remove_file(path); // has headers and nothing to see
+    if (opened && is_plain_file(path)) remove_file(path); // has headers and nothing to see
     remove_when_empty(path);
     if (!opened) tell_no_file(path, problem);
     if (opened) tell_no_pictures(path, problem);
