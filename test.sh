@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds everything and runs every test, then once more under the sanitizers, then the checks of
-# format and code. Ends with the first failure.
+# Builds everything, also for Windows, checks format and code, and runs the tests under the sanitizers,
+# as they are, and under Wine. Ends with the first failure.
 set -euo pipefail
 cd "$(dirname "$0")"
 
@@ -16,6 +16,10 @@ step "sanitizer build"
 cmake --preset sanitize >/dev/null
 cmake --build build/sanitize
 
+step "build for Windows"
+cmake --preset windows -DBUILD_TESTING=OFF >/dev/null
+cmake --build build/windows --target package
+
 step "layers, format and lint"
 scripts/lint.sh
 
@@ -24,3 +28,8 @@ ctest --preset sanitize
 
 step "tests"
 ctest --preset release
+
+step "tests under Wine"
+tests/windows/window_test.sh build/windows/src/tarvelin.exe build/release/src/tarvelin-headless \
+    build/windows/examples
+tests/windows/setup_test.sh build/windows
