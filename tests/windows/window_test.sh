@@ -68,7 +68,33 @@ ffmpeg -loglevel error -f x11grab -video_size 1280x1024 -draw_mouse 0 -i "$DISPL
 "$tests/look.py" picture screen.ppm file.ppm
 xdotool key Pause
 
+# Full screen and back, and a snapshot by the dialog for files.
+size() { xdotool getwindowgeometry "$window" | awk '/Geometry/ {print $2}'; }
+normal=$(size)
+xdotool key alt+Return
+becomes "full screen" 1280x1024 size
+xdotool key alt+Return
+becomes "back from full screen" "$normal" size
+xdotool key alt+f sleep 0.1 key v
+xdotool windowfocus --sync "$(find_window '^Save emulator snapshot')" type --delay 30 saved
+xdotool key Return
+wait_for saved.jzs
+[[ $(head -c 4 saved.jzs) == JZ01 ]] || fail "no snapshot was saved"
+
 while IFS= read -r line; do
     # shellcheck disable=SC2086
     [[ $line == \#* ]] || opens $line
 done <"$tests/dialogs.txt"
+
+# A program is typed, and saved to a disk whose name is beyond ASCII; it is in the file after the question.
+kill "$program_pid"
+wait "$program_pid" 2>/dev/null || true
+settings 'ActiveConfig = 4' 'CustomRomExpansion = 0' 'KeyMapping = 1'
+cp "$examples/bootdisk.dsk" Übung.dsk
+start_program "$PWD/Übung.dsk"
+shows READY Übung || fail "the disk did not start"
+xdotool type --delay 120 'save"a"'
+xdotool key Return sleep 2 key alt+F4
+xdotool windowfocus --sync "$(find_window '^Warning$')" key alt+y
+wait "$program_pid" || fail "the exit code is $?: $(cat program.log)"
+grep -q 'A          ' Übung.dsk || fail "the program is not on the disk"
