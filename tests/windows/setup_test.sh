@@ -27,7 +27,7 @@ what_there_is >before
 cpack --config "$build/CPackConfig.cmake" -G NSIS -B "$work/package" >cpack.log || fail "$(cat cpack.log)"
 for round in first again; do "$wine" package/Tarvelin-*-Setup.exe /S || fail "$round: $?"; done
 [[ -s $home/Roaming/Microsoft/Windows/Start\ Menu/Programs/Tarvelin/Tarvelin.lnk ]] || fail "no start menu"
-[[ $("$wine" "$folder/tarvelin.exe" --version) == "tarvelin "* ]] || fail "it does not start"
+[[ $("$wine" "$folder/tarvelin.exe" --version) == "Tarvelin "* ]] || fail "it does not start"
 # A build folder has no such place: the examples of an installation are beside the program.
 [[ -s $folder/examples/bounce.cmd && -s $folder/doc/windows.html ]] || fail "examples or manual are missing"
 [[ $(value "$classes\\.cas" /ve) == Tarvelin.Cassette ]] || fail ".cas: $(value "$classes\\.cas" /ve)"
