@@ -13,7 +13,8 @@ target_include_directories(zlib_static SYSTEM PUBLIC ${sources}/zlib)
 add_library(ZLIB::ZLIB ALIAS zlib_static)
 
 set(MINIZIP_INCLUDE ${sources}/minizip)
-add_library(minizip_static STATIC ${MINIZIP_INCLUDE}/unzip.c ${MINIZIP_INCLUDE}/ioapi.c)
+add_library(minizip_static STATIC ${MINIZIP_INCLUDE}/unzip.c ${MINIZIP_INCLUDE}/zip.c
+                                  ${MINIZIP_INCLUDE}/ioapi.c)
 target_compile_definitions(minizip_static PUBLIC NOCRYPT NOUNCRYPT)
 target_compile_options(minizip_static PRIVATE -w)
 target_include_directories(minizip_static SYSTEM PUBLIC ${MINIZIP_INCLUDE})

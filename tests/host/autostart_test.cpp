@@ -12,14 +12,13 @@
 #include "media/tape.h"
 #include "media/traps.h"
 #include "support/host_files.h"
+#include "support/posix.h"
 #include "support/typed_text.h"
 #include "wall/machine_host.h"
 #include "z80/z80.h"
 
 #include <algorithm>
 #include <cstdlib>
-
-#include <sys/stat.h>
 
 namespace {
 

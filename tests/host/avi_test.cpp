@@ -12,16 +12,13 @@
 #include "sound/sound_core.h"
 #include "support/full_disk.h"
 #include "support/host_files.h"
+#include "support/posix.h"
 #include "support/riff.h"
 #include "wall/machine_host.h"
 
-#include <csignal>
 #include <cstdlib>
 #include <map>
 #include <random>
-
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace {
 

@@ -14,18 +14,16 @@
 #include "media/disk_system.h"
 #include "media/traps.h"
 #include "media/wd1771.h"
+#include "support/posix.h"
 #include "z80/z80.h"
 
 #include <algorithm>
 #include <array>
-#include <csignal>
 #include <cstdlib>
 #include <random>
 #include <set>
 
 #include <sys/mman.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace {
 

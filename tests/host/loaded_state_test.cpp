@@ -94,7 +94,7 @@ TEST_F(LoadedStateTest, DrivesHaveItsFiles) {
     unpark_machine(empty);
     EXPECT_EQ(text_of(0), "Drive :&0 - <no disk>");
     unpark_machine(early);
-    const std::string a = std::filesystem::absolute("a.dsk");
+    const std::string a = std::filesystem::absolute("a.dsk").string();
     EXPECT_EQ(text_of(0) + text_of(1), "Drive :&0 - " + a + "Drive :&1 - <no disk>");
     EXPECT_TRUE(was_told("rescue/a.dsk"));
     EXPECT_EQ(read_file("data/rescue/a.dsk").back(), 0x9A) << "what was written later";

@@ -12,6 +12,7 @@
 #include "media/tape.h"
 #include "media/tape_audio.h"
 #include "sound/wav_header.h"
+#include "support/posix.h"
 #include "support/typed_text.h"
 
 #include <zip.h>

@@ -8,11 +8,9 @@
 #include "host/state_files.h"
 #include "host/whole_program.h"
 #include "media/wd1771.h"
+#include "support/posix.h"
 
 #include <fstream>
-
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace {
 

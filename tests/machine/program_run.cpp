@@ -71,6 +71,8 @@ ProgramResult run_program(const std::vector<std::string>& words,
 ProgramResult run_tarvelin(const std::vector<std::string>& arguments,
                            const std::filesystem::path& directory) {
     std::vector<std::string> words = {TARVELIN_PROGRAM, "--headless"};
+    const char* const starter = std::getenv("TARVELIN_STARTER"); // of another build's program
+    if (starter) words = {starter, std::getenv("TARVELIN_STARTED"), "--headless"};
     words.insert(words.end(), arguments.begin(), arguments.end());
     return run_program(words, directory);
 }

@@ -3,10 +3,10 @@
 #include "files/whole_file.h"
 #include "platform/headless/headless.h"
 #include "support/fake_host.h"
+#include "support/posix.h"
 #include "support/test_files.h"
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <array>
 

@@ -6,14 +6,13 @@
 #include "sound/ym2149.h"
 #include "support/fake_host.h"
 #include "support/full_disk.h"
+#include "support/posix.h"
 #include "support/test_files.h"
 #include "z80/z80.h"
 
 #include <gtest/gtest.h>
 
 #include <functional>
-
-#include <sys/stat.h>
 
 namespace {
 

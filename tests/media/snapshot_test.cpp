@@ -96,13 +96,13 @@ TEST_F(Snapshot, RefusedFilesChangeNothing) {
         expect_same(before, "size " + std::to_string(size));
     }
     const Machine before;
-    EXPECT_EQ(snapshot_load((folder / "missing").c_str(), memory_get_ram()), 0);
-    EXPECT_EQ(snapshot_load(folder.path().c_str(), memory_get_ram()), 0) << "a directory";
+    EXPECT_EQ(snapshot_load((folder / "missing").string().c_str(), memory_get_ram()), 0);
+    EXPECT_EQ(snapshot_load(folder.path().string().c_str(), memory_get_ram()), 0) << "a directory";
     expect_same(before, "no file");
 }
 
 TEST_F(Snapshot, SavingReportsWhatCannotBeWritten) {
-    EXPECT_EQ(snapshot_save((folder / "no/such/folder.jzs").c_str(), memory_get_ram()), 0);
+    EXPECT_EQ(snapshot_save((folder / "no/such/folder.jzs").string().c_str(), memory_get_ram()), 0);
     std::FILE* full = std::fopen("/dev/full", "wb");
     if (!full) GTEST_SKIP() << "no device that is always full";
     std::fclose(full);

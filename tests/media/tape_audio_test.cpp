@@ -6,12 +6,11 @@
 #include "sound/beeper.h"
 #include "support/fake_host.h"
 #include "support/full_disk.h"
+#include "support/posix.h"
 #include "support/test_files.h"
 #include "z80/z80.h"
 
 #include <gtest/gtest.h>
-
-#include <sys/resource.h>
 
 #include <cmath>
 #include <cstring>
@@ -332,7 +331,7 @@ TEST_F(TapeAudioTest, KnowsManyLayouts) {
         const char* problem = bad == path + ".missing" ? "No such file" : "not a file";
         EXPECT_NE(report_line(fake_host.reports.back()).find(problem), std::string::npos) << bad;
     }
-    EXPECT_EQ(tape_create_wav(folder.path(), 44100), 0);
+    EXPECT_EQ(tape_create_wav(folder.path().string(), 44100), 0);
     EXPECT_EQ(tape_create_wav("/dev/full", 44100), 0);
     EXPECT_EQ(tape_wav_is_open(), 0);
 }

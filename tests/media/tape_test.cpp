@@ -8,8 +8,7 @@
 #include "support/fake_host.h"
 #include "support/full_disk.h"
 #include "support/host_files.h"
-
-#include <sys/stat.h>
+#include "support/posix.h"
 
 namespace {
 

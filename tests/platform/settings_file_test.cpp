@@ -1,12 +1,10 @@
 #include "platform/settings_file.h"
 
 #include "support/full_disk.h"
+#include "support/posix.h"
 #include "support/test_files.h"
 
 #include <gtest/gtest.h>
-
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace fs = std::filesystem;
 

@@ -2,15 +2,14 @@
 #include "files/whole_file.h"
 
 #include "support/full_disk.h"
+#include "support/posix.h"
 #include "support/test_files.h"
 
 #include <gtest/gtest.h>
 
 #include <cerrno>
 
-#include <sys/stat.h>
 #include <sys/xattr.h>
-#include <unistd.h>
 
 namespace {
 

@@ -1,9 +1,7 @@
 #pragma once
 /// A limit on the size of files stands in for a full disk.
 
-#include <csignal>
-
-#include <sys/resource.h>
+#include "support/posix.h"
 
 /// While it lives, no file of this process grows beyond so many bytes.
 class FullDisk {

@@ -6,7 +6,9 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <random>
 #include <string>
+#include <utility>
 #include <vector>
 
 /// How often a test kills what it looks at; scripts/kills.sh asks for more.
@@ -15,12 +17,23 @@ inline int kills_wanted() {
     return wanted ? std::atoi(wanted) : 20;
 }
 
+/// A path that is a text as well, on every system.
+struct FilePath : std::filesystem::path {
+    using path::path;
+    FilePath(path from) : path(std::move(from)) {}
+    operator std::string() const { return string(); }
+    friend FilePath operator/(const FilePath& folder, const std::string& name) {
+        return path(folder) / path(name);
+    }
+};
+
 /// A new folder that goes with the object.
 class Folder {
 public:
     Folder() {
-        std::string name = std::filesystem::temp_directory_path() / "tarvelin-XXXXXX";
-        if (mkdtemp(name.data())) path_ = name;
+        path_ = std::filesystem::temp_directory_path() /
+                ("tarvelin-" + std::to_string(std::random_device()()));
+        std::filesystem::create_directory(path_);
     }
     ~Folder() {
         std::error_code error;
@@ -29,7 +42,7 @@ public:
     Folder(const Folder&) = delete;
     Folder& operator=(const Folder&) = delete;
 
-    std::filesystem::path operator/(const std::string& name) const { return path_ / name; }
+    FilePath operator/(const std::string& name) const { return path_ / name; }
     const std::filesystem::path& path() const { return path_; }
 
 private:
