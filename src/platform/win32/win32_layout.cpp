@@ -69,7 +69,13 @@ uint8_t Win32Layout::host_key(WPARAM virtual_key, LPARAM detail) const {
     // The number block has the same scan codes as the cursor keys, which are the extended ones.
     const bool number_block = keys_[scan] >= KEY_NUMPAD0 && keys_[scan] <= KEY_NUMPAD0 + 9;
     if (is_told_by_code(virtual_key) && (extended || !number_block)) return uint8_t(virtual_key);
-    return extended ? uint8_t(KEY_NONE) : keys_[scan];
+    return extended ? uint8_t(KEY_NONE) : key_at(scan, virtual_key);
+}
+
+uint8_t Win32Layout::key_at(UINT scan, WPARAM virtual_key) const {
+    const uint8_t key = scan < keys_.size() ? keys_[scan] : uint8_t(KEY_NONE);
+    const bool types = virtual_key <= UINT8_MAX && types_a_character(uint8_t(virtual_key));
+    return key == KEY_NONE && types ? uint8_t(virtual_key) : key;
 }
 
 std::wstring Win32Layout::character_of(UINT scan, bool shift) const {
@@ -89,8 +95,9 @@ std::optional<KeyForCharacter> Win32Layout::key_for(char character) const {
     const UINT scan = MapVirtualKeyExW(LOBYTE(found), MAPVK_VK_TO_VSC, layout_);
     const uint8_t modifiers = HIBYTE(found);
     const bool usual = modifiers <= (MODIFIER_SHIFT | BOTH_FOR_ALT_GR);
-    if (!usual || scan >= keys_.size() || keys_[scan] == KEY_NONE) return std::nullopt;
-    return KeyForCharacter{keys_[scan], modifiers};
+    const uint8_t key = key_at(scan, LOBYTE(found));
+    if (!usual || key == KEY_NONE) return std::nullopt;
+    return KeyForCharacter{key, modifiers};
 }
 
 std::optional<KeyForCharacter> Win32Layout::dead_key_for(char character) const {

@@ -21,6 +21,8 @@ public:
     bool has_alt_gr() const { return has_alt_gr_; }
 
 private:
+    /// A key at a place that no usual keyboard has, as Wine makes them up, keeps Windows' code.
+    uint8_t key_at(UINT scan, WPARAM virtual_key) const;
     /// What the layout gives for a key without modifiers or with Shift; a dead key its own
     /// character. Empty where it gives nothing.
     std::wstring character_of(UINT scan, bool shift) const;
