@@ -164,6 +164,9 @@ bool may_read(const std::string& path) {
 }
 
 bool may_write(const std::string& path) {
+    const DWORD attributes = GetFileAttributesW(system_path(path).c_str());
+    if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_READONLY))
+        return errno = EACCES, false;
     const HANDLE handle = CreateFileW(system_path(path).c_str(), GENERIC_WRITE, SHARED, nullptr,
                                       OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
     if (handle == INVALID_HANDLE_VALUE) return fail_with_system_error();

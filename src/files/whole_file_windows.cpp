@@ -4,6 +4,8 @@
 #include "files/whole_file_steps.h"
 #include "files/windows_files.h"
 
+#include <vector>
+
 namespace {
 
 /// Of a file, which another that takes its place gets as well.
@@ -35,6 +37,18 @@ std::nullopt_t fail(int error) {
     return std::nullopt;
 }
 
+/// Who may do what with the file, unless it has that from its folder. A failure leaves the
+/// folder's.
+void copy_access_list(const std::string& from, const std::string& to) {
+    constexpr SECURITY_INFORMATION LIST = DACL_SECURITY_INFORMATION;
+    const auto old = system_path(from), made = system_path(to);
+    DWORD size = 0;
+    GetFileSecurityW(old.c_str(), LIST, nullptr, 0, &size);
+    std::vector<uint8_t> list(size);
+    if (size && GetFileSecurityW(old.c_str(), LIST, list.data(), size, &size))
+        SetFileSecurityW(made.c_str(), LIST, list.data());
+}
+
 } // namespace
 
 std::optional<WriteTarget> write_target(const std::string& path) {
@@ -42,6 +56,7 @@ std::optional<WriteTarget> write_target(const std::string& path) {
     const DWORD attributes = GetFileAttributesW(system_path(path).c_str());
     const bool found = attributes != INVALID_FILE_ATTRIBUTES;
     if (found && (attributes & FILE_ATTRIBUTE_DIRECTORY)) return fail(EISDIR);
+    if (found && (attributes & FILE_ATTRIBUTE_READONLY)) return fail(EACCES);
     // A link without its file: the system makes that through the link.
     if (found && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) && !path_exists(path))
         open_file(path, "ab");
@@ -83,16 +98,10 @@ bool make_whole_file(const std::string& path, std::span<const uint8_t> bytes,
 }
 
 bool take_place(const std::string& file, const WriteTarget& target) {
-    const auto from = system_path(file), to = system_path(target.path);
+    // Renaming is one stroke. ReplaceFile is not: it moves the old file away first, and whoever
+    // ends the program in between leaves neither. So only what it would keep is copied before.
+    if (target.kind == WriteTarget::Kind::file) copy_access_list(target.path, file);
     for (int n = 0; n < TRIES; ++n) {
-        // This keeps the access list, the streams and the age of the file. It needs an old one, and
-        // not every file system has it.
-        if (target.kind == WriteTarget::Kind::file &&
-            ReplaceFileW(to.c_str(), from.c_str(), nullptr,
-                         REPLACEFILE_IGNORE_MERGE_ERRORS | REPLACEFILE_IGNORE_ACL_ERRORS, nullptr,
-                         nullptr)) {
-            return true;
-        }
         if (rename_file(file, target.path)) return true;
         if (errno != EBUSY && errno != EACCES) return false;
         Sleep(TRY_AGAIN_MS);
