@@ -113,7 +113,7 @@ void emu_init(const ShellOptions& options) {
     choices = {.custom = machine_cfg[CUSTOM_CONFIGURATION]};
     video_init(machine_cfg[active_machine_cfg].palette & 1);
     joystick_init();
-    printer_set_filename(data_directory + "/");
+    printer_set_filename(platform().paths().printer_directory() + "/");
     ui_offer_filter(DIALOG_AUTOSTART,
                     {"All that can be started", patterns_of(ROLE_START) + ";*.zip"});
     ui_offer_preview(preview_of);
