@@ -57,7 +57,7 @@ diff expected.chunks window.chunks || fail "the films differ"
 # What the file holds is what is on the screen.
 settings 'FixedWindow = 1' 'KeyMapping = 1'
 start_program "$PWD/colours.cmd"
-shows COLOUR colours || true
+sleep 2 # it has drawn itself
 xdotool key Pause
 rm -f colours*.gif
 xdotool key F6
@@ -86,7 +86,8 @@ while IFS= read -r line; do
     [[ $line == \#* ]] || opens $line
 done <"$tests/dialogs.txt"
 
-# A program is typed, and saved to a disk whose name is beyond ASCII; it is in the file after the question.
+# A program is typed, and saved to a disk whose name is beyond ASCII. It outlives a kill, and is in the
+# file after the question at the end.
 kill "$program_pid"
 wait "$program_pid" 2>/dev/null || true
 settings 'ActiveConfig = 4' 'CustomRomExpansion = 0' 'KeyMapping = 1'
@@ -94,7 +95,12 @@ cp "$examples/bootdisk.dsk" Übung.dsk
 start_program "$PWD/Übung.dsk"
 shows READY Übung || fail "the disk did not start"
 xdotool type --delay 120 'save"a"'
-xdotool key Return sleep 2 key alt+F4
+xdotool key Return sleep 2
+kill -KILL "$program_pid"
+wait "$program_pid" 2>/dev/null && fail "the program was not killed"
+start_program "$PWD/Übung.dsk"
+xdotool windowfocus --sync "$(find_window '^Warning$')" key alt+t # takes what was not saved
+xdotool windowfocus --sync "$(find_window '^Tarvelin')" sleep 1 key alt+F4
 xdotool windowfocus --sync "$(find_window '^Warning$')" key alt+y
 wait "$program_pid" || fail "the exit code is $?: $(cat program.log)"
 grep -q 'A          ' Übung.dsk || fail "the program is not on the disk"
