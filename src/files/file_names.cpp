@@ -35,7 +35,7 @@ std::string lower_case(std::string text) {
 }
 
 std::string find_in_any_case(const std::string& folder, const std::string& name) {
-    const std::string exact = path_in(folder, name);
+    std::string exact = path_in(folder, name);
     if (path_exists(exact)) return exact;
     std::string found;
     for (const std::string& other : names_in(folder.empty() ? "." : folder)) {

@@ -200,7 +200,9 @@ void show_recent_files() {
         const std::string name = file_name_of(shown[n].path), folder = folder_of(shown[n].path);
         const std::string key = "&" + std::to_string((n + 1) % RECENT_FILES) + " ";
         modify_menu_text(id, key + menu_text(name) + "\t" + menu_text(folder));
-        set_menu_tip(id, way_of(shown[n].how)->tip + name + ", in " + folder + ".");
+        std::string tip = way_of(shown[n].how)->tip;
+        tip.append(name).append(", in ").append(folder).append(".");
+        set_menu_tip(id, tip);
         window.set_item_state(id, missing[n] ? ItemState::greyed : ItemState::usual);
     }
     window.set_item_state(COMMAND_CLEAR_RECENT,
