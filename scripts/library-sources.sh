@@ -8,9 +8,15 @@ if [[ -f $folder/complete ]]; then exit 0; fi
 
 rm -rf "$folder"
 mkdir -p "$folder/lists/partial"
-# The archive and release that packages come from, without touching the system's own list.
+# The archive and release that packages come from, without touching the system's own list: as apt knows
+# them, or without an index as its files name them.
 read -r mirror release < <(apt-get indextargets --format '$(SITE) $(CODENAME)' 'Created-By: Packages' |
-    grep -v -e -security -e -updates)
+    grep -v -e -security -e -updates) || true
+if [[ -z ${release:-} ]]; then
+    mirror=$(find /etc/apt -name '*.list' -o -name '*.sources' | sort | xargs cat |
+        sed -n 's/^URIs: *//p; s/^deb \(\[[^]]*\] *\)\?\([^ ]*\) .*/\2/p' | grep -v security | sed -n 1p)
+    release=$(sed -n 's/^VERSION_CODENAME=//p' /etc/os-release)
+fi
 key=/usr/share/keyrings/debian-archive-keyring.gpg
 echo "deb-src [signed-by=$key] $mirror $release main" >"$folder/source.list"
 apt_options=(-qq -o "Dir::Etc::SourceList=$folder/source.list" -o Dir::Etc::SourceParts=-
