@@ -9,4 +9,9 @@ export WINEPREFIX=${WINEPREFIX:-$root/build/wine}
 # Wine would ask, and no entries in the desktop's menus.
 export LC_ALL=C.UTF-8 WINEDEBUG=${WINEDEBUG:--all} WINEDLLOVERRIDES="mscoree,mshtml=;winemenubuilder.exe=d"
 mkdir -p "$WINEPREFIX"
+# Wine's server ends some seconds after the last program, and refuses one that starts at that moment. A
+# program that does nothing finds that out, and keeps it running for the one that is meant.
+for _ in 1 2 3 4 5; do
+    if /usr/lib/wine/wine64 cmd /c exit >/dev/null 2>&1; then break; fi
+done
 exec /usr/lib/wine/wine64 "$@"
