@@ -12,7 +12,7 @@ source "$tests/windows.sh"
 key='HKCU\Software\Emulators\Tarvelin'
 # opens KEYS... : TITLE: the window is there, and gone after Escape
 opens() {
-    local keys=() dialog
+    local keys=() key dialog
     while [[ $1 != : ]]; do
         keys+=("$1")
         shift
