@@ -7,6 +7,7 @@
 #include "z80/disassembler.h"
 
 #include <cstdio>
+#include <utility>
 
 namespace {
 
@@ -75,6 +76,18 @@ void print_disassembly(const AddressRange& range) {
     } while (next > address && next <= range.last);
 }
 
+ShellOptions in_window(const CommandLine& line, ShellOptions options) {
+    options.line = line;
+    options.keep_disk_journals = true;
+    options.keep_history = true;
+    options.resumes = true;
+    options.sizable_window = true;
+    options.remembers_files = true;
+    options.answers_memory_question = true;
+    options.welcomes = true;
+    return options;
+}
+
 } // namespace
 
 bool print_information(const CommandLine& line) {
@@ -112,14 +125,12 @@ int run_headless(const CommandLine& line) {
 
 int run_in_window(Platform& host, const CommandLine& line) {
     install_platform(host);
-    const int exit_code = run_shell({.line = line,
-                                     .keep_disk_journals = true,
-                                     .keep_history = true,
-                                     .resumes = true,
-                                     .sizable_window = true,
-                                     .remembers_files = true,
-                                     .answers_memory_question = true,
-                                     .welcomes = true});
+    const int exit_code = run_shell(in_window(line, {}));
     print_results(line);
     return exit_code;
+}
+
+bool start_in_window(Platform& host, const CommandLine& line, ShellOptions options) {
+    install_platform(host);
+    return start_shell(in_window(line, std::move(options)));
 }

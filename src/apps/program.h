@@ -2,7 +2,7 @@
 /// What the programs have in common: the runs with and without a window, and what is printed before
 /// and after any run.
 
-#include "host/command_line.h"
+#include "host/shell_state.h"
 #include "platform/platform.h"
 
 #include <string>
@@ -17,3 +17,6 @@ void print_results(const CommandLine& line);
 int run_headless(const CommandLine& line);
 /// Runs the machine in a window of the host, which becomes the platform. Returns the exit status.
 int run_in_window(Platform& host, const CommandLine& line);
+/// Its start alone, for a host whose system has the loop, see start_shell. `options` has what this
+/// host wants beside what every window has.
+bool start_in_window(Platform& host, const CommandLine& line, ShellOptions options = {});

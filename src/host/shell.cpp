@@ -185,11 +185,11 @@ void emu_close(std::function<void()> done) {
     });
 }
 
-int run_shell(const ShellOptions& options) {
+bool start_shell(const ShellOptions& options) {
     const CommandLine& line = options.line;
     connect_machine();
     Window& window = platform().window();
-    if (!window.create(WINDOW_TITLE)) return 0;
+    if (!window.create(WINDOW_TITLE)) return false;
     create_menu();
     window.set_readable("Colour Genie screen", shown_text);
     remove_unfinished_files();
@@ -205,5 +205,7 @@ int run_shell(const ShellOptions& options) {
     when_free(main_disk_offer_journals);
     when_free(offer_disk_rom_late);
     when_free(reset_timer); // the time that the start took is not caught up
-    return run_message_loop();
+    return true;
 }
+
+int run_shell(const ShellOptions& options) { return start_shell(options) ? run_message_loop() : 0; }

@@ -7,6 +7,9 @@
 
 /// Start-up, message loop, shutdown. Returns the exit code.
 int run_shell(const ShellOptions& options);
+/// The start-up alone: what follows are turns (turn.h), up to the end that one of them tells. For a
+/// host whose system has the loop. False when there is no window; nothing is running then.
+bool start_shell(const ShellOptions& options);
 
 /// Starts everything that needs the window, up to the command line's file.
 void emu_init(const ShellOptions& options = {});
