@@ -1,5 +1,6 @@
 #include "host/recent.h"
 
+#include "files/background.h"
 #include "files/file_identity.h"
 #include "files/file_names.h"
 #include "files/system_file.h"
@@ -20,9 +21,7 @@
 #include <charconv>
 #include <chrono>
 #include <cstdint>
-#include <future>
 #include <memory>
-#include <thread>
 #include <utility>
 
 namespace {
@@ -111,31 +110,26 @@ void store(const std::vector<RecentFile>& files) {
 
 // ---- in the menu -------------------------------------------------------------------------------
 
-/// What another thread finds out, since a folder of a network may not answer for minutes.
+/// What is found out in the background, since a folder of a network may not answer for minutes.
 struct Look {
     std::vector<RecentFile> files;
     std::array<std::atomic<bool>, RECENT_FILES> missing = {};
-    std::promise<void> done;
 };
 
 std::array<bool, RECENT_FILES> missing_files(const std::vector<RecentFile>& files) {
-    static std::future<void> done;
+    static Background looking;
     std::array<bool, RECENT_FILES> missing = {};
-    const bool stuck =
-        done.valid() && done.wait_for(std::chrono::seconds(0)) != std::future_status::ready;
-    if (stuck) return missing;
+    if (!looking.is_done()) return missing;
     const auto look = std::make_shared<Look>();
     look->files = files;
-    done = look->done.get_future();
-    std::thread([look] {
+    looking = Background([look] {
         for (size_t n = 0; n < look->files.size(); ++n) {
             const std::string& path = look->files[n].path;
             const auto inside = zip_path(path);
             look->missing[n] = !path_exists(inside ? inside->archive : path);
         }
-        look->done.set_value();
-    }).detach();
-    done.wait_for(LONGEST_LOOK);
+    });
+    looking.is_done(LONGEST_LOOK);
     std::ranges::copy(look->missing, missing.begin());
     return missing;
 }

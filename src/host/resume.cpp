@@ -1,5 +1,6 @@
 #include "host/resume.h"
 
+#include "files/background.h"
 #include "files/file_identity.h"
 #include "files/file_names.h"
 #include "files/name_claim.h"
@@ -19,12 +20,11 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <chrono>
 #include <cstdio>
 #include <cstring>
-#include <future>
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace {
 
@@ -33,12 +33,13 @@ constexpr int64_t DISK_INTERVAL = 1; ///< after something was written to a disk
 
 struct {
     std::optional<NameClaim> claim; ///< on the file
-    /// The state that is being written or was written last. The thread only reads it.
+    /// The state that is being written or was written last. The writing only reads it.
     parked_state kept;
     int64_t kept_cycle = -1;
-    int64_t kept_at = 0;      ///< by the host's clock
-    std::future<int> writing; ///< 0, or the error
-    bool failed = false;      ///< which has been reported
+    int64_t kept_at = 0; ///< by the host's clock
+    Background writing;
+    int problem = 0;     ///< the error of the writing that was done last
+    bool failed = false; ///< which has been reported
 } resume;
 
 std::string resume_file() { return state_file_path("resume.tvs"); }
@@ -65,23 +66,21 @@ bool claim_file() {
 
 /// What has come of the writing; true when it was successful.
 bool collect() {
-    if (!resume.writing.valid()) return false;
-    const int problem = resume.writing.get();
-    if (problem == 0) {
+    if (!resume.writing.has_work()) return false;
+    std::exchange(resume.writing, {}).wait();
+    if (resume.problem == 0) {
         resume.failed = false;
     } else if (!std::exchange(resume.failed, true)) {
         report({.text = "The state to resume cannot be written",
                 .file = resume_file(),
-                .reason = std::strerror(problem),
+                .reason = std::strerror(resume.problem),
                 .severity = Severity::warning});
     }
-    return problem == 0;
+    return resume.problem == 0;
 }
 
 bool is_writing() {
-    using namespace std::chrono_literals;
-    if (!resume.writing.valid()) return false;
-    if (resume.writing.wait_for(0s) != std::future_status::ready) return true;
+    if (!resume.writing.is_done()) return true;
     collect();
     return false;
 }
@@ -90,8 +89,8 @@ void start_writing() {
     resume.kept = park_machine();
     resume.kept_cycle = z80_state.t_count;
     resume.kept_at = platform().clock().counter();
-    resume.writing = std::async(std::launch::async, [path = resume_file()] {
-        return replace_whole_file(path, pack_state(resume.kept)) ? 0 : errno;
+    resume.writing = Background([path = resume_file()] {
+        resume.problem = replace_whole_file(path, pack_state(resume.kept)) ? 0 : errno;
     });
 }
 
