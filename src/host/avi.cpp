@@ -3,6 +3,7 @@
 #include "cgenie/palette.h"
 #include "core/pacing/pacing.h"
 #include "host/display.h"
+#include "host/downloads.h"
 #include "host/film_file.h"
 #include "host/menu.h"
 #include "host/shell.h"
@@ -136,8 +137,10 @@ void Video_OpenOutput(const std::string& path, const uint16_t* sound_buffer,
 }
 
 void Video_CloseOutput() {
-    if (pfOutput) pfOutput->close();
+    const bool ran = pfOutput != nullptr;
+    if (ran) pfOutput->close();
     pfOutput.reset();
+    if (ran) file_is_complete(avi_path);
     Video_DestroyBitmap();
     AVISoundBuffer = nullptr;
     sound_end_film();

@@ -7,6 +7,7 @@
 #include "core/machine_events.h"
 #include "core/pacing/pacing.h"
 #include "files/file_names.h"
+#include "files/system_file.h"
 #include "host/autostart.h"
 #include "host/avi.h"
 #include "host/canvas.h"
@@ -16,6 +17,7 @@
 #include "host/disk_rom.h"
 #include "host/disks.h"
 #include "host/display.h"
+#include "host/downloads.h"
 #include "host/loaded_program.h"
 #include "host/menu.h"
 #include "host/messages.h"
@@ -61,7 +63,13 @@ constexpr uint32_t BLUR_LEVEL = 66;
 constexpr const char* WAY_BACK = "Esc brings the machine back";
 constexpr int CAPTURE_RUNS = 2; ///< value of g_bRecordingVideo
 
-void tell_saved(const std::string& path) { StatusBarText("Saved: %s", path.c_str()); }
+std::string sound_recording; ///< path of the file
+std::string tape_recording;  ///< likewise
+
+void tell_saved(const std::string& path) {
+    StatusBarText("Saved: %s", path.c_str());
+    file_is_complete(path);
+}
 
 void tell_recording(const std::string& path) { StatusBarText("Saving to: %s", path.c_str()); }
 
@@ -84,7 +92,9 @@ void leave_monitor() {
 }
 
 void end_sound_recording() {
+    const bool ran = sound_is_saving(nullptr) != 0;
     sound_close_wav();
+    if (ran) file_is_complete(sound_recording);
     check_menu_item(COMMAND_SAVE_WAV, false);
 }
 
@@ -183,6 +193,7 @@ void switch_printer() {
         printer_init();
     } else {
         printer_close();
+        if (path_exists(printer_file())) file_is_complete(printer_file());
     }
 }
 
@@ -217,6 +228,7 @@ void sound_switched() {
 
 void start_sound_recording(const std::string& path) {
     if (!sound_create_wav(path)) return report(unwritable(path));
+    sound_recording = path;
     check_menu_item(COMMAND_SAVE_WAV, true);
     tell_recording(path);
 }
@@ -307,13 +319,17 @@ void detach_cas() {
 }
 
 void close_wav() {
+    const bool recorded = tape_audio.recording != 0;
     machine_apply(event_kind::tape_close_wav);
+    if (recorded) file_is_complete(tape_recording);
     tell_tape_is_out();
     if (!tape_is_rolling()) check_menu_item(COMMAND_PLAY_RECORD, false); // a recording has ended
 }
 
 void create_wav(const std::string& path) {
-    if (tape_create_wav(path, TAPE_SAMPLE_RATE)) tell_recording(path);
+    if (!tape_create_wav(path, TAPE_SAMPLE_RATE)) return;
+    tape_recording = path;
+    tell_recording(path);
 }
 
 void play_or_record() {

@@ -10,6 +10,7 @@
 #include "host/dialogs/hold.h"
 #include "host/disk_journal.h"
 #include "host/disk_questions.h"
+#include "host/downloads.h"
 #include "host/loaded_program.h"
 #include "host/menu.h"
 #include "host/shell_state.h"
@@ -503,7 +504,9 @@ void main_disk_save_copy(unsigned drive) {
     if (!diskimg_inserted(wd1771.disks[drive])) {
         return StatusBarText("There is no disk in drive :%u.", drive);
     }
-    save_disk_elsewhere(drive_contents[drive], [](const auto&) {});
+    save_disk_elsewhere(drive_contents[drive], [](const auto& saved) {
+        if (saved) file_is_complete(*saved);
+    });
 }
 
 void main_disk_offer_journals() {

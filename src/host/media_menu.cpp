@@ -29,7 +29,8 @@ bool is_idle(int command, unsigned drive) {
     switch (command) {
     case COMMAND_DETACH_DISK: return main_disk_image_remembered(drive).empty() && !has_disk(drive);
     case COMMAND_PROTECT_DISK:
-    case COMMAND_COPY_DISK: return !has_disk(drive);
+    case COMMAND_COPY_DISK:
+    case COMMAND_DOWNLOAD_DISK: return !has_disk(drive);
     default: return false;
     }
 }
@@ -62,12 +63,25 @@ std::vector<MenuEntry> drive_menu(unsigned drive) {
         drive_item(COMMAND_COPY_DISK, drive),
         item(COMMAND_DISK_PANEL)};
     entries[0].text += "\tAlt+" + std::to_string(drive);
+    if (platform().downloads()) {
+        entries.push_back(drive_item(COMMAND_DOWNLOAD_DISK, drive, "D&ownload"));
+    }
     return entries;
 }
 
+ItemState state_of_cassette() {
+    return tape_cas_is_attached() ? ItemState::usual : ItemState::greyed;
+}
+
 std::vector<MenuEntry> cassette_menu() {
-    return {item(COMMAND_ATTACH_CAS),  item(COMMAND_NEW_TAPE), item(COMMAND_DETACH_CAS), SEPARATOR,
-            item(COMMAND_PLAY_RECORD), item(COMMAND_REWIND),   item(COMMAND_TAPE_PANEL)};
+    std::vector<MenuEntry> entries = {
+        item(COMMAND_ATTACH_CAS),  item(COMMAND_NEW_TAPE), item(COMMAND_DETACH_CAS), SEPARATOR,
+        item(COMMAND_PLAY_RECORD), item(COMMAND_REWIND),   item(COMMAND_TAPE_PANEL)};
+    if (platform().downloads()) {
+        entries.push_back(item(COMMAND_DOWNLOAD_TAPE, "D&ownload"));
+        entries.back().state = state_of_cassette();
+    }
+    return entries;
 }
 
 std::vector<MenuEntry> all_menus() {
@@ -128,9 +142,11 @@ void popup_media_menu(int button) {
 }
 
 void grey_media_items() {
-    for (const int command : {COMMAND_DETACH_DISK, COMMAND_PROTECT_DISK}) {
+    Window& window = platform().window();
+    for (const int command : {COMMAND_DETACH_DISK, COMMAND_PROTECT_DISK, COMMAND_DOWNLOAD_DISK}) {
         for (unsigned drive = 0; drive < DISK_DRIVES; ++drive) {
-            platform().window().set_item_state(command + int(drive), state_of(command, drive));
+            window.set_item_state(command + int(drive), state_of(command, drive));
         }
     }
+    window.set_item_state(COMMAND_DOWNLOAD_TAPE, state_of_cassette());
 }

@@ -68,14 +68,31 @@ MenuEntry recent_menu() {
     return submenu("&Recent", std::move(children));
 }
 
+MenuEntry download_menu() {
+    return submenu("D&ownload", {item(COMMAND_DOWNLOAD_DISK), item(COMMAND_DOWNLOAD_DISK + 1),
+                                 item(COMMAND_DOWNLOAD_DISK + 2), item(COMMAND_DOWNLOAD_DISK + 3),
+                                 SEPARATOR, item(COMMAND_DOWNLOAD_TAPE)});
+}
+
 MenuEntry file_menu() {
-    return submenu("&File",
-                   {item(COMMAND_AUTOSTART), examples_menu(), recent_menu(), SEPARATOR,
-                    item(COMMAND_LOAD_BAS), item(COMMAND_MEMORY_AS_CAS), SEPARATOR,
-                    attach_disk_menu(), detach_disk_menu(), protect_disk_menu(),
-                    item(COMMAND_DISK_PANEL), item(COMMAND_NEW_DISK), item(COMMAND_NEW_TAPE),
-                    SEPARATOR, item(COMMAND_LOAD_SNAPSHOT), item(COMMAND_SAVE_SNAPSHOT),
-                    media_snapshots_menu(), item(COMMAND_EXIT)});
+    Entries entries = {item(COMMAND_AUTOSTART),
+                       examples_menu(),
+                       recent_menu(),
+                       SEPARATOR,
+                       item(COMMAND_LOAD_BAS),
+                       item(COMMAND_MEMORY_AS_CAS),
+                       SEPARATOR,
+                       attach_disk_menu(),
+                       detach_disk_menu(),
+                       protect_disk_menu(),
+                       item(COMMAND_DISK_PANEL),
+                       item(COMMAND_NEW_DISK),
+                       item(COMMAND_NEW_TAPE)};
+    if (platform().downloads()) entries.push_back(download_menu());
+    entries.insert(entries.end(), {SEPARATOR, item(COMMAND_LOAD_SNAPSHOT),
+                                   item(COMMAND_SAVE_SNAPSHOT), media_snapshots_menu()});
+    entries.push_back(item(COMMAND_EXIT));
+    return submenu("&File", std::move(entries));
 }
 
 MenuEntry time_menu() {

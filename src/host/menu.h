@@ -96,6 +96,8 @@ enum Command : int {
     COMMAND_TAPE_PANEL = 40277,
     COMMAND_DISK_PANEL = 40278,
     COMMAND_PAD_KEYS = 40279,
+    COMMAND_DOWNLOAD_DISK = 40280, ///< + drive 0 to 3
+    COMMAND_DOWNLOAD_TAPE = 40284,
     COMMAND_NEW_DISK_IN = 40290, ///< + drive 0 to 3
     COMMAND_COPY_DISK = 40294,   ///< + drive 0 to 3
     COMMAND_MEDIA_MENU = 40298

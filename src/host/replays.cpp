@@ -11,6 +11,7 @@
 #include "host/commands.h"
 #include "host/dialogs/dialogs.h"
 #include "host/disks.h"
+#include "host/downloads.h"
 #include "host/menu.h"
 #include "host/rom_files.h"
 #include "host/shell_state.h"
@@ -209,6 +210,7 @@ void end_replay_recording() {
     if (!whole) return tell_recording_failed();
     StatusBarText("Replay of %lld frames recorded: %s",
                   static_cast<long long>(recording.recorder.frames()), recording.path.c_str());
+    file_is_complete(recording.path);
 }
 
 void record_replay() {

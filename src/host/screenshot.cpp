@@ -5,6 +5,7 @@
 #include "cgenie/video_cell.h"
 #include "core/pacing/pacing.h"
 #include "files/file_handle.h"
+#include "host/downloads.h"
 #include "host/recording/bmp.h"
 #include "host/recording/gif.h"
 #include "host/rom_files.h"
@@ -49,6 +50,7 @@ std::string get_next_fname(const std::string& extension, const std::string& base
 int dib_save_to_file(const dib& bitmap, const std::string& path) {
     if (!bmp_save(path, bitmap)) return 0;
     StatusBarText("Screenshot saved: %s", path.c_str());
+    file_is_complete(path);
     return 1;
 }
 
@@ -68,8 +70,12 @@ int gif_write_as(const std::string& path, const dib& bitmap) {
         colours[i * 3 + 2] = entry[0];
     }
     StatusBarText("Screenshot saved: %s", path.c_str());
-    return gif_save(path.c_str(), bitmap.width, bitmap.height, bitmap.pixels.data(),
-                    colours.data());
+    if (!gif_save(path.c_str(), bitmap.width, bitmap.height, bitmap.pixels.data(),
+                  colours.data())) {
+        return 0;
+    }
+    file_is_complete(path);
+    return 1;
 }
 
 int gif_write(const dib& bitmap, const std::string& base) {
@@ -85,9 +91,9 @@ int memory_save_video_ram(const std::string& base) {
 }
 
 void save_video_ram_when_wanted() {
-    if (save_video_ram_w_screenshot && !memory_save_video_ram(last_file_name)) {
-        report(unwritable(dump_name(last_file_name)));
-    }
+    if (!save_video_ram_w_screenshot) return;
+    const std::string path = dump_name(last_file_name);
+    memory_save_video_ram(last_file_name) ? file_is_complete(path) : report(unwritable(path));
 }
 
 void host_save_screenshot() {

@@ -1,6 +1,7 @@
 #include "host/states.h"
 #include "files/file_names.h"
 #include "files/system_file.h"
+#include "host/downloads.h"
 #include "host/recent.h"
 
 #include "files/whole_file.h"
@@ -131,6 +132,7 @@ void undo_slot(int slot) {
 void save_state_as(const std::string& path) {
     if (!replace_whole_file(path, pack_state(park_machine()))) return report(unwritable(path));
     StatusBarText("Saved: %s", path.c_str());
+    file_is_complete(path);
 }
 
 void load_state(const std::string& path) {

@@ -6,6 +6,7 @@
 #include "platform/clipboard.h"
 #include "platform/clock.h"
 #include "platform/dialogs.h"
+#include "platform/downloads.h"
 #include "platform/events.h"
 #include "platform/films.h"
 #include "platform/forms.h"
@@ -25,6 +26,8 @@ struct Platform {
     virtual Clipboard& clipboard() = 0;
     virtual Clock& clock() = 0;
     virtual Dialogs& dialogs() = 0;
+    /// Null on a host whose files the user has anyway.
+    virtual Downloads* downloads() { return nullptr; }
     virtual Events& events() = 0;
     /// Null on a host without a library for films.
     virtual Films* films() { return nullptr; }

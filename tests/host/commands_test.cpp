@@ -5,6 +5,7 @@
 #include "core/pacing/pacing.h"
 #include "host/canvas.h"
 #include "host/display.h"
+#include "host/media_menu.h"
 #include "host/menu.h"
 #include "host/save_question.h"
 #include "host/screenshot.h"
@@ -13,6 +14,7 @@
 #include "host/turn.h"
 #include "media/files/cassette_files.h"
 #include "media/tape.h"
+#include "media/wd1771.h"
 #include "sound/beeper.h"
 #include "sound/sound_core.h"
 #include "support/host_files.h"
@@ -328,6 +330,43 @@ TEST_F(CommandsTest, EscOrF12OpensTheMonitorAndEscClosesIt) {
             EXPECT_EQ(host->status_text(3), "");
         }
     }
+}
+
+/// A host that hands files out.
+struct Handed final : Downloads {
+    bool offer(const std::string& name, std::span<const uint8_t> bytes) override {
+        all += name + ":" + std::string(bytes.begin(), bytes.begin() + 2) + " ";
+        return true;
+    }
+    void saved(const std::string& path) override {
+        all += path + (std::filesystem::exists(path) ? " " : "?");
+    }
+    std::string all;
+};
+
+TEST_F(CommandsTest, DownloadsAreMediaAsTheyAreAndFilesThatAreComplete) {
+    handle_command(40280);
+    EXPECT_EQ(host->status_text(3), "There is no disk in drive :0.");
+    Handed handed;
+    host->download_service = &handed;
+    create_menu();
+    std::filesystem::create_directory("in");
+    command_with_file(40271, "in/new.dsk");
+    drive_contents[0].change()[0] = '*';
+    drive_contents[0].change()[1] = '!';
+    const std::string tape = "fL and more";
+    tape_attach_bytes("in/a.bas", std::span(reinterpret_cast<const uint8_t*>(tape.data()), 8));
+    grey_media_items();
+    for (const int id : {40280, 40281, 40284}) {
+        EXPECT_EQ(host->window().item_state(id) == ItemState::greyed, id == 40281);
+        handle_command(id);
+    }
+    for (const auto& [id, path] : {std::pair{126, "s.gif"}, {40206, "s.tvs"}, {40120, "s.wav"}}) {
+        command_with_file(id, path);
+    }
+    handle_command(40120);
+    EXPECT_EQ(handed.all, "new.dsk:*! a.cas:fL s.gif s.tvs s.wav ");
+    host->download_service = nullptr;
 }
 
 } // namespace

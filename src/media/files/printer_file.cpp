@@ -50,6 +50,8 @@ void printer_set_filename(const std::string& directory) {
     printout_path = path_in(directory, "printer.txt");
 }
 
+const std::string& printer_file() { return printout_path; }
+
 void printer_init() {
     open_print();
     machine_apply(event_kind::printer_reset);

@@ -7,6 +7,8 @@
 
 /// The directory of the output file, "printer.txt".
 void printer_set_filename(const std::string& directory);
+/// The path of the output file, which may not exist yet.
+const std::string& printer_file();
 /// Opens the output file, unless it is open, and clears the printer's state. The directory is made
 /// when it is missing. Where that fails, the user is told and the printer is there, but never
 /// ready.

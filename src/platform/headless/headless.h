@@ -39,6 +39,7 @@ public:
     HeadlessClipboard& clipboard() override;
     Clock& clock() override;
     HeadlessDialogs& dialogs() override;
+    Downloads* downloads() override { return download_service; }
     Events& events() override;
     Films* films() override { return film_library; }
     HeadlessForms& forms() override;
@@ -68,7 +69,8 @@ public:
     std::string status_text(int part) const;
     int frames_presented() const; ///< in the window and on the whole screen
 
-    Films* film_library = nullptr; ///< what the host has for films
+    Films* film_library = nullptr;         ///< what the host has for films
+    Downloads* download_service = nullptr; ///< and to hand files out
 
     /// An interrupt, termination or hang-up signal ends the message loop instead of the process.
     static void stop_on_signals();
