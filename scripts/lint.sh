@@ -38,6 +38,7 @@ platform/headless
 platform/sdl
 platform/qt
 platform/win32
+platform/web
 apps
 LAYERS
 scripts/sources.sh 'src/*.cpp' 'src/*.h' | xargs awk '
@@ -84,7 +85,8 @@ lint_one() {
 export -f lint_one
 export build stamps common
 
-# What is for Windows alone has no compile command here.
+# What is for Windows or a page alone has no compile command here.
 scripts/sources.sh 'src/*.cpp' 'tools/*.cpp' |
-    grep -v -e '^src/platform/win32/' -e '^src/apps/windows\.cpp$' -e '_windows\.cpp$' |
+    grep -v -e '^src/platform/win32/' -e '^src/apps/windows\.cpp$' -e '_windows\.cpp$' \
+        -e '^src/platform/web/' -e '^src/apps/browser\.cpp$' -e '_web\.cpp$' |
     xargs -P2 -I{} bash -c 'lint_one {}'

@@ -37,7 +37,7 @@ struct Source {
 
 /// Bytes read at `offset`; 0 at the end of the file and after an error.
 uint64_t read_at(const Source& source, uint64_t offset, uint8_t* to, uint64_t bytes) {
-    return read_at(source.file.get(), offset, {to, bytes});
+    return read_at(source.file.get(), offset, {to, size_t(bytes)});
 }
 
 /// A file of the disk: nothing that a read could wait for, and nothing without a length.

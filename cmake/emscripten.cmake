@@ -1,0 +1,7 @@
+# Programs as WebAssembly for browsers and node, built with the distribution's Emscripten.
+include(/usr/share/emscripten/cmake/Modules/Platform/Emscripten.cmake)
+# The linker's scripts do not look where the distribution has their libraries.
+set(CMAKE_C_LINKER_LAUNCHER ${CMAKE_COMMAND} -E env NODE_PATH=/usr/share/nodejs)
+set(CMAKE_CXX_LINKER_LAUNCHER ${CMAKE_C_LINKER_LAUNCHER})
+# What its standard library has not got yet.
+include_directories(BEFORE SYSTEM ${CMAKE_CURRENT_LIST_DIR}/emscripten)

@@ -1,0 +1,20 @@
+#pragma once
+#include "platform/web/web_pane.h"
+
+#include <array>
+
+/// The panes of the page, by PaneId.
+class WebPanes {
+public:
+    explicit WebPanes(WebContext& context)
+        : panes_{WebPane(context, PaneId::picture), WebPane(context, PaneId::monitor),
+                 WebPane(context, PaneId::film_bar), WebPane(context, PaneId::overlay),
+                 WebPane(context, PaneId::keyboard)} {}
+    WebPane& pane(PaneId id) { return panes_[size_t(id)]; }
+
+private:
+    std::array<WebPane, PANES> panes_;
+};
+
+/// There is one page.
+WebPanes& web_panes();

@@ -1,0 +1,116 @@
+#include "platform/web/web_window.h"
+
+#include "platform/web/web_page.h"
+
+#include <emscripten/emscripten.h>
+
+namespace {
+
+Json entries_as_json(const std::vector<MenuEntry>& entries) {
+    return Json::array(entries, [](const MenuEntry& entry) {
+        return Json::object({{"id", entry.id},
+                             {"text", entry.text},
+                             {"checked", entry.checked},
+                             {"state", int(entry.state)},
+                             {"children", entries_as_json(entry.children)}});
+    });
+}
+
+std::function<ReadableText()> readable_text;
+
+} // namespace
+
+bool WebWindow::create(const std::string& title) {
+    set_title(title);
+    return true;
+}
+
+void WebWindow::show() {
+    context_.shown = true;
+    call_page("window.show");
+}
+
+void WebWindow::destroy() { context_.shown = false; }
+
+void WebWindow::set_title(const std::string& title) {
+    title_ = title;
+    call_page("window.setTitle", title);
+}
+
+void WebWindow::set_full_screen(bool on) { call_page("window.setFullScreen", on); }
+
+void WebWindow::show_cursor(bool on) { call_page("window.showCursor", on); }
+
+void WebWindow::set_menu(const std::vector<MenuEntry>& menus) {
+    call_page("menu.set", entries_as_json(menus));
+}
+
+void WebWindow::check_item(int id, bool checked) { call_page("menu.check", id, checked); }
+
+void WebWindow::set_item_text(int id, const std::string& text) {
+    call_page("menu.setText", id, text);
+}
+
+void WebWindow::set_item_state(int id, ItemState state) {
+    call_page("menu.setState", id, int(state));
+}
+
+void WebWindow::popup_menu(const std::vector<MenuEntry>& entries, int x, int y) {
+    call_page("menu.popup", entries_as_json(entries), x, y);
+}
+
+void WebWindow::claim_keys(std::span<const KeyChord> chords) {
+    call_page(
+        "keys.claim", Json::array(chords, [](const KeyChord& chord) {
+            return Json::object({{"key", int(chord.key)}, {"modifiers", int(chord.modifiers)}});
+        }));
+}
+
+void WebWindow::place_keyboard(KeyboardPlace place, const Rectangle& wanted, int closed) {
+    keyboard_ = place == KeyboardPlace::floating ? wanted : Rectangle{};
+    call_page("window.placeKeyboard", int(place), wanted.left, wanted.top, wanted.width(),
+              wanted.height(), closed);
+}
+
+void WebWindow::set_readable(const std::string& name, std::function<ReadableText()> text) {
+    readable_text = std::move(text);
+    call_page("window.setReadable", name);
+}
+
+extern "C" {
+
+/// The client area has this size, at this scale.
+EMSCRIPTEN_KEEPALIVE void tarvelin_resized(int width, int height, double ratio) {
+    WebContext& context = web_context();
+    context.client = {width, height};
+    context.ratio = ratio;
+    if (context.shown) context.post(Event::Kind::resized);
+}
+
+EMSCRIPTEN_KEEPALIVE void tarvelin_menu_loop(int begins) {
+    EventSink* const sink = web_context().sink;
+    if (!sink) return;
+    begins ? sink->loop_begins() : sink->loop_ends();
+}
+
+EMSCRIPTEN_KEEPALIVE void tarvelin_menu_opens() {
+    if (web_context().sink) web_context().sink->menu_opens();
+}
+
+EMSCRIPTEN_KEEPALIVE void tarvelin_item_highlighted(int id) {
+    if (web_context().sink) web_context().sink->item_highlighted(id);
+}
+
+/// The text on the screen, with an end of each line; gone at the next call.
+EMSCRIPTEN_KEEPALIVE const char* tarvelin_readable_text() {
+    static std::string text;
+    text.clear();
+    if (!readable_text) return "";
+    for (const char letter : readable_text().text) { // ISO 8859-1
+        const auto code = uint8_t(letter);
+        if (code >= 0x80) text += char(0xC0 | code >> 6);
+        text += code >= 0x80 ? char(0x80 | (code & 0x3F)) : letter;
+    }
+    return text.c_str();
+}
+}
