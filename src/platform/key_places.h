@@ -38,6 +38,14 @@ constexpr KeyPlace US_PLACES[] = {
     {77, KEY_NUMPAD0 + 6}, {79, KEY_NUMPAD0 + 1}, {80, KEY_NUMPAD0 + 2}, {81, KEY_NUMPAD0 + 3},
     {82, KEY_NUMPAD0},     {86, KEY_OEM_102},     {87, KEY_F11},         {88, KEY_F12}};
 
+/// What Linux counts behind the scan codes of set 1.
+constexpr KeyPlace LINUX_PLACES[] = {
+    {89, KEY_RIGHT_OF_SLASH}, {96, KEY_RETURN},  {97, KEY_CONTROL},  {100, KEY_ALT},
+    {102, KEY_HOME},          {103, KEY_UP},     {104, KEY_PAGE_UP}, {105, KEY_LEFT},
+    {106, KEY_RIGHT},         {107, KEY_END},    {108, KEY_DOWN},    {109, KEY_PAGE_DOWN},
+    {110, KEY_INSERT},        {111, KEY_DELETE}, {119, KEY_PAUSE},   {124, KEY_RIGHT_OF_PLUS},
+    {127, KEY_MENU}};
+
 /// The US keyboard by scan code (set 1, which is also what Linux counts by up to 88), from `first`
 /// on, and further keys that the host counts in its own way.
 template <size_t COUNT>
@@ -62,6 +70,15 @@ constexpr bool is_on_some_keyboards(uint8_t key) {
 constexpr bool types_a_character(uint8_t key) {
     return key == KEY_SPACE || (key >= '0' && key <= '9') || is_capital_letter(key) ||
            (key >= KEY_OEM_1 && key <= KEY_OEM_102);
+}
+
+/// Which of two keys that give a character is the better one; the lowest rank is best. Keys with
+/// AltGr come last; among these, the one with the fewest modifiers is best. Without AltGr, a key
+/// that this keyboard may lack comes after all others, and a dead key after an ordinary one: an
+/// acute accent counts as an apostrophe only when there is no other.
+constexpr uint8_t key_rank(bool may_lack, bool is_dead, bool shift, bool alt_gr) {
+    if (alt_gr) return uint8_t(8 | shift << 2 | may_lack << 1 | int(is_dead));
+    return uint8_t(may_lack << 2 | is_dead << 1 | int(shift));
 }
 
 /// The HostKey of every key of a layout with these letters, as capitals; 0 for a key without one.

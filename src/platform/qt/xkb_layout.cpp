@@ -10,16 +10,8 @@ namespace {
 constexpr uint32_t SCAN_OFFSET = 8; // X keycode of scan code 0
 constexpr char FIRST_CHARACTER = 0x20;
 
-// Keys that Linux counts behind those of set 1.
-constexpr KeyPlace FURTHER_PLACES[] = {
-    {89, KEY_RIGHT_OF_SLASH}, {96, KEY_RETURN},  {97, KEY_CONTROL},  {100, KEY_ALT},
-    {102, KEY_HOME},          {103, KEY_UP},     {104, KEY_PAGE_UP}, {105, KEY_LEFT},
-    {106, KEY_RIGHT},         {107, KEY_END},    {108, KEY_DOWN},    {109, KEY_PAGE_DOWN},
-    {110, KEY_INSERT},        {111, KEY_DELETE}, {119, KEY_PAUSE},   {124, KEY_RIGHT_OF_PLUS},
-    {127, KEY_MENU}};
-
 /// The US keyboard, by X keycode.
-constexpr KeyPlaces US_KEYBOARD = us_keyboard(SCAN_OFFSET, FURTHER_PLACES);
+constexpr KeyPlaces US_KEYBOARD = us_keyboard(SCAN_OFFSET, LINUX_PLACES);
 
 struct Modification {
     xkb_keysym_t symbol;
@@ -142,21 +134,12 @@ private:
         const bool shift = (mask & shift_) != 0;
         const bool alt_gr = (mask & alt_gr_) != 0;
         const uint8_t rank =
-            rank_of(is_on_some_keyboards(US_KEYBOARD[keycode]), is_dead, shift, alt_gr);
+            key_rank(is_on_some_keyboards(US_KEYBOARD[keycode]), is_dead, shift, alt_gr);
         if (rank >= ranks_[index]) return;
         ranks_[index] = rank;
         const int modifiers =
             (shift ? MODIFIER_SHIFT : 0) | (alt_gr ? MODIFIER_CONTROL | MODIFIER_ALT : 0);
         layout_.characters[index] = KeyForCharacter{layout_.keys[keycode], uint8_t(modifiers)};
-    }
-
-    /// The rank of a key, the lowest being the best. Keys with AltGr come last; among these, the
-    /// one with the fewest modifiers is best. Without AltGr, a key that this keyboard may lack
-    /// comes after all others, and a dead key after an ordinary one: an acute accent counts as an
-    /// apostrophe only when there is no other.
-    static uint8_t rank_of(bool may_lack, bool is_dead, bool shift, bool alt_gr) {
-        if (alt_gr) return uint8_t(8 | shift << 2 | may_lack << 1 | int(is_dead));
-        return uint8_t(may_lack << 2 | is_dead << 1 | int(shift));
     }
 
     const Source& source_;
