@@ -4,14 +4,17 @@ import createTarvelin from './tarvelin.js';
 import { Dialogs } from './dialogs.js';
 import { Keys } from './keys.js';
 import { Menu } from './menu.js';
+import { Pads } from './pads.js';
 import { Panes } from './panes.js';
 import { Settings } from './settings.js';
 import { Status } from './status.js';
 import { Store } from './store.js';
+import { Tube } from './tube.js';
 import { Turns } from './turns.js';
 import { PageWindow } from './window.js';
 
 const page = {};
+globalThis.tarvelin = page;
 const module = {
   page,
   arguments: [],
@@ -25,6 +28,8 @@ async function start() {
   page.settings = new Settings();
   page.store = new Store(page);
   page.panes = new Panes(page);
+  page.tube = new Tube(page);
+  page.pads = new Pads(page);
   page.window = new PageWindow(page);
   page.menu = new Menu(page);
   page.status = new Status(page);

@@ -4,6 +4,7 @@
 #include "platform/events.h"
 #include "platform/geometry.h"
 
+#include <algorithm>
 #include <cmath>
 #include <deque>
 #include <utility>
@@ -18,6 +19,11 @@ struct WebContext {
     int pixels(int points) const { return int(std::lround(points * ratio)); }
     void post(Event event) { queue.push_back(std::move(event)); }
     void post(Event::Kind kind, int value = 0) { post(Event{.kind = kind, .value = value}); }
+    /// Unless such a message waits already.
+    void post_once(Event::Kind kind) {
+        const auto same = [kind](const Event& event) { return event.kind == kind; };
+        if (std::none_of(queue.begin(), queue.end(), same)) post(kind);
+    }
 };
 
 /// There is one page.

@@ -4,10 +4,23 @@
 
 #include "platform/pane.h"
 #include "platform/picture_scaler.h"
+#include "platform/tube_shader.h"
 #include "platform/web/web_context.h"
 
 #include <cstdint>
+#include <optional>
 #include <vector>
+
+/// The pixels of a canvas as they lie in memory, red first.
+struct CanvasPixels {
+    Size size;
+    std::vector<uint32_t> pixels;
+
+    void read(const BitmapView& picture);
+    const uint32_t* row(int y) const { return pixels.data() + size_t(y) * size.width; }
+    /// What differs from another picture of the same size.
+    TubeRows rows_that_differ(const CanvasPixels& other) const;
+};
 
 class WebPane final : public Pane {
 public:
@@ -27,19 +40,34 @@ public:
     void set_buttons(const std::vector<PaneButton>& buttons) override;
     void set_message(const std::string& text, int rows) override;
 
-    /// The page has given the pane another size, and its canvas is empty.
-    void resized(Size size) { size_ = size; }
-    bool is_shown() const { return shown_; }
-    PaneId id() const { return id_; }
+    /// The page has given the pane another size, and its canvas, of so many pixels, is empty.
+    void resized(Size size, Size pixels);
+    /// What the canvas shows is to be drawn again in any case.
+    void forget() { stretched_.reset(); }
+    /// The picture is always there.
+    bool is_shown() const { return shown_ || id_ == PaneId::picture; }
 
 private:
-    /// Stretches into pixels of the screen and hands them to the canvas.
-    void put(const BitmapView& picture, const Rectangle& pixels, bool smooth);
+    /// What is stretched, besides its pixels.
+    struct Stretched {
+        Rectangle area; ///< in pixels of the canvas
+        Scaling how;
+        Size from;
+        bool operator==(const Stretched&) const = default;
+    };
+
+    Rectangle on_canvas(const Rectangle& area) const;
+    /// Hands these rows of `picture_`, stretched, to the canvas.
+    void put(const Rectangle& area, bool smooth, TubeRows changed);
 
     WebContext& context_;
     const PaneId id_;
-    Size size_;
+    Size size_, pixels_;
     bool shown_ = false;
     PictureScaler scaler_;
-    std::vector<uint32_t> source_, row_, stretched_;
+    std::optional<Stretched> stretched_; ///< nothing: something else was drawn since
+    CanvasPixels picture_, before_;
+    std::vector<uint32_t> rows_; ///< kept, so that its memory is used again
+    SliderReading reading_;
+    std::vector<PaneButton> buttons_;
 };

@@ -9,10 +9,16 @@ WebPanes& web_panes() {
 
 extern "C" {
 
-/// A pane has another size, in the page's pixels, and an empty canvas.
-EMSCRIPTEN_KEEPALIVE void tarvelin_pane_resized(int pane, int width, int height) {
-    web_panes().pane(PaneId(pane)).resized({width, height});
-    if (web_context().sink && web_context().shown) web_context().sink->paint(PaneId(pane));
+/// A pane has another size, and an empty canvas of so many pixels. Without `paint` the program is
+/// about to draw by itself.
+EMSCRIPTEN_KEEPALIVE void tarvelin_pane_resized(int pane, int width, int height, int pixel_width,
+                                                int pixel_height, int paint) {
+    WebPane& resized = web_panes().pane(PaneId(pane));
+    resized.resized({width, height}, {pixel_width, pixel_height});
+    const WebContext& context = web_context();
+    if (paint && context.sink && context.shown && resized.is_shown()) {
+        context.sink->paint(PaneId(pane));
+    }
 }
 
 /// As Event and Pointer say.

@@ -29,7 +29,6 @@ struct WebPlatform::Services {
     WebClipboard clipboard;
     WebClock clock;
     WebJoysticks joysticks;
-    WebPictureTube picture_tube;
     WebPaths paths;
     WebSettings settings;
 };
@@ -48,7 +47,7 @@ Joysticks& WebPlatform::joysticks() { return services_->joysticks; }
 HostKeyboard& WebPlatform::keyboard() { return web_keyboard(); }
 Pane& WebPlatform::pane(PaneId id) { return services_->panes.pane(id); }
 Paths& WebPlatform::paths() { return services_->paths; }
-PictureTube& WebPlatform::picture_tube() { return services_->picture_tube; }
+PictureTube& WebPlatform::picture_tube() { return web_picture_tube(); }
 Settings& WebPlatform::settings() { return services_->settings; }
 StatusBar& WebPlatform::status_bar() { return services_->status_bar; }
 Surface& WebPlatform::surface() { return services_->surface; }

@@ -1,5 +1,6 @@
 #include "platform/web/web_window.h"
 
+#include "platform/web/web_keyboard.h"
 #include "platform/web/web_page.h"
 
 #include <emscripten/emscripten.h>
@@ -17,6 +18,7 @@ Json entries_as_json(const std::vector<MenuEntry>& entries) {
 }
 
 std::function<ReadableText()> readable_text;
+Rectangle floating_keyboard;
 
 } // namespace
 
@@ -59,18 +61,15 @@ void WebWindow::popup_menu(const std::vector<MenuEntry>& entries, int x, int y) 
     call_page("menu.popup", entries_as_json(entries), x, y);
 }
 
-void WebWindow::claim_keys(std::span<const KeyChord> chords) {
-    call_page(
-        "keys.claim", Json::array(chords, [](const KeyChord& chord) {
-            return Json::object({{"key", int(chord.key)}, {"modifiers", int(chord.modifiers)}});
-        }));
-}
+void WebWindow::claim_keys(std::span<const KeyChord> chords) { web_keyboard().claim(chords); }
 
 void WebWindow::place_keyboard(KeyboardPlace place, const Rectangle& wanted, int closed) {
-    keyboard_ = place == KeyboardPlace::floating ? wanted : Rectangle{};
+    if (place != KeyboardPlace::floating) floating_keyboard = {};
     call_page("window.placeKeyboard", int(place), wanted.left, wanted.top, wanted.width(),
               wanted.height(), closed);
 }
+
+Rectangle WebWindow::keyboard_rectangle() { return floating_keyboard; }
 
 void WebWindow::set_readable(const std::string& name, std::function<ReadableText()> text) {
     readable_text = std::move(text);
@@ -84,7 +83,12 @@ EMSCRIPTEN_KEEPALIVE void tarvelin_resized(int width, int height, double ratio) 
     WebContext& context = web_context();
     context.client = {width, height};
     context.ratio = ratio;
-    if (context.shown) context.post(Event::Kind::resized);
+    if (context.shown) context.post_once(Event::Kind::resized);
+}
+
+/// The floating keyboard lies there.
+EMSCRIPTEN_KEEPALIVE void tarvelin_keyboard_placed(int left, int top, int right, int bottom) {
+    floating_keyboard = {left, top, right, bottom};
 }
 
 EMSCRIPTEN_KEEPALIVE void tarvelin_menu_loop(int begins) {

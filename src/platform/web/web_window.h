@@ -26,8 +26,8 @@ public:
     void set_fixed_size(Size /*outer*/) override {}
     void set_least_size(Size /*outer*/) override {}
     void set_maximized(bool /*on*/) override {}
-    bool maximized() override { return false; }
-    void invalidate() override { context_.post(Event::Kind::paint); }
+    bool maximized() override { return true; } // the page is as large as it can be
+    void invalidate() override { context_.post_once(Event::Kind::paint); }
     void set_full_screen(bool on) override;
     void show_cursor(bool on) override;
     void set_menu(const std::vector<MenuEntry>& menus) override;
@@ -37,11 +37,10 @@ public:
     void popup_menu(const std::vector<MenuEntry>& entries, int x, int y) override;
     void claim_keys(std::span<const KeyChord> chords) override;
     void place_keyboard(KeyboardPlace place, const Rectangle& wanted, int closed) override;
-    Rectangle keyboard_rectangle() override { return keyboard_; }
+    Rectangle keyboard_rectangle() override;
     void set_readable(const std::string& name, std::function<ReadableText()> text) override;
 
 private:
     WebContext& context_;
     std::string title_;
-    Rectangle keyboard_;
 };
