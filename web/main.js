@@ -7,6 +7,7 @@ import { Menu } from './menu.js';
 import { Pads } from './pads.js';
 import { Panes } from './panes.js';
 import { Settings } from './settings.js';
+import { Sound } from './sound.js';
 import { Status } from './status.js';
 import { Store } from './store.js';
 import { Tube } from './tube.js';
@@ -26,6 +27,7 @@ async function start() {
   page.program = await createTarvelin(module);
   page.turns = new Turns(page);
   page.settings = new Settings();
+  page.sound = new Sound(page);
   page.store = new Store(page);
   page.panes = new Panes(page);
   page.tube = new Tube(page);

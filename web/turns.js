@@ -2,12 +2,13 @@
 
 const ON_EVENT = -1;
 const ENDED = -2;
-const SLICE = 12; // ms of turns at a stretch
+const SLICE = 12; // ms of turns at a stretch; between two of them the page paints and takes input
 
 export class Turns {
   constructor(page) {
     this.page = page;
     this.timer = 0;
+    this.asked = false;
     this.inside = false;
     this.channel = new MessageChannel();
     this.channel.port1.onmessage = () => this.run();
@@ -16,15 +17,21 @@ export class Turns {
 
   /// Something has happened.
   wake() {
-    if (this.inside) return;
+    if (!this.inside) this.soon();
+  }
+
+  /// The turn comes as a message, also after a timer: a timer that is set within a timer's call waits
+  /// 4 ms at least, and a message does not.
+  soon() {
     clearTimeout(this.timer);
     this.timer = 0;
+    if (this.asked || document.hidden) return;
+    this.asked = true;
     this.channel.port2.postMessage(0);
   }
 
   run() {
-    clearTimeout(this.timer);
-    this.timer = 0;
+    this.asked = false;
     if (document.hidden) return;
     const end = performance.now() + SLICE;
     let wait = 0;
@@ -36,7 +43,8 @@ export class Turns {
       this.inside = false;
     }
     if (wait === ENDED) return this.page.window.ended();
-    if (wait === 0) return this.channel.port2.postMessage(0);
-    if (wait !== ON_EVENT) this.timer = setTimeout(() => this.run(), wait / 1000);
+    if (wait === 0) return this.soon();
+    // Timers count whole milliseconds; too early would need another, short one.
+    if (wait !== ON_EVENT) this.timer = setTimeout(() => this.soon(), Math.ceil(wait / 1000));
   }
 }
