@@ -129,6 +129,10 @@ void resume_where_left() {
     StatusBarText("Resumed: %s", description_text(state.about).c_str());
 }
 
+bool resume_has_state() {
+    return shell_state.start.resumes && shell_state.resume && path_exists(resume_file());
+}
+
 void resume_keep_when_due() {
     if (!is_kept_now()) return;
     const int64_t seconds = seconds_since_kept();

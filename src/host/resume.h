@@ -10,6 +10,8 @@
 /// For the start: goes on with the state that is there, if the option is on and no file is given.
 /// A state that cannot be loaded is set aside and reported, and the machine starts as usual.
 void resume_where_left();
+/// True when the option is on and there is a state that a start without a file would go on with.
+bool resume_has_state();
 /// To be called between frames. Writes in a thread of its own: this call costs no more than a copy
 /// of the machine.
 void resume_keep_when_due();

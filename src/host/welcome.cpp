@@ -8,6 +8,7 @@
 #include "host/loaded_program.h"
 #include "host/menu.h"
 #include "host/messages.h"
+#include "host/resume.h"
 #include "host/settings/prefs.h"
 #include "host/shell_state.h"
 #include "platform/platform.h"
@@ -175,7 +176,7 @@ void ui_welcome() {
 
 void expect_welcome() {
     const bool wanted = shell_state.start.welcomes && !shell_state.welcome_shown &&
-                        !shell_state.resume && shell_state.start.line == CommandLine();
+                        !resume_has_state() && shell_state.start.line == CommandLine();
     welcome.frames_to_come = wanted ? FRAMES_BEFORE : 0;
 }
 

@@ -14,7 +14,7 @@ protected:
     HeadlessForm* welcome(const std::string& settings, const Arguments& line, bool wanted) {
         write_text(SETTINGS, settings);
         ShellOptions options;
-        options.welcomes = wanted;
+        options.welcomes = options.resumes = wanted;
         start(line, options);
         turn(25);
         HeadlessForm* form = host->forms().find("Welcome");
@@ -30,6 +30,9 @@ TEST_F(WelcomeTest, ComesOnceToSomebodyWhoAsksForNothingAndStartsWhatIsChosen) {
     const std::string game("\x01\x03\x00\x60\xAA\x02\x02\x00\x60", 9);
     for (const char* name : {"examples/tune.cmd", "game.cmd"}) write_text(name, game);
     program_directory = "bin";
+    const std::string state = "data/states/resume.tvs";
+    std::filesystem::create_directories("data/states");
+    write_text(state, "of the last run");
     EXPECT_FALSE(welcome("", {}, false));
     emu_close();
     for (const char* settings : {"Resume = 1", "WelcomeShown = 1"}) {
@@ -40,7 +43,8 @@ TEST_F(WelcomeTest, ComesOnceToSomebodyWhoAsksForNothingAndStartsWhatIsChosen) {
         EXPECT_FALSE(welcome("", {argument}, true)) << argument;
         emu_close();
     }
-    HeadlessForm* form = welcome("", {}, true);
+    std::filesystem::remove(state);
+    HeadlessForm* form = welcome("Resume = 1", {}, true);
     ASSERT_TRUE(form);
     EXPECT_NE(read_text(SETTINGS).find("WelcomeShown = 1"), std::string::npos);
     EXPECT_EQ(form->value(SYMBOLIC), 1) << "recommended";
