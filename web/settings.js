@@ -3,6 +3,8 @@
 const NAME = 'tarvelin.';
 
 export class Settings {
+  /// What is set from now on is for this run of the page alone.
+  keepNone() { this.ofThisRun = new Map(); }
   open() {
     try {
       localStorage.setItem(NAME, '');
@@ -11,10 +13,17 @@ export class Settings {
       return false; // storage is switched off
     }
   }
-  get(name) { return localStorage.getItem(NAME + name); }
+  get(name) {
+    try {
+      return this.ofThisRun?.get(name) ?? localStorage.getItem(NAME + name);
+    } catch {
+      return null;
+    }
+  }
   set(name, item) {
     try {
-      localStorage.setItem(NAME + name, item);
+      if (this.ofThisRun) this.ofThisRun.set(name, item);
+      else localStorage.setItem(NAME + name, item);
       return true;
     } catch {
       return false;

@@ -2,14 +2,27 @@
 
 #include "apps/program.h"
 #include "files/user_paths.h"
+#include "host/messages.h"
+#include "host/page_query.h"
 #include "host/turn.h"
+#include "platform/web/web_page.h"
 #include "platform/web/web_platform.h"
+#include "wall/report.h"
 
 #include <emscripten/emscripten.h>
+
+#include <cstring>
+#include <utility>
 
 namespace {
 
 constexpr double ON_EVENT = -1, ENDED = -2;
+
+/// What was running is there again when the page is, unless the user does not want that.
+void go_on_by_default(Settings& settings) {
+    constexpr const char* RESUME = "Resume";
+    if (!settings.number(RESUME)) settings.set_number(RESUME, 1);
+}
 
 } // namespace
 
@@ -27,11 +40,24 @@ EMSCRIPTEN_KEEPALIVE double tarvelin_turn() {
     }
     return ENDED;
 }
+
+/// Something in the page does not go as the user expects. Text, reason and remedy are behind each
+/// other.
+EMSCRIPTEN_KEEPALIVE void tarvelin_tell(const char* text) {
+    const char* const reason = text + std::strlen(text) + 1;
+    const char* const remedy = reason + std::strlen(reason) + 1;
+    obey_user([&] { report({.text = text, .reason = reason, .remedy = remedy}); });
+}
 }
 
 int main(int argc, char** argv) {
     static WebPlatform host; // the page outlives this function
-    const CommandLine line = read_command_line(program_arguments(argc, argv));
+    CommandLine line = read_command_line(program_arguments(argc, argv));
     if (!line.refusal.empty()) return fail(line.refusal);
+    read_page_query(ask_page("links.query").value_or(""), line);
+    // In another page's frame nothing is kept.
+    if (call_page("links.isEmbedded") != 0) line.settings.emplace_back("Resume", "0");
+    if (!line.settings.empty()) call_page("settings.keepNone");
+    go_on_by_default(host.settings());
     return start_in_window(host, line) ? 0 : 1;
 }

@@ -3,6 +3,7 @@
 #include "cgenie/hires_lowe.h"
 #include "cgenie/memory/memory.h"
 #include "core/machine.h"
+#include "host/page_query.h"
 #include "host/status.h"
 #include "support/host_files.h"
 #include "support/program_options.h"
@@ -187,6 +188,15 @@ TEST_F(CommandLineTest, ProblemsAreNamedInOneLine) {
     }
     EXPECT_EQ(memory[0x9000], 0) << "nothing is loaded";
     EXPECT_EQ(event_shutdown_timout, EVENT_DISARMED);
+}
+
+TEST(PageQuery, HasSettingsOfThisRun) {
+    CommandLine line;
+    read_page_query(
+        "?run=a%20b.cmd&keyboard=1&&tube=3&tube=2&scale=whole&mute=0&Resume=0&tube=&mute", line);
+    const decltype(line.settings) expected = {
+        {"ScreenKeyboard", "1"}, {"PictureTube", "2"}, {"WindowScale", "1"}, {"Sound", "1"}};
+    EXPECT_EQ(line.settings, expected);
 }
 
 } // namespace

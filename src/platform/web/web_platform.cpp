@@ -4,6 +4,7 @@
 #include "platform/web/web_clipboard.h"
 #include "platform/web/web_clock.h"
 #include "platform/web/web_dialogs.h"
+#include "platform/web/web_downloads.h"
 #include "platform/web/web_events.h"
 #include "platform/web/web_forms.h"
 #include "platform/web/web_joysticks.h"
@@ -24,6 +25,7 @@ struct WebPlatform::Services {
     WebWindow window{context};
     WebSurface surface{panes.pane(PaneId::picture)};
     WebDialogs dialogs;
+    WebDownloads downloads;
     WebForms forms;
     WebAudio audio;
     WebClipboard clipboard;
@@ -41,6 +43,7 @@ Audio& WebPlatform::audio() { return services_->audio; }
 Clipboard& WebPlatform::clipboard() { return services_->clipboard; }
 Clock& WebPlatform::clock() { return services_->clock; }
 Dialogs& WebPlatform::dialogs() { return services_->dialogs; }
+Downloads* WebPlatform::downloads() { return &services_->downloads; }
 Events& WebPlatform::events() { return services_->events; }
 Forms& WebPlatform::forms() { return services_->forms; }
 Joysticks& WebPlatform::joysticks() { return services_->joysticks; }

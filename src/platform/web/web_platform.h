@@ -14,6 +14,7 @@ public:
     Clipboard& clipboard() override;
     Clock& clock() override;
     Dialogs& dialogs() override;
+    Downloads* downloads() override;
     Events& events() override;
     Forms& forms() override;
     Joysticks& joysticks() override;
