@@ -1,8 +1,17 @@
 #!/usr/bin/env bash
 # Builds the program and starts it with the arguments given, or with a demonstration. Without a
 # display it runs the same headless and says where it wrote the picture.
+# With --web it builds the browser's page and hands it out on this computer; a port may follow.
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
+
+if [[ ${1:-} == --web ]]; then
+    "$here/scripts/dependencies.sh" web
+    cd "$here"
+    [[ -f build/web/build.ninja ]] || cmake --preset web -DBUILD_TESTING=OFF >/dev/null
+    cmake --build build/web --target web >&2
+    exec scripts/serve.py build/web/site "${@:2}"
+fi
 
 "$here/scripts/dependencies.sh" run
 (

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs what the project needs from the distribution's packages, and only what is missing.
-# usage: scripts/dependencies.sh run|test|windows|package|pictures
+# usage: scripts/dependencies.sh run|web|test|windows|package|pictures
 set -euo pipefail
 
 # The compiler's optimisation across files goes serially, with a warning, without make.
@@ -17,9 +17,17 @@ windows_packages=(g++-mingw-w64-x86-64-posix wine wine64 nsis dpkg-dev googletes
 package_packages=(debootstrap dpkg-dev)
 picture_packages=(xvfb xdotool x11-utils openbox imagemagick librsvg2-bin)
 
+web_packages=(g++ cmake ninja-build pasmo libtomlplusplus-dev emscripten dpkg-dev python3)
+# A browser for the page's tests; Node.js may be another archive's, which has npm in it.
+web_test_packages=(chromium)
+for tool in node:nodejs npm:npm; do
+    command -v "${tool%:*}" >/dev/null || web_test_packages+=("${tool#*:}")
+done
+
 packages=("${run_packages[@]}")
 case ${1:-run} in
-test) packages+=("${test_packages[@]}" "${windows_packages[@]}") ;;
+test) packages+=("${test_packages[@]}" "${windows_packages[@]}" "${web_packages[@]}" "${web_test_packages[@]}") ;;
+web) packages=("${web_packages[@]}") ;;
 windows) packages+=("${windows_packages[@]}") ;;
 package) packages+=("${package_packages[@]}") ;;
 pictures) packages+=("${picture_packages[@]}") ;;
@@ -33,7 +41,7 @@ done
 # What the distribution has for itself only.
 library_sources() {
     case $1 in
-    test | windows) "$(dirname "$0")/library-sources.sh" ;;
+    test | windows | web) "$(dirname "$0")/library-sources.sh" ;;
     esac
 }
 if [[ ${#missing[@]} -eq 0 ]]; then
