@@ -44,6 +44,7 @@ struct CommandLine {
     std::string record;              ///< replay to record
     std::string replay;              ///< replay to play
     std::optional<int64_t> to_frame; ///< of the replay
+    std::string link;                ///< to start with, see links.h; a page has it, and no argument
 
     std::vector<Switch> switches;   ///< from left to right
     std::vector<std::string> files; ///< from left to right

@@ -14,6 +14,7 @@
 #include "host/command_table_media.h"
 #include "host/command_table_pads.h"
 #include "host/command_table_panels.h"
+#include "host/command_table_share.h"
 #include "host/command_table_time.h"
 #include "host/command_table_tube.h"
 #include "host/command_table_window.h"
@@ -530,7 +531,8 @@ std::span<const CommandRow> command_table() {
         for (const auto behind :
              {time_command_rows(), file_command_rows(), help_command_rows(), pad_command_rows(),
               window_command_rows(), panel_command_rows(), tube_command_rows(),
-              media_command_rows(), keyboard_command_rows(), download_command_rows()}) {
+              media_command_rows(), keyboard_command_rows(), download_command_rows(),
+              share_command_rows()}) {
             table.insert(table.end(), behind.begin(), behind.end());
         }
         return table;

@@ -3,6 +3,7 @@
 #include "host/command_table.h"
 #include "host/examples.h"
 #include "host/recent.h"
+#include "host/shell_state.h"
 #include "platform/pane.h"
 #include "platform/platform.h"
 
@@ -89,6 +90,10 @@ MenuEntry file_menu() {
                        item(COMMAND_NEW_DISK),
                        item(COMMAND_NEW_TAPE)};
     if (platform().downloads()) entries.push_back(download_menu());
+    if (!shell_state.start.page_address.empty()) {
+        entries.push_back(
+            submenu("&Share", {item(COMMAND_SHARE_PROGRAM), item(COMMAND_SHARE_REPLAY)}));
+    }
     entries.insert(entries.end(), {SEPARATOR, item(COMMAND_LOAD_SNAPSHOT),
                                    item(COMMAND_SAVE_SNAPSHOT), media_snapshots_menu()});
     entries.push_back(item(COMMAND_EXIT));

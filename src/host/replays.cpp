@@ -3,6 +3,7 @@
 #include "host/recent.h"
 
 #include "core/frame_driver.h"
+#include "core/machine_events.h"
 #include "core/pacing/pacing.h"
 #include "files/file_identity.h"
 #include "files/whole_file.h"
@@ -20,9 +21,11 @@
 #include "media/files/cassette_files.h"
 #include "media/files/drive_files.h"
 #include "media/files/tape_sound_files.h"
+#include "media/tape_audio.h"
 #include "media/wd1771.h"
 #include "platform/platform.h"
 #include "time/event_feed.h"
+#include "time/history.h"
 #include "time/replay.h"
 #include "wall/machine_host.h"
 
@@ -54,13 +57,15 @@ struct {
 
 // ---- recording ---------------------------------------------------------------------------------
 
-/// The machine alone, with all its media, and without the user's paths.
-std::vector<uint8_t> state_with_media() {
+/// The machine without the user's paths.
+parked_state machine_alone() {
     parked_state parked = park_machine();
     parked.about.media = {};
     parked.about.attachments = {};
-    return pack_state(parked, MediaInState::all);
+    return parked;
 }
+
+std::vector<uint8_t> state_with_media() { return pack_state(machine_alone(), MediaInState::all); }
 
 replay_tape tape_that_plays() {
     const played_wav wav = tape_sound_played();
@@ -211,6 +216,35 @@ void end_replay_recording() {
     StatusBarText("Replay of %lld frames recorded: %s",
                   static_cast<long long>(recording.recorder.frames()), recording.path.c_str());
     file_is_complete(recording.path);
+}
+
+std::string replay_of_history(int64_t first, int64_t last, std::vector<uint8_t>& file) {
+    if (!history_is_kept()) return "no history is kept";
+    std::vector<machine_event> events;
+    std::string problem = history_events(first, last, events);
+    if (!problem.empty()) return problem;
+    if (first == last) return "the machine has just begun";
+    bool plays_tape =
+        std::ranges::find(events, event_kind::tape_play_wav, &machine_event::kind) != events.end();
+    std::vector<uint8_t> state;
+    problem = history_visit(first, [&] {
+        plays_tape = plays_tape || tape_audio.playing;
+        parked_state then = machine_alone();
+        then.about.picture = {}; // nobody looks at it
+        state = pack_state(then, MediaInState::all);
+    });
+    if (plays_tape) return "a cassette plays that is not a part of it";
+    replay_check check;
+    if (problem.empty()) {
+        problem = history_visit(last, [&] { check = replay_check_now(last - first); });
+    }
+    if (!problem.empty()) return problem;
+    ReplayWriter writer;
+    writer.begin(file, TARVELIN_VERSION);
+    writer.state(state);
+    writer.events(events, check);
+    writer.end(last - first);
+    return {};
 }
 
 void record_replay() {

@@ -19,6 +19,11 @@ void record_replay();
 /// For each frame of the live machine: tells when a recording has failed.
 void replay_frame_ran();
 
+/// The frames of the history behind `first`, up to the end of frame `last`, as the bytes of a
+/// replay file; no other state may have been loaded between them. Returns an empty text, or in
+/// words for the user why there is none.
+std::string replay_of_history(int64_t first, int64_t last, std::vector<uint8_t>& file);
+
 /// Plays the file from now on, up to the end of frame `last`; then, with an unattended shell, the
 /// program ends. Before that the media are taken out as main_disk_image_detach has it; when a disk
 /// stays, or the file cannot be played, the user is told, and nothing changes.

@@ -120,7 +120,8 @@ void resume_where_left() {
     if (!shell_state.start.resumes || !shell_state.resume || !claim_file()) return;
     resume.kept_at = platform().clock().counter();
     const CommandLine& line = shell_state.start.line;
-    const bool has_other_task = !line.files.empty() || !line.load_state.empty();
+    const bool has_other_task =
+        !line.files.empty() || !line.load_state.empty() || !line.link.empty();
     if (has_other_task || !path_exists(resume_file())) return;
     parked_state state;
     const std::string problem = read_state_file(resume_file(), state);

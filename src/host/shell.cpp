@@ -22,6 +22,7 @@
 #include "host/joysticks.h"
 #include "host/keep_history.h"
 #include "host/key_map.h"
+#include "host/links.h"
 #include "host/loaded_program.h"
 #include "host/machine_callbacks.h"
 #include "host/media_panels.h"
@@ -138,6 +139,7 @@ void emu_init(const ShellOptions& options) {
     if (!line.wav.empty()) start_sound_recording(line.wav); // from the first frame on
     if (!line.load_state.empty()) load_state_file(line.load_state);
     get_command_line(line);
+    if (!line.link.empty()) start_link(line.link);
     if (!g_bSound) sound_null_driver_init(); // the command line may have switched it off
     set_check_marks();
     start_screen_keyboard();
@@ -187,6 +189,7 @@ void emu_close(std::function<void()> done) {
 
 bool start_shell(const ShellOptions& options) {
     const CommandLine& line = options.line;
+    shell_state.start = options; // which the menu is made by
     connect_machine();
     Window& window = platform().window();
     if (!window.create(WINDOW_TITLE)) return false;

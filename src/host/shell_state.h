@@ -24,6 +24,7 @@ struct ShellOptions {
     bool remembers_files = false;         ///< that were opened, see recent.h
     bool answers_memory_question = false; ///< of a machine that was switched on, after a while
     bool welcomes = false;                ///< at the first start
+    std::string page_address = {};        ///< for links, which there are none of without it
 };
 
 /// What the main window has got its size for.

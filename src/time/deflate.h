@@ -16,5 +16,10 @@ std::vector<uint8_t> deflated(std::span<const uint8_t> bytes,
 /// What was deflated, when it is exactly `size` bytes; nothing when it is not, or is damaged. No
 /// more than that many bytes are taken from the memory.
 std::optional<std::vector<uint8_t>> inflated(std::span<const uint8_t> bytes, size_t size);
+/// The same without zlib's head and check sum, as the web's "deflate-raw". To be inflated, it need
+/// not be known how much it becomes: nothing when that is more than `most`, or what is there is
+/// damaged, cut off or followed by anything.
+std::vector<uint8_t> deflated_raw(std::span<const uint8_t> bytes);
+std::optional<std::vector<uint8_t>> inflated_raw(std::span<const uint8_t> bytes, size_t most);
 /// CRC-32 of the bytes, behind those of which `before` is the CRC.
 uint32_t crc32_of(std::span<const uint8_t> bytes, uint32_t before = 0);

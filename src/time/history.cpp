@@ -406,5 +406,31 @@ void history_go_on() {
     tell_others();
 }
 
+std::string history_visit(int64_t frame, const std::function<void()>& look) {
+    if (!history) return "no history is kept";
+    history->live ? event_feed_frame() : event_feed_past(history->reader);
+    machine_state now;
+    machine_save(now);
+    Picture picture;
+    std::string trouble = go_to(*history->states.at(frame), frame, picture);
+    if (trouble.empty()) look();
+    const MachineMute mute;
+    machine_load(now);
+    return trouble;
+}
+
+int64_t history_unbroken(int64_t from, int64_t to) {
+    return history ? history->events.unbroken(from, to) : to;
+}
+
+std::string history_events(int64_t from, int64_t to, std::vector<machine_event>& events) {
+    if (!history) return "no history is kept";
+    machine_log log;
+    size_t first = 0;
+    std::string trouble = history->events.between(from, to, log, first);
+    events.insert(events.end(), log.events.begin() + ptrdiff_t(first), log.events.end());
+    return trouble;
+}
+
 uint64_t history_bytes() { return history ? history->events.bytes() + history->states.bytes() : 0; }
 uint64_t history_states() { return history ? history->states.all().size() : 0; }

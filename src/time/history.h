@@ -13,7 +13,11 @@
 #include "wall/shared_bytes.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
+#include <vector>
+
+struct machine_event;
 
 struct history_settings {
     /// Bytes that it may take. Beyond them states of the older time are dropped, so that it takes
@@ -67,6 +71,17 @@ bool history_is_live();
 std::string history_show(int64_t frame);
 /// Plays on from here: what came after is forgotten.
 void history_go_on();
+
+/// Calls `look` with the machine as it was at the end of that frame, and then it is again as it is
+/// now, the past or the present. Nobody is told or shown anything. Returns an empty text, or why it
+/// cannot be had.
+std::string history_visit(int64_t frame, const std::function<void()>& look);
+/// The first frame from `from` on from which events alone lead to frame `to`: between them no other
+/// state was loaded.
+int64_t history_unbroken(int64_t from, int64_t to);
+/// Appends the events from the end of one frame to the end of another. Returns an empty text, or
+/// what is wrong.
+std::string history_events(int64_t from, int64_t to, std::vector<machine_event>& events);
 
 /// Bytes that the history takes, about.
 uint64_t history_bytes();

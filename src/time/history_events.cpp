@@ -98,3 +98,12 @@ std::string HistoryEvents::between(int64_t from, int64_t to, machine_log& log, s
     }
     return trouble;
 }
+
+int64_t HistoryEvents::unbroken(int64_t from, int64_t to) {
+    std::string trouble;
+    for (int64_t at = to; at > from; --at) {
+        const Plain* const plain = holder(at - 1, trouble);
+        if (!plain || plain->events[plain->end_of(at) - 1].kind != event_kind::frame_end) return at;
+    }
+    return from;
+}

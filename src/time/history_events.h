@@ -24,6 +24,9 @@ public:
     /// The events from the end of one frame to the end of another: number `first` of the log and
     /// those behind. Returns an empty text, or what is wrong.
     std::string between(int64_t from, int64_t to, machine_log& log, size_t& first);
+    /// The first frame from `from` on from which events lead to `to`: between them no other state
+    /// was loaded.
+    int64_t unbroken(int64_t from, int64_t to);
     uint64_t bytes() const { return bytes_ + open_.events.size() * sizeof(machine_event); }
 
 private:

@@ -131,6 +131,16 @@ std::optional<replay_rom> rom_reference_of(const machine_event& event) {
 
 bool ReplayWriter::open(const std::string& path, std::string_view program_version) {
     file_ = open_file(path, "wb");
+    memory_ = nullptr;
+    return head(program_version);
+}
+
+void ReplayWriter::begin(std::vector<uint8_t>& bytes, std::string_view program_version) {
+    memory_ = &bytes;
+    head(program_version);
+}
+
+bool ReplayWriter::head(std::string_view program_version) {
     size_ = 0;
     ByteWriter head;
     head.raw(bytes_of_text(MARK));
@@ -140,6 +150,11 @@ bool ReplayWriter::open(const std::string& path, std::string_view program_versio
 }
 
 bool ReplayWriter::put(std::span<const uint8_t> bytes) {
+    if (memory_) {
+        memory_->insert(memory_->end(), bytes.begin(), bytes.end());
+        size_ += bytes.size();
+        return true;
+    }
     if (!file_) return false;
     const bool written = std::fwrite(bytes.data(), 1, bytes.size(), file_.get()) == bytes.size();
     if (!written || std::fflush(file_.get()) != 0) {

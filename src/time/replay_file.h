@@ -61,6 +61,8 @@ class ReplayWriter {
 public:
     /// Makes the file; its chunks follow.
     bool open(const std::string& path, std::string_view program_version);
+    /// Begins in the memory instead, at the end of `bytes`, which must outlive the writer.
+    void begin(std::vector<uint8_t>& bytes, std::string_view program_version);
     bool state(std::span<const uint8_t> state_file);
     bool tape(const replay_tape& tape);
     bool events(std::span<const machine_event> events, const replay_check& behind);
@@ -70,7 +72,9 @@ public:
 private:
     bool put(std::span<const uint8_t> bytes);
     bool chunk(char kind, std::span<const uint8_t> contents);
+    bool head(std::string_view program_version);
     FileHandle file_;
+    std::vector<uint8_t>* memory_ = nullptr; ///< in place of the file
     uint64_t size_ = 0;
 };
 

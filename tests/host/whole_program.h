@@ -31,7 +31,9 @@ protected:
         renew();
         ASSERT_TRUE(host->window().create("start"));
         create_menu();
+        const std::string link = options.line.link;
         options.line = read_command_line(arguments);
+        options.line.link = link;
         emu_init(options);
     }
     /// Turns until nothing holds the shell any more; runs no frame.
