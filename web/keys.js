@@ -55,6 +55,9 @@ export class Keys {
       focused.tagName === 'CANVAS' || focused.parentElement?.id === 'keyboard_buttons';
   }
 
+  /// The HostKey of a key that the program does not get; 0 for one without.
+  hostKey(event) { return this.page.program._tarvelin_host_key(PLACES.get(event.code) ?? 0); }
+
   /// What the keys give alone, where the browser tells it.
   async askForLayout() {
     try {

@@ -3,6 +3,7 @@
 import createTarvelin from './tarvelin.js';
 import { Dialogs } from './dialogs.js';
 import { Files } from './files.js';
+import { Forms } from './forms.js';
 import { Keys } from './keys.js';
 import { Links } from './links.js';
 import { Menu } from './menu.js';
@@ -55,6 +56,7 @@ async function start() {
   page.window = new PageWindow(page);
   page.menu = new Menu(page);
   page.status = new Status(page);
+  page.forms = new Forms(page);
   page.dialogs = new Dialogs(page);
   page.keys = new Keys(page);
   page.files = new Files(page);

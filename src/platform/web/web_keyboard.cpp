@@ -20,6 +20,12 @@ void WebKeyboard::release_all() {
     }
 }
 
+bool WebKeyboard::claims(uint8_t key, uint8_t modifiers) const {
+    return std::ranges::any_of(claimed_, [=](const KeyChord& chord) {
+        return chord.key == key && chord.modifiers == modifiers;
+    });
+}
+
 bool WebKeyboard::key(uint8_t place, bool down, uint8_t modifiers, bool repeat, bool alt_gr) {
     const uint8_t key = layout_.host_key(place);
     if (!down) {
@@ -28,9 +34,7 @@ bool WebKeyboard::key(uint8_t place, bool down, uint8_t modifiers, bool repeat, 
         send(Event::Kind::key_up, held ? held.mapped() : key, modifiers, false);
         return false;
     }
-    const bool claimed = std::ranges::any_of(claimed_, [=](const KeyChord& chord) {
-        return chord.key == key && chord.modifiers == modifiers;
-    });
+    const bool claimed = claims(key, modifiers);
     if (!repeat) held_[place] = key;
     // A command's key is not the machine's, not even when its Alt goes up first.
     if (!repeat && !claimed) pressed_.press(place, key, alt_gr);
@@ -64,6 +68,15 @@ EMSCRIPTEN_KEEPALIVE int tarvelin_key(int place, int down, int modifiers, int re
     const bool claimed =
         web_keyboard().key(uint8_t(place), down != 0, uint8_t(modifiers), repeat != 0, alt_gr != 0);
     return claimed ? 1 : 0;
+}
+
+/// 1 when a command has this HostKey with these Modifier bits.
+EMSCRIPTEN_KEEPALIVE int tarvelin_claims(int key, int modifiers) {
+    return web_keyboard().claims(uint8_t(key), uint8_t(modifiers)) ? 1 : 0;
+}
+
+EMSCRIPTEN_KEEPALIVE int tarvelin_host_key(int place) {
+    return web_keyboard().host_key(uint8_t(place));
 }
 
 /// With the modifiers of a LearnedLayout::Level, the key gives that code point.

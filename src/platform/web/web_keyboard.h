@@ -26,6 +26,9 @@ public:
     void release_all() override;
     void release_tapped() override { pressed_.release_tapped(); }
 
+    bool claims(uint8_t key, uint8_t modifiers) const;
+    /// Of the key at this place, in the layout as far as it is known.
+    uint8_t host_key(uint8_t place) const { return layout_.host_key(place); }
     void claim(std::span<const KeyChord> chords) { claimed_.assign(chords.begin(), chords.end()); }
     /// True for a press that is claimed.
     bool key(uint8_t place, bool down, uint8_t modifiers, bool repeat, bool alt_gr);

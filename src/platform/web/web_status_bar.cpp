@@ -59,9 +59,21 @@ void WebStatusBar::redraw() {
     if (context_.sink) context_.sink->draw_status();
 }
 
+extern "C" {
+
 /// The tip of a button, asked for when it is to be shown; gone at the next call.
-extern "C" EMSCRIPTEN_KEEPALIVE const char* tarvelin_status_tip(int button) {
+EMSCRIPTEN_KEEPALIVE const char* tarvelin_status_tip(int button) {
     static std::string tip;
-    tip = size_t(button) < buttons_now.size() ? buttons_now[button].tip() : "";
+    tip = size_t(button) < buttons_now.size() ? buttons_now[size_t(button)].tip() : "";
     return tip.c_str();
+}
+
+EMSCRIPTEN_KEEPALIVE void tarvelin_status_button(int button) {
+    web_context().post(Event::Kind::status_button, button);
+}
+
+/// What was drawn into the bar is lost, or its colours are others.
+EMSCRIPTEN_KEEPALIVE void tarvelin_draw_status() {
+    if (web_context().sink) web_context().sink->draw_status();
+}
 }

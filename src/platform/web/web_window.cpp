@@ -7,16 +7,6 @@
 
 namespace {
 
-Json entries_as_json(const std::vector<MenuEntry>& entries) {
-    return Json::array(entries, [](const MenuEntry& entry) {
-        return Json::object({{"id", entry.id},
-                             {"text", entry.text},
-                             {"checked", entry.checked},
-                             {"state", int(entry.state)},
-                             {"children", entries_as_json(entry.children)}});
-    });
-}
-
 std::function<ReadableText()> readable_text;
 Rectangle floating_keyboard;
 
@@ -42,24 +32,6 @@ void WebWindow::set_title(const std::string& title) {
 void WebWindow::set_full_screen(bool on) { call_page("window.setFullScreen", on); }
 
 void WebWindow::show_cursor(bool on) { call_page("window.showCursor", on); }
-
-void WebWindow::set_menu(const std::vector<MenuEntry>& menus) {
-    call_page("menu.set", entries_as_json(menus));
-}
-
-void WebWindow::check_item(int id, bool checked) { call_page("menu.check", id, checked); }
-
-void WebWindow::set_item_text(int id, const std::string& text) {
-    call_page("menu.setText", id, text);
-}
-
-void WebWindow::set_item_state(int id, ItemState state) {
-    call_page("menu.setState", id, int(state));
-}
-
-void WebWindow::popup_menu(const std::vector<MenuEntry>& entries, int x, int y) {
-    call_page("menu.popup", entries_as_json(entries), x, y);
-}
 
 void WebWindow::claim_keys(std::span<const KeyChord> chords) { web_keyboard().claim(chords); }
 
@@ -89,20 +61,6 @@ EMSCRIPTEN_KEEPALIVE void tarvelin_resized(int width, int height, double ratio) 
 /// The floating keyboard lies there.
 EMSCRIPTEN_KEEPALIVE void tarvelin_keyboard_placed(int left, int top, int right, int bottom) {
     floating_keyboard = {left, top, right, bottom};
-}
-
-EMSCRIPTEN_KEEPALIVE void tarvelin_menu_loop(int begins) {
-    EventSink* const sink = web_context().sink;
-    if (!sink) return;
-    begins ? sink->loop_begins() : sink->loop_ends();
-}
-
-EMSCRIPTEN_KEEPALIVE void tarvelin_menu_opens() {
-    if (web_context().sink) web_context().sink->menu_opens();
-}
-
-EMSCRIPTEN_KEEPALIVE void tarvelin_item_highlighted(int id) {
-    if (web_context().sink) web_context().sink->item_highlighted(id);
 }
 
 /// The text on the screen, with an end of each line; gone at the next call.

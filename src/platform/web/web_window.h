@@ -2,6 +2,7 @@
 /// The main window is the page itself: its size is what the browser gives it.
 
 #include "platform/web/web_context.h"
+#include "platform/web/web_menu.h"
 #include "platform/window.h"
 
 class WebWindow final : public Window {
@@ -30,11 +31,13 @@ public:
     void invalidate() override { context_.post_once(Event::Kind::paint); }
     void set_full_screen(bool on) override;
     void show_cursor(bool on) override;
-    void set_menu(const std::vector<MenuEntry>& menus) override;
-    void check_item(int id, bool checked) override;
-    void set_item_text(int id, const std::string& text) override;
-    void set_item_state(int id, ItemState state) override;
-    void popup_menu(const std::vector<MenuEntry>& entries, int x, int y) override;
+    void set_menu(const std::vector<MenuEntry>& menus) override { menu_.set(menus); }
+    void check_item(int id, bool checked) override { menu_.check(id, checked); }
+    void set_item_text(int id, const std::string& text) override { menu_.set_text(id, text); }
+    void set_item_state(int id, ItemState state) override { menu_.set_state(id, state); }
+    void popup_menu(const std::vector<MenuEntry>& entries, int x, int y) override {
+        menu_.popup(entries, x, y);
+    }
     void claim_keys(std::span<const KeyChord> chords) override;
     void place_keyboard(KeyboardPlace place, const Rectangle& wanted, int closed) override;
     Rectangle keyboard_rectangle() override;
@@ -42,5 +45,6 @@ public:
 
 private:
     WebContext& context_;
+    WebMenu menu_;
     std::string title_;
 };
