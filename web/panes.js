@@ -72,14 +72,15 @@ class Pane {
     const box = this.canvas.getBoundingClientRect();
     if (!box.width || !box.height) return;
     const ratio = devicePixelRatio;
-    const [wide, high] = exact || [Math.round(box.right * ratio) - Math.round(box.left * ratio),
-                                   Math.round(box.bottom * ratio) - Math.round(box.top * ratio)];
-    const size = [Math.round(box.width), Math.round(box.height), wide, high];
+    let pixels = [Math.round(box.right * ratio) - Math.round(box.left * ratio),
+                  Math.round(box.bottom * ratio) - Math.round(box.top * ratio)];
+    // Tools that show the page as on another device tell the pixels of this one.
+    if (exact?.every((side, n) => Math.abs(side - pixels[n]) <= 1)) pixels = exact;
+    const size = [Math.round(box.width), Math.round(box.height), ...pixels];
     if (this.size && size.every((side, n) => side === this.size[n])) return;
     this.size = size;
     this.ratio = ratio;
-    this.canvas.width = wide;
-    this.canvas.height = high;
+    [this.canvas.width, this.canvas.height] = pixels;
     this.page.program._tarvelin_pane_resized(this.number, ...size, paint ? 1 : 0);
     this.page.turns.wake();
   }
