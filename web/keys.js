@@ -40,7 +40,8 @@ export class Keys {
     this.dead = null;
     addEventListener('keydown', event => this.down(event));
     addEventListener('keyup', event => this.up(event));
-    addEventListener('focusin', () => { if (!this.areOurs()) this.letGo(); });
+    addEventListener('focusin', event => this.focused(event.target));
+    addEventListener('pointerdown', () => this.mark(null), true);
     this.typing.addEventListener('input', event => this.typed(event));
     this.typing.addEventListener('blur', () => this.typing.classList.remove('open'));
     document.getElementById('phone_keys').onclick = () => this.openPhoneKeys();
@@ -57,6 +58,17 @@ export class Keys {
 
   /// The HostKey of a key that the program does not get; 0 for one without.
   hostKey(event) { return this.page.program._tarvelin_host_key(PLACES.get(event.code) ?? 0); }
+
+  /// A frame around the picture would be in the way, but where Tab has led must be seen.
+  mark(element) {
+    document.querySelector('.by-tab')?.classList.remove('by-tab');
+    element?.classList.add('by-tab');
+  }
+
+  focused(element) {
+    if (!this.areOurs()) this.letGo();
+    this.mark(this.latest === 'Tab' && element.tagName === 'CANVAS' ? element : null);
+  }
 
   /// What the keys give alone, where the browser tells it.
   async askForLayout() {
@@ -98,6 +110,8 @@ export class Keys {
   }
 
   down(event) {
+    this.latest = event.key;
+    this.mark(null);
     this.releaseLost(event);
     this.page.program._tarvelin_control(event.ctrlKey ? 1 : 0);
     if (event.defaultPrevented || event.isComposing || event.metaKey || !this.areOurs()) return;
