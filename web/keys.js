@@ -117,16 +117,17 @@ export class Keys {
     if (event.defaultPrevented || event.isComposing || event.metaKey || !this.areOurs()) return;
     if (this.isOfButton(event)) return;
     const place = PLACES.get(event.code);
-    if (!place) return;
-    this.learnFrom(event);
     const third = altGr(event);
+    const isBrowsers = !third && this.isBrowsers(event);
+    if (!place || (isBrowsers && (event.ctrlKey || event.shiftKey))) return;
+    this.learnFrom(event);
     const modifiers = (event.shiftKey ? SHIFT : 0) | (event.ctrlKey || third ? CONTROL : 0) |
       (event.altKey || third ? ALT : 0);
     if (!event.repeat) this.held.set(event.code, place);
     const isAltGr = event.key === 'AltGraph' || (MAC && event.key === 'Alt');
     const claimed = this.page.program._tarvelin_key(place, 1, modifiers, event.repeat ? 1 : 0,
                                                     isAltGr ? 1 : 0);
-    if (claimed || !this.isBrowsers(event, third)) event.preventDefault();
+    if (claimed || !isBrowsers) event.preventDefault();
     this.page.turns.wake();
   }
 
@@ -167,11 +168,10 @@ export class Keys {
       /^(Arrow.*|Enter|Space|Tab)$/.test(event.code);
   }
 
-  isBrowsers(event, third) {
-    if (third) return false;
+  isBrowsers(event) {
     if (event.altKey) return !/^Alt/.test(event.code);
     if (event.ctrlKey) return event.shiftKey || BROWSERS_CONTROL.test(event.code);
-    return BROWSERS_F.test(event.code) || (event.code === 'Tab' && event.shiftKey);
+    return BROWSERS_F.test(event.code) || (event.code === 'Tab' && event.shiftKey); // a way out
   }
 
   // A phone's own keyboard has no keys: what it writes into the field is typed into the machine.
