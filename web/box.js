@@ -38,6 +38,8 @@ export class Box {
       this.onEscape();
     });
     this.header.addEventListener('pointerdown', event => this.grab(event));
+    this.element.addEventListener('pointerdown', () => this.raise());
+    this.pageResized = () => this.stayWithin();
   }
 
   /// Buttons go to the end of the box.
@@ -57,14 +59,15 @@ export class Box {
     } else {
       this.element.show();
       this.raise();
-      this.element.addEventListener('pointerdown', () => this.raise());
     }
     (first ?? this.default ?? this.element).focus();
+    addEventListener('resize', this.pageResized);
   }
 
   raise() { this.element.style.zIndex = front = Math.min(front + 1, 29); }
 
   close() {
+    removeEventListener('resize', this.pageResized);
     const had = this.isOpen;
     this.isOpen = false;
     const hadFocus = this.element.contains(document.activeElement);
@@ -85,9 +88,11 @@ export class Box {
 
   /// Within the page, where boxes have a place at all.
   move(left, top) {
+    const { style } = this.element;
+    this.isMoved = !SHEET.matches;
+    style.inset = style.margin = '';
     if (SHEET.matches) return;
     const { width, height } = this.size();
-    const { style } = this.element;
     style.inset = 'auto';
     style.margin = '0';
     style.left = Math.max(0, Math.min(left, innerWidth - width)) + 'px';
@@ -95,9 +100,17 @@ export class Box {
   }
 
   /// Not higher than the page below its top; the contents scroll then.
-  keepWithin() {
+  keepHeight() {
     const { top } = this.element.getBoundingClientRect();
     this.element.style.maxHeight = SHEET.matches ? '' : `calc(100vh - ${Math.round(top) + 8}px)`;
+  }
+
+  /// The page has got another size.
+  stayWithin() {
+    if (!this.isMoved) return;
+    const { left, top } = this.element.getBoundingClientRect();
+    this.move(left, top);
+    if (SHEET.matches) this.element.style.maxHeight = '';
   }
 
   grab(event) {
@@ -150,15 +163,16 @@ export class Box {
 
 const lines = text => text.replace(/\r\n?/g, '\n');
 
-/// A box with words, an icon and buttons; the first of them is the default.
-export function wordsBox(title, text, icon, answers, done) {
+/// A box with words, an icon and buttons, one of which Enter presses.
+export function wordsBox(title, text, icon, answers, done, usual = 0) {
   const words = make('p', { class: 'box-words', id: newId() }, lines(text));
   const box = new Box(title, { onEscape: () => done(NO_ANSWER), role: icon ? 'alertdialog' : null });
   box.element.setAttribute('aria-describedby', words.id);
   box.element.classList.add('words');
-  if (icon) box.contents.append(make('span', { class: 'icon icon-' + icon.toLowerCase(), role: 'img', 'aria-label': icon }));
+  const look = { class: 'icon icon-' + icon.toLowerCase(), role: 'img', 'aria-label': icon };
+  if (icon) box.contents.append(make('span', look));
   box.contents.append(words);
   box.addButtons(...answers.map((answer, place) => box.button(answer, () => done(place))));
-  box.setDefault(box.footer.firstElementChild);
+  box.setDefault(box.footer.children[usual]);
   return box;
 }

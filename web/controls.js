@@ -37,7 +37,8 @@ class Words extends Control {
     this.setText(described.text);
   }
   setText(text) {
-    this.label = text;
+    if (this.shown === text) return;
+    this.label = this.shown = text;
     this.kind === 'label' ? write(this.element, text) : this.element.textContent = text;
   }
   enable(on) { this.element.classList.toggle('faint', !on); }
@@ -78,7 +79,8 @@ class Mark extends Control {
 class Push extends Control {
   constructor(form, described) {
     super(form, described, make('button', { class: 'push' }));
-    if (described.kind === 'button' && described.text.length <= SMALL_BUTTON_TEXT) this.element.classList.add('small');
+    const isSmall = described.kind === 'button' && described.text.length <= SMALL_BUTTON_TEXT;
+    this.element.classList.toggle('small', isSmall);
     this.setText(described.text);
     this.element.addEventListener('click', () => this.tell(PRESSED));
   }
@@ -124,7 +126,8 @@ class Picture extends Control {
   setText(text) {
     this.label = '';
     const lines = text.split('\n');
-    this.words.replaceChildren(...lines.map((line, n) => make(n || !this.chosen ? 'span' : 'b', { title: line }, line)));
+    const name = n => n || !this.chosen ? 'span' : 'b';
+    this.words.replaceChildren(...lines.map((line, n) => make(name(n), { title: line }, line)));
   }
   /// The address of a file, or a canvas, or nothing.
   setPicture(picture) {
@@ -175,14 +178,15 @@ class List extends Control {
 class Edit extends Control {
   constructor(form, described, name, element = null) {
     const { limit } = described;
-    const input = make('input', { type: 'text', maxlength: limit || null, autocomplete: 'off',
-      autocapitalize: 'off', spellcheck: 'false', size: String(Math.min(limit || UNLIMITED_FIELD, WIDEST_FIELD)) });
+    const size = String(Math.min(limit || UNLIMITED_FIELD, WIDEST_FIELD));
+    const input = make('input', { type: 'text', maxlength: limit || null, size, autocomplete: 'off',
+      autocapitalize: 'off', spellcheck: 'false' });
     super(form, described, element ?? input, input);
     input.value = described.text;
     this.label = '';
     input.addEventListener('input', () => this.tell(CHANGED, 0, input.value));
   }
-  setText(text) { this.input.value = text; }
+  setText(text) { if (this.input.value !== text) this.input.value = text; } // the cursor stays
 }
 
 /// A field with a list beside it.
@@ -221,7 +225,8 @@ class Combo extends Edit {
 class Slider extends Control {
   constructor(form, described) {
     const { lowest, highest, page } = described;
-    super(form, described, make('input', { type: 'range', min: lowest, max: highest, step: '1', value: lowest }));
+    const range = { type: 'range', min: lowest, max: highest, step: '1', value: lowest };
+    super(form, described, make('input', range));
     this.element.addEventListener('input', () => this.tell(CHANGED, Number(this.element.value)));
     this.element.addEventListener('keydown', event => {
       const step = { PageUp: page, PageDown: -page }[event.key];
@@ -257,6 +262,7 @@ export class Builder {
     case 'grid': return this.grid(described, naming);
     case 'group': return this.group(described);
     case 'scroll': {
+      this.form.box.element.classList.add('tall');
       const element = make('div', { class: 'form-scroll', tabindex: '-1' });
       this.all(described.children, element, naming);
       return element;
@@ -285,6 +291,9 @@ export class Builder {
     const element = make('div', { class: 'form-grid' });
     const columns = Math.max(...described.children.map(row => row.children.length));
     element.style.setProperty('--columns', String(columns));
+    const further = Array(Math.max(0, columns - 2)).fill('auto');
+    const tracks = ['fit-content(34%)', 'minmax(0, 1fr)', ...further].slice(0, columns);
+    element.style.setProperty('--narrow', tracks.join(' '));
     this.markPictures(element, described.children.flatMap(row => row.children), naming);
     for (const row of described.children) {
       const rowNaming = { label: null, name: naming.name };
@@ -293,6 +302,9 @@ export class Builder {
         if (!place) made.classList.add('row-start');
         element.append(made);
       });
+      // Where there is little room, a short row has all of it.
+      element.lastChild.style.setProperty('--span', String(columns - row.children.length + 1));
+      element.lastChild.classList.add('row-end');
     }
     return element;
   }

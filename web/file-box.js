@@ -21,11 +21,12 @@ export class FileBox {
       keepsRow: true, name: 'Files' });
     this.table.onChoice = () => this.marked();
     this.table.onActivation = () => this.accept();
-    this.none = make('p', { class: 'files-none' }, described.save
-      ? 'No files of this kind here yet.' : 'No files of this kind here yet. Bring one from this device, or drop it on the page.');
+    const remedy = described.save ? '' : ' Bring one from this device, or drop it on the page.';
+    this.none = make('p', { class: 'files-none' }, 'No files of this kind here yet.' + remedy);
     const middle = make('div', { class: 'files-middle' }, this.table.element, this.none);
     if (described.preview) {
-      this.preview = make('pre', { class: 'files-preview', tabindex: '0', 'aria-label': 'What is in the file' });
+      this.preview = make('pre', { class: 'files-preview', tabindex: '0', role: 'region',
+        'aria-label': 'What is in the file' });
       this.previewOf = preview;
       middle.append(this.preview);
     }
@@ -87,7 +88,8 @@ export class FileBox {
   /// Shows the files, with that of a path marked.
   list(path = this.file()?.path) {
     this.files = this.page.store.list(this.filter().pattern);
-    this.table.setRows(this.files.map(file => [file.name, sizeText(file.size), timeText(file.time)].join('\t')));
+    const cells = ({ name, size, time }) => [name, sizeText(size), timeText(time)];
+    this.table.setRows(this.files.map(file => cells(file).join('\t')));
     this.none.hidden = this.files.length > 0;
     this.table.element.hidden = !this.files.length;
     this.table.mark(Math.max(0, this.files.findIndex(file => file.path === path)));
@@ -122,7 +124,7 @@ export class FileBox {
     if (!path) return this.box.first.focus();
     const { exists } = this.page.program.FS.analyzePath(path);
     if (!this.described.save || !exists) return this.finish(path);
-    this.ask('Save', `${path.slice(FOLDER.length)} is there already. Replace it?`, ['&Replace', 'Cancel'],
+    this.ask('Save', `${path.slice(FOLDER.length)} is there already. Replace it?`, '&Replace',
              () => this.finish(path));
   }
 
@@ -130,19 +132,19 @@ export class FileBox {
     this.done({ path, filter: this.types.selectedIndex, fields: this.edits.map(edit => edit.value) });
   }
 
-  /// A question on top; the first answer acts.
-  ask(title, text, answers, act) {
-    const question = wordsBox(title, text, 'Question', answers, answer => {
+  /// A question on top, whose answer is no unless the user chooses the other one.
+  ask(title, text, yes, act) {
+    const question = wordsBox(title, text, 'Question', [yes, 'Cancel'], answer => {
       question.close();
       if (answer === 0) act();
-    });
+    }, 1);
     question.open(true);
   }
 
   remove() {
     const { path, name } = this.file();
     this.ask('Remove', `Remove ${name} from this page? Only a copy that you have downloaded stays.`,
-             ['&Remove', 'Cancel'], () => {
+             '&Remove', () => {
                this.page.store.remove(path);
                this.list();
              });

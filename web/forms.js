@@ -59,7 +59,7 @@ class PageForm {
     const usual = width > client.width / 2 ? (client.width - width) / 2 : client.width - width - 8;
     const [left, top] = this.place ?? [usual, 8];
     this.box.move(client.left + left, client.top + top);
-    this.box.keepWithin();
+    this.box.keepHeight();
   }
 
   move(left, top) {

@@ -33,7 +33,11 @@ export class Menu {
     });
     addEventListener('keydown', event => this.keyAnywhere(event), true);
     addEventListener('blur', () => this.leave());
-    addEventListener('resize', () => this.leave());
+    this.width = innerWidth;
+    addEventListener('resize', () => {
+      if (this.width !== innerWidth) this.leave();
+      this.width = innerWidth;
+    });
     NARROW.addEventListener('change', () => this.draw());
   }
 
@@ -127,6 +131,7 @@ export class Menu {
     this.page.program._tarvelin_menu_opens();
     this.open(this.menus, button, null);
     this.lists[0].element.classList.add('menu-panel');
+    this.backdrop.classList.add('veil');
     this.step(this.lists[0].element, null, 1);
   }
 
@@ -145,6 +150,7 @@ export class Menu {
     if (!this.active) return;
     this.closeTo(0);
     this.active = false;
+    document.documentElement.classList.remove('access-keys');
     if (takesFocusBack) refocus(this.before);
     this.page.program._tarvelin_menu_loop(0);
     this.page.turns.wake();
@@ -177,7 +183,9 @@ export class Menu {
       if (element.contains(document.activeElement)) opener?.focus();
       element.remove();
     }
-    if (!count) this.backdrop.remove();
+    if (count) return;
+    this.backdrop.remove();
+    this.backdrop.classList.remove('veil');
   }
 
   /// A separator stands only between items that are seen.
@@ -288,7 +296,7 @@ export class Menu {
 
   /// F10 and the access keys of the bar, unless the program takes them for itself.
   keyAnywhere(event) {
-    if (event.ctrlKey || event.metaKey || document.querySelector('dialog:modal')) return;
+    if (event.ctrlKey || event.metaKey || document.querySelector('dialog.modal[open]')) return;
     document.documentElement.classList.toggle('access-keys', event.altKey || this.active);
     if (NARROW.matches || this.active) return;
     if (event.key === 'F10' && !event.altKey && !event.shiftKey && !this.claims(0x79, 0)) {

@@ -60,10 +60,11 @@ export class Status {
     if (!this.parts) return;
     while (this.buttons.length > described.length) this.buttons.pop().remove();
     while (this.buttons.length < described.length) this.buttons.push(this.button(this.buttons.length));
-    described.forEach(({ name, left, top, width, height }, place) => {
-      const button = this.buttons[place];
+    described.forEach(({ name, left, top, width, height }, number) => {
+      const button = this.buttons[number];
       button.setAttribute('aria-label', name);
-      Object.assign(button.style, { left: left + 'px', top: top + 'px', width: width + 'px', height: height + 'px' });
+      const place = { left, top, width, height };
+      for (const [side, points] of Object.entries(place)) button.style[side] = points + 'px';
     });
   }
 

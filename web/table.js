@@ -25,7 +25,11 @@ export class Table {
     this.element.style.width = `min(100%, ${width}ch + 28px)`;
     this.element.style.setProperty('--lines', String(lines + (isList ? 0 : 1)));
     this.table.addEventListener('keydown', event => this.key(event));
-    this.body.addEventListener('pointerdown', event => this.choose(this.rowAt(event.target)));
+    this.body.addEventListener('pointerdown', event => {
+      if (event.pointerType === 'mouse') this.choose(this.rowAt(event.target));
+    });
+    // A finger that touches a row may be about to scroll.
+    this.body.addEventListener('click', event => this.choose(this.rowAt(event.target)));
     this.body.addEventListener('dblclick', () => this.onActivation());
   }
 
@@ -82,7 +86,8 @@ export class Table {
   }
 
   key(event) {
-    const page = Math.max(1, Math.floor(this.element.clientHeight / (this.body.rows[0]?.offsetHeight || 20)) - 1);
+    const height = this.body.rows[0]?.offsetHeight || 20;
+    const page = Math.max(1, Math.floor(this.element.clientHeight / height) - 1);
     const steps = { ArrowUp: -1, ArrowDown: 1, PageUp: -page, PageDown: page, Home: -1e6, End: 1e6 };
     if (event.key in steps && !event.altKey) {
       event.preventDefault();
