@@ -7,6 +7,7 @@ export class Links {
   }
   query() { return location.search; }
   fragment() { return location.hash; }
+  hasProgram() { return /^#(basic|replay)=/.test(location.hash); }
   address() { return location.href.replace(/[?#].*/, ''); }
   isEmbedded() { return window.parent !== window; }
   touchScreen() { return matchMedia('(pointer: coarse)').matches; }

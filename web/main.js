@@ -64,6 +64,7 @@ async function start() {
   const file = await coming;
   const path = file && '/program/run/' + file.name;
   if (file) page.store.write(path, file.bytes, Date.now());
+  page.store.startsWithLink(Boolean(file) || page.links.hasProgram());
   page.window.measure();
   page.program.callMain(path ? ['--', path] : []);
   page.turns = new Turns(page);

@@ -6,6 +6,7 @@ export class Settings {
   /// What is set from now on is for this run of the page alone.
   keepNone() { this.ofThisRun = new Map(); }
   open() {
+    if (this.ofThisRun) return true;
     try {
       localStorage.setItem(NAME, '');
       return true;

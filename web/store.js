@@ -6,6 +6,7 @@ import programFiles from './program-files.js';
 
 const NAME = 'tarvelin';
 const USERS = '/store/files';
+const DATA = '/store/data';
 const LOOK = 500;        // ms between two looks for changes
 const LARGE = 4 << 20;   // a file that is larger is kept
 const REST = 2000;       //   when it has not grown for so many ms, as films do
@@ -79,7 +80,7 @@ export class Store {
 
   async open() {
     const { FS } = this.page.program;
-    for (const folder of [USERS, '/store/data', '/store/config', '/program']) FS.mkdirTree(folder);
+    for (const folder of [USERS, DATA, '/store/config', '/program']) FS.mkdirTree(folder);
     for (const [path, { bytes, time, brought }] of await this.kept) {
       // What the program keeps for itself belongs to the page that has the store.
       if (!this.ours && folderOf(path) !== USERS) continue;
@@ -100,6 +101,20 @@ export class Store {
   }
 
   isOurs() { return this.ours; }
+
+  /// To be called before the program starts. A link takes the place of the machine that the user left
+  /// himself, which stays among his files.
+  startsWithLink(yes) {
+    const { FS } = this.page.program;
+    const mark = DATA + '/started-by-link';
+    const state = DATA + '/states/resume.tvs';
+    const before = FS.analyzePath(mark).exists;
+    if (yes && !before && FS.analyzePath(state).exists) {
+      this.write(USERS + '/Before the link.tvs', this.bytesOf(state), Date.now());
+    }
+    if (yes) FS.writeFile(mark, '');
+    else if (before) FS.unlink(mark);
+  }
 
   write(path, bytes, time) {
     const { FS } = this.page.program;

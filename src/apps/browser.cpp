@@ -2,6 +2,8 @@
 
 #include "apps/program.h"
 #include "files/user_paths.h"
+#include "host/dialogs/hold.h"
+#include "host/links.h"
 #include "host/messages.h"
 #include "host/page_query.h"
 #include "host/turn.h"
@@ -24,6 +26,13 @@ void go_on_by_default(Settings& settings) {
     if (!settings.number(RESUME)) settings.set_number(RESUME, 1);
 }
 
+/// What stands behind the "#" of the page's address, when it is for the program.
+std::string link_to_start() {
+    std::string fragment = ask_page("links.fragment").value_or("");
+    const Link link = read_link(fragment);
+    return link.name.empty() && link.problem.empty() ? std::string() : fragment;
+}
+
 } // namespace
 
 extern "C" {
@@ -39,6 +48,11 @@ EMSCRIPTEN_KEEPALIVE double tarvelin_turn() {
     case ShellTurn::Next::end: return ENDED;
     }
     return ENDED;
+}
+
+/// The user has followed a link to another fragment of the page's address.
+EMSCRIPTEN_KEEPALIVE void tarvelin_open_link(const char* fragment) {
+    when_free([link = std::string(fragment)] { obey_user([&] { follow_link(link); }); });
 }
 
 /// Something in the page does not go as the user expects. Text, reason and remedy are behind each
@@ -57,7 +71,10 @@ int main(int argc, char** argv) {
     read_page_query(ask_page("links.query").value_or(""), line);
     // In another page's frame nothing is kept.
     if (call_page("links.isEmbedded") != 0) line.settings.emplace_back("Resume", "0");
+    line.link = link_to_start();
     if (!line.settings.empty()) call_page("settings.keepNone");
     go_on_by_default(host.settings());
-    return start_in_window(host, line) ? 0 : 1;
+    ShellOptions options;
+    options.page_address = ask_page("links.address").value_or("");
+    return start_in_window(host, line, options) ? 0 : 1;
 }

@@ -3,6 +3,7 @@
 #include "cgenie/memory/memory.h"
 #include "cgenie/typing/typing.h"
 #include "core/frame_driver.h"
+#include "core/machine_events.h"
 #include "core/pacing/pacing.h"
 #include "host/autostart.h"
 #include "host/replays.h"
@@ -136,6 +137,15 @@ void start_link(std::string_view fragment) {
     autostart_bytes(link.name, link.bytes);
     // What is typed to load and run it need not be watched.
     for (int n = 0; n < MOST_TYPING && !typing_text.empty(); ++n) do_some_frames(1);
+}
+
+void follow_link(std::string_view fragment) {
+    const Link link = read_link(fragment);
+    if (!link.name.empty()) {
+        end_replay();
+        machine_apply(event_kind::restart);
+    }
+    start_link(fragment);
 }
 
 void share_program() {

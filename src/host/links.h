@@ -32,6 +32,9 @@ struct Link {
 Link read_link(std::string_view fragment);
 /// Starts what the link has, or reports what is wrong with it. A program is then running already.
 void start_link(std::string_view fragment);
+/// The same for a link that the user follows while the machine runs: it is switched off and on
+/// before, so that it does not matter what ran.
+void follow_link(std::string_view fragment);
 
 // The commands. Each puts the page's address (ShellOptions) with its link into the clipboard, and
 // tells how long it is, or why there is none.
