@@ -282,6 +282,7 @@ export class Builder {
     const pictures = children.filter(child => child.kind.startsWith('picture'));
     if (!pictures.length) return;
     element.classList.add('pictures');
+    this.form.box.element.classList.add('with-pictures');
     if (pictures[0].kind !== 'picture') return;
     element.setAttribute('role', 'radiogroup');
     element.setAttribute('aria-label', naming.name || this.form.title);

@@ -298,7 +298,8 @@ export class Menu {
   keyAnywhere(event) {
     if (event.ctrlKey || event.metaKey || document.querySelector('dialog.modal[open]')) return;
     document.documentElement.classList.toggle('access-keys', event.altKey || this.active);
-    if (NARROW.matches || this.active) return;
+    const isHidden = !this.bar.offsetHeight; // on the whole screen
+    if (NARROW.matches || this.active || isHidden) return;
     if (event.key === 'F10' && !event.altKey && !event.shiftKey && !this.claims(0x79, 0)) {
       this.take(event);
       this.bar.firstElementChild?.focus();

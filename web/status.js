@@ -18,6 +18,7 @@ export class Status {
     this.element.hidden = true;
     this.buttons = [];
     new ResizeObserver(() => this.drawAnew()).observe(this.element);
+    addEventListener('resize', () => { if (devicePixelRatio !== this.ratio) this.drawAnew(); });
     matchMedia('(prefers-color-scheme: dark)').addEventListener('change', () => this.drawAnew());
   }
 
