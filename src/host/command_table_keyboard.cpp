@@ -43,7 +43,6 @@ std::span<const CommandRow> keyboard_command_rows() {
                      .place = NumberAccess{
                          [] { return uint32_t(shell_state.keyboard_place); },
                          [](uint32_t n) { shell_state.keyboard_place = KeyboardPlace(n); }},
-                     .initial = 0,
                      .read = StartStep::picture,
                      .possible = [](uint32_t n) { return n > LAST_PLACE ? 0 : n; }}},
         {.id = COMMAND_KEYBOARD_FLOATING,

@@ -28,8 +28,7 @@
 
 namespace {
 
-constexpr int64_t INTERVAL = 60;     ///< seconds between two states
-constexpr int64_t DISK_INTERVAL = 1; ///< after something was written to a disk
+constexpr int64_t DISK_INTERVAL = 1; ///< seconds, after something was written to a disk
 
 struct {
     std::optional<NameClaim> claim; ///< on the file
@@ -137,7 +136,8 @@ bool resume_has_state() {
 void resume_keep_when_due() {
     if (!is_kept_now()) return;
     const int64_t seconds = seconds_since_kept();
-    if (seconds < DISK_INTERVAL || (seconds < INTERVAL && !disks_have_changed())) return;
+    if (seconds < DISK_INTERVAL) return;
+    if (seconds < shell_state.start.resume_interval && !disks_have_changed()) return;
     if (!is_writing()) start_writing();
 }
 

@@ -1,9 +1,9 @@
 #pragma once
 /// Going on where the program was left: with the option "Resume" the state of the machine is in
-/// states/resume.tvs of the user's data directory, as it was a minute ago at most, or a second ago
-/// when a disk was written to, and exactly when the program ends in order. Only one program at a
-/// time uses that file. It has all media, so that only what was done since is lost if the program
-/// is killed.
+/// states/resume.tvs of the user's data directory, as it was a minute ago at most
+/// (ShellOptions::resume_interval), or a second ago when a disk was written to, and exactly when
+/// the program ends in order. Only one program at a time uses that file. It has all media, so that
+/// only what was done since is lost if the program is killed.
 ///
 /// None of this happens unless the program's main asks for it (ShellOptions::resumes).
 

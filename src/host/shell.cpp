@@ -79,6 +79,8 @@ void tell_what_is_left_out(const CommandLine& line) {
 void take_over(const ShellOptions& options) {
     shell_state.start = options;
     shell_state.keep_history = options.keep_history;
+    shell_state.keyboard_place =
+        options.touch_screen ? KeyboardPlace::docked : KeyboardPlace::hidden;
     for (const auto& [name, value] : options.line.settings) store_setting(name, value);
     if (!options.unattended) return;
     answer_video_compression(platform().settings().text("VideoCodec").value_or("uncompressed"));

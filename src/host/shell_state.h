@@ -25,6 +25,8 @@ struct ShellOptions {
     bool answers_memory_question = false; ///< of a machine that was switched on, after a while
     bool welcomes = false;                ///< at the first start
     std::string page_address = {};        ///< for links, which there are none of without it
+    bool touch_screen = false;            ///< keyboard docked, unless the settings say otherwise
+    uint32_t resume_interval = 60; ///< seconds from one state to resume to the next, see resume.h
 };
 
 /// What the main window has got its size for.

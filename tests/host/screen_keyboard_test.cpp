@@ -134,6 +134,15 @@ TEST_F(ScreenKeyboardTest, IsDrawnWhenSomethingChangesAndKeepsItsPlace) {
         update_screen_keyboard();
         return host->pane(PaneId::keyboard).stretches - before;
     };
+    for (const int touch : {1, 0}) {
+        start({}, {.line = {}, .touch_screen = touch == 1});
+        EXPECT_EQ(int(shell_state.keyboard_place), touch);
+        emu_close();
+        start({}, {.line = {}, .touch_screen = touch == 0});
+        EXPECT_EQ(int(shell_state.keyboard_place), touch) << "as it is in the settings";
+        emu_close();
+        std::filesystem::remove(SETTINGS);
+    }
     write_text(SETTINGS, "ScreenKeyboard = 1");
     start();
     const int height = docked_keyboard_height(host->window().client_size().width);
