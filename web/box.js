@@ -19,7 +19,7 @@ export class Box {
     this.header = make('header', {}, this.heading, closer);
     this.contents = make('div', { class: 'box-contents' });
     this.footer = make('footer', { hidden: true });
-    this.element = make('dialog', { class: 'box', 'aria-labelledby': this.heading.id, role },
+    this.element = make('dialog', { class: 'box', tabindex: '-1', 'aria-labelledby': this.heading.id, role },
                         this.header, this.contents, this.footer);
     this.onEscape = onEscape;
     this.isOpen = false;

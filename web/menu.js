@@ -24,8 +24,9 @@ export class Menu {
     this.backdrop = make('div', { class: 'menu-backdrop' });
     this.backdrop.addEventListener('pointerdown', event => {
       event.preventDefault();
-      this.leave();
+      if (event.pointerType === 'mouse') this.leave();
     });
+    this.backdrop.addEventListener('click', () => this.leave()); // a finger's end of touch is nobody else's
     this.bar.addEventListener('keydown', event => this.keyInMenu(event));
     this.bar.addEventListener('focusin', () => this.enter());
     this.bar.addEventListener('focusout', event => {
