@@ -74,10 +74,14 @@ async function start() {
   requestAnimationFrame(() => setTimeout(later));
 }
 
-/// What the first picture need not wait for.
+/// What the first picture need not wait for, and what is tried again at the next visit.
 async function later() {
-  await page.store.fetchExamples();
-  if (!page.links.isEmbedded()) await navigator.serviceWorker?.register('service-worker.js');
+  try {
+    await page.store.fetchExamples();
+    if (!page.links.isEmbedded()) await navigator.serviceWorker?.register('service-worker.js');
+  } catch (problem) {
+    console.log('Not all files for visits without a network: ' + problem.message);
+  }
 }
 
 start().catch(problem => {
