@@ -19,6 +19,7 @@
 namespace {
 
 constexpr double ON_EVENT = -1, ENDED = -2;
+constexpr uint32_t RESUME_INTERVAL = 5; ///< seconds: browsers end pages without a word
 
 /// What was running is there again when the page is, unless the user does not want that.
 void go_on_by_default(Settings& settings) {
@@ -75,6 +76,8 @@ int main(int argc, char** argv) {
     if (!line.settings.empty()) call_page("settings.keepNone");
     go_on_by_default(host.settings());
     ShellOptions options;
+    options.touch_screen = call_page("links.touchScreen") != 0;
+    options.resume_interval = RESUME_INTERVAL;
     options.page_address = ask_page("links.address").value_or("");
     return start_in_window(host, line, options) ? 0 : 1;
 }
