@@ -38,7 +38,8 @@ export class Box {
       this.onEscape();
     });
     this.header.addEventListener('pointerdown', event => this.grab(event));
-    this.element.addEventListener('pointerdown', () => this.raise());
+    this.element.addEventListener('pointerdown', () => this.activate());
+    this.element.addEventListener('focusin', event => { this.focused = event.target; });
     this.pageResized = () => this.stayWithin();
   }
 
@@ -62,6 +63,12 @@ export class Box {
     }
     (first ?? this.default ?? this.element).focus();
     addEventListener('resize', this.pageResized);
+  }
+
+  /// In front, with the keyboard.
+  activate() {
+    this.raise();
+    if (!this.element.contains(document.activeElement)) (this.focused ?? this.element).focus();
   }
 
   raise() { this.element.style.zIndex = front = Math.min(front + 1, 29); }
@@ -89,7 +96,7 @@ export class Box {
   /// Within the page, where boxes have a place at all.
   move(left, top) {
     const { style } = this.element;
-    this.isMoved = !SHEET.matches;
+    this.place = { left, top };
     style.inset = style.margin = '';
     if (SHEET.matches) return;
     const { width, height } = this.size();
@@ -107,10 +114,9 @@ export class Box {
 
   /// The page has got another size.
   stayWithin() {
-    if (!this.isMoved) return;
-    const { left, top } = this.element.getBoundingClientRect();
-    this.move(left, top);
-    if (SHEET.matches) this.element.style.maxHeight = '';
+    if (!this.place) return;
+    this.move(this.place.left, this.place.top);
+    this.keepHeight();
   }
 
   grab(event) {
@@ -132,7 +138,9 @@ export class Box {
       this.onEscape();
     } else if (event.altKey && event.key.length === 1) {
       this.accessKey(event);
-    } else if (event.key === 'Enter' && !event.target.closest('button, a, summary')) {
+    } else if (event.key === 'Enter' && event.repeat) {
+      event.preventDefault(); // it may have opened this box
+    } else if (event.key === 'Enter' && !event.target.closest('button, a')) {
       event.preventDefault();
       this.default?.click();
     }
