@@ -19,7 +19,10 @@ export class Pads {
     const pad = navigator.getGamepads?.()[number];
     return pad && pad.connected ? pad : null;
   }
-  count() { return navigator.getGamepads?.().length || 0; }
+  /// Up to the last place that is taken.
+  count() {
+    return [...navigator.getGamepads?.() || []].reduce((n, pad, at) => (pad ? at + 1 : n), 0);
+  }
   plugged(number) { return this.get(number) !== null; }
   name(number) { return this.get(number)?.id || ''; }
   kind(number) {

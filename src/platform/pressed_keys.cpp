@@ -2,19 +2,25 @@
 
 #include <algorithm>
 
-void PressedKeys::press(int source, uint8_t key, bool alt_gr) {
+void PressedKeys::press(uint64_t source, uint8_t key, bool alt_gr) {
     std::erase_if(pressed_, [=](const Pressed& tapped) { return tapped.source == source; });
     if (key != KEY_NONE) pressed_.push_back({source, key, alt_gr});
 }
 
-void PressedKeys::release(int source) {
-    const auto found = std::ranges::find(pressed_, source, &Pressed::source);
-    if (found == pressed_.end()) return;
-    if (found->frames > 0) {
-        found->tapped = true;
+bool PressedKeys::release(uint64_t source) {
+    return end(std::ranges::find(pressed_, source, &Pressed::source));
+}
+
+void PressedKeys::release_key(uint8_t key) { end(std::ranges::find(pressed_, key, &Pressed::key)); }
+
+bool PressedKeys::end(std::vector<Pressed>::iterator press) {
+    if (press == pressed_.end()) return false;
+    if (press->frames > 0) {
+        press->tapped = true;
     } else {
-        pressed_.erase(found);
+        pressed_.erase(press);
     }
+    return true;
 }
 
 void PressedKeys::release_tapped() {
@@ -27,4 +33,9 @@ bool PressedKeys::is_down(uint8_t key) const {
     return std::ranges::any_of(pressed_, [=](const Pressed& pressed) {
         return pressed.key == key || (alt_gr_too && pressed.alt_gr);
     });
+}
+
+bool PressedKeys::is_held(uint64_t source) const {
+    const auto found = std::ranges::find(pressed_, source, &Pressed::source);
+    return found != pressed_.end() && !found->tapped;
 }

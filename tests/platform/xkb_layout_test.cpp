@@ -1,6 +1,7 @@
 #include "platform/qt/xkb_layout.h"
 
 #include "platform/events.h"
+#include "platform/learned_layout.h"
 
 #include <gtest/gtest.h>
 
@@ -43,7 +44,62 @@ std::string name(const std::optional<KeyForCharacter>& key) {
     return key ? std::to_string(key->key) + "+" + std::to_string(key->modifiers) : "none";
 }
 
+uint32_t accent_of(xkb_keysym_t symbol) {
+    switch (symbol) {
+    case XKB_KEY_dead_grave: return '`';
+    case XKB_KEY_dead_acute: return '\'';
+    case XKB_KEY_dead_circumflex: return '^';
+    case XKB_KEY_dead_tilde: return '~';
+    case XKB_KEY_dead_diaeresis: return '"';
+    default: return 0;
+    }
+}
+
+/// Types all keys that give a character, alone, with Shift and with AltGr.
+void teach(LearnedLayout& learned, const char* layout) {
+    const XkbContextPointer context(xkb_context_new(XKB_CONTEXT_NO_FLAGS));
+    const xkb_rule_names names{nullptr, nullptr, layout, nullptr, nullptr};
+    const XkbKeymapPointer keymap(
+        xkb_keymap_new_from_names(context.get(), &names, XKB_KEYMAP_COMPILE_NO_FLAGS));
+    constexpr xkb_keycode_t OFFSET = 8, SHIFT = 42, ALT_GR_KEY = 100;
+    for (uint8_t level = 0; level < LearnedLayout::LEVELS; ++level) {
+        const XkbStatePointer state(xkb_state_new(keymap.get()));
+        if (level & 1) xkb_state_update_key(state.get(), OFFSET + SHIFT, XKB_KEY_DOWN);
+        if (level & 2) xkb_state_update_key(state.get(), OFFSET + ALT_GR_KEY, XKB_KEY_DOWN);
+        for (uint8_t place = 1; place < 128; ++place) {
+            const uint32_t accent =
+                accent_of(xkb_state_key_get_one_sym(state.get(), OFFSET + place));
+            const uint32_t given =
+                accent ? accent : xkb_state_key_get_utf32(state.get(), OFFSET + place);
+            learned.learn(place, LearnedLayout::Level(level), given, accent != 0);
+        }
+    }
+}
+
 } // namespace
+
+// A layout that was learned key by key, each of them after another one, is as the system tells it.
+TEST(LearnedLayout, BecomesTheOneThatIsTyped) {
+    LearnedLayout learned;
+    EXPECT_EQ(name(learned.key_for('"')), name(KeyForCharacter{KEY_OEM_7, MODIFIER_SHIFT}));
+    EXPECT_TRUE(learned.learn(16, LearnedLayout::plain, 'a')); // the French A, where US has Q
+    EXPECT_FALSE(learned.learn(16, LearnedLayout::plain, 'a'));
+    EXPECT_EQ(learned.host_key(30), 'Q') << "the place of A counts for Q, until it is known";
+    for (const char* layout : {"us", "gb", "de", "fr", "ru"}) {
+        teach(learned, layout);
+        teach(learned, layout); // what was typed before the first contradiction is forgotten
+        const XkbLayout xkb = XkbLayout::from_names(layout, nullptr);
+        for (char code = ' '; code < 127; ++code)
+            EXPECT_EQ(name(learned.key_for(code)), name(xkb.key_for(code))) << layout << code;
+        for (uint8_t place = 1; place < 58; ++place) {
+            const uint8_t key = learned.host_key(place);
+            if (!types_a_character(key)) continue;
+            EXPECT_EQ(key, xkb.virtual_key(8U + place)) << layout << int(place);
+            if (xkb.label(key) >= "\xD0") continue; // Cyrillic has no capitals here
+            EXPECT_EQ(learned.label(key), xkb.label(key)) << layout << int(place);
+        }
+    }
+}
 
 // Every ASCII character of five layouts, read off the keyboards.
 TEST(XkbLayout, KeyOfEveryCharacter) {

@@ -78,13 +78,6 @@ QtKeyboard::QtKeyboard() {
     layout_ = source_ ? source_->layout() : XkbLayout::from_names(nullptr, nullptr);
 }
 
-bool QtKeyboard::is_down(uint8_t key) {
-    const bool alt_gr_too = key == KEY_CONTROL || key == KEY_ALT;
-    return std::any_of(pressed_.begin(), pressed_.end(), [=](const Pressed& pressed) {
-        return pressed.key == key || (alt_gr_too && pressed.key == KEY_ALT_GR);
-    });
-}
-
 bool QtKeyboard::control_is_held() {
     return QGuiApplication::queryKeyboardModifiers().testFlag(Qt::ControlModifier) ||
            is_down(KEY_CONTROL);
@@ -92,13 +85,6 @@ bool QtKeyboard::control_is_held() {
 
 std::optional<KeyForCharacter> QtKeyboard::key_for(char character) {
     return layout_.key_for(character);
-}
-
-void QtKeyboard::release_all() { pressed_.clear(); }
-
-void QtKeyboard::release_tapped() {
-    for (Pressed& pressed : pressed_) pressed.frames -= pressed.frames > 0;
-    std::erase_if(pressed_, [](const Pressed& key) { return key.tapped && key.frames == 0; });
 }
 
 bool QtKeyboard::refresh() {
@@ -125,14 +111,9 @@ uint8_t QtKeyboard::key_of(const QKeyEvent& event) const {
     return scan != 0 ? layout_.virtual_key(scan) : key_by_meaning(event, layout_);
 }
 
-bool QtKeyboard::is_held(const QKeyEvent& event) const {
-    const auto found = std::ranges::find(pressed_, key_source(event), &Pressed::source);
-    return found != pressed_.end() && !found->tapped;
-}
-
 void QtKeyboard::key_event(const QKeyEvent& event, bool down) {
     // On X, Qt's own mark is missing on most repeats.
-    if (event.isAutoRepeat() || (down && is_held(event))) return;
+    if (event.isAutoRepeat() || (down && pressed_.is_held(key_source(event)))) return;
     if (down)
         press(event);
     else
@@ -141,27 +122,12 @@ void QtKeyboard::key_event(const QKeyEvent& event, bool down) {
 
 void QtKeyboard::press(const QKeyEvent& event) {
     update_layout();
-    const uint8_t key = key_of(event);
-    const uint64_t source = key_source(event);
-    std::erase_if(pressed_, [=](const Pressed& tapped) { return tapped.source == source; });
-    if (key != KEY_NONE) pressed_.push_back({source, key});
+    pressed_.press(key_source(event), virtual_key(event), key_of(event) == KEY_ALT_GR);
 }
 
 /// A key goes up as the HostKey that it went down as, even if the layout has changed since.
 void QtKeyboard::release(const QKeyEvent& event) {
-    const uint64_t source = key_source(event);
-    auto found = std::find_if(pressed_.begin(), pressed_.end(),
-                              [=](const Pressed& pressed) { return pressed.source == source; });
-    if (found == pressed_.end() && event.nativeScanCode() == 0) {
-        // Without scan codes, "!" goes up as "1" when Shift went up before it.
-        const uint8_t key = key_of(event);
-        found = std::find_if(pressed_.begin(), pressed_.end(),
-                             [=](const Pressed& pressed) { return pressed.key == key; });
-    }
-    if (found == pressed_.end()) return;
-    if (found->frames > 0) {
-        found->tapped = true;
-    } else {
-        pressed_.erase(found);
-    }
+    const bool known = pressed_.release(key_source(event));
+    // Without scan codes, "!" goes up as "1" when Shift went up before it.
+    if (!known && event.nativeScanCode() == 0) pressed_.release_key(virtual_key(event));
 }

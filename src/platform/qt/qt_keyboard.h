@@ -4,9 +4,10 @@
 /// have none, it is what the environment names.
 
 #include "platform/keyboard.h"
+#include "platform/pressed_keys.h"
 #include "platform/qt/layout_source.h"
 
-#include <vector>
+#include <memory>
 
 class QKeyEvent;
 
@@ -18,12 +19,12 @@ public:
     /// The program's QGuiApplication must exist.
     QtKeyboard();
 
-    bool is_down(uint8_t key) override;
+    bool is_down(uint8_t key) override { return pressed_.is_down(key); }
     bool control_is_held() override;
     std::optional<KeyForCharacter> key_for(char character) override;
     std::string label(uint8_t key) override { return layout_.label(key); }
-    void release_all() override;
-    void release_tapped() override;
+    void release_all() override { pressed_.release_all(); }
+    void release_tapped() override { pressed_.release_tapped(); }
 
     /// Takes a press or a release of any window of the program; repeats are ignored.
     void key_event(const QKeyEvent& event, bool down);
@@ -34,17 +35,6 @@ public:
     bool refresh();
 
 private:
-    /// Frames. A firmware may take a key only when it finds it down at a second look.
-    static constexpr int SHORTEST_PRESS = 2;
-
-    struct Pressed {
-        uint64_t source;             ///< see key_source
-        uint8_t key;                 ///< the HostKey that it was when it went down
-        int frames = SHORTEST_PRESS; ///< that the machine is still to see it pressed
-        bool tapped = false;         ///< let go before that
-    };
-
-    bool is_held(const QKeyEvent& event) const;
     uint8_t key_of(const QKeyEvent& event) const;
     void update_layout();
     void press(const QKeyEvent& event);
@@ -53,5 +43,5 @@ private:
     std::unique_ptr<LayoutSource> source_; ///< null when nothing tells the layout
     XkbLayout layout_;
     bool changed_ = false;
-    std::vector<Pressed> pressed_;
+    PressedKeys pressed_;
 };

@@ -23,19 +23,7 @@ uint8_t modifiers_now() {
 
 } // namespace
 
-bool Win32Keyboard::is_down(uint8_t key) {
-    const bool alt_gr_too = key == KEY_CONTROL;
-    return std::ranges::any_of(pressed_, [=](const Pressed& pressed) {
-        return pressed.key == key || (alt_gr_too && pressed.alt_gr);
-    });
-}
-
 bool Win32Keyboard::control_is_held() { return GetAsyncKeyState(VK_CONTROL) < 0; }
-
-void Win32Keyboard::release_tapped() {
-    for (Pressed& pressed : pressed_) pressed.frames -= pressed.frames > 0;
-    std::erase_if(pressed_, [](const Pressed& key) { return key.tapped && key.frames == 0; });
-}
 
 void Win32Keyboard::claim(std::span<const KeyChord> chords) {
     claimed_.assign(chords.begin(), chords.end());
@@ -72,7 +60,8 @@ bool Win32Keyboard::key_down(WPARAM virtual_key, LPARAM detail) {
     // A command's key is not the machine's, not even when its Alt goes up first.
     claims_text_ = is_claimed(key, modifiers);
     if (!repeat && !claims_text_)
-        press(source, key, key == KEY_ALT && (source & EXTENDED) && layout_.has_alt_gr());
+        pressed_.press(uint64_t(source), key,
+                       key == KEY_ALT && (source & EXTENDED) && layout_.has_alt_gr());
     send(Event::Kind::key_down, key, modifiers, repeat);
     // Windows has to see every key with Alt: Alt alone, up and down, leads to the menu.
     return claims_text_ && !(modifiers & MODIFIER_ALT);
@@ -80,7 +69,7 @@ bool Win32Keyboard::key_down(WPARAM virtual_key, LPARAM detail) {
 
 void Win32Keyboard::key_up(int source, uint8_t key) {
     const auto held = held_.extract(source);
-    release(source);
+    pressed_.release(uint64_t(source));
     const uint8_t went_down_as = held ? held.mapped() : key;
     send(Event::Kind::key_up, went_down_as, modifiers_now(), false);
     if (went_down_as == KEY_SHIFT) release_shifts();
@@ -90,21 +79,6 @@ void Win32Keyboard::key_up(int source, uint8_t key) {
 void Win32Keyboard::release_shifts() {
     if (held_.contains(LEFT_SHIFT) && !is_held(VK_LSHIFT)) key_up(LEFT_SHIFT, KEY_SHIFT);
     if (held_.contains(RIGHT_SHIFT) && !is_held(VK_RSHIFT)) key_up(RIGHT_SHIFT, KEY_SHIFT);
-}
-
-void Win32Keyboard::press(int source, uint8_t key, bool alt_gr) {
-    std::erase_if(pressed_, [=](const Pressed& tapped) { return tapped.source == source; });
-    if (key != KEY_NONE) pressed_.push_back({source, key, alt_gr});
-}
-
-void Win32Keyboard::release(int source) {
-    const auto found = std::ranges::find(pressed_, source, &Pressed::source);
-    if (found == pressed_.end()) return;
-    if (found->frames > 0) {
-        found->tapped = true;
-    } else {
-        pressed_.erase(found);
-    }
 }
 
 void Win32Keyboard::let_go() {

@@ -2,6 +2,7 @@
 /// The keyboard, as the main window's messages tell it.
 
 #include "platform/keyboard.h"
+#include "platform/pressed_keys.h"
 #include "platform/win32/win32_context.h"
 #include "platform/win32/win32_layout.h"
 #include "platform/window.h"
@@ -14,14 +15,14 @@ class Win32Keyboard final : public HostKeyboard {
 public:
     explicit Win32Keyboard(Win32Context& context) : context_(context) {}
 
-    bool is_down(uint8_t key) override;
+    bool is_down(uint8_t key) override { return pressed_.is_down(key); }
     bool control_is_held() override;
     std::optional<KeyForCharacter> key_for(char character) override {
         return layout_.key_for(character);
     }
     std::string label(uint8_t key) override { return layout_.label(key); }
-    void release_all() override { pressed_.clear(); }
-    void release_tapped() override;
+    void release_all() override { pressed_.release_all(); }
+    void release_tapped() override { pressed_.release_tapped(); }
 
     /// HostKey of a key message's two parameters, of any window; KEY_NONE for a key that has none.
     uint8_t host_key(WPARAM virtual_key, LPARAM detail) const {
@@ -36,29 +37,16 @@ public:
     void layout_changed() { layout_.refresh(); }
 
 private:
-    /// Frames. A firmware may take a key only when it finds it down at a second look.
-    static constexpr int SHORTEST_PRESS = 2;
-
-    struct Pressed {
-        int source; ///< scan code, and above it whether it is extended
-        uint8_t key;
-        bool alt_gr;
-        int frames = SHORTEST_PRESS; ///< that the machine is still to see it pressed
-        bool tapped = false;         ///< let go before that
-    };
-
     bool key_down(WPARAM virtual_key, LPARAM detail);
     void key_up(int source, uint8_t key);
     void release_shifts();
-    void press(int source, uint8_t key, bool alt_gr);
-    void release(int source);
     void character(wchar_t unit);
     bool is_claimed(uint8_t key, uint8_t modifiers) const;
     void send(Event::Kind kind, uint8_t key, uint8_t modifiers, bool repeat);
 
     Win32Context& context_;
     Win32Layout layout_;
-    std::vector<Pressed> pressed_;
+    PressedKeys pressed_;
     std::map<int, uint8_t> held_; ///< by source: what the keys went down as
     std::vector<KeyChord> claimed_;
     bool claims_text_ = false; ///< the character of the latest key_down belongs to a claimed key
