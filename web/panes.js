@@ -2,7 +2,7 @@
 // canvas has the pixels of the screen.
 
 const PANES = ['picture', 'monitor', 'film_bar', 'overlay', 'keyboard'];
-const [PICTURE, , FILM_BAR, OVERLAY, KEYBOARD] = PANES.keys();
+const [PICTURE, MONITOR, FILM_BAR, OVERLAY, KEYBOARD] = PANES.keys();
 const ACTS = { pointerdown: 0, pointermove: 1, pointerup: 2, pointercancel: 2 };
 const DOUBLE_CLICK = 3;
 const WHEEL = 4;
@@ -12,6 +12,8 @@ const UNITS_OF_NOTCH = [100, 3, 1]; // of a wheel's distance in pixels, lines an
 const GROUND = `rgb(0 0 0 / ${176 / 255})`; // of the overlay: the picture is seen through it
 const FONT = 'ui-monospace, "DejaVu Sans Mono", Menlo, Consolas, monospace';
 const FONT_SIZE = 13;
+const SMALLEST_FONT = 9;
+const MONITOR_COLUMNS = 54; // that its registers take
 const LINES_OF_OVERLAY = 40; // that would fill the picture's area
 const SLIDER = 16;
 const MARGIN = 4;
@@ -39,7 +41,7 @@ class Pane {
     this.number = number;
     this.canvas = document.getElementById(PANES[number]);
     this.context = this.canvas.getContext('2d', { alpha: number === OVERLAY });
-    this.font = new CellFont(this.context, FONT_SIZE);
+    this.useFont(FONT_SIZE);
     this.rows = 1;
     this.wheel = 0;
     this.pressed = { time: 0 };
@@ -52,6 +54,12 @@ class Pane {
     // The keys stay where they are.
     this.canvas.addEventListener('mousedown', event => event.preventDefault());
     this.canvas.addEventListener('contextmenu', event => event.preventDefault());
+  }
+
+  useFont(size) {
+    if (size === this.fontSize) return;
+    this.fontSize = size;
+    this.font = new CellFont(this.context, size);
   }
 
   observe() {
@@ -179,12 +187,12 @@ export class Panes {
     const lines = Math.min(height + Math.max(height, SLIDER) + 3 * MARGIN, room);
     bar.canvas.style.height = lines + 'px';
     const overlay = this.all[OVERLAY];
-    const size = Math.max(Math.floor(room / LINES_OF_OVERLAY), FONT_SIZE);
-    if (size !== overlay.fontSize) {
-      overlay.fontSize = size;
-      overlay.font = new CellFont(overlay.context, size);
-    }
+    overlay.useFont(Math.max(Math.floor(room / LINES_OF_OVERLAY), FONT_SIZE));
     overlay.canvas.style.height = Math.min((overlay.rows + 1) * overlay.font.height, room) + 'px';
+    for (let size = FONT_SIZE; size >= SMALLEST_FONT; --size) {
+      this.all[MONITOR].useFont(size);
+      if (this.all[MONITOR].font.width * MONITOR_COLUMNS <= this.room.clientWidth) break;
+    }
     for (const pane of this.all) pane.measure(paint);
   }
 
