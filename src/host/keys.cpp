@@ -3,6 +3,7 @@
 #include "files/file_identity.h"
 #include "host/commands.h"
 #include "host/dialogs/dialogs.h"
+#include "host/downloads.h"
 #include "host/menu.h"
 #include "host/replays.h"
 #include "host/rewind.h"
@@ -23,6 +24,7 @@ namespace {
 
 constexpr int LONGEST_RUN = 10001; ///< instructions of one F7
 constexpr const char* DISASSEMBLY = "eaca_disass.txt";
+constexpr const char* MEMORY_DUMP = "memdump.bin";
 
 void step() {
     rewind_stay_here();
@@ -54,11 +56,10 @@ void ask_for_breakpoint() { ui_machine_set_breakpoint(monitor_update); }
 void dump_disassembly() {
     if (!fulldisasm(DISASSEMBLY)) return report(unwritable(DISASSEMBLY));
     StatusBarText("Disassembly dump to: %s", canonical_path(".").c_str());
+    file_is_complete(DISASSEMBLY);
 }
 
-void dump_memory() {
-    if (!mem_dump()) report(unwritable("memdump.bin"));
-}
+void dump_memory() { mem_dump() ? file_is_complete(MEMORY_DUMP) : report(unwritable(MEMORY_DUMP)); }
 
 void pause_or_next_frame() {
     if (g_bPaused) return do_some_frames(1);
