@@ -105,10 +105,14 @@ unsigned held_modifiers(HostKeyboard& keys) {
 
 } // namespace
 
-void host_keyboard_init() {
+void host_keyboard_learn() {
     for (unsigned index = 0; index < symbolic_key_map.size(); ++index) {
         symbolic_key_map[index] = symbolic_entry(index);
     }
+}
+
+void host_keyboard_init() {
+    host_keyboard_learn();
     machine_apply(event_kind::key_mapping, MAPPING_SYMBOLIC);
     host_keyboard_reset();
 }

@@ -12,6 +12,8 @@ struct machine_input;
 /// Builds the symbolic map for the host's present layout, switches to the symbolic mapping, and
 /// takes every key for released.
 void host_keyboard_init();
+/// Builds the map alone, which is nothing to the machine.
+void host_keyboard_learn();
 /// Takes every key for released, by host and machine.
 void host_keyboard_reset();
 /// Fills in keyboard and keypads as the host's keys are at this moment. No key is held directly.

@@ -135,8 +135,9 @@ void start_link(std::string_view fragment) {
     if (!link.problem.empty()) return report({.text = link.problem});
     if (link.name.empty()) return;
     autostart_bytes(link.name, link.bytes);
-    // What is typed to load and run it need not be watched.
-    for (int n = 0; n < MOST_TYPING && !typing_text.empty(); ++n) do_some_frames(1);
+    if (replay_plays()) return;
+    // What is typed to load and run a program need not be watched.
+    for (int n = 0; n < MOST_TYPING && typing.position < typing_text.size(); ++n) do_some_frames(1);
 }
 
 void follow_link(std::string_view fragment) {

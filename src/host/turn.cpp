@@ -20,6 +20,7 @@
 #include "host/options.h"
 #include "host/overlay.h"
 #include "host/recent.h"
+#include "host/replays.h"
 #include "host/resume.h"
 #include "host/rewind.h"
 #include "host/screen_keyboard.h"
@@ -168,8 +169,12 @@ void file_dropped(const Event& event) {
 /// so the symbolic mapping is then on until the program ends.
 void layout_changed(bool by_user) {
     if (by_user) g_KeyMapping = true;
-    host_keyboard_init();
-    machine_apply(event_kind::key_mapping, g_KeyMapping);
+    if (replay_plays() && !by_user) {
+        host_keyboard_learn(); // any more would end the replay
+    } else {
+        host_keyboard_init();
+        machine_apply(event_kind::key_mapping, g_KeyMapping);
+    }
     check_menu_item(COMMAND_SYMBOLIC_KEYS, g_KeyMapping);
     relabel_screen_keyboard();
 }
