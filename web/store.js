@@ -7,8 +7,8 @@ import programFiles from './program-files.js';
 const NAME = 'tarvelin';
 const USERS = '/store/files';
 const DATA = '/store/data';
-const LOOK = 500;        // ms between two looks for changes
-const LARGE = 4 << 20;   // a file that is larger is kept
+const LOOK = 250;        // ms between two looks for changes
+const LARGE = 1 << 20;   // a file that is larger is kept
 const REST = 2000;       //   when it has not grown for so many ms, as films do
 const PATIENCE = 700;    // ms that the page before this one has, to let go of the files
 const READ_FAILED = 29;  // the C library's EIO here
@@ -135,7 +135,7 @@ export class Store {
 
   /// Keeps what has changed, all at one stroke. `all`: with what is still growing.
   keep(all = false) {
-    if (!this.database || !this.ours) return;
+    if (!this.database || !this.ours || (this.keeping && !all)) return;
     const at = Date.now();
     const changed = [];
     const gone = new Set(this.known.keys());
@@ -161,8 +161,10 @@ export class Store {
         files.delete(path);
         this.known.delete(path);
       }
-      act.oncomplete = () => { this.told = false; };
+      this.keeping = true;
+      act.oncomplete = () => { this.keeping = this.told = false; };
       act.onabort = () => {
+        this.keeping = false;
         for (const [path] of changed) this.known.delete(path); // to be tried again
         for (const path of gone) this.known.set(path, {});
         this.failed(act.error);

@@ -1,9 +1,11 @@
 #include "host/links.h"
 
+#include "cgenie/memory/memory.h"
 #include "host/screen_text.h"
 #include "media/basic/basic_tokens.h"
 #include "time/deflate.h"
 #include "whole_program.h"
+#include "z80/z80.h"
 
 namespace {
 
@@ -70,6 +72,12 @@ TEST_F(LinksTest, ProgramRunsAtOnceAndIsSharedAgainWithWhatItDid) {
     WindowProcedure({Event::Kind::layout_changed, 0, 0, {}}); // as the start of a page brings it
     run_frames(700);
     EXPECT_EQ(host->status_text(3), "The replay has ended at frame 503: the machine is yours.");
+    memory[0x9000] = 0x18; // JR 9000: no prompt any more
+    memory[0x9001] = 0xFE;
+    z80_state.pc = 0x9000;
+    follow_link(link_for_listing("10 PRINT \"NEW\"\n"));
+    run_frames(200);
+    EXPECT_TRUE(screen_text("|").find("NEW  ") != std::string::npos) << screen_text("\n");
     emu_close();
 }
 
