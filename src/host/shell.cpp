@@ -141,7 +141,6 @@ void emu_init(const ShellOptions& options) {
     if (!line.wav.empty()) start_sound_recording(line.wav); // from the first frame on
     if (!line.load_state.empty()) load_state_file(line.load_state);
     get_command_line(line);
-    if (!line.link.empty()) start_link(line.link);
     if (!g_bSound) sound_null_driver_init(); // the command line may have switched it off
     set_check_marks();
     start_screen_keyboard();
@@ -153,6 +152,7 @@ void emu_init(const ShellOptions& options) {
     if (g_bSound && g_Timer && sound_begins) machine_apply(event_kind::start_sound);
     initJoyInput();
     history_switched();
+    if (!line.link.empty()) start_link(line.link);
     if (!line.replay.empty()) play_replay_file(line.replay, line.to_frame.value_or(INT64_MAX));
     if (!line.record.empty()) start_replay_recording(line.record);
     expect_welcome();
