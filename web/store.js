@@ -10,7 +10,7 @@ const DATA = '/store/data';
 const LOOK = 250;        // ms between two looks for changes
 const LARGE = 1 << 20;   // a file that is larger is kept
 const REST = 2000;       //   when it has not grown for so many ms, as films do
-const PATIENCE = 700;    // ms that the page before this one has, to let go of the files
+const PATIENCE = 1500;   // ms that the page before this one has, to let go of the files
 const READ_FAILED = 29;  // the C library's EIO here
 
 const folderOf = path => path.slice(0, path.lastIndexOf('/'));
@@ -31,16 +31,18 @@ function openDatabase() {
 }
 
 /// True when this page has the files from now on. Where there are no locks, nobody can tell.
-function claim() {
-  if (!navigator.locks) return Promise.resolve(true);
-  return new Promise(done => {
-    const patience = new AbortController();
-    setTimeout(() => patience.abort(), PATIENCE);
-    navigator.locks.request(NAME, { signal: patience.signal }, () => {
-      done(true);
-      return new Promise(() => {}); // until the page is gone
+async function claim() {
+  if (!navigator.locks) return true;
+  const request = options => new Promise(done => {
+    navigator.locks.request(NAME, options, lock => {
+      done(lock !== null);
+      return lock && new Promise(() => {}); // until the page is gone
     }).catch(() => done(false));
   });
+  if (await request({ ifAvailable: true })) return true;
+  const patience = new AbortController();
+  setTimeout(() => patience.abort(), PATIENCE);
+  return request({ signal: patience.signal });
 }
 
 /// For the program, which cannot wait: a file that it opens before it has come.
@@ -171,6 +173,7 @@ export class Store {
       };
       act.commit?.(); // what a page that ends has asked for is done
     } catch (problem) {
+      this.keeping = false;
       this.failed(problem);
     }
   }
