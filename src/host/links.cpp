@@ -91,7 +91,8 @@ void hand_over(const std::string& link, const std::string& what) {
     if (!platform().clipboard().set_text(shell_state.start.page_address + link)) {
         return report({.text = "The link could not be put into the clipboard"});
     }
-    StatusBarText("%s is in the clipboard as a link of %zu characters.", what.c_str(), link.size());
+    StatusBarText("%s is in the clipboard as a link of %u characters.", what.c_str(),
+                  unsigned(link.size()));
 }
 
 /// The program as it would be in a file.
@@ -99,10 +100,9 @@ BasicBytes program_in_memory() {
     constexpr size_t START = 0x40A4,
                      END = 0x40F9; ///< cells with its first address and the next one
     const auto word = [](size_t at) { return memory[at] | size_t(memory[at + 1]) << 8; };
-    BasicBytes file = {0xFF};
-    if (word(START) < word(END)) {
-        file.insert(file.end(), memory + word(START), memory + word(END));
-    }
+    const size_t end = std::max(word(START), word(END));
+    BasicBytes file(1 + end - word(START), 0xFF);
+    std::copy(memory + word(START), memory + end, file.begin() + 1);
     return file;
 }
 
