@@ -1,5 +1,7 @@
 // The address of the page, which may say what is to be started and how.
 
+import { cleanName, nameOf } from './store.js';
+
 export class Links {
   constructor(page) {
     this.page = page;
@@ -23,7 +25,7 @@ export class Links {
       const answer = await fetch(address);
       if (!answer.ok) throw new Error(`the server answers ${answer.status} ${answer.statusText}`.trim());
       const bytes = new Uint8Array(await answer.arrayBuffer());
-      return { name: decodeURIComponent(address.pathname.split('/').pop()) || 'file', bytes };
+      return { name: cleanName(decodeURIComponent(nameOf(address.pathname))), bytes };
     } catch (problem) {
       this.problem = [name + ' cannot be opened', problem.message];
       return null;

@@ -14,7 +14,13 @@ const PATIENCE = 1500;   // ms that the page before this one has, to let go of t
 const READ_FAILED = 29;  // the C library's EIO here
 
 const folderOf = path => path.slice(0, path.lastIndexOf('/'));
-const nameOf = path => path.slice(path.lastIndexOf('/') + 1);
+export const nameOf = path => path.slice(path.lastIndexOf('/') + 1);
+
+/// A name that leads to no other folder.
+export function cleanName(name) {
+  const clean = name.replace(/[/\\\u0000-\u001F]/g, '_');
+  return /^\.*$/.test(clean) ? 'file' : clean;
+}
 
 /// The promise of a request to the database.
 function answerOf(request) {
@@ -202,7 +208,7 @@ export class Store {
   /// gets a number then. Returns its path.
   bring(name, bytes, time) {
     const { FS } = this.page.program;
-    const clean = name.replace(/[/\\\u0000-\u001F]/g, '_') || 'file';
+    const clean = cleanName(name);
     const point = clean.lastIndexOf('.') > 0 ? clean.lastIndexOf('.') : clean.length;
     for (let number = 1; ; ++number) {
       const path = USERS + '/' + clean.slice(0, point) + (number > 1 ? ` (${number})` : '') + clean.slice(point);
@@ -295,5 +301,3 @@ export class Store {
     }));
   }
 }
-
-export { nameOf };
