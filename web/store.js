@@ -101,6 +101,7 @@ export class Store {
     if (!this.database) return;
     setInterval(() => this.keep(), LOOK);
     const leave = () => {
+      if (this.isClosed) return;
       this.page.program._tarvelin_session_ends();
       this.keep(true);
     };
@@ -182,6 +183,13 @@ export class Store {
       this.keeping = false;
       this.failed(problem);
     }
+  }
+
+  /// The program has ended, and changes nothing any more. True when its files are kept.
+  close() {
+    this.isClosed = true;
+    this.keep(true);
+    return this.ours && Boolean(this.database);
   }
 
   failed(problem) {

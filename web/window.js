@@ -1,5 +1,7 @@
 // The main window: the page below the menu, the whole screen, and the keyboard's place.
 
+import { wordsBox } from './box.js';
+
 const FOCUS = 5; // kinds of messages
 const ACTIVATE = 7;
 const COMMAND = 12;
@@ -71,7 +73,12 @@ export class PageWindow {
   }
 
   show() { this.page.keys.focus(); }
-  ended() {}
+  /// The program has ended in order.
+  ended() {
+    if (this.page.store.isClosed) return;
+    const text = this.page.store.close() ? 'Your files and the machine as you left it are kept.' : '';
+    wordsBox('Tarvelin has ended', text, '', ['&Start again'], () => location.reload()).open(true);
+  }
   setTitle(title) { document.title = title; }
   showCursor(on) { this.room.style.cursor = on ? '' : 'none'; }
 
