@@ -218,7 +218,7 @@ class Combo extends Edit {
     setOptions(this.list, items);
     this.list.selectedIndex = -1;
   }
-  setValue(value) { if (this.items[value] !== undefined) this.input.value = this.items[value]; }
+  setValue(value) { this.input.value = this.items[value] ?? ''; }
   enable(on) { this.input.disabled = this.list.disabled = !on; }
 }
 

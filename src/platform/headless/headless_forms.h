@@ -2,11 +2,10 @@
 /// Forms without a screen. The driver plays the user: it queues what the user does to modal forms
 /// that are still to come, and acts at once on forms that are open.
 
-#include "platform/forms.h"
+#include "platform/form_values.h"
 #include "platform/headless/headless_dialogs.h"
 
 #include <deque>
-#include <map>
 #include <string>
 #include <vector>
 
@@ -19,14 +18,16 @@ public:
     HeadlessForm(const HeadlessForm&) = delete;
     HeadlessForm& operator=(const HeadlessForm&) = delete;
 
-    int value(int id) override;
-    void set_value(int id, int value) override;
-    std::string text(int id) override;
-    void set_text(int id, const std::string& text) override;
-    void set_items(int id, const std::vector<std::string>& items) override;
+    int value(int id) override { return values_.value(id); }
+    void set_value(int id, int value) override { values_.set_value(id, value); }
+    std::string text(int id) override { return values_.text(id); }
+    void set_text(int id, const std::string& text) override { values_.set_text(id, text); }
+    void set_items(int id, const std::vector<std::string>& items) override {
+        values_.set_items(id, items);
+    }
     void set_picture(int id, const FormPicture& picture) override;
-    bool is_enabled(int id) override;
-    void set_enabled(int id, bool enabled) override;
+    bool is_enabled(int id) override { return values_.is_enabled(id); }
+    void set_enabled(int id, bool enabled) override { values_.set_enabled(id, enabled); }
     void await_key() override { awaits_key_ = true; }
     void run(std::function<void(int)> done) override;
     void show() override { open_ = true; }
@@ -52,20 +53,13 @@ public:
     Rectangle place;
 
 private:
-    struct Control {
-        FormControl described;
-        int value = 0;
-        bool enabled = true;
-    };
-    void add(const std::vector<FormControl>& controls);
-    Control* find(int id);
     bool user_reaches(int id);
     int button_of(ControlKind kind);
     void finish(int closing_id);
 
     FormHandler handler_;
     HeadlessForms& forms_;
-    std::map<int, Control> controls_;
+    FormValues values_;
     bool open_ = false;
     bool awaits_key_ = false;
     int closing_id_ = FORM_CLOSED;

@@ -1,10 +1,10 @@
 #include "platform/web/web_forms.h"
 
+#include "platform/form_values.h"
 #include "platform/web/web_page.h"
 
 #include <emscripten/emscripten.h>
 
-#include <algorithm>
 #include <map>
 #include <utility>
 
@@ -38,17 +38,6 @@ Json as_json(const FormControl& control) {
                          {"tableArea", as_pair(control.table_area)}});
 }
 
-/// So many characters of a text in UTF-8; all of it without a limit.
-std::string cut(const std::string& text, int limit) {
-    if (limit == 0) return text;
-    int characters = 0;
-    for (size_t n = 0; n < text.size(); ++n) {
-        const bool begins = (uint8_t(text[n]) & 0xC0) != 0x80;
-        if (begins && characters++ == limit) return text.substr(0, n);
-    }
-    return text;
-}
-
 class WebForm;
 std::map<int, WebForm*> forms; ///< by their numbers
 int last_number = 0;
@@ -60,13 +49,13 @@ public:
     WebForm(const WebForm&) = delete;
     WebForm& operator=(const WebForm&) = delete;
 
-    int value(int id) override;
+    int value(int id) override { return values_.value(id); }
     void set_value(int id, int value) override;
-    std::string text(int id) override;
+    std::string text(int id) override { return values_.text(id); }
     void set_text(int id, const std::string& text) override;
     void set_items(int id, const std::vector<std::string>& items) override;
     void set_picture(int id, const FormPicture& picture) override;
-    bool is_enabled(int id) override;
+    bool is_enabled(int id) override { return values_.is_enabled(id); }
     void set_enabled(int id, bool enabled) override;
     void await_key() override { call_page("forms.awaitKey", number_); }
     void run(std::function<void(int)> done) override;
@@ -79,32 +68,13 @@ public:
     void heard(const FormEvent& event, int value, const char* text);
 
 private:
-    struct Control {
-        ControlKind kind;
-        int value = 0;
-        std::string text;
-        std::vector<std::string> items;
-        int lowest, highest, limit;
-        bool enabled = true;
-
-        bool has_items() const {
-            return kind == ControlKind::list || kind == ControlKind::list_box || is_table();
-        }
-        bool is_table() const { return kind == ControlKind::table; }
-    };
-
-    void take(const std::vector<FormControl>& described);
-    Control* control(int id) {
-        const auto found = controls_.find(id);
-        return found == controls_.end() ? nullptr : &found->second;
-    }
-    void keep(Control& control, int value);
+    void show_pixels(const std::vector<FormControl>& described);
     void hide();
     void answer();
 
     int number_ = ++last_number;
     FormHandler handler_;
-    std::map<int, Control> controls_;
+    FormValues values_;
     std::function<void(int)> done_;
     int closing_id_ = FORM_CLOSED;
     bool open_ = false;
@@ -112,13 +82,13 @@ private:
 };
 
 WebForm::WebForm(const FormDescription& description, FormHandler handler)
-    : handler_(std::move(handler)) {
+    : handler_(std::move(handler)), values_(description.controls) {
     forms[number_] = this;
     call_page("forms.create", number_,
               Json::object({{"title", description.title},
                             {"controls", Json::array(description.controls, as_json)},
                             {"tick", description.tick}}));
-    take(description.controls);
+    show_pixels(description.controls);
 }
 
 WebForm::~WebForm() {
@@ -126,85 +96,32 @@ WebForm::~WebForm() {
     call_page("forms.remove", number_);
 }
 
-void WebForm::take(const std::vector<FormControl>& described) {
-    for (const FormControl& one : described) {
-        take(one.children);
-        if (!one.id) continue;
-        Control control{one.kind,    0,        cut(one.text, one.limit), one.items, one.lowest,
-                        one.highest, one.limit};
-        if (control.has_items() && control.items.empty()) control.value = -1;
-        if (control.kind == ControlKind::slider) control.value = one.lowest;
-        controls_[one.id] = std::move(control);
-        if (!one.picture.pixels.empty()) set_picture(one.id, one.picture);
+void WebForm::show_pixels(const std::vector<FormControl>& described) {
+    for (const FormControl& control : described) {
+        if (!control.picture.pixels.empty()) set_picture(control.id, control.picture);
+        show_pixels(control.children);
     }
 }
 
-// ---- what stands in the controls ---------------------------------------------------------------
-
-int WebForm::value(int id) {
-    const Control* const found = control(id);
-    if (!found) return 0;
-    if (found->kind != ControlKind::combo) return found->value;
-    const auto item = std::find(found->items.begin(), found->items.end(), found->text);
-    return item == found->items.end() ? -1 : int(item - found->items.begin());
-}
-
-/// Radio buttons exclude each other, and so do pictures; one of them stays chosen.
-void WebForm::keep(Control& control, int value) {
-    switch (control.kind) {
-    case ControlKind::radio:
-    case ControlKind::picture:
-        if (!value) return;
-        for (auto& [id, other] : controls_) {
-            if (other.kind == control.kind) other.value = 0;
-        }
-        control.value = 1;
-        return;
-    case ControlKind::check: control.value = value != 0; return;
-    case ControlKind::slider:
-        control.value = std::clamp(value, control.lowest, control.highest);
-        return;
-    case ControlKind::combo:
-        if (value >= 0 && value < int(control.items.size())) control.text = control.items[value];
-        return;
-    default:
-        if (control.has_items()) {
-            control.value = value >= 0 && value < int(control.items.size()) ? value : -1;
-        }
-    }
-}
+// ---- for the program ---------------------------------------------------------------------------
 
 void WebForm::set_value(int id, int value) {
-    Control* const found = control(id);
-    if (!found) return;
-    keep(*found, value);
+    values_.set_value(id, value);
     call_page("forms.setValue", number_, id, value);
 }
 
-std::string WebForm::text(int id) {
-    const Control* const found = control(id);
-    if (!found) return {};
-    if (!found->has_items()) return found->text;
-    return found->value < 0 ? std::string() : found->items[size_t(found->value)];
-}
-
 void WebForm::set_text(int id, const std::string& text) {
-    Control* const found = control(id);
-    if (!found || found->has_items()) return;
-    found->text = cut(text, found->limit);
-    call_page("forms.setText", number_, id, found->text);
+    values_.set_text(id, text);
+    call_page("forms.setText", number_, id, values_.text(id));
 }
 
 void WebForm::set_items(int id, const std::vector<std::string>& items) {
-    Control* const found = control(id);
-    if (!found) return;
-    if (found->items != items) {
-        found->items = items;
-        call_page("forms.setItems", number_, id, items);
-    }
-    if (!found->has_items()) return;
-    const int before = found->is_table() ? std::max(found->value, 0) : 0;
-    set_value(id, std::min(before, int(items.size()) - 1));
+    const auto* const control = values_.find(id);
+    if (!control) return;
+    const bool differ = control->described.items != items;
+    values_.set_items(id, items);
+    if (differ) call_page("forms.setItems", number_, id, items);
+    if (has_rows(control->described)) set_value(id, control->value);
 }
 
 void WebForm::set_picture(int id, const FormPicture& picture) {
@@ -218,15 +135,9 @@ void WebForm::set_picture(int id, const FormPicture& picture) {
               height);
 }
 
-bool WebForm::is_enabled(int id) {
-    const Control* const found = control(id);
-    return found && found->enabled;
-}
-
 void WebForm::set_enabled(int id, bool enabled) {
-    Control* const found = control(id);
-    if (!found || found->enabled == enabled) return;
-    found->enabled = enabled;
+    if (values_.is_enabled(id) == enabled) return;
+    values_.set_enabled(id, enabled);
     call_page("forms.enable", number_, id, enabled);
 }
 
@@ -266,14 +177,14 @@ Size WebForm::size() {
 
 void WebForm::heard(const FormEvent& event, int value, const char* text) {
     if (!open_) return;
-    Control* const found = control(event.control);
-    const bool is_field =
-        found && (found->kind == ControlKind::edit || found->kind == ControlKind::combo);
-    if (is_field) found->text = cut(text, found->limit);
-    if (found && !is_field && event.kind == FormEvent::Kind::changed) keep(*found, value);
-    const bool closes =
-        event.kind == FormEvent::Kind::closed ||
-        (event.kind == FormEvent::Kind::pressed && found && found->kind > ControlKind::button);
+    const auto* const control = values_.find(event.control);
+    if (control && event.kind == FormEvent::Kind::changed) {
+        is_text_field(control->described) ? values_.set_text(event.control, text)
+                                          : values_.set_value(event.control, value);
+    }
+    const bool closes = event.kind == FormEvent::Kind::closed ||
+                        (event.kind == FormEvent::Kind::pressed && control &&
+                         control->described.kind > ControlKind::button);
     const bool was_handling = std::exchange(handles_, true);
     handler_(*this, event);
     handles_ = was_handling;
