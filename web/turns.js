@@ -2,12 +2,15 @@
 
 const ON_EVENT = -1;
 const ENDED = -2;
+const MOVED = 3; // a message, after which the machine's time begins anew
+const STANDSTILL = 1000; // ms
 const SLICE = 12; // ms of turns at a stretch; between two of them the page paints and takes input
 
 export class Turns {
   constructor(page) {
     this.page = page;
     this.timer = 0;
+    this.due = Infinity; // of the next turn
     this.asked = false;
     this.inside = false;
     this.channel = new MessageChannel();
@@ -33,8 +36,12 @@ export class Turns {
   run() {
     this.asked = false;
     if (document.hidden) return;
-    const end = performance.now() + SLICE;
+    const now = performance.now();
+    const end = now + SLICE;
+    // The page was frozen, or the computer slept: what was missed is not made up for.
+    if (now > this.due + STANDSTILL) this.page.program._tarvelin_post(MOVED, 0);
     let wait = 0;
+    this.due = Infinity;
     this.inside = true;
     try {
       do wait = this.page.program._tarvelin_turn();
@@ -44,7 +51,10 @@ export class Turns {
     }
     if (wait === ENDED) return this.page.window.ended();
     if (wait === 0) return this.soon();
+    if (wait === ON_EVENT) return;
     // Timers count whole milliseconds; too early would need another, short one.
-    if (wait !== ON_EVENT) this.timer = setTimeout(() => this.soon(), Math.ceil(wait / 1000));
+    const ms = Math.ceil(wait / 1000);
+    this.due = performance.now() + ms;
+    this.timer = setTimeout(() => this.soon(), ms);
   }
 }
