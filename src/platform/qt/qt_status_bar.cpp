@@ -84,7 +84,7 @@ void QtStatusBarWidget::Part::paintEvent(QPaintEvent*) {
 
 QtStatusBarWidget::QtStatusBarWidget(QtCanvas& canvas, QtEvents& events,
                                      std::span<const int> right_edges, int drawn_part)
-    : QStatusBar(&canvas), events_(events), over_(*this, -1, false), drawn_part_(drawn_part) {
+    : QStatusBar(&canvas), events_(events), over_(*this, -1, false) {
     for (const int edge : right_edges) {
         const bool is_drawn = int(parts_.size()) == drawn_part;
         parts_.push_back(std::make_unique<Part>(*this, edge, is_drawn));

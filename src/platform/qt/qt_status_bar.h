@@ -72,8 +72,7 @@ private:
     QtEvents& events_;
     std::vector<std::unique_ptr<Button>> buttons_;
     std::vector<std::unique_ptr<Part>> parts_;
-    Part over_; ///< over all of them
-    int drawn_part_;
+    Part over_;      ///< over all of them
     QImage drawing_; ///< of the whole bar; its drawn part is shown
 };
 
