@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Checks what the compilers do not: that no folder of src includes what stands above it, that only
-# what is made for Windows includes its headers, the format, and what clang-tidy finds, in two sources
-# at a time. A source that passed is not looked at again until it, a header of the project or the
-# configuration changes. Formatter and clang-tidy differ from version to version; of another than
+# what is made for Windows includes its headers, the format, and what clang-tidy finds, in two of the
+# sanitizer build's compilations at a time. One that passed is not looked at again until a source in it,
+# a header of the project or the configuration changes. Formatter and clang-tidy differ from version to version; of another than
 # LLVM's known one they are left out.
 # usage: scripts/lint.sh            after the sanitizer build
 set -euo pipefail
@@ -50,6 +50,7 @@ scripts/sources.sh 'src/*.cpp' 'src/*.h' | xargs awk '
         print FILENAME ":" FNR ": " own " does not know Windows"
         failed = 1
     }
+    /^#include .*\.cpp[">]/ { print FILENAME ":" FNR ": a source is included"; failed = 1 }
     /^#include "/ {
         split($0, part, "\"")
         other = folder(part[2])
@@ -75,18 +76,26 @@ stamps=build/lint
 mkdir -p "$stamps"
 common=$(scripts/sources.sh '*.h' .clang-tidy '*CMakeLists.txt' | xargs cat | sha1sum | cut -d' ' -f1)
 
+# In a unity build's file sources are included; elsewhere the check of the layers finds that.
 lint_one() {
-    local source=$1
-    local stamp
-    stamp="$stamps/$(cat "$source" <(echo "$common $source") | sha1sum | cut -d' ' -f1)"
+    local file=$1 sources=() stamp
+    if [[ $file == */Unity/* ]]; then
+        mapfile -t sources < <(sed -n 's/^#include "\(.*\)"/\1/p' "$file")
+    fi
+    stamp="$stamps/$(cat "$file" "${sources[@]}" <(echo "$common $file") | sha1sum | cut -d' ' -f1)"
     [[ -f $stamp ]] && return 0
-    clang-tidy --quiet -p "$build" "$source" 2>/dev/null && touch "$stamp"
+    clang-tidy --quiet --checks=-bugprone-suspicious-include -p "$build" "$file" 2>/dev/null && touch "$stamp"
 }
 export -f lint_one
 export build stamps common
 
-# What is for Windows or a page alone has no compile command here.
-scripts/sources.sh 'src/*.cpp' 'tools/*.cpp' |
+# What the sanitizer build compiles; of a unity build that is files of many sources.
+compiled=$(sed -n "s:^ *\"file\"\: \"$PWD/\(.*\)\".*:\1:p" "$build/compile_commands.json" |
+    grep -E "^($build/)?(src|tools)/" | grep -v '/\.rcc/')
+included=$(grep '/Unity/' <<<"$compiled" | xargs -r sed -n "s:^#include \"$PWD/\(.*\)\":\1:p")
+# What it does not compile here, but for what is for Windows or a page alone.
+others=$(scripts/sources.sh 'src/*.cpp' 'tools/*.cpp' |
     grep -v -e '^src/platform/win32/' -e '^src/apps/windows\.cpp$' -e '_windows\.cpp$' \
         -e '^src/platform/web/' -e '^src/apps/browser\.cpp$' -e '_web\.cpp$' |
-    xargs -P2 -I{} bash -c 'lint_one {}'
+    grep -vxF -e "$compiled" -e "$included" || true)
+printf '%s\n' "$compiled" "$others" | xargs -P2 -I{} bash -c 'lint_one {}'
