@@ -1,4 +1,5 @@
 # Programs as WebAssembly for browsers and node, built with the distribution's Emscripten.
+set(CMAKE_CROSSCOMPILING_EMULATOR ${CMAKE_CURRENT_LIST_DIR}/../scripts/node.sh)
 include(/usr/share/emscripten/cmake/Modules/Platform/Emscripten.cmake)
 # The linker's scripts do not look where the distribution has their libraries.
 set(CMAKE_C_LINKER_LAUNCHER ${CMAKE_COMMAND} -E env NODE_PATH=/usr/share/nodejs)
