@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds everything, also for Windows, checks format and code, and runs the tests under the sanitizers,
-# as they are, and under Wine. Ends with the first failure.
+# Builds everything, also for Windows and for browsers, checks format and code, and runs the tests under
+# the sanitizers, as they are, under Wine, and in node and Chromium. Ends with the first failure.
 set -euo pipefail
 cd "$(dirname "$0")"
 
@@ -20,6 +20,10 @@ step "build for Windows"
 cmake --preset windows -DBUILD_TESTING=ON >/dev/null
 cmake --build build/windows --target package
 
+step "build for browsers"
+cmake --preset web -DBUILD_TESTING=ON >/dev/null
+cmake --build build/web
+
 step "layers, format and lint"
 scripts/lint.sh
 
@@ -31,3 +35,6 @@ ctest --preset release
 
 step "tests under Wine"
 ctest --preset windows
+
+step "tests in node and Chromium"
+ctest --preset web
