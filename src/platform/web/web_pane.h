@@ -45,9 +45,7 @@ public:
     /// What the canvas shows is to be drawn again in any case.
     void forget() { stretched_.reset(); }
     /// The picture is always there, and the keyboard where Window puts it.
-    bool is_shown() const {
-        return shown_ || id_ == PaneId::picture || id_ == PaneId::keyboard;
-    }
+    bool is_shown() const { return shown_ || id_ == PaneId::picture || id_ == PaneId::keyboard; }
 
 private:
     /// What is stretched, besides its pixels.
