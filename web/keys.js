@@ -31,6 +31,9 @@ const ROOM_TO_DELETE = '    '; // in the field of a phone's keyboard, so that it
 const altGr = event => event.getModifierState('AltGraph') ||
   (MAC && event.altKey && !event.ctrlKey && /^[ -~]$/.test(event.key));
 
+/// AltGr may be any key.
+const codeOf = event => (event.key === 'AltGraph' ? 'AltRight' : event.code);
+
 export class Keys {
   constructor(page) {
     this.page = page;
@@ -116,14 +119,14 @@ export class Keys {
     this.page.program._tarvelin_control(event.ctrlKey ? 1 : 0);
     if (event.defaultPrevented || event.isComposing || event.metaKey || !this.areOurs()) return;
     if (this.isOfButton(event)) return;
-    const place = PLACES.get(event.code);
+    const place = PLACES.get(codeOf(event));
     const third = altGr(event);
     const isBrowsers = !third && this.isBrowsers(event);
     if (!place || (isBrowsers && (event.ctrlKey || event.shiftKey))) return;
     this.learnFrom(event);
     const modifiers = (event.shiftKey ? SHIFT : 0) | (event.ctrlKey || third ? CONTROL : 0) |
       (event.altKey || third ? ALT : 0);
-    if (!event.repeat) this.held.set(event.code, place);
+    if (!event.repeat) this.held.set(codeOf(event), place);
     const isAltGr = event.key === 'AltGraph' || (MAC && event.key === 'Alt');
     const claimed = this.page.program._tarvelin_key(place, 1, modifiers, event.repeat ? 1 : 0,
                                                     isAltGr ? 1 : 0);
@@ -135,7 +138,7 @@ export class Keys {
     this.page.program._tarvelin_control(event.ctrlKey ? 1 : 0);
     // A Mac tells no key that goes up while Command is held.
     if (event.key === 'Meta') return this.letGo();
-    if (this.held.has(event.code)) this.release(event.code);
+    if (this.held.has(codeOf(event))) this.release(codeOf(event));
     this.releaseLost(event);
   }
 
@@ -152,7 +155,7 @@ export class Keys {
                      Alt: event.altKey || third };
     for (const code of [...this.held.keys()]) {
       const name = /^(Shift|Control|Alt)/.exec(code)?.[0];
-      if (name && !isHeld[name] && code !== event.code) this.release(code);
+      if (name && !isHeld[name] && code !== codeOf(event)) this.release(code);
     }
   }
 
