@@ -57,11 +57,12 @@ bool LearnedLayout::learn(uint8_t place, Level level, uint32_t character, bool d
     if (!types_a_character(US_KEYBOARD[place]) || character < ' ') return false;
     const Given known = learned_[place][level];
     if (known.character == character && known.dead == dead) return false;
-    if (known.character) learned_.clear();
+    const bool other_layout = known.character && known.character != character;
+    if (other_layout) learned_.clear();
     const Given before = given(place, level);
     learned_[place][level] = {character, dead};
     find_letters();
-    return known.character || before.character != character || before.dead != dead;
+    return other_layout || before.character != character || before.dead != dead;
 }
 
 void LearnedLayout::find_letters() {

@@ -84,6 +84,8 @@ TEST(LearnedLayout, BecomesTheOneThatIsTyped) {
     EXPECT_EQ(name(learned.key_for('"')), name(KeyForCharacter{KEY_OEM_7, MODIFIER_SHIFT}));
     EXPECT_TRUE(learned.learn(16, LearnedLayout::plain, 'a')); // the French A, where US has Q
     EXPECT_FALSE(learned.learn(16, LearnedLayout::plain, 'a'));
+    EXPECT_TRUE(learned.learn(26, LearnedLayout::plain, '^'));
+    EXPECT_TRUE(learned.learn(26, LearnedLayout::plain, '^', true)); // dead, as it turns out
     EXPECT_EQ(learned.host_key(30), 'Q') << "the place of A counts for Q, until it is known";
     for (const char* layout : {"us", "gb", "de", "fr", "ru"}) {
         teach(learned, layout);
