@@ -20,6 +20,7 @@ namespace {
 
 constexpr double ON_EVENT = -1, ENDED = -2;
 constexpr uint32_t RESUME_INTERVAL = 5; ///< seconds: browsers end pages without a word
+constexpr uint32_t HISTORY_LIMIT = 50;  ///< MB; a page shares its memory with others
 
 /// What was running is there again when the page is, unless the user does not want that.
 void go_on_by_default(Settings& settings) {
@@ -78,6 +79,7 @@ int main(int argc, char** argv) {
     ShellOptions options;
     options.touch_screen = call_page("links.touchScreen") != 0;
     options.resume_interval = RESUME_INTERVAL;
+    options.history_limit = HISTORY_LIMIT;
     options.page_address = ask_page("links.address").value_or("");
     return start_in_window(host, line, options) ? 0 : 1;
 }

@@ -21,8 +21,7 @@ namespace {
 constexpr uint8_t ALT = MODIFIER_ALT;
 constexpr uint8_t SHIFT = MODIFIER_SHIFT;
 
-constexpr uint32_t USUAL_HISTORY = 200; ///< MB
-constexpr uint32_t SMALLEST_HISTORY = 10;
+constexpr uint32_t SMALLEST_HISTORY = 10; ///< MB
 constexpr uint32_t LARGEST_HISTORY = 4000;
 
 uint32_t possible_history(uint32_t megabytes) {
@@ -51,7 +50,6 @@ std::span<const CommandRow> time_command_rows() {
          .setting = {.name = "History", .read = StartStep::engine}},
         {.setting = {.name = "HistoryLimit",
                      .place = &shell_state.history_limit,
-                     .initial = USUAL_HISTORY,
                      .read = StartStep::engine,
                      .possible = possible_history}},
         {.setting = {.name = "RunAhead",

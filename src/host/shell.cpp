@@ -81,6 +81,7 @@ void take_over(const ShellOptions& options) {
     shell_state.keep_history = options.keep_history;
     shell_state.keyboard_place =
         options.touch_screen ? KeyboardPlace::docked : KeyboardPlace::hidden;
+    shell_state.history_limit = options.history_limit;
     for (const auto& [name, value] : options.line.settings) store_setting(name, value);
     if (!options.unattended) return;
     answer_video_compression(platform().settings().text("VideoCodec").value_or("uncompressed"));

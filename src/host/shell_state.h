@@ -26,6 +26,7 @@ struct ShellOptions {
     bool welcomes = false;                ///< at the first start
     std::string page_address = {};        ///< for links, which there are none of without it
     bool touch_screen = false;            ///< keyboard docked, unless the settings say otherwise
+    uint32_t history_limit = 200;         ///< MB, unless the settings say otherwise
     uint32_t resume_interval = 60; ///< seconds from one state to resume to the next, see resume.h
 };
 
@@ -68,7 +69,7 @@ struct shell_record {
     uint32_t window_height = 0;   ///< likewise
     KeyboardPlace keyboard_place = KeyboardPlace::hidden; ///< of the machine's, on the screen
     FloatingKeyboard floating_keyboard;
-    uint32_t history_limit = 0;  ///< MB
+    uint32_t history_limit = ShellOptions().history_limit;
     uint32_t composite_blur = 0; ///< nonzero: composite filter, canvas of 32 bits per pixel
     uint32_t sound_latency = 0;  ///< ms, as it was read
 
