@@ -16,7 +16,7 @@ constexpr int32_t NMI_WAIT = 2;
 /// After an instruction that began with `opcode`: the NMI goes before the maskable interrupt, which
 /// is not accepted directly behind EI. The address pushed for a HALT is the one behind it. False
 /// when the instruction was a trap that has to wait.
-inline bool offer_interrupts(Registers& s, uint8_t opcode) {
+[[gnu::always_inline]] inline bool offer_interrupts(Registers& s, uint8_t opcode) {
     if (z80_state.nmi & NMI_WAIT) {
         z80_state.nmi &= ~NMI_WAIT;
         return false;
@@ -34,7 +34,7 @@ inline bool offer_interrupts(Registers& s, uint8_t opcode) {
 }
 
 /// One instruction on `s`, and the interrupt after it. False when it was a trap that has to wait.
-inline bool run_instruction(Registers& s) {
+[[gnu::always_inline]] inline bool run_instruction(Registers& s) {
     const uint8_t opcode = fetch(s);
     count_refresh(s);
     z80_state.t_count += execute(s, opcode);
