@@ -19,6 +19,7 @@ class Ring extends AudioWorkletProcessor {
   told({ clear, samples, frame, at }) {
     if (clear) {
       this.ring.fill(0);
+      this.written = at;
     } else if (samples) {
       this.ring.set(samples, at);
       this.written = (at + samples.length) % this.ring.length;

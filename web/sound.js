@@ -15,7 +15,6 @@ export class Sound {
     document.addEventListener('visibilitychange', touched);
   }
 
-  available() { return typeof AudioContext === 'function'; }
   problem() { return this.reason; }
 
   open() {
@@ -108,11 +107,11 @@ export class Sound {
     this.follow();
   }
 
-  /// The machine may have gone on without a device: what came meanwhile is not heard any more.
+  /// The device goes on at its distance behind what is written. The machine may have gone on without
+  /// it: what came meanwhile is not heard any more.
   begin() {
-    if (!this.missed) return;
+    if (this.missed) this.node.port.postMessage({ clear: true, at: this.written / SAMPLE_BYTES });
     this.missed = false;
-    this.node.port.postMessage({ clear: true });
     this.seek((this.written + this.ringBytes - this.lead) % this.ringBytes);
   }
 

@@ -6,8 +6,6 @@
 #include <cstddef>
 #include <utility>
 
-bool WebAudio::library_available() { return call_page("sound.available") != 0; }
-
 std::string WebAudio::error() { return ask_page("sound.problem").value_or(""); }
 
 bool WebAudio::create_device() {

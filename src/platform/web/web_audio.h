@@ -9,7 +9,7 @@
 
 class WebAudio final : public Audio {
 public:
-    bool library_available() override;
+    bool library_available() override { return true; }
     std::string error() override;
     bool create_device() override;
     bool set_cooperative() override { return true; }
