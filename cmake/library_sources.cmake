@@ -19,6 +19,8 @@ target_compile_definitions(minizip_static PUBLIC NOCRYPT NOUNCRYPT)
 target_compile_options(minizip_static PRIVATE -w)
 target_include_directories(minizip_static SYSTEM PUBLIC ${MINIZIP_INCLUDE})
 target_link_libraries(minizip_static PUBLIC zlib_static)
+# Their sources have names in common.
+set_target_properties(zlib_static minizip_static PROPERTIES UNITY_BUILD OFF)
 set(MINIZIP_LIBRARY minizip_static)
 
 find_path(TOML_INCLUDE toml++/toml.h PATHS /usr/include NO_DEFAULT_PATH NO_CMAKE_FIND_ROOT_PATH REQUIRED)
