@@ -9,7 +9,7 @@ step() { printf '\n== %s (%s s)\n' "$1" "$SECONDS"; }
 scripts/dependencies.sh test
 
 step "release build"
-cmake --preset release -DBUILD_TESTING=ON -DTARVELIN_BENCH=ON >/dev/null
+cmake --preset release -DBUILD_TESTING=ON -DTARVELIN_BENCH=ON -DTARVELIN_UNITY_TESTS=ON >/dev/null
 cmake --build build/release
 
 step "sanitizer build"
