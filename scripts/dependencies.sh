@@ -17,7 +17,7 @@ windows_packages=(g++-mingw-w64-x86-64-posix wine wine64 nsis dpkg-dev googletes
 package_packages=(debootstrap dpkg-dev)
 picture_packages=(xvfb xdotool x11-utils openbox imagemagick librsvg2-bin)
 
-web_packages=(g++ cmake ninja-build pasmo libtomlplusplus-dev emscripten dpkg-dev python3)
+web_packages=(g++ cmake ninja-build pasmo libtomlplusplus-dev emscripten esbuild dpkg-dev python3)
 # A browser for the page's tests; Node.js may be another archive's, which has npm in it.
 web_test_packages=(chromium)
 for tool in node:nodejs npm:npm; do
