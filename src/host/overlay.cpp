@@ -1,6 +1,7 @@
 #include "host/overlay.h"
 
 #include "platform/platform.h"
+#include "platform/utf8.h"
 
 #include <algorithm>
 #include <string_view>
@@ -24,21 +25,12 @@ struct {
 
 Pane& pane() { return platform().pane(PaneId::overlay); }
 
-bool begins_character(char c) { return (c & 0xC0) != 0x80; } // in UTF-8
-
 int columns_of(const std::string& row) { return int(std::ranges::count_if(row, begins_character)); }
-
-/// Where in the text that many characters end; its size for a shorter one.
-size_t end_of(const std::string& text, int columns) {
-    size_t end = 0;
-    while (end < text.size() && (!begins_character(text[end]) || columns-- > 0)) ++end;
-    return end;
-}
 
 /// Of one line, broken between words so that no row is longer than `columns`; a longer word is
 /// broken in itself.
 void append_rows(std::vector<std::string>& rows, std::string line, int columns) {
-    for (size_t end; (end = end_of(line, columns)) < line.size();) {
+    for (size_t end; (end = end_of_characters(line, columns)) < line.size();) {
         const size_t space = line.rfind(' ', end);
         const bool between = space != std::string::npos && space > 0;
         rows.push_back(line.substr(0, between ? space : end));
@@ -56,7 +48,7 @@ std::vector<std::string> rows_of(const std::string& text, int columns) {
     }
     if (rows.size() <= MOST_ROWS) return rows;
     rows.resize(MOST_ROWS);
-    rows.back().resize(end_of(rows.back(), columns - int(REST.size())));
+    rows.back().resize(end_of_characters(rows.back(), columns - int(REST.size())));
     rows.back() += REST;
     return rows;
 }

@@ -11,6 +11,7 @@
 #include "media/damage.h"
 #include "media/files/cassette_files.h"
 #include "media/files/tape_sound_files.h"
+#include "platform/utf8.h"
 #include "time/replay_file.h"
 #include "time/state_file.h"
 
@@ -258,7 +259,7 @@ std::string readable(std::string_view bytes) {
 std::string ending_of(const std::string& text, size_t length) {
     if (text.size() <= length) return text;
     size_t start = text.size() - length;
-    while (start < text.size() && (uint8_t(text[start]) & 0xC0) == 0x80) ++start; // a whole letter
+    while (start < text.size() && !begins_character(text[start])) ++start;
     return "..." + text.substr(start);
 }
 

@@ -14,6 +14,7 @@
 #include "host/shell_state.h"
 #include "host/states.h"
 #include "platform/platform.h"
+#include "platform/utf8.h"
 
 #include <algorithm>
 #include <array>
@@ -136,7 +137,6 @@ std::array<bool, RECENT_FILES> missing_files(const std::vector<RecentFile>& file
 
 /// As a menu shows it: its end when it is long, in one line, and without an access key.
 std::string menu_text(const std::string& text) {
-    const auto begins_character = [](char c) { return (uint8_t(c) & 0xC0) != 0x80; };
     size_t start = text.size();
     size_t characters = 0;
     while (start > 0 && characters < LONGEST_SHOWN) {

@@ -1,5 +1,7 @@
 #include "platform/form_values.h"
 
+#include "platform/utf8.h"
+
 #include <algorithm>
 #include <cstdint>
 
@@ -7,16 +9,6 @@ namespace {
 
 bool has_item(const FormControl& control, int value) {
     return value >= 0 && size_t(value) < control.items.size();
-}
-
-/// So many characters of a text in UTF-8.
-std::string first_characters(const std::string& text, int limit) {
-    int characters = 0;
-    for (size_t n = 0; n < text.size(); ++n) {
-        const bool begins = (uint8_t(text[n]) & 0xC0) != 0x80;
-        if (begins && characters++ == limit) return text.substr(0, n);
-    }
-    return text;
 }
 
 } // namespace
@@ -96,7 +88,7 @@ void FormValues::set_text(int id, const std::string& text) {
     if (!control || has_rows(control->described)) return;
     FormControl& described = control->described;
     const bool cut = is_text_field(described) && described.limit;
-    described.text = cut ? first_characters(text, described.limit) : text;
+    described.text = cut ? text.substr(0, end_of_characters(text, described.limit)) : text;
 }
 
 void FormValues::set_items(int id, const std::vector<std::string>& items) {

@@ -1,6 +1,7 @@
 #include "platform/learned_layout.h"
 
 #include "platform/events.h"
+#include "platform/utf8.h"
 
 #include <string_view>
 
@@ -33,14 +34,6 @@ uint32_t capital(uint32_t character) {
     const bool letter = (character >= 'a' && character <= 'z') ||
                         (character >= 0xE0 && character <= 0xFE && character != 0xF7);
     return letter ? character - 0x20 : character;
-}
-
-std::string utf8(uint32_t character) {
-    if (character < 0x80) return {char(character)};
-    const auto tail = [=](int shift) { return char(0x80 | (character >> shift & 0x3F)); };
-    if (character < 0x800) return {char(0xC0 | character >> 6), tail(0)};
-    if (character < 0x10000) return {char(0xE0 | character >> 12), tail(6), tail(0)};
-    return {char(0xF0 | character >> 18), tail(12), tail(6), tail(0)};
 }
 
 } // namespace
@@ -115,7 +108,7 @@ std::string LearnedLayout::label(uint8_t key) const {
         const uint8_t us = US_KEYBOARD[n];
         if (keys_[n] != key || !types_a_character(us) || is_on_some_keyboards(us)) continue;
         const uint32_t character = given(uint8_t(n), plain).character;
-        return character ? utf8(capital(character)) : std::string();
+        return character ? utf8_of(capital(character)) : std::string();
     }
     return {};
 }

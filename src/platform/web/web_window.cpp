@@ -1,5 +1,6 @@
 #include "platform/web/web_window.h"
 
+#include "platform/utf8.h"
 #include "platform/web/web_keyboard.h"
 #include "platform/web/web_page.h"
 
@@ -68,11 +69,7 @@ EMSCRIPTEN_KEEPALIVE const char* tarvelin_readable_text() {
     static std::string text;
     text.clear();
     if (!readable_text) return "";
-    for (const char letter : readable_text().text) { // ISO 8859-1
-        const auto code = uint8_t(letter);
-        if (code >= 0x80) text += char(0xC0 | code >> 6);
-        text += code >= 0x80 ? char(0x80 | (code & 0x3F)) : letter;
-    }
+    for (const char letter : readable_text().text) text += utf8_of(uint8_t(letter)); // ISO 8859-1
     return text.c_str();
 }
 }
