@@ -8,8 +8,9 @@ export class Links {
     addEventListener('hashchange', () => page.text(location.hash, page.program._tarvelin_open_link));
   }
   query() { return location.search; }
-  fragment() { return location.hash; }
   hasProgram() { return /^#(basic|replay)=/.test(location.hash); }
+  /// Nothing when it is not for the program.
+  fragment() { return this.hasProgram() ? location.hash : ''; }
   address() { return location.href.replace(/[?#].*/, ''); }
   isEmbedded() { return window.parent !== window; }
   touchScreen() { return matchMedia('(pointer: coarse)').matches; }

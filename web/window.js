@@ -4,7 +4,6 @@ import { wordsBox } from './box.js';
 
 const FOCUS = 5; // kinds of messages
 const ACTIVATE = 7;
-const COMMAND = 12;
 const FULL_SCREEN = 40007;
 const [HIDDEN, DOCKED, FLOATING] = [0, 1, 2];
 const LEAST_WIDTH = 260; // of the floating keyboard
@@ -41,7 +40,10 @@ export class PageWindow {
     this.page.program._tarvelin_post(kind, value);
     this.page.turns.wake();
   }
-  command(id) { this.post(COMMAND, id); }
+  command(id) {
+    this.page.program._tarvelin_command(id);
+    this.page.turns.wake();
+  }
 
   /// A page on another screen, or zoomed, has other pixels.
   watchRatio() {

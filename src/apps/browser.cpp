@@ -28,13 +28,6 @@ void go_on_by_default(Settings& settings) {
     if (!settings.number(RESUME)) settings.set_number(RESUME, 1);
 }
 
-/// What stands behind the "#" of the page's address, when it is for the program.
-std::string link_to_start() {
-    std::string fragment = ask_page("links.fragment").value_or("");
-    const Link link = read_link(fragment);
-    return link.name.empty() && link.problem.empty() ? std::string() : fragment;
-}
-
 } // namespace
 
 extern "C" {
@@ -73,7 +66,7 @@ int main(int argc, char** argv) {
     read_page_query(ask_page("links.query").value_or(""), line);
     // In another page's frame nothing is kept.
     if (call_page("links.isEmbedded") != 0) line.settings.emplace_back("Resume", "0");
-    line.link = link_to_start();
+    line.link = ask_page("links.fragment").value_or("");
     if (!line.settings.empty()) call_page("settings.keepNone");
     go_on_by_default(host.settings());
     ShellOptions options;

@@ -80,6 +80,15 @@ Link program_link(const Bytes& listing) {
     return refusal(place + problem.text);
 }
 
+void start(const Link& link) {
+    if (!link.problem.empty()) return report({.text = link.problem});
+    if (link.name.empty()) return;
+    autostart_bytes(link.name, link.bytes);
+    if (replay_plays()) return;
+    // What is typed to load and run a program need not be watched.
+    for (int n = 0; n < MOST_TYPING && typing.position < typing_text.size(); ++n) do_some_frames(1);
+}
+
 // ---- what is shared ----------------------------------------------------------------------------
 
 void hand_over(const std::string& link, const std::string& what) {
@@ -130,15 +139,7 @@ Link read_link(std::string_view fragment) {
     return {.name = REPLAY_FILE, .bytes = std::move(*bytes), .problem = {}};
 }
 
-void start_link(std::string_view fragment) {
-    const Link link = read_link(fragment);
-    if (!link.problem.empty()) return report({.text = link.problem});
-    if (link.name.empty()) return;
-    autostart_bytes(link.name, link.bytes);
-    if (replay_plays()) return;
-    // What is typed to load and run a program need not be watched.
-    for (int n = 0; n < MOST_TYPING && typing.position < typing_text.size(); ++n) do_some_frames(1);
-}
+void start_link(std::string_view fragment) { start(read_link(fragment)); }
 
 void follow_link(std::string_view fragment) {
     const Link link = read_link(fragment);
@@ -146,7 +147,7 @@ void follow_link(std::string_view fragment) {
         end_replay();
         machine_apply(event_kind::restart);
     }
-    start_link(fragment);
+    start(link);
 }
 
 void share_program() {
