@@ -82,6 +82,7 @@ public:
         case PaneId::film_bar: return film_bar_draw();
         case PaneId::overlay: return overlay_draw();
         case PaneId::keyboard: return draw_screen_keyboard();
+        case PaneId::debugger: return;
         }
     }
     void draw_status() override { led_redraw(1); }

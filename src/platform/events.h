@@ -60,6 +60,9 @@ struct Event {
     Pointer pointer = {};
     std::optional<std::vector<uint8_t>> bytes = {}; ///< of a file without a path
     std::vector<std::string> more = {};
+    /// Of key_down, key_up and text: debugger while its window has the keyboard. Neither menus nor
+    /// HostKeyboard know of those keys.
+    PaneId pane = PaneId::picture;
 };
 
 /// Gets what the host tells at once, in the middle of its own work. These functions neither run nor
@@ -74,7 +77,7 @@ struct EventSink {
     virtual void menu_opens() = 0;
     /// The item of a menu is highlighted; 0 for a menu or a submenu. Told until loop_ends.
     virtual void item_highlighted(int id) = 0;
-    /// What was drawn into the pane is lost.
+    /// What was drawn into the pane is lost, as after it got another size.
     virtual void paint(PaneId pane) = 0;
     /// The drawn part of the status bar is blank.
     virtual void draw_status() = 0;

@@ -7,8 +7,8 @@
 #include <vector>
 
 /// The areas that the program draws, from back to front. The picture is always there.
-enum class PaneId : uint8_t { picture, monitor, film_bar, overlay, keyboard };
-constexpr size_t PANES = 5;
+enum class PaneId : uint8_t { picture, monitor, film_bar, overlay, keyboard, debugger };
+constexpr size_t PANES = 6;
 
 /// What a screen reader finds in a pane that works like a slider.
 struct SliderReading {
@@ -40,13 +40,13 @@ struct Scaling {
     bool operator==(const Scaling&) const = default;
 };
 
-/// A drawable area of the main window. What is drawn stays until it is drawn over or the area gets
+/// A drawable area of a window. What is drawn stays until it is drawn over or the area gets
 /// another size: the host keeps it, whether the pane is shown or not, and paints it again by
 /// itself. Where a pane lies is the host's layout: the picture and the monitor have the same area,
 /// the client area above the status bar; the film bar lies over the lowest lines of that area, as
 /// high as two rows of text with some room around them; the overlay lies over its top lines, in
 /// larger text where the area is large. Black lets some of what is behind the overlay through, and
-/// the pointer does not meet it. The keyboard is where Window puts it.
+/// the pointer does not meet it. Keyboard and debugger are where Window puts them.
 struct Pane {
     virtual ~Pane() = default;
     virtual Size size() = 0;
@@ -71,7 +71,8 @@ struct Pane {
     virtual void set_reading(const SliderReading& reading) = 0;
     /// Only the keyboard tells them. A screen reader that uses one clicks into its middle.
     virtual void set_buttons(const std::vector<PaneButton>& buttons) = 0;
-    /// Only the overlay tells it: a text for screen readers, and how many rows the pane is to have
-    /// room for.
+    /// Of the overlay: a text for screen readers, and how many rows the pane is to have room for.
+    /// Of the debugger: the text, of that many rows, that a screen reader finds in it; its size
+    /// stays. No other pane tells it.
     virtual void set_message(const std::string& text, int rows) = 0;
 };

@@ -91,6 +91,16 @@ struct Window {
     virtual void place_keyboard(KeyboardPlace place, const Rectangle& wanted, int closed) = 0;
     /// Of the floating keyboard, on the screen; all 0 when there is none.
     virtual Rectangle keyboard_rectangle() = 0;
+    /// Opens or closes the debugger's window with its pane, which the user can size, minimise and
+    /// close; it is gone while the main window is. `wanted` is the pane on the screen; where it is
+    /// all 0, the host chooses a place beside the main window. The window gets the keyboard, also
+    /// when it was open already. What it shows is black until it is drawn. Closed by the user, it
+    /// sends the command `closed` and stays open.
+    virtual void place_debugger(bool open, const Rectangle& wanted, int closed) = 0;
+    /// Of the debugger's pane, on the screen; all 0 while its window is closed.
+    virtual Rectangle debugger_rectangle() = 0;
+    /// Whether the host can show such a window at all.
+    virtual bool has_debugger() = 0;
     /// Name of the client area for screen readers, and its text, asked for only while one listens.
     virtual void set_readable(const std::string& name, std::function<ReadableText()> text) = 0;
 };

@@ -120,6 +120,7 @@ struct HeadlessPlatform::State {
               HeadlessPane(window, status_bar, options.keep_pictures, PaneId::film_bar),
               HeadlessPane(window, status_bar, options.keep_pictures, PaneId::overlay),
               HeadlessPane(window, status_bar, options.keep_pictures, PaneId::keyboard),
+              HeadlessPane(window, status_bar, options.keep_pictures, PaneId::debugger),
           },
           settings_file(options.settings_path) {
         panes[size_t(PaneId::picture)].shown = true;

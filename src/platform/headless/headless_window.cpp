@@ -1,6 +1,9 @@
 #include "platform/headless/headless_window.h"
 
+#include "platform/utf8.h"
+
 #include <algorithm>
+#include <string_view>
 
 namespace {
 
@@ -35,6 +38,27 @@ Colour colour_at(const BitmapView& picture, int x, int y) {
     if (picture.bits == 8) return palette_colour(picture, row[x]);
     const uint8_t* pixel = row + size_t(x) * 4;
     return uint32_t{pixel[2]} << 16 | uint32_t{pixel[1]} << 8 | pixel[0];
+}
+
+std::string without_tabs(const std::string& text) {
+    constexpr int TAB_COLUMNS = 8;
+    std::string cells;
+    int column = 0;
+    for (const char byte : text) {
+        if (byte == '\t') {
+            const int blanks = TAB_COLUMNS - column % TAB_COLUMNS;
+            cells.append(size_t(blanks), ' ');
+            column += blanks;
+        } else {
+            cells += byte;
+            column += begins_character(byte);
+        }
+    }
+    return cells;
+}
+
+int columns(const std::string& text) {
+    return int(std::ranges::count_if(without_tabs(text), begins_character));
 }
 
 } // namespace
@@ -136,6 +160,16 @@ Rectangle HeadlessWindow::keyboard_rectangle() {
     return keyboard_place == KeyboardPlace::floating ? keyboard : Rectangle{};
 }
 
+void HeadlessWindow::place_debugger(bool open, const Rectangle& wanted, int closed) {
+    const bool stays = std::exchange(debugger_open, open) && open;
+    debugger_closed = closed;
+    if (stays) return;
+    debugger = wanted;
+    if (wanted != Rectangle{}) return;
+    debugger = {outer.right, outer.top, outer.right + HEADLESS_DEBUGGER.width * HEADLESS_CELL.width,
+                outer.top + HEADLESS_DEBUGGER.height * HEADLESS_CELL.height};
+}
+
 Size HeadlessPane::size() {
     const Size client = window_.client_size();
     const bool docked = window_.keyboard_place == KeyboardPlace::docked && !window_.full_screen;
@@ -144,6 +178,7 @@ Size HeadlessPane::size() {
     case PaneId::film_bar: return {client.width, HEADLESS_FILM_BAR};
     case PaneId::overlay: return {client.width, message_height_};
     case PaneId::keyboard: return {window_.keyboard.width(), window_.keyboard.height()};
+    case PaneId::debugger: return {window_.debugger.width(), window_.debugger.height()};
     default: break;
     }
     return {client.width, std::max(client.height - status_bar_.height() - keyboard, 0)};
@@ -154,7 +189,7 @@ void HeadlessPane::copy_bitmap(const BitmapView& picture, int x, int y) {
     last_copy = {{picture.width, picture.height}, picture.bits, x, y};
     forget({x, y, x + picture.width, y + picture.height});
     if (!keep_pictures_) return;
-    fit_to_window();
+    fit_to_size();
     for (int row = 0; row < picture.height; ++row) {
         for (int column = 0; column < picture.width; ++column) {
             set_pixel(x + column, y + row, colour_at(picture, column, row));
@@ -170,7 +205,7 @@ void HeadlessPane::stretch_bitmap(const BitmapView& picture, const Rectangle& ta
     const Size all = size();
     forget({0, 0, all.width, all.height});
     if (!keep_pictures_) return;
-    fit_to_window();
+    fit_to_size();
     std::ranges::fill(pixels_, 0);
     for (int y = target.top; y < target.bottom; ++y) {
         const int row = (2 * (y - target.top) + 1) * picture.height / (2 * target.height());
@@ -186,20 +221,71 @@ void HeadlessPane::fill_rectangle(const Rectangle& area, Colour colour) {
     last_fill = {area, colour};
     forget(area);
     if (!keep_pictures_) return;
-    fit_to_window();
+    fit_to_size();
     for (int y = area.top; y < area.bottom; ++y) {
         for (int x = area.left; x < area.right; ++x) set_pixel(x, y, colour);
     }
 }
 
-/// Forgets the texts and lines that begin in the area, since it is drawn over.
+void HeadlessPane::text(int x, int y, const std::string& text, Colour colour, Colour background) {
+    const int end = x + columns(text) * HEADLESS_CELL.width;
+    forget({x, y, end, y + HEADLESS_CELL.height});
+    texts.push_back({x, y, text, colour, background});
+}
+
+/// Forgets the texts or what the area hides of them, and the lines that begin in it.
 void HeadlessPane::forget(const Rectangle& area) {
     const auto inside = [&area](int x, int y) {
         return x >= area.left && x < area.right && y >= area.top && y < area.bottom;
     };
-    std::erase_if(texts, [&](const HeadlessText& row) { return inside(row.x, row.y); });
+    const int width = size().width;
+    std::vector<HeadlessText> left;
+    for (HeadlessText& row : texts) {
+        const int end = std::min(row.x + columns(row.text) * HEADLESS_CELL.width, width);
+        const bool meets = row.y >= area.top && row.y < area.bottom;
+        if (!meets || end <= area.left || row.x >= area.right) {
+            left.push_back(std::move(row));
+            continue;
+        }
+        const std::string cells = without_tabs(row.text);
+        if (row.x < area.left) {
+            const int kept = (area.left - row.x) / HEADLESS_CELL.width;
+            left.push_back({row.x, row.y, cells.substr(0, end_of_characters(cells, kept)),
+                            row.colour, row.background});
+        }
+        if (end > area.right) {
+            const int hidden = (area.right - row.x + HEADLESS_CELL.width - 1) / HEADLESS_CELL.width;
+            left.push_back({row.x + hidden * HEADLESS_CELL.width, row.y,
+                            cells.substr(end_of_characters(cells, hidden)), row.colour,
+                            row.background});
+        }
+    }
+    texts = std::move(left);
     std::erase_if(lines,
                   [&](const HeadlessFill& line) { return inside(line.area.left, line.area.top); });
+}
+
+std::vector<std::string> HeadlessPane::rows() const {
+    std::vector<std::vector<std::string>> cells;
+    for (const HeadlessText& text : texts) {
+        const std::string all = without_tabs(text.text);
+        const auto row = size_t(std::max(text.y, 0) / HEADLESS_CELL.height);
+        if (row >= cells.size()) cells.resize(row + 1);
+        auto column = size_t(std::max(text.x, 0) / HEADLESS_CELL.width);
+        for (size_t at = 0; at < all.size(); ++column) {
+            const size_t end = at + end_of_characters(std::string_view(all).substr(at), 1);
+            if (column >= cells[row].size()) cells[row].resize(column + 1, " ");
+            cells[row][column] = all.substr(at, end - at);
+            at = end;
+        }
+    }
+    std::vector<std::string> result;
+    for (const std::vector<std::string>& row : cells) {
+        std::string& line = result.emplace_back();
+        for (const std::string& cell : row) line += cell;
+        line.resize(line.find_last_not_of(' ') + 1);
+    }
+    return result;
 }
 
 Colour HeadlessPane::pixel(int x, int y) const {
@@ -212,12 +298,12 @@ void HeadlessPane::set_pixel(int x, int y, Colour colour) {
     pixels_[size_t(y) * size_.width + x] = colour;
 }
 
-/// Follows the size of the client area; one of a new size starts black.
-void HeadlessPane::fit_to_window() {
-    const Size client = window_.client_size();
-    if (client == size_) return;
-    size_ = client;
-    pixels_.assign(size_t(client.width) * client.height, 0);
+/// Follows the size of its window; one of a new size starts black.
+void HeadlessPane::fit_to_size() {
+    const Size now = id_ == PaneId::debugger ? size() : window_.client_size();
+    if (now == size_) return;
+    size_ = now;
+    pixels_.assign(size_t(now.width) * now.height, 0);
 }
 
 bool HeadlessStatusBar::create(std::span<const int> right_edges, int drawn_part) {

@@ -22,6 +22,7 @@ constexpr int HEADLESS_STATUS_BAR = 23;
 constexpr int HEADLESS_FILM_BAR = 40;
 constexpr int HEADLESS_OVERLAY = 24; ///< with a row of text
 constexpr Size HEADLESS_CELL{8, 12};
+constexpr Size HEADLESS_DEBUGGER{120, 50}; ///< cells, where no size is wanted
 constexpr Colour HEADLESS_SHADOW = 0x808080;
 constexpr Colour HEADLESS_HIGHLIGHT = 0xFFFFFF;
 
@@ -61,6 +62,9 @@ struct HeadlessWindow final : public Window {
     }
     void place_keyboard(KeyboardPlace place, const Rectangle& wanted, int closed) override;
     Rectangle keyboard_rectangle() override;
+    void place_debugger(bool open, const Rectangle& wanted, int closed) override;
+    Rectangle debugger_rectangle() override { return debugger_open ? debugger : Rectangle{}; }
+    bool has_debugger() override { return true; }
     void set_readable(const std::string& name, std::function<ReadableText()> text) override {
         readable_name = name;
         readable = std::move(text);
@@ -85,6 +89,9 @@ struct HeadlessWindow final : public Window {
     KeyboardPlace keyboard_place = KeyboardPlace::hidden;
     Rectangle keyboard; ///< as it was wanted
     int keyboard_closed = 0;
+    bool debugger_open = false;
+    Rectangle debugger; ///< its pane; the driver may size it
+    int debugger_closed = 0;
     int invalidations = 0;
     std::vector<MenuEntry> menu, popup;
     Size popup_place; ///< from the screen's corner
@@ -130,9 +137,7 @@ struct HeadlessPane final : public Pane {
                         const Scaling& how) override;
     void fill_rectangle(const Rectangle& area, Colour colour) override;
     Size cell_size() override { return HEADLESS_CELL; }
-    void text(int x, int y, const std::string& text, Colour colour, Colour background) override {
-        texts.push_back({x, y, text, colour, background});
-    }
+    void text(int x, int y, const std::string& text, Colour colour, Colour background) override;
     void line(int x, int y, int length, Colour colour) override {
         lines.push_back({{x, y, x + length, y + 1}, colour});
     }
@@ -143,6 +148,8 @@ struct HeadlessPane final : public Pane {
         message_height_ = HEADLESS_OVERLAY + (rows - 1) * HEADLESS_CELL.height;
     }
 
+    /// The texts as rows of cells from the pane's top, without blanks behind the last character.
+    std::vector<std::string> rows() const;
     /// What the pane holds, where pictures are kept; black where nothing was drawn.
     Colour pixel(int x, int y) const;
 
@@ -151,8 +158,8 @@ struct HeadlessPane final : public Pane {
     HeadlessCopy last_copy;
     HeadlessStretch last_stretch;
     HeadlessFill last_fill;
-    std::vector<HeadlessText> texts; ///< that begin where no fill or picture came later
-    std::vector<HeadlessFill> lines; ///< likewise
+    std::vector<HeadlessText> texts; ///< what no later one, fill or picture lies over
+    std::vector<HeadlessFill> lines; ///< that begin where none of these came later
     SliderReading reading;
     std::string message;
     std::vector<PaneButton> buttons;
@@ -160,7 +167,7 @@ struct HeadlessPane final : public Pane {
 private:
     void forget(const Rectangle& area);
     void set_pixel(int x, int y, Colour colour);
-    void fit_to_window();
+    void fit_to_size();
 
     HeadlessWindow& window_;
     StatusBar& status_bar_;

@@ -52,7 +52,7 @@ void Win32FilmBar::place_in(Size room_pixels, Size room) {
 
 Win32Panes::Win32Panes(Win32Context& context)
     : context_(context), picture_(context), monitor_(context), film_bar_(context),
-      overlay_(context), keyboard_(context) {
+      overlay_(context), keyboard_(context), debugger_(context) {
     picture_.show(true);
     for (size_t n = 0; n < PANES; ++n) {
         panes_[n]->set_changed(

@@ -72,8 +72,9 @@ private:
     Win32FilmBar film_bar_;
     Win32Overlay overlay_;
     Win32KeyboardPane keyboard_;
-    const std::array<Win32Pane*, PANES> panes_ = {&picture_, &monitor_, &film_bar_, &overlay_,
-                                                  &keyboard_};
+    Win32Pane debugger_;
+    const std::array<Win32Pane*, PANES> panes_ = {&picture_, &monitor_,  &film_bar_,
+                                                  &overlay_, &keyboard_, &debugger_};
     Size client_; ///< pixels
     int bar_ = 0; ///< likewise
     double ratio_ = 0;

@@ -50,6 +50,9 @@ public:
     void claim_keys(std::span<const KeyChord> chords) override { keyboard_.claim(chords); }
     void place_keyboard(KeyboardPlace place, const Rectangle& wanted, int closed) override;
     Rectangle keyboard_rectangle() override { return panes_.keyboard_rectangle(); }
+    void place_debugger(bool /*open*/, const Rectangle& /*wanted*/, int /*closed*/) override {}
+    Rectangle debugger_rectangle() override { return {}; }
+    bool has_debugger() override { return false; }
     void set_readable(const std::string& name, std::function<ReadableText()> text) override;
 
 private:
