@@ -76,6 +76,7 @@ BENCHMARK(library_z80ex_frames);
 } // namespace
 
 uint8_t mem_read(uint32_t address) { return flat[address]; }
+uint8_t mem_peek(uint32_t address) { return flat[address]; }
 void mem_write(uint32_t address, uint8_t value) { flat[address] = value; }
 uint8_t z80_in(uint32_t) { return 0xFF; }
 void z80_out(uint32_t, uint8_t) {}

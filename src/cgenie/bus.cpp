@@ -144,6 +144,16 @@ uint8_t mem_read(uint32_t address) {
     return memory[address];
 }
 
+uint8_t mem_peek(uint32_t address) {
+    assert(address < 0x10000);
+    if (address < EXPANSION_ROM) return memory[address];
+    if (address < OPEN_BUS) return current_eprom[address & (DISK_ROM_SIZE - 1)];
+    if (address < COLOUR_RAM || address >= DEVICES) return OPEN;
+    if (address < CHARACTER_RAM) return memory[address] | COLOUR_UNUSED_BITS;
+    if (address >= KEYBOARD && address < UNUSED_RAM) return keyboard_peek(uint8_t(address));
+    return memory[address];
+}
+
 void mem_write(uint32_t address, uint8_t value) {
     assert(address < 0x10000);
     if (address >= EXPANSION_ROM) return write_upper(address, value);

@@ -37,14 +37,24 @@ uint8_t symbolic_row(const machine_input& input, unsigned row) {
     return alone | shifted;
 }
 
+uint8_t column_byte(const machine_input& input, uint8_t address_low) {
+    const unsigned row = unsigned(std::countr_zero(address_low));
+    const bool symbolic = input_state.keyboard_mapping == MAPPING_SYMBOLIC;
+    return input.direct[row] | (symbolic ? symbolic_row(input, row) : input.positional[row]);
+}
+
 } // namespace
 
 uint8_t keyboard_read(uint8_t address_low) {
+    return address_low ? column_byte(input_now(), address_low) : 0;
+}
+
+uint8_t keyboard_peek(uint8_t address_low) {
     if (!address_low) return 0;
-    const unsigned row = unsigned(std::countr_zero(address_low));
-    const machine_input& input = input_now();
-    const bool symbolic = input_state.keyboard_mapping == MAPPING_SYMBOLIC;
-    return input.direct[row] | (symbolic ? symbolic_row(input, row) : input.positional[row]);
+    const uint8_t shift_state = input_state.next_shift_state;
+    const uint8_t value = column_byte(input_state.now, address_low);
+    input_state.next_shift_state = shift_state;
+    return value;
 }
 
 void keyboard_init() {

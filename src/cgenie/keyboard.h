@@ -9,6 +9,8 @@ constexpr int MAPPING_SYMBOLIC = 1; ///< of keyboard_change_mapping
 /// Column byte of the row that the lowest set bit of `address_low` selects; 0 when no bit is set.
 /// Rows never combine.
 uint8_t keyboard_read(uint8_t address_low);
+/// The same of the keys that were looked at last, without any effect.
+uint8_t keyboard_peek(uint8_t address_low);
 /// Power-on: the symbolic mapping, and every key released.
 void keyboard_init();
 /// Takes every key for released, until the next look at the input.

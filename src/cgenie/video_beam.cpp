@@ -4,6 +4,7 @@
 #include "cgenie/video.h"
 #include "cgenie/video_cell.h"
 #include "z80/z80.h"
+#include "z80/z80_watch.h"
 
 #include <algorithm>
 #include <cstring>
@@ -332,7 +333,7 @@ template <typename Stop>
 int32_t run_until(int32_t cycles, Stop stop) {
     start_following();
     do {
-        cycles += z80_run(0);
+        cycles += (z80_watch.run ? z80_watch.run : z80_run)(0);
     } while (cycles > 0 && !z80_state.waits && !stop());
     stop_following();
     return cycles;
@@ -344,9 +345,10 @@ const state_record beam_record = {"beam_state", &beam_state, sizeof beam_state, 
                                   fault_of<beam_counters, fault>};
 
 int32_t video_run_cycles(int32_t cycles) {
-    if (z80_state.breakpoint_enabled) return run_until(cycles, cpu_breakpoint_arrives);
+    const bool watched = z80_watch.run != nullptr;
+    if (z80_state.breakpoint_enabled && !watched) return run_until(cycles, cpu_breakpoint_arrives);
     start_following();
-    cycles = z80_run_noting_starts(cycles);
+    cycles = watched ? z80_watch.run(cycles) : z80_run_noting_starts(cycles);
     stop_following();
     return cycles;
 }

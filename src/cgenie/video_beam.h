@@ -59,7 +59,7 @@ extern const state_record beam_record;
 
 /// Runs processor and beam for one frame's budget of processor cycles. Frames are presented when
 /// the vertical sync ends, independent of the budget. Returns what is left of it: more than 0 only
-/// where the run has stopped at the armed breakpoint, and can be taken up from.
+/// where the run has stopped at the armed breakpoint or a hit, and can be taken up from.
 int32_t video_run_cycles(int32_t cycles);
 /// One instruction of such a run.
 int32_t video_step(int32_t cycles);

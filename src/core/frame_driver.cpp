@@ -9,6 +9,7 @@
 #include "sound/sound_core.h"
 #include "wall/machine_host.h"
 #include "z80/z80.h"
+#include "z80/z80_watch.h"
 
 frame_record frame_state;
 
@@ -65,6 +66,29 @@ int32_t run_cycles(int32_t cycles) {
     return cycles;
 }
 
+/// The same with watches armed. The breakpoint is then one of them.
+int32_t run_watched_cycles(int32_t cycles) {
+    uint8_t& at_breakpoint = z80_watch.memory[z80_state.breakpoint];
+    const uint8_t bits = at_breakpoint;
+    if (z80_state.breakpoint_enabled) at_breakpoint |= WATCH_EXECUTE;
+    cycles = g_bCycleBasedEngine ? video_run_cycles(cycles) : z80_watch.run(cycles);
+    at_breakpoint = bits;
+    return cycles;
+}
+
+/// Runs on, and tells what was hit. False when the machine is to stand there. `reached` says
+/// whether it has come to the breakpoint.
+bool run_and_tell(bool& reached) {
+    if (!z80_watch.run) {
+        frame_state.left = run_cycles(frame_state.left);
+        reached = frame_state.left > 0 && !z80_state.waits;
+        return true;
+    }
+    frame_state.left = run_watched_cycles(frame_state.left);
+    reached = frame_state.left > 0 && z80_state.breakpoint_enabled && cpu_breakpoint_arrives();
+    return !z80_watch.hit_count || !machine_host.watch_hit();
+}
+
 } // namespace
 
 constexpr state_record frame_state_record = {"frame_state", &frame_state, sizeof frame_state,
@@ -81,20 +105,21 @@ int machine_run() {
     begin_frame();
     // Something other than an instruction (a load, a reset) may have moved the program counter.
     bool reached = z80_state.breakpoint_enabled && cpu_breakpoint_arrives();
-    do {
+    while (frame_state.left > 0) {
         if (reached && machine_host.breakpoint_reached()) return MACHINE_STANDS;
-        frame_state.left = run_cycles(frame_state.left);
+        const bool goes_on = run_and_tell(reached);
         if (z80_state.waits) return MACHINE_WAITS;
-        reached = frame_state.left > 0;
-    } while (reached);
+        if (!goes_on) return MACHINE_STANDS;
+    }
     end_frame();
     return MACHINE_FRAME;
 }
 
 int machine_step() {
     begin_frame();
-    frame_state.left =
-        g_bCycleBasedEngine ? video_step(frame_state.left) : frame_state.left + z80_run(0);
+    frame_state.left = g_bCycleBasedEngine
+                           ? video_step(frame_state.left)
+                           : frame_state.left + (z80_watch.run ? z80_watch.run : z80_run)(0);
     if (z80_state.waits) return MACHINE_WAITS;
     if (frame_state.left > 0) return MACHINE_STANDS;
     end_frame();

@@ -27,12 +27,14 @@ int32_t frame_budget();
 uint32_t frames_per_second();
 /// How a run has ended.
 enum machine_run_end : int {
-    MACHINE_STANDS, ///< in the middle of a frame, at the breakpoint or behind a step
+    MACHINE_STANDS, ///< in a frame, at the breakpoint or a hit, or behind a step
     MACHINE_FRAME,  ///< at the end of a frame
     MACHINE_WAITS   ///< in the middle of a frame, for machine_host.save_question to be answered
 };
 /// Runs one emulated frame, or completes the one that has been left in the middle. MACHINE_STANDS
-/// when it has come to the breakpoint, and the host wants the machine to stand there.
+/// when it has come to the breakpoint, or has hit something (z80/z80_watch.h), and the host wants
+/// the machine to stand there; that may be behind the last instruction of the frame.
 int machine_run();
-/// Runs one instruction as part of a frame, also one with a breakpoint.
+/// Runs one instruction as part of a frame, also one with a breakpoint. Nobody is told what it
+/// hits.
 int machine_step();

@@ -18,6 +18,7 @@
 #include "sound/ym2149.h"
 #include "wall/machine_host.h"
 #include "z80/z80.h"
+#include "z80/z80_watch.h"
 
 #include <algorithm>
 #include <cstring>
@@ -238,8 +239,16 @@ void give_input(machine_input& input) {
 
 save_answer give_save() { return save_answer(answer_or(event_kind::save_reply, SAVE_REFUSED)); }
 
-/// Runs the machine to the point at which event number `target` came, and applies it.
-void run_to(size_t target) {
+/// A step of a replay tells what it hits like any other run. Whether the machine is to stand.
+bool step_stands() {
+    if (z80_watch.run && z80_watch_arrives() && machine_host.watch_hit()) return true;
+    if (machine_step() == MACHINE_FRAME) fail("the frame has ended");
+    return z80_watch.run && z80_watch.hit_count && machine_host.watch_hit();
+}
+
+/// Runs the machine to the point at which event number `target` came, and applies it. False when it
+/// stands at a hit before.
+bool run_to(size_t target) {
     const machine_event& event = replay.log->events[target];
     const size_t& next = replay.position->next;
     // At the place of the event before, if that was not an answer in the middle of an instruction.
@@ -251,19 +260,22 @@ void run_to(size_t target) {
                (is_here || z80_state.pc == event.pc);
     };
     if (event.kind == event_kind::frame_end) {
-        while (machine_run() == MACHINE_WAITS && !has_parted()) continue;
+        int end = machine_run();
+        while (end == MACHINE_WAITS && !has_parted()) end = machine_run();
+        if (end == MACHINE_STANDS) return false;
     } else {
         while (!is_there() && z80_state.t_count <= event.cycle && !has_parted()) {
-            if (machine_step() == MACHINE_FRAME) fail("the frame has ended");
+            if (step_stands()) return false;
         }
     }
     if (z80_state.t_count != event.cycle) fail("the machine is at another cycle");
     if (next != target) fail("an answer that nobody has asked for");
-    if (has_parted()) return;
+    if (has_parted()) return true;
     ++replay.position->next; // the answers to what it asks follow it in the log
-    if (event.kind == event_kind::frame_end) return;
+    if (event.kind == event_kind::frame_end) return true;
     log_again(event);
     perform(event);
+    return true;
 }
 
 void answer_from_log() {
@@ -284,7 +296,7 @@ machine_replay_end run_frame() {
             fail("the log ends with an answer");
             break;
         }
-        run_to(target);
+        if (!run_to(target)) return REPLAY_STANDS;
         if (events[target].kind == event_kind::frame_end && !has_parted()) return REPLAY_FRAME;
     }
     return has_parted() ? REPLAY_PARTED : REPLAY_OVER;

@@ -130,15 +130,16 @@ struct machine_replay_position {
     std::string trouble; ///< where the machine did something else than the log says
 };
 enum machine_replay_end : int {
-    REPLAY_FRAME, ///< a frame has ended
-    REPLAY_OVER,  ///< the log has ended
-    REPLAY_PARTED ///< the position has the trouble
+    REPLAY_FRAME,  ///< a frame has ended
+    REPLAY_STANDS, ///< machine_host.watch_hit wants the machine to stand; can be gone on from
+    REPLAY_OVER,   ///< the log has ended
+    REPLAY_PARTED  ///< the position has the trouble
 };
 /// Runs the live machine through the events from the position on, each at its cycle, up to and with
-/// the next end of a frame. The callbacks in `machine_host` get what the machine shows and puts
-/// out; what they would be asked is answered from the log. Only a WAV file that plays is read
-/// again, by read_tape. Between two calls the callbacks are as they were, and the machine can be
-/// parked.
+/// the next end of a frame, or up to a hit at which it is to stand. The callbacks in `machine_host`
+/// get what the machine shows and puts out; what they would be asked is answered from the log. Only
+/// a WAV file that plays is read again, by read_tape. Between two calls the callbacks are as they
+/// were, and the machine can be parked.
 machine_replay_end machine_replay_frame(const machine_log& log, machine_replay_position& position);
 /// The same, with these callbacks for what the machine shows and puts out, and for read_tape.
 machine_replay_end machine_replay_frame(const machine_log& log, machine_replay_position& position,

@@ -27,6 +27,7 @@ constexpr machine_host_calls defaults = {
     .read_input = [](machine_input&) {},
     .save_question = [] { return SAVE_REFUSED; },
     .breakpoint_reached = [] { return 0; },
+    .watch_hit = [] { return 0; },
 };
 
 /// Of any length: paths may stand in it.

@@ -75,6 +75,9 @@ struct machine_host_calls {
     /// The program counter has come to the armed breakpoint: 1 when the machine is to stand there,
     /// 0 when it is to go on. Default 0.
     int (*breakpoint_reached)();
+    /// The processor has hit what `z80_watch` looks out for: 1 when the machine is to stand there,
+    /// 0 when it is to go on. Default 0.
+    int (*watch_hit)();
 };
 
 /// The callbacks in use. A null pointer is not allowed.

@@ -8,6 +8,8 @@ namespace {
 
 namespace op = z80_operations;
 
+constexpr z80_registers& registers = z80_state;
+
 /// Not part of the state: the breakpoint, which is the debugger's, and instruction_start, which is
 /// only noted in z80_run_noting_starts.
 constexpr state_field fields[] = {
@@ -117,8 +119,8 @@ void do_ei() { z80_state.iff1 = z80_state.iff2 = 1; }
 void do_im0() { z80_state.interrupt_mode = 0; }
 void do_im1() { z80_state.interrupt_mode = 1; }
 void do_im2() { z80_state.interrupt_mode = 2; }
-void do_int() { op::accept_irq(z80_state); }
-void do_nmi() { op::accept_nmi(z80_state); }
+void do_int() { op::accept_irq(registers); }
+void do_nmi() { op::accept_nmi(registers); }
 void z80_assert_nmi() { z80_state.nmi = 1; }
 void z80_ack_nmi() { z80_state.nmi = z80_state.nmi_in_progress = 0; }
 
@@ -164,8 +166,8 @@ void z80_wait_at_trap() {
     z80_state.waits = 1;
 }
 
-void do_CB_instruction() { z80_state.t_count += op::cb_instruction(z80_state); }
-void do_ED_instruction() { z80_state.t_count += op::ed_instruction(z80_state); }
+void do_CB_instruction() { z80_state.t_count += op::cb_instruction(registers); }
+void do_ED_instruction() { z80_state.t_count += op::ed_instruction(registers); }
 void do_indexed_instruction(uint16_t* index) {
-    z80_state.t_count += op::indexed_instruction(z80_state, *index);
+    z80_state.t_count += op::indexed_instruction(registers, *index);
 }

@@ -105,6 +105,9 @@ enum : uint8_t {
 uint8_t mem_read(uint32_t address);
 /// Writes `value` at `address` (0 to FFFF); may add wait cycles to `z80_state.t_count`.
 void mem_write(uint32_t address, uint8_t value);
+/// What mem_read gives at `address`, as far as it can be told without any effect: no time passes,
+/// and no device notices.
+uint8_t mem_peek(uint32_t address);
 /// Reads port 0 to FF. The processor passes the low eight address bits only.
 uint8_t z80_in(uint32_t port);
 /// Writes port 0 to FF.

@@ -71,5 +71,7 @@ void do_ld_a_i() { op::load_a_special(s, s.i); }
 void do_ld_a_r() { op::load_a_special(s, s.r); }
 uint8_t in_with_flags(uint32_t port) { return op::in_flags(s, uint8_t(port)); }
 
-uint16_t mem_read_word(uint32_t address) { return op::read_word(uint16_t(address)); }
-void mem_write_word(uint32_t address, uint16_t value) { op::write_word(uint16_t(address), value); }
+uint16_t mem_read_word(uint32_t address) { return op::read_word(s, uint16_t(address)); }
+void mem_write_word(uint32_t address, uint16_t value) {
+    op::write_word(s, uint16_t(address), value);
+}

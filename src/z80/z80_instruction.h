@@ -12,11 +12,13 @@ constexpr uint8_t OPCODE_EI = 0xFB;
 /// A bit of `nmi`, set from the moment a trap has to wait until the end of that instruction. The
 /// run loop tests `nmi` for interrupts anyway, so waiting costs it no other test.
 constexpr int32_t NMI_WAIT = 2;
+/// Another one, set where a watched run has hit something.
+constexpr int32_t NMI_HIT = 4;
 
 /// After an instruction that began with `opcode`: the NMI goes before the maskable interrupt, which
 /// is not accepted directly behind EI. The address pushed for a HALT is the one behind it. False
 /// when the instruction was a trap that has to wait.
-[[gnu::always_inline]] inline bool offer_interrupts(Registers& s, uint8_t opcode) {
+[[gnu::always_inline]] inline bool offer_interrupts(BusRegisters auto& s, uint8_t opcode) {
     if (z80_state.nmi & NMI_WAIT) {
         z80_state.nmi &= ~NMI_WAIT;
         return false;
@@ -34,7 +36,7 @@ constexpr int32_t NMI_WAIT = 2;
 }
 
 /// One instruction on `s`, and the interrupt after it. False when it was a trap that has to wait.
-[[gnu::always_inline]] inline bool run_instruction(Registers& s) {
+[[gnu::always_inline]] inline bool run_instruction(BusRegisters auto& s) {
     const uint8_t opcode = fetch(s);
     count_refresh(s);
     z80_state.t_count += execute(s, opcode);

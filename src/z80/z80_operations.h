@@ -6,10 +6,15 @@
 #include "z80/z80.h"
 
 #include <array>
+#include <concepts>
 
 namespace z80_operations {
 
 using Registers = z80_registers;
+/// Registers of a processor at its bus. Those of a run loop that looks out for accesses are a type
+/// of their own, with bus functions of its own.
+template <typename T>
+concept BusRegisters = std::derived_from<T, Registers>;
 
 // ---- halves of pairs ---------------------------------------------------------------------------
 
@@ -262,56 +267,63 @@ constexpr void test_bit(Registers& s, uint8_t opcode, uint8_t value, unsigned bi
 
 // ---- memory, stack and ports -------------------------------------------------------------------
 
-inline uint16_t read_word(uint16_t address) {
-    const uint8_t low_byte = mem_read(address);
-    return make_pair(mem_read(uint16_t(address + 1)), low_byte);
+inline uint8_t bus_read(const Registers&, uint16_t address) { return mem_read(address); }
+inline void bus_write(const Registers&, uint16_t address, uint8_t value) {
+    mem_write(address, value);
 }
-inline void write_word(uint16_t address, uint16_t value) {
-    mem_write(address, low(value));
-    mem_write(uint16_t(address + 1), high(value));
+inline uint8_t bus_in(const Registers&, uint8_t port) { return z80_in(port); }
+inline void bus_out(const Registers&, uint8_t port, uint8_t value) { z80_out(port, value); }
+
+inline uint16_t read_word(const BusRegisters auto& s, uint16_t address) {
+    const uint8_t low_byte = bus_read(s, address);
+    return make_pair(bus_read(s, uint16_t(address + 1)), low_byte);
+}
+inline void write_word(const BusRegisters auto& s, uint16_t address, uint16_t value) {
+    bus_write(s, address, low(value));
+    bus_write(s, uint16_t(address + 1), high(value));
 }
 inline uint8_t fetch(Registers& s) { return mem_read(s.pc++); }
 inline uint16_t fetch_word(Registers& s) {
-    const uint16_t value = read_word(s.pc);
+    const uint16_t value = read_word(s, s.pc);
     s.pc = uint16_t(s.pc + 2);
     return value;
 }
-inline void push(Registers& s, uint16_t value) {
+inline void push(BusRegisters auto& s, uint16_t value) {
     s.sp = uint16_t(s.sp - 2);
-    write_word(s.sp, value);
+    write_word(s, s.sp, value);
 }
-inline uint16_t pop(Registers& s) {
-    const uint16_t value = read_word(s.sp);
+inline uint16_t pop(BusRegisters auto& s) {
+    const uint16_t value = read_word(s, s.sp);
     s.sp = uint16_t(s.sp + 2);
     return value;
 }
 /// Puts `value` on the top of the stack in place of the word there, which is returned.
-inline uint16_t exchange_stack(Registers& s, uint16_t value) {
-    const uint16_t top = read_word(s.sp);
-    write_word(s.sp, value);
+inline uint16_t exchange_stack(BusRegisters auto& s, uint16_t value) {
+    const uint16_t top = read_word(s, s.sp);
+    write_word(s, s.sp, value);
     return top;
 }
 constexpr void count_refresh(Registers& s) { s.r = uint8_t((s.r & 0x80) | ((s.r + 1) & 0x7F)); }
 
-inline void rotate_digit_left(Registers& s) {
-    const uint8_t value = mem_read(s.hl);
+inline void rotate_digit_left(BusRegisters auto& s) {
+    const uint8_t value = bus_read(s, s.hl);
     const auto stored = uint8_t(value << 4 | (a(s) & 0x0F));
     const auto result = uint8_t((a(s) & 0xF0) | value >> 4);
     set_af(s, result, logic_flags[result] | (f(s) & FLAG_C));
-    mem_write(s.hl, stored);
+    bus_write(s, s.hl, stored);
 }
-inline void rotate_digit_right(Registers& s) {
-    const uint8_t value = mem_read(s.hl);
+inline void rotate_digit_right(BusRegisters auto& s) {
+    const uint8_t value = bus_read(s, s.hl);
     const auto stored = uint8_t(value >> 4 | a(s) << 4);
     const auto result = uint8_t((a(s) & 0xF0) | (value & 0x0F));
     set_af(s, result, logic_flags[result] | (f(s) & FLAG_C));
-    mem_write(s.hl, stored);
+    bus_write(s, s.hl, stored);
 }
 constexpr void load_a_special(Registers& s, uint8_t value) {
     set_af(s, value, sign_flags[value] | (s.iff2 ? FLAG_PV : 0) | (f(s) & FLAG_C));
 }
-inline uint8_t in_flags(Registers& s, uint8_t port) {
-    const uint8_t value = z80_in(port);
+inline uint8_t in_flags(BusRegisters auto& s, uint8_t port) {
+    const uint8_t value = bus_in(s, port);
     set_f(s, (logic_flags[value] & (FLAG_S | FLAG_Z | FLAG_PV)) | (f(s) & (COPY_BITS | FLAG_C)));
     return value;
 }
@@ -321,17 +333,17 @@ inline uint8_t in_flags(Registers& s, uint8_t port) {
 constexpr uint16_t IRQ_ENTRY = 0x0038;
 constexpr uint16_t NMI_ENTRY = 0x0066;
 
-inline void accept_irq(Registers& s) {
+inline void accept_irq(BusRegisters auto& s) {
     count_refresh(s);
     --s.sp;
     s.iff1 = s.iff2 = 0;
     z80_state.t_count += 7;
-    mem_write(s.sp, high(s.pc));
+    bus_write(s, s.sp, high(s.pc));
     --s.sp;
     z80_state.t_count += 3;
-    mem_write(s.sp, low(s.pc));
+    bus_write(s, s.sp, low(s.pc));
     if (s.interrupt_mode == 2) {
-        s.pc = read_word(make_pair(s.i, 0xFF));
+        s.pc = read_word(s, make_pair(s.i, 0xFF));
         z80_state.t_count += 9;
     } else {
         s.pc = IRQ_ENTRY;
@@ -339,7 +351,7 @@ inline void accept_irq(Registers& s) {
     }
 }
 
-inline void accept_nmi(Registers& s) {
+inline void accept_nmi(BusRegisters auto& s) {
     count_refresh(s);
     push(s, s.pc);
     s.iff1 = 0;

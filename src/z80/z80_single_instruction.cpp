@@ -11,7 +11,7 @@ namespace z80_operations {
     const int64_t start = z80_state.t_count;
     z80_state.instruction_start = start;
     z80_state.waits = 0;
-    run_instruction(z80_state);
+    run_instruction(static_cast<Registers&>(z80_state));
     return int32_t(start - z80_state.t_count);
 }
 

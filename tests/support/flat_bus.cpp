@@ -23,6 +23,8 @@ uint8_t mem_read(uint32_t address) {
     return value;
 }
 
+uint8_t mem_peek(uint32_t address) { return flat_bus.memory[address]; }
+
 void mem_write(uint32_t address, uint8_t value) {
     z80_state.t_count += flat_bus.wait_cycles;
     flat_bus.memory[address] = value;
