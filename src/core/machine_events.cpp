@@ -113,6 +113,9 @@ int perform(const machine_event& event) {
     case event_kind::tape_make_room: tape_make_room(); break;
     case event_kind::tape_rewind: tape_rewind(); break;
     case event_kind::tape_seek: tape_seek(uint32_t(a)); break;
+    case event_kind::registers:
+        static_cast<z80_registers&>(z80_state) = record_of<z80_registers>(event);
+        break;
     case event_kind::tape_motor: tape_set_motor(a, z80_state.t_count); break;
     case event_kind::tape_level: tape_set_compare_level(a); break;
     case event_kind::tape_inversion: tape_set_signal_invert(a); break;
@@ -321,6 +324,10 @@ bool is_possible_choice(const machine_choice& choice) {
     return machine_is_valid_cfg(choice.active) && machine_is_possible(choice.custom);
 }
 
+bool is_possible(const z80_registers& s) {
+    return s.iff1 <= 1 && s.iff2 <= 1 && s.interrupt_mode <= 2;
+}
+
 } // namespace
 
 bool machine_event_is_possible(const machine_event& event) {
@@ -348,6 +355,8 @@ bool machine_event_is_possible(const machine_event& event) {
     case event_kind::input: return size == sizeof(machine_input);
     case event_kind::save_reply: return is_between(int32_t(SAVE_REFUSED), a, int32_t(SAVE_FAILED));
     case event_kind::tape_seek: return a >= 0;
+    case event_kind::registers:
+        return size == sizeof(z80_registers) && is_possible(record_of<z80_registers>(event));
     default: return event.kind <= event_kind::last;
     }
 }

@@ -67,7 +67,8 @@ enum class event_kind : uint8_t {
     save_reply,
     // Files hold these numbers: what came later stands here, whatever it does.
     tape_seek, ///< `a` as tape_seek takes it
-    last = tape_seek
+    registers, ///< the bytes of z80_registers: the processor goes on with these
+    last = registers
 };
 /// Whether machine_apply does it.
 constexpr bool is_act(event_kind kind) {

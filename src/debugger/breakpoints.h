@@ -9,8 +9,8 @@
 #include <vector>
 
 enum class BreakpointKind : uint8_t {
-    execute,       ///< PC comes to an address of the range
-    memory_read,   ///< data, no fetches
+    execute,     ///< PC comes to an address of the range
+    memory_read, ///< data, no fetches
     memory_write,
     memory_access, ///< either
     port_read,
@@ -31,9 +31,9 @@ struct Breakpoint {
     BreakpointAction action = BreakpointAction::stop;
     std::string text; ///< of the line that is logged, with values: see format_log
     bool enabled = true;
-    bool once = false;     ///< removed when it has stopped the machine
-    int front = 0;         ///< of which front it is, which alone shows and changes it; 0: of the user
-    uint64_t hits = 0;     ///< with the condition true or not; going back takes them back
+    bool once = false; ///< removed when it has stopped the machine
+    int front = 0;     ///< of which front it is, which alone shows and changes it; 0: of the user
+    uint64_t hits = 0; ///< with the condition true or not; going back takes them back
 };
 
 /// Returns the number, or 0 and the problem.

@@ -32,7 +32,7 @@ struct DebugStop {
     StopReason reason = StopReason::none;
     int breakpoint = 0; ///< number of the breakpoint, 0 for none
     watch_hit hit = {}; ///< with a breakpoint
-    std::string text;   ///< in a few words for the user, such as "Breakpoint 2: write of 2Ah to 4400"
+    std::string text; ///< in a few words for the user, such as "Breakpoint 2: write of 2Ah to 4400"
 };
 
 /// What the debugger asks and tells the program around it.

@@ -12,7 +12,8 @@
 namespace {
 
 constexpr std::string_view MARK = "Tarvelin replay\n";
-constexpr uint16_t FORMAT_VERSION = 2; ///< 1: without event_kind::tape_seek
+constexpr uint16_t FORMAT_VERSION =
+    3; ///< 1: without event_kind::tape_seek; 2: without event_kind::registers
 /// A second with a new disk in each drive stays below it.
 constexpr uint64_t MOST_EVENT_BYTES = 100 << 20;
 
