@@ -29,6 +29,7 @@ media/files
 sound/output
 core/pacing
 time
+debugger
 monitor
 host/recording
 host/settings
