@@ -8,12 +8,13 @@ z80_watch_record z80_watch;
 
 namespace z80_operations {
 
-namespace {
-
-/// The registers of the watched loop, and where the present instruction began.
+/// The registers of the watched loop, and where the present instruction began. Their namespace is
+/// where the operations find their bus.
 struct WatchedRegisters : Registers {
     uint16_t start;
 };
+
+namespace {
 
 void note_hit(const watch_hit& hit) {
     z80_state.nmi |= NMI_HIT;
