@@ -199,3 +199,8 @@ std::vector<std::string> SymbolTable::names(std::string_view beginning, size_t m
     }
     return found;
 }
+
+SymbolTable& debugger_symbols() {
+    static SymbolTable table;
+    return table;
+}

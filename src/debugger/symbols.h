@@ -72,3 +72,6 @@ private:
     std::multimap<uint16_t, std::string> labels;
     std::multimap<uint16_t, SourceLine> lines;
 };
+
+/// The names for the live machine, which all fronts of the debugger share.
+SymbolTable& debugger_symbols();
