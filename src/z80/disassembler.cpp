@@ -328,25 +328,25 @@ constexpr std::array<const Block*, BLOCKS> minor = {&cb_block, &dd_block,   &ed_
 // ---- one line ----------------------------------------------------------------------------------
 
 /// The entry of the instruction at `next`, which becomes the address behind the opcode bytes.
-const Entry& find_entry(uint16_t& next) {
-    const Entry& entry = major[peek_memory(next++)];
+const Entry& find_entry(uint16_t& next, byte_reader read) {
+    const Entry& entry = major[read(next++)];
     if (!entry.is_prefix()) return entry;
-    const Entry& second = (*minor[size_t(entry.kind)])[peek_memory(next++)];
+    const Entry& second = (*minor[size_t(entry.kind)])[read(next++)];
     if (!second.is_prefix()) return second;
     ++next; // the displacement
-    return (*minor[size_t(second.kind)])[peek_memory(next++)];
+    return (*minor[size_t(second.kind)])[read(next++)];
 }
 
 /// The first and the second number that the text of the entry asks for. No byte beyond them is
 /// read: it may be a device's, and reading the disk controller's status ends its interrupt request.
-std::array<unsigned, 2> operands_of(const Entry& entry, uint16_t next) {
+std::array<unsigned, 2> operands_of(const Entry& entry, uint16_t next, byte_reader read) {
     const auto behind = uint16_t(next + 1);
     switch (entry.kind) {
-    case BYTE: return {peek_memory(next), 0};
-    case WORD: return {peek_memory(behind), peek_memory(next)};
-    case TWO_BYTES: return {peek_memory(next), peek_memory(behind)};
-    case JUMP_DISTANCE: return {uint16_t(behind + int8_t(peek_memory(next))), 0};
-    case BYTE_BEFORE_OPCODE: return {peek_memory(uint16_t(next - 2)), 0};
+    case BYTE: return {read(next), 0};
+    case WORD: return {read(behind), read(next)};
+    case TWO_BYTES: return {read(next), read(behind)};
+    case JUMP_DISTANCE: return {uint16_t(behind + int8_t(read(next))), 0};
+    case BYTE_BEFORE_OPCODE: return {read(uint16_t(next - 2)), 0};
     default: return {0, 0};
     }
 }
@@ -363,8 +363,12 @@ uint8_t peek_memory(uint16_t address) {
 }
 
 uint16_t disassemble(uint16_t address, char* line) {
+    return disassemble_by(peek_memory, address, line);
+}
+
+uint16_t disassemble_by(byte_reader read, uint16_t address, char* line) {
     uint16_t next = address;
-    const Entry& entry = find_entry(next);
+    const Entry& entry = find_entry(next, read);
     const auto end = uint16_t(next + int8_t(entry.kind));
     const auto length = uint16_t(end - address);
 
@@ -373,10 +377,10 @@ uint16_t disassemble(uint16_t address, char* line) {
     const auto room = [&] { return size_t(line_end - out); };
     out += std::snprintf(out, room(), " %04X ", unsigned{address});
     for (uint16_t n = 0; n < length; ++n) {
-        out += std::snprintf(out, room(), "%02X ", unsigned{peek_memory(uint16_t(address + n))});
+        out += std::snprintf(out, room(), "%02X ", unsigned{read(uint16_t(address + n))});
     }
     for (int n = length; n < BYTE_COLUMNS; ++n) out += std::snprintf(out, room(), "   ");
-    const auto [first, second] = operands_of(entry, next);
+    const auto [first, second] = operands_of(entry, next, read);
     std::snprintf(out, room(), entry.text.data(), first, second);
     return end;
 }

@@ -16,6 +16,10 @@ constexpr int DISASSEMBLY_LINE = 64;
 /// Writes the instruction at `address` as one line: blank, address, four columns of bytes,
 /// mnemonic. Returns the address of the next instruction. `line` has DISASSEMBLY_LINE characters.
 uint16_t disassemble(uint16_t address, char* line);
+/// What the bytes of instructions are read by.
+using byte_reader = uint8_t (*)(uint16_t address);
+/// The same, with the bytes that `read` gives.
+uint16_t disassemble_by(byte_reader read, uint16_t address, char* line);
 /// The listing of all the memory, an instruction to a line, each behind its address.
 std::string disassembly_listing();
 /// Line `kind` (0 to 2) of the register dump, 53 characters at most. `line` has DISASSEMBLY_LINE
