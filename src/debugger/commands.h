@@ -10,10 +10,10 @@
 #include <string_view>
 
 struct CommandResult {
-    std::string text;    ///< lines for the user, without an end behind the last one; may be empty
-    bool failed = false; ///< nothing was done, and `text` says why
-    /// The machine was let go, or long work was begun: debugger_turn and frames are needed, and the
-    /// fronts hear of the stop (debugger.h).
+    std::string text = {}; ///< lines for the user, without an end behind the last one; may be empty
+    bool failed = false;   ///< nothing was done, and `text` says why
+    /// The machine was let go or led to another moment: the fronts hear of the stop (debugger.h),
+    /// maybe before this returns. Until then debugger_turn and frames are needed.
     bool goes = false;
 };
 
@@ -26,10 +26,14 @@ std::string debugger_command_problem(std::string_view line);
 /// A command as "help" shows it.
 struct DebuggerCommand {
     std::string_view name;
+    std::string_view letter; ///< that stands for it; may be empty
     std::string_view arguments;
     std::string_view text; ///< what it does, in a line
+    bool needs_debugger;   ///< it is refused while the debugger is off
 };
 std::span<const DebuggerCommand> debugger_commands();
+/// The one that the line begins with; null when there is none.
+const DebuggerCommand* debugger_command_of(std::string_view line);
 
 /// The stop in lines: why, the position with its nearest symbol, and the next instruction.
 std::string debugger_stop_text();

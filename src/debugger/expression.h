@@ -26,6 +26,9 @@
 
 class SymbolTable;
 
+/// How the problem of a name that is not known ends.
+constexpr std::string_view NO_SYMBOL = "is no register and no symbol";
+
 /// What the variables of an expression are.
 struct ExpressionContext {
     int64_t hits = 0;    ///< of the breakpoint, this one included

@@ -268,7 +268,7 @@ private:
     void symbol(size_t start, std::string_view name) {
         const auto value = symbols ? symbols->value_of(name) : std::nullopt;
         if (!value)
-            return fail(start, "\"" + std::string(name) + "\" is no register and no symbol");
+            return fail(start, "\"" + std::string(name) + "\" " + std::string(NO_SYMBOL));
         emit(Op::number, *value);
     }
 
