@@ -2,6 +2,7 @@
 
 #include "platform/qt/qt_canvas.h"
 #include "platform/qt/qt_pixels.h"
+#include "platform/qt/qt_room.h"
 
 #include <QCloseEvent>
 #include <QCoreApplication>
@@ -114,8 +115,7 @@ void QtKeyboardPane::Widget::click(const PaneButton& button) {
 }
 
 void QtKeyboardPane::Widget::paintEvent(QPaintEvent*) {
-    // On a screen of another scale all has to be drawn again.
-    if (pane_.drawing_.size() != pane_.pixels()) events_.paint(PaneId::keyboard);
+    pane_.draw_if_lost();
     QPainter(this).drawImage(0, 0, pane_.drawing());
 }
 
@@ -163,7 +163,8 @@ void QtKeyboardPane::Frame::restore_proportion() {
 // ---- the pane ----------------------------------------------------------------------------------
 
 QtKeyboardPane::QtKeyboardPane(QtCanvas& canvas, QtEvents& events)
-    : QtDrawing(canvas.font()), canvas_(canvas), events_(events), widget_(*this, events) {}
+    : QtWidgetPane(PaneId::keyboard, canvas.font(), events), canvas_(canvas), events_(events),
+      widget_(*this, events) {}
 
 void QtKeyboardPane::place(KeyboardPlace place, const Rectangle& wanted, int closed) {
     if (place == KeyboardPlace::docked) height_ = wanted.height();
@@ -192,13 +193,9 @@ void QtKeyboardPane::float_at(const Rectangle& wanted) {
         frame_->move(available.center().x() - size.width() / 2,
                      available.bottom() - size.height() - available.height() / 20);
     } else {
-        const QPoint origin = canvas_.screen()->geometry().topLeft();
-        const QRect room = available.translated(-origin);
-        const int left = std::clamp(wanted.left, room.left(),
-                                    std::max(room.right() - size.width(), room.left()));
-        const int top =
-            std::clamp(wanted.top, room.top(), std::max(room.bottom() - size.height(), room.top()));
-        frame_->setGeometry(QRect(QPoint(left, top) + origin, size));
+        const QPoint corner = canvas_.screen()->geometry().topLeft();
+        const QPoint place = QPoint(wanted.left, wanted.top) + corner;
+        frame_->setGeometry(moved_into({place, size}, available));
     }
     widget_.setGeometry(frame_->rect());
     widget_.show();
@@ -230,18 +227,6 @@ void QtKeyboardPane::set_full_screen(bool on) {
 
 void QtKeyboardPane::show_window(bool on) {
     if (place_ == KeyboardPlace::floating && frame_) frame_->setVisible(on);
-}
-
-QSize QtKeyboardPane::pixels() const {
-    const double ratio = widget_.devicePixelRatioF();
-    return {int(std::lround(widget_.width() * ratio)), int(std::lround(widget_.height() * ratio))};
-}
-
-/// A pane of another size starts black.
-QImage& QtKeyboardPane::drawing() {
-    if (drawing_.size() != pixels()) drawing_ = plain_picture(pixels(), Qt::black);
-    drawing_.setDevicePixelRatio(widget_.devicePixelRatioF());
-    return drawing_;
 }
 
 void QtKeyboardPane::stretch_bitmap(const BitmapView& picture, const Rectangle& target,

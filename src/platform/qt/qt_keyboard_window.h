@@ -1,6 +1,5 @@
 #pragma once
-#include "platform/qt/qt_events.h"
-#include "platform/qt/qt_pane.h"
+#include "platform/qt/qt_widget_pane.h"
 #include "platform/window.h"
 
 #include <QTimer>
@@ -14,7 +13,7 @@
 class QtCanvas;
 
 /// The pane of the machine's keyboard: a widget in the client area, or in a window of its own.
-class QtKeyboardPane final : public QtDrawing {
+class QtKeyboardPane final : public QtWidgetPane {
 public:
     /// The part that is seen. The mouse and fingers in it are told to the shell.
     class Widget final : public QWidget {
@@ -43,8 +42,6 @@ public:
 
     QtKeyboardPane(QtCanvas& canvas, QtEvents& events);
 
-    Size size() override { return {widget_.width(), widget_.height()}; }
-    double scale() override { return widget_.devicePixelRatioF(); }
     void show(bool on) override { widget_.setVisible(on); }
     void stretch_bitmap(const BitmapView& picture, const Rectangle& target,
                         const Scaling& how) override;
@@ -86,9 +83,7 @@ private:
         int closed_ = 0;
     };
 
-    QImage& drawing() override;
-    QSize pixels() const;
-    void drawn(const QRect& area) override { widget_.update(area); }
+    QWidget& widget_of() override { return widget_; }
     void float_at(const Rectangle& wanted);
 
     QtCanvas& canvas_;
@@ -98,6 +93,5 @@ private:
     KeyboardPlace place_ = KeyboardPlace::hidden;
     int height_ = 0;
     bool full_screen_ = false;
-    QImage drawing_;
     std::vector<PaneButton> buttons_;
 };

@@ -6,6 +6,7 @@
 #include <QScrollBar>
 #include <QStyle>
 
+#include <algorithm>
 #include <memory>
 #include <utility>
 
@@ -18,6 +19,15 @@ QSize room_on_screen(const QWidget& window) {
 void fit_on_screen(QWidget& window) {
     window.ensurePolished();
     window.resize(window.size().boundedTo(room_on_screen(window)));
+}
+
+QRect moved_into(const QRect& window, const QRect& room) {
+    const auto nearest = [](int wanted, int least, int most) {
+        return std::clamp(wanted, least, std::max(least, most));
+    };
+    return {nearest(window.left(), room.left(), room.right() + 1 - window.width()),
+            nearest(window.top(), room.top(), room.bottom() + 1 - window.height()), window.width(),
+            window.height()};
 }
 
 QtFittingArea::QtFittingArea(QWidget* parent, std::function<QSize()> room)

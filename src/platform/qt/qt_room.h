@@ -13,6 +13,10 @@ QSize room_on_screen(const QWidget& window);
 /// Makes a window that is about to be shown smaller, where the screen has less room.
 void fit_on_screen(QWidget& window);
 
+/// The window at the nearest place that lies in the room, or at its left top corner where it is
+/// too large.
+QRect moved_into(const QRect& window, const QRect& room);
+
 /// As large as its contents where there is room; they scroll where there is not.
 class QtFittingArea final : public QScrollArea {
 public:

@@ -1,12 +1,10 @@
 #pragma once
-#include "platform/qt/qt_events.h"
-#include "platform/qt/qt_pane.h"
+#include "platform/qt/qt_widget_pane.h"
 
 #include <QWidget>
 
-/// A pane that is a widget over some lines of those that fill the client area. What is drawn is
-/// kept in the pixels of the screen, so that small text stays sharp.
-class QtStrip : public QtDrawing {
+/// A pane that is a widget over some lines of those that fill the client area.
+class QtStrip : public QtWidgetPane {
 public:
     /// The part that is seen.
     class Widget final : public QWidget {
@@ -30,7 +28,6 @@ public:
 
 protected:
     QtStrip(PaneId id, const CellFont& font, QtCanvas& canvas, QtEvents& events);
-    QImage& drawing() override;
 
     QtCanvas& canvas_;
     Widget widget_;
@@ -38,10 +35,5 @@ protected:
 private:
     virtual QRect place() = 0;
     virtual void paint(QPainter& painter);
-    void drawn(const QRect& area) override { widget_.update(area); }
-    QSize pixels() const;
-
-    const PaneId id_;
-    QtEvents& events_;
-    QImage drawing_;
+    QWidget& widget_of() override { return widget_; }
 };
