@@ -38,11 +38,11 @@ struct Told final : EventSink {
     void loop_ends() override { menus += ")"; }
     void menu_opens() override { menus += "m"; }
     void item_highlighted(int id) override { menus += std::to_string(id); }
-    void paint(PaneId) override {}
+    void paint(PaneId pane) override { paints += pane == PaneId::debugger; }
     void draw_status() override { ++status_draws; }
     void session_ends() override {}
     std::string menus;
-    int status_draws = 0;
+    int status_draws = 0, paints = 0;
 } told;
 
 class QtPlatformTest : public OffscreenTest {
@@ -80,11 +80,11 @@ protected:
     }
     static QWidget& client() { return *frame->centralWidget(); }
     static unsigned pixel(int x, int y) { return client().grab().toImage().pixel(x, y) & 0xFFFFFF; }
-    static bool send_key(QEvent::Type type, int key,
-                         Qt::KeyboardModifiers modifiers = NO_MODIFIERS) {
+    static bool send_key(QEvent::Type type, int key, Qt::KeyboardModifiers modifiers = NO_MODIFIERS,
+                         QWidget& to = client()) {
         QKeyEvent event(type, key, modifiers);
         event.ignore();
-        QApplication::sendEvent(&client(), &event);
+        QApplication::sendEvent(&to, &event);
         return event.isAccepted();
     }
 
@@ -296,6 +296,45 @@ TEST_F(QtPlatformTest, KeysComeWithRepeatsTextAndTheirEnd) {
         EXPECT_EQ(events[n].value, n == 1 ? 0 : 'A');
     }
     EXPECT_EQ(events[1].text, "\xC3\xA4");
+}
+
+TEST_F(QtPlatformTest, TheDebuggersWindowHasKeysAndPictureOfItsOwn) {
+    const KeyChord chords[] = {{'T', MODIFIER_ALT}};
+    host->window().claim_keys(chords);
+    send_key(QEvent::KeyPress, Qt::Key_B);
+    EXPECT_TRUE(host->keyboard().is_down('B'));
+    const Rectangle wanted{100, 90, 500, 390};
+    host->window().place_debugger(true, wanted, 9);
+    EXPECT_EQ(host->window().debugger_rectangle(), wanted);
+    drain();
+    EXPECT_FALSE(host->keyboard().is_down('B')) << "which the main window no longer sees go up";
+    QWidget& debugger = *QApplication::activeWindow();
+    EXPECT_TRUE(send_key(QEvent::ShortcutOverride, Qt::Key_F, Qt::AltModifier, debugger));
+    for (const auto& [key, modifiers, value] : {std::tuple{Qt::Key_T, Qt::AltModifier, int('T')},
+                                                {Qt::Key_F9, Qt::ShiftModifier, 0x78},
+                                                {Qt::Key_Tab, Qt::NoModifier, 0x09},
+                                                {Qt::Key_PageUp, Qt::ControlModifier, 0x21}}) {
+        send_key(QEvent::KeyPress, key, modifiers, debugger);
+        const auto events = drain(Event::Kind::key_down);
+        ASSERT_EQ(events.size(), 1u) << value;
+        EXPECT_TRUE(events[0].value == value && events[0].pane == PaneId::debugger) << value;
+        EXPECT_FALSE(host->keyboard().is_down(uint8_t(value)));
+    }
+    Pane& pane = host->pane(PaneId::debugger);
+    pane.fill_rectangle({0, 0, 400, 300}, 0x123456);
+    const int paints = told.paints;
+    EXPECT_EQ(debugger.grab().toImage().pixel(399, 299), 0xFF123456);
+    EXPECT_EQ(told.paints, paints) << "the window keeps its picture";
+    pane.set_message("PC 1234", 1);
+    EXPECT_EQ(QAccessible::queryAccessibleInterface(&debugger)->text(QAccessible::Description),
+              "PC 1234");
+    debugger.close();
+    const auto commands = drain(Event::Kind::command);
+    ASSERT_EQ(commands.size(), 1u);
+    EXPECT_TRUE(commands[0].value == 9 && debugger.isVisible()) << "the program closes it";
+    host->window().place_debugger(false, {}, 9);
+    drain();
+    EXPECT_EQ(QApplication::activeWindow(), frame);
 }
 
 TEST_F(QtPlatformTest, PointerIsAtAPlaceInThePaneShown) {

@@ -1,6 +1,7 @@
 #include "platform/qt/qt_accessible.h"
 
 #include "platform/qt/qt_canvas.h"
+#include "platform/qt/qt_debugger_window.h"
 #include "platform/qt/qt_status_bar.h"
 #include "platform/qt/qt_text.h"
 
@@ -15,11 +16,10 @@
 
 namespace {
 
-/// The canvas as a terminal that is only read.
-class CanvasReader final : public QAccessibleWidget, public QAccessibleTextInterface {
+/// A drawn area as a terminal that is only read.
+class TerminalReader : public QAccessibleWidget, public QAccessibleTextInterface {
 public:
-    explicit CanvasReader(QtCanvas& canvas)
-        : QAccessibleWidget(&canvas, QAccessible::Terminal), canvas_(canvas) {}
+    explicit TerminalReader(QWidget& widget) : QAccessibleWidget(&widget, QAccessible::Terminal) {}
 
     QAccessible::State state() const override {
         QAccessible::State state = QAccessibleWidget::state();
@@ -33,10 +33,10 @@ public:
     using QAccessibleWidget::text;
 
     QString text(int start, int end) const override {
-        return canvas_.readable().text.mid(start, end - start);
+        return readable().text.mid(start, end - start);
     }
-    int characterCount() const override { return int(canvas_.readable().text.size()); }
-    int cursorPosition() const override { return canvas_.readable().cursor; }
+    int characterCount() const override { return int(readable().text.size()); }
+    int cursorPosition() const override { return readable().cursor; }
 
     // Close enough for a magnifier: as if the cells filled the area above the status bar.
     QRect characterRect(int offset) const override {
@@ -50,7 +50,7 @@ public:
         const QPoint inside = point - text_area().topLeft();
         const int row = inside.y() / cell_size().height();
         const int column = inside.x() / cell_size().width();
-        const QStringList lines = canvas_.readable().text.split('\n');
+        const QStringList lines = readable().text.split('\n');
         if (inside.x() < 0 || inside.y() < 0 || row >= lines.size()) return -1;
         if (column >= lines[row].size()) return -1;
         return int(lines.first(row).join('\n').size()) + (row > 0 ? 1 : 0) + column;
@@ -71,20 +71,49 @@ public:
     void scrollToSubstring(int, int) override {}
 
 private:
-    QRect text_area() const {
-        const Size room = canvas_.room();
-        return {rect().topLeft(), QSize(room.width, room.height)};
-    }
+    virtual QtCanvas::Readable readable() const = 0;
+    /// Of the text, on the screen.
+    virtual QRect text_area() const { return rect(); }
     QSize cell_size() const {
-        const QStringList lines = canvas_.readable().text.split('\n');
+        const QStringList lines = readable().text.split('\n');
         qsizetype columns = 1;
         for (const QString& line : lines) columns = std::max(columns, line.size());
         const qsizetype rows = std::max<qsizetype>(lines.size() - 1, 1);
         return {std::max(text_area().width() / int(columns), 1),
                 std::max(text_area().height() / int(rows), 1)};
     }
+};
+
+class CanvasReader final : public TerminalReader {
+public:
+    explicit CanvasReader(QtCanvas& canvas) : TerminalReader(canvas), canvas_(canvas) {}
+
+private:
+    QtCanvas::Readable readable() const override { return canvas_.readable(); }
+    QRect text_area() const override {
+        const Size room = canvas_.room();
+        return {rect().topLeft(), QSize(room.width, room.height)};
+    }
 
     QtCanvas& canvas_;
+};
+
+/// Its text is its description, too, which readers say without being asked for lines.
+class DebuggerReader final : public TerminalReader {
+public:
+    explicit DebuggerReader(QtDebuggerPane::Widget& widget)
+        : TerminalReader(widget), widget_(widget) {}
+
+    using TerminalReader::text;
+    QString text(QAccessible::Text which) const override {
+        if (which == QAccessible::Description) return widget_.text();
+        return TerminalReader::text(which);
+    }
+
+private:
+    QtCanvas::Readable readable() const override { return {.text = widget_.text()}; }
+
+    QtDebuggerPane::Widget& widget_;
 };
 
 class StatusBarReader final : public QAccessibleWidget {
@@ -244,6 +273,9 @@ private:
 QAccessibleInterface* make_reader(const QString&, QObject* object) {
     if (auto* canvas = dynamic_cast<QtCanvas*>(object)) {
         return std::make_unique<CanvasReader>(*canvas).release();
+    }
+    if (auto* debugger = dynamic_cast<QtDebuggerPane::Widget*>(object)) {
+        return std::make_unique<DebuggerReader>(*debugger).release();
     }
     if (auto* strip = dynamic_cast<QtStrip::Widget*>(object)) {
         if (const auto* bar = dynamic_cast<const QtFilmBar*>(&strip->strip()))

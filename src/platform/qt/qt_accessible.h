@@ -1,6 +1,6 @@
 #pragma once
-/// What screen readers find in the main window beside Qt's own widgets: the client area as a
-/// terminal with its text, the status bar with a label for each part.
+/// What screen readers find in the program's windows beside Qt's own widgets: the client area as a
+/// terminal with its text, the status bar with a label for each part, the debugger as another text.
 
 #include <QString>
 

@@ -1,5 +1,7 @@
 #include "platform/qt/qt_input.h"
 
+#include "platform/qt/qt_debugger_window.h"
+
 #include <QGuiApplication>
 #include <QStyleHints>
 
@@ -35,8 +37,13 @@ uint8_t buttons_of(Qt::MouseButtons held) {
     return buttons;
 }
 
-/// Of the widget that the pointer is in, which is the canvas or the film bar.
+bool is_debugger(const QObject& widget) {
+    return dynamic_cast<const QtDebuggerPane::Widget*>(&widget);
+}
+
+/// Of the widget that the pointer is in, which is the canvas, the film bar or the debugger.
 PaneId pane_of(const QObject& widget) {
+    if (is_debugger(widget)) return PaneId::debugger;
     const auto* canvas = dynamic_cast<const QtCanvas*>(&widget);
     return canvas ? canvas->front_id() : PaneId::film_bar;
 }
@@ -80,15 +87,16 @@ bool QtInput::eventFilter(QObject* watched, QEvent* event) {
         events_.post(pointer_event(act, pane_of(*watched), *static_cast<QMouseEvent*>(event)));
         return false;
     };
+    const PaneId keys = is_debugger(*watched) ? PaneId::debugger : PaneId::picture;
     switch (event->type()) {
     case QEvent::ShortcutOverride:
-        if (!is_claimed(*static_cast<QKeyEvent*>(event))) return false;
+        if (keys != PaneId::debugger && !is_claimed(*static_cast<QKeyEvent*>(event))) return false;
         event->accept();
         return true;
-    case QEvent::KeyPress: key_pressed(*static_cast<QKeyEvent*>(event)); return true;
-    case QEvent::KeyRelease: key_released(*static_cast<QKeyEvent*>(event)); return true;
+    case QEvent::KeyPress: key_pressed(*static_cast<QKeyEvent*>(event), keys); return true;
+    case QEvent::KeyRelease: key_released(*static_cast<QKeyEvent*>(event), keys); return true;
     case QEvent::FocusIn:
-    case QEvent::FocusOut: focus_changed(*static_cast<QFocusEvent*>(event)); return false;
+    case QEvent::FocusOut: focus_changed(*static_cast<QFocusEvent*>(event), keys); return false;
     case QEvent::MouseButtonPress:
         last_press_ = static_cast<QMouseEvent*>(event)->timestamp();
         return pointer(Pointer::Act::press);
@@ -110,48 +118,53 @@ Pointer::Act QtInput::second_press(const QMouseEvent& event) {
     return apart <= longest ? Pointer::Act::double_click : Pointer::Act::press;
 }
 
-void QtInput::send_key(Event::Kind kind, uint8_t key, uint8_t modifiers, bool repeat) {
+void QtInput::send_key(Event::Kind kind, uint8_t key, uint8_t modifiers, bool repeat, PaneId pane) {
     if (key == KEY_NONE) return;
     Event message;
     message.kind = kind;
     message.value = key;
     message.modifiers = modifiers;
     message.repeat = repeat;
+    message.pane = pane;
     events_.post(message);
 }
 
-void QtInput::key_pressed(QKeyEvent& event) {
+void QtInput::key_pressed(QKeyEvent& event, PaneId pane) {
     const uint8_t key = keyboard_.virtual_key(event);
     const quint32 scan = event.nativeScanCode();
     // An X server may send the repeats of a held key as presses without releases.
     const bool repeat = event.isAutoRepeat() || held_.contains(scan);
     if (!repeat && scan) held_[scan] = key;
     // A command's key is not the machine's, not even when its Alt goes up first.
-    const bool claimed = is_claimed(event);
-    if (!repeat && !claimed) keyboard_.key_event(event, true);
-    send_key(Event::Kind::key_down, key, modifiers_of(event), repeat);
-    if (claimed || event.text().isEmpty() || !event.text().front().isPrint()) return;
+    const bool of_machine = pane != PaneId::debugger;
+    const bool claimed = of_machine && is_claimed(event);
+    if (!repeat && !claimed && of_machine) keyboard_.key_event(event, true);
+    send_key(Event::Kind::key_down, key, modifiers_of(event), repeat, pane);
+    const bool with_alt = event.modifiers() & Qt::AltModifier; // which AltGr is not
+    if (claimed || (with_alt && !of_machine)) return;
+    if (event.text().isEmpty() || !event.text().front().isPrint()) return;
     Event message;
     message.kind = Event::Kind::text;
     message.text = event.text().toStdString();
+    message.pane = pane;
     events_.post(message);
 }
 
-void QtInput::key_released(QKeyEvent& event) {
+void QtInput::key_released(QKeyEvent& event, PaneId pane) {
     if (event.isAutoRepeat()) return;
     const auto held = held_.extract(event.nativeScanCode());
     keyboard_.key_event(event, false);
     send_key(Event::Kind::key_up, held ? held.mapped() : keyboard_.virtual_key(event),
-             modifiers_of(event), false);
+             modifiers_of(event), false, pane);
 }
 
-void QtInput::focus_changed(const QFocusEvent& event) {
+void QtInput::focus_changed(const QFocusEvent& event, PaneId pane) {
     if (event.lostFocus()) {
         keyboard_.release_all();
         for (const auto& [scan, key] : std::exchange(held_, {})) {
-            send_key(Event::Kind::key_up, key, 0, false);
+            send_key(Event::Kind::key_up, key, 0, false, pane);
         }
-    } else if (!is_of_menu(event.reason())) {
+    } else if (pane != PaneId::debugger && !is_of_menu(event.reason())) {
         events_.post(Event::Kind::focus);
     }
 }

@@ -11,8 +11,8 @@
 #include <span>
 #include <vector>
 
-/// Keyboard, mouse and focus of the client area. While a menu or a dialog has the keyboard, its
-/// keys are not seen here.
+/// Keyboard, mouse and focus of the client area and of the debugger's window. While a menu or a
+/// dialog has the keyboard, its keys are not seen here.
 class QtInput final : public QObject {
 public:
     QtInput(QtEvents& events, QtKeyboard& keyboard);
@@ -23,10 +23,10 @@ public:
 
 private:
     bool is_claimed(const QKeyEvent& event) const;
-    void send_key(Event::Kind kind, uint8_t key, uint8_t modifiers, bool repeat);
-    void key_pressed(QKeyEvent& event);
-    void key_released(QKeyEvent& event);
-    void focus_changed(const QFocusEvent& event);
+    void send_key(Event::Kind kind, uint8_t key, uint8_t modifiers, bool repeat, PaneId pane);
+    void key_pressed(QKeyEvent& event, PaneId pane);
+    void key_released(QKeyEvent& event, PaneId pane);
+    void focus_changed(const QFocusEvent& event, PaneId pane);
     Pointer::Act second_press(const QMouseEvent& event);
     void wheel_turned(PaneId pane, const QWheelEvent& event);
 

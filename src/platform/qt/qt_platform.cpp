@@ -162,7 +162,8 @@ Pane& QtPlatform::pane(PaneId id) {
     QtCanvas& canvas = services_->window.canvas();
     if (id == PaneId::film_bar) return canvas.film_bar();
     if (id == PaneId::overlay) return canvas.overlay();
-    if (id == PaneId::keyboard || id == PaneId::debugger) return canvas.keyboard();
+    if (id == PaneId::debugger) return services_->window.debugger();
+    if (id == PaneId::keyboard) return canvas.keyboard();
     return canvas.pane(id);
 }
 Paths& QtPlatform::paths() { return services_->paths; }

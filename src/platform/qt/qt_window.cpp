@@ -80,11 +80,12 @@ void QtWindow::Frame::dropEvent(QDropEvent* event) {
 }
 
 QtWindow::QtWindow(QtEvents& events, QtInput& input)
-    : events_(events), input_(input), frame_(events), canvas_(events),
+    : events_(events), input_(input), frame_(events), canvas_(events), debugger_(canvas_, events),
       menu_(*frame_.menuBar(), events) {
     frame_.setCentralWidget(&canvas_);
     canvas_.installEventFilter(&input_);
     canvas_.film_bar().widget().installEventFilter(&input_);
+    debugger_.widget().installEventFilter(&input_);
 }
 
 bool QtWindow::create(const std::string& title) {
@@ -98,6 +99,7 @@ void QtWindow::show() {
     frame_.windowHandle()->installEventFilter(&frame_);
     canvas_.keyboard().show_window(true);
     canvas_.setFocus();
+    debugger_.show_window(true);
     // Waits until the window has its place: a dialog that follows at once is placed by it.
     const QDeadlineTimer limit(LONGEST_OPENING);
     while (!frame_.windowHandle()->isExposed() && !limit.hasExpired()) {
@@ -107,10 +109,14 @@ void QtWindow::show() {
 
 void QtWindow::destroy() {
     canvas_.keyboard().show_window(false);
+    debugger_.show_window(false);
     frame_.hide();
 }
 
-QWidget* QtWindow::owner() { return frame_.isVisible() ? &frame_ : nullptr; }
+QWidget* QtWindow::owner() {
+    if (debugger_.widget().isActiveWindow()) return &debugger_.widget();
+    return frame_.isVisible() ? &frame_ : nullptr;
+}
 
 void QtWindow::set_title(const std::string& title) {
     title_ = title;

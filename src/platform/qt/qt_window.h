@@ -1,5 +1,6 @@
 #pragma once
 #include "platform/qt/qt_canvas.h"
+#include "platform/qt/qt_debugger_window.h"
 #include "platform/qt/qt_input.h"
 #include "platform/qt/qt_menu.h"
 #include "platform/window.h"
@@ -41,14 +42,18 @@ public:
     void claim_keys(std::span<const KeyChord> chords) override;
     void place_keyboard(KeyboardPlace place, const Rectangle& wanted, int closed) override;
     Rectangle keyboard_rectangle() override { return canvas_.keyboard().rectangle(); }
-    void place_debugger(bool /*open*/, const Rectangle& /*wanted*/, int /*closed*/) override {}
-    Rectangle debugger_rectangle() override { return {}; }
-    bool has_debugger() override { return false; }
+    void place_debugger(bool open, const Rectangle& wanted, int closed) override {
+        debugger_.place(open, wanted, closed);
+    }
+    Rectangle debugger_rectangle() override { return debugger_.rectangle(); }
+    bool has_debugger() override { return true; }
     void set_readable(const std::string& name, std::function<ReadableText()> text) override;
 
     QtCanvas& canvas() { return canvas_; }
+    QtDebuggerPane& debugger() { return debugger_; }
     QScreen* screen() const { return frame_.screen(); }
-    /// The parent of dialogs: the window while there is one to see.
+    /// The parent of dialogs: the window while there is one to see, or that of the debugger while
+    /// the user is there.
     QWidget* owner();
 
 private:
@@ -82,6 +87,7 @@ private:
     QtInput& input_;
     Frame frame_;
     QtCanvas canvas_;
+    QtDebuggerPane debugger_;
     QtMenu menu_;
     std::string title_;
     QSize fixed_size_; ///< invalid: the user may size the window
