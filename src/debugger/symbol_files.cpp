@@ -213,7 +213,7 @@ bool read_z88dk_map(std::string_view line, SymbolFileContents& to) {
     SymbolKind of = SymbolKind::label;
     if (kind == "const") of = SymbolKind::constant;
     if (kind == "L" || (of == SymbolKind::label && scope == "local")) of = SymbolKind::local_label;
-    if (kind != "const") take_z88dk_place(line.substr(line.rfind(',') + 1), *value, to);
+    if (kind != "const") take_z88dk_place(trimmed(line.substr(line.rfind(',') + 1)), *value, to);
     if (name.starts_with("__C_LINE_") || name.starts_with("__ASM_LINE_")) return true;
     return take_symbol(name, *value, of, to);
 }
