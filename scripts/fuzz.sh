@@ -32,7 +32,7 @@ trap 'rm -rf "$TMPDIR"' EXIT
 longest_input() {
     case $1 in
     command_line) echo 128 ;;
-    basic_tokens | keyboard | monitor | settings) echo 512 ;;
+    basic_tokens | expression | keyboard | monitor | settings) echo 512 ;;
     *) echo 4096 ;;
     esac
 }
