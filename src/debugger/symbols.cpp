@@ -30,9 +30,12 @@ uint8_t images_in_machine() {
     return images;
 }
 
+char small_letter(char c) { return c >= 'A' && c <= 'Z' ? char(c - 'A' + 'a') : c; }
+
 bool begins_with(std::string_view text, std::string_view small_beginning) {
     return text.size() >= small_beginning.size() &&
-           lower_case(std::string(text.substr(0, small_beginning.size()))) == small_beginning;
+           std::equal(small_beginning.begin(), small_beginning.end(), text.begin(),
+                      [](char a, char b) { return a == small_letter(b); });
 }
 
 /// The firmware's name nearest below the address, which may be there itself.
@@ -54,8 +57,9 @@ std::optional<uint16_t> firmware_value(std::string_view name, bool any_case) {
     const std::string small = lower_case(std::string(name));
     for (const firmware_symbol& symbol : firmware_symbols) {
         if (!(symbol.images & images)) continue;
-        if (any_case ? lower_case(symbol.name) == small : symbol.name == name)
-            return symbol.address;
+        const std::string_view known = symbol.name;
+        if (known.size() != name.size()) continue;
+        if (any_case ? begins_with(known, small) : known == name) return symbol.address;
     }
     return {};
 }
