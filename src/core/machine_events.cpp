@@ -369,7 +369,7 @@ int machine_apply(event_kind kind, int32_t a, int32_t b, shared_bytes bytes) {
 void machine_keep_log(machine_log* log) {
     if (kept) {
         machine_log_moment();
-        machine_host = asked;
+        machine_host = machine_host_behind_log();
     }
     kept = log;
     if (!log) return;
@@ -389,7 +389,11 @@ void machine_log_moment() {
     if (kept && frame_state.begun) append(event_kind::moment);
 }
 
-const machine_host_calls& machine_host_behind_log() { return kept ? asked : machine_host; }
+const machine_host_calls& machine_host_behind_log() {
+    if (!kept) return machine_host;
+    asked.watch_hit = machine_host.watch_hit; // a debugger may have come since the log began
+    return asked;
+}
 
 machine_replay_end machine_replay_frame(const machine_log& log, machine_replay_position& position,
                                         const machine_host_calls& host) {

@@ -7,6 +7,7 @@
 /// then: nothing is forgotten, and at the present the machine stands. To change something in the
 /// past, or debugger_branch, goes on from there: what came after is forgotten.
 
+#include "core/frame_driver.h"
 #include "debugger/breakpoints.h"
 #include "time/history.h"
 #include "z80/z80_watch.h"
@@ -32,7 +33,8 @@ struct DebugStop {
     StopReason reason = StopReason::none;
     int breakpoint = 0; ///< number of the breakpoint, 0 for none
     watch_hit hit = {}; ///< with a breakpoint
-    std::string text; ///< in a few words for the user, such as "Breakpoint 2: write of 2Ah to 4400"
+    /// In a few words for the user: "Breakpoint 2: write of 2Ah to 4400, where 00h was, by 4310".
+    std::string text = {};
 };
 
 /// What the debugger asks and tells the program around it.
@@ -43,14 +45,20 @@ struct DebuggerCalls {
     std::function<void(const std::string& line)> log = [](const std::string&) {};
     /// The machine is another one than was shown: it stands, or has been changed.
     std::function<void()> show = [] {};
+    /// Runs what is left of the live machine's frame, for a step: machine_run, or what plays a
+    /// replay. Returns a machine_run_end.
+    std::function<int()> run_frame = machine_run;
 };
 
 /// On: breakpoints are armed, and `watch_hit` of the host is the debugger's. The machine goes on as
 /// it is; a history has to be kept for everything that leads back.
 void debugger_start(DebuggerCalls calls);
-/// Nothing is armed any more, and a machine that stands is let go.
+/// Nothing is armed any more, the past is left for the present, and a machine that stands is let
+/// go.
 void debugger_end();
 bool debugger_is_on();
+/// To be called after each complete frame of the live machine.
+void debugger_frame_ran();
 
 /// Fronts hear of every stop, and of each time the machine is let go (null). Returns the number to
 /// remove it by.
@@ -58,19 +66,20 @@ int debugger_add_front(std::function<void(const DebugStop* stop)> told);
 void debugger_remove_front(int number);
 
 // ---- standing and going ------------------------------------------------------------------------
-// Each returns at once. When work is long, debugger_turn has to be called until it is false; fronts
-// hear of the stop.
+// Each returns at once, and does nothing while long work is done. Fronts hear of a stop in
+// debugger_turn, which the program calls between frames; a single step of the present is done, and
+// told, when the function returns.
 
 bool debugger_stands();
 const DebugStop& debugger_last_stop();
-/// Has the machine stand before its next instruction.
+/// Has the machine stand before its next instruction. Long work is given up.
 void debugger_stop();
 /// Goes on, to the next hit; in the past at most to the present.
 void debugger_go();
 /// One instruction; an accepted interrupt belongs to it.
 void debugger_step();
-/// The same, but a CALL, RST, trap or repeating block instruction is run to its end, and HALT to
-/// the interrupt.
+/// The same, but a CALL, RST or repeating block instruction is run to its end, and HALT to the
+/// interrupt.
 void debugger_step_over();
 /// To behind the return of the present subroutine.
 void debugger_step_out();
@@ -101,7 +110,8 @@ void debugger_branch();
 
 // ---- long work ---------------------------------------------------------------------------------
 
-/// A slice of the work, at most about 20 ms. True while there is more.
+/// A slice of the work, at most about 20 ms. True while there is more. Without any it tells the
+/// fronts that the machine stands, if it has come to that since the last time.
 bool debugger_turn();
 /// Of the work, 0 to 1; nothing when there is none.
 std::optional<double> debugger_progress();

@@ -1,0 +1,147 @@
+#include "debugger/debugger.h"
+
+#include "cgenie/memory/memory.h"
+#include "core/machine.h"
+#include "core/machine_events.h"
+#include "core/machine_state.h"
+#include "debugger/commands.h"
+#include "wall/machine_host.h"
+#include "z80/z80.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+
+namespace {
+
+constexpr uint16_t PROGRAM = 0x5000;
+constexpr uint8_t program[] = {
+    0x31, 0x00, 0x60, // 5000 LD SP,6000
+    0x21, 0x00, 0x55, // 5003 LD HL,5500
+    0x11, 0x00, 0x56, // 5006 LD DE,5600
+    0x01, 0x04, 0x00, // 5009 LD BC,4
+    0xED, 0xB0,       // 500C LDIR
+    0xCD, 0x20, 0x50, // 500E CALL 5020
+    0x3E, 0x2A,       // 5011 LD A,2A
+    0x32, 0x00, 0x57, // 5013 LD (5700),A
+    0x3A, 0x00, 0x57, // 5016 LD A,(5700)
+    0xD3, 0x10,       // 5019 OUT (10),A
+    0xDB, 0x11,       // 501B IN A,(11)
+    0xC3, 0x00, 0x50, // 501D JP 5000
+    0xC5,             // 5020 PUSH BC
+    0xCD, 0x26, 0x50, // 5021 CALL 5026
+    0xC1,             // 5024 POP BC
+    0xC9,             // 5025 RET
+    0x04,             // 5026 INC B
+    0xC9,             // 5027 RET
+    0xFB,             // 5028 EI
+    0x76,             // 5029 HALT
+    0x18, 0xFD,       // 502A JR 5029
+};
+
+/// With the line engine and with the beam engine.
+class DebuggedMachine : public testing::TestWithParam<bool> {
+protected:
+    void SetUp() override {
+        machine_host = machine_without_host();
+        machine_init();
+        g_bCycleBasedEngine = GetParam();
+        for (int n = 0; n < 60; ++n) machine_run(); // the firmware has programmed the controller
+        std::ranges::copy(program, memory + PROGRAM);
+        std::ranges::copy("\1\2\3\4", memory + 0x5500);
+        z80_state.pc = PROGRAM;
+        z80_state.iff1 = 0;
+        debugger_start({.log = [this](const std::string& line) { log += line + ";"; }});
+        debugger_stop();
+    }
+    void TearDown() override {
+        breakpoints_remove_all(0);
+        debugger_end();
+    }
+
+    void command(const std::string& line) {
+        const CommandResult result = debugger_command(line);
+        EXPECT_FALSE(result.failed) << line << ": " << result.text;
+    }
+    /// "PC: why" when the machine stands.
+    std::string stop() {
+        int frames = 0;
+        const auto run_frame = [] {
+            if (machine_run() == MACHINE_FRAME) debugger_frame_ran();
+        };
+        const bool stands = debugger_wait(run_frame, [&] { return ++frames < 200; });
+        char pc[8];
+        std::snprintf(pc, sizeof pc, "%04X", z80_state.pc);
+        const std::string why = debugger_last_stop().text;
+        return stands ? pc + (why.empty() ? "" : ": " + why) : "runs";
+    }
+    std::string after(void (*act)()) {
+        act();
+        return stop();
+    }
+
+    std::string log;
+};
+INSTANTIATE_TEST_SUITE_P(Engines, DebuggedMachine, testing::Bool());
+
+TEST_P(DebuggedMachine, StopsWhereABreakpointIsHit) {
+    const struct {
+        const char* breakpoint;
+        const char* stop;
+    } cases[] = {
+        {"break 5011", "5011: Breakpoint N: at 5011"},
+        {"break 500C if bc == 4", "500C: Breakpoint N: at 500C"}, // LDIR, once
+        {"break 5020-5027 if hits == 5", "5024: Breakpoint N: at 5024"},
+        {"watch 5602-5603", "500C: Breakpoint N: write of 03h to 5602, where 00h was, by 500C"},
+        {"watch read 5600-57FF", "5019: Breakpoint N: read of 2Ah from 5700, by 5016"},
+        {"watch access 5700 if value != before",
+         "5016: Breakpoint N: write of 2Ah to 5700, where 00h was, by 5013"},
+        {"watch read 5FFE-5FFF if value == 0x11",
+         "5011: Breakpoint N: read of 11h from 5FFE, by 5025"},
+        {"break port write 10", "501B: Breakpoint N: write of 2Ah to port 10, by 5019"},
+        {"break port read 00-FF", "501D: Breakpoint N: read of FFh from port 11, by 501B"},
+        {"watch read 5000-5027", "runs"}, // fetches are no reads
+    };
+    for (const auto& [breakpoint, wanted] : cases) {
+        SCOPED_TRACE(breakpoint);
+        z80_state.pc = PROGRAM;
+        std::fill_n(memory + 0x5600, 0x101, uint8_t(0));
+        debugger_turn();
+        command(breakpoint);
+        std::string expected = wanted;
+        const size_t n = expected.find('N');
+        const std::string number = std::to_string(breakpoints().back().number);
+        if (n != std::string::npos) expected.replace(n, 1, number);
+        EXPECT_EQ(after(debugger_go), expected);
+        debugger_stop();
+        breakpoints_remove_all(0);
+    }
+}
+
+TEST_P(DebuggedMachine, StepsOverAndOut) {
+    const auto stops_at = [&](void (*act)(), const char* wanted) { EXPECT_EQ(after(act), wanted); };
+    for (const char* const pc : {"5003", "5006", "5009", "500C", "500C"}) {
+        stops_at(debugger_step, pc);
+    }
+    stops_at(debugger_step_over, "500E");
+    stops_at(debugger_step_over, "5011");
+    debugger_run_to(0x500E);
+    EXPECT_EQ(stop(), "500E");
+    stops_at(debugger_step, "5020");
+    stops_at(debugger_step, "5021");
+    stops_at(debugger_step_over, "5024"); // and not where the stack is as short as it was
+    debugger_run_to(0x5021);
+    stop();
+    stops_at(debugger_step_out, "5011");
+    debugger_run_to(0x5026);
+    stop();
+    stops_at(debugger_step_out, "5024");
+    debugger_set_register("pc", 0x5028);
+    stops_at(debugger_step, "5029");
+    stops_at(debugger_step, "5029"); // it halts
+    z80_state.irq = 1;
+    z80_state.interrupt_mode = 1;
+    stops_at(debugger_step_over, "0038");
+}
+
+} // namespace
