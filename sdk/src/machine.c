@@ -1,0 +1,26 @@
+#include <genie/machine.h>
+
+void latch_set(uint8_t mask, uint8_t bits) {
+    LATCH_COPY = (LATCH_COPY & ~mask) | (bits & mask);
+    LATCH = LATCH_COPY;
+}
+
+/* The firmware's delay of 26 cycles a count, of 2216 in a millisecond. */
+void wait(uint16_t milliseconds) __naked {
+    milliseconds;
+    __asm
+	ld	a,h
+	or	a,l
+	ret	Z
+	ld	bc,#84
+	call	0x0060
+	dec	hl
+	jr	_wait
+    __endasm;
+}
+
+void exit(void) __naked {
+    __asm
+	jp	__exit
+    __endasm;
+}
