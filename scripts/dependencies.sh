@@ -12,10 +12,10 @@ if [[ -n ${WAYLAND_DISPLAY:-} ]]; then run_packages+=(qt6-wayland); fi
 test_packages=(libgtest-dev libgif-dev libbenchmark-dev libz80ex-dev clang libclang-rt-dev
                clang-format clang-tidy python3 xvfb xdotool x11-xkb-utils x11-utils appstream
                desktop-file-utils groff-base libxml2-utils shared-mime-info openbox ffmpeg
-               libavcodec-dev libswscale-dev weston qt6-wayland nlohmann-json3-dev)
+               libavcodec-dev libswscale-dev weston qt6-wayland nlohmann-json3-dev sdcc)
 windows_packages=(g++-mingw-w64-x86-64-posix wine wine64 nsis dpkg-dev googletest)
 package_packages=(debootstrap dpkg-dev)
-picture_packages=(xvfb xdotool x11-utils openbox imagemagick librsvg2-bin)
+picture_packages=(xvfb xdotool x11-utils openbox imagemagick librsvg2-bin sdcc)
 
 web_packages=(g++ cmake ninja-build pasmo libtomlplusplus-dev emscripten esbuild dpkg-dev python3)
 # A browser for the page's tests; Node.js may be another archive's, which has npm in it.
