@@ -2,7 +2,7 @@
 # A program that is not installed finds them from its folder in the same way.
 function(tarvelin_manual installed built)
   set(docs ${PROJECT_SOURCE_DIR}/docs)
-  set(pages manual keys web windows firmware reference debugger examples benchmarks accuracy)
+  set(pages manual keys web windows firmware reference debugger sdk examples benchmarks accuracy)
   list(TRANSFORM pages APPEND .html)
   foreach(page ${pages} style.css)
     install(FILES ${docs}/${page} DESTINATION ${installed})

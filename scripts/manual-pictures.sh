@@ -76,6 +76,9 @@ cp "$examples/colours.cmd" "$examples/bounce.cmd" .
 # The manual's own listing, so that it shows what it draws.
 sed -n '/<pre id="listing">/,/<\/pre>/p' "$manual" | sed 's/<[^>]*>//g' >listing.bas
 machine colours 4 colours.cmd
+cp "$build"/sdk/{vine/vine,solids/solids}.cmd .
+machine vine 30 vine.cmd
+machine solids 25 solids.cmd
 machine graphics 40 listing.bas
 listing raiders 58 ' '
 listing maze 58 ' '

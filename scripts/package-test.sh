@@ -158,7 +158,7 @@ for page in tarvelin tarvelin-headless tarvelin-bas tarvelin-disk; do
 done
 for name in copyright changelog.gz; do check "$name" test -s "$root$documents/$name"; done
 # Every picture and page that the manuals show or lead to is there.
-for page in manual keys firmware reference examples benchmarks accuracy; do
+for page in manual keys firmware reference sdk examples benchmarks accuracy; do
     check "$page.html" test -s "$root$documents/$page.html"
     while read -r target; do
         check "$page.html: $target" test -s "$root$documents/$target"
