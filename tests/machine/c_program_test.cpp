@@ -3,6 +3,7 @@
 #include "cgenie/memory/memory.h"
 #include "core/machine_events.h"
 #include "core/pacing/pacing.h"
+#include "platform/keyboard.h"
 
 #include <gtest/gtest.h>
 
@@ -58,6 +59,13 @@ TEST_P(CProgram, WordsDoWhatTheySay) {
     EXPECT_EQ(machine.screen(), expected);
 }
 
+TEST_P(CProgram, NeedMemory) {
+    memory[0x40B2] = 0x60; // the top of memory
+    start("words");
+    EXPECT_TRUE(machine_.machine.type("", 100));
+    EXPECT_EQ(machine_.machine.screen().back(), ">NOT ENOUGH MEMORY");
+}
+
 /// Whatever the compiler's version makes of their times.
 TEST_P(CProgram, ExamplesRun) {
     start("vine");
@@ -69,6 +77,16 @@ TEST_P(CProgram, ExamplesRun) {
         best = std::stoi(heading.substr(22));
     }
     EXPECT_GE(best, 3);
+    // A key begins a game, and steers.
+    for (const auto& [down, frames] : {std::pair{true, 20}, {false, 20}, {true, 75}}) {
+        machine_.machine.platform().set_key(KEY_RIGHT, down);
+        do_some_frames(frames);
+    }
+    machine_.machine.platform().set_key(KEY_RIGHT, false);
+    const uint8_t* const text = &memory[0x4400];
+    const auto bud = std::find(text, text + 960, 0x90) - text;
+    EXPECT_LT(bud, 480) << "above the middle, where it began";
+    EXPECT_GT(bud % 40, 25);
 
     start("solids");
     do_some_frames(500);
