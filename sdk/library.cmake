@@ -19,6 +19,7 @@ file(GLOB sources CONFIGURE_DEPENDS ${sdk}/src/*.c)
 add_library(genie STATIC ${sources})
 target_include_directories(genie PUBLIC ${sdk}/include)
 add_dependencies(genie genie_start)
+set_property(TARGET genie PROPERTY INTERFACE_LINK_DEPENDS ${start}.rel ${sdk}/modules.cmake)
 
 # The program begins at 5800, where BASIC has its own, and its data follow the code.
 set(CMAKE_C_LINK_EXECUTABLE

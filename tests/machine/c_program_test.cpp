@@ -1,5 +1,6 @@
 #include "disk_machine.h"
 
+#include "cgenie/crtc.h"
 #include "cgenie/memory/memory.h"
 #include "core/machine_events.h"
 #include "core/pacing/pacing.h"
@@ -38,7 +39,7 @@ TEST_P(CProgram, WordsDoWhatTheySay) {
         "-32768 6  3",
         " 72  148",
         " 3  3  3  1  1",
-        " 4  4  4  4  2",
+        " 4  4  4  4  4  2",
         " 1  1  2  2  4  2",
         "32 2 3",
         "59 1 7 110 9",
@@ -90,7 +91,7 @@ TEST_P(CProgram, ExamplesRun) {
 
     start("solids");
     do_some_frames(500);
-    const uint8_t* const points = &memory[0x4800];
+    const uint8_t* const points = &memory[0x4000 + crtc.start_address]; // one of two pages
     int drawn = 0, uneven = 0;
     for (int i = 0; i < 40 * 96; ++i) {
         const int column = i % 40;

@@ -33,7 +33,7 @@ int main(void) {
     graphics_box(150, 90, 90, 90, 3);
     graphics_plot(160, 0, 3);
     basic_run("PRINT CPOINT(0,95);CPOINT(159,0);CPOINT(79,48);CPOINT(11,45);CPOINT(12,90)");
-    basic_run("PRINT CPOINT(120,48);CPOINT(80,8);CPOINT(109,76);CPOINT(51,20);CPOINT(121,48)");
+    basic_run("PRINT CPOINT(120,48);CPOINT(80,8);CPOINT(109,76);CPOINT(94,11);CPOINT(50,21);CPOINT(121,48)");
     basic_run("PRINT CPOINT(3,3);CPOINT(7,7);CPOINT(8,8);CPOINT(2,3);CPOINT(150,90);CPOINT(149,95)");
     printf("%d %d %d\n", LATCH_COPY & LATCH_GRAPHICS, graphics_point(0, 95), graphics_point(120, 48));
     screen_show();
