@@ -172,7 +172,7 @@ bool read_cdb(std::string_view line, SymbolFileContents& to) {
 
 /// The tables of globals stand between a line of dashes and a blank line, on pages of an area each.
 bool read_sdcc_map(std::string_view line, SymbolFileContents& to) {
-    if (line.empty() || line.front() == '\f') {
+    if (line.empty()) {
         to.in_table = false;
         return true;
     }
@@ -247,6 +247,7 @@ std::string read_lines(std::string_view contents, SymbolFileContents& to) {
         contents.remove_prefix(std::min(end + 1, contents.size()));
         if (line.ends_with('\r')) line.remove_suffix(1);
         if (!is_text(line)) return "line " + std::to_string(number) + " is no text";
+        if (line.starts_with('\f')) line.remove_prefix(1); // before each page of sdcc's .map
         line = trimmed(line);
         if (!reader && !line.empty() && !line.starts_with(';') && line != "None.") {
             reader = reader_for(line);

@@ -26,12 +26,12 @@ const char* const cdb_file =
     "L:G$main$0$0:801A\nL:G$score$0_0$0:9000\nL:Lh.helper$kept$1_0$2:9001\n"
     "L:A$start$7:A000\n";
 const char* const map_file =
-    "ASxxxx Linker V03.00 + NoICE + sdld,  page 1.\nHexadecimal  [32-Bits]\n\n"
+    "\fASxxxx Linker V03.00 + NoICE + sdld,  page 1.\nHexadecimal  [32-Bits]\n\n"
     "_CODE                               00008000    00000031 =          49. bytes (REL,CON)\n\n"
     "      Value  Global                              Global Defined In Module\n"
     "      -----  --------------------------------   ------------------------\n"
     "     00008000  helper                             h\n     0000801A  _main\n"
-    "ASxxxx Linker V03.00 + NoICE + sdld,  page 2.\n\nUser Base Address Definitions\n\n"
+    "\fASxxxx Linker V03.00 + NoICE + sdld,  page 2.\n\nUser Base Address Definitions\n\n"
     "_CODE = 0x8000\n";
 const char* const z88dk_file =
     "CHAR_BELL                       = $0007 ; const, local, , console_01, , config.inc:150\n"
