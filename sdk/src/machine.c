@@ -19,7 +19,7 @@ void wait(uint16_t milliseconds) __naked {
     __endasm;
 }
 
-void exit(void) __naked {
+void end_program(void) __naked {
     __asm
 	jp	__exit
     __endasm;

@@ -39,4 +39,4 @@ void wait(uint16_t milliseconds);
 
 /* Ends the program, as the end of main does: back to BASIC's prompt. If the program was started
    before BASIC, a key leads to the question MEM SIZE? then. */
-void exit(void);
+void end_program(void);

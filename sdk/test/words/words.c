@@ -32,14 +32,19 @@ int main(void) {
     graphics_box(3, 3, 5, 5, 0);
     graphics_box(150, 90, 90, 90, 3);
     graphics_plot(160, 0, 3);
+    graphics_copy(10, 20, 1, 2, (const uint8_t *)"\x1B\xE4");
     basic_run("PRINT CPOINT(0,95);CPOINT(159,0);CPOINT(79,48);CPOINT(11,45);CPOINT(12,90)");
     basic_run("PRINT CPOINT(120,48);CPOINT(80,8);CPOINT(109,76);CPOINT(94,11);CPOINT(50,21);CPOINT(121,48)");
     basic_run("PRINT CPOINT(3,3);CPOINT(7,7);CPOINT(8,8);CPOINT(2,3);CPOINT(150,90);CPOINT(149,95)");
+    basic_run("PRINT CPOINT(40,20);CPOINT(41,20);CPOINT(42,20);CPOINT(43,20);CPOINT(40,21)");
     printf("%d %d %d\n", LATCH_COPY & LATCH_GRAPHICS, graphics_point(0, 95), graphics_point(120, 48));
     screen_show();
 
     sound_note(1, 4, 10, 15);
     sound_noise(2, 7, 9);
+    sound_note(3, 8, 10, SOUND_BY_ENVELOPE);
+    sound_envelope(9, 0x1234);
+    printf("%d %d %d %d ", sound_read(4), sound_read(10), sound_read(12), sound_read(13));
     printf("%d %d %d %d %d\n", sound_read(0), sound_read(1), sound_read(6), sound_read(7),
            sound_read(9));
     basic_run("PRINT JOY1X;JOY2Y;KEYPAD1");
