@@ -70,10 +70,13 @@ bool is_writable(const Range& range) {
 /// The bytes have to be as many as were announced, and all of them have to be in RAM.
 std::string store(const Range& range, std::string_view bytes) {
     if (bytes.size() != range.length || range.length > ADDRESSES - range.first) return WRONG;
-    if (!is_writable(range)) return WRONG;
+    if (!is_writable(range) || debugger_progress()) return WRONG;
     if (!bytes.empty()) debugger_poke(uint16_t(range.first), {bytes.begin(), bytes.end()});
     return DONE;
 }
+
+/// Where the debugger goes through the past, it stands only in between.
+bool stands_still() { return debugger_stands() && !debugger_progress(); }
 
 BreakpointKind kind_of(char kind) {
     switch (kind) {
@@ -266,7 +269,7 @@ void RemoteSession::interrupt() {
 }
 
 RemoteSession::Answer RemoteSession::say_stop(std::string_view /*nothing*/) {
-    if (debugger_stands()) return stop_reply();
+    if (stands_still()) return stop_reply();
     wait_ = Wait::stop;
     interrupt();
     return {};
@@ -342,7 +345,7 @@ RemoteSession::Answer RemoteSession::write_binary(std::string_view rest) {
 
 /// At the address, when there is one. The answer is the stop.
 RemoteSession::Answer RemoteSession::go_on(std::string_view address, void (*how)()) {
-    const bool stands = debugger_stands();
+    const bool stands = stands_still();
     if (!address.empty()) {
         const auto pc = take_hex(address);
         if (!pc || *pc >= ADDRESSES || !address.empty()) return WRONG;
@@ -505,7 +508,7 @@ RemoteSession::Answer RemoteSession::monitor(std::string_view rest) {
     if (!line) return WRONG;
     const CommandResult result = debugger_command(*line);
     std::string text = result.text.empty() ? "" : result.text + "\n";
-    if (result.goes && (!debugger_stands() || debugger_progress())) {
+    if (result.goes && !stands_still()) {
         monitor_text_ = std::move(text);
         wait_ = Wait::monitor;
         return {};

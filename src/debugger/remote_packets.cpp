@@ -56,16 +56,19 @@ std::optional<RemoteMessage> RemotePacketReader::take(uint8_t byte) {
         return {};
     case State::second_digit: digits_[1] = char(byte); return finish();
     }
-    if (byte == BEGIN) {
-        data_.clear();
-        too_long_ = false;
-        sum_ = 0;
-        state_ = State::data;
-    }
+    if (byte == BEGIN) begin();
     return {};
 }
 
+void RemotePacketReader::begin() {
+    data_.clear();
+    too_long_ = false;
+    sum_ = 0;
+    state_ = State::data;
+}
+
 void RemotePacketReader::take_data(uint8_t byte) {
+    if (byte == BEGIN) return begin(); // the end of the last one was lost
     if (byte == END) {
         state_ = State::first_digit;
         return;

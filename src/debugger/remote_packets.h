@@ -40,6 +40,7 @@ public:
 private:
     enum class State : uint8_t { outside, data, escaped, first_digit, second_digit };
     std::optional<RemoteMessage> take(uint8_t byte);
+    void begin();
     void take_data(uint8_t byte);
     RemoteMessage finish();
 

@@ -1,0 +1,266 @@
+#include "debugger/remote.h"
+
+#include "cgenie/memory/memory.h"
+#include "core/frame_driver.h"
+#include "core/machine.h"
+#include "core/machine_events.h"
+#include "time/history.h"
+#include "wall/machine_host.h"
+#include "z80/z80.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <iterator>
+
+namespace {
+
+/// What it leaves was worked out by hand from the processor's data sheet.
+constexpr uint8_t PROGRAM[] = {
+    0xED, 0x56,             // 4300 im 1
+    0x31, 0x00, 0x50,       // 4302 ld sp,5000h
+    0x21, 0x34, 0x12,       // 4305 ld hl,1234h
+    0x01, 0x78, 0x56,       // 4308 ld bc,5678h
+    0x11, 0xBC, 0x9A,       // 430B ld de,9abch
+    0x3E, 0x2A, 0xB7,       // 430E ld a,2ah; or a
+    0xD9, 0x08,             // 4311 exx; ex af,af'
+    0xDD, 0x21, 0x57, 0x13, // 4313 ld ix,1357h
+    0xFD, 0x21, 0x68, 0x24, // 4317 ld iy,2468h
+    0x3E, 0x11, 0xED, 0x47, // 431B ld a,11h; ld i,a
+    0x32, 0x00, 0x44,       // 431F ld (4400h),a
+    0x3C,                   // 4322 inc a
+    0x3A, 0x00, 0x44,       // 4323 ld a,(4400h)
+    0x18, 0xF7,             // 4326 jr 431fh
+};
+
+std::string sum_of(std::string_view data) {
+    unsigned sum = 0;
+    for (const char byte : data) sum += uint8_t(byte);
+    char digits[3];
+    std::snprintf(digits, sizeof digits, "%02x", sum % 256);
+    return digits;
+}
+std::string packet(const std::string& data) { return "$" + data + "#" + sum_of(data); }
+
+/// A machine with the program, and a client.
+class Remote : public testing::Test {
+protected:
+    void SetUp() override {
+        z80_state = {};
+        machine_init();
+        std::ranges::copy(PROGRAM, memory + 0x4300);
+        z80_state.af_alt = 0x0102;
+        z80_state.bc_alt = z80_state.de_alt = z80_state.hl_alt = 0x0304;
+        z80_state.pc = 0x4300;
+        history_start({});
+        debugger_start({.let_run = [this](bool runs) { machine_runs = runs; }});
+        client.emplace();
+        settle();
+    }
+    void TearDown() override {
+        client.reset();
+        debugger_end();
+        history_stop();
+    }
+    /// Turns as the shell does.
+    void settle(int frames = 20) {
+        for (client->turn(); debugger_turn() || (!debugger_stands() && frames-- > 0);
+             client->turn()) {
+            if (!machine_runs || debugger_stands() || machine_run() != MACHINE_FRAME) continue;
+            history_frame_ran();
+            debugger_frame_ran();
+        }
+        client->turn();
+    }
+    /// What comes back, byte by byte.
+    std::string raw(std::string_view bytes) {
+        client->take(bytes);
+        settle();
+        return std::exchange(client->output(), {});
+    }
+    /// The answer without its frame, which has to be right.
+    std::string ask(const std::string& data) {
+        const std::string came = raw(packet(data));
+        if (came == "+") return "(none)";
+        const std::string answer = came.substr(std::min<size_t>(came.size(), 2));
+        const std::string inside = answer.substr(0, answer.find('#'));
+        EXPECT_EQ(came, "+" + packet(inside)) << data;
+        return inside;
+    }
+
+    bool machine_runs = true;
+    std::optional<RemoteSession> client;
+};
+
+struct Exchange {
+    const char* said;
+    const char* answer;
+};
+
+TEST_F(Remote, EveryCommandIsAnswered) {
+    const Exchange cases[] = {
+        {"qSupported:multiprocess+;swbreak+;hwbreak+",
+         "PacketSize=4000;qXfer:features:read+;qXfer:memory-map:read+;QStartNoAckMode+;"
+         "ReverseStep+;ReverseContinue+;swbreak+;hwbreak+;vContSupported+"},
+        {"vMustReplyEmpty", ""},
+        {"Hg0", "OK"},
+        {"qTStatus", ""},
+        {"?", "T020a:ffff;0b:0043;"},
+        {"qfThreadInfo", "m1"},
+        {"qsThreadInfo", "l"},
+        {"qC", "QC1"},
+        {"T1", "OK"},
+        {"T2", "E01"},
+        {"qAttached", "1"},
+        {"qSymbol::", "OK"},
+        {"vCont?", "vCont;c;C;s;S;t"},
+        // Steps, and to a breakpoint.
+        {"s", "T050a:ffff;0b:0243;"},
+        {"vCont;s:1;c", "T050a:0050;0b:0543;"},
+        {"S05", "T050a:0050;0b:0843;"},
+        {"Z0,431f,1", "OK"},
+        {"Z0,431f,1", "OK"},
+        {"c", "T05swbreak:;0a:0050;0b:1f43;"},
+        // af bc de hl, af' as "or a" leaves it: bits 5 and 3 of 2A, odd parity; R has counted 17.
+        {"g", "0211040304030403282a7856bc9a34125713682400501f43111100011111"},
+        {"p4", "282a"},
+        {"pb", "1f43"},
+        {"pf", "01"},
+        {"p10", "1111"},
+        {"p11", "E01"},
+        {"z0,431f,1", "OK"},
+        {"z0,431f,1", "OK"},
+        {"Z1,4323,1", "OK"},
+        {"vCont;c", "T05hwbreak:;0a:0050;0b:2343;"},
+        {"z1,4323,1", "OK"},
+        {"m4400,1", "11"},
+        // Watchpoints, behind their instructions.
+        {"Z2,43ff,2", "OK"},
+        {"c", "T05watch:4400;0a:0050;0b:2243;"},
+        {"z2,43ff,2", "OK"},
+        {"Z3,4400,1", "OK"},
+        {"C05;4323", "T05rwatch:4400;0a:0050;0b:2643;"},
+        {"z3,4400,1", "OK"},
+        {"Z4,4400,1", "OK"},
+        {"c", "T05awatch:4400;0a:0050;0b:2243;"},
+        {"z4,4400,1", "OK"},
+        {"Z5,4400,1", "E01"},
+        {"Z0,10000,1", "E01"},
+        {"Z0,4300", "E01"},
+        // Registers and memory.
+        {"Pb=1f43", "OK"},
+        {"P10=3422", "OK"},
+        {"pc", "22"},
+        {"pd", "34"},
+        {"Pe=03", "OK"},
+        {"pe", "03"},
+        {"Pe=04", "E01"},
+        {"Pf=03", "E01"},
+        {"P0=11", "E01"},
+        {"P1=111100", "E01"},
+        {"P11=0000", "E01"},
+        {"M4500,3:0a7dff", "OK"},
+        {"m4500,4", "0a7dff00"},
+        {"X4503,0:", "OK"},
+        {"M4500,2:0a", "E01"},
+        {"M4500,1:0g", "E01"},
+        {"M3fff,2:0102", "E01"},
+        {"Mfffe,3:010203", "E01"},
+        {"mffff,10", "ff"},
+        {"m10000,1", "E01"},
+        {"m,1", "E01"},
+        {"m4000", "E01"},
+        {"m4500,0", ""},
+        {"G00", "E01"},
+        {"G1122334455667788991011121314151617181920212223242526", "E01"},
+        {"G112233445566778899aabbccddeeff00102030405060708 ", "E01"},
+        {"G112233445566778899aabbccddeeff001020304050607080", "OK"},
+        {"g", "112233445566778899aabbccddeeff001020304050607080223403013422"},
+        {"G00000000000000000000000000000000000000500050"
+         "1f43"
+         "0a0b00020b0a",
+         "OK"},
+        {"p10", "0b0a"},
+        // The descriptions.
+        {"qXfer:features:read:target.xml:16,41",
+         "m<!DOCTYPE target SYSTEM \"gdb-target.dtd\">\n<target version=\"1.0\">\n"},
+        {"qXfer:features:read:other.xml:0,40", "E00"},
+        {"qXfer:memory-map:read::16,ffff",
+         "l<memory-map>\n<memory type=\"rom\" start=\"0x0\" length=\"0x4000\"/>\n"
+         "<memory type=\"ram\" start=\"0x4000\" length=\"0x4000\"/>\n"
+         "<memory type=\"ram\" start=\"0x8000\" length=\"0x4000\"/>\n"
+         "<memory type=\"rom\" start=\"0xc000\" length=\"0x3000\"/>\n"
+         "<memory type=\"ram\" start=\"0xf000\" length=\"0x1000\"/>\n</memory-map>\n"},
+        {"qXfer:memory-map:read::fff,1", "l"},
+        {"qRcmd,zz", "E01"},
+        {"vCont;t", "T05awatch:4400;0a:0050;0b:1f43;"},
+        {"vCont;r1,2", "E01"},
+        {"R00", ""},
+        {"D", "OK"},
+    };
+    for (const auto& [said, answer] : cases) EXPECT_EQ(ask(said), answer) << said;
+    EXPECT_TRUE(client->is_over());
+}
+
+/// Bytes as they come: in pieces, damaged, too many, and without acknowledgement.
+TEST_F(Remote, BytesAreAPacketOrNone) {
+    EXPECT_EQ(raw("++$q"), "");
+    EXPECT_EQ(raw("C#b4"), "+$QC1#c5");
+    EXPECT_EQ(raw("-"), "$QC1#c5");
+    EXPECT_EQ(raw("$qC#b5x"), "-");
+    EXPECT_EQ(raw("$qC#zz$$qC#B4"), "-+$QC1#c5");
+    EXPECT_EQ(raw("$" + std::string(LONGEST_REMOTE_PACKET + 1, 'm') + "#00"), "+$E01#a6");
+    EXPECT_EQ(raw("$QStartNoAckMode#b0"), "+$OK#9a");
+    // "}" goes before a byte with bit 5 turned over: # $ } 03
+    EXPECT_EQ(raw("$X4500,4:}\3}\4}]\3#00$m4500,4#00"), "$OK#9a" + packet("23247d03"));
+    EXPECT_EQ(remote_packet("a*}$#"), packet("a}\n}]}\4}\3"));
+    EXPECT_EQ(raw("$m0,10000#00").size(), 4 + 2 * 0x10000u);
+}
+
+/// What DeZog sends: no query, Ctrl-C together with a command, and a stop that it takes by itself.
+TEST_F(Remote, AFrontEndMayAskForLittle) {
+    client->take("$c#63");
+    settle(2);
+    EXPECT_EQ(std::exchange(client->output(), {}), "+");
+    client->take("\3$p0b#02");
+    client->turn();
+    debugger_turn();
+    const std::string stop = std::exchange(client->output(), {});
+    EXPECT_TRUE(stop.starts_with("$T020a:0050;0b:") && stop.size() == 23) << stop;
+    settle();
+    EXPECT_EQ(std::exchange(client->output(), {}).substr(0, 2), "+$");
+    EXPECT_EQ(raw("$k#6B"), "+");
+    EXPECT_TRUE(client->is_over() && client->is_killed());
+}
+
+TEST_F(Remote, MonitorCommandsAreTheDebuggers) {
+    const auto say = [this](const std::string& line) {
+        std::string shown;
+        const std::string came = raw(packet("qRcmd," + hex_of(line)));
+        for (size_t at = came.find("$O"); at != std::string::npos; at = came.find("$O", at + 1)) {
+            shown += bytes_of_hex(came.substr(at + 2, came.find('#', at) - at - 2)).value_or("");
+        }
+        EXPECT_TRUE(came.ends_with("$OK#9a")) << came;
+        return shown;
+    };
+    EXPECT_NE(say("help").find("back"), std::string::npos);
+    EXPECT_GT(say("dump 4300 4000").size(), LONGEST_REMOTE_PACKET);
+    EXPECT_NE(say("to 4311").find("4311"), std::string::npos); // behind the stop
+    EXPECT_EQ(ask("pb"), "1143");
+}
+
+/// The machine runs on from the present, without what the client had armed.
+TEST_F(Remote, AClientLeavesNothingBehind) {
+    EXPECT_EQ(ask("Z0,4322,1"), "OK");
+    EXPECT_EQ(ask("c"), "T050a:0050;0b:2243;");
+    client.emplace(); // the next one
+    EXPECT_TRUE(breakpoints().empty());
+    while (!remote_let_go()) debugger_turn();
+    EXPECT_TRUE(machine_runs && !debugger_stands());
+    client->take("GET / HTTP/1.1\r\n\r\n$k#6b");
+    client->turn();
+    EXPECT_TRUE(client->is_over() && !client->is_killed() && client->output().empty());
+}
+
+} // namespace
