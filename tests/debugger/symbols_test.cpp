@@ -68,6 +68,22 @@ TEST_F(Symbols, Pasmo) {
     EXPECT_EQ(table.name_at(0x9000), "start");
 }
 
+/// As the installed version of sdcc writes them.
+TEST_F(Symbols, FilesBesideACProgram) {
+    if (!std::filesystem::exists(C_PROGRAM ".cmd")) GTEST_SKIP() << "built without sdcc";
+    std::ifstream source(C_SOURCE);
+    std::string text;
+    int line = 1;
+    while (std::getline(source, text) && text != "int main(void) {") ++line;
+    for (const char* file : {C_PROGRAM ".noi", C_PROGRAM ".cdb", C_PROGRAM ".map"}) {
+        table.clear();
+        EXPECT_EQ(load_symbol_file(file, table), "");
+        const auto main = table.value_of("main");
+        ASSERT_TRUE(main) << file;
+        EXPECT_EQ(line_of(*main), "vine.c:" + std::to_string(line)) << file;
+    }
+}
+
 TEST_F(Symbols, Sdcc) {
     for (const char* file : {noi_file, cdb_file, map_file}) {
         table.clear();
