@@ -199,7 +199,7 @@ std::optional<int64_t> CommandWords::value(std::string_view text) {
         return {};
     }
     // What registers hold now is not what they will hold.
-    if (checks && text.find_first_not_of("0123456789") != std::string_view::npos) return {};
+    if (checks && text.find_first_not_of("-0123456789") != std::string_view::npos) return {};
     return parsed->value(debugger_context());
 }
 
@@ -242,7 +242,7 @@ std::string CommandWords::words_up_to(size_t end, std::string_view what) {
 
 std::string CommandWords::expression(std::initializer_list<std::string_view> ends) {
     const auto is_end = [&](std::string_view word) {
-        return std::ranges::any_of(ends,
+        return word.starts_with('"') || std::ranges::any_of(ends,
                                    [&](std::string_view end) { return is_same_word(word, end); });
     };
     size_t end = next;

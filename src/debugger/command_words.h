@@ -49,8 +49,8 @@ public:
                    std::optional<int64_t> usual = {});
     /// All words that are left: texts in quotation marks, two hexadecimal digits, or expressions.
     std::vector<uint8_t> bytes();
-    /// The words up to one of these or to the end, as they stand in the line. It is looked whether
-    /// they are an expression.
+    /// The words up to one of these, to a text in quotation marks or to the end, as they stand in
+    /// the line. It is looked whether they are an expression.
     std::string expression(std::initializer_list<std::string_view> ends = {});
     /// All words that are left, as they stand in the line. Without one, `what` is missing.
     std::string rest(std::string_view what);

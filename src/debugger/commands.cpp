@@ -183,10 +183,15 @@ CommandResult command_disable(CommandWords& words) { return enable(words, false)
 
 // ---- going -------------------------------------------------------------------------------------
 
+void have_it_stand() {
+    if (!debugger_stands()) debugger_stop();
+}
+
 /// Does it `count` times, unless something else than a step ends it.
 CommandResult go_times(CommandWords& words, void (*act)()) {
     const int64_t count = words.number("the count", 1, MOST_STEPS, 1);
     if (!words.acts()) return words.refusal();
+    have_it_stand();
     for (int64_t n = 1; n <= count; ++n) {
         act();
         if (n == count) break;
@@ -198,6 +203,7 @@ CommandResult go_times(CommandWords& words, void (*act)()) {
 
 CommandResult go_now(CommandWords& words, void (*act)()) {
     if (!words.acts()) return words.refusal();
+    have_it_stand();
     act();
     return {.goes = true};
 }
@@ -205,6 +211,7 @@ CommandResult go_now(CommandWords& words, void (*act)()) {
 CommandResult go_to_address(CommandWords& words, void (*act)(uint16_t)) {
     const uint16_t address = words.address();
     if (!words.acts()) return words.refusal();
+    have_it_stand();
     act(address);
     return {.goes = true};
 }
@@ -262,7 +269,7 @@ constexpr bool NEEDS_DEBUGGER = true;
 
 constexpr auto command_rows = std::to_array<Row>({
     {{"help", "", "[COMMAND]", "shows all commands, or one", ANY_TIME}, command_help},
-    {{"regs", "r", "[NAME=VALUE...]", "shows the registers, after changing some", ANY_TIME},
+    {{"regs", "r", "[NAME=VALUE...]", "shows the registers, or changes some", ANY_TIME},
      command_regs},
     {{"peek", "", "ADDRESS [COUNT]", "shows bytes", ANY_TIME}, command_peek},
     {{"dump", "m", "ADDRESS [COUNT]", "shows bytes and characters", ANY_TIME}, command_dump},

@@ -1,8 +1,10 @@
 #include "debugger/looking_commands.h"
 
+#include "core/machine_events.h"
 #include "debugger/debugger.h"
 #include "debugger/expression.h"
 #include "debugger/peek.h"
+#include "debugger/registers.h"
 #include "debugger/symbol_files.h"
 #include "debugger/symbols.h"
 #include "z80/disassembler.h"
@@ -18,6 +20,20 @@ constexpr int64_t WHOLE_MEMORY = 0x10000;
 constexpr int64_t ROW = 16; ///< bytes of a line
 constexpr int64_t MOST_FOUND = 64;
 constexpr int64_t MOST_LINES = 4096;
+
+/// Without the debugger there is no past that it could be in.
+void change_memory(uint16_t address, const std::vector<uint8_t>& bytes) {
+    if (debugger_is_on()) return debugger_poke(address, bytes);
+    machine_apply(event_kind::poke, address, 0, shared_bytes(bytes));
+}
+
+bool change_register(const std::string& name, uint16_t value) {
+    if (debugger_is_on()) return debugger_set_register(name, value);
+    z80_registers registers = z80_state;
+    if (!set_register(registers, name, value)) return false;
+    machine_apply(event_kind::registers, 0, 0, bytes_of(registers));
+    return true;
+}
 
 CommandResult lines_of(std::string lines) {
     while (lines.ends_with('\n')) lines.pop_back();
@@ -117,10 +133,10 @@ CommandResult command_regs(CommandWords& words) {
     while (!words.empty()) changes.push_back(new_register(words));
     if (!words.acts()) return words.refusal();
     for (const NewRegister& change : changes) {
-        if (debugger_set_register(change.name, change.value)) continue;
+        if (change_register(change.name, change.value)) continue;
         return {.text = change.name + " is no register", .failed = true};
     }
-    return {.text = register_lines()};
+    return {.text = changes.empty() ? register_lines() : std::string()};
 }
 
 CommandResult command_peek(CommandWords& words) {
@@ -139,7 +155,7 @@ CommandResult command_poke(CommandWords& words) {
     const uint16_t address = words.address();
     const std::vector<uint8_t> bytes = words.bytes();
     if (!words.acts()) return words.refusal();
-    debugger_poke(address, bytes);
+    change_memory(address, bytes);
     return {};
 }
 
@@ -149,7 +165,7 @@ CommandResult command_fill(CommandWords& words) {
     if (!words.acts()) return words.refusal();
     std::vector<uint8_t> bytes(size_t(range.last - range.first) + 1);
     for (size_t n = 0; n < bytes.size(); ++n) bytes[n] = pattern[n % pattern.size()];
-    debugger_poke(range.first, bytes);
+    change_memory(range.first, bytes);
     return {};
 }
 
@@ -192,7 +208,7 @@ CommandResult command_print(CommandWords& words) {
     const size_t colon = expression.rfind(':');
     const bool has_form = colon != std::string::npos && colon + 2 == expression.size();
     std::string format = "{" + expression + "}";
-    if (!has_form) format += " = {" + expression + ":x}";
+    if (!has_form) format += " = {" + expression + ":x}h";
     std::string problem;
     const auto text = LogText::parse(format, &debugger_symbols(), problem);
     if (!text) words.judge(problem);
