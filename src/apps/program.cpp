@@ -2,6 +2,7 @@
 
 #include "files/user_paths.h"
 #include "host/messages.h"
+#include "host/script.h"
 #include "host/shell.h"
 #include "platform/headless/headless.h"
 #include "z80/disassembler.h"
@@ -34,6 +35,7 @@ constexpr const char* USAGE =
     "  --replay FILE         play a replay; headless the program ends behind it, with status 1\n"
     "                        when the machine did not do the same again\n"
     "  --to-frame N          play the replay up to the end of frame N\n"
+    "  --script FILE         headless: obey the commands in FILE, \"-\" for the standard input\n"
     "  --regs                print the processor's registers after the run\n"
     "  --disassemble FIRST-LAST\n"
     "                        print the disassembly of these hexadecimal addresses after the run\n"
@@ -112,13 +114,23 @@ void print_results(const CommandLine& line) {
 int run_headless(const CommandLine& line) {
     const std::string problem = command_line_problem(line);
     if (!problem.empty()) return fail(problem);
+    Script script;
+    if (!line.script.empty()) {
+        const std::string wrong = read_script(line.script, script);
+        std::fputs(wrong.c_str(), stderr);
+        if (!wrong.empty()) return SCRIPT_NOT_RUN;
+    }
     HeadlessOptions headless = headless_options();
     headless.real_time = line.real_time;
     HeadlessPlatform host(headless);
     HeadlessPlatform::stop_on_signals();
     install_platform(host);
-    const int exit_code =
-        run_shell({.line = line, .unattended = true, .save_changed_disks = line.save_disks});
+    const ShellOptions options = {.line = line,
+                                  .unattended = true,
+                                  .repeatable = !line.script.empty(),
+                                  .keep_history = script.uses_debugger,
+                                  .save_changed_disks = line.save_disks};
+    const int exit_code = line.script.empty() ? run_shell(options) : run_script(script, options);
     print_results(line);
     return exit_code == 0 && failure_was_reported() ? 1 : exit_code;
 }

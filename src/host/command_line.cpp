@@ -101,6 +101,8 @@ private:
             read_file(word, line_.save_state);
         } else if (word == "--whole-state") {
             line_.whole_state = true;
+        } else if (word == "--script") {
+            read_file(word, line_.script);
         } else if (word == "--record") {
             read_file(word, line_.record);
         } else if (word == "--replay") {
@@ -158,6 +160,7 @@ private:
         if (line_.real_time) refuse("--real-time: only with --headless");
         if (line_.save_disks) refuse("--save-disks: only with --headless");
         if (!line_.settings.empty()) refuse("--setting: only with --headless");
+        if (!line_.script.empty()) refuse("--script: only with --headless");
     }
 
     const Arguments& arguments_;

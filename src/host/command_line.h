@@ -44,6 +44,7 @@ struct CommandLine {
     std::string record;              ///< replay to record
     std::string replay;              ///< replay to play
     std::optional<int64_t> to_frame; ///< of the replay
+    std::string script;              ///< commands to obey instead of a user's, "-": from stdin
     std::string link;                ///< to start with, see links.h; a page has it, and no argument
 
     std::vector<Switch> switches;   ///< from left to right

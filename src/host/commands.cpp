@@ -91,13 +91,6 @@ void leave_monitor() {
     if (!g_bActive) platform().window().invalidate();
 }
 
-void end_sound_recording() {
-    const bool ran = sound_is_saving(nullptr) != 0;
-    sound_close_wav();
-    if (ran) file_is_complete(sound_recording);
-    check_menu_item(COMMAND_SAVE_WAV, false);
-}
-
 void save_gif(const std::string& path) {
     if (gif_write_as(path, canvas)) return;
     const bool wrong_depth = canvas.header.bits != 8;
@@ -231,6 +224,13 @@ void start_sound_recording(const std::string& path) {
     sound_recording = path;
     check_menu_item(COMMAND_SAVE_WAV, true);
     tell_recording(path);
+}
+
+void end_sound_recording() {
+    const bool ran = sound_is_saving(nullptr) != 0;
+    sound_close_wav();
+    if (ran) file_is_complete(sound_recording);
+    check_menu_item(COMMAND_SAVE_WAV, false);
 }
 
 void save_to_wav() {

@@ -18,6 +18,7 @@ void tell_bad_image(const std::string& path);
 void video_save_to_avi(bool ask, const std::string& path);
 /// Records the sound from now on; a status text tells when the file cannot be written.
 void start_sound_recording(const std::string& path);
+void end_sound_recording();
 /// The program counter has reached the armed breakpoint. 1 when the machine is to stand there, 0
 /// when it is to go on.
 int host_breakpoint_reached();

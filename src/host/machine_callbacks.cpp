@@ -31,6 +31,8 @@
 
 #include <cstdio>
 
+void (*further_input)(machine_input& input) = nullptr;
+
 void connect_machine() {
     machine_host.status_text = [](const char* text) { show_status(text, {}); };
     machine_host.part_text = show_status_part;
@@ -48,6 +50,7 @@ void connect_machine() {
         press_pad_keys(input);
         press_screen_keys(input);
         memory_question_answer(input);
+        if (further_input) further_input(input);
     };
     machine_host.was_reset = [] { last_file_name.clear(); };
     machine_host.stale = [] {

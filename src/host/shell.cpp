@@ -110,7 +110,7 @@ void emu_init(const ShellOptions& options) {
     }
     firmware_load_user_images(data_directory + "/firmware");
     std::random_device seed;
-    memory_seed_random(uint64_t(seed()) << 32 | seed());
+    memory_seed_random(options.repeatable ? 0 : uint64_t(seed()) << 32 | seed());
     host_keyboard_init();
     program_is({});
     machine_init();

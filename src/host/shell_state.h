@@ -15,6 +15,8 @@ struct ShellOptions {
     /// Nobody is there to answer: a breakpoint opens no monitor, and the setting "VideoCodec" says
     /// what a video is compressed with.
     bool unattended = false;
+    /// Nothing that the machine gets or a state holds depends on chance or on the date.
+    bool repeatable = false;
     /// What is written to a disk is kept in a journal, and journals left behind are offered.
     bool keep_disk_journals = false;
     bool keep_history = false;            ///< unless the settings say otherwise

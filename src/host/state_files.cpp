@@ -122,7 +122,9 @@ parked_state park_machine() {
     machine_save(parked.machine);
     state_description& about = parked.about;
     about.version = TARVELIN_VERSION;
-    about.time = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
+    if (!shell_state.start.repeatable) {
+        about.time = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
+    }
     about.picture = state_file_picture();
     about.attachments = attachments_now();
     for (unsigned drive = 0; drive < DISK_DRIVES; ++drive) about.media[drive] = drive_origin(drive);
