@@ -4,7 +4,7 @@
 # Labels are in small letters; local ones have no names. Of the names in capitals, which are numbers
 # as well, those count that are cells of BASIC or the disk ROM, or one of the areas below.
 cmake_minimum_required(VERSION 3.25)
-set(areas GRAPHICS_SCREEN FIRST_PROGRAM DISK_ROM DISK_START DISK_PROBE COLOUR_RAM CHARACTER_RAM KEYBOARD
+set(areas GRAPHICS_SCREEN DISK_ROM DISK_START DISK_PROBE COLOUR_RAM CHARACTER_RAM KEYBOARD
           DRIVE_SELECT FDC_STATUS FDC_TRACK FDC_SECTOR FDC_DATA)
 # Numbers that look like cells, and what only another name's place is.
 set(no_cells FKEY_END LAST_ROW SCREEN_END START_STACK TAPE_ROOM)

@@ -1,5 +1,6 @@
 #include "apps/program.h"
 
+#include "apps/source_output.h"
 #include "files/user_paths.h"
 #include "host/messages.h"
 #include "host/script.h"
@@ -39,6 +40,8 @@ constexpr const char* USAGE =
     "  --regs                print the processor's registers after the run\n"
     "  --disassemble FIRST-LAST\n"
     "                        print the disassembly of these hexadecimal addresses after the run\n"
+    "  --source FIRST-LAST   headless: print this memory after the run, as a source for pasmo\n"
+    "  --symbols FILE        names for addresses: a symbol file of pasmo, sdcc or z88dk\n"
     "  --help                print this text\n"
     "  --version             print the version\n"
     "  --                    what follows are files\n"
@@ -109,10 +112,12 @@ int fail(const std::string& problem) {
 void print_results(const CommandLine& line) {
     if (line.print_registers) print_registers();
     if (line.disassemble) print_disassembly(*line.disassemble);
+    if (line.source) print_source(line);
 }
 
 int run_headless(const CommandLine& line) {
-    const std::string problem = command_line_problem(line);
+    std::string problem = command_line_problem(line);
+    if (problem.empty()) problem = load_named_symbols(line);
     if (!problem.empty()) return fail(problem);
     Script script;
     if (!line.script.empty()) {
@@ -136,6 +141,8 @@ int run_headless(const CommandLine& line) {
 }
 
 int run_in_window(Platform& host, const CommandLine& line) {
+    const std::string problem = load_named_symbols(line);
+    if (!problem.empty()) std::fprintf(stderr, "tarvelin: %s\n", problem.c_str());
     install_platform(host);
     const int exit_code = run_shell(in_window(line, {}));
     print_results(line);

@@ -96,7 +96,8 @@ TracedInstruction instruction_at(uint16_t address) {
 }
 
 CodeTrace::CodeTrace(uint16_t first_address, uint16_t last_address, bool syntax_restart)
-    : first(first_address), last(last_address), restart_takes_byte(syntax_restart), seen(0x10000) {}
+    : first(first_address), last(last_address), restart_takes_byte(syntax_restart), seen(0x10000),
+      loaded(0x10000) {}
 
 TracedInstruction CodeTrace::at(uint16_t address) const {
     TracedInstruction read = instruction_at(address);
@@ -131,6 +132,7 @@ void CodeTrace::follow_one(uint16_t address) {
             of[address] = Part::begin;
         }
         if (instruction.target) open.push_back(*instruction.target);
+        if (instruction.word) loaded[*instruction.word] = true;
         if (instruction.ends_flow) return;
         const int next = address + instruction.length + (instruction.inline_byte ? 1 : 0);
         if (next > last) return;
@@ -138,17 +140,28 @@ void CodeTrace::follow_one(uint16_t address) {
     }
 }
 
+/// NOP, LD r,r of the same register, HALT, calls and returns by parity; a jump into the part but
+/// into the midst of an instruction.
+bool CodeTrace::is_odd(const TracedInstruction& instruction) const {
+    const uint8_t opcode = debug_peek(instruction.address);
+    const bool is_move = opcode >= 0x40 && opcode < 0x80;
+    const bool is_same = is_move && (opcode & 7) == (opcode >> 3 & 7); // HALT is one of these
+    const bool is_parity = (opcode & 0xF7) == 0xE4 || (opcode & 0xF7) == 0xE0;
+    const auto target = instruction.target;
+    return opcode == 0 || opcode == 0xFF || is_same || is_parity ||
+           (target && is_in(*target) && of[*target] == Part::inside);
+}
+
 bool CodeTrace::is_likely(uint16_t address) const {
-    constexpr int LONGEST = 300;  // instructions without an end
-    constexpr int MOST_ALIKE = 3; // bytes of 00 or FF, which are what is unused
-    int alike = 0;
+    constexpr int LONGEST = 300; // instructions without an end
+    constexpr int MOST_ODD = 2;
+    if (loaded[address]) return false;
+    int odd = 0;
     for (int count = 0; count < LONGEST; ++count) {
         if (begins_instruction(address)) return count > 0;
         const TracedInstruction instruction = at(address);
         if (!instruction.is_plain || !fits(instruction)) return false;
-        const uint8_t opcode = debug_peek(address);
-        alike = opcode == 0x00 || opcode == 0xFF ? alike + 1 : 0;
-        if (alike > MOST_ALIKE) return false;
+        if (is_odd(instruction) && ++odd > MOST_ODD) return false;
         if (instruction.ends_flow) return true;
         const int next = address + instruction.length + (instruction.inline_byte ? 1 : 0);
         if (next > last) return false;

@@ -30,7 +30,8 @@ public:
 
     /// Follows the code from there; outside of the part, and in the midst of other code, nothing.
     void follow(uint16_t entry);
-    /// Whether what begins there looks like code: it comes to an end or to code that is known.
+    /// Whether what begins there looks like code: no known code takes it for data, and it comes to
+    /// an end or to known code without instructions that are rare in programs and common in data.
     bool is_likely(uint16_t address) const;
 
     bool begins_instruction(uint16_t address) const { return of[address] == Part::begin; }
@@ -38,6 +39,7 @@ public:
 
 private:
     enum class Part : uint8_t { data, begin, inside };
+    bool is_odd(const TracedInstruction& instruction) const;
     bool is_in(uint16_t address) const { return address >= first && address <= last; }
     bool fits(const TracedInstruction& instruction) const;
     TracedInstruction at(uint16_t address) const;
@@ -47,5 +49,6 @@ private:
     bool restart_takes_byte;
     std::array<Part, 0x10000> of = {};
     std::vector<bool> seen;
+    std::vector<bool> loaded; ///< into a register, or from there
     std::vector<uint16_t> open;
 };

@@ -115,6 +115,11 @@ private:
         } else if (word == "--disassemble") {
             line_.disassemble = address_range(value().value_or(""));
             if (!line_.disassemble) refuse(word + ": hexadecimal FIRST-LAST is missing");
+        } else if (word == "--source") {
+            line_.source = address_range(value().value_or(""));
+            if (!line_.source) refuse(word + ": hexadecimal FIRST-LAST is missing");
+        } else if (word == "--symbols") {
+            read_file(word, line_.symbols.emplace_back());
         } else {
             refuse(word + ": unknown option; --help lists them");
         }
@@ -159,6 +164,7 @@ private:
         if (line_.headless) return;
         if (line_.real_time) refuse("--real-time: only with --headless");
         if (line_.save_disks) refuse("--save-disks: only with --headless");
+        if (line_.source) refuse("--source: only with --headless");
         if (!line_.settings.empty()) refuse("--setting: only with --headless");
         if (!line_.script.empty()) refuse("--script: only with --headless");
     }

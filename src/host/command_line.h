@@ -41,6 +41,8 @@ struct CommandLine {
     std::string save_state;                                    ///< file of the state at the end
     bool whole_state = false;                                  ///< which has all media in it
     std::optional<AddressRange> disassemble;
+    std::optional<AddressRange> source;
+    std::vector<std::string> symbols; ///< files
     std::string record;              ///< replay to record
     std::string replay;              ///< replay to play
     std::optional<int64_t> to_frame; ///< of the replay

@@ -19,6 +19,7 @@
 #include "host/save_question.h"
 #include "host/screen_keyboard.h"
 #include "host/screenshot.h"
+#include "host/shell_state.h"
 #include "host/status.h"
 #include "host/zip_files.h"
 #include "media/files/media_files.h"
@@ -38,7 +39,8 @@ void connect_machine() {
     machine_host.part_text = show_status_part;
     machine_host.report = tell;
     machine_host.print = [](text_stream to, const char* lines) {
-        std::fputs(lines, to == TEXT_ERROR ? stderr : stdout);
+        // The output is nothing but the source when one is asked for.
+        std::fputs(lines, to == TEXT_ERROR || shell_state.start.line.source ? stderr : stdout);
     };
     machine_host.lamp = light_lamp;
     machine_host.disk_written = mark_lamp;

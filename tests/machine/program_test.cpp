@@ -67,6 +67,9 @@ TEST_F(ProgramTest, RefusesWhatItDoesNotUnderstandInOneLine) {
         {{"--disassemble", "2-1"}, "--disassemble"},
         {{"--disassemble", "0-0x1"}, "--disassemble"},
         {{"--setting", "=1"}, "--setting"},
+        {{"--source", "4000"}, "--source"},
+        {{"--symbols"}, "--symbols"},
+        {{"--symbols", "gone.sym"}, "gone.sym"},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(testing::PrintToString(c.arguments));
@@ -85,6 +88,20 @@ TEST_F(ProgramTest, PrintsRegistersAndDisassemblyAfterTheRun) {
     EXPECT_NE(result.output.find(",IP:5001,R:"), std::string::npos) << result.output;
     EXPECT_TRUE(result.output.ends_with(" FFFE FF          rst 38h\n FFFF FF          rst 38h\n"));
     EXPECT_NE(result.output.find("\nTCOUNT:00000000000000000"), std::string::npos);
+}
+
+TEST_F(ProgramTest, PrintsNothingButASourceWithTheSymbolsBesideTheProgram) {
+    write_text(folder_ / "halt.cmd",
+               std::string("\x01\x05\x00\x50\xF3\x76\x00", 7) + std::string("\x02\x02\x00\x50", 4));
+    write_text(folder_ / "halt.sym", "begin EQU 5000H\n");
+    write_text(folder_ / "other.sym", "finish EQU 5001H\n");
+    const std::string text = "; 5000-5001, as it is in memory\n\n        org 05000h\n";
+    const auto arguments = {"/w", "/t", "3", "--source", "5000-5001", "halt.cmd"};
+    EXPECT_EQ(run({arguments.begin(), arguments.end()}).output,
+              text + "begin:\n        di\n        halt\n");
+    EXPECT_EQ(run({"--symbols", "other.sym", "/w", "/t", "3", "--source", "5000-5001", "halt.cmd"})
+                  .output,
+              text + "        di\nfinish:\n        halt\n");
 }
 
 TEST_F(ProgramTest, AScreenshotThatCannotBeWrittenIsAnError) {
