@@ -39,8 +39,10 @@ void connect_machine() {
     machine_host.part_text = show_status_part;
     machine_host.report = tell;
     machine_host.print = [](text_stream to, const char* lines) {
-        // The output is nothing but the source when one is asked for.
-        std::fputs(lines, to == TEXT_ERROR || shell_state.start.line.source ? stderr : stdout);
+        // The output is nothing but the source or what the script prints when one is asked for.
+        const CommandLine& line = shell_state.start.line;
+        const bool is_taken = line.source || !line.script.empty();
+        std::fputs(lines, to == TEXT_ERROR || is_taken ? stderr : stdout);
     };
     machine_host.lamp = light_lamp;
     machine_host.disk_written = mark_lamp;

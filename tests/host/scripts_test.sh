@@ -12,7 +12,7 @@ fail() { echo "FAILED: $*"; exit 1; }
 run() { # SCRIPT OPTION...
     local status=0
     timeout 100 "$program" --script "$@" >out 2>err || status=$?
-    { cat out; grep -Ev '^(IMAGE|No |Number )' err || true; echo "status $status"; } >result
+    { cat out; grep -Ev '^(IMAGE|No |Number |Block|unsupported|start address|load from)' err || true; echo "status $status"; } >result
 }
 scripts() { # each in the same folder
     for script in *.tvscript; do
