@@ -1,5 +1,7 @@
 #include "platform/win32/win32_form.h"
 
+#include "platform/win32/win32_spoken.h"
+
 #include <algorithm>
 #include <utility>
 

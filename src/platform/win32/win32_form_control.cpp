@@ -1,11 +1,6 @@
 #include "platform/win32/win32_form_control.h"
 
 #include "platform/win32/win32_context.h"
-#include "platform/win32/win32_library.h"
-
-#include <initguid.h> // the identifiers of the next one are defined here
-
-#include <oleacc.h>
 
 Win32Control::~Win32Control() {
     if (window_) RemoveWindowSubclass(window_, procedure, 0);
@@ -72,15 +67,4 @@ bool excludes_others(ControlKind kind) {
 void set_window_style(HWND window, DWORD style, bool on) {
     const LONG_PTR before = GetWindowLongPtrW(window, GWL_STYLE);
     SetWindowLongPtrW(window, GWL_STYLE, on ? before | LONG_PTR(style) : before & ~LONG_PTR(style));
-}
-
-void set_spoken_name(HWND window, const std::string& name) {
-    IAccPropServices* made = nullptr;
-    if (FAILED(CoCreateInstance(CLSID_AccPropServices, nullptr, CLSCTX_INPROC_SERVER,
-                                IID_IAccPropServices, reinterpret_cast<void**>(&made)))) {
-        return;
-    }
-    const ComPointer<IAccPropServices> services(made);
-    services->SetHwndPropStr(window, DWORD(OBJID_CLIENT), CHILDID_SELF, PROPID_ACC_NAME,
-                             wide(name).c_str());
 }

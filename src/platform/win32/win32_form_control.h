@@ -110,6 +110,4 @@ std::string spoken_text(const std::string& text);
 
 /// Of the controls of this kind, one is chosen.
 bool excludes_others(ControlKind kind);
-/// What a screen reader calls a window whose text says too little. Not every system has that.
-void set_spoken_name(HWND window, const std::string& name);
 void set_window_style(HWND window, DWORD style, bool on);
