@@ -14,6 +14,15 @@ void Win32Context::post_once(Event::Kind kind) {
     if (std::ranges::none_of(queue, same)) post(kind);
 }
 
+bool Win32Context::is_whole_screen() const {
+    return window && !(GetWindowLongW(window, GWL_STYLE) & WS_CAPTION);
+}
+
+HWND Win32Context::front() const {
+    if (!modal.empty()) return modal.back();
+    return debugger && GetActiveWindow() == debugger ? debugger : seen_window();
+}
+
 MONITORINFOEXW Win32Context::monitor() const {
     MONITORINFOEXW info{};
     info.cbSize = sizeof info;

@@ -16,8 +16,9 @@
 /// The layer counts in points, a 96th of an inch on the screen as it is set up; Windows in pixels.
 struct Win32Context {
     HINSTANCE instance = nullptr;
-    HWND window = nullptr; ///< the main one, from its creation to the end of the program
-    double ratio = 1;      ///< pixels in a point, on the screen that shows the main window
+    HWND window = nullptr;   ///< the main one, from its creation to the end of the program
+    HWND debugger = nullptr; ///< its window, or null
+    double ratio = 1;        ///< pixels in a point, on the screen that shows the main window
     EventSink* sink = nullptr;
     std::deque<Event> queue;
     std::vector<HWND>
@@ -28,8 +29,10 @@ struct Win32Context {
     int points(int pixels) const { return int(std::lround(pixels / ratio)); }
     /// The main window while there is one to see.
     HWND seen_window() const { return IsWindowVisible(window) ? window : nullptr; }
+    /// The main window has the whole screen.
+    bool is_whole_screen() const;
     /// The window that a dialog belongs to; none where there is none to see.
-    HWND front() const { return modal.empty() ? seen_window() : modal.back(); }
+    HWND front() const;
     void post(Event event) { queue.push_back(std::move(event)); }
     void post(Event::Kind kind, int value = 0);
     /// Appends a message, unless one of the kind waits already.

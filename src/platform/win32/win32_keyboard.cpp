@@ -35,7 +35,8 @@ bool Win32Keyboard::is_claimed(uint8_t key, uint8_t modifiers) const {
     });
 }
 
-bool Win32Keyboard::handle(UINT message, WPARAM wparam, LPARAM detail) {
+bool Win32Keyboard::handle(PaneId pane, UINT message, WPARAM wparam, LPARAM detail) {
+    if (message >= WM_KEYFIRST && message <= WM_KEYLAST) pane_ = pane;
     switch (message) {
     case WM_KEYDOWN:
     case WM_SYSKEYDOWN: return key_down(wparam, detail);
@@ -58,8 +59,9 @@ bool Win32Keyboard::key_down(WPARAM virtual_key, LPARAM detail) {
     const bool repeat = HIWORD(detail) & KF_REPEAT;
     if (!repeat) held_[source] = key;
     // A command's key is not the machine's, not even when its Alt goes up first.
-    claims_text_ = is_claimed(key, modifiers);
-    if (!repeat && !claims_text_)
+    const bool of_machine = pane_ != PaneId::debugger;
+    claims_text_ = of_machine && is_claimed(key, modifiers);
+    if (!repeat && !claims_text_ && of_machine)
         pressed_.press(uint64_t(source), key,
                        key == KEY_ALT && (source & EXTENDED) && layout_.has_alt_gr());
     send(Event::Kind::key_down, key, modifiers, repeat);
@@ -99,6 +101,7 @@ void Win32Keyboard::character(wchar_t unit) {
     Event message;
     message.kind = Event::Kind::text;
     message.text = narrow(text);
+    message.pane = pane_;
     context_.post(message);
 }
 
@@ -109,5 +112,6 @@ void Win32Keyboard::send(Event::Kind kind, uint8_t key, uint8_t modifiers, bool 
     message.value = key;
     message.modifiers = modifiers;
     message.repeat = repeat;
+    message.pane = pane_;
     context_.post(message);
 }

@@ -29,9 +29,9 @@ public:
         return layout_.host_key(virtual_key, detail);
     }
     void claim(std::span<const KeyChord> chords);
-    /// Takes a keyboard message of the main window. True when Windows is to do nothing more with
-    /// it.
-    bool handle(UINT message, WPARAM wparam, LPARAM detail);
+    /// Takes a keyboard message of the main window, or of the debugger's, whose keys are none of
+    /// the machine's. True when Windows is to do nothing more with it.
+    bool handle(PaneId pane, UINT message, WPARAM wparam, LPARAM detail);
     /// Another window, a menu or a move of the window gets the keys from now on: all go up.
     void let_go();
     void layout_changed() { layout_.refresh(); }
@@ -47,7 +47,8 @@ private:
     Win32Context& context_;
     Win32Layout layout_;
     PressedKeys pressed_;
-    std::map<int, uint8_t> held_; ///< by source: what the keys went down as
+    PaneId pane_ = PaneId::picture; ///< the latest message's
+    std::map<int, uint8_t> held_;   ///< by source: what the keys went down as
     std::vector<KeyChord> claimed_;
     bool claims_text_ = false; ///< the character of the latest key_down belongs to a claimed key
     wchar_t first_half_ = 0;   ///< of a character that takes two messages

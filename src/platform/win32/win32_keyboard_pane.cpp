@@ -41,9 +41,7 @@ void Win32KeyboardPane::put(KeyboardPlace place, const Rectangle& wanted, int cl
 }
 
 int Win32KeyboardPane::docked_pixels() const {
-    const bool whole_screen =
-        context_.window && !(GetWindowLongW(context_.window, GWL_STYLE) & WS_CAPTION);
-    return is_docked() && !whole_screen ? context_.pixels(docked_height_) : 0;
+    return is_docked() && !context_.is_whole_screen() ? context_.pixels(docked_height_) : 0;
 }
 
 bool Win32KeyboardPane::create_window() {

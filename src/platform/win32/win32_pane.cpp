@@ -63,9 +63,9 @@ void Win32CellFont::measure(double ratio) {
 
 Rectangle Win32Pane::in_pixels(const Rectangle& points) const {
     // The last point reaches to the edge, wherever rounding has put that.
-    return {context_.pixels(points.left), context_.pixels(points.top),
-            points.right == points_.width ? area_.width() : context_.pixels(points.right),
-            points.bottom == points_.height ? area_.height() : context_.pixels(points.bottom)};
+    return {pixels(points.left), pixels(points.top),
+            points.right == points_.width ? area_.width() : pixels(points.right),
+            points.bottom == points_.height ? area_.height() : pixels(points.bottom)};
 }
 
 bool Win32Pane::place(const Rectangle& area, Size points) {
@@ -84,7 +84,7 @@ void Win32Pane::announce(const Rectangle& pixels) {
 }
 
 const Win32CellFont& Win32Pane::font() {
-    font_.choose(context_.ratio, 0);
+    font_.choose(ratio(), 0);
     return font_;
 }
 
@@ -226,7 +226,7 @@ void Win32Pane::text(int x, int y, const std::string& text, Colour colour, Colou
     begin_drawing();
     if (!drawing_.dc()) return;
     const Size cell = font().cell();
-    const auto column_left = [&](int column) { return context_.pixels(x + column * cell.width); };
+    const auto column_left = [&](int column) { return pixels(x + column * cell.width); };
     std::wstring characters;
     std::vector<int> widths;
     int column = 0;

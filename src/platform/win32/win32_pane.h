@@ -4,6 +4,7 @@
 #include "platform/win32/win32_canvas.h"
 #include "platform/win32/win32_context.h"
 
+#include <cmath>
 #include <cstdint>
 #include <functional>
 #include <vector>
@@ -62,7 +63,7 @@ public:
     void clear();
 
     Size size() override { return points_; }
-    double scale() override { return context_.ratio; }
+    double scale() override { return ratio(); }
     void show(bool on) override;
     void copy_bitmap(const BitmapView& picture, int x, int y) override;
     void stretch_bitmap(const BitmapView& picture, const Rectangle& target,
@@ -76,6 +77,10 @@ public:
     void set_message(const std::string&, int) override {}
 
 protected:
+    /// Pixels in a point.
+    virtual double ratio() const { return context_.ratio; }
+    int pixels(int points) const { return int(std::lround(points * ratio())); }
+    int points(LONG pixels) const { return int(std::lround(double(pixels) / ratio())); }
     Rectangle in_pixels(const Rectangle& points) const;
     virtual const Win32CellFont& font();
 

@@ -83,7 +83,8 @@ bool Win32Panes::picture_is_alone() const {
 /// unless it lies behind another that fills the client area.
 void Win32Panes::invalidate(PaneId id, const Rectangle& pixels) {
     const bool floats = id == PaneId::keyboard && !keyboard_.is_docked();
-    const HWND window = floats ? keyboard_.window() : context_.window;
+    HWND window = floats ? keyboard_.window() : context_.window;
+    if (id == PaneId::debugger) window = debugger_.window();
     const bool is_hidden = id == PaneId::picture && monitor_.is_shown();
     if (!window || is_hidden) return;
     const Rectangle& area = panes_[size_t(id)]->area();
@@ -180,6 +181,11 @@ void Win32Panes::place_keyboard(KeyboardPlace place, const Rectangle& wanted, in
     if (docked_pixels() != before) lay_out(client_, bar_);
 }
 
+void Win32Panes::show_window() {
+    keyboard_.show_window();
+    debugger_.show_window();
+}
+
 // ---- the pointer -------------------------------------------------------------------------------
 
 Win32Panes::Place Win32Panes::place_of(HWND window, POINT pixel) const {
@@ -188,6 +194,8 @@ Win32Panes::Place Win32Panes::place_of(HWND window, POINT pixel) const {
         id = held_;
     } else if (window == keyboard_.window() && window) {
         id = PaneId::keyboard;
+    } else if (window == debugger_.window() && window) {
+        id = PaneId::debugger;
     } else {
         const auto is_in = [&pixel](const Rectangle& area) {
             return pixel.x >= area.left && pixel.x < area.right && pixel.y >= area.top &&
@@ -196,9 +204,10 @@ Win32Panes::Place Win32Panes::place_of(HWND window, POINT pixel) const {
         if (film_bar_.is_shown() && is_in(film_bar_.area())) id = PaneId::film_bar;
         if (docked_pixels() > 0 && is_in(keyboard_.area())) id = PaneId::keyboard;
     }
-    const Rectangle& area = panes_[size_t(id)]->area();
-    const auto points = [this](LONG pixels) {
-        return int(std::floor(double(pixels) / context_.ratio));
+    Win32Pane& pane = *panes_[size_t(id)];
+    const Rectangle& area = pane.area();
+    const auto points = [&pane](LONG pixels) {
+        return int(std::floor(double(pixels) / pane.scale()));
     };
     return {id, points(pixel.x - area.left), points(pixel.y - area.top)};
 }

@@ -1,6 +1,7 @@
 #pragma once
 #include "platform/events.h"
 #include "platform/win32/win32_context.h"
+#include "platform/win32/win32_debugger_pane.h"
 #include "platform/win32/win32_keyboard_pane.h"
 #include "platform/win32/win32_overlay.h"
 #include "platform/win32/win32_pane.h"
@@ -32,9 +33,10 @@ public:
     void lay_out(Size client_pixels, int bar_pixels);
     /// Draws a part of the client area; no pixel gets two colours.
     void paint(HDC dc, const RECT& part);
-    /// Makes an event of a message of mouse, wheel, pen or finger, of the main window or that of
-    /// the keyboard. False for any other message, and for a finger that Windows is to take for a
-    /// mouse.
+    Win32DebuggerPane& debugger() { return debugger_; }
+    /// Makes an event of a message of mouse, wheel, pen or finger, of the main window or those of
+    /// keyboard and debugger. False for any other message, and for a finger that Windows is to take
+    /// for a mouse.
     bool pointer(HWND window, UINT message, WPARAM wide, LPARAM detail);
 
     /// As Window::place_keyboard and keyboard_rectangle say.
@@ -42,8 +44,8 @@ public:
     Rectangle keyboard_rectangle() const { return keyboard_.rectangle(); }
     /// What the docked keyboard takes of the client area.
     int docked_pixels() const { return keyboard_.docked_pixels(); }
-    /// The main window appears, and the floating keyboard with it.
-    void show_window() { keyboard_.show_window(); }
+    /// The main window appears, and the other windows with it.
+    void show_window();
 
 private:
     struct Place {
@@ -72,7 +74,7 @@ private:
     Win32FilmBar film_bar_;
     Win32Overlay overlay_;
     Win32KeyboardPane keyboard_;
-    Win32Pane debugger_;
+    Win32DebuggerPane debugger_;
     const std::array<Win32Pane*, PANES> panes_ = {&picture_, &monitor_,  &film_bar_,
                                                   &overlay_, &keyboard_, &debugger_};
     Size client_; ///< pixels

@@ -39,7 +39,11 @@ WINDOWPLACEMENT placement_of(HWND window) {
 
 Win32Window::Win32Window(Win32Context& context, Win32Panes& panes, Win32StatusBar& status_bar,
                          Win32Keyboard& keyboard)
-    : context_(context), panes_(panes), status_bar_(status_bar), keyboard_(keyboard) {}
+    : context_(context), panes_(panes), status_bar_(status_bar), keyboard_(keyboard) {
+    panes_.debugger().set_input([this](HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+        return handle_debugger(window, message, wparam, lparam);
+    });
+}
 
 Win32Window::~Win32Window() {
     if (context_.window) DestroyWindow(context_.window);
@@ -82,6 +86,7 @@ void Win32Window::show() {
 /// The window is only hidden: the last questions and the settings that are kept still ask it.
 void Win32Window::destroy() {
     panes_.place_keyboard(KeyboardPlace::hidden, {}, 0);
+    panes_.debugger().put(false, {}, 0);
     ShowWindow(context_.window, SW_HIDE);
 }
 

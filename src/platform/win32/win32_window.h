@@ -50,9 +50,11 @@ public:
     void claim_keys(std::span<const KeyChord> chords) override { keyboard_.claim(chords); }
     void place_keyboard(KeyboardPlace place, const Rectangle& wanted, int closed) override;
     Rectangle keyboard_rectangle() override { return panes_.keyboard_rectangle(); }
-    void place_debugger(bool /*open*/, const Rectangle& /*wanted*/, int /*closed*/) override {}
-    Rectangle debugger_rectangle() override { return {}; }
-    bool has_debugger() override { return false; }
+    void place_debugger(bool open, const Rectangle& wanted, int closed) override {
+        panes_.debugger().put(open, wanted, closed);
+    }
+    Rectangle debugger_rectangle() override { return panes_.debugger().rectangle(); }
+    bool has_debugger() override { return true; }
     void set_readable(const std::string& name, std::function<ReadableText()> text) override;
 
 private:
@@ -68,6 +70,7 @@ private:
     static LRESULT CALLBACK procedure(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
     /// Nothing for a message that is left to Windows.
     std::optional<LRESULT> handle(UINT message, WPARAM wparam, LPARAM lparam);
+    bool handle_debugger(HWND window, UINT message, WPARAM wparam, LPARAM lparam);
     std::optional<LRESULT> handle_menu(UINT message, WPARAM wparam, LPARAM lparam);
     std::optional<LRESULT> handle_place(UINT message, WPARAM wparam, LPARAM lparam);
     std::optional<LRESULT> handle_program(UINT message, WPARAM wparam);

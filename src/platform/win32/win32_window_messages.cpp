@@ -28,11 +28,19 @@ LRESULT CALLBACK Win32Window::procedure(HWND window, UINT message, WPARAM wparam
 std::optional<LRESULT> Win32Window::handle(UINT message, WPARAM wparam, LPARAM lparam) {
     LRESULT answer = 0;
     if (status_bar_.handle(message, wparam, lparam, answer)) return answer;
-    if (keyboard_.handle(message, wparam, lparam)) return 0;
+    if (keyboard_.handle(PaneId::picture, message, wparam, lparam)) return 0;
     if (panes_.pointer(context_.window, message, wparam, lparam)) return 0;
     if (const auto menu = handle_menu(message, wparam, lparam)) return menu;
     if (const auto place = handle_place(message, wparam, lparam)) return place;
     return handle_program(message, wparam);
+}
+
+/// What goes to whichever window has the keyboard or the pointer.
+bool Win32Window::handle_debugger(HWND window, UINT message, WPARAM wparam, LPARAM lparam) {
+    if (message == WM_KILLFOCUS) keyboard_.let_go();
+    if (message == WM_INPUTLANGCHANGE) layout_changed();
+    return keyboard_.handle(PaneId::debugger, message, wparam, lparam) ||
+           panes_.pointer(window, message, wparam, lparam);
 }
 
 std::optional<LRESULT> Win32Window::handle_menu(UINT message, WPARAM wparam, LPARAM lparam) {
