@@ -203,6 +203,12 @@ CommandResult go_times(CommandWords& words, void (*act)()) {
 
 CommandResult go_now(CommandWords& words, void (*act)()) {
     if (!words.acts()) return words.refusal();
+    act();
+    return {.goes = true};
+}
+
+CommandResult go_from_here(CommandWords& words, void (*act)()) {
+    if (!words.acts()) return words.refusal();
     have_it_stand();
     act();
     return {.goes = true};
@@ -224,8 +230,8 @@ CommandResult go_to_moment(CommandWords& words, void (*act)(int64_t)) {
 }
 
 CommandResult command_step(CommandWords& words) { return go_times(words, debugger_step); }
-CommandResult command_over(CommandWords& words) { return go_times(words, debugger_step_over); }
-CommandResult command_out(CommandWords& words) { return go_now(words, debugger_step_out); }
+CommandResult command_over(CommandWords& words) { return go_from_here(words, debugger_step_over); }
+CommandResult command_out(CommandWords& words) { return go_from_here(words, debugger_step_out); }
 CommandResult command_go(CommandWords& words) { return go_now(words, debugger_go); }
 CommandResult command_stop(CommandWords& words) { return go_now(words, debugger_stop); }
 CommandResult command_to(CommandWords& words) { return go_to_address(words, debugger_run_to); }
@@ -233,7 +239,7 @@ CommandResult command_present(CommandWords& words) { return go_now(words, debugg
 
 CommandResult command_back(CommandWords& words) {
     if (words.take_if("over")) return go_times(words, debugger_back_over);
-    if (words.take_if("out")) return go_now(words, debugger_back_out);
+    if (words.take_if("out")) return go_times(words, debugger_back_out);
     if (words.take_if("go")) return go_now(words, debugger_back_go);
     if (words.take_if("to")) return go_to_address(words, debugger_back_to);
     if (words.take_if("write")) return go_to_address(words, debugger_back_to_write);
@@ -275,10 +281,9 @@ constexpr auto command_rows = std::to_array<Row>({
     {{"dump", "m", "ADDRESS [COUNT]", "shows bytes and characters", ANY_TIME}, command_dump},
     {{"poke", "", "ADDRESS BYTES", "changes memory: poke 4400 2A 10+3 \"TEXT\"", ANY_TIME},
      command_poke},
-    {{"fill", "", "FIRST-LAST_MOMENT BYTES", "fills memory with the bytes, again and again",
-      ANY_TIME},
+    {{"fill", "", "FIRST-LAST BYTES", "fills memory with the bytes, again and again", ANY_TIME},
      command_fill},
-    {{"find", "", "FIRST-LAST_MOMENT BYTES", "looks for the bytes", ANY_TIME}, command_find},
+    {{"find", "", "FIRST-LAST BYTES", "looks for the bytes", ANY_TIME}, command_find},
     {{"disasm", "d", "[ADDRESS] [COUNT]", "lists instructions, at first from PC on", ANY_TIME},
      command_disasm},
     {{"print", "p", "EXPRESSION[:d|x|b|c|s]",
@@ -290,13 +295,11 @@ constexpr auto command_rows = std::to_array<Row>({
      command_symbols},
     {{"symbol", "", "NAME", "shows a symbol, or those that begin so", ANY_TIME}, command_symbol},
     {{"break", "b", "PLACE [if EXPRESSION] [log \"TEXT\"|count] [once]",
-      "stops at FIRST[-LAST_MOMENT], port [read|write] FIRST[-LAST_MOMENT], interrupt, cycle N, "
-      "frame N or line "
-      "N;"
-      " log goes on and writes the text with {values}, count only counts",
+      "stops at FIRST[-LAST], port [read|write] FIRST[-LAST], interrupt, cycle N, frame N or"
+      " line N; log goes on and writes the text with {values}, count only counts",
       NEEDS_DEBUGGER},
      command_break},
-    {{"watch", "w", "[write|read|access] FIRST[-LAST_MOMENT]... [as with break]",
+    {{"watch", "w", "[write|read|access] FIRST[-LAST]... [as with break]",
       "stops behind the instruction that writes or reads there", NEEDS_DEBUGGER},
      command_watch},
     {{"list", "l", "", "shows the breakpoints with their numbers", NEEDS_DEBUGGER}, command_list},
@@ -304,13 +307,12 @@ constexpr auto command_rows = std::to_array<Row>({
     {{"enable", "", "all|NUMBER...", "switches breakpoints on", NEEDS_DEBUGGER}, command_enable},
     {{"disable", "", "all|NUMBER...", "switches breakpoints off", NEEDS_DEBUGGER}, command_disable},
     {{"step", "s", "[COUNT]", "runs one instruction", NEEDS_DEBUGGER}, command_step},
-    {{"over", "n", "[COUNT]", "runs one instruction, calls as a whole", NEEDS_DEBUGGER},
-     command_over},
+    {{"over", "n", "", "runs one instruction, calls as a whole", NEEDS_DEBUGGER}, command_over},
     {{"out", "o", "", "runs to behind the return of this subroutine", NEEDS_DEBUGGER}, command_out},
     {{"go", "g", "", "runs to the next hit of a breakpoint", NEEDS_DEBUGGER}, command_go},
     {{"stop", "", "", "stops", NEEDS_DEBUGGER}, command_stop},
     {{"to", "t", "ADDRESS", "runs to the address", NEEDS_DEBUGGER}, command_to},
-    {{"back", "", "[step|over] [COUNT] | out | go | to ADDRESS | write ADDRESS | frame N | cycle N",
+    {{"back", "", "[step|over|out] [COUNT] | go | to ADDRESS | write ADDRESS | frame N | cycle N",
       "goes back: by instructions, to before the call, to the last hit, to the last time at an"
       " address, to the last write of a byte, to a moment",
       NEEDS_DEBUGGER},

@@ -144,10 +144,13 @@ bool ScriptRun::run_until(const std::function<bool()>& done, const ScriptSpan& l
     while (!failed && !done()) {
         if (is_over(limit, first_cycle, first_frame)) return false;
         if (!frame()) return false;
-        if (debugger_has_stopped()) {
-            print_lines(debugger_stop_text());
-            return done();
+        if (!debugger_has_stopped()) continue;
+        if (debugger_last_stop().reason == StopReason::present) {
+            debugger_go(); // from the past into what has not been yet
+            continue;
         }
+        print_lines(debugger_stop_text());
+        return done();
     }
     return !failed;
 }
