@@ -4,6 +4,7 @@
 #include "cgenie/roms.h"
 #include "core/machine.h"
 #include "firmware/firmware_symbols.h"
+#include "support/test_files.h"
 
 #include <gtest/gtest.h>
 
@@ -13,38 +14,14 @@
 namespace {
 
 /// What the tools wrote for small programs, shortened.
-const char* const pasmo_file = ".loop\t\tEQU 08002H\nK\t\tEQU 00005H\n00000001\tEQU 08003H\n"
-                               "Other_Label\tEQU 08004H\nstart\t\tEQU 08000H\n";
-const char* const noi_file = "DEF .__.ABS. 0x0\nDEF l__CODE 0x31\nDEF s__CODE 0x8000\nDEF "
-                             "A$h$63 0x8000\nDEF C$h.c$4$0_0$2 0x8000\nDEF Fh$helper$0$0 0x8000\n"
-                             "DEF XFh$helper$0$0 0x800A\nDEF _main 0x801A\nDEF _score 0x9000\n"
-                             "LOAD h.ihx\n";
-const char* const cdb_file =
-    "M:h\nS:Lh.helper$x$1_0$0({1}SC:U),R,0,0,[c]\nL:A$h$63:8000\n"
-    "L:C$h.c$4$0_0$2:8000\nL:Fh$helper$0$0:8000\nL:A$h$67:8001\n"
-    "L:C$h.c$6$1_0$2:8001\nL:A$h$68:8004\nL:XFh$helper$0$0:800A\n"
-    "L:G$main$0$0:801A\nL:G$score$0_0$0:9000\nL:Lh.helper$kept$1_0$2:9001\n"
-    "L:A$start$7:A000\n";
-const char* const map_file =
-    "\fASxxxx Linker V03.00 + NoICE + sdld,  page 1.\nHexadecimal  [32-Bits]\n\n"
-    "_CODE                               00008000    00000031 =          49. bytes (REL,CON)\n\n"
-    "      Value  Global                              Global Defined In Module\n"
-    "      -----  --------------------------------   ------------------------\n"
-    "     00008000  helper                             h\n     0000801A  _main\n"
-    "\fASxxxx Linker V03.00 + NoICE + sdld,  page 2.\n\nUser Base Address Definitions\n\n"
-    "_CODE = 0x8000\n";
-const char* const z88dk_file =
-    "CHAR_BELL                       = $0007 ; const, local, , console_01, , config.inc:150\n"
-    "_main                           = $801A ; addr, public, , h_c, code_compiler, "
-    "h.c::main::0::0:9\n"
-    "inner                           = $801A ; addr, local, , h_c, code_compiler, h.asm:12\n"
-    "__C_LINE_11_h_2ec               = $8020 ; addr, local, , h_c, code_compiler, h.c:11\n"
-    "__head                          = $8000 ; const, public, def, , ,\n";
+std::string seed(const std::string& name) {
+    return read_text(std::string(PROJECT_FOLDER "/fuzz/seeds/symbols/") + name);
+}
 
 class Symbols : public testing::Test {
 protected:
     void SetUp() override { machine_init(); }
-    void load(const char* contents) { EXPECT_EQ(load_symbols("file", contents, table), ""); }
+    void load(const std::string& contents) { EXPECT_EQ(load_symbols("file", contents, table), ""); }
     std::string line_of(uint16_t address) const {
         const auto line = table.line_of(address);
         return line ? line->file + ":" + std::to_string(line->line) : "";
@@ -53,7 +30,7 @@ protected:
 };
 
 TEST_F(Symbols, Pasmo) {
-    load(pasmo_file);
+    load(seed("pasmo"));
     EXPECT_EQ(table.value_of("Other_Label"), 0x8004);
     EXPECT_EQ(table.value_of("OTHER_LABEL"), 0x8004);
     EXPECT_EQ(table.name_at(0x8002), ".loop");
@@ -85,17 +62,17 @@ TEST_F(Symbols, FilesBesideACProgram) {
 }
 
 TEST_F(Symbols, Sdcc) {
-    for (const char* file : {noi_file, cdb_file, map_file}) {
+    for (const char* file : {"noi", "cdb", "map"}) {
         table.clear();
-        load(file);
+        load(seed(file));
         EXPECT_EQ(table.value_of("main"), 0x801A) << file;
         EXPECT_EQ(table.name_at(0x801A), "_main") << file;
         EXPECT_EQ(table.value_of("helper"), 0x8000) << file;
     }
-    load(noi_file);
+    load(seed("noi"));
     EXPECT_EQ(table.name_at(0x8000), "helper") << "and not that of the area";
     EXPECT_EQ(table.value_of("l__CODE"), 0x31);
-    load(cdb_file);
+    load(seed("cdb"));
     EXPECT_EQ(table.value_of("helper.kept"), 0x9001);
     EXPECT_EQ(line_of(0x8000), "h.c:4");
     EXPECT_EQ(line_of(0x8006), "h.c:6");
@@ -108,7 +85,7 @@ TEST_F(Symbols, Sdcc) {
 }
 
 TEST_F(Symbols, Z88dk) {
-    load(z88dk_file);
+    load(seed("z88dk"));
     EXPECT_EQ(table.name_at(0x801A), "_main");
     EXPECT_EQ(table.value_of("char_bell"), 7);
     EXPECT_EQ(table.name_at(0x8000), "");
@@ -119,7 +96,7 @@ TEST_F(Symbols, Z88dk) {
 }
 
 TEST_F(Symbols, WhatIsDamagedIsRefusedAsAWhole) {
-    const std::string noi = noi_file, image(100, '\0');
+    const std::string noi = seed("noi"), map = seed("map"), image(100, '\0');
     const std::string other = "f: line 11 is not of the kind of those before it";
     const struct {
         std::string contents, problem;
@@ -129,7 +106,7 @@ TEST_F(Symbols, WhatIsDamagedIsRefusedAsAWhole) {
         {noi + "x EQU 5\n", other},
         {noi + "DEF " + std::string(201, 'x') + " 0x1\n", other},
         {noi + "DEF x 0x1\x01\n", "f: line 11 is no text"},
-        {std::string(map_file).replace(std::string(map_file).find("  _main"), 2, "x"),
+        {std::string(map).replace(map.find("  _main"), 2, "x"),
          "f: line 9 is not of the kind of those before it"},
         {"; nothing\n", "f: it has no symbols"},
         {"10 PRINT 5\n", "f: no symbol file of pasmo, sdcc or z88dk"},
