@@ -61,10 +61,16 @@ std::string with_keys(std::string text) {
 
 bool is_typed() { return typing.position >= typing_text.size(); }
 
+/// Until all is taken and, as long as that may be awaited, the machine looks for the next key: then
+/// what was typed has been obeyed. A program that never looks is not waited for.
 void wait_until_typed(ScriptRun& run, const ScriptSpan& limit) {
-    if (run.run_until(is_typed, limit) || run.has_failed() || debugger_stands()) return;
-    run.fail("the machine has not taken all that is typed");
-    run.show_screen_of_failure();
+    constexpr ScriptSpan TIME_TO_OBEY = {25, ScriptSpan::Unit::frames};
+    if (run.run_until(is_typed, limit)) {
+        run.run_until([] { return typing_text.size() == 0; }, TIME_TO_OBEY);
+    } else if (!run.has_failed() && !debugger_stands()) {
+        run.fail("the machine has not taken all that is typed");
+        run.show_screen_of_failure();
+    }
 }
 
 bool screen_shows(const std::string& text) {
@@ -463,7 +469,8 @@ constexpr auto script_rows = std::to_array<ScriptRow>({
       " expression holds at the end of a frame"},
      do_until},
     {{"type", "\"TEXT\" [LIMIT]",
-      "types; \\n is RETURN, and {BREAK} {CLEAR} {ESC} {LEFT} {RIGHT} {DOWN} {F1} to {F4} are "
+      "types, and waits for it to be obeyed; \\n is RETURN, and {BREAK} {CLEAR} {ESC} {LEFT} "
+      "{RIGHT} {DOWN} {F1} to {F4} are "
       "keys"},
      do_type},
     {{"key", "down|up|press NAME... [for N frames]",
