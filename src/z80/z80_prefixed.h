@@ -114,13 +114,13 @@ inline int compare_block(BusRegisters auto& s, int step) {
 /// CPIR and CPDR: the whole search is one step. The time of each pass is counted before the next
 /// begins.
 inline int compare_block_repeat(BusRegisters auto& s, int step) {
-    uint8_t value = 0;
-    do {
-        value = compare_pass(s, step);
+    uint8_t value = compare_pass(s, step);
+    while (s.bc && value != a(s)) {
         z80_state.t_count += 21;
-    } while (s.bc && value != a(s));
+        value = compare_pass(s, step);
+    }
     block_compare_flags(s, value);
-    return -5;
+    return 16;
 }
 
 inline void input_pass(BusRegisters auto& s, int step) {

@@ -60,8 +60,10 @@ constexpr bool FLATTENS_DEEPLY = true;
 }
 
 /// Executes the instruction whose first byte is `opcode`; `pc` stands behind that byte. Returns its
-/// T-states without the wait cycles of its accesses.
-[[gnu::always_inline]] inline int execute(BusRegisters auto& s, uint8_t opcode) {
+/// T-states without the wait cycles of its accesses, never less than 0; a loop chooses the type
+/// that costs it least.
+template <typename Cycles = int>
+[[gnu::always_inline]] inline Cycles execute(BusRegisters auto& s, uint8_t opcode) {
     // clang-format off
     switch (opcode) {
     case 0x00: return 4;

@@ -5,12 +5,15 @@
 #include "core/machine_events.h"
 #include "core/machine_state.h"
 #include "debugger/commands.h"
+#include "time/event_feed.h"
 #include "wall/machine_host.h"
 #include "z80/z80.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <functional>
+#include <string_view>
 
 namespace {
 
@@ -142,6 +145,94 @@ TEST_P(DebuggedMachine, StepsOverAndOut) {
     z80_state.irq = 1;
     z80_state.interrupt_mode = 1;
     stops_at(debugger_step_over, "0038");
+}
+
+/// Firmware and BASIC at work, with keys, sound, an NMI and interrupts; every hundredth frame a
+/// state, and the log of all events.
+struct BusyRun {
+    std::vector<machine_state> states;
+    std::vector<machine_event> events;
+};
+BusyRun run_busily(const machine_state& start, const std::function<void()>& arm) {
+    constexpr int FRAMES = 1500;
+    constexpr std::string_view TYPED =
+        "\r10 FOR I=1 TO 999:PRINT I;SIN(I);:SOUND 1,4,I AND 15:COLOUR I AND 7:NEXT\rRUN\r";
+    machine_load(start);
+    BusyRun run;
+    const int reader = event_feed_add([&run](std::span<const machine_event> events) {
+        run.events.insert(run.events.end(), events.begin(), events.end());
+    });
+    arm();
+    for (int frame = 0; frame < FRAMES; ++frame) {
+        if (frame == 100) machine_apply(event_kind::typing_trap);
+        if (frame == 100) {
+            machine_apply(event_kind::type_text, 0, 0, shared_bytes({TYPED.begin(), TYPED.end()}));
+        }
+        if (frame == 1100) machine_apply(event_kind::reset);
+        if (frame == 1200) {
+            constexpr uint8_t INTERRUPTED[] = {0xED, 0x5E, 0xFB, 0x76, 0x34, 0x18, 0xFC};
+            machine_apply(event_kind::poke, 0x5000, 0,
+                          shared_bytes({std::begin(INTERRUPTED), std::end(INTERRUPTED)}));
+            machine_apply(event_kind::poke, 0x40FF, 0, shared_bytes({0x02, 0x50}));
+            z80_registers registers = z80_state;
+            registers.pc = 0x5000;
+            registers.hl = 0x4400;
+            registers.i = 0x40;
+            machine_apply(event_kind::registers, 0, 0, bytes_of(registers));
+        }
+        if (frame > 1200) z80_state.irq = frame % 3 == 0;
+        while (machine_run() == MACHINE_STANDS) continue;
+        event_feed_frame();
+        if (frame % 100 == 99) machine_save(run.states.emplace_back());
+    }
+    event_feed_remove(reader);
+    return run;
+}
+
+TEST_P(DebuggedMachine, RunsTheSameWhateverItLooksOutFor) {
+    static int hits = 0;
+    static bool stands = false;
+    debugger_end();
+    machine_restart();
+    machine_state start;
+    machine_save(start);
+    const BusyRun plain = run_busily(start, [] {});
+    const auto arm = [] {
+        hits = 0;
+        debugger_start({});
+        for (const char* const line :
+             {"break 0000-3FFF if hits % 3 == 4", "watch 4400-47FF count",
+              "watch read 4000-40FF count", "break port 00-FF if value > 255",
+              "break interrupt count", "break line 100 count", "break 5000-5008 count"}) {
+            EXPECT_FALSE(debugger_command(line).failed) << line;
+        }
+        static int (*debuggers)() = nullptr;
+        debuggers = machine_host.watch_hit;
+        machine_host.watch_hit = [] {
+            ++hits;
+            EXPECT_EQ(debuggers(), 0);
+            return stands && hits % 7 == 0 ? 1 : 0;
+        };
+    };
+    for (const bool stops : {false, true}) {
+        stands = stops;
+        const BusyRun watched = run_busily(start, arm);
+        for (size_t n = 0; n < plain.states.size(); ++n) {
+            ASSERT_EQ(machine_difference(plain.states[n], watched.states[n]), "") << n;
+        }
+        ASSERT_EQ(plain.events.size(), watched.events.size());
+        for (size_t n = 0; n < plain.events.size(); ++n) {
+            const machine_event& a = plain.events[n];
+            const machine_event& b = watched.events[n];
+            ASSERT_TRUE(a.kind == b.kind && a.a == b.a && a.cycle == b.cycle &&
+                        (is_answer(a.kind) || a.pc == b.pc) && // else inside of a run
+                        a.bytes == b.bytes)
+                << n;
+        }
+        EXPECT_GT(hits, 1000000);
+        breakpoints_remove_all(0);
+        debugger_end();
+    }
 }
 
 } // namespace
