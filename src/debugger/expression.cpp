@@ -2,20 +2,16 @@
 
 #include "cgenie/memory/memory.h"
 #include "debugger/expression_steps.h"
+#include "debugger/formatted.h"
 #include "debugger/peek.h"
+#include "debugger/registers.h"
 #include "debugger/symbols.h"
 #include "z80/z80.h"
 
 #include <algorithm>
 #include <bitset>
-#include <cstdio>
 
 namespace {
-
-constexpr uint16_t z80_registers::*const pairs[] = {
-    &z80_registers::af,     &z80_registers::bc,     &z80_registers::de,     &z80_registers::hl,
-    &z80_registers::ix,     &z80_registers::iy,     &z80_registers::af_alt, &z80_registers::bc_alt,
-    &z80_registers::de_alt, &z80_registers::hl_alt, &z80_registers::sp,     &z80_registers::pc};
 
 constexpr int64_t ALL_BITS = 63; ///< the farthest shift that leaves a bit
 
@@ -36,10 +32,8 @@ int64_t quotient(int64_t left, int64_t right) {
 int64_t rest(int64_t left, int64_t right) { return right == 0 || right == -1 ? 0 : left % right; }
 
 std::string hexadecimal(int64_t value) {
-    char text[24];
     const int digits = value >= 0 && value < 0x100 ? 2 : 4;
-    std::snprintf(text, sizeof text, "%0*llX", digits, static_cast<unsigned long long>(value));
-    return text;
+    return formatted("%0*llX", digits, static_cast<unsigned long long>(value));
 }
 
 std::string binary(int64_t value) {
@@ -75,16 +69,8 @@ bool is_doubled(std::string_view format, size_t at) {
 } // namespace
 
 int64_t Expression::variable(int64_t which, const ExpressionContext& context) {
-    if (which < VARIABLE_HIGH_BYTES) return z80_state.*pairs[which];
-    if (which < VARIABLE_LOW_BYTES) return z80_state.*pairs[which - VARIABLE_HIGH_BYTES] >> 8;
-    if (which < VARIABLE_FLAGS) return uint8_t(z80_state.*pairs[which - VARIABLE_LOW_BYTES]);
-    if (which < VARIABLE_I) return z80_state.af >> (which - VARIABLE_FLAGS) & 1;
+    if (which < VARIABLE_HITS) return register_value(z80_state, register_names[size_t(which)]);
     switch (which) {
-    case VARIABLE_I: return z80_state.i;
-    case VARIABLE_R: return z80_state.r;
-    case VARIABLE_IFF1: return z80_state.iff1;
-    case VARIABLE_IFF2: return z80_state.iff2;
-    case VARIABLE_IM: return z80_state.interrupt_mode;
     case VARIABLE_HITS: return context.hits;
     case VARIABLE_VALUE: return context.value;
     case VARIABLE_BEFORE: return context.before;

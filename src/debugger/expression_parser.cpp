@@ -1,6 +1,7 @@
 #include "debugger/expression.h"
 
 #include "debugger/expression_steps.h"
+#include "debugger/registers.h"
 #include "debugger/symbols.h"
 #include "files/file_names.h"
 
@@ -13,69 +14,15 @@ namespace {
 constexpr size_t LONGEST_EXPRESSION = 4096;
 constexpr int DEEPEST_NESTING = 100;
 
-struct VariableName {
-    std::string_view name;
-    int64_t variable;
-};
-
-constexpr VariableName variable_names[] = {
-    {"af", VARIABLE_PAIRS},
-    {"bc", VARIABLE_PAIRS + 1},
-    {"de", VARIABLE_PAIRS + 2},
-    {"hl", VARIABLE_PAIRS + 3},
-    {"ix", VARIABLE_PAIRS + 4},
-    {"iy", VARIABLE_PAIRS + 5},
-    {"af'", VARIABLE_PAIRS + 6},
-    {"bc'", VARIABLE_PAIRS + 7},
-    {"de'", VARIABLE_PAIRS + 8},
-    {"hl'", VARIABLE_PAIRS + 9},
-    {"sp", VARIABLE_PAIRS + 10},
-    {"pc", VARIABLE_PAIRS + 11},
-    {"a", VARIABLE_HIGH_BYTES},
-    {"b", VARIABLE_HIGH_BYTES + 1},
-    {"d", VARIABLE_HIGH_BYTES + 2},
-    {"h", VARIABLE_HIGH_BYTES + 3},
-    {"ixh", VARIABLE_HIGH_BYTES + 4},
-    {"iyh", VARIABLE_HIGH_BYTES + 5},
-    {"a'", VARIABLE_HIGH_BYTES + 6},
-    {"b'", VARIABLE_HIGH_BYTES + 7},
-    {"d'", VARIABLE_HIGH_BYTES + 8},
-    {"h'", VARIABLE_HIGH_BYTES + 9},
-    {"f", VARIABLE_LOW_BYTES},
-    {"c", VARIABLE_LOW_BYTES + 1},
-    {"e", VARIABLE_LOW_BYTES + 2},
-    {"l", VARIABLE_LOW_BYTES + 3},
-    {"ixl", VARIABLE_LOW_BYTES + 4},
-    {"iyl", VARIABLE_LOW_BYTES + 5},
-    {"f'", VARIABLE_LOW_BYTES + 6},
-    {"c'", VARIABLE_LOW_BYTES + 7},
-    {"e'", VARIABLE_LOW_BYTES + 8},
-    {"l'", VARIABLE_LOW_BYTES + 9},
-    {"fc", VARIABLE_FLAGS},
-    {"fn", VARIABLE_FLAGS + 1},
-    {"fp", VARIABLE_FLAGS + 2},
-    {"fh", VARIABLE_FLAGS + 4},
-    {"fz", VARIABLE_FLAGS + 6},
-    {"fs", VARIABLE_FLAGS + 7},
-    {"i", VARIABLE_I},
-    {"r", VARIABLE_R},
-    {"iff1", VARIABLE_IFF1},
-    {"iff2", VARIABLE_IFF2},
-    {"im", VARIABLE_IM},
-    {"hits", VARIABLE_HITS},
-    {"value", VARIABLE_VALUE},
-    {"before", VARIABLE_BEFORE},
-    {"address", VARIABLE_ADDRESS},
-    {"from", VARIABLE_FROM},
-    {"cycle", VARIABLE_CYCLE},
-    {"frame", VARIABLE_FRAME},
-    {"line", VARIABLE_LINE},
-};
+/// What has happened, in the order of the variables.
+constexpr std::string_view happenings[] = {"hits", "value", "before", "address",
+                                           "from", "cycle", "frame",  "line"};
 
 std::optional<int64_t> variable_of(std::string_view small_name) {
-    const auto* const found = std::ranges::find(variable_names, small_name, &VariableName::name);
-    if (found == std::end(variable_names)) return {};
-    return found->variable;
+    if (const register_name* of = find_register(small_name)) return of - register_names.data();
+    const auto* const found = std::ranges::find(happenings, small_name);
+    if (found == std::end(happenings)) return {};
+    return VARIABLE_HITS + (found - std::begin(happenings));
 }
 
 bool is_letter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
@@ -267,8 +214,7 @@ private:
 
     void symbol(size_t start, std::string_view name) {
         const auto value = symbols ? symbols->value_of(name) : std::nullopt;
-        if (!value)
-            return fail(start, "\"" + std::string(name) + "\" " + std::string(NO_SYMBOL));
+        if (!value) return fail(start, "\"" + std::string(name) + "\" " + std::string(NO_SYMBOL));
         emit(Op::number, *value);
     }
 

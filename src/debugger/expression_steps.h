@@ -6,7 +6,7 @@
 enum class Expression::Op : uint8_t {
     // They push.
     number,
-    variable, ///< operand: a Variable
+    variable, ///< operand: a register or an ExpressionVariable
     // They change the topmost.
     negate,
     complement,
@@ -40,18 +40,9 @@ enum class Expression::Op : uint8_t {
 /// How many values an expression may keep at a time.
 constexpr int EXPRESSION_STACK = 64;
 
-/// Pairs and their halves stand in the same order.
+/// Below these are the numbers of registers in register_names.
 enum ExpressionVariable : int64_t {
-    VARIABLE_PAIRS,                            ///< af bc de hl ix iy, af' bc' de' hl', sp pc
-    VARIABLE_HIGH_BYTES = VARIABLE_PAIRS + 12, ///< a b d h ixh iyh a' ...
-    VARIABLE_LOW_BYTES = VARIABLE_HIGH_BYTES + 12,
-    VARIABLE_FLAGS = VARIABLE_LOW_BYTES + 12, ///< + the number of the bit in F
-    VARIABLE_I = VARIABLE_FLAGS + 8,
-    VARIABLE_R,
-    VARIABLE_IFF1,
-    VARIABLE_IFF2,
-    VARIABLE_IM,
-    VARIABLE_HITS,
+    VARIABLE_HITS = 0x100,
     VARIABLE_VALUE,
     VARIABLE_BEFORE,
     VARIABLE_ADDRESS,

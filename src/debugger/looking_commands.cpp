@@ -11,8 +11,6 @@
 #include "z80/z80.h"
 
 #include <algorithm>
-#include <cstdarg>
-#include <cstdio>
 
 namespace {
 
@@ -113,15 +111,6 @@ std::string stack_line(uint16_t at) {
 }
 
 } // namespace
-
-std::string formatted(const char* format, ...) {
-    char text[256];
-    va_list arguments;
-    va_start(arguments, format);
-    std::vsnprintf(text, sizeof text, format, arguments);
-    va_end(arguments);
-    return text;
-}
 
 std::string named(uint16_t address) {
     const std::string name = debugger_symbols().near(address);

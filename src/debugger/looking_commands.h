@@ -2,6 +2,7 @@
 /// The debugger's commands that look at the machine, and change registers and memory.
 
 #include "debugger/command_words.h"
+#include "debugger/formatted.h"
 
 CommandResult command_regs(CommandWords& words);
 CommandResult command_peek(CommandWords& words);
@@ -15,7 +16,5 @@ CommandResult command_stack(CommandWords& words);
 CommandResult command_symbols(CommandWords& words);
 CommandResult command_symbol(CommandWords& words);
 
-/// printf into a text.
-[[gnu::format(printf, 1, 2)]] std::string formatted(const char* format, ...);
 /// " (name+3)" for an address near a symbol, else empty.
 std::string named(uint16_t address);

@@ -9,72 +9,94 @@
 
 namespace {
 
-struct PairName {
-    std::string_view name, high, low; ///< of the whole and its halves; SP and PC have none
-    uint16_t z80_registers::*pair;
-};
-constexpr auto PAIRS = std::to_array<PairName>({
-    {"af", "a", "f", &z80_registers::af},
-    {"bc", "b", "c", &z80_registers::bc},
-    {"de", "d", "e", &z80_registers::de},
-    {"hl", "h", "l", &z80_registers::hl},
-    {"ix", "ixh", "ixl", &z80_registers::ix},
-    {"iy", "iyh", "iyl", &z80_registers::iy},
-    {"sp", {}, {}, &z80_registers::sp},
-    {"pc", {}, {}, &z80_registers::pc},
-    {"af'", "a'", "f'", &z80_registers::af_alt},
-    {"bc'", "b'", "c'", &z80_registers::bc_alt},
-    {"de'", "d'", "e'", &z80_registers::de_alt},
-    {"hl'", "h'", "l'", &z80_registers::hl_alt},
-});
+constexpr register_name pair(std::string_view name, uint16_t z80_registers::*place) {
+    return {name, place, nullptr, 0, 0xFFFF};
+}
+constexpr register_name high(std::string_view name, uint16_t z80_registers::*place) {
+    return {name, place, nullptr, 8};
+}
+constexpr register_name low(std::string_view name, uint16_t z80_registers::*place) {
+    return {name, place};
+}
+constexpr register_name flag(std::string_view name, uint8_t bit) {
+    return {name, &z80_registers::af, nullptr, bit, 1};
+}
+constexpr register_name byte(std::string_view name, uint8_t z80_registers::*place, uint16_t most) {
+    return {name, nullptr, place, 0, most};
+}
 
-struct ByteName {
-    std::string_view name;
-    uint8_t z80_registers::*byte;
-    uint8_t most;
-};
-constexpr auto BYTES = std::to_array<ByteName>({
-    {"i", &z80_registers::i, 0xFF},
-    {"r", &z80_registers::r, 0xFF},
-    {"iff1", &z80_registers::iff1, 1},
-    {"iff2", &z80_registers::iff2, 1},
-    {"im", &z80_registers::interrupt_mode, 2},
+using z80 = z80_registers;
+constexpr auto all_names = std::to_array<register_name>({
+    pair("af", &z80::af),
+    pair("bc", &z80::bc),
+    pair("de", &z80::de),
+    pair("hl", &z80::hl),
+    pair("ix", &z80::ix),
+    pair("iy", &z80::iy),
+    pair("sp", &z80::sp),
+    pair("pc", &z80::pc),
+    pair("af'", &z80::af_alt),
+    pair("bc'", &z80::bc_alt),
+    pair("de'", &z80::de_alt),
+    pair("hl'", &z80::hl_alt),
+    high("a", &z80::af),
+    low("f", &z80::af),
+    high("b", &z80::bc),
+    low("c", &z80::bc),
+    high("d", &z80::de),
+    low("e", &z80::de),
+    high("h", &z80::hl),
+    low("l", &z80::hl),
+    high("ixh", &z80::ix),
+    low("ixl", &z80::ix),
+    high("iyh", &z80::iy),
+    low("iyl", &z80::iy),
+    high("a'", &z80::af_alt),
+    low("f'", &z80::af_alt),
+    high("b'", &z80::bc_alt),
+    low("c'", &z80::bc_alt),
+    high("d'", &z80::de_alt),
+    low("e'", &z80::de_alt),
+    high("h'", &z80::hl_alt),
+    low("l'", &z80::hl_alt),
+    byte("i", &z80::i, 0xFF),
+    byte("r", &z80::r, 0xFF),
+    byte("iff1", &z80::iff1, 1),
+    byte("iff2", &z80::iff2, 1),
+    byte("im", &z80::interrupt_mode, 2),
+    flag("fs", 7),
+    flag("fz", 6),
+    flag("fh", 4),
+    flag("fp", 2),
+    flag("fn", 1),
+    flag("fc", 0),
 });
-
-struct FlagName {
-    std::string_view name;
-    uint8_t bit;
-};
-constexpr auto FLAGS = std::to_array<FlagName>({{"fs", FLAG_S},
-                                                {"fz", FLAG_Z},
-                                                {"fh", FLAG_H},
-                                                {"fp", FLAG_PV},
-                                                {"fn", FLAG_N},
-                                                {"fc", FLAG_C}});
 
 } // namespace
 
-bool set_register(z80_registers& registers, std::string_view name, uint16_t value) {
+const std::span<const register_name> register_names = all_names;
+
+const register_name* find_register(std::string_view name) {
     const std::string small = lower_case(std::string(name));
-    for (const PairName& row : PAIRS) {
-        uint16_t& pair = registers.*row.pair;
-        if (small == row.name) return pair = value, true;
-        if (!row.high.empty() && small == row.high) {
-            return pair = uint16_t((pair & 0x00FF) | value << 8), true;
-        }
-        if (!row.low.empty() && small == row.low) {
-            return pair = uint16_t((pair & 0xFF00) | (value & 0xFF)), true;
-        }
+    const auto* const found = std::ranges::find(all_names, small, &register_name::name);
+    return found == all_names.end() ? nullptr : found;
+}
+
+uint16_t register_value(const z80_registers& registers, const register_name& of) {
+    if (!of.pair) return registers.*of.byte;
+    return uint16_t(registers.*of.pair >> of.shift & of.most);
+}
+
+bool set_register(z80_registers& registers, std::string_view name, uint16_t value) {
+    const register_name* const of = find_register(name);
+    if (!of) return false;
+    if (!of->pair) {
+        if (of->most < 0xFF && value > of->most) return false;
+        registers.*of->byte = uint8_t(value);
+        return true;
     }
-    for (const ByteName& row : BYTES) {
-        if (small != row.name) continue;
-        if (row.most < 0xFF && value > row.most) return false;
-        return registers.*row.byte = uint8_t(value), true;
-    }
-    for (const FlagName& row : FLAGS) {
-        if (small != row.name) continue;
-        const auto others = uint16_t(registers.af & ~row.bit);
-        return registers.af = uint16_t(others | (value ? row.bit : 0)), true;
-    }
-    return false;
+    const auto bits = uint16_t(of->most == 1 ? value != 0 : value & of->most);
+    uint16_t& pair = registers.*of->pair;
+    pair = uint16_t((pair & ~(of->most << of->shift)) | bits << of->shift);
+    return true;
 }

@@ -1,12 +1,11 @@
 #include "debugger/source.h"
 
 #include "debugger/code_trace.h"
+#include "debugger/formatted.h"
 #include "debugger/peek.h"
 #include "files/file_names.h"
 
 #include <algorithm>
-#include <cstdarg>
-#include <cstdio>
 #include <cstdlib>
 #include <iterator>
 #include <set>
@@ -20,20 +19,11 @@ constexpr size_t SHORTEST_FILL = 16;
 constexpr uint16_t LARGEST_COUNT = 0xFF; ///< numbers up to here get no label
 constexpr size_t MNEMONIC_COLUMN = 8;
 
-[[gnu::format(printf, 1, 2)]] std::string printed(const char* format, ...) {
-    char text[128];
-    va_list arguments;
-    va_start(arguments, format);
-    std::vsnprintf(text, sizeof text, format, arguments);
-    va_end(arguments);
-    return text;
-}
-
 /// With a digit in front, as assemblers want it.
 std::string byte_text(uint8_t value) {
-    return printed(value < 10 ? "%u" : "0%02xh", unsigned{value});
+    return formatted(value < 10 ? "%u" : "0%02xh", unsigned{value});
 }
-std::string word_text(uint16_t value) { return printed("0%04xh", unsigned{value}); }
+std::string word_text(uint16_t value) { return formatted("0%04xh", unsigned{value}); }
 
 /// What an assembler takes for something else, in small letters.
 const std::set<std::string_view> reserved_words = {
@@ -66,8 +56,8 @@ public:
         find_code(entries);
         name_places();
         write_lines();
-        return printed("; %04X-%04X, as it is in memory\n\n", unsigned{first}, unsigned{last}) +
-               definitions() + printed("        org %s\n", word_text(first).c_str()) + lines;
+        return formatted("; %04X-%04X, as it is in memory\n\n", unsigned{first}, unsigned{last}) +
+               definitions() + formatted("        org %s\n", word_text(first).c_str()) + lines;
     }
 
 private:
@@ -128,7 +118,7 @@ private:
         if (labels.contains(start)) return;
         const auto known = symbol_at.find(start);
         const std::string name =
-            known != symbol_at.end() ? known->second : printed("L%04X", unsigned{start});
+            known != symbol_at.end() ? known->second : formatted("L%04X", unsigned{start});
         labels.emplace(start, free_name(name, start));
     }
 
@@ -141,7 +131,7 @@ private:
             legal.insert(0, "L");
         }
         if (!used.insert(legal).second) {
-            legal += printed("_%04X", unsigned{address});
+            legal += formatted("_%04X", unsigned{address});
             used.insert(legal);
         }
         return legal;
@@ -162,7 +152,7 @@ private:
         if (inner != inner_names.end()) return inner->second;
         const uint16_t start = line_start(address);
         const std::string& label = labels.find(start)->second;
-        return start == address ? label : label + printed("+%u", unsigned(address - start));
+        return start == address ? label : label + formatted("+%u", unsigned(address - start));
     }
 
     /// The disassembler's text with a zero before numbers that begin with a letter, and names.
@@ -244,7 +234,7 @@ private:
                 return byte == first_byte;
             });
         if (fill >= SHORTEST_FILL) {
-            line(printed("defs %u,", unsigned(fill)) + byte_text(debug_peek(uint16_t(address))));
+            line(formatted("defs %u,", unsigned(fill)) + byte_text(debug_peek(uint16_t(address))));
             return int(fill);
         }
         const size_t text = run_of(address, std::min(length, LONGEST_TEXT), is_text);
@@ -281,10 +271,10 @@ private:
     std::string definitions() {
         std::string text;
         for (const auto& [address, name] : outside) {
-            text += printed("%-16s equ ", name.c_str()) + word_text(address) + "\n";
+            text += formatted("%-16s equ ", name.c_str()) + word_text(address) + "\n";
         }
         for (const auto& [address, name] : inner_names) {
-            text += printed("%-16s equ ", name.c_str()) + word_text(address) + "\n";
+            text += formatted("%-16s equ ", name.c_str()) + word_text(address) + "\n";
         }
         return text.empty() ? text : text + "\n";
     }
