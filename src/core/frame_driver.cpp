@@ -109,7 +109,7 @@ int machine_run() {
         if (reached && machine_host.breakpoint_reached()) return MACHINE_STANDS;
         const bool goes_on = run_and_tell(reached);
         if (z80_state.waits) return MACHINE_WAITS;
-        if (!goes_on) return MACHINE_STANDS;
+        if (!goes_on && frame_state.left > 0) return MACHINE_STANDS;
     }
     end_frame();
     return MACHINE_FRAME;

@@ -33,7 +33,8 @@ enum machine_run_end : int {
 };
 /// Runs one emulated frame, or completes the one that has been left in the middle. MACHINE_STANDS
 /// when it has come to the breakpoint, or has hit something (z80/z80_watch.h), and the host wants
-/// the machine to stand there; that may be behind the last instruction of the frame.
+/// the machine to stand there. Behind the last instruction of a frame it is MACHINE_FRAME: the
+/// frame is then complete, and the host, which was asked, knows that the machine is to stand.
 int machine_run();
 /// Runs one instruction as part of a frame, also one with a breakpoint. Nobody is told what it
 /// hits.

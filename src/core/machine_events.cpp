@@ -249,36 +249,83 @@ bool step_stands() {
     return z80_watch.run && z80_watch.hit_count && machine_host.watch_hit();
 }
 
+/// Whether the machine is where event number `target` came, with all before it done.
+bool is_there(size_t target) {
+    const machine_event& event = replay.log->events[target];
+    const size_t next = replay.position->next;
+    if (z80_state.t_count < event.cycle || next < target) return false;
+    if (z80_state.pc == event.pc) return true;
+    // At the place of the event before, if that was not an answer in the middle of an instruction.
+    const machine_event* const before = target > 0 ? &replay.log->events[target - 1] : nullptr;
+    return before && !is_answer(before->kind) && before->cycle == event.cycle &&
+           before->pc == event.pc && next == target;
+}
+
+/// The machine has come to event number `target`, which is applied, or is the end of the frame.
+void pass(size_t target) {
+    const machine_event& event = replay.log->events[target];
+    if (z80_state.t_count != event.cycle) fail("the machine is at another cycle");
+    if (replay.position->next != target) fail("an answer that nobody has asked for");
+    if (has_parted()) return;
+    ++replay.position->next; // the answers to what it asks follow it in the log
+    if (event.kind == event_kind::frame_end) return;
+    log_again(event);
+    perform(event);
+}
+
 /// Runs the machine to the point at which event number `target` came, and applies it. False when it
 /// stands at a hit before.
 bool run_to(size_t target) {
     const machine_event& event = replay.log->events[target];
-    const size_t& next = replay.position->next;
-    // At the place of the event before, if that was not an answer in the middle of an instruction.
-    const machine_event* const before = target > 0 ? &replay.log->events[target - 1] : nullptr;
-    const bool is_here = before && !is_answer(before->kind) && before->cycle == event.cycle &&
-                         before->pc == event.pc && next == target;
-    const auto is_there = [&] {
-        return z80_state.t_count >= event.cycle && next >= target &&
-               (is_here || z80_state.pc == event.pc);
-    };
     if (event.kind == event_kind::frame_end) {
         int end = machine_run();
         while (end == MACHINE_WAITS && !has_parted()) end = machine_run();
         if (end == MACHINE_STANDS) return false;
     } else {
-        while (!is_there() && z80_state.t_count <= event.cycle && !has_parted()) {
+        while (!is_there(target) && z80_state.t_count <= event.cycle && !has_parted()) {
             if (step_stands()) return false;
         }
     }
-    if (z80_state.t_count != event.cycle) fail("the machine is at another cycle");
-    if (next != target) fail("an answer that nobody has asked for");
-    if (has_parted()) return true;
-    ++replay.position->next; // the answers to what it asks follow it in the log
-    if (event.kind == event_kind::frame_end) return true;
-    log_again(event);
-    perform(event);
-    return true;
+    pass(target);
+    if (event.kind == event_kind::frame_end || !z80_watch.run) return true;
+    return !z80_watch_cycle_comes() || !machine_host.watch_hit();
+}
+
+/// The next event that is no answer; that number may be the end.
+size_t next_target() {
+    const auto& events = replay.log->events;
+    size_t target = replay.position->next;
+    while (target < events.size() && is_answer(events[target].kind)) ++target;
+    return target;
+}
+
+int complete_step() {
+    int end = machine_step();
+    while (end == MACHINE_WAITS && !has_parted()) end = machine_step();
+    return end;
+}
+
+/// Runs so many instructions, with what was done before and behind each.
+machine_replay_end run_steps(int instructions) {
+    const auto& events = replay.log->events;
+    while (replay.position->next < events.size() && !has_parted()) {
+        const size_t target = next_target();
+        const bool ends = target < events.size() && events[target].kind == event_kind::frame_end;
+        if (target < events.size() && !ends && is_there(target)) {
+            pass(target);
+            continue;
+        }
+        if (instructions == 0) return REPLAY_STANDS;
+        --instructions;
+        if (complete_step() != MACHINE_FRAME) continue;
+        if (!ends) {
+            fail("the frame has ended");
+            break;
+        }
+        pass(target);
+        if (!has_parted()) return REPLAY_FRAME;
+    }
+    return has_parted() ? REPLAY_PARTED : REPLAY_OVER;
 }
 
 void answer_from_log() {
@@ -293,8 +340,7 @@ void answer_from_log() {
 machine_replay_end run_frame() {
     const auto& events = replay.log->events;
     while (replay.position->next < events.size() && !has_parted()) {
-        size_t target = replay.position->next;
-        while (target < events.size() && is_answer(events[target].kind)) ++target;
+        const size_t target = next_target();
         if (target == events.size()) {
             fail("the log ends with an answer");
             break;
@@ -303,6 +349,19 @@ machine_replay_end run_frame() {
         if (events[target].kind == event_kind::frame_end && !has_parted()) return REPLAY_FRAME;
     }
     return has_parted() ? REPLAY_PARTED : REPLAY_OVER;
+}
+
+template <typename Run>
+machine_replay_end run_replay(const machine_log& log, machine_replay_position& position,
+                              const machine_host_calls& host, Run run) {
+    const machine_host_calls outside = machine_host;
+    machine_host = host; // answers that are given are logged as well
+    replay = {&log, &position, host};
+    answer_from_log();
+    const machine_replay_end end = run();
+    machine_host = outside;
+    replay = {};
+    return end;
 }
 
 // ---- events from outside -----------------------------------------------------------------------
@@ -397,14 +456,13 @@ const machine_host_calls& machine_host_behind_log() {
 
 machine_replay_end machine_replay_frame(const machine_log& log, machine_replay_position& position,
                                         const machine_host_calls& host) {
-    const machine_host_calls outside = machine_host;
-    machine_host = host; // answers that are given are logged as well
-    replay = {&log, &position, host};
-    answer_from_log();
-    const machine_replay_end end = run_frame();
-    machine_host = outside;
-    replay = {};
-    return end;
+    return run_replay(log, position, host, run_frame);
+}
+
+machine_replay_end machine_replay_steps(const machine_log& log, machine_replay_position& position,
+                                        int instructions) {
+    return run_replay(log, position, machine_host_behind_log(),
+                      [instructions] { return run_steps(instructions); });
 }
 
 machine_replay_end machine_replay_frame(const machine_log& log, machine_replay_position& position) {

@@ -145,6 +145,11 @@ machine_replay_end machine_replay_frame(const machine_log& log, machine_replay_p
 /// The same, with these callbacks for what the machine shows and puts out, and for read_tape.
 machine_replay_end machine_replay_frame(const machine_log& log, machine_replay_position& position,
                                         const machine_host_calls& host);
+/// The same by so many instructions; with 0 only what was done to the machine at the place where it
+/// stands, which is done behind each instruction as well. REPLAY_STANDS inside of a frame, and
+/// REPLAY_FRAME where one ends, whatever is left to be run. What the last one hits is noted.
+machine_replay_end machine_replay_steps(const machine_log& log, machine_replay_position& position,
+                                        int instructions);
 /// The callbacks of the host, without those that a log has put before them.
 const machine_host_calls& machine_host_behind_log();
 /// Runs through all events from number `first` on. Returns an empty text when the end of the log

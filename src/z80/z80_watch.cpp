@@ -132,6 +132,11 @@ bool z80_watch_arrives() {
     return (z80_watch.memory[pc] & WATCH_EXECUTE) && z80_operations::arrives(pc);
 }
 
+bool z80_watch_cycle_comes() {
+    z80_watch.hit_count = 0;
+    return z80_operations::cycle_has_come(z80_state.pc);
+}
+
 int32_t z80_run_watched(int32_t budget) {
     z80_watch.hit_count = 0;
     if (budget != 0 && z80_operations::cycle_has_come(z80_state.pc)) return budget;

@@ -57,3 +57,6 @@ int32_t z80_run_watched(int32_t budget);
 /// For a caller that steps, before an instruction: whether PC has come to an address with an
 /// execute watch. Notes that as the only hit.
 bool z80_watch_arrives();
+/// For a caller that has changed something between two instructions, which may take time: whether
+/// the cycle `until` has come. Notes that as the only hit.
+bool z80_watch_cycle_comes();
