@@ -7,8 +7,7 @@
 #include "core/machine_mute.h"
 #include "core/machine_state.h"
 #include "time/event_feed.h"
-#include "time/history_events.h"
-#include "time/history_states.h"
+#include "time/history_record.h"
 #include "wall/machine_host.h"
 #include "z80/z80.h"
 
@@ -25,7 +24,11 @@ history_calls history_host = {
     .show = [] {},
 };
 
+std::optional<history_parts::History> history_parts::history;
+
 namespace {
+
+using namespace history_parts;
 
 /// Cycles from one state to the next: what the slower engine runs in ten milliseconds.
 constexpr int64_t SPACING = 2'200'000;
@@ -41,34 +44,6 @@ struct Picture {
     bool is_new = false;
 };
 
-struct History {
-    history_settings settings;
-    int reader = 0;
-    HistoryEvents events;
-    HistoryStates states;
-
-    // The present.
-    int64_t picture = 0;         ///< the last frame that has shown one
-    uint32_t pictures_shown = 0; ///< the beam's counter of them
-    shared_bytes companion;
-    bool acted = false;       ///< something was done to the machine since the last frame
-    bool lone_state = false;  ///< the next frame's state stays for good
-    bool has_arrived = false; ///< another state was loaded, and no frame has been run since
-    int64_t taken_at = 0;     ///< when the last state was taken, in ns
-    int64_t taken_in = 0;     ///< how long it took
-    uint64_t thin_above = 0;  ///< bytes
-
-    // While the past is looked at.
-    bool live = true;
-    int64_t position = 0;
-    machine_state present;
-    shared_bytes present_companion;
-    shared_bytes followed;              ///< the companion that the host has followed
-    std::vector<machine_event> pending; ///< done to the machine at the frame that is shown
-    int64_t picture_then = 0;           ///< `picture` and
-    uint32_t pictures_shown_then = 0;   ///< `pictures_shown` at the frame that is shown
-};
-std::optional<History> history;
 bool tells_others = false; ///< of another state, which the history itself has made
 
 // ---- keeping -----------------------------------------------------------------------------------
@@ -85,14 +60,15 @@ void append(const machine_event& event) {
     if (event.kind == event_kind::engine) now.lone_state = true;
 }
 
-/// Forgets what came after the frame that is shown.
+/// Forgets what came after the place that is shown.
 void forget_future() {
     History& now = *history;
-    now.states.cut(now.position);
-    now.events.cut(now.position);
+    const int64_t frame = now.place.frame();
+    now.states.cut(frame);
+    now.events.cut(frame, now.place.done());
     now.picture = now.picture_then;
     now.pictures_shown = now.pictures_shown_then;
-    now.companion = now.states.at(now.position)->companion;
+    now.companion = now.states.at(frame)->companion;
     now.present = {};
     now.acted = true;
     now.live = true;
@@ -188,56 +164,35 @@ void keep_picture(Picture& to) {
     to.is_new = true;
 }
 
-/// While it lives the breakpoint does not slow the processor down.
-class Disarmed {
-public:
-    Disarmed() { z80_state.breakpoint_enabled = 0; }
-    ~Disarmed() { z80_state.breakpoint_enabled = enabled_; }
-    Disarmed(const Disarmed&) = delete;
-    Disarmed& operator=(const Disarmed&) = delete;
-
-private:
-    int32_t enabled_ = z80_state.breakpoint_enabled;
-};
-
-std::string load(const HistoryState& state) {
-    machine_state unpacked;
-    const MachineMute mute;
-    const bool loaded = history->states.unpack(state, unpacked) && machine_load(unpacked);
-    return loaded ? "" : "a state is damaged";
-}
-
-/// Runs the live machine, which is at the end of frame `from`, to the end of frame `to`. `picture`
-/// gets the last one that the beam has shown; without any it stays as it is.
-std::string run(int64_t from, int64_t to, Picture& picture) {
-    machine_log log;
-    machine_replay_position position;
-    std::string trouble = history->events.between(from, to, log, position.next);
-    if (!trouble.empty()) return trouble;
-    const bool changes_engine =
-        std::ranges::find(log.events, event_kind::engine, &machine_event::kind) != log.events.end();
-    const MachineMute mute;
-    const Disarmed disarmed;
+/// Runs the live machine from the end of a frame to that of frame `to`. `picture` gets the last one
+/// that the beam has shown; without any it stays as it is.
+std::string run(HistoryRun& place, int64_t to, Picture& picture) {
     beam_picture = &picture;
-    machine_host.frame = [](int) { keep_picture(*beam_picture); };
-    for (int64_t frame = from + 1; machine_replay_frame(log, position) == REPLAY_FRAME; ++frame) {
-        if (std::exchange(picture.is_new, false)) picture.frame = frame;
-        if (changes_engine && !g_bCycleBasedEngine) video_render_frame();
+    place.show = [](int) { keep_picture(*beam_picture); };
+    history_end end = history_end::frame;
+    while (place.frame() < to && end == history_end::frame) {
+        end = place.run_frame(history->events, false);
+        if (std::exchange(picture.is_new, false)) picture.frame = place.frame();
     }
     beam_picture = nullptr;
-    return position.trouble;
+    place.show = [](int) {};
+    if (end == history_end::broken) return "no events lead there";
+    return place.trouble();
 }
 
-std::string go_to(const HistoryState& state, int64_t frame, Picture& picture) {
-    const std::string trouble = load(state);
-    return trouble.empty() ? run(state.frame, frame, picture) : trouble;
+std::string go_to(const HistoryState& state, int64_t frame, Picture& picture, HistoryRun& place) {
+    std::string trouble = load(state);
+    if (!trouble.empty()) return trouble;
+    place.begin(state.frame, state.picture);
+    return run(place, frame, picture);
 }
 
 /// The picture that was shown in this frame, drawn by the beam or by the line engine.
 Picture find_picture(int64_t frame) {
     Picture picture;
     if (frame <= history_first()) return picture;
-    if (!go_to(*history->states.at(frame - 1), frame, picture).empty()) return {};
+    HistoryRun place;
+    if (!go_to(*history->states.at(frame - 1), frame, picture, place).empty()) return {};
     if (!g_bCycleBasedEngine) {
         video_render_frame();
         keep_picture(picture);
@@ -256,8 +211,8 @@ const HistoryState& start_for(int64_t frame) {
 
 /// The frame buffer is shown with the picture, in place of the one that the beam is drawing.
 void show(const Picture& picture) {
+    if (picture.pixels.empty()) return show_frame_buffer();
     if (!g_bCycleBasedEngine) video_render_frame();
-    if (picture.pixels.empty()) return history_host.show();
     Picture drawing;
     keep_picture(drawing);
     std::ranges::copy(picture.pixels, frame_buffer);
@@ -265,22 +220,14 @@ void show(const Picture& picture) {
     std::ranges::copy(drawing.pixels, frame_buffer);
 }
 
-void follow(const shared_bytes& companion) {
-    if (companion == history->followed) return;
-    history->followed = companion;
-    history_host.follow(companion);
-}
-
 /// Makes the frame the live one.
 std::string look_at(int64_t frame) {
     const HistoryState& state = *history->states.at(frame);
     if (state.companion != history->followed) {
-        // The host may have to open the tape that is read again.
-        if (std::string trouble = load(state); !trouble.empty()) return trouble;
-        follow(state.companion);
+        if (std::string trouble = load_and_follow(state); !trouble.empty()) return trouble;
     }
     Picture picture;
-    std::string trouble = go_to(start_for(frame), frame, picture);
+    std::string trouble = go_to(start_for(frame), frame, picture, history->place);
     if (!trouble.empty()) return trouble;
     if (g_bCycleBasedEngine && picture.pixels.empty()) {
         machine_state parked;
@@ -295,6 +242,42 @@ std::string look_at(int64_t frame) {
     return {};
 }
 
+void return_to_present() {
+    History& now = *history;
+    Picture picture = now.states.last().beam ? find_picture(now.picture) : Picture();
+    take_up_present();
+    if (!g_bCycleBasedEngine) picture = {};
+    show(picture);
+}
+
+} // namespace
+
+namespace history_parts {
+
+std::string load(const HistoryState& state) {
+    machine_state unpacked;
+    const MachineMute mute;
+    const bool loaded = history->states.unpack(state, unpacked) && machine_load(unpacked);
+    return loaded ? "" : "a state is damaged";
+}
+
+void follow(const shared_bytes& companion) {
+    if (companion == history->followed) return;
+    history->followed = companion;
+    history_host.follow(companion);
+}
+
+std::string load_and_follow(const HistoryState& state) {
+    if (state.companion == history->followed) return load(state);
+    // The host may have to open the tape that is read again. What it does to the machine is its
+    // own.
+    if (std::string trouble = load(state); !trouble.empty()) return trouble;
+    follow(state.companion);
+    event_feed_past(history->reader);
+    history->pending.clear();
+    return load(state);
+}
+
 void leave_present() {
     History& now = *history;
     history_host.present(false);
@@ -304,9 +287,8 @@ void leave_present() {
     machine_save(now.present);
 }
 
-void return_to_present() {
+void take_up_present() {
     History& now = *history;
-    Picture picture = now.states.last().beam ? find_picture(now.picture) : Picture();
     {
         const MachineMute mute;
         machine_load(now.present);
@@ -315,11 +297,14 @@ void return_to_present() {
     follow(now.present_companion);
     now.present = {};
     history_host.present(true);
-    if (!g_bCycleBasedEngine) picture = {};
-    show(picture);
 }
 
-} // namespace
+void show_frame_buffer() {
+    if (!g_bCycleBasedEngine) video_render_frame();
+    history_host.show();
+}
+
+} // namespace history_parts
 
 void history_start(const history_settings& settings) {
     history_stop();
@@ -372,7 +357,7 @@ void history_frame_ran() {
 int64_t history_first() { return 0; }
 int64_t history_last() { return history ? history->events.last() : 0; }
 int64_t history_position() {
-    return history && !history->live ? history->position : history_last();
+    return history && !history->live ? history->place.frame() : history_last();
 }
 bool history_is_live() { return !history || history->live; }
 
@@ -387,8 +372,7 @@ std::string history_show(int64_t frame) {
         return_to_present();
         return {};
     }
-    now.position = std::max(frame, history_first());
-    std::string trouble = look_at(now.position);
+    std::string trouble = look_at(std::max(frame, history_first()));
     event_feed_past(now.reader); // the host does again what it did to follow, when it goes on
     now.pending.clear();
     if (!trouble.empty()) return_to_present();
@@ -412,7 +396,8 @@ std::string history_visit(int64_t frame, const std::function<void()>& look) {
     machine_state now;
     machine_save(now);
     Picture picture;
-    std::string trouble = go_to(*history->states.at(frame), frame, picture);
+    HistoryRun place;
+    std::string trouble = go_to(*history->states.at(frame), frame, picture, place);
     if (trouble.empty()) look();
     const MachineMute mute;
     machine_load(now);

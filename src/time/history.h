@@ -19,6 +19,15 @@
 
 struct machine_event;
 
+/// A place between two instructions, behind the end of the complete frame `frame`, with all done
+/// that was done to the machine there. Several may be at the same cycle, since traps take no time.
+struct history_moment {
+    int64_t frame = 0;
+    int64_t cycle = 0;
+    uint16_t pc = 0;
+    bool operator==(const history_moment&) const = default;
+};
+
 struct history_settings {
     /// Bytes that it may take. Beyond them states of the older time are dropped, so that it takes
     /// longer to come there; events are not.
@@ -61,6 +70,7 @@ int64_t history_last();
 /// The frame that the machine is at, or the last one, also when it has gone on from it by a part of
 /// a frame.
 int64_t history_position();
+history_moment history_moment_now();
 /// False while the past is being looked at.
 bool history_is_live();
 
@@ -69,7 +79,11 @@ bool history_is_live();
 /// looked at is undone. Returns an empty text, or why the frame cannot be shown: then the present
 /// is there.
 std::string history_show(int64_t frame);
-/// Plays on from here: what came after is forgotten.
+/// The same with a moment. The picture is that of the line engine, or what the beam has drawn; it
+/// is not told when the present is the moment.
+std::string history_show_moment(const history_moment& moment);
+/// Plays on from here: what came after is forgotten. Inside of a frame, what has passed of it
+/// stays.
 void history_go_on();
 
 /// Calls `look` with the machine as it was at the end of that frame, and then it is again as it is

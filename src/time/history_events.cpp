@@ -13,8 +13,7 @@ constexpr int64_t SEGMENT_FRAMES = 1000;
 constexpr int32_t BREAK = 1;
 
 bool ends_frame(const machine_event& event) {
-    return event.kind == event_kind::frame_end ||
-           (event.kind == event_kind::moment && event.a == BREAK);
+    return event.kind == event_kind::frame_end || HistoryEvents::is_break(event);
 }
 
 } // namespace
@@ -26,22 +25,31 @@ void HistoryEvents::Plain::append(const machine_event& event) {
 
 void HistoryEvents::append(const machine_event& event) { open_.append(event); }
 
+bool HistoryEvents::is_break(const machine_event& event) {
+    return event.kind == event_kind::moment && event.a == BREAK;
+}
+
 void HistoryEvents::append_break() {
     open_.events.resize(open_.end_of(last()));
     open_.append(
         {.kind = event_kind::moment, .a = BREAK, .cycle = z80_state.t_count, .pc = z80_state.pc});
 }
 
-void HistoryEvents::cut(int64_t frame) {
+void HistoryEvents::cut(int64_t frame, size_t done) {
     while (frame < open_.before) {
         const Segment& segment = segments_.back();
         open_ = {.before = segment.before};
-        if (frame > segment.before && !unpack(segment, open_).empty()) frame = segment.before;
+        const bool is_needed = frame > segment.before || (frame == segment.before && done > 0);
+        if (is_needed && !unpack(segment, open_).empty()) {
+            frame = segment.before;
+            done = 0;
+        }
         bytes_ -= segment.packed.size() + sizeof(Segment);
         segments_.pop_back();
     }
+    const size_t kept = open_.end_of(frame) + done;
     open_.ends.resize(size_t(frame - open_.before));
-    open_.events.resize(open_.ends.empty() ? 0 : open_.ends.back());
+    open_.events.resize(std::min(kept, open_.events.size()));
     unpacked_ = {};
 }
 
@@ -97,6 +105,11 @@ std::string HistoryEvents::between(int64_t from, int64_t to, machine_log& log, s
         at = end;
     }
     return trouble;
+}
+
+void HistoryEvents::append_rest(machine_log& log) const {
+    log.events.insert(log.events.end(), open_.events.begin() + ptrdiff_t(open_.end_of(last())),
+                      open_.events.end());
 }
 
 int64_t HistoryEvents::unbroken(int64_t from, int64_t to) {

@@ -17,13 +17,17 @@ public:
     /// Appends a frame that no events lead to: another state has been loaded. What came behind the
     /// last complete frame is forgotten.
     void append_break();
-    /// Forgets what came after this frame.
-    void cut(int64_t frame);
+    /// Forgets what came after this frame and the first `done` events of the next one.
+    void cut(int64_t frame, size_t done);
     /// Packs what has come to the length of a segment. To be called between frames.
     void pack();
     /// The events from the end of one frame to the end of another: number `first` of the log and
     /// those behind. Returns an empty text, or what is wrong.
     std::string between(int64_t from, int64_t to, machine_log& log, size_t& first);
+    /// Appends those behind the last complete frame.
+    void append_rest(machine_log& log) const;
+    /// Whether it stands for a frame that no events lead to.
+    static bool is_break(const machine_event& event);
     /// The first frame from `from` on from which events lead to `to`: between them no other state
     /// was loaded.
     int64_t unbroken(int64_t from, int64_t to);

@@ -1,6 +1,6 @@
 /// Hours of the machine with their history: a hash of state and picture is kept at random moments,
-/// and these are visited afterwards, out of order. Each must be what it was, to the byte. Then it
-/// goes on from one of them.
+/// at the ends of frames and inside of them, and these are visited afterwards, out of order. Each
+/// must be what it was, to the byte. Then it goes on from one of them.
 ///
 /// usage: history MINUTES MOMENTS [line|beam] [PROGRAM] [unpaced] [KB]
 ///
@@ -17,6 +17,8 @@
 #include "media/traps.h"
 #include "random_run.h"
 #include "wall/machine_host.h"
+#include "z80/z80.h"
+#include "z80/z80_watch.h"
 
 #include <cctype>
 #include <ctime>
@@ -53,6 +55,7 @@ void connect() {
     machine_host.fragment_decision = [](int) { return once_in(200) ? int(below(3)) : 1; };
     machine_host.read_input = [](machine_input& input) { input = host.input; };
     machine_host.save_question = [] { return once_in(8) ? SAVE_REFUSED : SAVE_READY; };
+    machine_host.watch_hit = [] { return 1; };
     history_host.nanoseconds = [] { return processor_ns() + host.passed; };
     history_host.show = keep_shown;
 }
@@ -99,13 +102,15 @@ void play(const std::string& program) {
 
 struct Moment {
     int64_t frame = 0;
+    bool inside = false; ///< of the frame behind it
+    history_moment place = {};
     uint64_t state = 0;
     uint64_t picture = 0;
     machine_state whole = {}; ///< in short runs
 };
 
 Moment present(bool keep) {
-    Moment now = {.frame = history_position()};
+    Moment now = {.frame = history_position(), .place = history_moment_now()};
     if (!g_bCycleBasedEngine) {
         video_render_frame();
         keep_shown();
@@ -117,6 +122,39 @@ Moment present(bool keep) {
     now.picture = hash_of(host.shown.data(), host.shown.size());
     if (!keep) now.whole = {};
     return now;
+}
+
+/// What a debugger does to the machine that stands.
+void change_inside() {
+    if (once_in(2)) machine_apply(event_kind::poke, 0x5000, 0, shared_bytes({uint8_t(below(256))}));
+    if (once_in(2)) {
+        z80_registers registers = z80_state;
+        registers.bc = uint16_t(registers.bc + once_in(2));
+        machine_apply(event_kind::registers, 0, 0, bytes_of(registers));
+    }
+}
+
+/// Runs the frame; it stands inside of it where one of the moments is.
+void run_frame(Moment* inside, bool keep) {
+    if (inside) {
+        z80_watch.run = z80_run_watched;
+        z80_watch.until = z80_state.t_count + 1 + below(30'000);
+        while (machine_run() == MACHINE_WAITS) continue;
+        z80_watch.run = nullptr;
+        change_inside();
+        *inside = present(keep);
+        inside->inside = true;
+        // Back inside of the present frame, too, and then on from the present.
+        if (once_in(2)) {
+            const auto shown = host.shown;
+            history_show(history_last() - below(3));
+            if (!history_show_moment(inside->place).empty()) fail("the present is not there");
+            const std::string difference = machine_difference(inside->whole, present(true).whole);
+            if (keep && !difference.empty()) fail("the present has changed: " + difference);
+            host.shown = shown;
+        }
+    }
+    while (machine_run() != MACHINE_FRAME) continue;
 }
 
 struct Costs {
@@ -132,7 +170,9 @@ Costs run(const std::string& program, int64_t frames, std::vector<Moment>& momen
     for (int64_t n = 0; n < frames; ++n) {
         play(program);
         const int64_t begin = processor_ns();
-        while (machine_run() != MACHINE_FRAME) continue;
+        const bool keep = moments.size() <= 64;
+        const bool is_next = next != moments.end() && next->frame == history_last() + 1;
+        run_frame(is_next && once_in(2) ? &*next++ : nullptr, keep);
         const int64_t ran = processor_ns();
         history_frame_ran();
         const int64_t end = processor_ns();
@@ -142,7 +182,7 @@ Costs run(const std::string& program, int64_t frames, std::vector<Moment>& momen
         costs.all += end - begin;
         if (host.paced) host.passed += FRAME_NS;
         while (next != moments.end() && next->frame == history_last()) {
-            *next++ = present(moments.size() <= 64);
+            *next++ = present(keep);
         }
     }
     return costs;
@@ -169,7 +209,8 @@ void visit(std::vector<Moment> moments, bool print) {
     const int64_t last = history_last();
     for (const Moment& moment : moments) {
         const int64_t begin = processor_ns();
-        const std::string trouble = history_show(moment.frame);
+        const std::string trouble =
+            moment.inside ? history_show_moment(moment.place) : history_show(moment.frame);
         const double ms = double(processor_ns() - begin) / 1e6;
         (moment.frame > last - HOUR ? young : old).push_back(ms);
         if (!trouble.empty()) fail("frame " + std::to_string(moment.frame) + ": " + trouble);
@@ -179,7 +220,7 @@ void visit(std::vector<Moment> moments, bool print) {
         if (!moment.whole.records.empty()) {
             difference = machine_difference(moment.whole, again.whole);
         }
-        if (picture != moment.picture) difference += " another picture";
+        if (picture != moment.picture && !moment.inside) difference += " another picture";
         if (history_position() != moment.frame) difference += " another position";
         if (!difference.empty()) {
             fail("frame " + std::to_string(moment.frame) + " is another one: " + difference);
@@ -217,9 +258,14 @@ void run_and_visit(const std::string& program, bool beam, int minutes, unsigned 
     }
 
     // From somewhere in the past, and again over what was before.
-    const int64_t from = frames / 2;
+    int64_t from = frames / 2;
     std::erase_if(moments, [from](const Moment& moment) { return moment.frame > from; });
-    history_show(from);
+    if (!moments.empty() && moments.back().inside) {
+        from = moments.back().frame;
+        history_show_moment(moments.back().place);
+    } else {
+        history_show(from);
+    }
     history_go_on();
     auto others = random_moments(from + 1, from + 1500, std::min(count, 100U));
     run(program, 1500, others);
