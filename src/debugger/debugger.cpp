@@ -61,8 +61,22 @@ std::optional<DebugStop> take_hits(RunGoal* goal, BreakpointLog log) {
     return stop;
 }
 
+/// The same behind the end of a frame.
+std::optional<DebugStop> take_frame(BreakpointLog log) {
+    const int64_t frame = history_position();
+    const int number = breakpoints_take_frame(frame, log);
+    if (!number) return {};
+    const watch_hit hit = {
+        .kind = watch_kind::cycle, .pc = z80_state.pc, .cycle = z80_state.t_count};
+    DebugStop stop = stop_at(number, hit);
+    stop.text =
+        "Breakpoint " + std::to_string(number) + ": the end of frame " + std::to_string(frame);
+    return stop;
+}
+
 PastCalls past_calls() {
     return {.take_hits = [] { return take_hits(nullptr, nullptr); },
+            .take_frame = [] { return take_frame(nullptr); },
             .next_cycle = breakpoints_arm_cycle,
             .hits = breakpoint_hits,
             .set_hits = breakpoints_set_hits,
@@ -226,14 +240,7 @@ bool debugger_is_on() { return debugger_now.on; }
 void debugger_frame_ran() {
     if (!debugger_now.on) return;
     breakpoints_arm_cycle();
-    const int number = breakpoints_take_frame(history_position(), write_log);
-    if (!number) return;
-    const watch_hit hit = {
-        .kind = watch_kind::cycle, .pc = z80_state.pc, .cycle = z80_state.t_count};
-    DebugStop stop = stop_at(number, hit);
-    stop.text = "Breakpoint " + std::to_string(number) + ": the end of frame " +
-                std::to_string(history_position());
-    note_stop(std::move(stop));
+    if (auto stop = take_frame(write_log)) note_stop(std::move(*stop));
 }
 
 int debugger_add_front(std::function<void(const DebugStop* stop)> told) {

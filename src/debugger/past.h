@@ -46,6 +46,8 @@ struct PastCalls {
     /// history_moment_now. Counts them in the breakpoints as at any other time, but logs nothing.
     /// The first one that stops the machine, its condition included; nothing when none does.
     std::function<std::optional<DebugStop>()> take_hits;
+    /// The same behind the end of a frame, for breakpoints of frames; may be empty.
+    std::function<std::optional<DebugStop>()> take_frame = {};
     /// The next cycle at which a breakpoint of a cycle, frame or raster line has to be looked at;
     /// WATCH_NO_CYCLE without any.
     std::function<int64_t()> next_cycle;

@@ -1,31 +1,7 @@
 #include "debugger/run_goal.h"
 
-#include "debugger/peek.h"
+#include "debugger/instruction_class.h"
 #include "z80/z80.h"
-
-namespace {
-
-constexpr uint8_t OPCODE_HALT = 0x76;
-constexpr uint8_t OPCODE_CALL = 0xCD;
-constexpr uint8_t OPCODE_RET = 0xC9;
-constexpr uint8_t PREFIX_ED = 0xED;
-constexpr uint8_t LAST_TRAP = 0x0C; ///< behind ED
-
-bool is_call(uint8_t opcode) { return opcode == OPCODE_CALL || (opcode & 0xC7) == 0xC4; }
-bool is_rst(uint8_t opcode) { return (opcode & 0xC7) == 0xC7; }
-/// LDIR, CPIR, INIR, OTIR and those that count down.
-bool is_repeating(uint8_t behind_ed) { return (behind_ed & 0xF4) == 0xB0; }
-/// RET, RET cc, RETN and RETI.
-bool is_return(uint16_t pc) {
-    const uint8_t opcode = debug_peek(pc);
-    if (opcode != PREFIX_ED) return opcode == OPCODE_RET || (opcode & 0xC7) == 0xC0;
-    return (debug_peek(uint16_t(pc + 1)) & 0xC7) == 0x45;
-}
-bool is_trap(uint16_t pc) {
-    return debug_peek(pc) == PREFIX_ED && debug_peek(uint16_t(pc + 1)) <= LAST_TRAP;
-}
-
-} // namespace
 
 RunGoal RunGoal::step() {
     RunGoal goal;
@@ -38,17 +14,14 @@ RunGoal RunGoal::step() {
 
 RunGoal RunGoal::over() {
     const uint16_t pc = z80_state.pc;
-    const uint8_t opcode = debug_peek(pc);
     RunGoal goal;
-    if (opcode == OPCODE_HALT) {
+    if (is_halt(pc)) {
         goal.kind_ = Kind::interrupt;
         return goal;
     }
-    if (opcode == PREFIX_ED && is_repeating(debug_peek(uint16_t(pc + 1)))) {
-        return to(uint16_t(pc + 2));
-    }
-    if (!is_call(opcode) && !is_rst(opcode)) return step();
-    goal = to(uint16_t(pc + (is_rst(opcode) ? 1 : 3)));
+    if (is_repeating(pc)) return to(uint16_t(pc + 2));
+    if (!call_length(pc)) return step();
+    goal = to(uint16_t(pc + call_length(pc)));
     goal.shortest_stack_ = z80_state.sp;
     return goal;
 }

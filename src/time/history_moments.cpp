@@ -7,7 +7,9 @@
 #include "z80/z80.h"
 #include "z80/z80_watch.h"
 
+#include <algorithm>
 #include <memory>
+#include <utility>
 
 namespace {
 
@@ -33,7 +35,7 @@ void leave() {
 void follow_next_frame() {
     parts::History& now = *parts::history;
     const HistoryState& state = *now.states.at(now.place.frame() + 1);
-    if (state.companion == now.followed || state.frame <= now.place.frame()) return;
+    if (state.frame <= now.place.frame() || state.companion == now.followed) return;
     machine_state here;
     machine_save(here);
     parts::load_and_follow(state);
@@ -87,6 +89,14 @@ std::string history_go_back(int64_t frame) {
     parts::history->place.begin(state->frame, state->picture);
     z80_watch.last_pc = WATCH_NOWHERE;
     return {};
+}
+
+int64_t history_frame_before_cycle(int64_t cycle) {
+    if (!history_is_kept()) return 0;
+    const auto& states = parts::history->states.all();
+    const auto last = std::find_if(states.rbegin(), states.rend(),
+                                   [cycle](const auto& state) { return state.cycle <= cycle; });
+    return last == states.rend() ? 0 : last->frame;
 }
 
 history_end history_run_frame(bool watched) {

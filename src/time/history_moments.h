@@ -13,6 +13,8 @@
 /// The machine becomes what it was at the last frame at or before `frame` of which there is a
 /// state. An empty text, or what is wrong.
 std::string history_go_back(int64_t frame);
+/// The frame of the last state at which this cycle had not come yet; 0 when there is none.
+int64_t history_frame_before_cycle(int64_t cycle);
 /// Forwards through what happened, as HistoryRun has it; other states that were loaded then are
 /// loaded again. At history_end::record the machine is where it left the present.
 history_end history_run_frame(bool watched);

@@ -100,7 +100,9 @@ history_end HistoryRun::run_steps(HistoryEvents& events, int instructions, bool 
     const bool more = read_on(events);
     if (!trouble().empty()) return history_end::failed;
     if (!more) return history_end::record;
-    if (HistoryEvents::is_break(log_.events[at_.next])) return history_end::broken;
+    if (HistoryEvents::is_break(log_.events[at_.next])) {
+        return instructions == 0 ? history_end::stands : history_end::broken;
+    }
     const Quiet quiet(watched);
     machine_host.frame = show;
     return end_of(events, machine_replay_steps(log_, at_, instructions));

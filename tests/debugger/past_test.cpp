@@ -1,0 +1,168 @@
+#include "cgenie/input.h"
+#include "cgenie/memory/memory.h"
+#include "cgenie/video.h"
+#include "core/frame_driver.h"
+#include "core/machine_events.h"
+#include "core/machine_mute.h"
+#include "core/machine_state.h"
+#include "debugger/commands.h"
+#include "debugger/debugger.h"
+#include "time/history.h"
+#include "wall/machine_host.h"
+#include "z80/z80.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+
+namespace {
+
+using Place = std::pair<int64_t, uint16_t>; ///< cycle and PC
+
+/// What happened, told by the machine that was run once more from the start without a debugger.
+struct Plain {
+    machine_state start;
+    std::vector<Place> places;   ///< before each instruction
+    std::vector<uint16_t> stack; ///< SP there
+    std::map<uint16_t, std::vector<Place>> writes;
+};
+
+machine_state machine_now() {
+    if (!g_bCycleBasedEngine) video_render_frame();
+    machine_state now;
+    machine_save(now);
+    return now;
+}
+
+Place place_now() { return {z80_state.t_count, z80_state.pc}; }
+
+/// BASIC prints and looks at keys that change with time, with the line and with the beam engine.
+class Past : public testing::TestWithParam<bool> {
+protected:
+    static constexpr int FRAMES = 150;
+
+    void SetUp() override {
+        machine_host = machine_without_host();
+        machine_host.read_input = [](machine_input& input) {
+            input = {};
+            input.positional[1] = keys && z80_state.t_count / 400'000 % 2 ? 0x40 : 0; // a letter
+        };
+        keys = false;
+        machine_init();
+        g_bCycleBasedEngine = GetParam();
+        for (int n = 0; n < 300; ++n) machine_run();
+        const std::string_view text =
+            "\r\n10 A=A+1:PRINT A;:POKE 24000,A AND 255:GOTO 10\r\nRUN\r\n";
+        machine_apply(event_kind::typing_trap);
+        machine_apply(event_kind::type_text, 0, 0, shared_bytes({text.begin(), text.end()}));
+        for (int n = 0; n < 150; ++n) machine_run();
+        keys = true;
+        plain.start = machine_now();
+        history_start({});
+        debugger_start({.run_frame = run_frame});
+        for (int n = 0; n < FRAMES; ++n) run_frame();
+        debugger_to(z80_state.t_count + 20'000);
+    }
+    void TearDown() override {
+        breakpoints_remove_all(0);
+        debugger_end();
+        history_stop();
+    }
+    static int run_frame() {
+        const int end = machine_run();
+        if (end == MACHINE_FRAME) {
+            history_frame_ran();
+            debugger_frame_ran();
+        }
+        return end;
+    }
+    static DebugStop after(const std::function<void()>& act) {
+        act();
+        int turns = 0;
+        const bool stands = debugger_wait([] { run_frame(); }, [&] { return ++turns < 100'000; });
+        EXPECT_TRUE(stands);
+        return debugger_last_stop();
+    }
+    /// Inside of a frame.
+    static void debugger_to(int64_t cycle) {
+        debugger_stop();
+        debugger_command("break cycle " + std::to_string(cycle) + " once");
+        after(debugger_go);
+    }
+    /// Runs the same again up to the present, by single instructions.
+    void run_plainly() {
+        const machine_state here = machine_now();
+        const int64_t end = z80_state.t_count;
+        const MachineMute mute;
+        const z80_watch_record armed = z80_watch;
+        std::fill_n(z80_watch.memory, sizeof z80_watch.memory, WATCH_WRITE);
+        z80_watch.run = z80_run_watched;
+        machine_load(plain.start);
+        while (z80_state.t_count < end) {
+            plain.places.push_back(place_now());
+            plain.stack.push_back(z80_state.sp);
+            machine_step();
+            for (int n = 0; n < z80_watch.hit_count; ++n) {
+                const watch_hit& hit = z80_watch.hits[n];
+                if (hit.kind == watch_kind::memory_write) {
+                    plain.writes[hit.address].push_back({hit.cycle, hit.pc});
+                }
+            }
+        }
+        z80_watch = armed;
+        EXPECT_EQ(machine_difference(machine_now(), here), "");
+        machine_load(here);
+    }
+
+    static inline bool keys = false;
+    Plain plain;
+};
+INSTANTIATE_TEST_SUITE_P(Engines, Past, testing::Bool());
+
+TEST_P(Past, StepsBackAndForwardAgain) {
+    constexpr int STEPS = 10'000;
+    run_plainly();
+    const machine_state present = machine_now();
+    std::map<int, machine_state> kept;
+    const size_t last = plain.places.size();
+    for (int n = 1; n <= STEPS; ++n) {
+        after(debugger_back_step);
+        ASSERT_EQ(place_now(), plain.places[last - size_t(n)]) << n << " back";
+        if (n % 1500 == 0) kept[n] = machine_now();
+    }
+    for (int n = STEPS - 1; n > 0; --n) {
+        after(debugger_step);
+        ASSERT_EQ(place_now(), plain.places[last - size_t(n)]) << n << " left";
+        if (kept.count(n)) {
+            ASSERT_EQ(machine_difference(kept[n], machine_now()), "") << n;
+        }
+    }
+    EXPECT_EQ(after(debugger_step).reason, StopReason::present);
+    EXPECT_EQ(machine_difference(present, machine_now()), "");
+    EXPECT_FALSE(debugger_is_in_past());
+}
+
+TEST_P(Past, EveryWriteOfAByteIsFoundFromTheLastToTheFirst) {
+    run_plainly();
+    for (const uint16_t address : {uint16_t(24'000), uint16_t(0x4020)}) {
+        const machine_state present = machine_now();
+        const auto& writes = plain.writes[address];
+        ASSERT_GT(writes.size(), 20U) << address;
+        const auto find_down_from = [&](size_t last, size_t count) {
+            for (size_t n = last; n-- > last - count;) {
+                const DebugStop stop = after([=] { debugger_back_to_write(address); });
+                ASSERT_EQ(place_now(), writes[n]) << n << ": " << stop.text;
+            }
+        };
+        find_down_from(writes.size(), 10);
+        const int64_t tenth = writes[10].first;
+        after([=] { debugger_to_cycle(tenth); });
+        find_down_from(10, 10);
+        EXPECT_EQ(after([=] { debugger_back_to_write(address); }).reason, StopReason::failed);
+        EXPECT_EQ(place_now(), writes[0]);
+        after(debugger_to_present);
+        EXPECT_EQ(machine_difference(present, machine_now()), "");
+    }
+}
+
+} // namespace
