@@ -28,7 +28,13 @@ std::optional<history_parts::History> history_parts::history;
 
 namespace {
 
-using namespace history_parts;
+using history_parts::History;
+using history_parts::history;
+using history_parts::leave_present;
+using history_parts::load;
+using history_parts::load_and_follow;
+using history_parts::show_frame_buffer;
+using history_parts::take_up_present;
 
 /// Cycles from one state to the next: what the slower engine runs in ten milliseconds.
 constexpr int64_t SPACING = 2'200'000;
