@@ -30,6 +30,7 @@ sound/output
 core/pacing
 time
 debugger
+debugger_view
 monitor
 host/recording
 host/settings

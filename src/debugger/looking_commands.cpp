@@ -92,19 +92,10 @@ NewRegister new_register(CommandWords& words) {
     return {name, words.address_in(word.substr(equals + 1))};
 }
 
-/// The CALL or RST that ends directly before the address; nothing without one.
-std::optional<uint16_t> call_before(uint16_t address) {
-    constexpr uint8_t CALL = 0xCD, CALL_IF = 0xC4, CALL_IF_MASK = 0xC7, RST = 0xC7;
-    const uint8_t three = debug_peek(uint16_t(address - 3));
-    if (three == CALL || (three & CALL_IF_MASK) == CALL_IF) return uint16_t(address - 3);
-    if ((debug_peek(uint16_t(address - 1)) & RST) == RST) return uint16_t(address - 1);
-    return {};
-}
-
 std::string stack_line(uint16_t at) {
     const uint16_t word = debug_peek_word(at);
     std::string line = formatted("%04X: %04X", at, word) + named(word);
-    if (const auto call = call_before(word)) {
+    if (const auto call = debug_call_before(word)) {
         line += formatted("  returns behind %04X", *call) + named(*call);
     }
     return line + "\n";

@@ -53,3 +53,12 @@ uint16_t debug_peek_word(uint16_t address) {
     const uint8_t low = debug_peek(address);
     return uint16_t(low | debug_peek(uint16_t(address + 1)) << 8);
 }
+
+std::optional<uint16_t> debug_call_before(uint16_t address) {
+    if (address == 0) return std::nullopt; // the open bus before it looks like RST 38h
+    constexpr uint8_t CALL = 0xCD, CALL_IF = 0xC4, CALL_IF_MASK = 0xC7, RST = 0xC7;
+    const uint8_t three = debug_peek(uint16_t(address - 3));
+    if (three == CALL || (three & CALL_IF_MASK) == CALL_IF) return uint16_t(address - 3);
+    if ((debug_peek(uint16_t(address - 1)) & RST) == RST) return uint16_t(address - 1);
+    return std::nullopt;
+}

@@ -7,6 +7,7 @@
 #include "core/pacing/pacing.h"
 #include "files/file_identity.h"
 #include "host/autostart.h"
+#include "host/command_table_debugger.h"
 #include "host/command_table_downloads.h"
 #include "host/command_table_files.h"
 #include "host/command_table_help.h"
@@ -532,7 +533,7 @@ std::span<const CommandRow> command_table() {
              {time_command_rows(), file_command_rows(), help_command_rows(), pad_command_rows(),
               window_command_rows(), panel_command_rows(), tube_command_rows(),
               media_command_rows(), keyboard_command_rows(), download_command_rows(),
-              share_command_rows()}) {
+              share_command_rows(), debugger_command_rows()}) {
             table.insert(table.end(), behind.begin(), behind.end());
         }
         return table;

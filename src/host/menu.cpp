@@ -110,10 +110,13 @@ MenuEntry time_menu() {
 }
 
 MenuEntry machine_menu() {
-    return submenu("&Machine", {item(COMMAND_PAUSE), item(COMMAND_RESET), item(COMMAND_RESTART),
-                                SEPARATOR, item(COMMAND_COPY), item(COMMAND_PASTE), SEPARATOR,
-                                item(COMMAND_MONITOR), SEPARATOR, item(COMMAND_CONFIGURATION),
-                                SEPARATOR, item(COMMAND_STATES), time_menu()});
+    Entries entries = {item(COMMAND_PAUSE), item(COMMAND_RESET), item(COMMAND_RESTART),
+                       SEPARATOR,           item(COMMAND_COPY),  item(COMMAND_PASTE),
+                       SEPARATOR,           item(COMMAND_MONITOR)};
+    if (platform().window().has_debugger()) entries.push_back(item(COMMAND_DEBUGGER));
+    entries.insert(entries.end(), {SEPARATOR, item(COMMAND_CONFIGURATION), SEPARATOR,
+                                   item(COMMAND_STATES), time_menu()});
+    return submenu("&Machine", std::move(entries));
 }
 
 MenuEntry tape_menu() {

@@ -102,7 +102,8 @@ enum Command : int {
     COMMAND_SHARE_REPLAY = 40286,
     COMMAND_NEW_DISK_IN = 40290, ///< + drive 0 to 3
     COMMAND_COPY_DISK = 40294,   ///< + drive 0 to 3
-    COMMAND_MEDIA_MENU = 40298
+    COMMAND_MEDIA_MENU = 40298,
+    COMMAND_DEBUGGER = 40299
 };
 
 /// The menu as the program starts with it.

@@ -12,6 +12,7 @@
 #include "host/avi.h"
 #include "host/canvas.h"
 #include "host/commands.h"
+#include "host/debugger_window.h"
 #include "host/dialogs/compression_dialog.h"
 #include "host/dialogs/dialogs.h"
 #include "host/dialogs/hold.h"
@@ -87,11 +88,13 @@ void take_over(const ShellOptions& options) {
     answer_video_compression(platform().settings().text("VideoCodec").value_or("uncompressed"));
 }
 
+bool may_run() { return !g_bPaused && !g_bDebug && !shell_state.debugger_stands; }
+
 } // namespace
 
-void activate_after_toggle() { g_bActive = !g_bActive && !g_bDebug && !g_bPaused; }
+void activate_after_toggle() { g_bActive = !g_bActive && may_run(); }
 
-void activate_unless_held() { g_bActive = !g_bPaused && !g_bDebug; }
+void activate_unless_held() { g_bActive = may_run(); }
 
 void emu_init(const ShellOptions& options) {
     const CommandLine& line = options.line;
@@ -177,6 +180,7 @@ void emu_close(std::function<void()> done) {
         const UserCommand failures_open_a_box;
         write_options();
     }
+    end_debugger_window();
     sound_close();
     const auto end_disks = goes_on ? main_disk_leave : main_disk_end;
     end_disks([done = std::move(done)] {
@@ -210,6 +214,7 @@ bool start_shell(const ShellOptions& options) {
     when_free(resume_where_left);
     when_free(main_disk_offer_journals);
     when_free(offer_disk_rom_late);
+    when_free(start_debugger_window);
     when_free(reset_timer); // the time that the start took is not caught up
     return true;
 }

@@ -45,6 +45,12 @@ struct FloatingKeyboard {
     uint32_t left = 0, top = 0, width = 0;
 };
 
+/// Where the debugger's pane was last, on the screen. A width of 0: nowhere yet.
+struct DebuggerPlace {
+    bool open = false;
+    uint32_t left = 0, top = 0, width = 0, height = 0;
+};
+
 struct shell_record {
     ShellOptions start;
 
@@ -71,6 +77,7 @@ struct shell_record {
     uint32_t window_height = 0;   ///< likewise
     KeyboardPlace keyboard_place = KeyboardPlace::hidden; ///< of the machine's, on the screen
     FloatingKeyboard floating_keyboard;
+    DebuggerPlace debugger_place;
     uint32_t history_limit = ShellOptions().history_limit;
     uint32_t composite_blur = 0; ///< nonzero: composite filter, canvas of 32 bits per pixel
     uint32_t sound_latency = 0;  ///< ms, as it was read
@@ -79,6 +86,7 @@ struct shell_record {
     bool active = true;     ///< frames are run in idle time
     bool paused = false;    ///< by the user
     bool debug = false;     ///< the monitor owns the window
+    bool debugger_stands = false; ///< the debugger has the machine stand
     bool use_gdi = true;    ///< the window presents; off while the whole screen does
     int full_screen = 0;    ///< 0 windowed, else 1 + use_gdi as it was
     bool auto_start = true; ///< cleared for one evaluation of the command line: only load

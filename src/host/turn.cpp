@@ -5,6 +5,7 @@
 #include "host/attachments.h"
 #include "host/autostart.h"
 #include "host/commands.h"
+#include "host/debugger_window.h"
 #include "host/dialogs/hold.h"
 #include "host/disks.h"
 #include "host/display.h"
@@ -82,7 +83,7 @@ public:
         case PaneId::film_bar: return film_bar_draw();
         case PaneId::overlay: return overlay_draw();
         case PaneId::keyboard: return draw_screen_keyboard();
-        case PaneId::debugger: return;
+        case PaneId::debugger: return paint_debugger_window();
         }
     }
     void draw_status() override { led_redraw(1); }
@@ -103,7 +104,8 @@ void leave_menu() {
 /// The program has become active or inactive. With run-in-background the machine goes on either
 /// way.
 void application_activated(bool active) {
-    g_bActive = !g_bPaused && !g_bDebug && (g_bRunInBackground || active);
+    activate_unless_held();
+    g_bActive = g_bActive && (g_bRunInBackground || active);
     reset_timer();
 }
 
@@ -134,10 +136,11 @@ bool is_scrolling(const Event& event) {
 
 /// What the shell has no use for does not even bring the waiting frame forward.
 bool is_of_use(const Event& event) {
+    if (event.pane == PaneId::debugger) return debugger_window_wants(event);
     switch (event.kind) {
     case Event::Kind::key_down: return !event.repeat || repeats(event) || rewind_wants(event);
     case Event::Kind::pointer:
-        return screen_keyboard_wants(event) || is_double_click(event) || is_scrolling(event) ||
+        return debugger_window_wants(event) || screen_keyboard_wants(event) || is_double_click(event) || is_scrolling(event) ||
                rewind_wants(event);
     case Event::Kind::key_up:
     case Event::Kind::text: return false;
@@ -154,7 +157,7 @@ void pointer_used(const Event& event) {
 
 void key_pressed(const Event& event) {
     const int command = accelerator_command(event.value, event.modifiers);
-    if (command) return handle_command(command);
+    if (command) return obey_accelerator(command);
     obey_user([&event] { handle_key(event); });
 }
 
@@ -236,6 +239,7 @@ ShellTurn main_turn() {
     if (std::exchange(turn.menu_closed, false)) leave_menu();
     handle_messages();
     media_panels_turn(is_halted());
+    const bool debugger_works = debugger_window_turn();
     if (const int64_t left = rest_left()) return {.next = in_time, .microseconds = left};
     if (turn.after_rest) {
         std::exchange(turn.after_rest, nullptr)();
@@ -246,7 +250,7 @@ ShellTurn main_turn() {
     if (turn.exit_code && (is_halted() || !paced_frame_waits())) close_shell();
     if (turn.closed) return {.next = end, .exit_code = end_shell()};
     if (turn.closing || shell_is_held()) return {.next = on_event};
-    if (was_held) return {};
+    if (was_held || debugger_works) return {};
     if (!turn.menu_open) {
         if (const auto wait = rewind_turn()) return {.next = in_time, .microseconds = *wait};
     }
@@ -278,6 +282,7 @@ void rest_shell(uint32_t milliseconds, std::function<void()> then) {
 }
 
 void WindowProcedure(const Event& event) {
+    if (debugger_window_wants(event)) return debugger_window_take_event(event);
     switch (event.kind) {
     case Event::Kind::close:
         platform().window().destroy();

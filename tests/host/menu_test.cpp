@@ -64,9 +64,9 @@ TEST_F(MenuTest, OnlyTheOldestItemsShareAccessKeys) {
 TEST_F(MenuTest, AcceleratorsNeedTheirModifiersExactly) {
     constexpr uint8_t ALT = MODIFIER_ALT;
     const std::pair<const char*, int> letters[] = {
-        {"0", 40018}, {"1", 40019}, {"2", 40020}, {"3", 40021}, {"C", 145},
-        {"I", 40054}, {"L", 40202}, {"P", 40200}, {"Q", 141},   {"R", 40207},
-        {"S", 40201}, {"T", 123},   {"U", 40120}, {"V", 40040}, {"W", 40034}};
+        {"0", 40018}, {"1", 40019}, {"2", 40020}, {"3", 40021}, {"C", 145},   {"D", 40299},
+        {"I", 40054}, {"L", 40202}, {"P", 40200}, {"Q", 141},   {"R", 40207}, {"S", 40201},
+        {"T", 123},   {"U", 40120}, {"V", 40040}, {"W", 40034}};
     const struct {
         int key;
         uint8_t modifiers;

@@ -350,6 +350,7 @@ std::vector<Stop> TourTest::stops() {
              expect_mark(40229, true);
              EXPECT_EQ(host->window().keyboard_place, KeyboardPlace::floating);
          }},
+        {40299, nothing, option(shell_state.debugger_place.open, 40299, true)},
         {40233, nothing, option(shell_state.monitor_f12, 40233, true)},
         {40205,
          [this] {
