@@ -155,17 +155,21 @@ bool CodeTrace::is_odd(const TracedInstruction& instruction) const {
 bool CodeTrace::is_likely(uint16_t address) const {
     constexpr int LONGEST = 300; // instructions without an end
     constexpr int MOST_ODD = 2;
-    if (loaded[address]) return false;
-    int odd = 0;
+    int odd = 0, calls = 0; // to known code
+    // What code loads into a register is a routine only when it calls others.
+    const auto is_routine = [&] { return !loaded[address] || calls > odd; };
+    uint16_t next = address;
     for (int count = 0; count < LONGEST; ++count) {
-        if (begins_instruction(address)) return count > 0;
-        const TracedInstruction instruction = at(address);
-        if (!instruction.is_plain || !fits(instruction)) return false;
-        if (is_odd(instruction) && ++odd > MOST_ODD) return false;
-        if (instruction.ends_flow) return true;
-        const int next = address + instruction.length + (instruction.inline_byte ? 1 : 0);
-        if (next > last) return false;
-        address = uint16_t(next);
+        if (begins_instruction(next)) return count > 0 && is_routine();
+        const TracedInstruction instruction = at(next);
+        if (!fits(instruction)) return false;
+        if ((is_odd(instruction) || !instruction.is_plain) && ++odd > MOST_ODD) return false;
+        const auto target = instruction.target;
+        if (target && instruction.length == 3 && begins_instruction(*target)) ++calls;
+        if (instruction.ends_flow) return is_routine();
+        const int behind = next + instruction.length + (instruction.inline_byte ? 1 : 0);
+        if (behind > last) return false;
+        next = uint16_t(behind);
     }
     return false;
 }

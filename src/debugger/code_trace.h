@@ -30,8 +30,9 @@ public:
 
     /// Follows the code from there; outside of the part, and in the midst of other code, nothing.
     void follow(uint16_t entry);
-    /// Whether what begins there looks like code: no known code takes it for data, and it comes to
-    /// an end or to known code without instructions that are rare in programs and common in data.
+    /// Whether what begins there looks like code: it comes to an end or to known code, with few
+    /// instructions that are rare in programs and common in data. Where known code loads the
+    /// address into a register, it has to call other code, too.
     bool is_likely(uint16_t address) const;
 
     bool begins_instruction(uint16_t address) const { return of[address] == Part::begin; }
