@@ -237,7 +237,7 @@ std::string RemoteSession::reason_of(const DebugStop& stop) const {
     switch (stop.reason) {
     case StopReason::interrupted:
     case StopReason::cancelled: return "T02";
-    case StopReason::present: return "T05replaylog:end:;";
+    case StopReason::present: return steps_ ? "T05" : "T05replaylog:end:;";
     case StopReason::beginning: return "T05replaylog:begin:;";
     case StopReason::breakpoint: break;
     default: return "T05";
@@ -352,6 +352,7 @@ RemoteSession::Answer RemoteSession::go_on(std::string_view address, void (*how)
         if (stands) set_remote_register(REMOTE_PC, uint16_t(*pc));
     }
     wait_ = Wait::stop;
+    steps_ = how == debugger_step;
     if (stands) how(); // else somebody else has let it go
     return {};
 }

@@ -117,6 +117,7 @@ private:
     Wait wait_ = Wait::nothing;
     std::string monitor_text_; ///< of the command that goes on
     std::string stop_ = "T05"; ///< the last stop reply without its registers
+    bool steps_ = false;       ///< the last command was one instruction forwards
     bool begun_ = false;       ///< something has come
     bool acknowledges_ = true;
     bool knows_swbreak_ = false, knows_hwbreak_ = false;

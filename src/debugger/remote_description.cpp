@@ -50,6 +50,11 @@ struct Region {
 };
 constexpr uint32_t UPPER_RAM = 0x8000, EXPANSION = 0xC000;
 
+/// GDB looks for callers behind the end of the memory and before its beginning. It takes the low 16
+/// bits of such an address, as the processor does, unless the map says that nothing is there.
+constexpr const char* BEHIND_THE_END =
+    "<memory type=\"ram\" start=\"0x10000\" length=\"0xffffffffffff0000\"/>\n";
+
 /// In order, up to the next one. The keyboard and the devices are what can be written, too.
 std::array<Region, 5> regions() {
     return {{{0, false},
@@ -84,7 +89,7 @@ std::string memory_map() {
                       unsigned(end - all[n].first));
         text += line;
     }
-    return text + "</memory-map>\n";
+    return text + BEHIND_THE_END + "</memory-map>\n";
 }
 
 } // namespace

@@ -138,7 +138,14 @@ TEST_F(Remote, EveryCommandIsAnswered) {
         // Watchpoints, behind their instructions.
         {"Z2,43ff,2", "OK"},
         {"c", "T05watch:4400;0a:0050;0b:2243;"},
+        {"bs", "T050a:0050;0b:1f43;"},
+        {"s", "T050a:0050;0b:2243;"},
+        {"bs", "T050a:0050;0b:1f43;"},
+        {"c", "T05watch:4400;0a:0050;0b:2243;"},
+        {"bc", "T05watch:4400;0a:0050;0b:1f43;"},
         {"z2,43ff,2", "OK"},
+        {"bc", "T05replaylog:begin:;0a:ffff;0b:0043;"},
+        {"c", "T05replaylog:end:;0a:0050;0b:2243;"},
         {"Z3,4400,1", "OK"},
         {"C05;4323", "T05rwatch:4400;0a:0050;0b:2643;"},
         {"z3,4400,1", "OK"},
@@ -191,7 +198,9 @@ TEST_F(Remote, EveryCommandIsAnswered) {
          "<memory type=\"ram\" start=\"0x4000\" length=\"0x4000\"/>\n"
          "<memory type=\"ram\" start=\"0x8000\" length=\"0x4000\"/>\n"
          "<memory type=\"rom\" start=\"0xc000\" length=\"0x3000\"/>\n"
-         "<memory type=\"ram\" start=\"0xf000\" length=\"0x1000\"/>\n</memory-map>\n"},
+         "<memory type=\"ram\" start=\"0xf000\" length=\"0x1000\"/>\n"
+         "<memory type=\"ram\" start=\"0x10000\" length=\"0xffffffffffff0000\"/>\n"
+         "</memory-map>\n"},
         {"qXfer:memory-map:read::fff,1", "l"},
         {"qRcmd,zz", "E01"},
         {"vCont;t", "T05awatch:4400;0a:0050;0b:1f43;"},
