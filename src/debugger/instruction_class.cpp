@@ -7,6 +7,7 @@ namespace {
 constexpr uint8_t OPCODE_HALT = 0x76;
 constexpr uint8_t OPCODE_CALL = 0xCD;
 constexpr uint8_t OPCODE_RET = 0xC9;
+constexpr uint8_t RST_TARGET = 0x38; ///< in its opcode
 constexpr uint8_t PREFIX_ED = 0xED;
 constexpr uint8_t LAST_TRAP = 0x0C; ///< behind ED
 
@@ -16,8 +17,21 @@ uint8_t behind_ed(uint16_t pc) { return debug_peek(uint16_t(pc + 1)); }
 
 bool is_halt(uint16_t pc) { return debug_peek(pc) == OPCODE_HALT; }
 
-uint16_t call_length(uint16_t pc) {
-    const uint8_t opcode = debug_peek(pc);
+uint16_t call_length(uint16_t pc) { return call_length_of(debug_peek(pc)); }
+
+uint16_t call_target(uint16_t pc) {
+    return call_length(pc) == 3 ? debug_peek_word(uint16_t(pc + 1)) : debug_peek(pc) & RST_TARGET;
+}
+
+std::optional<uint16_t> call_before(uint16_t address) {
+    for (const uint16_t length : {3, 1}) {
+        const auto call = uint16_t(address - length);
+        if (call_length(call) == length) return call;
+    }
+    return {};
+}
+
+uint16_t call_length_of(uint8_t opcode) {
     if (opcode == OPCODE_CALL || (opcode & 0xC7) == 0xC4) return 3;
     return (opcode & 0xC7) == 0xC7 ? 1 : 0;
 }

@@ -23,7 +23,13 @@ void HistoryEvents::Plain::append(const machine_event& event) {
     if (ends_frame(event)) ends.push_back(events.size());
 }
 
-void HistoryEvents::append(const machine_event& event) { open_.append(event); }
+void HistoryEvents::append(const machine_event& event) {
+    // Who looks back several times from one place notes it once.
+    const machine_event* const last = open_.events.empty() ? nullptr : &open_.events.back();
+    const bool is_noted = last && last->kind == event_kind::moment && last->kind == event.kind &&
+                          last->cycle == event.cycle && last->pc == event.pc && !is_break(*last);
+    if (!is_noted) open_.append(event);
+}
 
 bool HistoryEvents::is_break(const machine_event& event) {
     return event.kind == event_kind::moment && event.a == BREAK;

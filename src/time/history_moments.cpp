@@ -170,3 +170,34 @@ std::string history_show_moment(const history_moment& moment) {
     }
     return trouble;
 }
+
+std::string history_trace(int64_t frame, const std::function<void()>& look) {
+    if (!history_is_kept()) return "no history is kept";
+    parts::History& now = *parts::history;
+    now.live ? event_feed_frame() : event_feed_past(now.reader);
+    const history_moment end = history_moment_now();
+    machine_state here;
+    machine_save(here);
+    const HistoryState& state = *now.states.at(frame);
+    HistoryRun place;
+    std::string trouble = parts::load(state);
+    history_end ran = trouble.empty() ? history_end::frame : history_end::failed;
+    place.begin(state.frame, state.picture);
+    while (ran == history_end::frame && place.frame() < frame) {
+        ran = place.run_frame(now.events, false);
+    }
+    if (ran == history_end::frame) ran = place.run_steps(now.events, 0, false);
+    const auto is_there = [&] {
+        return place.frame() == end.frame && z80_state.t_count == end.cycle &&
+               z80_state.pc == end.pc;
+    };
+    while ((ran == history_end::stands || ran == history_end::frame) && !is_there()) {
+        look();
+        ran = place.run_steps(now.events, 1, false);
+        if (ran == history_end::frame) ran = place.run_steps(now.events, 0, false);
+    }
+    if (trouble.empty() && !is_there()) trouble = "the way to this moment is not known";
+    const MachineMute mute;
+    machine_load(here);
+    return trouble;
+}

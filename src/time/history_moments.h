@@ -8,6 +8,7 @@
 #include "time/history_run.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
 
 /// The machine becomes what it was at the last frame at or before `frame` of which there is a
@@ -38,3 +39,7 @@ void history_take_up(const history_place& from);
 void history_show_place();
 /// As history_show with the last frame, but the picture is as the machine has it.
 void history_show_present();
+
+/// As history_visit: runs the machine from the end of that frame to where it is now, and calls
+/// `look` before each instruction. No other state may have been loaded since.
+std::string history_trace(int64_t frame, const std::function<void()>& look);

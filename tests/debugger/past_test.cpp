@@ -7,6 +7,7 @@
 #include "core/machine_state.h"
 #include "debugger/commands.h"
 #include "debugger/debugger.h"
+#include "debugger/trace.h"
 #include "time/history.h"
 #include "wall/machine_host.h"
 #include "z80/z80.h"
@@ -123,6 +124,13 @@ TEST_P(Past, StepsBackAndForwardAgain) {
     constexpr int STEPS = 10'000;
     run_plainly();
     const machine_state present = machine_now();
+    const std::vector<TraceStep>& trace = debugger_trace(LONGEST_TRACE);
+    ASSERT_EQ(trace.size(), LONGEST_TRACE);
+    for (size_t n = 1; n <= LONGEST_TRACE; ++n) {
+        const TraceStep& step = trace[LONGEST_TRACE - n];
+        ASSERT_EQ(Place(step.cycle, step.registers.pc), plain.places[plain.places.size() - n]);
+    }
+    EXPECT_EQ(machine_difference(present, machine_now()), "");
     std::map<int, machine_state> kept;
     const size_t last = plain.places.size();
     for (int n = 1; n <= STEPS; ++n) {
