@@ -23,14 +23,6 @@ uint16_t call_target(uint16_t pc) {
     return call_length(pc) == 3 ? debug_peek_word(uint16_t(pc + 1)) : debug_peek(pc) & RST_TARGET;
 }
 
-std::optional<uint16_t> call_before(uint16_t address) {
-    for (const uint16_t length : {3, 1}) {
-        const auto call = uint16_t(address - length);
-        if (call_length(call) == length) return call;
-    }
-    return {};
-}
-
 uint16_t call_length_of(uint8_t opcode) {
     if (opcode == OPCODE_CALL || (opcode & 0xC7) == 0xC4) return 3;
     return (opcode & 0xC7) == 0xC7 ? 1 : 0;

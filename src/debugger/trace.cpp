@@ -89,7 +89,7 @@ std::vector<DebugCall> debugger_calls(size_t most, size_t count) {
         const auto slot = uint16_t(z80_state.sp + 2 * n);
         if (slot < z80_state.sp) break; // the end of memory
         if (slot < known) continue;
-        if (const auto call = call_before(debug_peek_word(slot))) {
+        if (const auto call = debug_call_before(debug_peek_word(slot))) {
             calls.push_back({*call, call_target(*call), slot});
         }
     }
