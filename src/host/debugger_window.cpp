@@ -1,13 +1,11 @@
 #include "host/debugger_window.h"
 
-#include "core/pacing/pacing.h"
-#include "debugger/debugger.h"
 #include "debugger_view/view.h"
 #include "host/commands.h"
+#include "host/debugging.h"
 #include "host/dialogs/ask.h"
 #include "host/dialogs/dialogs.h"
 #include "host/display.h"
-#include "host/machine_callbacks.h"
 #include "host/menu.h"
 #include "host/messages.h"
 #include "host/shell.h"
@@ -18,35 +16,22 @@ namespace {
 
 constexpr int YES = 0;
 
-DebuggerPlace& place() { return shell_state.debugger_place; }
+int debugger_user = 0; ///< the window
 
-void let_machine_run(bool runs) {
-    shell_state.debugger_stands = !runs;
-    if (runs) {
-        activate_unless_held();
-        ui_set_window_title("%s", g_bActive ? "(Restarting)" : "(Suspended)");
-    } else {
-        g_bActive = false;
-        ui_set_window_title("(Debugger)");
-    }
-    reset_timer();
-}
+DebuggerPlace& place() { return shell_state.debugger_place; }
 
 void open_window() {
     const auto left = int(place().left), top = int(place().top);
     const Rectangle wanted = {left, top, left + int(place().width), top + int(place().height)};
     platform().window().place_debugger(true, wanted, COMMAND_DEBUGGER);
-    debugger_start({.let_run = let_machine_run,
-                    .log = debugger_view_log,
-                    .show = show_machine_anew,
-                    .run_frame = [] { return run_with_answers(pacing_host.run_frame); }});
+    debugger_user = debugging_begin(debugger_view_log);
     debugger_view_start();
 }
 
 void close_window() {
     remember_debugger_window();
     debugger_view_end();
-    debugger_end();
+    debugging_end(debugger_user);
     platform().window().place_debugger(false, {}, COMMAND_DEBUGGER);
 }
 
@@ -86,15 +71,8 @@ void debugger_window_take_event(const Event& event) {
 
 void paint_debugger_window() { debugger_view_paint(); }
 
-bool debugger_window_turn() {
-    if (!debugger_view_is_open()) return false;
-    const bool works = debugger_turn();
-    debugger_view_turn();
-    return works;
-}
-
-void debugger_window_frame_ran() {
-    if (debugger_is_on()) debugger_frame_ran();
+void debugger_window_turn() {
+    if (debugger_view_is_open()) debugger_view_turn();
 }
 
 void obey_accelerator(int command) {

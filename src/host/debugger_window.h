@@ -18,11 +18,8 @@ bool debugger_window_wants(const Event& event);
 void debugger_window_take_event(const Event& event);
 /// What was drawn in it is lost.
 void paint_debugger_window();
-/// Once a turn, before a frame is run: draws what has changed. True while the debugger has work to
-/// do, and no frame is to be run.
-bool debugger_window_turn();
-/// A frame of the live machine is complete.
-void debugger_window_frame_ran();
+/// Once a turn, behind debugging_turn: draws what has changed.
+void debugger_window_turn();
 
 /// Obeys the command of an accelerator. While the debugger's window is open, one that resets the
 /// machine is asked about first: the same keys step there.

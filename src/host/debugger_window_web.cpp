@@ -11,6 +11,5 @@ void remember_debugger_window() {}
 bool debugger_window_wants(const Event& /*event*/) { return false; }
 void debugger_window_take_event(const Event& /*event*/) {}
 void paint_debugger_window() {}
-bool debugger_window_turn() { return false; }
-void debugger_window_frame_ran() {}
+void debugger_window_turn() {}
 void obey_accelerator(int command) { handle_command(command); }

@@ -2,6 +2,7 @@
 
 #include "core/machine.h"
 #include "host/attachments.h"
+#include "host/debugging.h"
 #include "host/disks.h"
 #include "host/machine_callbacks.h"
 #include "host/shell_state.h"
@@ -47,7 +48,9 @@ void history_switched() {
         .show = show_moment,
     };
     const history_settings settings = {.limit = shell_state.history_limit * MEGABYTE};
-    shell_state.keep_history ? history_start(settings) : history_stop();
+    const bool wanted = shell_state.keep_history || debugging_is_on();
+    if (wanted && history_is_kept()) return; // for the other of the two
+    wanted ? history_start(settings) : history_stop();
 }
 
 void end_history() {

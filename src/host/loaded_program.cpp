@@ -3,6 +3,7 @@
 #include "files/file_identity.h"
 #include "files/file_names.h"
 #include "files/whole_file.h"
+#include "host/debugging.h"
 #include "host/pad_keys.h"
 #include "media/files/cassette_files.h"
 #include "media/files/drive_files.h"
@@ -24,8 +25,9 @@ void program_is_loaded(const std::string& path) {
     bytes ? program_is_loaded(path, *bytes) : program_is({});
 }
 
-void program_is_loaded(const std::string& name, std::span<const uint8_t> bytes) {
-    program_is({file_name(name), content_hash(bytes)});
+void program_is_loaded(const std::string& path, std::span<const uint8_t> bytes) {
+    program_is({file_name(path), content_hash(bytes)});
+    debugging_program_is(path);
 }
 
 void program_is(const LoadedProgram& loaded) {

@@ -16,7 +16,8 @@ struct LoadedProgram {
 const LoadedProgram& loaded_program();
 /// A file that cannot be read is no program.
 void program_is_loaded(const std::string& path);
-void program_is_loaded(const std::string& name, std::span<const uint8_t> bytes);
+/// The same with what the file holds; the name may be without a folder.
+void program_is_loaded(const std::string& path, std::span<const uint8_t> bytes);
 /// For another state of the machine.
 void program_is(const LoadedProgram& program);
 /// The machine was switched off and on: what is neither in drive 0 nor in the recorder is gone.

@@ -7,7 +7,7 @@
 #include "host/attachments.h"
 #include "host/avi.h"
 #include "host/commands.h"
-#include "host/debugger_window.h"
+#include "host/debugging.h"
 #include "host/display.h"
 #include "host/joysticks.h"
 #include "host/key_map.h"
@@ -78,7 +78,7 @@ void connect_machine() {
             [] {
                 event_feed_frame();
                 history_frame_ran();
-                debugger_window_frame_ran();
+                debugging_frame_ran();
                 replay_frame_ran();
                 memory_question_frame_ran();
                 screen_keys_frame_ran();

@@ -144,6 +144,7 @@ int run_replay_frame() {
     const ReplayStep step = playing.player.run_frame();
     event_feed_frame();
     playing.runs = false;
+    if (step == ReplayStep::stands) return MACHINE_STANDS;
     if (step == ReplayStep::frame && playing.player.frames() < playing.last) return MACHINE_FRAME;
     leave_replay();
     step == ReplayStep::parted ? tell_parted() : tell_end();

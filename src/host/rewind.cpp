@@ -263,7 +263,7 @@ void take_pointer(const Event& event) {
 
 /// The key that leads back, with no bar shown.
 void key_pressed() {
-    if (!g_bPaused) return begin(Mode::held_key);
+    if (!g_bPaused && !shell_state.debugger_stands) return begin(Mode::held_key);
     rewind_open();
     move_by(-1);
 }

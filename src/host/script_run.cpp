@@ -5,6 +5,7 @@
 #include "debugger/breakpoints.h"
 #include "debugger/commands.h"
 #include "debugger/debugger.h"
+#include "host/debugging.h"
 #include "host/held_keys.h"
 #include "host/machine_callbacks.h"
 #include "host/messages.h"
@@ -24,11 +25,11 @@ constexpr ScriptSpan USUAL_LIMIT;
 
 int64_t frames_run = 0; ///< of the live machine
 void (*shell_frame_ran)() = nullptr;
+int debugger_user = 0; ///< the script
 
 void count_frame() {
     ++frames_run;
     shell_frame_ran();
-    debugger_frame_ran();
 }
 
 /// Does what the debugger has to do, and says whether the machine stands behind that.
@@ -36,13 +37,6 @@ bool debugger_has_stopped() { return debugger_is_on() && !debugger_turn() && deb
 
 void print_lines(const std::string& text) {
     if (!text.empty()) std::printf("%s\n", text.c_str());
-}
-
-void start_debugger() {
-    debugger_start({.let_run = [](bool runs) { g_bActive = runs; },
-                    .log = print_lines,
-                    .show = show_machine_anew,
-                    .run_frame = [] { return run_with_answers(pacing_host.run_frame); }});
 }
 
 } // namespace
@@ -79,11 +73,11 @@ ScriptRun::ScriptRun(const Script& given) : script(given) {
     shell_frame_ran = std::exchange(pacing_host.frame_ran, count_frame);
     further_input = press_held_keys;
     frames_run = 0;
-    if (script.uses_debugger) start_debugger();
+    if (script.uses_debugger) debugger_user = debugging_begin(print_lines);
 }
 
 ScriptRun::~ScriptRun() {
-    if (script.uses_debugger) debugger_end();
+    if (script.uses_debugger) debugging_end(debugger_user);
     pacing_host.frame_ran = shell_frame_ran;
     further_input = nullptr;
     release_held_keys();

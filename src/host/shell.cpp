@@ -13,6 +13,7 @@
 #include "host/canvas.h"
 #include "host/commands.h"
 #include "host/debugger_window.h"
+#include "host/debugging.h"
 #include "host/dialogs/compression_dialog.h"
 #include "host/dialogs/dialogs.h"
 #include "host/dialogs/hold.h"
@@ -88,13 +89,13 @@ void take_over(const ShellOptions& options) {
     answer_video_compression(platform().settings().text("VideoCodec").value_or("uncompressed"));
 }
 
-bool may_run() { return !g_bPaused && !g_bDebug && !shell_state.debugger_stands; }
-
 } // namespace
 
-void activate_after_toggle() { g_bActive = !g_bActive && may_run(); }
+void activate_after_toggle() { g_bActive = !g_bActive && !machine_is_held(); }
 
-void activate_unless_held() { g_bActive = may_run(); }
+void activate_unless_held() { g_bActive = !machine_is_held(); }
+
+bool machine_is_held() { return g_bPaused || g_bDebug || shell_state.debugger_stands; }
 
 void emu_init(const ShellOptions& options) {
     const CommandLine& line = options.line;
@@ -163,6 +164,7 @@ void emu_init(const ShellOptions& options) {
 }
 
 void emu_close(std::function<void()> done) {
+    debugging_end_all();
     end_history();
     const CommandLine& line = shell_state.start.line;
     if (!line.save_state.empty()) {

@@ -18,7 +18,9 @@ void emu_init(const ShellOptions& options = {});
 void emu_close(std::function<void()> done = {});
 
 /// To be called after pause or monitor has toggled its flag: lets the machine run if it stood still
-/// before and neither holds it now.
+/// before and none of those below holds it now.
 void activate_after_toggle();
-/// Lets the machine run if neither pause nor monitor holds it.
+/// Lets the machine run if neither pause nor monitor nor debugger holds it.
 void activate_unless_held();
+/// Whether one of them does.
+bool machine_is_held();

@@ -6,6 +6,7 @@
 #include "host/autostart.h"
 #include "host/commands.h"
 #include "host/debugger_window.h"
+#include "host/debugging.h"
 #include "host/dialogs/hold.h"
 #include "host/disks.h"
 #include "host/display.h"
@@ -104,8 +105,7 @@ void leave_menu() {
 /// The program has become active or inactive. With run-in-background the machine goes on either
 /// way.
 void application_activated(bool active) {
-    activate_unless_held();
-    g_bActive = g_bActive && (g_bRunInBackground || active);
+    g_bActive = !machine_is_held() && (g_bRunInBackground || active);
     reset_timer();
 }
 
@@ -140,8 +140,8 @@ bool is_of_use(const Event& event) {
     switch (event.kind) {
     case Event::Kind::key_down: return !event.repeat || repeats(event) || rewind_wants(event);
     case Event::Kind::pointer:
-        return debugger_window_wants(event) || screen_keyboard_wants(event) || is_double_click(event) || is_scrolling(event) ||
-               rewind_wants(event);
+        return debugger_window_wants(event) || screen_keyboard_wants(event) ||
+               is_double_click(event) || is_scrolling(event) || rewind_wants(event);
     case Event::Kind::key_up:
     case Event::Kind::text: return false;
     default: return true;
@@ -239,7 +239,8 @@ ShellTurn main_turn() {
     if (std::exchange(turn.menu_closed, false)) leave_menu();
     handle_messages();
     media_panels_turn(is_halted());
-    const bool debugger_works = debugger_window_turn();
+    const bool debugger_works = debugging_turn();
+    debugger_window_turn();
     if (const int64_t left = rest_left()) return {.next = in_time, .microseconds = left};
     if (turn.after_rest) {
         std::exchange(turn.after_rest, nullptr)();

@@ -186,6 +186,7 @@ ReplayStep ReplayPlayer::run_frame() {
         }
         const machine_replay_end end =
             machine_replay_frame(log_, position_, calls_without_files(calls_));
+        if (end == REPLAY_STANDS) return ReplayStep::stands;
         if (end == REPLAY_FRAME) ++frames_;
         if (end == REPLAY_PARTED) return part(position_.trouble);
         if (position_.next == log_.events.size()) {

@@ -66,9 +66,10 @@ struct replay_player_calls {
 };
 
 enum class ReplayStep : uint8_t {
-    frame, ///< a frame has been played
-    over,  ///< the end has been reached, perhaps in the middle of a frame
-    parted ///< the machine does something else than it did then, or the file is damaged or cut off
+    frame,  ///< a frame has been played
+    stands, ///< machine_host.watch_hit wants the machine to stand; can be gone on from
+    over,   ///< the end has been reached, perhaps in the middle of a frame
+    parted  ///< the machine does something else than it did then, or the file is damaged or cut off
 };
 
 /// Plays a file: the machine gets from it all that was done to it and all that it was answered.

@@ -6,9 +6,11 @@
 #include "core/machine_state.h"
 #include "wall/machine_host.h"
 #include "z80/z80.h"
+#include "z80/z80_watch.h"
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace {
 
@@ -34,9 +36,11 @@ void run(uint32_t frames) {
     // What the user will answer is not known yet.
     machine_host.save_question = [] { return SAVE_NOT_YET; };
     z80_state.breakpoint_enabled = 0;
+    const auto watched = std::exchange(z80_watch.run, nullptr); // what is not yet is no hit
     for (; frames > 0; --frames) {
         if (machine_run() != MACHINE_FRAME) break;
     }
+    z80_watch.run = watched;
     if (beam_picture.finished) std::ranges::copy(beam_picture.pixels, frame_buffer);
 }
 
