@@ -283,7 +283,7 @@ std::string load_symbol_file(const std::string& path, SymbolTable& to) {
 }
 
 std::string symbol_file_beside(const std::string& program) {
-    for (const char* extension : {".cdb", ".noi", ".map", ".sym"}) {
+    for (const char* extension : {".noi", ".map", ".cdb", ".sym"}) {
         std::string found = find_in_any_case(folder_of(program), file_stem_of(program) + extension);
         if (!found.empty()) return found;
     }

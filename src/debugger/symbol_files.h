@@ -1,7 +1,8 @@
 #pragma once
 /// Symbol files of assemblers and compilers:
 /// - pasmo and others: `name EQU 08000H`, a line each;
-/// - sdcc's linker: .noi (`DEF name 0x8000`), .map, and .cdb, which knows the lines of the source;
+/// - sdcc's linker: .noi (`DEF name 0x8000`) and .map, after --debug with static names and the
+///   lines of C, and .cdb, which has what came from C only;
 /// - z88dk: .map (`name = $8000 ; addr, public, , module, section, file:line`, or the older
 ///   `name = 8000, G: module`).
 ///
@@ -23,5 +24,5 @@ std::string load_symbols(std::string_view file_name, std::string_view contents, 
 std::string load_symbol_file(const std::string& path, SymbolTable& to);
 
 /// The symbol file that belongs to a program: in its folder with its name before the extension,
-/// .cdb, .noi, .map or .sym in this order, which begins with what tells most. Empty without one.
+/// .noi, .map, .cdb or .sym in this order, which begins with what tells most. Empty without one.
 std::string symbol_file_beside(const std::string& program);

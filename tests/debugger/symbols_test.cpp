@@ -164,11 +164,11 @@ TEST_F(Symbols, TheFileBesideAProgramThatTellsMostIsFound) {
     std::filesystem::remove_all(folder);
     std::filesystem::create_directories(folder);
     EXPECT_EQ(symbol_file_beside(folder + "/game.cmd"), "");
-    for (const char* name : {"/game.sym", "/GAME.MAP", "/game.noi", "/game.cdb"}) {
+    for (const char* name : {"/game.sym", "/game.cdb", "/GAME.MAP", "/game.noi"}) {
         std::ofstream(folder + name) << "start EQU 9000H\n";
         EXPECT_EQ(symbol_file_beside(folder + "/game.cmd"), folder + name);
     }
-    EXPECT_EQ(load_symbol_file(folder + "/game.cdb", table), "") << "told by its contents";
+    EXPECT_EQ(load_symbol_file(folder + "/game.noi", table), "") << "told by its contents";
     EXPECT_EQ(table.value_of("start"), 0x9000);
     EXPECT_EQ(load_symbol_file(folder, table), folder + ": it cannot be read");
 }
