@@ -7,6 +7,7 @@
 #include "debugger/registers.h"
 #include "debugger/symbol_files.h"
 #include "debugger/symbols.h"
+#include "debugger/trace.h"
 #include "z80/disassembler.h"
 #include "z80/z80.h"
 
@@ -202,6 +203,32 @@ CommandResult command_stack(CommandWords& words) {
     std::string lines;
     for (int64_t n = 0; n < count; ++n) lines += stack_line(uint16_t(z80_state.sp + 2 * n));
     return lines_of(lines);
+}
+
+CommandResult command_calls(CommandWords& words) {
+    const int64_t count = words.number("the count", 1, MOST_LINES, 8);
+    if (!words.acts()) return words.refusal();
+    std::string lines;
+    for (const DebugCall& call : debugger_calls(size_t(count))) {
+        lines += formatted("%04X", call.target) + named(call.target) +
+                 formatted(call.is_interrupt ? " interrupted %04X" : " called by %04X", call.call) +
+                 named(call.call) + (call.is_traced ? "\n" : ", perhaps\n");
+    }
+    return lines_of(lines.empty() ? "in no subroutine" : lines);
+}
+
+CommandResult command_trace(CommandWords& words) {
+    const auto count = size_t(words.number("the count", 1, LONGEST_TRACE, 20));
+    if (!words.acts()) return words.refusal();
+    const std::vector<TraceStep>& steps = debugger_trace(count);
+    std::string lines;
+    for (size_t n = steps.size() - std::min(count, steps.size()); n < steps.size(); ++n) {
+        const z80_registers& s = steps[n].registers;
+        lines += formatted("%11lld%-32s AF=%04X BC=%04X DE=%04X HL=%04X SP=%04X\n",
+                           static_cast<long long>(steps[n].cycle), trace_text(steps[n]).c_str(),
+                           s.af, s.bc, s.de, s.hl, s.sp);
+    }
+    return lines_of(lines.empty() ? "no history" : lines);
 }
 
 CommandResult command_symbols(CommandWords& words) {

@@ -13,6 +13,8 @@ CommandResult command_find(CommandWords& words);
 CommandResult command_disasm(CommandWords& words);
 CommandResult command_print(CommandWords& words);
 CommandResult command_stack(CommandWords& words);
+CommandResult command_calls(CommandWords& words);
+CommandResult command_trace(CommandWords& words);
 CommandResult command_symbols(CommandWords& words);
 CommandResult command_symbol(CommandWords& words);
 

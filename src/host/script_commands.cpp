@@ -66,7 +66,7 @@ bool is_typed() { return typing.position >= typing_text.size(); }
 void wait_until_typed(ScriptRun& run, const ScriptSpan& limit) {
     constexpr ScriptSpan TIME_TO_OBEY = {25, ScriptSpan::Unit::frames};
     if (run.run_until(is_typed, limit)) {
-        run.run_until([] { return typing_text.size() == 0; }, TIME_TO_OBEY);
+        run.run_until([] { return typing_text.empty(); }, TIME_TO_OBEY);
     } else if (!run.has_failed() && !debugger_stands()) {
         run.fail("the machine has not taken all that is typed");
         run.show_screen_of_failure();
