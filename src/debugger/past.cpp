@@ -17,7 +17,7 @@
 namespace {
 
 using Clock = std::chrono::steady_clock;
-constexpr std::chrono::milliseconds SLICE{15};
+constexpr std::chrono::milliseconds SLICE{10};
 constexpr int MOST_STACKED = 64; ///< words of the stack that are looked at for a return address
 
 struct PastWork {

@@ -24,7 +24,7 @@ void note_step() {
     TraceStep& step = trace.steps.emplace_back();
     step.cycle = z80_state.t_count;
     step.registers = z80_state;
-    for (uint16_t n = 0; n < step.bytes.size(); ++n) step.bytes[n] = debug_peek(uint16_t(pc + n));
+    for (size_t n = 0; n < step.bytes.size(); ++n) step.bytes[n] = debug_peek(uint16_t(pc + n));
 }
 
 const TraceStep* shown = nullptr; ///< of which the disassembler reads
