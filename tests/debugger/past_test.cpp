@@ -173,4 +173,95 @@ TEST_P(Past, EveryWriteOfAByteIsFoundFromTheLastToTheFirst) {
     }
 }
 
+TEST_P(Past, BreakpointsStopBackwardsWithTheirConditionsAndCounts) {
+    const uint16_t address = 24'000;
+    run_plainly();
+    const machine_state present = machine_now();
+    const auto& writes = plain.writes[address];
+    // Counted as if it had been there from the start.
+    after([] { debugger_to_frame(0); });
+    debugger_command("watch 5DC0 if hits % 7 == 3");
+    after(debugger_to_present);
+    const auto hits = [] { return breakpoints().back().hits; };
+    EXPECT_EQ(hits(), 0U); // the present does not know of it
+    after([] { debugger_to_frame(0); });
+    for (size_t n = 3; n + 7 <= writes.size() && n < 40; n += 7) {
+        const DebugStop stop = after(debugger_go); // stands behind the instruction
+        EXPECT_EQ(Place(stop.hit.cycle, stop.hit.pc), writes[n - 1]);
+        EXPECT_EQ(hits(), n);
+    }
+    const size_t last = hits();
+    for (size_t n = last; n >= 3; n -= 7) {
+        EXPECT_EQ(after(debugger_back_go).reason, StopReason::breakpoint);
+        EXPECT_EQ(place_now(), writes[n - 1]);
+        EXPECT_EQ(hits(), n - 1); // stands before it
+        if (n < 10) break;
+    }
+    EXPECT_EQ(after(debugger_back_go).reason, StopReason::beginning);
+    EXPECT_EQ(hits(), 0U);
+    EXPECT_EQ(machine_difference(plain.start, machine_now()), "");
+    after(debugger_to_present);
+    EXPECT_EQ(machine_difference(present, machine_now()), "");
+}
+
+TEST_P(Past, SubroutinesAreSteppedOverAndLeftBackwards) {
+    run_plainly();
+    int over = 0, out = 0;
+    for (size_t n = plain.places.size() - 3000; n-- > 0 && (over < 12 || out < 12);) {
+        const auto& [cycle, pc] = plain.places[n];
+        const bool calls = memory[pc] == 0xCD && plain.stack[n + 1] + 2 == plain.stack[n];
+        if (!calls) continue;
+        // Where it returns to.
+        size_t end = n + 1;
+        while (end < plain.places.size() && plain.stack[end] < plain.stack[n]) ++end;
+        if (end >= plain.places.size() || plain.places[end].second != pc + 3) continue;
+        const int64_t returned = plain.places[end].first, inside = plain.places[n + 1].first;
+        const Place call = plain.places[n];
+        after([=] { debugger_to_cycle(returned); });
+        after(debugger_back_over);
+        EXPECT_EQ(place_now(), call) << over;
+        ++over;
+        after([=] { debugger_to_cycle(inside); });
+        after(debugger_back_out);
+        EXPECT_EQ(place_now(), call) << out;
+        ++out;
+        after(debugger_step_over);
+        EXPECT_EQ(place_now(), plain.places[end]);
+        n -= 500;
+    }
+    EXPECT_GE(over, 12);
+}
+
+TEST_P(Past, GoesOnFromInsideOfAFrame) {
+    run_plainly();
+    const machine_state present = machine_now();
+    const int64_t end = z80_state.t_count;
+    const Place middle = plain.places[plain.places.size() / 2];
+    // Given up, it is where it was.
+    debugger_back_to_write(0);
+    debugger_cancel();
+    EXPECT_EQ(machine_difference(present, machine_now()), "");
+    after([&] { debugger_to_cycle(middle.first); });
+    EXPECT_EQ(place_now(), middle);
+    debugger_branch();
+    EXPECT_FALSE(debugger_is_in_past());
+    debugger_to(end);
+    EXPECT_EQ(machine_difference(present, machine_now()), "");
+    // Other bytes are another future, from there on.
+    after([&] { debugger_to_cycle(middle.first); });
+    const uint8_t was = memory[0x7001];
+    debugger_poke(0x7000, {1, uint8_t(was + 1)});
+    const machine_state poked = machine_now();
+    debugger_to(end);
+    const machine_state other = machine_now();
+    after([&] { debugger_to_cycle(middle.first); });
+    EXPECT_EQ(machine_difference(poked, machine_now()), "");
+    after(debugger_back_step);
+    EXPECT_EQ(memory[0x7001], was);
+    after(debugger_step);
+    EXPECT_EQ(machine_difference(poked, machine_now()), "");
+    after(debugger_to_present);
+    EXPECT_EQ(machine_difference(other, machine_now()), "");
+}
+
 } // namespace
