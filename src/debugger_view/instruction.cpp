@@ -12,8 +12,8 @@
 
 namespace {
 
-constexpr size_t BYTES_COLUMN = 6; ///< of the disassembler's line: blank, address, blank
-constexpr size_t TEXT_COLUMN = BYTES_COLUMN + 4 * 3;
+constexpr size_t LINE_BYTES = 6; ///< of the disassembler's line: blank, address, blank
+constexpr size_t LINE_MNEMONIC = LINE_BYTES + 4 * 3;
 constexpr size_t ADDRESS_DIGITS = 4;
 constexpr int WAY_BACK = 24; ///< bytes; most wrong beginnings have come right by then
 
@@ -68,8 +68,8 @@ ShownInstruction shown_instruction(uint16_t address) {
     ShownInstruction shown = {.address = address};
     shown.length = uint16_t(disassemble_by(debug_peek, address, line.data()) - address);
     const std::string text = line.data();
-    shown.bytes = text.substr(BYTES_COLUMN, size_t(shown.length) * 3 - 1);
-    shown.text = text.substr(TEXT_COLUMN);
+    shown.bytes = text.substr(LINE_BYTES, size_t(shown.length) * 3 - 1);
+    shown.text = text.substr(LINE_MNEMONIC);
     name_number(shown);
     return shown;
 }
