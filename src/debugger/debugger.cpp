@@ -41,10 +41,14 @@ void tell_fronts(const DebugStop* stop) {
 }
 
 DebugStop stop_at(int number, const watch_hit& hit) {
+    const Breakpoint& point = *breakpoint(number);
+    std::string what = watch_hit_text(hit);
+    if (point.kind == BreakpointKind::frame) what = "end of frame " + std::to_string(point.at);
+    if (point.kind == BreakpointKind::line) what = "line " + std::to_string(point.at);
     return {.reason = StopReason::breakpoint,
             .breakpoint = number,
             .hit = hit,
-            .text = "Breakpoint " + std::to_string(number) + ": " + watch_hit_text(hit)};
+            .text = "Breakpoint " + std::to_string(number) + ": " + what};
 }
 
 /// Shows all hits to breakpoints and goal. Where the machine is to stand, and why.
@@ -63,15 +67,10 @@ std::optional<DebugStop> take_hits(RunGoal* goal, BreakpointLog log) {
 
 /// The same behind the end of a frame.
 std::optional<DebugStop> take_frame(BreakpointLog log) {
-    const int64_t frame = history_position();
-    const int number = breakpoints_take_frame(frame, log);
+    const int number = breakpoints_take_frame(history_position(), log);
     if (!number) return {};
-    const watch_hit hit = {
-        .kind = watch_kind::cycle, .pc = z80_state.pc, .cycle = z80_state.t_count};
-    DebugStop stop = stop_at(number, hit);
-    stop.text =
-        "Breakpoint " + std::to_string(number) + ": the end of frame " + std::to_string(frame);
-    return stop;
+    return stop_at(number,
+                   {.kind = watch_kind::cycle, .pc = z80_state.pc, .cycle = z80_state.t_count});
 }
 
 PastCalls past_calls() {
@@ -101,9 +100,9 @@ void note_place() {
 /// A machine never stands behind the last instruction of a frame that has not ended. Where it
 /// stands, it has come to the breakpoints of this address.
 void settle() {
-    DebuggerState& now = debugger_now;
-    if (frame_state.begun && frame_state.left <= 0) now.calls.run_frame();
-    if (!z80_watch.run || past_is_shown() || !z80_watch_arrives()) return;
+    if (past_is_shown()) return; // which has found the place by itself
+    if (frame_state.begun && frame_state.left <= 0) debugger_now.calls.run_frame();
+    if (!z80_watch.run || !z80_watch_arrives()) return;
     if (auto stop = take_hits(nullptr, write_log)) note_stop(std::move(*stop));
 }
 
