@@ -167,6 +167,18 @@ xdotool key F4 F2 # the breakpoint off again
 picture memory "$window"
 press_until '(Restarting)' Escape
 
+xdotool key alt+d
+debugger=$(find_window 'Tarvelin debugger')
+xdotool windowsize "$debugger" 1000 700
+sleep 1
+xdotool key F6 ctrl+g
+xdotool type --delay 50 'new_statement'
+xdotool key Return F9 F5
+sleep 2
+xdotool key F11 F10
+picture debugger "$debugger"
+xdotool key F9 alt+F4
+
 xdotool key alt+q
 dialog=$(find_window 'Machine configuration')
 xdotool key alt+c space # two controls have that letter: it only leads there

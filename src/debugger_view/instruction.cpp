@@ -45,6 +45,7 @@ void name_number(ShownInstruction& shown) {
     }
     unsigned value = 0;
     std::from_chars(shown.text.data() + at, shown.text.data() + at + ADDRESS_DIGITS, value, 16);
+    if (value == 0) return; // more often a number than the start of the ROM
     const auto address = uint16_t(value);
     shown.target = address;
     const std::string name = debugger_symbols().name_at(address);

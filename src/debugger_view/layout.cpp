@@ -9,7 +9,7 @@ using enum SectionId;
 constexpr int REGISTER_COLUMNS = 36;
 constexpr int REGISTER_ROWS = 8; ///< with the title
 constexpr int POINTER_ROWS = 6;  ///< more, with what the pairs point at
-constexpr int PICTURE_COLUMNS = 50;
+constexpr int PICTURE_COLUMNS = 56, PICTURE_ROWS = 24;
 constexpr int TIME_ROWS = 2;
 constexpr Size MIDDLE = {112, 32}, LARGE = {160, 50};
 
@@ -53,7 +53,7 @@ std::vector<SectionGroup> large_layout(const Rectangle& all) {
     const int third = (all.bottom - registers_end) / 3;
     const int listing_end = all.top + all.height() * 5 / 10;
     const int memory_end = all.top + all.height() * 8 / 10;
-    const int picture_end = all.top + std::min(20, all.height() * 3 / 10);
+    const int picture_end = all.top + std::min(PICTURE_ROWS, all.height() * 35 / 100);
     const int chips_end = picture_end + std::min(20, all.height() * 4 / 10);
     return {{{all.left, all.top, left, registers_end}, {registers}},
             {{all.left, registers_end, left, registers_end + third}, {stack}},

@@ -8,6 +8,7 @@
 #include "z80/z80.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <string>
 #include <vector>
 
@@ -28,19 +29,13 @@ public:
         const Size cell = pane.cell_size();
         const Rectangle room = {cells.left * cell.width, cells.top * cell.height,
                                 cells.right * cell.width, (cells.bottom - 1) * cell.height};
-        int step = 1;
-        while (step < 4 &&
-               (SCREEN_WIDTH / step > room.width() || SCREEN_HEIGHT / step > room.height())) {
-            ++step;
-        }
-        const Size size = {std::min(SCREEN_WIDTH / step, room.width()),
-                           std::min(SCREEN_HEIGHT / step, room.height())};
+        const Size size = size_in({room.width(), room.height()});
         if (size.width <= 0 || size.height <= 0) return;
         const int left = room.left + (room.width() - size.width) / 2;
         const int top = room.top + (room.height() - size.height) / 2;
         fill_around(pane, room, {left, top, left + size.width, top + size.height},
                     look.theme.text.ground);
-        compose(size, step, look.theme.cross);
+        compose(size, look.theme.cross);
         pane.copy_bitmap(
             {size.width, size.height, 32, reinterpret_cast<const uint8_t*>(pixels.data()), nullptr},
             left, top);
@@ -81,15 +76,25 @@ private:
                Colour(video_get_palette_value(entry, 2));
     }
 
-    void compose(Size size, int step, Colour cross) {
+    /// As large as the room lets it be, and no larger than it is.
+    static Size size_in(Size room) {
+        const int width = std::min(int(SCREEN_WIDTH), room.height * SCREEN_WIDTH / SCREEN_HEIGHT);
+        const int shown = std::min(width, room.width);
+        return {shown, shown * SCREEN_HEIGHT / SCREEN_WIDTH};
+    }
+
+    void compose(Size size, Colour cross) {
         pixels.resize(size_t(size.width) * size_t(size.height));
-        const Size at = {beam().width / step, beam().height / step};
+        const Size at = {beam().width * size.width / SCREEN_WIDTH,
+                         beam().height * size.height / SCREEN_HEIGHT};
         for (int y = 0; y < size.height; ++y) {
             for (int x = 0; x < size.width; ++x) {
                 const bool is_cross = (x == at.width && std::abs(y - at.height) <= CROSS) ||
                                       (y == at.height && std::abs(x - at.width) <= CROSS);
+                const int from_x = x * SCREEN_WIDTH / size.width;
+                const int from_y = y * SCREEN_HEIGHT / size.height;
                 pixels[size_t(y) * size_t(size.width) + size_t(x)] =
-                    is_cross ? cross : colour_at(x * step, y * step);
+                    is_cross ? cross : colour_at(from_x, from_y);
             }
         }
     }

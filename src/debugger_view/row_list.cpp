@@ -18,6 +18,12 @@ void RowList::choose(int row) {
     scrolled = false;
 }
 
+void RowList::move_by(int count) {
+    rows += count;
+    at += count;
+    top += count;
+}
+
 void RowList::scroll(int count) {
     top = std::clamp(top + count, 0, std::max(rows - room, 0));
     scrolled = true;

@@ -12,6 +12,8 @@ public:
     /// Up, down, Page Up, Page Down, Home, End. Whether the key was one of them.
     bool key(const Event& event);
     void choose(int row);
+    /// That many rows have come before all others.
+    void move_by(int count);
     void scroll(int rows);
 
 private:

@@ -35,6 +35,9 @@ public:
     /// Behind what draw has drawn: for what is not made of cells. `cells` as of the painter.
     virtual void draw_picture(Pane& /*pane*/, const Rectangle& /*cells*/,
                               const SectionLook& /*look*/) {}
+    /// Before it is drawn in a turn: looks at the past, which takes some time and runs the machine
+    /// for a while.
+    virtual void look() {}
     /// Whether the key was of use.
     virtual bool key(const Event& /*event*/) { return false; }
     virtual void type(std::string_view /*text*/) {}

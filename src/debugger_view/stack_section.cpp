@@ -1,14 +1,14 @@
 #include "debugger/debugger.h"
 #include "debugger/peek.h"
 #include "debugger/symbols.h"
-#include "debugger_view/instruction.h"
+#include "debugger/trace.h"
 #include "debugger_view/row_list.h"
 #include "debugger_view/section.h"
 #include "debugger_view/services.h"
 #include "platform/keyboard.h"
 #include "z80/z80.h"
 
-#include <algorithm>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -35,17 +35,16 @@ public:
             const uint16_t word = debug_peek_word(at);
             const bool changed = view_byte_changed(at) || view_byte_changed(uint16_t(at + 1));
             CellStyle style = changed ? look.theme.changed : look.theme.text;
-            CellStyle name = look.theme.name;
+            CellStyle name = look.theme.name, quiet = look.theme.quiet;
             if (list.first() + row == list.cursor()) {
-                style = name = look.cursor();
-                out.clear_row(row, style);
+                out.clear_row(row, style = name = quiet = look.cursor());
             }
             int column =
                 out.text(0, row, hex(at, 4) + (at == z80_state.sp ? ">" : " "), look.theme.quiet);
             column = out.text(column, row, hex(word, 4), style) + 1;
             const auto call = debug_call_before(word);
-            const std::string near = debugger_symbols().near(word);
-            if (call) column = out.text(column, row, "ret ", look.theme.quiet);
+            const std::string near = word ? debugger_symbols().near(word) : "";
+            if (call) column = out.text(column, row, "ret ", quiet);
             out.text(column, row, near, name);
         }
     }
@@ -80,31 +79,26 @@ private:
     RowList list;
 };
 
-/// A subroutine that has not returned yet, as far as the stack tells.
-struct ShownCall {
-    uint16_t call = 0; ///< address of the instruction; of the innermost, PC
-    uint16_t target = 0;
-    uint16_t stack = 0; ///< where the return is
-};
-
 class CallSection final : public DebugSection {
 public:
     const char* title() const override { return "Calls"; }
     const char* keys() const override { return "Enter shows the call  Ctrl+F11 out"; }
 
     void draw(CellPainter& out, const SectionLook& look) override {
-        const std::vector<ShownCall> calls = calls_now();
-        list.fit(int(calls.size()), out.rows());
-        for (int row = 0; row < out.rows() && list.first() + row < int(calls.size()); ++row) {
+        list.fit(int(calls.size()) + 1, out.rows());
+        for (int row = 0; row < out.rows() && list.first() + row <= int(calls.size()); ++row) {
             const int number = list.first() + row;
-            const ShownCall& call = calls[size_t(number)];
-            CellStyle style = look.theme.text;
-            if (number == list.cursor()) out.clear_row(row, style = look.cursor());
-            const std::string text = number == 0
-                                         ? "PC  " + place_text(call.call)
-                                         : hex(call.stack, 4) + " " + place_text(call.call) +
-                                               " called " + place_text(call.target);
-            out.text(0, row, text, style);
+            CellStyle style = look.theme.text, quiet = look.theme.quiet;
+            if (number == list.cursor()) out.clear_row(row, style = quiet = look.cursor());
+            if (number == 0) {
+                out.text(0, row, "PC  " + place_text(z80_state.pc), style);
+                continue;
+            }
+            const DebugCall& call = calls[size_t(number) - 1];
+            const std::string text = hex(call.slot, 4) + " " + place_text(call.call) +
+                                     (call.is_interrupt ? " interrupt " : " called ") +
+                                     place_text(call.target);
+            out.text(0, row, text, call.is_traced ? style : quiet);
         }
     }
 
@@ -119,27 +113,27 @@ public:
         if (address()) view_show_listing(*address());
     }
     void scroll(int rows) override { list.scroll(rows); }
-    void stood() override { list.choose(0); }
+    void stood() override {
+        list.choose(0);
+        is_stale = true;
+    }
+    void look() override {
+        if (!debugger_stands()) {
+            calls.clear();
+        } else if (std::exchange(is_stale, false)) {
+            calls = debugger_calls(MOST_CALLS);
+        }
+    }
     std::optional<uint16_t> address() const override {
-        const std::vector<ShownCall> calls = calls_now();
-        if (list.cursor() >= int(calls.size())) return std::nullopt;
-        return calls[size_t(list.cursor())].call;
+        const int number = list.cursor();
+        if (number == 0 || number > int(calls.size())) return z80_state.pc;
+        return calls[size_t(number) - 1].call;
     }
     std::string spoken() const override { return address() ? place_text(*address()) : ""; }
 
 private:
-    /// Every word that stands behind a call counts as a return. A number that looks like one is
-    /// taken for it, too; nothing on the stack tells the difference.
-    static std::vector<ShownCall> calls_now() {
-        std::vector<ShownCall> calls = {{.call = z80_state.pc}};
-        for (int n = 0; n < MOST_WORDS && calls.size() < MOST_CALLS; ++n) {
-            const auto at = uint16_t(z80_state.sp + 2 * n);
-            const auto call = debug_call_before(debug_peek_word(at));
-            if (!call) continue;
-            calls.push_back({*call, shown_instruction(*call).target.value_or(0), at});
-        }
-        return calls;
-    }
+    std::vector<DebugCall> calls;
+    bool is_stale = true;
     RowList list;
 };
 

@@ -81,7 +81,7 @@ private:
 
     static std::string text() {
         const int64_t behind = last_frame() - history_position();
-        return (behind ? "-" + seconds_text(behind) + " of " : "present, ") +
+        return (debugger_is_in_past() ? "-" + seconds_text(behind) + " of " : "present, ") +
                seconds_text(last_frame() - history_first()) + ", frame " +
                std::to_string(history_position());
     }

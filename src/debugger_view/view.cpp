@@ -349,6 +349,9 @@ void debugger_view_turn() {
     const bool is_due = clock.counter() - view->drawn_at >= clock.frequency() / DRAWS_PER_SECOND;
     if (!std::exchange(view->changed, false) && (!moves || !is_due)) return;
     view->drawn_at = clock.counter();
+    if (!debugger_progress()) {
+        for (const SectionGroup& group : view->groups) view_section(front_of(group)).look();
+    }
     draw(false);
 }
 

@@ -89,7 +89,7 @@ protected:
     static uint8_t byte(uint16_t address) { return mem_peek(address); }
 };
 
-TEST_F(DebuggerWindowTest, AProgramIsStoppedAndChanged) {
+TEST_F(DebuggerWindowTest, AProgramIsStoppedChangedAndLedBack) {
     ASSERT_TRUE(debugger_stands());
     click("PC  ");
     answer("6000");
@@ -112,12 +112,31 @@ TEST_F(DebuggerWindowTest, AProgramIsStoppedAndChanged) {
     press(KEY_F10);
     EXPECT_EQ(z80_state.pc, 0x6008);
 
+    press(KEY_F11, MODIFIER_SHIFT);
+    press(KEY_F11, MODIFIER_SHIFT);
+    press(KEY_F11, MODIFIER_SHIFT);
+    EXPECT_EQ(z80_state.pc, 0x6005);
+    EXPECT_NE(row(" PAST "), "");
+    press(KEY_F5, MODIFIER_SHIFT);
+    EXPECT_EQ(z80_state.bc >> 8, 2);
+    press(KEY_F5, MODIFIER_CONTROL);
+    EXPECT_EQ(z80_state.pc, 0x6008);
+    EXPECT_EQ(row(" PAST "), "");
+
     click("Memory");
     type("g");
     answer("6400");
     EXPECT_EQ(row("6400 43").substr(0, 7), "6400 43");
-    type("7F");
+    press(KEY_F9, MODIFIER_SHIFT);
+    EXPECT_EQ(z80_state.pc, 0x6005);
+    EXPECT_EQ(byte(0x6400), 0x42);
+    type("7");
+    EXPECT_NE(row("y/n"), "");
+    type("n");
+    EXPECT_EQ(byte(0x6400), 0x42);
+    type("7yF");
     EXPECT_EQ(byte(0x6400), 0x7F);
+    EXPECT_FALSE(debugger_is_in_past());
 }
 
 } // namespace
