@@ -19,19 +19,10 @@ class Expressions : public testing::Test {
 protected:
     void SetUp() override {
         machine_init();
-        z80_state.af = 0x03D5; // S Z H P C
-        z80_state.bc = 0x1112;
-        z80_state.de = 0x1314;
-        z80_state.hl = 0x9000;
-        z80_state.ix = 0x1516;
-        z80_state.iy = 0x1718;
-        z80_state.sp = 0x9002;
-        z80_state.pc = 0x191A;
-        z80_state.af_alt = 0x2122;
-        z80_state.hl_alt = 0x2324;
-        z80_state.i = 0x25;
-        z80_state.iff2 = 1;
-        z80_state.interrupt_mode = 2;
+        // af bc de hl, ix iy sp pc, the other af bc de hl, i r, iff1 iff2 im
+        static_cast<z80_registers&>(z80_state) = {0x03D5, 0x1112, 0x1314, 0x9000, 0x1516, 0x1718,
+                                                  0x9002, 0x191A, 0x2122, 0,      0,      0x2324,
+                                                  0x25,   0,      0,      1,      2};
         const uint8_t bytes[] = {0x0B, 0x90, 0x34, 0x12, 7};
         std::copy(std::begin(bytes), std::end(bytes), memory + 0x9000);
         memory[0xF005] = 0x04;
@@ -48,14 +39,8 @@ protected:
     }
 
     SymbolTable symbols;
-    ExpressionContext context = {.hits = 6,
-                                 .value = 0x77,
-                                 .before = 0x76,
-                                 .address = 0xF005,
-                                 .from = 0x8123,
-                                 .cycle = 1LL << 40,
-                                 .frame = 50,
-                                 .line = 311};
+    /// hits, value, before, address, from, cycle, frame, line
+    ExpressionContext context = {6, 0x77, 0x76, 0xF005, 0x8123, 1LL << 40, 50, 311};
 };
 
 #pragma GCC diagnostic push
