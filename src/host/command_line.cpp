@@ -110,6 +110,9 @@ private:
         } else if (word == "--to-frame") {
             line_.to_frame = number_of<int64_t>(value().value_or(""), DECIMAL);
             if (!line_.to_frame) refuse(word + ": the number of a frame is missing");
+        } else if (word == "--gdb") {
+            line_.gdb_port = number_of<uint16_t>(value().value_or(""), DECIMAL);
+            if (!line_.gdb_port) refuse(word + ": the number of a port is missing");
         } else if (word == "--regs") {
             line_.print_registers = true;
         } else if (word == "--disassemble") {
@@ -161,6 +164,7 @@ private:
 
     void check_mode() {
         if (line_.to_frame && line_.replay.empty()) refuse("--to-frame: only with --replay");
+        if (line_.gdb_port && !line_.script.empty()) refuse("--gdb: not with --script");
         if (line_.headless) return;
         if (line_.real_time) refuse("--real-time: only with --headless");
         if (line_.save_disks) refuse("--save-disks: only with --headless");

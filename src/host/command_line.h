@@ -43,11 +43,12 @@ struct CommandLine {
     std::optional<AddressRange> disassemble;
     std::optional<AddressRange> source;
     std::vector<std::string> symbols; ///< files
-    std::string record;              ///< replay to record
-    std::string replay;              ///< replay to play
-    std::optional<int64_t> to_frame; ///< of the replay
-    std::string script;              ///< commands to obey instead of a user's, "-": from stdin
-    std::string link;                ///< to start with, see links.h; a page has it, and no argument
+    std::string record;               ///< replay to record
+    std::string replay;               ///< replay to play
+    std::optional<int64_t> to_frame;  ///< of the replay
+    std::string script;               ///< commands to obey instead of a user's, "-": from stdin
+    std::optional<uint16_t> gdb_port; ///< of the server for remote debuggers; 0: a free one
+    std::string link; ///< to start with, see links.h; a page has it, and no argument
 
     std::vector<Switch> switches;   ///< from left to right
     std::vector<std::string> files; ///< from left to right

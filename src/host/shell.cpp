@@ -32,6 +32,7 @@
 #include "host/messages.h"
 #include "host/options.h"
 #include "host/previews.h"
+#include "host/remote.h"
 #include "host/replays.h"
 #include "host/resume.h"
 #include "host/rom_files.h"
@@ -161,9 +162,11 @@ void emu_init(const ShellOptions& options) {
     if (!line.replay.empty()) play_replay_file(line.replay, line.to_frame.value_or(INT64_MAX));
     if (!line.record.empty()) start_replay_recording(line.record);
     expect_welcome();
+    if (line.gdb_port) remote_start(*line.gdb_port);
 }
 
 void emu_close(std::function<void()> done) {
+    remote_end();
     debugging_end_all();
     end_history();
     const CommandLine& line = shell_state.start.line;

@@ -22,6 +22,7 @@
 #include "host/options.h"
 #include "host/overlay.h"
 #include "host/recent.h"
+#include "host/remote.h"
 #include "host/replays.h"
 #include "host/resume.h"
 #include "host/rewind.h"
@@ -315,8 +316,10 @@ void WindowProcedure(const Event& event) {
 
 ShellTurn shell_turn() {
     using enum ShellTurn::Next;
+    std::optional<int64_t> left = remote_turn();
     ShellTurn done = main_turn();
-    const std::optional<int64_t> left = overlay_turn();
+    const std::optional<int64_t> overlay = overlay_turn();
+    if (overlay) left = std::min(left.value_or(*overlay), *overlay);
     if (!left) return done;
     if (done.next == on_event) return {.next = in_time, .microseconds = *left};
     done.microseconds = std::min(done.microseconds, *left);
