@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr int64_t MOST_LINES = 1000; ///< more than any picture has
+constexpr int64_t MOST_RASTER_LINES = 1000; ///< more than any picture has
 constexpr uint16_t LAST_PORT = 0xFF;
 
 /// What a breakpoint's texts have been compiled to.
@@ -57,7 +57,7 @@ bool compile(const Breakpoint& breakpoint, CompiledBreakpoint& to, std::string& 
         problem = "there are no ports above FF";
         return false;
     }
-    if (breakpoint.at < 0 || (kind == BreakpointKind::line && breakpoint.at >= MOST_LINES)) {
+    if (breakpoint.at < 0 || (kind == BreakpointKind::line && breakpoint.at >= MOST_RASTER_LINES)) {
         problem = "this never comes";
         return false;
     }

@@ -6,7 +6,7 @@ namespace {
 
 constexpr uint8_t OPCODE_HALT = 0x76;
 constexpr uint8_t OPCODE_CALL = 0xCD;
-constexpr uint8_t OPCODE_RET = 0xC9;
+constexpr uint8_t OPCODE_PLAIN_RET = 0xC9;
 constexpr uint8_t RST_TARGET = 0x38; ///< in its opcode
 constexpr uint8_t PREFIX_ED = 0xED;
 constexpr uint8_t LAST_TRAP = 0x0C; ///< behind ED
@@ -34,7 +34,7 @@ bool is_repeating(uint16_t pc) {
 
 bool is_return(uint16_t pc) {
     const uint8_t opcode = debug_peek(pc);
-    if (opcode != PREFIX_ED) return opcode == OPCODE_RET || (opcode & 0xC7) == 0xC0;
+    if (opcode != PREFIX_ED) return opcode == OPCODE_PLAIN_RET || (opcode & 0xC7) == 0xC0;
     return (behind_ed(pc) & 0xC7) == 0x45;
 }
 
