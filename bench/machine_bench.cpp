@@ -20,6 +20,7 @@
 #include "time/history.h"
 #include "wall/machine_host.h"
 #include "z80/z80.h"
+#include "z80/z80_watch.h"
 
 #include <benchmark/benchmark.h>
 
@@ -75,6 +76,20 @@ void frame_of_workload(benchmark::State& state) {
     run_frames(state, false);
 }
 BENCHMARK(frame_of_workload)->Unit(benchmark::kMicrosecond);
+
+/// A breakpoint and a watch are armed, and never hit.
+void frame_with_breakpoints(benchmark::State& state, const char* name, bool beam) {
+    start_example(name);
+    g_bCycleBasedEngine = beam;
+    z80_watch.memory[0xBFF0] = WATCH_EXECUTE;
+    z80_watch.memory[0x3123] = WATCH_WRITE;
+    z80_watch.run = z80_run_watched;
+    run_frames(state, false);
+    z80_watch = {};
+}
+BENCHMARK_CAPTURE(frame_with_breakpoints, colours, "colours.cmd", false)
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK_CAPTURE(frame_with_breakpoints, beam, "colours.cmd", true)->Unit(benchmark::kMicrosecond);
 
 void save_state(benchmark::State& state) {
     start_workload();

@@ -291,6 +291,7 @@ std::string watch_hit_text(const watch_hit& hit) {
 }
 
 void breakpoints_arm(const RunGoal& goal) {
+    const bool was_watched = z80_watch.run != nullptr;
     clear_maps();
     table.armed = true;
     table.goal = goal;
@@ -298,6 +299,7 @@ void breakpoints_arm(const RunGoal& goal) {
         if (breakpoint.enabled) watch_for(breakpoint);
     }
     watch_for(goal);
+    if (!was_watched) z80_watch.last_pc = WATCH_NOWHERE; // it was not kept
     breakpoints_arm_cycle();
 }
 

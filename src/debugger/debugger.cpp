@@ -154,8 +154,8 @@ bool can_go() { return debugger_now.on && debugger_now.stands && !debugger_now.w
 
 void arm(const RunGoal& goal) {
     debugger_now.goal = goal;
-    z80_watch.last_pc = z80_state.pc; // here it has been already
     breakpoints_arm(goal);
+    z80_watch.last_pc = z80_state.pc; // here it has been already
 }
 
 void start_past(const PastGoal& goal) {
