@@ -86,6 +86,12 @@ while IFS= read -r line; do
     [[ $line == \#* ]] || opens $line
 done <"$tests/dialogs.txt"
 
+# The debugger's window has keys of its own: F10 leads to no menu, and Alt with F4 closes it alone.
+debuggers() { xdotool search --all --onlyvisible --pid "$program_pid" --name 'debugger$' 2>/dev/null | wc -l; }
+xdotool key alt+d
+xdotool windowfocus --sync "$(find_window 'debugger$')" sleep 0.5 key F10 sleep 0.3 key alt+F4
+becomes "the debugger's window" 0 debuggers
+
 # A program is typed, and saved to a disk whose name is beyond ASCII. It outlives a kill, and is in the
 # file after the question at the end.
 kill "$program_pid"
