@@ -44,19 +44,19 @@ struct PastWork {
     double (*progress)() = [] { return 0.0; };
 };
 
-PastWork work;
-std::optional<DebugStop> result;
-PastSteps steps;
+PastWork past_work;
+std::optional<DebugStop> past_end;
+PastSteps step_places;
 
 /// The present that was left last.
 struct {
     history_moment moment;
     std::vector<Breakpoint> breakpoints; ///< with their hits
-} present;
+} past_present;
 
-void next(std::function<bool()> piece, std::function<void()> then) {
-    work.piece = std::move(piece);
-    work.then = std::move(then);
+void do_pieces(std::function<bool()> piece, std::function<void()> then) {
+    past_work.piece = std::move(piece);
+    past_work.then = std::move(then);
 }
 
 // ---- the end of the work -----------------------------------------------------------------------
@@ -67,11 +67,11 @@ void arm_breakpoints(const RunGoal& goal = {}) {
 }
 
 void end_with(DebugStop stop) {
-    work.piece = {};
-    work.then = {};
+    past_work.piece = {};
+    past_work.then = {};
     arm_breakpoints();
     z80_watch.last_pc = z80_state.pc;
-    result = std::move(stop);
+    past_end = std::move(stop);
 }
 
 /// The machine stays where it is.
@@ -81,13 +81,13 @@ void arrive(DebugStop stop) {
 }
 
 void return_to_start() {
-    if (work.was_live) {
+    if (past_work.was_live) {
         history_show_present();
     } else {
-        history_take_up(work.start_place);
+        history_take_up(past_work.start_place);
         history_show_place();
     }
-    if (!work.hits.empty()) work.calls.set_hits(work.hits);
+    if (!past_work.hits.empty()) past_work.calls.set_hits(past_work.hits);
 }
 
 void give_up(StopReason reason, std::string text) {
@@ -95,18 +95,18 @@ void give_up(StopReason reason, std::string text) {
     end_with({.reason = reason, .text = std::move(text)});
 }
 
-void fail(const std::string& trouble) { give_up(StopReason::failed, trouble); }
+void fail_past(const std::string& trouble) { give_up(StopReason::failed, trouble); }
 
 /// The present, with the machine and the hits that it had.
 void arrive_at_present() {
     history_show_present();
-    std::vector<uint64_t> hits = work.calls.hits();
+    std::vector<uint64_t> hits = past_work.calls.hits();
     for (size_t n = 0; n < hits.size(); ++n) {
         const int number = breakpoints()[n].number;
-        const auto then = std::ranges::find(present.breakpoints, number, &Breakpoint::number);
-        if (then != present.breakpoints.end()) hits[n] = then->hits;
+        const auto then = std::ranges::find(past_present.breakpoints, number, &Breakpoint::number);
+        if (then != past_present.breakpoints.end()) hits[n] = then->hits;
     }
-    work.calls.set_hits(hits);
+    past_work.calls.set_hits(hits);
     end_with({.reason = StopReason::present, .text = "The present"});
 }
 
@@ -115,14 +115,14 @@ void arrive_at_present() {
 /// To the end of the frame, from the state before it.
 void travel(int64_t frame, std::function<void()> then) {
     const std::string trouble = history_go_back(frame);
-    if (!trouble.empty()) return fail(trouble);
-    next(
+    if (!trouble.empty()) return fail_past(trouble);
+    do_pieces(
         [frame] {
             if (history_position() >= frame) return false;
             return history_run_frame(false) == history_end::frame;
         },
         [frame, then = std::move(then)] {
-            history_position() == frame ? then() : fail(history_trouble());
+            history_position() == frame ? then() : fail_past(history_trouble());
         });
 }
 
@@ -135,23 +135,24 @@ void travel_to(const history_moment& moment, std::function<void()> then) {
             end = history_run_steps(1, false);
         }
         if (history_moment_now() == moment) return then();
-        fail(end == history_end::failed ? history_trouble() : "There is no such moment");
+        fail_past(end == history_end::failed ? history_trouble() : "There is no such moment");
     });
 }
 
-void search(HistoryLook look, bool counts, std::function<void()> then) {
-    work.search = {};
-    work.search.begin(work.start, std::move(look), counts);
-    work.progress = [] { return work.search.progress(); };
-    next([] { return work.search.run_piece(); },
-         [then = std::move(then)] {
-             work.search.trouble().empty() ? then() : fail(work.search.trouble());
-         });
+void search_then(HistoryLook look, bool counts, std::function<void()> then) {
+    past_work.search = {};
+    past_work.search.begin(past_work.start, std::move(look), counts);
+    past_work.progress = [] { return past_work.search.progress(); };
+    do_pieces([] { return past_work.search.run_piece(); },
+              [then = std::move(then)] {
+                  past_work.search.trouble().empty() ? then()
+                                                     : fail_past(past_work.search.trouble());
+              });
 }
 
 // ---- hits of breakpoints -----------------------------------------------------------------------
 
-void add(std::vector<uint64_t>& to, const std::vector<uint64_t>& more) {
+void add_hits(std::vector<uint64_t>& to, const std::vector<uint64_t>& more) {
     to.resize(std::max(to.size(), more.size()));
     for (size_t n = 0; n < more.size(); ++n) to[n] += more[n];
 }
@@ -164,27 +165,27 @@ std::vector<uint64_t> without(std::vector<uint64_t> all, const std::vector<uint6
     return all;
 }
 
-std::vector<uint64_t> no_hits() { return std::vector<uint64_t>(work.hits.size(), 0); }
+std::vector<uint64_t> no_hits() { return std::vector<uint64_t>(past_work.hits.size(), 0); }
 
 std::optional<watch_hit> take_hits_of_breakpoints() {
-    auto stop = work.calls.take_hits();
+    auto stop = past_work.calls.take_hits();
     if (!stop) return {};
-    work.stop = std::move(stop);
-    return work.stop->hit;
+    past_work.stop = std::move(stop);
+    return past_work.stop->hit;
 }
 
 bool take_frame_of_breakpoints() {
-    if (!work.calls.take_frame) return false;
-    auto stop = work.calls.take_frame();
+    if (!past_work.calls.take_frame) return false;
+    auto stop = past_work.calls.take_frame();
     if (!stop) return false;
-    work.stop = std::move(stop);
+    past_work.stop = std::move(stop);
     return true;
 }
 
 HistoryLook look_at_breakpoints() {
     return {.take_hits = take_hits_of_breakpoints,
             .take_frame = take_frame_of_breakpoints,
-            .next_cycle = work.calls.next_cycle};
+            .next_cycle = past_work.calls.next_cycle};
 }
 
 /// The machine is before the moment `end`, up to which there were so many hits: those between are
@@ -196,19 +197,19 @@ void take_hits_back(const history_moment& end, const std::vector<uint64_t>& hits
     history_park(*here);
     arm_breakpoints();
     z80_watch.last_pc = z80_state.pc;
-    work.calls.set_hits(no_hits());
-    work.look = look_at_breakpoints();
-    work.sweep.begin(end, true, &work.look, [](const HistoryHit&) { return false; });
-    next([] { return work.sweep.run_piece(); },
-         [here, hits, then = std::move(then)] {
-             work.calls.set_hits(without(hits, work.calls.hits()));
-             history_take_up(*here);
-             then();
-         });
+    past_work.calls.set_hits(no_hits());
+    past_work.look = look_at_breakpoints();
+    past_work.sweep.begin(end, true, &past_work.look, [](const HistoryHit&) { return false; });
+    do_pieces([] { return past_work.sweep.run_piece(); },
+              [here, hits, then = std::move(then)] {
+                  past_work.calls.set_hits(without(hits, past_work.calls.hits()));
+                  history_take_up(*here);
+                  then();
+              });
 }
 
 void take_hits_back(std::function<void()> then) {
-    take_hits_back(work.start, work.hits, std::move(then));
+    take_hits_back(past_work.start, past_work.hits, std::move(then));
 }
 
 /// Stands at the moment, which is before the start.
@@ -220,28 +221,29 @@ void go_back_to(const history_moment& moment, DebugStop stop) {
 
 /// The machine becomes what it was at place `n` of the list.
 void take_step(size_t n, const std::function<void()>& then) {
-    steps.go_to(n) ? take_hits_back(then) : fail(history_trouble());
+    step_places.go_to(n) ? take_hits_back(then) : fail_past(history_trouble());
 }
 
 void step_from_list(const std::function<void()>& then) {
-    const auto at = steps.find(work.start);
+    const auto at = step_places.find(past_work.start);
     if (at && *at > 0) return take_step(*at - 1, then);
-    const int64_t before = work.start.frame - 1;
+    const int64_t before = past_work.start.frame - 1;
     if (before < 0) return give_up(StopReason::beginning, "The history begins here");
     travel(before, [before, then] {
-        if (!steps.list(before, work.start)) return fail(history_trouble());
-        take_step(steps.count() - 1, then);
+        if (!step_places.list(before, past_work.start)) return fail_past(history_trouble());
+        take_step(step_places.count() - 1, then);
     });
 }
 
 /// The machine becomes what it was an instruction before.
 void step_back(const std::function<void()>& then) {
-    if (steps.find(work.start).value_or(0) > 0) {
-        if (work.was_live) history_go_back(work.start.frame);
+    if (step_places.find(past_work.start).value_or(0) > 0) {
+        if (past_work.was_live) history_go_back(past_work.start.frame);
         return step_from_list(then);
     }
-    travel(work.start.frame, [then] {
-        if (!steps.list(work.start.frame, work.start)) return fail(history_trouble());
+    travel(past_work.start.frame, [then] {
+        if (!step_places.list(past_work.start.frame, past_work.start))
+            return fail_past(history_trouble());
         step_from_list(then);
     });
 }
@@ -286,11 +288,11 @@ void find_call(uint16_t slot, uint16_t return_address,
         if (hit) *was_call = is_call(hit->pc, return_address);
         return hit;
     };
-    search({.take_hits = take}, false,
-           [was_call, found = std::move(found), other = std::move(other)] {
-               const auto& hit = work.search.found();
-               hit&&* was_call ? found(hit->place) : other();
-           });
+    search_then({.take_hits = take}, false,
+                [was_call, found = std::move(found), other = std::move(other)] {
+                    const auto& hit = past_work.search.found();
+                    hit&&* was_call ? found(hit->place) : other();
+                });
 }
 
 void step_back_over() {
@@ -311,9 +313,9 @@ void step_back_over() {
         z80_watch = {};
         z80_watch.memory[before.pc] = WATCH_EXECUTE;
         const auto take = [] { return std::optional(z80_watch.hits[0]); };
-        search({.take_hits = take}, false, [stay] {
-            if (!work.search.found()) return stay();
-            go_back_to(work.search.found()->place, {.reason = StopReason::step});
+        search_then({.take_hits = take}, false, [stay] {
+            if (!past_work.search.found()) return stay();
+            go_back_to(past_work.search.found()->place, {.reason = StopReason::step});
         });
     });
 }
@@ -327,16 +329,16 @@ void look_for_caller(int slot) {
         address, debug_peek_word(address),
         [](const history_moment& place) { go_back_to(place, {.reason = StopReason::step}); },
         [slot] { // the next slot, as the stack was at the start
-            travel_to(work.start, [slot] { look_for_caller(slot + 1); });
+            travel_to(past_work.start, [slot] { look_for_caller(slot + 1); });
         });
 }
 
 void back_to_write(uint16_t address) {
     arm_writes(address);
     z80_watch.interrupts = false;
-    search({.take_hits = last_write}, false, [] {
-        const auto& found = work.search.found();
-        if (!found) return fail("Nothing in the history has written this byte");
+    search_then({.take_hits = last_write}, false, [] {
+        const auto& found = past_work.search.found();
+        if (!found) return fail_past("Nothing in the history has written this byte");
         const DebugStop stop = {
             .reason = StopReason::step, .hit = found->hit, .text = watch_hit_text(found->hit)};
         go_back_to(found->place, stop);
@@ -346,16 +348,17 @@ void back_to_write(uint16_t address) {
 /// Counts the hits of each part. Conditions that depend on them need to know how many there were
 /// before it.
 void count_by_parts() {
-    work.hits_behind = no_hits();
-    work.search.part_begins = [](bool counts) {
-        const bool known = !counts && work.calls.hits_matter();
-        work.hits_before = known ? without(work.hits, work.hits_behind) : no_hits();
-        if (known) work.hits_before = without(work.hits_before, work.hits_in_part);
-        work.calls.set_hits(work.hits_before);
+    past_work.hits_behind = no_hits();
+    past_work.search.part_begins = [](bool counts) {
+        const bool known = !counts && past_work.calls.hits_matter();
+        past_work.hits_before = known ? without(past_work.hits, past_work.hits_behind) : no_hits();
+        if (known) past_work.hits_before = without(past_work.hits_before, past_work.hits_in_part);
+        past_work.calls.set_hits(past_work.hits_before);
     };
-    work.search.part_ends = [](bool counts) {
-        work.hits_in_part = without(work.calls.hits(), work.hits_before);
-        if (!counts && !work.search.found()) add(work.hits_behind, work.hits_in_part);
+    past_work.search.part_ends = [](bool counts) {
+        past_work.hits_in_part = without(past_work.calls.hits(), past_work.hits_before);
+        if (!counts && !past_work.search.found())
+            add_hits(past_work.hits_behind, past_work.hits_in_part);
     };
 }
 
@@ -367,21 +370,21 @@ void back_go(std::optional<uint16_t> address) {
         const watch_hit first = z80_watch.hits[0];
         if (const auto hit = take_hits_of_breakpoints()) return hit;
         if (!address || first.kind != watch_kind::execute || first.address != *address) return {};
-        work.stop = DebugStop{.reason = StopReason::step};
+        past_work.stop = DebugStop{.reason = StopReason::step};
         return first;
     };
-    search(std::move(look), work.calls.hits_matter(), [] {
-        const auto& found = work.search.found();
-        const auto hits = without(work.hits, work.hits_behind);
+    search_then(std::move(look), past_work.calls.hits_matter(), [] {
+        const auto& found = past_work.search.found();
+        const auto hits = without(past_work.hits, past_work.hits_behind);
         if (!found) {
             return travel(history_first(), [hits] {
                 history_run_steps(0, false);
-                work.calls.set_hits(hits);
+                past_work.calls.set_hits(hits);
                 arrive({.reason = StopReason::beginning, .text = "The history begins here"});
             });
         }
         travel_to(found->place, [hits] {
-            take_hits_back(work.search.part_end(), hits, [] { arrive(*work.stop); });
+            take_hits_back(past_work.search.part_end(), hits, [] { arrive(*past_work.stop); });
         });
     });
     count_by_parts();
@@ -392,8 +395,9 @@ void back_go(std::optional<uint16_t> address) {
 /// The machine is where it was to come to, before or after the start.
 void arrive_counted() {
     const history_moment now = history_moment_now();
-    const bool is_before = now.frame < work.start.frame ||
-                           (now.frame == work.start.frame && now.cycle < work.start.cycle);
+    const bool is_before =
+        now.frame < past_work.start.frame ||
+        (now.frame == past_work.start.frame && now.cycle < past_work.start.cycle);
     if (is_before) return take_hits_back(arrive_by_step);
     arrive_by_step();
 }
@@ -409,70 +413,70 @@ void to_frame(int64_t frame) {
 
 void to_cycle(int64_t cycle) {
     const std::string trouble = history_go_back(history_frame_before_cycle(cycle));
-    if (!trouble.empty()) return fail(trouble);
+    if (!trouble.empty()) return fail_past(trouble);
     auto end = std::make_shared<history_end>(history_end::frame);
-    next(
+    do_pieces(
         [cycle, end] {
             *end = history_run_to_cycle(cycle);
             return *end == history_end::frame;
         },
         [end] {
             if (*end == history_end::record) return arrive_at_present();
-            *end == history_end::failed ? fail(history_trouble()) : arrive_counted();
+            *end == history_end::failed ? fail_past(history_trouble()) : arrive_counted();
         });
 }
 
 /// By breakpoints and the goal.
 void run_forward(const RunGoal& goal) {
     arm_breakpoints(goal);
-    work.run_goal = goal;
+    past_work.run_goal = goal;
     z80_watch.last_pc = z80_state.pc;
-    work.look = look_at_breakpoints();
-    work.look.take_hits = []() -> std::optional<watch_hit> {
+    past_work.look = look_at_breakpoints();
+    past_work.look.take_hits = []() -> std::optional<watch_hit> {
         std::optional<watch_hit> arrived;
         for (int n = 0; n < z80_watch.hit_count; ++n) {
-            if (work.run_goal.takes(z80_watch.hits[n])) arrived = z80_watch.hits[n];
+            if (past_work.run_goal.takes(z80_watch.hits[n])) arrived = z80_watch.hits[n];
         }
         if (const auto hit = take_hits_of_breakpoints()) return hit;
-        if (arrived) work.stop = DebugStop{.reason = StopReason::step};
+        if (arrived) past_work.stop = DebugStop{.reason = StopReason::step};
         return arrived;
     };
     const history_moment never = {INT64_MAX, INT64_MAX, 0};
-    work.sweep.begin(never, false, &work.look, [](const HistoryHit&) { return true; });
-    work.progress = [] {
-        const auto all = double(history_last() - work.start.frame);
-        return all > 0 ? double(history_position() - work.start.frame) / all : 1.0;
+    past_work.sweep.begin(never, false, &past_work.look, [](const HistoryHit&) { return true; });
+    past_work.progress = [] {
+        const auto all = double(history_last() - past_work.start.frame);
+        return all > 0 ? double(history_position() - past_work.start.frame) / all : 1.0;
     };
-    next([] { return work.sweep.run_piece(); },
-         [] {
-             if (work.sweep.has_failed()) return fail(history_trouble());
-             work.sweep.is_stopped() ? arrive(*work.stop) : arrive_at_present();
-         });
+    do_pieces([] { return past_work.sweep.run_piece(); },
+              [] {
+                  if (past_work.sweep.has_failed()) return fail_past(history_trouble());
+                  past_work.sweep.is_stopped() ? arrive(*past_work.stop) : arrive_at_present();
+              });
 }
 
 void step_forward() {
     arm_breakpoints();
     z80_watch.last_pc = z80_state.pc;
     const history_end end = history_run_steps(1, true);
-    if (end == history_end::failed) return fail(history_trouble());
+    if (end == history_end::failed) return fail_past(history_trouble());
     std::optional<DebugStop> stop;
-    if (z80_watch.hit_count) stop = work.calls.take_hits();
+    if (z80_watch.hit_count) stop = past_work.calls.take_hits();
     const bool is_present =
         end == history_end::record || history_run_steps(0, false) == history_end::record;
     if (is_present) return arrive_at_present();
     if (z80_watch_arrives()) {
-        if (auto at_address = work.calls.take_hits()) stop = std::move(at_address);
+        if (auto at_address = past_work.calls.take_hits()) stop = std::move(at_address);
     }
-    if (end == history_end::frame && work.calls.take_frame) {
-        if (auto at_end = work.calls.take_frame()) stop = std::move(at_end);
+    if (end == history_end::frame && past_work.calls.take_frame) {
+        if (auto at_end = past_work.calls.take_frame()) stop = std::move(at_end);
     }
     arrive(stop.value_or(DebugStop{.reason = StopReason::step}));
 }
 
 void begin_work() {
-    const PastGoal& goal = work.goal;
+    const PastGoal& goal = past_work.goal;
     const bool forwards = goal.way >= PastWay::step;
-    if (forwards && work.was_live) return end_with({.reason = StopReason::present});
+    if (forwards && past_work.was_live) return end_with({.reason = StopReason::present});
     switch (goal.way) {
     case PastWay::back_step: return step_back(arrive_by_step);
     case PastWay::back_over: return step_back_over();
@@ -495,46 +499,46 @@ void begin_work() {
 
 void past_start(const PastGoal& goal, const PastCalls& calls) {
     past_cancel();
-    result.reset();
-    work = {.goal = goal, .calls = calls, .was_live = history_is_live()};
+    past_end.reset();
+    past_work = {.goal = goal, .calls = calls, .was_live = history_is_live()};
     if (!history_is_kept()) {
         return end_with({.reason = StopReason::failed, .text = "No history is kept"});
     }
-    work.hits = calls.hits();
-    work.start = history_moment_now();
-    if (work.was_live) {
-        if (!(present.moment == work.start)) steps.forget();
-        present = {work.start, breakpoints()};
+    past_work.hits = calls.hits();
+    past_work.start = history_moment_now();
+    if (past_work.was_live) {
+        if (!(past_present.moment == past_work.start)) step_places.forget();
+        past_present = {past_work.start, breakpoints()};
     } else {
-        history_park(work.start_place);
+        history_park(past_work.start_place);
     }
     begin_work();
 }
 
 bool past_turn() {
     const auto end = Clock::now() + SLICE;
-    while (work.piece && Clock::now() < end) {
-        if (work.piece()) continue;
-        const auto then = std::exchange(work.then, {});
-        work.piece = {};
+    while (past_work.piece && Clock::now() < end) {
+        if (past_work.piece()) continue;
+        const auto then = std::exchange(past_work.then, {});
+        past_work.piece = {};
         then();
     }
     return past_is_working();
 }
 
-bool past_is_working() { return bool(work.piece); }
+bool past_is_working() { return bool(past_work.piece); }
 
 std::optional<double> past_progress() {
     if (!past_is_working()) return {};
-    return std::clamp(work.progress(), 0.0, 1.0);
+    return std::clamp(past_work.progress(), 0.0, 1.0);
 }
 
-std::optional<DebugStop> past_result() { return std::exchange(result, {}); }
+std::optional<DebugStop> past_result() { return std::exchange(past_end, {}); }
 
 void past_cancel() {
     if (!past_is_working()) return;
     give_up(StopReason::cancelled, "Given up");
-    result.reset();
+    past_end.reset();
 }
 
 bool past_is_shown() { return !history_is_live(); }
@@ -544,4 +548,4 @@ void past_branch() {
     past_forget();
 }
 
-void past_forget() { steps.forget(); }
+void past_forget() { step_places.forget(); }

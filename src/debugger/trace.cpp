@@ -17,21 +17,21 @@ struct {
     history_moment end = {};
     int64_t from = -1; ///< frame that it begins with
     std::vector<TraceStep> steps = {};
-} trace;
+} trace_now;
 
 void note_step() {
     const uint16_t pc = z80_state.pc;
-    TraceStep& step = trace.steps.emplace_back();
+    TraceStep& step = trace_now.steps.emplace_back();
     step.cycle = z80_state.t_count;
     step.registers = z80_state;
     for (size_t n = 0; n < step.bytes.size(); ++n) step.bytes[n] = debug_peek(uint16_t(pc + n));
 }
 
-const TraceStep* shown = nullptr; ///< of which the disassembler reads
+const TraceStep* shown_step = nullptr; ///< of which the disassembler reads
 
 uint8_t byte_of_shown(uint16_t address) {
-    const auto n = uint16_t(address - shown->registers.pc);
-    return n < shown->bytes.size() ? shown->bytes[n] : 0;
+    const auto n = uint16_t(address - shown_step->registers.pc);
+    return n < shown_step->bytes.size() ? shown_step->bytes[n] : 0;
 }
 
 /// Subroutines that were entered and not left between the steps, the innermost last.
@@ -57,23 +57,23 @@ std::vector<DebugCall> traced_calls(const std::vector<TraceStep>& steps) {
 const std::vector<TraceStep>& debugger_trace(size_t count) {
     const history_moment now = history_moment_now();
     count = std::min(count, LONGEST_TRACE);
-    if (!(trace.end == now)) trace = {.end = now};
+    if (!(trace_now.end == now)) trace_now = {.end = now};
     int64_t frames = int64_t(count / STEPS_OF_FRAME);
-    while (trace.steps.size() < count && trace.from != 0) {
-        trace.from = history_unbroken(std::max<int64_t>(now.frame - frames, 0), now.frame);
-        trace.steps.clear();
-        const bool reaches = history_trace(trace.from, note_step).empty();
-        if (!reaches || trace.from > now.frame - frames) break;
+    while (trace_now.steps.size() < count && trace_now.from != 0) {
+        trace_now.from = history_unbroken(std::max<int64_t>(now.frame - frames, 0), now.frame);
+        trace_now.steps.clear();
+        const bool reaches = history_trace(trace_now.from, note_step).empty();
+        if (!reaches || trace_now.from > now.frame - frames) break;
         frames = frames * 2 + 1;
     }
-    const size_t more = trace.steps.size() - std::min(trace.steps.size(), LONGEST_TRACE);
-    trace.steps.erase(trace.steps.begin(), trace.steps.begin() + ptrdiff_t(more));
-    return trace.steps;
+    const size_t more = trace_now.steps.size() - std::min(trace_now.steps.size(), LONGEST_TRACE);
+    trace_now.steps.erase(trace_now.steps.begin(), trace_now.steps.begin() + ptrdiff_t(more));
+    return trace_now.steps;
 }
 
 std::string trace_text(const TraceStep& step) {
     char line[DISASSEMBLY_LINE];
-    shown = &step;
+    shown_step = &step;
     disassemble_by(byte_of_shown, step.registers.pc, line);
     return line;
 }

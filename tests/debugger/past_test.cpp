@@ -204,6 +204,52 @@ TEST_P(Past, BreakpointsStopBackwardsWithTheirConditionsAndCounts) {
     EXPECT_EQ(machine_difference(present, machine_now()), "");
 }
 
+TEST_P(Past, WritesOfTheLastInstructionsOfFramesAreFound) {
+    run_plainly();
+    std::map<Place, uint16_t> written;
+    for (const auto& [address, places] : plain.writes) {
+        for (const Place& place : places) written[place] = address;
+    }
+    int found = 0;
+    for (int64_t frame = 2; frame < FRAMES && found < 4; ++frame) {
+        int64_t end = 0;
+        history_visit(frame, [&] { end = z80_state.t_count; });
+        const Place last = *(std::ranges::lower_bound(plain.places, Place(end, 0)) - 1);
+        if (!written.contains(last)) continue;
+        const uint16_t address = written[last];
+        after([=] { debugger_to_frame(frame); });
+        after([=] { debugger_back_to_write(address); });
+        EXPECT_EQ(place_now(), last) << frame;
+        ++found;
+    }
+    EXPECT_GT(found, 1);
+}
+
+// A search runs parts that begin where the history has states.
+TEST_P(Past, HitsAtTheEndsOfFramesCountOnce) {
+    int found = 0;
+    for (const int64_t frame : {0, 1, 49, 50, 51, 99, 100, 101, 149}) {
+        Place end;
+        history_visit(frame, [&] { end = place_now(); });
+        after([] { debugger_to_frame(0); });
+        char line[64];
+        std::snprintf(line, sizeof line, "break %04X if cycle == %lld", unsigned(end.second),
+                      static_cast<long long>(end.first));
+        debugger_command(line);
+        if (after(debugger_go).reason == StopReason::breakpoint) {
+            const uint64_t hits = breakpoints().back().hits;
+            EXPECT_EQ(after(debugger_go).reason, StopReason::present);
+            after(debugger_back_go);
+            EXPECT_EQ(place_now(), end) << frame;
+            EXPECT_EQ(breakpoints().back().hits, hits) << frame;
+            ++found;
+        }
+        after(debugger_to_present);
+        breakpoints_remove_all(0);
+    }
+    EXPECT_GT(found, 4);
+}
+
 TEST_P(Past, SubroutinesAreSteppedOverAndLeftBackwards) {
     run_plainly();
     int over = 0, out = 0;
@@ -222,6 +268,9 @@ TEST_P(Past, SubroutinesAreSteppedOverAndLeftBackwards) {
         EXPECT_EQ(place_now(), call) << over;
         ++over;
         after([=] { debugger_to_cycle(inside); });
+        const DebugCall innermost = debugger_calls(1).front();
+        EXPECT_EQ(innermost.call, call.second);
+        EXPECT_TRUE(innermost.is_traced && innermost.slot == plain.stack[n + 1]);
         after(debugger_back_out);
         EXPECT_EQ(place_now(), call) << out;
         ++out;
