@@ -23,11 +23,6 @@ bool is_of_memory(BreakpointKind kind) {
            kind == BreakpointKind::memory_access;
 }
 
-/// The command that sets it.
-std::string command_of(const Breakpoint& point) {
-    return (is_of_memory(point.kind) ? "watch " : "break ") + breakpoint_text(point);
-}
-
 class BreakpointSection final : public DebugSection {
 public:
     const char* title() const override { return "Breakpoints"; }
@@ -121,7 +116,7 @@ private:
     void change() const {
         const auto point = here();
         if (!point) return add();
-        view_ask("Breakpoint " + std::to_string(point->number) + ":", command_of(*point),
+        view_ask("Breakpoint " + std::to_string(point->number) + ":", breakpoint_text(*point),
                  [old = *point](const std::string& text) { return replace(old, text); });
     }
 

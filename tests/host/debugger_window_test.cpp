@@ -139,4 +139,85 @@ TEST_F(DebuggerWindowTest, AProgramIsStoppedChangedAndLedBack) {
     EXPECT_FALSE(debugger_is_in_past());
 }
 
+TEST_F(DebuggerWindowTest, BreakpointsWatchesAndMemoryAreEditedByKeysAndMouse) {
+    click("Breakpoints");
+    press(KEY_INSERT);
+    answer("6005 if b == 1"); // behind "break "
+    ASSERT_EQ(breakpoints().size(), 1U);
+    const std::string number = std::to_string(breakpoints()[0].number);
+    EXPECT_NE(row(number + " break 6005 if b == 1  0 hits"), "");
+    press(KEY_HOME);
+    press(KEY_RETURN);
+    press(KEY_BACKSPACE);
+    answer("x");
+    EXPECT_NE(row("Breakpoint " + number + ":  break 6005 if b == x"), "")
+        << "what cannot be stays open";
+    press(KEY_BACKSPACE);
+    answer("2");
+    EXPECT_NE(row(number + " break 6005 if b == 2"), "");
+    click("PC  ");
+    answer("6000");
+    press(KEY_F5);
+    EXPECT_EQ(z80_state.bc >> 8, 2);
+    EXPECT_NE(row("Breakpoint " + number + ": at 6005"), "");
+    click("Breakpoints");
+    type(" ");
+    press(KEY_F5);
+    EXPECT_FALSE(debugger_stands());
+    click(" Stop ", 1);
+    EXPECT_EQ(z80_state.pc, 0x6008);
+
+    click("Watches");
+    press(KEY_INSERT);
+    answer("w(6 * 4096)"); // the word at 6000
+    EXPECT_NE(row("w(6 * 4096)  33  21  '!'"), "") << "the word at 6000 is 0021";
+
+    click("Memory");
+    press('F', MODIFIER_CONTROL);
+    answer("34 10 FD");
+    EXPECT_NE(row("Found at 6005"), "");
+    press('L', MODIFIER_CONTROL);
+    answer("6007");
+    answer("\"A\" 1");
+    EXPECT_EQ(mem_peek(0x6005), 'A');
+    EXPECT_EQ(mem_peek(0x6006), 1);
+    EXPECT_EQ(mem_peek(0x6007), 'A');
+}
+
+TEST_F(DebuggerWindowTest, ItFitsAnySizeAndTheKeysOfTheMainWindowAskBefore) {
+    for (const Size cells : {Size{80, 25}, {110, 40}, {200, 80}}) {
+        const Size pixels = {cells.width * HEADLESS_CELL.width,
+                             cells.height * HEADLESS_CELL.height};
+        host->window().debugger = {10, 20, 10 + pixels.width, 20 + pixels.height};
+        pane().fill_rectangle({0, 0, 4000, 4000}, 0); // what was there before
+        paint_debugger_window();
+        const std::vector<std::string> rows = pane().rows();
+        EXPECT_EQ(int(rows.size()), cells.height);
+        for (const std::string& line : rows) EXPECT_LE(int(line.size()), cells.width) << line;
+        for (const char* title :
+             {"Registers", "Listing", "Memory", "Stack", "Calls", "Watches", "Breakpoints", "Trace",
+              "Picture", "CRTC", "Sound", "Disk", "Ports", "Commands", "Time"}) {
+            click(" " + std::string(title), 1);
+            EXPECT_NE(pane().message.find(std::string(title) + ":"), std::string::npos) << title;
+        }
+    }
+    command(COMMAND_SOUND); // any other
+    const uint16_t pc = z80_state.pc;
+    Event reset;
+    reset.kind = Event::Kind::key_down;
+    reset.value = KEY_F11;
+    host->dialogs().answers.assign({1, 0});
+    send(reset);
+    EXPECT_EQ(z80_state.pc, pc);
+    send(reset);
+    EXPECT_EQ(z80_state.nmi, 1);
+    command(COMMAND_DEBUGGER);
+    EXPECT_FALSE(host->window().debugger_open);
+    EXPECT_FALSE(debugger_is_on());
+    emu_close();
+    const std::string settings = read_text(SETTINGS);
+    EXPECT_NE(settings.find("DebuggerWidth = 1600"), std::string::npos);
+    EXPECT_NE(settings.find("DebuggerTop = 20"), std::string::npos);
+}
+
 } // namespace
