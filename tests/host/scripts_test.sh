@@ -46,7 +46,7 @@ assert screen gone.txt|1|-:1: gone.txt: cannot be read; what it shows is in gone
 start gone.cmd|1|-:1: gone.cmd: no such file
 load-state gone.tvs|1|-:1: gone.tvs: no such file
 exit 7\necho no|7|status 7
-run 1 frame|0|status 0
+run 100 cycles\nassert cycle >= 100 && cycle < 130|0|status 0
 END
 run gone.tvscript
 [[ $(cat result) == $'gone.tvscript: cannot be read\nstatus 2' ]] || fail "a script that is not there"
