@@ -46,14 +46,15 @@ protected:
 #pragma GCC diagnostic push
 #pragma GCC diagnostic ignored "-Wparentheses"
 TEST_F(Expressions, OperatorsBindAsInC) {
-    const int64_t two = 2; // keeps the compiler from warnings about constants
+    // Variables keep compilers from warnings about constants.
+    const volatile int64_t two = 2, one = 1, none = 0;
     const std::pair<const char*, int64_t> cases[] = {
         {"1 + 2 * 3 - 7 / 2 % 3", 1 + 2 * 3 - 7 / 2 % 3},
         {"2 << 3 + 1 >> 2", two << 3 + 1 >> 2},
         {"1 < 2 == 2 > 1 != 0", 1 < two == two > 1 != 0},
         {"5 & 3 == 3 | 6 & 3 ^ 4", 5 & 3 == 3 | 6 & 3 ^ 4},
         {"~-7 / 2 * 10 + !5 - -7 % 2", ~-7 / two * 10 + !5 - -7 % two},
-        {"2 <= 2 && 3 >= 4 || 1 || 0 && 0", 2 <= two && 3 >= two * 2 || 1 || 0 && 0},
+        {"2 <= 2 && 3 >= 4 || 1 || 0 && 0", 2 <= two && 3 >= two * 2 || one || none && none},
     };
     for (const auto& [text, value] : cases) EXPECT_EQ(value_of(text), value) << text;
 }

@@ -17,7 +17,7 @@
 namespace {
 
 /// What it leaves was worked out by hand from the processor's data sheet.
-constexpr uint8_t PROGRAM[] = {
+constexpr uint8_t CLIENTS_PROGRAM[] = {
     0xED, 0x56,             // 4300 im 1
     0x31, 0x00, 0x50,       // 4302 ld sp,5000h
     0x21, 0x34, 0x12,       // 4305 ld hl,1234h
@@ -49,7 +49,7 @@ protected:
     void SetUp() override {
         z80_state = {};
         machine_init();
-        std::ranges::copy(PROGRAM, memory + 0x4300);
+        std::ranges::copy(CLIENTS_PROGRAM, memory + 0x4300);
         z80_state.af_alt = 0x0102;
         z80_state.bc_alt = z80_state.de_alt = z80_state.hl_alt = 0x0304;
         z80_state.pc = 0x4300;
