@@ -4,6 +4,8 @@
 #include "debugger/commands.h"
 #include "debugger/debugger.h"
 #include "host/commands.h"
+#include "host/replays.h"
+#include "host/status.h"
 #include "host/whole_program.h"
 #include "time/history.h"
 #include "z80/z80.h"
@@ -14,7 +16,7 @@ class DebuggingTest : public WholeProgramTest {
 protected:
     void start() {
         WholeProgramTest::start();
-        user = debugging_begin([this](const std::string& line) { lines.push_back(line); });
+        user = debugging_begin();
         turns(1000);
     }
     void TearDown() override {
@@ -34,7 +36,6 @@ protected:
         return z80_state.t_count - before;
     }
     int user = 0;
-    std::vector<std::string> lines;
 };
 
 TEST_F(DebuggingTest, TheMachineStandsWhateverElseHoldsIt) {
@@ -70,9 +71,25 @@ TEST_F(DebuggingTest, FramesAheadHitNothing) {
     turns(1000);
     EXPECT_GT(history_position(), frame + 40);
     EXPECT_EQ(int64_t(breakpoints()[0].hits), history_position() - frame);
-    debugger_command("break 0000-FFFF if line == 50 log \"{pc:x}\"");
-    turns(20);
-    EXPECT_FALSE(lines.empty());
+}
+
+TEST_F(DebuggingTest, AReplayStandsAndGoesOnAsItWas) {
+    start();
+    start_replay_recording("a.tvr");
+    host->set_key('A', true);
+    turns(2000);
+    end_replay_recording();
+    play_replay_file("a.tvr");
+    debugger_command("break line 100");
+    debugger_command("watch access 4000-47FF if hits % 100 == 1");
+    int stops = 0;
+    for (; replay_plays() && stops < 10'000; ++stops) {
+        while (replay_plays() && !debugger_stands()) turns(20);
+        if (stops % 3 == 0) debugger_step();
+        debugger_go();
+    }
+    EXPECT_GT(stops, 150);
+    EXPECT_EQ(shown_status().find("The replay has ended"), 0U) << shown_status();
 }
 
 } // namespace
