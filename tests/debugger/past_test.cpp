@@ -225,23 +225,28 @@ TEST_P(Past, WritesOfTheLastInstructionsOfFramesAreFound) {
     EXPECT_GT(found, 1);
 }
 
-// A search runs parts that begin where the history has states.
+// A search runs parts that begin where the history has states, about every second.
 TEST_P(Past, HitsAtTheEndsOfFramesCountOnce) {
-    int found = 0;
-    for (const int64_t frame : {0, 1, 49, 50, 51, 99, 100, 101, 149}) {
+    const auto command_at = [](int64_t frame, const char* format) {
         Place end;
         history_visit(frame, [&] { end = place_now(); });
-        after([] { debugger_to_frame(0); });
         char line[64];
-        std::snprintf(line, sizeof line, "break %04X if cycle == %lld", unsigned(end.second),
-                      static_cast<long long>(end.first));
+        const auto cycle = static_cast<long long>(end.first);
+        std::snprintf(line, sizeof line, format, unsigned(end.second), cycle);
         debugger_command(line);
+        return end;
+    };
+    int found = 0;
+    for (const int64_t frame : {1, 49, 50, 51, 99, 100, 101, 149}) {
+        after([] { debugger_to_frame(0); });
+        for (const int64_t state : {50, 100}) command_at(state, "break %04X count");
+        const Place end = command_at(frame, "break %04X if cycle == %lld");
         if (after(debugger_go).reason == StopReason::breakpoint) {
-            const uint64_t hits = breakpoints().back().hits;
+            const std::vector<uint64_t> hits = breakpoint_hits();
             EXPECT_EQ(after(debugger_go).reason, StopReason::present);
             after(debugger_back_go);
             EXPECT_EQ(place_now(), end) << frame;
-            EXPECT_EQ(breakpoints().back().hits, hits) << frame;
+            EXPECT_EQ(breakpoint_hits(), hits) << frame;
             ++found;
         }
         after(debugger_to_present);
