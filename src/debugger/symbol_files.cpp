@@ -279,6 +279,7 @@ std::string load_symbols(std::string_view file_name, std::string_view contents, 
 std::string load_symbol_file(const std::string& path, SymbolTable& to) {
     const auto bytes = read_whole_file(path, LARGEST_SYMBOL_FILE);
     if (!bytes) return path + ": it cannot be read";
+    to.add_folder(folder_of(path));
     return load_symbols(path, {reinterpret_cast<const char*>(bytes->data()), bytes->size()}, to);
 }
 

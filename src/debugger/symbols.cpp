@@ -100,6 +100,12 @@ void SymbolTable::add_line(SourceLine line, uint16_t address) {
 
 void SymbolTable::clear() { *this = {}; }
 
+void SymbolTable::add_folder(const std::string& folder) {
+    if (std::ranges::find(symbol_folders, folder) == symbol_folders.end()) {
+        symbol_folders.push_back(folder);
+    }
+}
+
 const Symbol* SymbolTable::find(std::string_view name) const {
     const auto exact = by_name.find(name);
     if (exact != by_name.end()) return &exact->second;

@@ -37,6 +37,9 @@ public:
     void add(Symbol symbol);
     /// A line of C goes before one of assembly at the same address.
     void add_line(SourceLine line, uint16_t address);
+    /// A folder in which the files of the source may lie: that of a symbol file.
+    void add_folder(const std::string& folder);
+    const std::vector<std::string>& folders() const { return symbol_folders; }
     /// Forgets what the user has loaded.
     void clear();
     /// How many are the user's.
@@ -71,6 +74,7 @@ private:
     std::multimap<std::string, std::string> by_small_name; ///< in small letters
     std::multimap<uint16_t, std::string> labels;
     std::multimap<uint16_t, SourceLine> lines;
+    std::vector<std::string> symbol_folders;
 };
 
 /// The names for the live machine, which all fronts of the debugger share.

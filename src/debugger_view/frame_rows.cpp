@@ -1,4 +1,5 @@
 #include "debugger/debugger.h"
+#include "debugger/source_text.h"
 #include "debugger/symbols.h"
 #include "debugger_view/actions.h"
 #include "debugger_view/view_state.h"
@@ -45,7 +46,8 @@ std::string view_state_text() {
     if (text.empty()) text = "Stands";
     text += ", at " + place;
     if (const auto line = debugger_symbols().line_of(pc)) {
-        text += ", " + line->file + ":" + std::to_string(line->line);
+        text += ", " + line->file + ":" + std::to_string(line->line) + "  " +
+                source_text(*line, debugger_symbols());
     }
     return text;
 }

@@ -1,5 +1,6 @@
 #include "debugger/debugger.h"
 #include "debugger/peek.h"
+#include "debugger/source_text.h"
 #include "debugger/symbols.h"
 #include "debugger_view/instruction.h"
 #include "debugger_view/section.h"
@@ -121,8 +122,9 @@ private:
         using Kind = ListingRow::Kind;
         while (int(made.size()) < count) {
             if (const auto line = debugger_symbols().line_at(address)) {
-                made.push_back(
-                    {Kind::source, address, line->file + ":" + std::to_string(line->line)});
+                made.push_back({Kind::source, address,
+                                line->file + ":" + std::to_string(line->line) + "  " +
+                                    source_text(*line, debugger_symbols())});
             }
             const std::string label = debugger_symbols().name_at(address);
             if (!label.empty()) made.push_back({Kind::label, address, label + ":"});

@@ -3,8 +3,11 @@
 #include "core/machine_events.h"
 #include "core/pacing/pacing.h"
 #include "debugger/debugger.h"
+#include "debugger/symbols.h"
 #include "host/whole_program.h"
 #include "z80/z80.h"
+
+#include <filesystem>
 
 namespace {
 
@@ -27,6 +30,7 @@ protected:
     void TearDown() override {
         end_debugger_window();
         breakpoints_remove_all(0);
+        debugger_symbols().clear();
         WholeProgramTest::TearDown();
     }
 
@@ -91,14 +95,20 @@ protected:
 
 TEST_F(DebuggerWindowTest, AProgramIsStoppedChangedAndLedBack) {
     ASSERT_TRUE(debugger_stands());
+    std::filesystem::create_directory("source");
+    write_text("source/game.c", "int lives;\n  ++lives;\n");
     click("PC  ");
     answer("6000");
     EXPECT_EQ(z80_state.pc, 0x6000);
     click("Listing");
     press('G', MODIFIER_CONTROL);
     answer("pc + 5");
+    debugger_symbols().add_folder("source");
+    debugger_symbols().add_line({"game.c", 2}, 0x6005);
     press(KEY_F9);
     EXPECT_EQ(row("6005 34").substr(0, 18), "6005 34          i") << row("6005");
+
+    EXPECT_NE(row("game.c:2  ++lives;"), "");
 
     press(KEY_F5);
     EXPECT_NE(row("Breakpoint 1"), "") << row("at 600");
