@@ -239,6 +239,10 @@ void take_pointer(const Event& event) {
     if (group) click_group(SectionGroup(*group), column, row, twice);
 }
 
+bool is_control(const std::string& text) {
+    return text.empty() || uint8_t(text.front()) < ' ' || text.front() == 0x7F;
+}
+
 bool is_used_pointer(const Event& event) {
     using Act = Pointer::Act;
     const Act act = event.pointer.act;
@@ -368,6 +372,8 @@ bool debugger_view_wants(const Event& event) {
 
 void debugger_view_take(const Event& event) {
     if (!view) return;
+    // What keys such as Enter and Tab give as text has been taken as a key.
+    if (event.kind == Event::Kind::text && is_control(event.text)) return;
     view->changed = true;
     if (event.kind == Event::Kind::pointer) return take_pointer(event);
     if (view->prompt) {

@@ -8,6 +8,8 @@
 #include "z80/z80.h"
 
 #include <filesystem>
+#include <iomanip>
+#include <sstream>
 
 namespace {
 
@@ -90,6 +92,11 @@ protected:
         ADD_FAILURE() << "nowhere: " << text;
     }
     HeadlessPane& pane() { return host->pane(PaneId::debugger); }
+    static std::string hex_of(unsigned number) {
+        std::ostringstream text;
+        text << std::hex << std::uppercase << std::setw(4) << std::setfill('0') << number;
+        return text.str();
+    }
     static uint8_t byte(uint16_t address) { return mem_peek(address); }
 };
 
@@ -98,6 +105,8 @@ TEST_F(DebuggerWindowTest, AProgramIsStoppedChangedAndLedBack) {
     std::filesystem::create_directory("source");
     write_text("source/game.c", "int lives;\n  ++lives;\n");
     click("PC  ");
+    type("\r\t"); // what hosts give for the keys as well
+    EXPECT_NE(row("pc =  " + hex_of(z80_state.pc)), "");
     answer("6000");
     EXPECT_EQ(z80_state.pc, 0x6000);
     click("Listing");
