@@ -20,7 +20,7 @@ class Quiet {
 public:
     explicit Quiet(bool watched) {
         z80_state.breakpoint_enabled = 0;
-        z80_watch.run = watched ? z80_run_watched : nullptr;
+        z80_watch.run = watched ? history_watched_loop : nullptr;
         if (watched) machine_host.watch_hit = [] { return 1; };
     }
     ~Quiet() {
@@ -37,6 +37,8 @@ private:
 };
 
 } // namespace
+
+int32_t (*history_watched_loop)(int32_t budget) = nullptr;
 
 void HistoryRun::begin(int64_t frame, int64_t picture) {
     log_ = {};
