@@ -501,7 +501,6 @@ void past_start(const PastGoal& goal, const PastCalls& calls) {
     past_cancel();
     past_end.reset();
     past_work = {.goal = goal, .calls = calls, .was_live = history_is_live()};
-    history_watched_loop = z80_run_watched;
     if (!history_is_kept()) {
         return end_with({.reason = StopReason::failed, .text = "No history is kept"});
     }

@@ -81,6 +81,7 @@ private:
 
 std::string history_go_back(int64_t frame) {
     if (!history_is_kept()) return "no history is kept";
+    history_watched_loop = z80_run_watched;
     leave();
     const HistoryState* const state = parts::history->states.at(frame);
     if (!state) return "the history does not reach so far";

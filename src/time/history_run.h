@@ -16,8 +16,8 @@ enum class history_end : uint8_t {
     failed  ///< see trouble()
 };
 
-/// By which loop watched runs are run: z80_run_watched, as soon as there is a debugger. A program
-/// without one has not to be larger for it.
+/// By which loop watched runs are run: z80_run_watched, as soon as somebody looks for a moment. A
+/// program that never does has not to be larger for it.
 extern int32_t (*history_watched_loop)(int32_t budget);
 
 class HistoryRun {
