@@ -84,16 +84,16 @@ qSupported:multiprocess+;swbreak+;hwbreak+
 PacketSize=4000;qXfer:features:read+;qXfer:memory-map:read+;QStartNoAckMode+;ReverseStep+;)"
                               R"(ReverseContinue+;swbreak+;hwbreak+;vContSupported+
 s T050a:ffff;0b:0243;  vCont;s:1;c T050a:0050;0b:0543;  S05 T050a:0050;0b:0843;
-Z0,431f,1 OK  Z0,431f,1 OK  c T05swbreak:;0a:0050;0b:1f43;  z0,431f,1 OK  z0,431f,1 OK
+Z0,431f,1 OK  Z0,431f,1 OK  c T05swbreak:;0a:0050;0b:1f43;  z0,431f,1 OK
 g 0211040304030403282a7856bc9a34125713682400501f43111100011111
 p4 282a  pb 1f43  pf 01  p10 1111  p11 E01
-Z1,4323,1 OK  vCont;c T05hwbreak:;0a:0050;0b:2343;  z1,4323,1 OK  m4400,1 11
+Z1,4323,1 OK  vCont;c T05hwbreak:;0a:0050;0b:2343;  z1,4323,1 OK  z1,4323,1 OK  m4400,1 11
 Z2,43ff,2 OK  c T05watch:4400;0a:0050;0b:2243;  bs T050a:0050;0b:1f43;  s T050a:0050;0b:2243;
 bs T050a:0050;0b:1f43;  c T05watch:4400;0a:0050;0b:2243;  bc T05watch:4400;0a:0050;0b:1f43;
 z2,43ff,2 OK  bc T05replaylog:begin:;0a:ffff;0b:0043;  c T05replaylog:end:;0a:0050;0b:2243;
-Z3,4400,1 OK  C05;4323 T05rwatch:4400;0a:0050;0b:2643;  z3,4400,1 OK
+Z3,4400,1 OK  C05;431f T05rwatch:4400;0a:0050;0b:2643;  z3,4400,1 OK
 Z4,4400,1 OK  c T05awatch:4400;0a:0050;0b:2243;  z4,4400,1 OK
-Z5,4400,1 E01  Z0,10000,1 E01  Z0,4300 E01
+Z2,ffff,10 OK  z2,ffff,10 OK  Z5,4400,1 E01  Z0,10000,1 E01  Z0,4300 E01
 Pb=1f43 OK  P10=3422 OK  pc 22  pd 34  Pe=03 OK  pe 03  Pe=04 E01  Pf=03 E01  P0=11 E01
 P1=111100 E01  P11=0000 E01  M4500,3:0a7dff OK  m4500,4 0a7dff00  X4503,0: OK  M4500,2:0a E01
 M4500,1:0g E01  M3fff,2:0102 E01  Mfffe,3:010203 E01  mffff,10 ff  m10000,1 E01  m,1 E01
@@ -125,6 +125,10 @@ TEST_F(Remote, DescribesItself) {
                    "<memory type=\"ram\" start=\"0xf000\" length=\"0x1000\"/>"
                    "<memory type=\"ram\" start=\"0x10000\" length=\"0xffffffffffff0000\"/>"
                    "</memory-map>");
+    EXPECT_EQ(ask("M8000,1:00"), "OK");
+    machine_cfg[CUSTOM_CONFIGURATION].ram_size = 0; // 16 KB
+    EXPECT_EQ(ask("M8000,1:00"), "E01");
+    machine_cfg[CUSTOM_CONFIGURATION].ram_size = 1;
 }
 
 /// Bytes as they come: in pieces, damaged, too many, and without acknowledgement.
