@@ -6,6 +6,7 @@
 #include "host/display.h"
 #include "host/keep_history.h"
 #include "host/shell.h"
+#include "host/shell_state.h"
 #include "host/status.h"
 #include "monitor/monitor.h"
 #include "sound/output/sound_ring.h"
@@ -49,7 +50,12 @@ void take_symbols() {
     const std::string file = symbol_file_beside(debugging.program);
     if (file.empty() || file == debugging.symbols) return;
     SymbolTable& symbols = debugger_symbols();
-    if (!debugging.symbols.empty()) symbols.clear(); // of the program before
+    if (!debugging.symbols.empty()) {
+        symbols.clear(); // of the program before; those of the command line stay
+        for (const std::string& named : shell_state.start.line.symbols) {
+            load_symbol_file(named, symbols);
+        }
+    }
     debugging.symbols = file;
     const std::string problem = load_symbol_file(file, symbols);
     write_line(problem.empty() ? std::to_string(symbols.size()) + " symbols from " + file
