@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr int64_t MOST_STEPS = 1'000'000;
+constexpr int64_t MOST_STEPS = 10'000;
 constexpr int64_t LAST_MOMENT = std::numeric_limits<int64_t>::max();
 
 // ---- breakpoints -------------------------------------------------------------------------------
