@@ -242,8 +242,9 @@ std::string CommandWords::words_up_to(size_t end, std::string_view what) {
 
 std::string CommandWords::expression(std::initializer_list<std::string_view> ends) {
     const auto is_end = [&](std::string_view word) {
-        return word.starts_with('"') || std::ranges::any_of(ends,
-                                   [&](std::string_view end) { return is_same_word(word, end); });
+        return word.starts_with('"') || std::ranges::any_of(ends, [&](std::string_view end) {
+                   return is_same_word(word, end);
+               });
     };
     size_t end = next;
     while (end < words.size() && !is_end(words[end])) ++end;

@@ -110,8 +110,8 @@ MenuEntry time_menu() {
 }
 
 MenuEntry machine_menu() {
-    Entries entries = {item(COMMAND_PAUSE), item(COMMAND_RESET), item(COMMAND_RESTART),
-                       SEPARATOR,           item(COMMAND_COPY),  item(COMMAND_PASTE),
+    Entries entries = {item(COMMAND_PAUSE), item(COMMAND_RESET),  item(COMMAND_RESTART),
+                       SEPARATOR,           item(COMMAND_COPY),   item(COMMAND_PASTE),
                        SEPARATOR,           item(COMMAND_MONITOR)};
     if (platform().window().has_debugger()) entries.push_back(item(COMMAND_DEBUGGER));
     entries.insert(entries.end(), {SEPARATOR, item(COMMAND_CONFIGURATION), SEPARATOR,

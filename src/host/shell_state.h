@@ -83,15 +83,15 @@ struct shell_record {
     uint32_t sound_latency = 0;  ///< ms, as it was read
 
     // At the moment.
-    bool active = true;     ///< frames are run in idle time
-    bool paused = false;    ///< by the user
-    bool debug = false;     ///< the monitor owns the window
+    bool active = true;           ///< frames are run in idle time
+    bool paused = false;          ///< by the user
+    bool debug = false;           ///< the monitor owns the window
     bool debugger_stands = false; ///< the debugger has the machine stand
-    bool use_gdi = true;    ///< the window presents; off while the whole screen does
-    int full_screen = 0;    ///< 0 windowed, else 1 + use_gdi as it was
-    bool auto_start = true; ///< cleared for one evaluation of the command line: only load
-    std::string emu_path;   ///< the program's directory, with a trailing separator
-    std::string avi_name;   ///< capture to start with
+    bool use_gdi = true;          ///< the window presents; off while the whole screen does
+    int full_screen = 0;          ///< 0 windowed, else 1 + use_gdi as it was
+    bool auto_start = true;       ///< cleared for one evaluation of the command line: only load
+    std::string emu_path;         ///< the program's directory, with a trailing separator
+    std::string avi_name;         ///< capture to start with
     WindowFit window_fit;
     Size usual_picture; ///< the picture's area in a window that the user has not sized
     Size given_picture; ///< the area that it was given last, until the user changes it
