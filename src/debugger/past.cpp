@@ -291,7 +291,8 @@ void find_call(uint16_t slot, uint16_t return_address,
     search_then({.take_hits = take}, false,
                 [was_call, found = std::move(found), other = std::move(other)] {
                     const auto& hit = past_work.search.found();
-                    hit&&* was_call ? found(hit->place) : other();
+                    if (hit && *was_call) return found(hit->place);
+                    other();
                 });
 }
 
