@@ -81,6 +81,16 @@ uint8_t read_device(uint32_t address) {
     return OPEN;
 }
 
+/// A read of the controller takes its interrupt back and counts the bytes of a sector.
+uint8_t peek_device(uint32_t address) {
+    const wd1771_controller before = wd1771;
+    const int32_t irq = z80_state.irq;
+    const uint8_t value = read_device(address);
+    z80_state.irq = irq;
+    wd1771 = before;
+    return value;
+}
+
 /// C000 and above: everything that is not plain RAM or the BASIC ROM.
 [[gnu::noinline]] uint8_t read_upper(uint32_t address) {
     if (address < OPEN_BUS) return current_eprom[address & (DISK_ROM_SIZE - 1)];
@@ -148,7 +158,8 @@ uint8_t mem_peek(uint32_t address) {
     assert(address < 0x10000);
     if (address < EXPANSION_ROM) return memory[address];
     if (address < OPEN_BUS) return current_eprom[address & (DISK_ROM_SIZE - 1)];
-    if (address < COLOUR_RAM || address >= DEVICES) return OPEN;
+    if (address < COLOUR_RAM) return OPEN;
+    if (address >= DEVICES) return peek_device(address);
     if (address < CHARACTER_RAM) return memory[address] | COLOUR_UNUSED_BITS;
     if (address >= KEYBOARD && address < UNUSED_RAM) return keyboard_peek(uint8_t(address));
     return memory[address];
