@@ -129,11 +129,7 @@ void travel(int64_t frame, std::function<void()> then) {
 /// To the moment.
 void travel_to(const history_moment& moment, std::function<void()> then) {
     travel(moment.frame, [moment, then = std::move(then)] {
-        history_end end = history_run_to_cycle(moment.cycle);
-        while (end == history_end::stands && z80_state.t_count == moment.cycle &&
-               z80_state.pc != moment.pc) {
-            end = history_run_steps(1, false);
-        }
+        const history_end end = history_run_to(moment);
         if (history_moment_now() == moment) return then();
         fail_past(end == history_end::failed ? history_trouble() : "There is no such moment");
     });

@@ -1,7 +1,5 @@
 #include "debugger/past_steps.h"
 
-#include "z80/z80.h"
-
 #include <algorithm>
 
 namespace {
@@ -41,9 +39,6 @@ std::optional<size_t> PastSteps::find(const history_moment& moment) const {
 bool PastSteps::go_to(size_t n) const {
     history_take_up(parked_[n / PARKED_EVERY]);
     const history_moment& to = place(n);
-    history_end end = history_run_to_cycle(to.cycle);
-    while (end == history_end::stands && z80_state.t_count == to.cycle && z80_state.pc != to.pc) {
-        end = history_run_steps(1, false);
-    }
+    history_run_to(to);
     return history_moment_now() == to;
 }

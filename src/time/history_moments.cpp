@@ -119,6 +119,15 @@ history_end history_run_to_cycle(int64_t cycle) {
     return history_run_steps(0, false);
 }
 
+history_end history_run_to(const history_moment& moment) {
+    history_end end = history_run_to_cycle(moment.cycle);
+    while (end == history_end::stands && z80_state.t_count == moment.cycle &&
+           z80_state.pc != moment.pc) {
+        end = history_run_steps(1, false);
+    }
+    return end;
+}
+
 const std::string& history_trouble() { return last_trouble; }
 
 void history_park(history_place& to) {
@@ -157,11 +166,7 @@ std::string history_show_moment(const history_moment& moment) {
     while (trouble.empty() && history_position() < moment.frame && end == history_end::frame) {
         end = history_run_frame(false);
     }
-    if (trouble.empty() && end == history_end::frame) end = history_run_to_cycle(moment.cycle);
-    const auto is_before = [&] {
-        return z80_state.t_count == moment.cycle && z80_state.pc != moment.pc;
-    };
-    while (end == history_end::stands && is_before()) end = history_run_steps(1, false);
+    if (trouble.empty() && end == history_end::frame) end = history_run_to(moment);
     if (end == history_end::failed) trouble = history_trouble();
     if (trouble.empty() && !(history_moment_now() == moment)) trouble = "there is no such moment";
     if (!trouble.empty() || end == history_end::record) {

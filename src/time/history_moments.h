@@ -23,6 +23,9 @@ history_end history_run_steps(int instructions, bool watched);
 /// At most a frame: to the first instruction at the cycle or later, with what was done there; or to
 /// the end of the frame.
 history_end history_run_to_cycle(int64_t cycle);
+/// The same to a moment of the frame that has begun, if the machine comes there: traps take no
+/// time, so the cycle alone is not enough.
+history_end history_run_to(const history_moment& moment);
 /// Why the last one has failed.
 const std::string& history_trouble();
 
